@@ -1,0 +1,4 @@
+#pragma once
+
+// Which stage's rate and channel count an echo-cancellation module is asked for or told.
+enum PlatFormFsChSel { APMFSCHSEL = 0 };

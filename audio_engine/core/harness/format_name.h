@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+// A file name of any length from a printf format.
+std::string FormatName(const char* format, ...) __attribute__((format(printf, 1, 2)));

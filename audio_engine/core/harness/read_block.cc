@@ -1,0 +1,5 @@
+#include "harness/read_block.h"
+
+bool ReadBlock(StdioFile& file, void* block, size_t bytes) {
+  return file.Read(block, bytes, 1) == 1;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+
+#include "engine_api/wav_reader.h"
+#include "harness/stdio_file.h"
+
+// "A whole block or stop": true when the block was read whole, false at the end of the input. A
+// block of nothing counts as the end; a missing WAVE has rate 0, and reading 0 samples from it
+// would go on for ever. So does a block that is larger than its array, as a broken header may ask
+// for.
+
+// `samples` interleaved samples (of all channels together) from a WAVE.
+template <size_t capacity>
+bool ReadBlock(zuwebrtc::WavReader& reader, short (&block)[capacity], unsigned samples) {
+  return samples > 0 && samples <= capacity && reader.ReadSamples(samples, block) == samples;
+}
+
+// `bytes` bytes from a headerless file.
+bool ReadBlock(StdioFile& file, void* block, size_t bytes);

@@ -1,0 +1,5 @@
+#include "harness/run_test_case.h"
+
+#include "harness/routines.h"
+
+void RunTestCase() { TestHRTF(); }

@@ -1,0 +1,36 @@
+#include "harness/stdio_file.h"
+
+namespace {
+
+constexpr size_t kBufferBytes = 65536;  // The usual page a call costs more than the copying.
+
+}  // namespace
+
+StdioFile::StdioFile(const char* name, const char* mode) : m_file(fopen(name, mode)) {
+  if (m_file == nullptr) return;
+  m_buffer.reset(new char[kBufferBytes]);
+  setvbuf(m_file, m_buffer.get(), _IOFBF, kBufferBytes);
+}
+
+size_t StdioFile::Read(void* data, size_t size, size_t count) {
+  return m_file != nullptr ? fread(data, size, count, m_file) : 0;
+}
+
+size_t StdioFile::Write(const void* data, size_t size, size_t count) {
+  return m_file != nullptr ? fwrite(data, size, count, m_file) : 0;
+}
+
+void StdioFile::Seek(long offset, int origin) {
+  if (m_file != nullptr) fseek(m_file, offset, origin);
+}
+
+void StdioFile::Close() {
+  if (m_file != nullptr) fclose(m_file);
+  m_file = nullptr;
+  m_buffer.reset();
+}
+
+void StdioFile::LeaveOpen() {
+  m_file = nullptr;
+  m_buffer.release();  // The stream goes on using it.
+}

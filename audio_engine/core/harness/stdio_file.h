@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+
+// A stdio stream that may not be open. One that is not open reads and writes nothing and ignores
+// seeking and closing, so that a routine need not ask whether its files exist.
+class StdioFile {
+ public:
+  StdioFile(const char* name, const char* mode);
+  ~StdioFile() { Close(); }
+  StdioFile(const StdioFile&) = delete;
+  StdioFile& operator=(const StdioFile&) = delete;
+
+  // As fread and fwrite: the number of whole items of `size` bytes moved, 0 when not open.
+  size_t Read(void* data, size_t size, size_t count);
+  size_t Write(const void* data, size_t size, size_t count);
+
+  // As fseek.
+  void Seek(long offset, int origin);
+
+  void Close();
+
+  // Gives the stream up without closing it, for routines that leave a file open on purpose.
+  void LeaveOpen();
+
+  // The stream, null when not open.
+  FILE* get() const { return m_file; }
+
+ private:
+  FILE* m_file;
+  std::unique_ptr<char[]> m_buffer;  // The stream's own, in use until it is closed.
+};

@@ -1,0 +1,178 @@
+#include "harness/log_sinks.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/temporary_directory.h"
+
+// The sinks keep their streams for the life of the process: every test runs them in a child
+// process, on real files.
+
+extern "C" {
+FILE* __real_fopen(const char* name, const char* mode);
+FILE* __wrap_fopen(const char* name, const char* mode);
+}
+
+namespace {
+
+std::atomic<int> g_opens = 0;
+
+std::string Content(const char* name) {
+  std::ifstream file(name, std::ios::binary);
+  std::ostringstream content;
+  content << file.rdbuf();
+  return content.str();
+}
+
+bool KilledBy(int status, int signal) { return WIFSIGNALED(status) && WTERMSIG(status) == signal; }
+
+}  // namespace
+
+FILE* __wrap_fopen(const char* name, const char* mode) {
+  ++g_opens;
+  return __real_fopen(name, mode);
+}
+
+TEST(PrintSdkLog, KeepsEveryLineOfAProcessThatIsKilled) {
+  const TemporaryDirectory directory;
+
+  const int status = RunInChild([] {
+    PrintSdkLog("first");
+    PrintSdkLog("");
+    PrintSdkLog("ends in a newline\n");
+    PrintSdkLog("100 %s %d");
+    raise(SIGKILL);
+  });
+
+  EXPECT_TRUE(KilledBy(status, SIGKILL));
+  EXPECT_EQ(Content("sdk_log.txt"), "first\n\nends in a newline\n\n100 %s %d\n");
+}
+
+TEST(PrintSdkLog, WritesWholeLinesFromManyThreadsThroughOneOpening) {
+  const TemporaryDirectory directory;
+  constexpr int kThreads = 16;
+  constexpr int kLines = 200;
+
+  const int status = RunInChild([] {
+    std::atomic<int> waiting = kThreads;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+      threads.emplace_back([thread, &waiting] {
+        for (--waiting; waiting > 0;) std::this_thread::yield();  // All at once.
+        for (int line = 0; line < kLines; ++line) {
+          PrintSdkLog(
+              ("thread " + std::to_string(thread) + " line " + std::to_string(line)).c_str());
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    if (g_opens != 1) _exit(1);
+    raise(SIGKILL);
+  });
+
+  EXPECT_TRUE(KilledBy(status, SIGKILL)) << "opened more than once";
+  std::multiset<std::string> expected;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    for (int line = 0; line < kLines; ++line) {
+      expected.insert("thread " + std::to_string(thread) + " line " + std::to_string(line));
+    }
+  }
+  std::istringstream content(Content("sdk_log.txt"));
+  std::multiset<std::string> lines;
+  for (std::string line; std::getline(content, line);) lines.insert(line);
+  EXPECT_EQ(lines, expected);
+}
+
+TEST(PrintSdkLog, EmptiesTheFileOfAnEarlierRun) {
+  const TemporaryDirectory directory;
+  std::ofstream("sdk_log.txt") << "from an earlier run, and longer than the new line\n";
+
+  RunInChild([] { PrintSdkLog("new"); });
+
+  EXPECT_EQ(Content("sdk_log.txt"), "new\n");
+}
+
+TEST(PrintSdkLog, TriesToOpenOnceOnly) {
+  const TemporaryDirectory directory;
+  std::filesystem::create_directory("sdk_log.txt");  // No file can be opened under this name.
+
+  const int status = RunInChild([] {
+    PrintSdkLog("lost");
+    std::filesystem::remove("sdk_log.txt");
+    PrintSdkLog("lost too");
+    _exit(g_opens);
+  });
+
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_FALSE(std::filesystem::exists("sdk_log.txt"));
+}
+
+TEST(DebugLogFunction, DoesNotFlush) {
+  const TemporaryDirectory directory;
+
+  const int status = RunInChild([] {
+    DebugLogFunction("buffered");
+    raise(SIGKILL);
+  });
+
+  EXPECT_TRUE(KilledBy(status, SIGKILL));
+  EXPECT_TRUE(std::filesystem::exists("audio_engine.log"));
+  EXPECT_EQ(Content("audio_engine.log"), "");
+}
+
+TEST(DebugLogFunction, AddsANewlineToEveryLine) {
+  const TemporaryDirectory directory;
+
+  RunInChild([] {
+    DebugLogFunction("one");
+    DebugLogFunction("");
+    DebugLogFunction("two\n");
+    DebugLogFunction("%d");
+    std::fflush(nullptr);
+  });
+
+  EXPECT_EQ(Content("audio_engine.log"), "one\n\ntwo\n\n%d\n");
+}
+
+TEST(DebugLogFunction, TriesToOpenAgainUntilItSucceeds) {
+  const TemporaryDirectory directory;
+  std::filesystem::create_directory("audio_engine.log");
+
+  const int status = RunInChild([] {
+    DebugLogFunction("lost");
+    DebugLogFunction("lost too");
+    std::filesystem::remove("audio_engine.log");
+    DebugLogFunction("kept");
+    DebugLogFunction("kept too");
+    std::fflush(nullptr);
+    _exit(g_opens);
+  });
+
+  EXPECT_EQ(WEXITSTATUS(status), 3);
+  EXPECT_EQ(Content("audio_engine.log"), "kept\nkept too\n");
+}
+
+TEST(LogSinks, ShareNothing) {
+  const TemporaryDirectory directory;
+
+  RunInChild([] {
+    PrintSdkLog("sdk");
+    DebugLogFunction("debug");
+    std::fflush(nullptr);
+  });
+
+  EXPECT_EQ(Content("sdk_log.txt"), "sdk\n");
+  EXPECT_EQ(Content("audio_engine.log"), "debug\n");
+}

@@ -1,0 +1,140 @@
+// The stdio side of the fake, for programs linked with --wrap for each function below: files are in
+// memory while a test has a FakeEngine, and every operation on one of them is recorded under its
+// base name. Other streams are left alone.
+
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <mutex>
+
+#include "fake_engine/fake_engine.h"
+
+extern "C" {
+FILE* __real_fopen(const char* name, const char* mode);
+int __real_fclose(FILE* stream);
+size_t __real_fread(void* data, size_t size, size_t count, FILE* stream);
+size_t __real_fwrite(const void* data, size_t size, size_t count, FILE* stream);
+int __real_fflush(FILE* stream);
+int __real_fseek(FILE* stream, long offset, int origin);
+FILE* __wrap_fopen(const char* name, const char* mode);
+int __wrap_fclose(FILE* stream);
+size_t __wrap_fread(void* data, size_t size, size_t count, FILE* stream);
+size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream);
+int __wrap_fflush(FILE* stream);
+int __wrap_fseek(FILE* stream, long offset, int origin);
+}
+
+namespace {
+
+// One open stream: its file may outlive the engine that it was opened under.
+struct Cookie {
+  std::shared_ptr<std::string> bytes;
+  size_t position = 0;
+};
+
+std::mutex g_mutex;
+std::map<FILE*, std::string> g_names;  // Base names of the open in-memory files.
+
+// Empty for a stream that is not one of them.
+std::string NameOf(FILE* stream) {
+  const std::lock_guard lock(g_mutex);
+  const auto found = g_names.find(stream);
+  return found != g_names.end() ? found->second : std::string();
+}
+
+ssize_t ReadCookie(void* opaque, char* data, size_t size) {
+  auto* cookie = static_cast<Cookie*>(opaque);
+  const size_t start = std::min(cookie->position, cookie->bytes->size());
+  const size_t read = cookie->bytes->copy(data, size, start);
+  cookie->position = start + read;
+  return static_cast<ssize_t>(read);
+}
+
+ssize_t WriteCookie(void* opaque, const char* data, size_t size) {
+  auto* cookie = static_cast<Cookie*>(opaque);
+  if (cookie->bytes->size() < cookie->position + size) {
+    cookie->bytes->resize(cookie->position + size);
+  }
+  cookie->bytes->replace(cookie->position, size, data, size);
+  cookie->position += size;
+  return static_cast<ssize_t>(size);
+}
+
+int SeekCookie(void* opaque, off64_t* offset, int origin) {
+  auto* cookie = static_cast<Cookie*>(opaque);
+  off64_t base = 0;
+  if (origin == SEEK_CUR) base = static_cast<off64_t>(cookie->position);
+  if (origin == SEEK_END) base = static_cast<off64_t>(cookie->bytes->size());
+  if (base + *offset < 0) return -1;
+  *offset += base;
+  cookie->position = static_cast<size_t>(*offset);
+  return 0;
+}
+
+int CloseCookie(void* opaque) {
+  delete static_cast<Cookie*>(opaque);
+  return 0;
+}
+
+std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name, bool writing) {
+  if (!writing) return engine.HasFile(name) ? engine.files[name] : nullptr;
+  if (engine.unwritable.count(name) > 0) return nullptr;
+  return engine.files[name] = std::make_shared<std::string>();
+}
+
+}  // namespace
+
+FILE* __wrap_fopen(const char* name, const char* mode) {
+  if (!FakeEngine::HasCurrent()) return __real_fopen(name, mode);
+  FakeEngine& engine = FakeEngine::Current();
+  const auto bytes = FileFor(engine, name, mode[0] == 'w');
+  engine.Record("fopen(%s, %s)%s", name, mode, bytes != nullptr ? "" : " = null");
+  if (bytes == nullptr) return nullptr;
+  const cookie_io_functions_t functions = {ReadCookie, WriteCookie, SeekCookie, CloseCookie};
+  FILE* stream = fopencookie(new Cookie{bytes}, mode, functions);
+  const char* slash = strrchr(name, '/');
+  const std::lock_guard lock(g_mutex);
+  g_names[stream] = slash != nullptr ? slash + 1 : name;
+  return stream;
+}
+
+int __wrap_fclose(FILE* stream) {
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fclose(%s)", name.c_str());
+    const std::lock_guard lock(g_mutex);
+    g_names.erase(stream);
+  }
+  return __real_fclose(stream);
+}
+
+size_t __wrap_fread(void* data, size_t size, size_t count, FILE* stream) {
+  const size_t items = __real_fread(data, size, count, stream);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fread(%s, %zu, %zu) = %zu", name.c_str(), size, count, items);
+  }
+  return items;
+}
+
+size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream) {
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fwrite(%s, %zu, %zu)", name.c_str(), size, count);
+  }
+  return __real_fwrite(data, size, count, stream);
+}
+
+int __wrap_fflush(FILE* stream) {
+  const std::string name = stream != nullptr ? NameOf(stream) : std::string();
+  if (!name.empty()) FakeEngine::Current().Record("fflush(%s)", name.c_str());
+  return __real_fflush(stream);
+}
+
+int __wrap_fseek(FILE* stream, long offset, int origin) {
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fseek(%s, %ld, %d)", name.c_str(), offset, origin);
+  }
+  return __real_fseek(stream, offset, origin);
+}
