@@ -1,0 +1,15 @@
+#include "verdict.h"
+
+const char* VerdictName(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::kPass:
+      return "pass";
+    case Verdict::kFail:
+      return "fail";
+    case Verdict::kError:
+      return "error";
+    case Verdict::kSkip:
+      return "skip";
+  }
+  return "";
+}
