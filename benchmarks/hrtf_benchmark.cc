@@ -1,0 +1,33 @@
+// The whole head-related rendering routine over a minute of noise, files included.
+
+#include <benchmark/benchmark.h>
+
+#include "cpu_timer.h"
+#include "harness/hrtf_files.h"
+#include "harness/routines.h"
+#include "host/path_map.h"
+#include "recording.h"
+#include "support/temporary_directory.h"
+
+namespace {
+
+void WholeTestHrtf(benchmark::State& state) {
+  constexpr int kSeconds = 60;
+  const TemporaryDirectory workspace;
+  static FileActivity activity;
+  MapOpenedFiles(&activity);
+  if (!WriteRecording(kHrtfInput.name.data(), kSeconds)) {
+    state.SkipWithError("the input cannot be written");
+    return;
+  }
+  double seconds = 0;
+  for (auto _ : state) {
+    const double run = TimeOf([] { TestHRTF(); });
+    state.SetIterationTime(run);
+    seconds += run;
+  }
+  state.counters["RTF"] = seconds / kSeconds / static_cast<double>(state.iterations());
+}
+BENCHMARK(WholeTestHrtf)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
