@@ -79,7 +79,7 @@ TEST_F(WavReaderTest, KeepsTheSixteenBitRangeInFloats) {
 }
 
 TEST_F(WavReaderTest, PassesOverOtherChunks) {
-  const std::string list = Chunk("LIST", std::string("INFOISFT\4\0\0\0abc", 16));
+  const std::string list = Chunk("LIST", std::string("INFOISFT\4\0\0\0abc", 15));
   const std::string fact = Chunk("fact", std::string("\3\0\0\0", 4));
   ExpectReads(Riff(list + kFormat + kData), {1, -2, 3});
   ExpectReads(Riff(kFormat + fact + list + kData), {1, -2, 3});

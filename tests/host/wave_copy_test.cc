@@ -28,7 +28,7 @@ class WaveCopyTest : public testing::Test {
                                 .channels = 2,
                                 .bytes = samples.size() * 4,
                                 .frameBytes = 8};
-    const WaveCopy copy = WriteWaveCopy(file, layout, peak, path);
+    WaveCopy copy = WriteWaveCopy(file, layout, peak, path);
     fclose(file);
     return copy;
   }
