@@ -6,8 +6,8 @@
 // ahead, 90 at the right ear; elevation in degrees, 90 overhead. diffused selects the diffuse-field
 // equalised set (1) or the plain one (0). Any thread.
 //
-// The desktop engine has the plain set only, for 44100, 48000, 88200 and 96000 Hz; the first use of
-// a rate loads it, which takes up to a second. Azimuths of any size wrap around.
+// The desktop engine has the plain set only, for 44100 and 48000 Hz. Azimuths of any size wrap
+// around.
 extern "C" {
 
 // The number of taps that the nearest measured position has at that rate (Hz), 0 when the table has
