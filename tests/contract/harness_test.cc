@@ -76,7 +76,7 @@ TEST(StdioFile, LeavesAFileOpenOnRequest) {
   }
   EXPECT_THAT(engine.CallsWith("fclose"), IsEmpty());
   EXPECT_EQ(engine.Bytes("out.pcm"), "");  // Still in the stream's buffer.
-  fflush(stream);  // It goes on working, with the buffer that it had.
+  fflush(stream);                          // It goes on working, with the buffer that it had.
   EXPECT_EQ(engine.Bytes("out.pcm"), "abc");
 }
 

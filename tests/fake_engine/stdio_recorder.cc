@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <utility>
 
 #include "fake_engine/fake_engine.h"
 
@@ -28,18 +30,29 @@ namespace {
 
 // One open stream: its file may outlive the engine that it was opened under.
 struct Cookie {
+  explicit Cookie(std::shared_ptr<std::string> file) : bytes(std::move(file)) {}
   std::shared_ptr<std::string> bytes;
   size_t position = 0;
 };
 
-std::mutex g_mutex;
-std::map<FILE*, std::string> g_names;  // Base names of the open in-memory files.
+struct OpenFile {
+  std::string name;  // Without its folders.
+  std::unique_ptr<Cookie> cookie;
+};
 
-// Empty for a stream that is not one of them.
+std::mutex g_mutex;
+
+// Lives as long as the process: what a routine leaves open is flushed at its very end.
+std::map<FILE*, OpenFile>& OpenFiles() {
+  static auto* const files = new std::map<FILE*, OpenFile>;
+  return *files;
+}
+
+// Empty for a stream that is not an open file in memory.
 std::string NameOf(FILE* stream) {
   const std::lock_guard lock(g_mutex);
-  const auto found = g_names.find(stream);
-  return found != g_names.end() ? found->second : std::string();
+  const auto found = OpenFiles().find(stream);
+  return found != OpenFiles().end() ? found->second.name : std::string();
 }
 
 ssize_t ReadCookie(void* opaque, char* data, size_t size) {
@@ -71,11 +84,6 @@ int SeekCookie(void* opaque, off64_t* offset, int origin) {
   return 0;
 }
 
-int CloseCookie(void* opaque) {
-  delete static_cast<Cookie*>(opaque);
-  return 0;
-}
-
 std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name, bool writing) {
   if (!writing) return engine.HasFile(name) ? engine.files[name] : nullptr;
   if (engine.unwritable.count(name) > 0) return nullptr;
@@ -90,21 +98,22 @@ FILE* __wrap_fopen(const char* name, const char* mode) {
   const auto bytes = FileFor(engine, name, mode[0] == 'w');
   engine.Record("fopen(%s, %s)%s", name, mode, bytes != nullptr ? "" : " = null");
   if (bytes == nullptr) return nullptr;
-  const cookie_io_functions_t functions = {ReadCookie, WriteCookie, SeekCookie, CloseCookie};
-  FILE* stream = fopencookie(new Cookie{bytes}, mode, functions);
+  const cookie_io_functions_t functions = {ReadCookie, WriteCookie, SeekCookie, nullptr};
+  auto cookie = std::make_unique<Cookie>(bytes);
+  FILE* stream = fopencookie(cookie.get(), mode, functions);
   const char* slash = strrchr(name, '/');
   const std::lock_guard lock(g_mutex);
-  g_names[stream] = slash != nullptr ? slash + 1 : name;
+  OpenFiles()[stream] = {slash != nullptr ? slash + 1 : name, std::move(cookie)};
   return stream;
 }
 
 int __wrap_fclose(FILE* stream) {
   const std::string name = NameOf(stream);
-  if (!name.empty()) {
-    FakeEngine::Current().Record("fclose(%s)", name.c_str());
-    const std::lock_guard lock(g_mutex);
-    g_names.erase(stream);
-  }
+  if (name.empty()) return __real_fclose(stream);
+  FakeEngine::Current().Record("fclose(%s)", name.c_str());
+  std::unique_lock lock(g_mutex);
+  const auto file = OpenFiles().extract(stream);  // Closing still needs it.
+  lock.unlock();
   return __real_fclose(stream);
 }
 
