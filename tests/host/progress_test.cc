@@ -5,7 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "support/temporary_directory.h"
 
@@ -32,19 +34,32 @@ std::string OnTerminal(const char* program, const std::vector<const char*>& word
   return shown;
 }
 
-TEST(Progress, ShowsAfterASecondAndGivesWayToTheReport) {
-  const TemporaryDirectory directory;
+class Progress : public testing::Test {
+ protected:
+  void SetUp() override {
+    int terminal = -1;
+    int other = -1;
+    if (openpty(&terminal, &other, nullptr, nullptr, nullptr) != 0) {
+      GTEST_SKIP() << "this machine has no pseudo-terminals (/dev/pts)";
+    }
+    close(terminal);
+    close(other);
+  }
+
+  TemporaryDirectory m_directory;
+};
+
+TEST_F(Progress, ShowsAfterASecondAndGivesWayToTheReport) {
   const std::string shown = OnTerminal(AUDIO_BENCH_PROBE, {"run", "Hang", "--timeout-s", "1.1"});
-  const size_t progress = shown.find("\r\033[KHang  1 s  files opened: 1 of 1");
-  ASSERT_NE(progress, std::string::npos) << testing::PrintToString(shown);
-  EXPECT_LT(shown.find("hanging\r\n"), progress) << "nothing is shown in the first second";
-  const size_t report = shown.find("\r\033[Kerror  Hang");
-  EXPECT_NE(report, std::string::npos) << testing::PrintToString(shown);
-  EXPECT_LT(progress, report);
+  const std::regex line("\r\x1b\\[KHang  [1-9][0-9]* s  files opened: 1 of 1");
+  std::smatch progress;
+  ASSERT_TRUE(std::regex_search(shown, progress, line)) << testing::PrintToString(shown);
+  EXPECT_THAT(progress.prefix().str(), testing::HasSubstr("hanging\r\n"))
+      << "nothing is shown in the first second";
+  EXPECT_THAT(progress.suffix().str(), testing::HasSubstr("\r\033[Kerror  Hang"));
 }
 
-TEST(Progress, IsNotShownForAShortRun) {
-  const TemporaryDirectory directory;
+TEST_F(Progress, IsNotShownForAShortRun) {
   const std::string shown = OnTerminal(AUDIO_BENCH_PROBE, {"run", "PrintAndLog"});
   EXPECT_THAT(shown, testing::HasSubstr("logged\r\n"));
   EXPECT_THAT(shown, testing::Not(testing::HasSubstr("\033[K")));
