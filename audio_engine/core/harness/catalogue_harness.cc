@@ -1,4 +1,4 @@
-// The entry, the placeholder and the helpers.
+// The entry, TestSilkMos and the helpers.
 
 #include "harness/catalogue_rows.h"
 #include "harness/hrtf_files.h"
