@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cpu_timer.h"
-#include "engine_api/fir_filter.h"
+#include "engine_api/effects/fir_filter.h"
 #include "noise.h"
 #include "peak_multiply_add.h"
 

@@ -2,9 +2,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/effects/routines.h"
 #include "cpu_timer.h"
-#include "harness/hrtf_files.h"
-#include "harness/routines.h"
+#include "harness/catalogue/hrtf_files.h"
 #include "host/path_map.h"
 #include "recording.h"
 #include "support/temporary_directory.h"

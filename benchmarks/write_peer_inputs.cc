@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "engine_api/mit_hrtf.h"
-#include "engine_api/wav_writer.h"
+#include "engine_api/common/wav_writer.h"
+#include "engine_api/effects/mit_hrtf.h"
 #include "recording.h"
 
 namespace {

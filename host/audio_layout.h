@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <optional>
 
-#include "harness/catalogue.h"
+#include "harness/catalogue/catalogue.h"
 
 // How the bytes of an audio file are laid out: one run of interleaved samples.
 struct AudioLayout {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "harness/catalogue.h"
+#include "harness/catalogue/catalogue.h"
 
 // The catalogue in words.
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "harness/catalogue.h"
+#include "harness/catalogue/catalogue.h"
 
 // A file that a routine declares, and where it is in the workspace of a run.
 struct FilePlace {

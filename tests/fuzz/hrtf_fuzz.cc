@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
+#include "bench/effects/routines.h"
 #include "fuzz/fuzz_target.h"
-#include "harness/routines.h"
 #include "support/file_bytes.h"
 
 extern const int kIterations = 2000;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine_api/channel_buffer.h"
+#include "engine_api/common/channel_buffer.h"
 #include "fuzz/fuzz_target.h"
 #include "harness/pcm_readers.h"
 #include "support/file_bytes.h"

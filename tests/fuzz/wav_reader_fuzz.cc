@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine_api/wav_reader.h"
+#include "engine_api/common/wav_reader.h"
 #include "fuzz/fuzz_target.h"
 #include "support/file_bytes.h"
 #include "support/wav_bytes.h"

@@ -1,4 +1,4 @@
-#include "harness/invoke.h"
+#include "harness/catalogue/invoke.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // A catalogue of routines that do what routines should not, for the tests of the host.
 
-#include "harness/catalogue.h"
-#include "harness/invoke.h"
+#include "harness/catalogue/catalogue.h"
+#include "harness/catalogue/invoke.h"
 #include "probe_routines.h"
 
 namespace {

@@ -10,11 +10,11 @@ mkdir -p "$scratch/elsewhere"
 prefix=$scratch/prefix
 "$cmake" --install "$build" --prefix "$prefix" >/dev/null
 
-[[ -f $prefix/include/audio_engine/engine_api/wav_reader.h ]]
+[[ -f $prefix/include/audio_engine/engine_api/common/wav_reader.h ]]
 
 cd "$scratch/elsewhere"
 cat >consumer.cc <<'SOURCE'
-#include "harness/run_test_case.h"
+#include "harness/catalogue/run_test_case.h"
 int main() { RunTestCase(); }
 SOURCE
 "$compiler" consumer.cc -o consumer -I"$prefix/include/audio_engine" \

@@ -1,31 +1,36 @@
 #!/bin/bash
 # Includes point one way: layering.sh PROJECT_FOLDER
-#   host -> harness <- bench, and both of these -> engine_api <- an engine
+#   host -> harness/catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
 set -euo pipefail
 
 cd "$1"
 failed=0
 
-# allow FOLDER PATTERN: every #include in FOLDER matches the extended regular expression.
+# allow FOLDER PATTERN [GREP_OPTION...]: every #include in FOLDER matches the regular expression.
 allow() {
-  local includes
-  includes=$(grep -rnE --include='*.h' --include='*.cc' '^[[:space:]]*#[[:space:]]*include' "$1")
-  if grep -vE "include[[:space:]]*($2)[[:space:]]*(//.*)?\$" <<<"$includes" >&2; then
-    echo "  ^ not for $1 to include" >&2
+  local includes folder=$1 pattern=$2
+  shift 2
+  includes=$(grep -rnE "$@" --include='*.h' --include='*.cc' '^[[:space:]]*#[[:space:]]*include' \
+    "$folder")
+  if grep -vE "include[[:space:]]*($pattern)[[:space:]]*(//.*)?\$" <<<"$includes" >&2; then
+    echo "  ^ not for $folder to include" >&2
     failed=1
   fi
 }
 
 standard='<[a-z_0-9]+>'
 library='<[^>]+>'
-beside='"[a-z_0-9]+\.h"'  # In the folder of the file itself.
+name='[a-z_0-9]+\.h'
+beside="\"$name\""  # In the folder of the file itself.
+api="engine_api/[a-z]+"
 
-allow audio_engine/core/engine_api "$standard|\"engine_api/[a-z_0-9]+\.h\""
-allow audio_engine/core/harness "$library|\"(engine_api|harness)/[a-z_0-9]+\.h\""
-allow audio_engine/core/bench "$library|\"(engine_api|harness|bench/[a-z]+)/[a-z_0-9]+\.h\""
-allow audio_engine/desktop "$library|$beside|\"(engine_api|desktop/[a-z]+)/[a-z_0-9]+\.h\""
-allow host "$library|$beside|\"harness/[a-z_0-9]+\.h\""
-allow tests/fake_engine "$library|\"(engine_api|fake_engine)/[a-z_0-9]+\.h\""
+allow audio_engine/core/engine_api "$standard|\"(\.\./[a-z]+/)?$name\""
+allow audio_engine/core/harness "$library|\"($api|harness)/$name\"" --exclude-dir=catalogue
+allow audio_engine/core/bench "$library|\"($api|harness|bench/[a-z]+)/$name\""
+allow audio_engine/core/harness/catalogue "$library|\"($api|harness|harness/catalogue|bench/[a-z]+)/$name\""
+allow audio_engine/desktop "$library|<webrtc/[a-z/_]+>|$beside|\"($api|desktop/[a-z]+|wave)/$name\""
+allow host "$library|$beside|\"([a-z]+|harness/catalogue)/$name\""
+allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+)/$name\""
 
 # Angle brackets are for the headers of others.
 if grep -rnE --include='*.h' --include='*.cc' \

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine_api/audio_frame.h"
+#include "engine_api/common/audio_frame.h"
 
 // Puts the frame into its reset state and copies `count` interleaved samples (of all channels
 // together) into it: as many as the frame holds, none when the count is not positive. Its

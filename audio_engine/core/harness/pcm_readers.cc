@@ -1,6 +1,6 @@
 #include "harness/pcm_readers.h"
 
-#include "engine_api/audio_util.h"
+#include "engine_api/common/audio_util.h"
 
 bool ReadChunk(FILE* file, short* interleaved, float* interleavedFloat,
                zuwebrtc::ChannelBuffer<float>* buffer) {

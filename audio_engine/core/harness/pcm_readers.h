@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "engine_api/channel_buffer.h"
+#include "engine_api/common/channel_buffer.h"
 
 // Reads one chunk of interleaved 16-bit stereo into `buffer`: its num_frames_ samples per channel
 // as the engine scales floats, de-interleaved into the first two channels, or mixed down into a

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "engine_api/wav_reader.h"
+#include "engine_api/common/wav_reader.h"
 #include "harness/stdio_file.h"
 
 // "A whole block or stop": true when the block was read whole, false at the end of the input. A

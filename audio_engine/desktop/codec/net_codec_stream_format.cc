@@ -1,4 +1,4 @@
-#include "engine_api/net_codec_stream_format.h"
+#include "engine_api/codec/net_codec_stream_format.h"
 
 namespace ZUAudio {
 

@@ -1,4 +1,4 @@
-#include "engine_api/fir_filter.h"
+#include "engine_api/effects/fir_filter.h"
 
 #include <algorithm>
 #include <exception>
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "desktop/effects/fir_kernel.h"
-#include "engine_api/log.h"
+#include "engine_api/platform/log.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "engine_api/mit_hrtf.h"
+#include "engine_api/effects/mit_hrtf.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "engine_api/clock.h"
+#include "engine_api/platform/clock.h"
 
 #include <chrono>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "engine_api/log.h"
+#include "engine_api/platform/log.h"
 
 #include <chrono>
 #include <cstdarg>

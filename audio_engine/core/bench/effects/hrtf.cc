@@ -5,13 +5,13 @@
 #include <cstdio>
 #include <memory>
 
-#include "engine_api/channel_buffer.h"
-#include "engine_api/fir_filter.h"
-#include "engine_api/interleave.h"
-#include "engine_api/log.h"
-#include "engine_api/mit_hrtf.h"
+#include "bench/effects/routines.h"
+#include "engine_api/common/channel_buffer.h"
+#include "engine_api/common/interleave.h"
+#include "engine_api/effects/fir_filter.h"
+#include "engine_api/effects/mit_hrtf.h"
+#include "engine_api/platform/log.h"
 #include "harness/pcm_readers.h"
-#include "harness/routines.h"
 #include "harness/stdio_file.h"
 
 // Filters 44.1 kHz stereo, 10 ms at a time, into interleaved stereo floats.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "harness/catalogue/catalogue.h"
+
+// The rows of each group; Catalogue() puts the groups together and fills in `group`.
+std::vector<CatalogueRow> HarnessRows();
+std::vector<CatalogueRow> EchoRows();
+std::vector<CatalogueRow> EnhancementRows();
+std::vector<CatalogueRow> CodecRows();
+std::vector<CatalogueRow> EffectsRows();
+std::vector<CatalogueRow> MixingRows();

@@ -1,0 +1,5 @@
+#include "harness/catalogue/run_test_case.h"
+
+#include "bench/effects/routines.h"
+
+void RunTestCase() { TestHRTF(); }

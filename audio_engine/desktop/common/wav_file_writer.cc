@@ -1,0 +1,39 @@
+#include "engine_api/common/wav_file_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+#include "desktop/common/wav_header.h"
+#include "engine_api/platform/log.h"
+
+CWavFileWriter::CWavFileWriter(int sampleRate, int channels, int bitsPerSample,
+                               const std::string& fileName)
+    : m_wavHeader(desktop::EmptyWavHeader(sampleRate, channels, bitsPerSample)),
+      m_FileName(fileName) {
+  m_ofs = desktop::CreateWav(m_FileName.c_str(), m_wavHeader);
+  m_notWav = m_ofs == nullptr ? 1 : 0;
+}
+
+CWavFileWriter::~CWavFileWriter() { desktop::FinishWav(m_ofs, m_wavHeader); }
+
+void CWavFileWriter::Write(const void* data, int bytes) {
+  if (m_ofs == nullptr || bytes <= 0) return;
+
+  const auto asked = static_cast<size_t>(bytes);
+  const size_t kept = fwrite(data, 1, asked, m_ofs);
+  if (kept > 0) {
+    m_startrecordFlag = true;
+    m_startLength = m_nTotalBytes;
+    // The counters stop at 2 GiB; the header is made from the length of the file.
+    m_nTotalBytes += std::min(static_cast<int>(kept), INT_MAX - m_nTotalBytes);
+    m_endLength = m_nTotalBytes;
+  }
+  if (kept < asked) {
+    OutputDebugInfo("%s: cannot write further: %s", m_FileName.c_str(), strerror(errno));
+    desktop::FinishWav(m_ofs, m_wavHeader);
+    m_ofs = nullptr;
+    m_notWav = 1;
+  }
+}

@@ -1,0 +1,55 @@
+#include "engine_api/common/wav_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+#include "desktop/common/wav_header.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+WavHeader Header(int rate, int channels) { return desktop::EmptyWavHeader(rate, channels, 16); }
+
+// The nearest 16-bit sample; 0 for what is not a number.
+short ToSample(float value) {
+  if (std::isnan(value)) return 0;
+  return static_cast<short>(lrintf(std::clamp(value, -32768.0F, 32767.0F)));
+}
+
+}  // namespace
+
+namespace zuwebrtc {
+
+WavWriter::WavWriter(const std::string& filename, int sample_rate, int num_channels)
+    : sample_rate_(sample_rate), num_channels_(num_channels) {
+  file_handle_ = desktop::CreateWav(filename.c_str(), Header(sample_rate_, num_channels_));
+}
+
+WavWriter::~WavWriter() { desktop::FinishWav(file_handle_, Header(sample_rate_, num_channels_)); }
+
+void WavWriter::WriteSamples(const short* samples, unsigned count) {
+  if (file_handle_ == nullptr || count == 0) return;
+
+  const auto kept = static_cast<unsigned>(fwrite(samples, sizeof(short), count, file_handle_));
+  num_samples_ += std::min(kept, UINT32_MAX - num_samples_);
+  if (kept < count) {
+    OutputDebugInfo("A WAVE file ends after %u samples: %s", num_samples_, strerror(errno));
+    desktop::FinishWav(file_handle_, Header(sample_rate_, num_channels_));
+    file_handle_ = nullptr;
+  }
+}
+
+void WavWriter::WriteSamples(const float* samples, unsigned count) {
+  short converted[1024];
+  while (count > 0) {
+    const unsigned length = std::min(count, static_cast<unsigned>(std::size(converted)));
+    std::transform(samples, samples + length, converted, ToSample);
+    WriteSamples(converted, length);
+    samples += length;
+    count -= length;
+  }
+}
+
+}  // namespace zuwebrtc

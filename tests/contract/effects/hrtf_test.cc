@@ -1,0 +1,201 @@
+#include <gmock/gmock.h>
+
+#include <numeric>
+
+#include "bench/effects/routines.h"
+#include "fake_engine/fake_engine.h"
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+constexpr const char* kInput = "/sdcard/ZUAudioDemo/44100_2.pcm";
+constexpr const char* kOutput = "/sdcard/ZUAudioDemo/44100_2_out_902.pcm";
+
+// 0, 1, 2, ...: even values on the left, odd ones on the right.
+std::vector<short> Ramp(size_t samples) {
+  std::vector<short> ramp(samples);
+  std::iota(ramp.begin(), ramp.end(), static_cast<short>(0));
+  return ramp;
+}
+
+}  // namespace
+
+TEST(TestHRTF, FiltersWholeChunksAndReleasesInOrder) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(882 + 882 + 881));
+  engine.hrtfAvailability = 3;
+  engine.hrtf = [](int*, int*, short*, short*) { return 3U; };
+
+  TestHRTF();
+
+  const std::string chunk[] = {"fread(44100_2.pcm, 2, 882) = 882", "S16ToFloat(882)",
+                               "#1.Filter(441)", "#2.Filter(441)",
+                               "fwrite(44100_2_out_902.pcm, 4, 882)"};
+  std::vector<std::string> expected = {"OutputDebugInfo(TestHrtf..start)",
+                                       "mit_hrtf_availability(90, 0, 44100, 0) = 3",
+                                       "mit_hrtf_get(90, 0, 44100, 0) = 3",
+                                       "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb)",
+                                       "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)",
+                                       "FIRFilter::Create(3, 1765) = #1",
+                                       "FIRFilter::Create(3, 1765) = #2"};
+  expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
+  expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
+  expected.insert(expected.end(),
+                  {"fread(44100_2.pcm, 2, 882) = 881",  // Dropped: neither filtered nor written.
+                   "fclose(44100_2.pcm)", "fclose(44100_2_out_902.pcm)", "~FIRFilter #1",
+                   "~FIRFilter #2", "OutputDebugInfo(TestHrtf..end)"});
+  EXPECT_THAT(engine.calls, ElementsAreArray(expected));
+  EXPECT_THAT(engine.live, IsEmpty());
+}
+
+TEST(TestHRTF, WritesInterleavedFloatsUnderThePcmName) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(882));
+  engine.fir = [](int filter, const float* in, size_t length, float* out) {
+    for (size_t i = 0; i < length; ++i) out[i] = (filter == 1 ? 10.0F : -100.0F) * in[i];
+  };
+
+  TestHRTF();
+
+  // In the engine's scaling, which for the fake is one half.
+  const std::vector<float> out = engine.Values<float>(kOutput);
+  ASSERT_THAT(out, SizeIs(882));
+  for (int k = 0; k < 441; ++k) {
+    EXPECT_EQ(out[static_cast<size_t>(2 * k)], 10.0F * static_cast<float>(2 * k) / 2);
+    EXPECT_EQ(out[static_cast<size_t>(2 * k + 1)], -100.0F * static_cast<float>(2 * k + 1) / 2);
+  }
+}
+
+TEST(TestHRTF, ScalesEachEarsTapsToCoefficients) {
+  FakeEngine engine;
+  engine.hrtf = [](int*, int*, short* left, short* right) {
+    const short ears[][4] = {{-32768, 32767, 1, 0}, {16384, -1, 0, 3}};
+    std::copy_n(ears[0], 4, left);
+    std::copy_n(ears[1], 4, right);
+    return 4U;
+  };
+
+  TestHRTF();
+
+  ASSERT_THAT(engine.firCoefficients, SizeIs(2));
+  EXPECT_THAT(engine.firCoefficients[0],
+              ElementsAre(-1.0F, 32767.0F / 32768.0F, 1.0F / 32768.0F, 0.0F));
+  EXPECT_THAT(engine.firCoefficients[1],
+              ElementsAre(0.5F, -1.0F / 32768.0F, 0.0F, 3.0F / 32768.0F));
+}
+
+TEST(TestHRTF, TakesAsManyTapsAsItsArraysHold) {
+  FakeEngine engine;
+  engine.hrtf = [](int*, int*, short* left, short* right) {
+    std::fill_n(left, 8192, static_cast<short>(16384));
+    std::fill_n(right, 8192, static_cast<short>(8192));
+    return 8192U;
+  };
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("Create"), ElementsAre("FIRFilter::Create(8192, 1765) = #1",
+                                                      "FIRFilter::Create(8192, 1765) = #2"));
+  EXPECT_THAT(engine.firCoefficients[0], Each(0.5F));
+  EXPECT_THAT(engine.firCoefficients[1], Each(0.25F));
+}
+
+TEST(TestHRTF, GoesOnWhateverTheTableSaysOfItsAvailability) {
+  FakeEngine engine;
+  engine.hrtfAvailability = 0;
+  engine.PutSamples(kInput, Ramp(882));
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("mit_hrtf"),
+              ElementsAre("mit_hrtf_availability(90, 0, 44100, 0) = 0",
+                          "mit_hrtf_get(90, 0, 44100, 0) = 1"));
+  EXPECT_THAT(engine.Values<float>(kOutput), SizeIs(882));
+}
+
+TEST(TestHRTF, UsesAMovedPositionWithoutAWord) {
+  FakeEngine moved;
+  moved.hrtf = [](int* azimuth, int* elevation, short* left, short* right) {
+    *azimuth = 85;
+    *elevation = -10;
+    left[0] = right[0] = 16384;
+    return 1U;
+  };
+
+  TestHRTF();
+
+  EXPECT_THAT(moved.CallsWith("OutputDebugInfo"), SizeIs(2));
+  EXPECT_THAT(moved.CallsWith("mit_hrtf_get"), SizeIs(1));
+  EXPECT_THAT(moved.firCoefficients, Each(ElementsAre(0.5F)));
+}
+
+TEST(TestHRTF, MakesFiltersWithoutCoefficientsWhenTheTableHasNone) {
+  FakeEngine engine;
+  engine.hrtf = [](int*, int*, short*, short*) { return 0U; };
+  engine.PutSamples(kInput, Ramp(882));
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("Create"),
+              ElementsAre("FIRFilter::Create(0, 1765) = #1", "FIRFilter::Create(0, 1765) = #2"));
+  EXPECT_THAT(engine.CallsWith(".Filter("), ElementsAre("#1.Filter(441)", "#2.Filter(441)"));
+}
+
+TEST(TestHRTF, LeavesAnEmptyOutputWhenTheInputIsMissing) {
+  FakeEngine engine;
+
+  TestHRTF();
+
+  EXPECT_THAT(
+      engine.calls,
+      ElementsAre(
+          "OutputDebugInfo(TestHrtf..start)", "mit_hrtf_availability(90, 0, 44100, 0) = 0",
+          "mit_hrtf_get(90, 0, 44100, 0) = 1", "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb) = null",
+          "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)", "FIRFilter::Create(1, 1765) = #1",
+          "FIRFilter::Create(1, 1765) = #2", "fclose(44100_2_out_902.pcm)", "~FIRFilter #1",
+          "~FIRFilter #2", "OutputDebugInfo(TestHrtf..end)"));
+  EXPECT_TRUE(engine.HasFile(kOutput));
+  EXPECT_EQ(engine.Bytes(kOutput), "");
+}
+
+TEST(TestHRTF, LeavesAnEmptyOutputForLessThanOneChunk) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(881));
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith(".Filter("), IsEmpty());
+  EXPECT_TRUE(engine.HasFile(kOutput));
+  EXPECT_EQ(engine.Bytes(kOutput), "");
+}
+
+TEST(TestHRTF, ReadsToTheEndWhenTheOutputCannotBeWritten) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(3 * 882));
+  engine.unwritable = {kOutput};
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("fread"), SizeIs(4));
+  EXPECT_THAT(engine.CallsWith("fwrite"), IsEmpty());
+  EXPECT_THAT(engine.CallsWith("fclose"), ElementsAre("fclose(44100_2.pcm)"));
+  EXPECT_THAT(engine.live, IsEmpty());
+}
+
+TEST(TestHRTF, StartsAfreshOnEveryCall) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(882));
+
+  TestHRTF();
+  const std::vector<std::string> first = engine.calls;
+  engine.calls.clear();
+  engine.firCoefficients.clear();
+  TestHRTF();
+
+  EXPECT_THAT(engine.calls, ElementsAreArray(first));
+}

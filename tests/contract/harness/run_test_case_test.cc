@@ -1,0 +1,34 @@
+#include "harness/catalogue/run_test_case.h"
+
+#include <gmock/gmock.h>
+
+#include <type_traits>
+
+#include "fake_engine/fake_engine.h"
+#include "harness/catalogue/routines.h"
+
+using testing::ElementsAreArray;
+
+namespace {
+
+constexpr const char* kInput = "/sdcard/ZUAudioDemo/44100_2.pcm";
+
+}  // namespace
+
+static_assert(std::is_same_v<decltype(RunTestCase), void()>);
+
+TEST(RunTestCase, RunsTheSelectedTestAndNothingElse) {
+  std::vector<std::string> direct;
+  {
+    FakeEngine engine;
+    engine.PutSamples(kInput, std::vector<short>(2000, 7));
+    TestHRTF();
+    direct = engine.calls;
+  }
+  FakeEngine engine;
+  engine.PutSamples(kInput, std::vector<short>(2000, 7));
+
+  RunTestCase();
+
+  EXPECT_THAT(engine.calls, ElementsAreArray(direct));
+}

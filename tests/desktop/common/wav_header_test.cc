@@ -1,0 +1,69 @@
+#include "desktop/common/wav_header.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+#include "support/file_bytes.h"
+#include "support/temporary_directory.h"
+#include "support/wav_bytes.h"
+
+namespace {
+
+// The header of a finished file that holds `dataBytes` bytes, a hole that takes no room on the
+// disk.
+WavHeader FinishedHeader(off_t dataBytes) {
+  const TemporaryDirectory directory;
+  const WavHeader header = desktop::EmptyWavHeader(16000, 1, 16);
+  FILE* file = desktop::CreateWav("out.wav", header);
+  EXPECT_EQ(ftruncate(fileno(file), 44 + dataBytes), 0);
+  desktop::FinishWav(file, header);
+  WavHeader finished = {};
+  file = fopen("out.wav", "rb");
+  EXPECT_EQ(fread(&finished, sizeof(finished), 1, file), 1U);
+  fclose(file);
+  return finished;
+}
+
+TEST(FinishWav, AnnouncesTheLengthOfTheFile) {
+  EXPECT_EQ(FinishedHeader(1000).dataBytes, 1000U);
+  EXPECT_EQ(FinishedHeader(1000).riffBytes, 1036U);
+  EXPECT_EQ(FinishedHeader(off_t{3} << 30).dataBytes, 3U << 30);
+}
+
+TEST(FinishWav, LimitsLengthsOfFourGiB) {
+  EXPECT_EQ(FinishedHeader(0xFFFFFFF0).dataBytes, 0xFFFFFFF0U);
+  EXPECT_EQ(FinishedHeader(0xFFFFFFF0).riffBytes, UINT32_MAX);
+  EXPECT_EQ(FinishedHeader(off_t{1} << 32).dataBytes, UINT32_MAX);
+  EXPECT_EQ(FinishedHeader(off_t{5} << 30).dataBytes, UINT32_MAX);
+  EXPECT_EQ(FinishedHeader(off_t{5} << 30).riffBytes, UINT32_MAX);
+}
+
+TEST(FinishWav, DoesNothingWithoutAFile) {
+  desktop::FinishWav(nullptr, desktop::EmptyWavHeader(16000, 1, 16));
+}
+
+TEST(EmptyWavHeader, IsCanonical) {
+  const WavHeader header = desktop::EmptyWavHeader(44100, 2, 16);
+  const std::string bytes(reinterpret_cast<const char*>(&header), sizeof(header));
+  EXPECT_EQ(bytes, WavBytes({.channels = 2, .rate = 44100}, {}));
+}
+
+TEST(EmptyWavHeader, TakesAnyValue) {
+  EXPECT_EQ(desktop::EmptyWavHeader(INT_MIN, INT_MIN, INT_MIN).dataBytes, 0U);
+  EXPECT_EQ(desktop::EmptyWavHeader(INT_MAX, INT_MAX, INT_MAX).fmtBytes, 16U);
+}
+
+TEST(OpenWav, RefusesAPipe) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(mkfifo("pipe", 0600), 0);
+  EXPECT_EQ(desktop::OpenWav("pipe", "rb"), nullptr);
+  EXPECT_EQ(errno, ENXIO);
+  EXPECT_EQ(desktop::OpenWav("pipe", "wb"), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,223 @@
+#include "engine_api/effects/fir_filter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "support/allocation_count.h"
+#include "support/captured_stderr.h"
+#include "support/vector_targets.h"
+
+namespace {
+
+using Floats = std::vector<float>;
+using FirFilter = VectorTargetTest;
+
+constexpr size_t kCounts[] = {1, 2, 3, 4, 5, 15, 16, 17, 31, 63, 64, 127, 128, 129, 300, 512, 1000};
+
+std::unique_ptr<zuwebrtc::FIRFilter> Create(const Floats& taps, size_t maxLength = 441) {
+  return std::unique_ptr<zuwebrtc::FIRFilter>(
+      zuwebrtc::FIRFilter::Create(taps.data(), taps.size(), maxLength));
+}
+
+Floats Filter(zuwebrtc::FIRFilter& filter, const Floats& in) {
+  Floats out(in.size(), 99.0f);
+  filter.Filter(in.data(), in.size(), out.data());
+  return out;
+}
+
+// Uniform in [-scale, scale).
+Floats Noise(size_t count, float scale, unsigned seed) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<float> uniform(-scale, scale);
+  Floats noise(count);
+  for (float& value : noise) value = uniform(random);
+  return noise;
+}
+
+// A response that dies away as that of a head does.
+Floats Response(size_t count) {
+  Floats taps = Noise(count, 1.0f, 7);
+  for (size_t i = 0; i < count; ++i) taps[i] *= std::exp(-0.02f * static_cast<float>(i));
+  return taps;
+}
+
+double Exact(const Floats& in, const Floats& taps, size_t at) {
+  double sum = 0;
+  for (size_t i = 0; i < std::min(taps.size(), at + 1); ++i) {
+    sum += static_cast<double>(taps[i]) * static_cast<double>(in[at - i]);
+  }
+  return sum;
+}
+
+TEST_P(FirFilter, GivesItsCoefficientsForAnImpulse) {
+  for (const size_t count : kCounts) {
+    Floats in(count + 50);
+    in[20] = 1;
+    Floats expected(in.size());
+    const Floats taps = Response(count);
+    std::copy(taps.begin(), taps.end(), expected.begin() + 20);
+    EXPECT_EQ(Filter(*Create(taps), in), expected) << count;
+  }
+}
+
+TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
+  std::mt19937 random(3);
+  for (const size_t count : kCounts) {
+    const Floats taps = Response(count);
+    const Floats in = Noise(20000, 1, 5);
+    const Floats whole = Filter(*Create(taps, in.size()), in);
+    for (const unsigned longest : {1u, 7u, 40u, 441u, 1765u, 6000u}) {
+      const auto filter = Create(taps);
+      Floats cut(in.size());
+      for (size_t at = 0; at < in.size();) {
+        const size_t length = std::min<size_t>(random() % (longest + 1), in.size() - at);
+        filter->Filter(&in[at], length, &cut[at]);
+        at += length;
+      }
+      ASSERT_EQ(cut, whole) << count << " taps, at most " << longest << " samples";
+    }
+  }
+}
+
+TEST_P(FirFilter, WritesNothingBehindTheOutput) {
+  for (size_t length = 0; length <= 300; ++length) {
+    const Floats in = Noise(length, 1, 6);
+    Floats out(length + 64, 99.0f);
+    Create(Response(100))->Filter(in.data(), length, out.data());
+    for (size_t i = length; i < out.size(); ++i) ASSERT_EQ(out[i], 99.0f) << length;
+  }
+}
+
+TEST_P(FirFilter, IsWithinAMillionthOfADoubleConvolution) {
+  for (const size_t count : kCounts) {
+    Floats taps = Response(count);
+    for (float& tap : taps) tap *= 0.3f;
+    const Floats in = Noise(5000, 1, 8);
+    const Floats out = Filter(*Create(taps), in);
+    for (size_t i = 0; i < in.size(); ++i) ASSERT_NEAR(out[i], Exact(in, taps, i), 1e-6) << count;
+  }
+}
+
+TEST_P(FirFilter, WorksInPlace) {
+  const Floats taps = Response(512);
+  Floats samples = Noise(10000, 1, 9);
+  const Floats expected = Filter(*Create(taps), samples);
+  Create(taps)->Filter(samples.data(), samples.size(), samples.data());
+  EXPECT_EQ(samples, expected);
+}
+
+TEST_P(FirFilter, KeepsAnInfinityToTheLengthOfItsResponse) {
+  for (const float bad : {std::numeric_limits<float>::infinity(), std::nanf("")}) {
+    for (const size_t count : kCounts) {
+      Floats in = Noise(3000, 1, 10);
+      in[700] = bad;
+      const Floats out = Filter(*Create(Response(count)), in);
+      for (size_t i = 0; i < in.size(); ++i) {
+        ASSERT_EQ(std::isfinite(out[i]), i < 700 || i >= 700 + count) << count << " taps, " << i;
+      }
+    }
+  }
+}
+
+TEST_P(FirFilter, TakesCallsLongerThanAnnounced) {
+  const Floats taps = Response(512);
+  const Floats in = Noise(50000, 1, 11);
+  for (const unsigned announced : {0u, 1u, 441u}) {
+    const Floats out = Filter(*Create(taps, announced), in);
+    for (size_t i = 0; i < in.size(); i += 97) ASSERT_NEAR(out[i], Exact(in, taps, i), 1e-5);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(, FirFilter, EveryVectorTarget(), VectorTargetName);
+
+TEST(FirFilterState, IsSilentWithoutCoefficients) {
+  const std::unique_ptr<zuwebrtc::FIRFilter> filter(zuwebrtc::FIRFilter::Create(nullptr, 0, 441));
+  EXPECT_EQ(Filter(*filter, Noise(5000, 1, 12)), Floats(5000));
+  filter->Filter(nullptr, 0, nullptr);
+}
+
+TEST(FirFilterState, CopiesItsCoefficients) {
+  Floats taps = {1, 2, 3};
+  const auto filter = Create(taps);
+  taps.assign(3, 0.0f);
+  EXPECT_EQ(Filter(*filter, {1, 0, 0, 0}), (Floats{1, 2, 3, 0}));
+}
+
+TEST(FirFilterState, BelongsToOneFilter) {
+  const auto first = Create({1, 2});
+  const auto second = Create({1, 2});
+  EXPECT_EQ(Filter(*first, {1}), Floats{1});
+  EXPECT_EQ(Filter(*second, {10}), Floats{10});
+  EXPECT_EQ(Filter(*first, {0}), Floats{2});
+  EXPECT_EQ(Filter(*second, {0}), Floats{20});
+}
+
+TEST(FirFilterUpdate, KeepsTheHistory) {
+  const auto filter = Create({0, 0, 0});
+  Filter(*filter, {5, 6, 7});
+  const Floats taps = {1, 10, 100};
+  filter->UpdateCoeffients(taps.data(), 3);
+  EXPECT_EQ(Filter(*filter, {8, 0, 0, 0}), (Floats{8 + 70 + 600, 80 + 700, 800, 0}));
+}
+
+TEST(FirFilterUpdate, KeepsWhatOfTheHistoryFitsFewerCoefficients) {
+  const auto filter = Create({0, 0, 0});
+  Filter(*filter, {5, 6, 7});
+  const Floats taps = {1, 10};
+  filter->UpdateCoeffients(taps.data(), 2);
+  EXPECT_EQ(Filter(*filter, {8, 0, 0}), (Floats{8 + 70, 80, 0}));
+}
+
+TEST(FirFilterUpdate, TakesSamplesOlderThanTheHistoryForZero) {
+  const auto filter = Create({0, 0});
+  Filter(*filter, {5, 6, 7});
+  const Floats taps = {1, 10, 100, 1000};
+  filter->UpdateCoeffients(taps.data(), 4);
+  EXPECT_EQ(Filter(*filter, {8, 0, 0, 0}), (Floats{8 + 70, 80 + 700, 800 + 7000, 8000}));
+}
+
+TEST(FirFilterUpdate, GoesToSilenceAndBack) {
+  const auto filter = Create({1, 2});
+  EXPECT_EQ(Filter(*filter, {1, 1}), (Floats{1, 3}));
+  filter->UpdateCoeffients(nullptr, 0);
+  EXPECT_EQ(Filter(*filter, {1, 1}), (Floats{0, 0}));
+  const Floats taps = {1, 2};
+  filter->UpdateCoeffients(taps.data(), 2);
+  EXPECT_EQ(Filter(*filter, {1, 1}), (Floats{1, 3}));
+}
+
+TEST(FirFilterMemory, IsNotAskedForDuringCalls) {
+  const auto filter = Create(Response(512), 441);
+  const Floats in = Noise(441, 1, 13);
+  Floats out(in.size());
+  const size_t before = AllocationCount();
+  for (int call = 0; call < 50; ++call) filter->Filter(in.data(), in.size(), out.data());
+  EXPECT_EQ(AllocationCount(), before);
+  EXPECT_GT(before, 0u);
+}
+
+TEST(FirFilterMemory, GivesNoFilterWhenThereIsTooLittle) {
+  const float tap = 1;
+  CapturedStderr log;
+  EXPECT_EQ(zuwebrtc::FIRFilter::Create(&tap, SIZE_MAX, 441), nullptr);
+  EXPECT_EQ(log.Lines().size(), 1u) << log.Text();
+}
+
+TEST(FirFilterMemory, KeepsTheOldCoefficientsWhenThereIsTooLittle) {
+  const auto filter = Create({1, 2});
+  Filter(*filter, {1});
+  const float tap = 5;
+  CapturedStderr log;
+  filter->UpdateCoeffients(&tap, SIZE_MAX);
+  EXPECT_EQ(log.Lines().size(), 1u) << log.Text();
+  EXPECT_EQ(Filter(*filter, {1, 0}), (Floats{3, 2}));
+}
+
+}  // namespace
