@@ -3,7 +3,7 @@
 
 #include <csignal>
 
-#include "cli.h"
+#include "cli/cli.h"
 
 namespace {
 
@@ -23,5 +23,5 @@ int main(int argc, char** argv) {
   OccupyStandardStreams();
   // A reader that has seen enough does not keep the report from its file.
   signal(SIGPIPE, SIG_IGN);
-  return RunCommandLine(argc, argv);
+  return host::RunCommandLine(argc, argv);
 }

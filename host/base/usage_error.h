@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// Thrown when what was asked for cannot be done, before anything is run. audio_bench prints the
+// message as one line on stderr and ends with exit code kUsage.
+struct UsageError {
+  std::string message;
+};
+
+}  // namespace host

@@ -1,0 +1,104 @@
+#include "catalogue/catalogue_text.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "base/suggest.h"
+#include "base/units.h"
+#include "base/usage_error.h"
+#include "files/path_map.h"
+
+namespace host {
+
+std::string_view GroupName(Group group) {
+  switch (group) {
+    case Group::kHarness:
+      return "Harness";
+    case Group::kEcho:
+      return "Echo cancellation";
+    case Group::kEnhancement:
+      return "Speech enhancement, noise and voice activity";
+    case Group::kCodec:
+      return "Codecs and quality evaluation";
+    case Group::kEffects:
+      return "Effects and music processing";
+    case Group::kMixing:
+      return "Mixing, recording, playback and whole engines";
+  }
+  return "";
+}
+
+std::string_view EncodingName(Encoding encoding) {
+  switch (encoding) {
+    case Encoding::kOther:
+      return "other";
+    case Encoding::kPcm16:
+      return "pcm16";
+    case Encoding::kFloat32:
+      return "float32";
+    case Encoding::kWave:
+      return "wave";
+  }
+  return "";
+}
+
+std::string_view DeviceName(Device device) {
+  switch (device) {
+    case Device::kNone:
+      return "none";
+    case Device::kCapture:
+      return "capture";
+    case Device::kRender:
+      return "render";
+    case Device::kBoth:
+      return "capture and render";
+  }
+  return "";
+}
+
+std::string Declaration(const CatalogueRow& row) {
+  return std::string(row.result) + " " + std::string(row.routine) + "(" +
+         std::string(row.parameters) + ")";
+}
+
+std::string_view Availability(const CatalogueRow& row) {
+  if (!row.built) return "not built yet";
+  return row.helper ? "helper" : "available";
+}
+
+std::string Duration(const CatalogueRow& row) {
+  return row.seconds > 0 ? Seconds(row.seconds) : "as fast as its input is processed";
+}
+
+std::string FileFormat(const FileUse& use) {
+  if (use.encoding == Encoding::kOther) return "stream or text";
+  if (use.encoding == Encoding::kWave) return "WAVE";
+  const std::string samples =
+      use.encoding == Encoding::kPcm16 ? "16-bit samples" : "32-bit float samples";
+  return samples + ", " + Hertz(use.rate) + ", " + Channels(use.channels);
+}
+
+std::optional<std::string> KnownPlace(const FileUse& use) {
+  if (use.name.find('{') != std::string_view::npos) return std::nullopt;
+  return PlaceInWorkspace(use.name);
+}
+
+const CatalogueRow& FindRow(std::string_view routine) {
+  const auto rows = Catalogue();
+  const auto row = std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& each) {
+    return each.routine == routine;
+  });
+  if (row != rows.end()) return *row;
+
+  std::vector<std::string_view> names;
+  for (const CatalogueRow& each : rows) names.push_back(each.routine);
+  std::string message = "no routine is called \"" + std::string(routine) + "\"";
+  const std::vector<std::string_view> alike = NamesAlike(routine, names);
+  for (size_t i = 0; i < alike.size(); ++i) {
+    message += i == 0 ? "; did you mean " : " or ";
+    message += alike[i];
+  }
+  throw UsageError{message + (alike.empty() ? "; \"audio_bench list\" names them all" : "?")};
+}
+
+}  // namespace host

@@ -1,0 +1,44 @@
+#include "base/units.h"
+#include "base/wrap_text.h"
+#include "catalogue/catalogue_text.h"
+#include "catalogue/list.h"
+
+namespace host {
+
+namespace {
+
+constexpr size_t kWidth = 100;
+constexpr size_t kIndent = 16;
+
+std::string Line(std::string_view label, std::string_view text) {
+  std::string head = "  " + std::string(label);
+  head.resize(kIndent, ' ');
+  return WrapText(text, head, kIndent, kWidth);
+}
+
+std::string FileLines(std::string_view label, const FileUse& use) {
+  std::string format = FileFormat(use);
+  if (use.blockBytes > 0) format += "; at least " + Bytes(static_cast<uint64_t>(use.blockBytes));
+  std::string lines = Line(label, use.name) + Line("", format);
+  const auto place = KnownPlace(use);
+  if (place) lines += Line("", "in the workspace: " + *place);
+  return lines;
+}
+
+}  // namespace
+
+std::string Describe(std::string_view routine) {
+  const CatalogueRow& row = FindRow(routine);
+  std::string text = std::string(row.routine) + "\n";
+  text += Line("declaration", Declaration(row));
+  text += Line("group", GroupName(row.group));
+  text += Line("exercises", row.exercises);
+  for (const FileUse& input : row.inputs) text += FileLines("input", input);
+  for (const FileUse& output : row.outputs) text += FileLines("output", output);
+  if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
+  text += Line("device", DeviceName(row.device));
+  text += Line("duration", Duration(row));
+  return text + Line("status", Availability(row));
+}
+
+}  // namespace host

@@ -1,0 +1,51 @@
+#include "base/json_parts.h"
+#include "catalogue/catalogue_text.h"
+#include "catalogue/list.h"
+
+namespace host {
+
+namespace {
+
+Json FilesJson(const std::vector<FileUse>& uses) {
+  Json json = Json::array();
+  for (const FileUse& use : uses) {
+    Json file = {{"name", use.name}, {"encoding", EncodingName(use.encoding)}};
+    const auto place = KnownPlace(use);
+    if (place) file["place"] = *place;
+    if (use.rate > 0) file["rate"] = Count(static_cast<uint64_t>(use.rate), "Hz");
+    if (use.channels > 0) {
+      file["channel_count"] = Count(static_cast<uint64_t>(use.channels), "channels");
+    }
+    if (use.blockBytes > 0) {
+      file["block"] = Count(static_cast<uint64_t>(use.blockBytes), "bytes");
+    }
+    json.push_back(file);
+  }
+  return json;
+}
+
+Json RowJson(const CatalogueRow& row) {
+  return {{"routine", row.routine},
+          {"result", row.result},
+          {"parameters", row.parameters},
+          {"group", GroupName(row.group)},
+          {"exercises", row.exercises},
+          {"helper", row.helper},
+          {"built", row.built},
+          {"status", Availability(row)},
+          {"inputs", FilesJson(row.inputs)},
+          {"outputs", FilesJson(row.outputs)},
+          {"device", DeviceName(row.device)},
+          {"expected_duration", Figure(row.seconds > 0 ? std::optional(row.seconds) : std::nullopt,
+                                       "s", "as fast as its input is processed")}};
+}
+
+}  // namespace
+
+std::string ListAsJson() {
+  Json rows = Json::array();
+  for (const CatalogueRow& row : Catalogue()) rows.push_back(RowJson(row));
+  return JsonText({{"schema_version", kSchemaVersion}, {"routines", rows}});
+}
+
+}  // namespace host

@@ -1,0 +1,58 @@
+#include "catalogue/catalogue_text.h"
+#include "catalogue/list.h"
+
+namespace host {
+
+namespace {
+
+std::string Code(std::string_view text) { return std::string("`").append(text).append("`"); }
+
+// Text with the signs that Markdown or HTML would take for its own taken literally.
+std::string Literal(std::string_view text) {
+  std::string literal;
+  for (const char sign : text) {
+    if (sign == '*' || sign == '_' || sign == '|' || sign == '<') literal += '\\';
+    literal += sign;
+  }
+  return literal;
+}
+
+std::string Files(const std::vector<FileUse>& uses) {
+  std::string text;
+  for (const FileUse& use : uses) {
+    if (!text.empty()) text += "<br>";
+    text += Code(use.name) + " (" + FileFormat(use) + ")";
+  }
+  return text;
+}
+
+template <typename Belongs>
+std::string Section(std::string_view title, Belongs belongs) {
+  std::string rows;
+  for (const CatalogueRow& row : Catalogue()) {
+    if (!belongs(row)) continue;
+    rows += "| " + Code(Declaration(row)) + " | " + Literal(row.exercises) + " | " +
+            Files(row.inputs) + " | " + Files(row.outputs) + " | " +
+            std::string(DeviceName(row.device)) + " | " + std::string(Availability(row)) + " |\n";
+  }
+  if (rows.empty()) return "";
+  return "\n## " + std::string(title) +
+         "\n\n| routine | exercises | inputs | outputs | device | status |\n"
+         "|---|---|---|---|---|---|\n" +
+         rows;
+}
+
+}  // namespace
+
+std::string ListAsMarkdown() {
+  std::string text =
+      "# Catalogue\n\n"
+      "Every routine of the bench. Written by `audio_bench list --markdown`; do not edit.\n";
+  for (const Group group : kGroups) {
+    text += Section(GroupName(group),
+                    [group](const CatalogueRow& row) { return row.group == group && !row.helper; });
+  }
+  return text + Section("Helpers", [](const CatalogueRow& row) { return row.helper; });
+}
+
+}  // namespace host

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// The demo recording: a plucked melody that wanders between the ears. 44.1 kHz, 16-bit interleaved
+// stereo, 8 s, peak -6 dBFS; the same bytes on every machine.
+std::vector<int16_t> DemoRecording();
+
+// Puts the demo recording where RunTestCase reads its input in a workspace, unless something is
+// there already. What was done, as a line for the user. Throws UsageError when it cannot be
+// written.
+std::string PlaceDemo(const std::string& workspace);
+
+}  // namespace host

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+
+#include "harness/catalogue/catalogue.h"
+
+namespace host {
+
+// How the bytes of an audio file are laid out: one run of interleaved samples.
+struct AudioLayout {
+  Encoding samples = Encoding::kOther;  // kPcm16, kFloat32; kOther when not to be decoded here.
+  int rate = 0;                         // Hz
+  int channels = 0;
+  uint64_t offset = 0;     // Where the samples start, in bytes.
+  uint64_t bytes = 0;      // Of samples; as many as the file really holds.
+  int frameBytes = 0;      // One sample of each channel.
+  double Seconds() const;  // 0 when the rate is not known.
+};
+
+// The layout of a file that is used as declared; nothing when it is no audio, or not the WAVE that
+// it should be.
+std::optional<AudioLayout> FindAudio(const FileUse& use, FILE* file, uint64_t fileBytes);
+
+}  // namespace host

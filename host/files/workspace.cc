@@ -1,0 +1,105 @@
+#include "files/workspace.h"
+
+#include <fcntl.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "files/path_map.h"
+
+namespace host {
+
+namespace {
+
+std::optional<struct stat> Stat(const std::string& path) {
+  struct stat status;
+  if (path.empty() || stat(path.c_str(), &status) != 0) return std::nullopt;
+  return status;
+}
+
+bool Same(const timespec& a, const timespec& b) {
+  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// A file system dates changes by a clock that ticks a few hundred times a second. A file that was
+// written in this very tick would look untouched if it were written again in it.
+void WaitForNextTick(const timespec& changed) {
+  for (int i = 0; i < 50; ++i) {  // For a file from the future there is no use in waiting.
+    timespec now;
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    if (now.tv_sec > changed.tv_sec) return;
+    if (now.tv_sec == changed.tv_sec && now.tv_nsec > changed.tv_nsec) return;
+    usleep(1000);
+  }
+}
+
+std::string FillIn(std::string_view name, std::span<const std::string> parameters,
+                   std::span<const std::string_view> arguments) {
+  std::string filled(name);
+  for (size_t i = 0; i < parameters.size() && i < arguments.size(); ++i) {
+    const std::string place = "{" + parameters[i] + "}";
+    const size_t at = filled.find(place);
+    if (at != std::string::npos) filled.replace(at, place.size(), arguments[i]);
+  }
+  return filled;
+}
+
+}  // namespace
+
+std::vector<std::string> ParameterNames(std::string_view parameters) {
+  std::vector<std::string> names;
+  while (!parameters.empty()) {
+    const size_t comma = std::min(parameters.find(", "), parameters.size());
+    const std::string_view declared = parameters.substr(0, comma);
+    names.emplace_back(declared.substr(declared.find_last_of(" *&") + 1));
+    parameters.remove_prefix(std::min(comma + 2, parameters.size()));
+  }
+  return names;
+}
+
+std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_view parameters,
+                                  std::span<const std::string_view> arguments,
+                                  const std::string& workspace) {
+  const std::vector<std::string> names = ParameterNames(parameters);
+  std::vector<FilePlace> places;
+  for (const FileUse& use : uses) {
+    FilePlace place = {.use = use, .name = FillIn(use.name, names, arguments), .path = {}};
+    const std::optional<std::string> mapped = PlaceInWorkspace(place.name);
+    if (mapped) place.path = workspace + "/" + *mapped;
+    places.push_back(std::move(place));
+  }
+  return places;
+}
+
+std::string InputProblem(const FilePlace& input) {
+  if (input.path.empty()) return "leads out of the workspace";
+  struct stat status;
+  if (stat(input.path.c_str(), &status) != 0) return strerror(errno);
+  if (S_ISDIR(status.st_mode)) return strerror(EISDIR);
+  if (!S_ISREG(status.st_mode)) return "Not a regular file";
+  const int file = open(input.path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return strerror(errno);
+  close(file);
+  return "";
+}
+
+OutputBefore::OutputBefore(const FilePlace& output)
+    : m_path(output.path), m_before(Stat(output.path)) {
+  if (m_before) WaitForNextTick(m_before->st_ctim);
+}
+
+std::string OutputBefore::Problem() const {
+  if (m_path.empty()) return "leads out of the workspace";
+  const std::optional<struct stat> now = Stat(m_path);
+  if (!now) return "is absent";
+  if (!S_ISREG(now->st_mode)) return "is not a regular file";
+  if (m_before && Same(m_before->st_ctim, now->st_ctim) && m_before->st_size == now->st_size &&
+      m_before->st_ino == now->st_ino) {
+    return "was not written; what is there is from before";
+  }
+  return now->st_size == 0 ? "is empty" : "";
+}
+
+}  // namespace host

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "harness/catalogue/catalogue.h"
+
+namespace host {
+
+// A file that a routine declares, and where it is in the workspace of a run.
+struct FilePlace {
+  FileUse use;
+  std::string name;  // As the routine opens it, its arguments filled in.
+  std::string path;  // As the host opens it; empty when the name leads out of the workspace.
+};
+
+// The names of the declared parameters of a routine, in their order.
+std::vector<std::string> ParameterNames(std::string_view parameters);
+
+// The places of the declared files when a routine runs in `workspace` with these arguments.
+std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_view parameters,
+                                  std::span<const std::string_view> arguments,
+                                  const std::string& workspace);
+
+// Why a declared input cannot be read; empty when it can.
+std::string InputProblem(const FilePlace& input);
+
+// What an output was before a run.
+class OutputBefore {
+ public:
+  // Returns only when a file that is written from now on is sure to differ.
+  explicit OutputBefore(const FilePlace& output);
+
+  // Why the output is not one that the run wrote; empty when it is.
+  std::string Problem() const;
+
+ private:
+  std::string m_path;
+  std::optional<struct stat> m_before;
+};
+
+}  // namespace host

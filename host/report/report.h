@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "files/audio_figures.h"
+#include "files/audio_layout.h"
+#include "files/wave_copy.h"
+#include "files/workspace.h"
+#include "process/child.h"
+#include "report/verdict.h"
+
+namespace host {
+
+// All that is known after a run, and how it is told.
+
+// A declared file; places alone when it was not looked at.
+struct FileReport {
+  FilePlace place;
+  std::optional<uint64_t> bytes;
+  std::optional<AudioLayout> audio;
+  std::optional<std::vector<ChannelFigures>> channels;
+  std::optional<WaveCopy> copy;
+};
+
+struct RunReport {
+  std::string routine;
+  std::vector<std::string> arguments;
+  Judgement judgement;
+  std::optional<ChildOutcome> outcome;  // Nothing when the routine was not run.
+  std::string log;                      // Its path.
+  std::vector<FileReport> inputs;
+  std::vector<FileReport> outputs;
+};
+
+// Processing time / audio time of the longest input; nothing without audio to compare with.
+std::optional<double> RealTimeFactor(const RunReport& report);
+
+// For readers: the verdict in the first line, then a few lines for each file.
+std::string TextReport(const RunReport& report);
+
+// For programs: JSON; every figure has a unit, and a reason where it has no value.
+std::string JsonReport(const RunReport& report);
+
+}  // namespace host

@@ -1,0 +1,83 @@
+#include <algorithm>
+#include <cstdio>
+
+#include "base/units.h"
+#include "report/report.h"
+
+namespace host {
+
+namespace {
+
+std::string VerdictLine(const RunReport& report) {
+  std::string line = VerdictName(report.judgement.verdict);
+  line += "  " + report.routine;
+  if (!report.judgement.reason.empty()) line += "  " + report.judgement.reason;
+  if (report.outcome) {
+    line += "  " + Seconds(report.outcome->elapsed);
+    if (const auto factor = RealTimeFactor(report)) line += "  RTF " + Ratio(*factor);
+    line += "  CPU " + Seconds(report.outcome->cpu);
+    line += "  memory " + Bytes(report.outcome->peakMemory);
+  }
+  return line + "\n";
+}
+
+std::string Format(const AudioLayout& audio) {
+  std::string samples = "other samples";
+  if (audio.samples == Encoding::kPcm16) samples = "16-bit";
+  if (audio.samples == Encoding::kFloat32) samples = "32-bit float";
+  return Seconds(audio.Seconds()) + ", " + Hertz(audio.rate) + " " + Channels(audio.channels) +
+         ", " + samples;
+}
+
+std::string ChannelLine(const ChannelFigures& figures, const std::string& name) {
+  char line[160];
+  snprintf(line, sizeof line, "          %-10s  peak %11s   RMS %11s", name.c_str(),
+           Decibels(figures.PeakLevel()).c_str(), Decibels(figures.RmsLevel()).c_str());
+  std::string text = line;
+  if (figures.notFinite > 0) text += "   not finite: " + std::to_string(figures.notFinite);
+  return text + "\n";
+}
+
+std::string CopyLine(const WaveCopy& copy) {
+  if (!copy.problem.empty()) return "";
+  std::string line = "  copy    " + copy.path + "  16-bit, no dither";
+  if (copy.attenuation > 0)
+    line += ", attenuated by " + Attenuation(copy.attenuation) + " to a peak of -1 dBFS";
+  return line + "\n";
+}
+
+std::string FileLines(const char* kind, const FileReport& file) {
+  if (!file.bytes) return "";
+  std::string lines = std::string("  ") + kind + file.place.path + "  ";
+  lines += file.audio ? Format(*file.audio) : Bytes(*file.bytes);
+  lines += "\n";
+  if (file.channels) {
+    const int count = static_cast<int>(file.channels->size());
+    for (int i = 0; i < count; ++i) {
+      lines += ChannelLine((*file.channels)[static_cast<size_t>(i)], ChannelName(i, count));
+    }
+  }
+  if (file.copy) lines += CopyLine(*file.copy);
+  return lines;
+}
+
+}  // namespace
+
+std::optional<double> RealTimeFactor(const RunReport& report) {
+  double seconds = 0;
+  for (const FileReport& input : report.inputs) {
+    if (input.audio) seconds = std::max(seconds, input.audio->Seconds());
+  }
+  if (!report.outcome || seconds <= 0) return std::nullopt;
+  return report.outcome->elapsed / seconds;
+}
+
+std::string TextReport(const RunReport& report) {
+  std::string text = VerdictLine(report);
+  for (const FileReport& input : report.inputs) text += FileLines("input   ", input);
+  for (const FileReport& output : report.outputs) text += FileLines("output  ", output);
+  if (!report.log.empty()) text += "  log     " + report.log + "\n";
+  return text;
+}
+
+}  // namespace host

@@ -1,0 +1,146 @@
+#include "run/run.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "base/exit_code.h"
+#include "base/usage_error.h"
+#include "catalogue/catalogue_text.h"
+#include "process/child.h"
+#include "process/progress.h"
+#include "report/output.h"
+#include "report/report.h"
+#include "report/result_file.h"
+#include "run/judge.h"
+
+namespace host {
+
+namespace {
+
+struct CloseFile {
+  void operator()(FILE* file) const { fclose(file); }
+};
+using File = std::unique_ptr<FILE, CloseFile>;
+
+using Words = std::vector<std::string_view>;
+
+// Why a routine is not one to run; empty when it is.
+std::string SkipReason(const CatalogueRow& row) {
+  if (row.helper) return "a helper: routines call it, it does not run by itself";
+  if (!row.built || row.run == nullptr) return "not built yet";
+  return "";
+}
+
+void CreateFolder(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) return;
+  throw UsageError{"cannot create the folder " + path + ": " +
+                   (error ? error.message() : strerror(ENOTDIR))};
+}
+
+File OpenLog(const std::string& path) {
+  File log(fopen(path.c_str(), "wb"));
+  if (log == nullptr) throw UsageError{"cannot write " + path + ": " + strerror(errno)};
+  return log;
+}
+
+FileReport Examine(const FilePlace& place) {
+  FileReport report = {.place = place, .bytes = {}, .audio = {}, .channels = {}, .copy = {}};
+  struct stat status;
+  if (stat(place.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return report;
+  const File file(fopen(place.path.c_str(), "rb"));
+  if (file == nullptr) return report;
+  report.bytes = static_cast<uint64_t>(status.st_size);
+  report.audio = FindAudio(place.use, file.get(), *report.bytes);
+  if (report.audio) report.channels = MeasureAudio(file.get(), *report.audio);
+  return report;
+}
+
+void AddCopy(FileReport& report) {
+  const Encoding encoding = report.place.use.encoding;
+  const bool headerless = encoding == Encoding::kPcm16 || encoding == Encoding::kFloat32;
+  if (!headerless || !report.channels) return;
+  const File file(fopen(report.place.path.c_str(), "rb"));
+  if (file == nullptr) return;
+  report.copy =
+      WriteWaveCopy(file.get(), *report.audio, Peak(*report.channels), report.place.path + ".wav");
+}
+
+// Looks at what a run has left behind. The problems of the outputs, one for each.
+std::vector<std::string> ExamineAll(std::span<const FilePlace> inputs,
+                                    std::span<const FilePlace> outputs,
+                                    std::span<const OutputBefore> before, bool wav,
+                                    RunReport& report) {
+  for (const FilePlace& input : inputs) report.inputs.push_back(Examine(input));
+  std::vector<std::string> problems;
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    problems.push_back(before[i].Problem());
+    FileReport output = {.place = outputs[i], .bytes = {}, .audio = {}, .channels = {}, .copy = {}};
+    if (problems.back().empty()) output = Examine(outputs[i]);
+    if (wav) AddCopy(output);
+    report.outputs.push_back(std::move(output));
+  }
+  return problems;
+}
+
+void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
+            RunReport& report) {
+  CreateFolder(options.work);
+  const auto inputs = PlaceFiles(row.inputs, row.parameters, words, options.work);
+  const auto outputs = PlaceFiles(row.outputs, row.parameters, words, options.work);
+  report.judgement = JudgeInputs(inputs);
+  if (report.judgement.verdict != Verdict::kPass) return;
+
+  CreateFolder(options.work + "/logs");
+  report.log = options.work + "/logs/" + report.routine + ".log";
+  const File log = OpenLog(report.log);
+  std::vector<OutputBefore> before;
+  for (const FilePlace& output : outputs) before.emplace_back(output);
+  Progress progress(report.routine, inputs.size() + outputs.size());
+  report.outcome = RunInChild([&] { row.run(Ask::kToRun, words); }, options.work, options.timeout,
+                              log.get(), progress);
+
+  report.judgement = JudgeOutcome(*report.outcome, options.timeout);
+  const auto problems = ExamineAll(inputs, outputs, before, options.wav, report);
+  if (report.judgement.verdict != Verdict::kPass) return;
+  report.judgement = JudgeOutputs(report.outputs, problems);
+}
+
+}  // namespace
+
+int Run(const RunOptions& options) {
+  const CatalogueRow& row = FindRow(options.routine);
+  RunReport report;
+  report.routine = options.routine;
+  report.arguments = options.arguments;
+  const Words words(options.arguments.begin(), options.arguments.end());
+  const std::string skip = SkipReason(row);
+  if (skip.empty() && !row.run(Ask::kWhetherArgumentsFit, words)) {
+    throw UsageError{"the arguments do not fit " + Declaration(row)};
+  }
+  std::optional<ResultFile> json;
+  if (!options.json.empty()) json.emplace(options.json);
+
+  if (skip.empty()) {
+    RunRow(row, options, words, report);
+  } else {
+    report.judgement = Skip(skip);
+  }
+
+  int delivered = PrintResults(TextReport(report));
+  if (json) delivered = std::max(delivered, json->Write(JsonReport(report)));
+  json.reset();
+  if (report.outcome && report.outcome->interruption != 0) raise(report.outcome->interruption);
+  return report.judgement.exitCode != exit_code::kPass ? report.judgement.exitCode : delivered;
+}
+
+}  // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct RunOptions {
+  std::string routine = "RunTestCase";
+  std::vector<std::string> arguments;
+  std::string work = "bench_work";
+  double timeout = 600;  // Seconds
+  std::string json;      // Where the report goes as JSON; empty for nowhere.
+  bool wav = false;      // Also write WAVE copies of headerless audio outputs.
+};
+
+// Runs one routine, reports, and returns the host's exit code. Throws UsageError when it cannot be
+// run as asked, and std::system_error when the machine has no room for another process.
+int Run(const RunOptions& options);
+
+}  // namespace host

@@ -1,0 +1,84 @@
+#include "files/audio_layout.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "support/file_bytes.h"
+#include "support/temporary_directory.h"
+#include "support/wav_bytes.h"
+
+namespace host {
+namespace {
+
+class AudioLayoutTest : public testing::Test {
+ protected:
+  std::optional<AudioLayout> Find(const FileUse& use, const std::string& bytes) {
+    WriteFile("audio", bytes);
+    FILE* const file = fopen("audio", "rb");
+    const auto layout = FindAudio(use, file, bytes.size());
+    fclose(file);
+    return layout;
+  }
+
+  std::optional<AudioLayout> FindWave(const std::string& bytes) {
+    return Find({.encoding = Encoding::kWave}, bytes);
+  }
+
+  TemporaryDirectory m_directory;
+};
+
+TEST_F(AudioLayoutTest, TakesHeaderlessAudioAsDeclared) {
+  const auto layout = Find({.encoding = Encoding::kFloat32, .rate = 44100, .channels = 2},
+                           std::string(88200 * 4, 'x'));
+  ASSERT_TRUE(layout);
+  EXPECT_EQ(layout->samples, Encoding::kFloat32);
+  EXPECT_EQ(layout->frameBytes, 8);
+  EXPECT_DOUBLE_EQ(layout->Seconds(), 1);
+}
+
+TEST_F(AudioLayoutTest, FindsNoAudioInOtherFiles) {
+  EXPECT_EQ(Find({.encoding = Encoding::kOther}, "text"), std::nullopt);
+}
+
+TEST_F(AudioLayoutTest, ReadsWaveHeaders) {
+  const auto layout =
+      FindWave(Riff(Chunk("LIST", "odd") + PlainFormat({.channels = 2, .rate = 22050}) +
+                    Chunk("data", std::string(44100, 'x'))));
+  ASSERT_TRUE(layout);
+  EXPECT_EQ(layout->samples, Encoding::kPcm16);
+  EXPECT_EQ(layout->rate, 22050);
+  EXPECT_EQ(layout->channels, 2);
+  EXPECT_EQ(layout->offset, 12U + 12 + 24 + 8);
+  EXPECT_DOUBLE_EQ(layout->Seconds(), 0.5);
+}
+
+TEST_F(AudioLayoutTest, TellsFloatsFromOtherSamples) {
+  const auto samples = [this](const std::string& format) {
+    return FindWave(Riff(format + Chunk("data", "12345678")))->samples;
+  };
+  EXPECT_EQ(samples(PlainFormat({.tag = 3, .bits = 32})), Encoding::kFloat32);
+  EXPECT_EQ(samples(ExtensibleFormat({.bits = 16}, 1)), Encoding::kPcm16);
+  EXPECT_EQ(samples(PlainFormat({.bits = 24})), Encoding::kOther);
+  EXPECT_EQ(samples(PlainFormat({.tag = 7, .bits = 8})), Encoding::kOther);
+  EXPECT_EQ(samples(PlainFormat({.bits = 16, .blockAlign = 4})), Encoding::kOther) << "padded";
+}
+
+TEST_F(AudioLayoutTest, TakesNoMoreSamplesThanThereAre) {
+  const auto layout = FindWave(Riff(PlainFormat({}) + Chunk("data", "1234", 0xFFFFFFFF)));
+  ASSERT_TRUE(layout);
+  EXPECT_EQ(layout->bytes, 4U);
+}
+
+TEST_F(AudioLayoutTest, FindsNothingInWhatIsNoWave) {
+  const std::string data = Chunk("data", "1234");
+  for (const std::string& bytes :
+       {std::string(), std::string("RIFF"), std::string(100, 'x'), Riff(""), Riff(PlainFormat({})),
+        Riff(data), Riff(Chunk("fmt ", "short") + data), Riff(PlainFormat({.channels = 0}) + data),
+        Riff(PlainFormat({.rate = 0}) + data)}) {
+    EXPECT_EQ(FindWave(bytes), std::nullopt) << testing::PrintToString(bytes);
+  }
+}
+
+}  // namespace
+}  // namespace host

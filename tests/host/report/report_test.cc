@@ -1,0 +1,118 @@
+#include "report/report.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "base/units.h"
+
+namespace host {
+namespace {
+
+using nlohmann::json;
+
+// A run over 2 s of audio into a loud and a silent channel.
+RunReport Example() {
+  RunReport report;
+  report.routine = "TestIt";
+  report.arguments = {"-1", "\xff"};
+  report.outcome = {.how = {}, .elapsed = 0.5, .cpu = 0.25, .peakMemory = 5000000};
+  report.log = "work/logs/TestIt.log";
+  FileReport input;
+  input.place = {.use = {.encoding = Encoding::kPcm16}, .name = "/in", .path = "work/in"};
+  input.bytes = 32000;
+  input.audio = {
+      .samples = Encoding::kPcm16, .rate = 8000, .channels = 1, .bytes = 32000, .frameBytes = 2};
+  report.inputs = {input};
+  FileReport output;
+  output.place = {.use = {.encoding = Encoding::kFloat32}, .name = "/out", .path = "work/out"};
+  output.bytes = 800;
+  output.audio = {
+      .samples = Encoding::kFloat32, .rate = 8000, .channels = 2, .bytes = 800, .frameBytes = 8};
+  output.channels = {{.peak = 2, .sumOfSquares = 100, .samples = 100}, {.samples = 100}};
+  output.copy = WaveCopy{.path = "work/out.wav", .attenuation = 7.02, .problem = {}};
+  report.outputs = {output};
+  return report;
+}
+
+TEST(RealTimeFactor, ComparesWithTheLongestInput) {
+  RunReport report = Example();
+  EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.25);
+  report.inputs.push_back(report.inputs[0]);
+  report.inputs[1].audio->bytes *= 2;
+  EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.125);
+  report.inputs.clear();
+  EXPECT_EQ(RealTimeFactor(report), std::nullopt);
+}
+
+TEST(TextReport, TellsTheVerdictThenTheFiles) {
+  EXPECT_EQ(TextReport(Example()),
+            "pass  TestIt  0.50 s  RTF 0.25  CPU 0.25 s  memory 5.0 MB\n"
+            "  input   work/in  2.00 s, 8000 Hz mono, 16-bit\n"
+            "  output  work/out  12.5 ms, 8000 Hz stereo, 32-bit float\n"
+            "          left        peak    6.0 dBFS   RMS    0.0 dBFS\n"
+            "          right       peak      silent   RMS      silent\n"
+            "  copy    work/out.wav  16-bit, no dither, attenuated by 7.0 dB to a peak of -1 dBFS\n"
+            "  log     work/logs/TestIt.log\n");
+}
+
+TEST(TextReport, TellsWhyItIsNoPass) {
+  RunReport report;
+  report.routine = "TestIt";
+  report.judgement = Skip("not built yet");
+  EXPECT_EQ(TextReport(report), "skip  TestIt  not built yet\n");
+}
+
+TEST(JsonReport, GivesEveryFigureAUnit) {
+  const json report = json::parse(JsonReport(Example()));
+  EXPECT_EQ(report["schema_version"], 1);
+  EXPECT_EQ(report["routine"], "TestIt");
+  EXPECT_EQ(report["arguments"], json({"-1", "\xEF\xBF\xBD"})) << "bytes that are no text";
+  EXPECT_EQ(report["verdict"], "pass");
+  EXPECT_EQ(report["reason"], nullptr);
+  EXPECT_EQ(report["exit_code"], 0);
+  EXPECT_EQ(report["elapsed"], json({{"value", 0.5}, {"unit", "s"}}));
+  EXPECT_EQ(report["cpu"], json({{"value", 0.25}, {"unit", "s"}}));
+  EXPECT_EQ(report["rtf"], json({{"value", 0.25}, {"unit", "1"}}));
+  EXPECT_EQ(report["peak_memory"], json({{"value", 5000000}, {"unit", "bytes"}}));
+  const json output = report["outputs"][0];
+  EXPECT_EQ(output["name"], "/out");
+  EXPECT_EQ(output["path"], "work/out");
+  EXPECT_EQ(output["duration"], json({{"value", 0.0125}, {"unit", "s"}}));
+  EXPECT_EQ(output["channels"][0]["channel"], "left");
+  EXPECT_NEAR(output["channels"][0]["peak"]["value"].get<double>(), 6.0206, 1e-4);
+  EXPECT_EQ(output["wave_copy"]["attenuation"], json({{"value", 7.02}, {"unit", "dB"}}));
+}
+
+TEST(JsonReport, GivesAReasonWhereThereIsNoFigure) {
+  RunReport report = Example();
+  report.outcome->elapsed = std::numeric_limits<double>::infinity();
+  json parsed = json::parse(JsonReport(report));
+  EXPECT_EQ(parsed["elapsed"]["value"], nullptr);
+  EXPECT_TRUE(parsed["elapsed"]["reason"].is_string());
+  EXPECT_EQ(parsed["outputs"][0]["channels"][1]["peak"],
+            json({{"value", nullptr}, {"unit", "dBFS"}, {"reason", "silence has no level"}}));
+
+  report.outcome.reset();
+  report.judgement = Error(3, "missing");
+  parsed = json::parse(JsonReport(report));
+  EXPECT_EQ(parsed["reason"], "missing");
+  EXPECT_EQ(parsed["exit_code"], 3);
+  EXPECT_EQ(parsed["peak_memory"],
+            json({{"value", nullptr}, {"unit", "bytes"}, {"reason", "not run"}}));
+}
+
+TEST(Units, FitTheMagnitude) {
+  EXPECT_EQ(Seconds(0.0031), "3.1 ms");
+  EXPECT_EQ(Seconds(600), "600.00 s");
+  EXPECT_EQ(Bytes(1), "1 byte");
+  EXPECT_EQ(Bytes(1764), "1764 bytes");
+  EXPECT_EQ(Bytes(211680000), "211.7 MB");
+  EXPECT_EQ(Ratio(0.000521), "0.00052");
+  EXPECT_EQ(Decibels(-0.01), "0.0 dBFS");
+  EXPECT_EQ(ChannelName(0, 6), "channel 1");
+}
+
+}  // namespace
+}  // namespace host
