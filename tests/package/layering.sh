@@ -29,7 +29,12 @@ allow audio_engine/core/harness "$library|\"($api|harness)/$name\"" --exclude-di
 allow audio_engine/core/bench "$library|\"($api|harness|bench/[a-z]+)/$name\""
 allow audio_engine/core/harness/catalogue "$library|\"($api|harness|harness/catalogue|bench/[a-z]+)/$name\""
 allow audio_engine/desktop "$library|<webrtc/[a-z/_]+>|$beside|\"($api|desktop/[a-z]+|wave)/$name\""
-allow host "$library|$beside|\"([a-z]+|harness/catalogue)/$name\""
+# Of the host, each folder may include itself and the ones named before it.
+below='base'
+for folder in base files process catalogue report demo run cli; do
+  below+="|$folder"
+  allow "host/$folder" "$library|\"($below|harness/catalogue|wave)/$name\"|\"harness/format_name.h\""
+done
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+)/$name\""
 
 # Angle brackets are for the headers of others.
