@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+#include "../common/visibility.h"
+
+// One encoded frame on its way to a frame player.
+struct AudioFrameData {
+  uint8_t frameData[1024];
+  uint16_t frameLength;  // Bytes. More than frameData holds: the frame is cut off and no good.
+  uint32_t timestamp;
+  uint32_t ssrc;
+  uint32_t frameIndex;  // Counts the frames of the stream.
+  uint8_t codecType;    // The low byte of the raw codec id.
+  uint8_t keyFrame;
+  uint8_t discard;
+};
+
+// How a frame player is doing, for the owner that feeds it.
+struct FramePlayerFeedbackInfo {
+  bool acceleratePlay;
+  bool fasterPlayOn;
+  bool stretchPlay;
+  bool isFakeAudioFrame;
+  double accelerateMS;
+  double stretchMS;
+  double playDelayMS;
+};
+
+// What a frame player asks of its owner. The calls come on a thread of the engine, never on the
+// device's; the slot order is fixed.
+class ENGINE_API IAudioFramePlayerNotify {
+ public:
+  virtual ~IAudioFramePlayerNotify() = default;
+
+  // Fills `frame` with the next encoded frame of the stream `streamId`. The fields that the owner
+  // leaves keep what they held at the last pull. False: there is none now. The player has filled in
+  // `feedback`.
+  virtual bool OnPullAudioFrame(uint32_t streamId, AudioFrameData& frame, bool isFirst,
+                                FramePlayerFeedbackInfo& feedback) = 0;
+
+  // The volume of what is played. False: no more of these.
+  virtual bool OnAudioVolume(uint32_t streamId, uint32_t volume) = 0;
+
+  // The time stamp of what is played. False: no more of these.
+  virtual bool OnAudioRenderPTS(uint32_t streamId, uint32_t timeStamp) = 0;
+
+  // Data that came along with the audio: `count` blocks of bytes[i] bytes each.
+  virtual int OnAudioAncData(char** data, int* bytes, int count) = 0;
+};

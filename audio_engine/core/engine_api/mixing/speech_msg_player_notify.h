@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "../common/visibility.h"
+
+// What the player of a speech message tells its owner. The calls come on a thread of the engine;
+// the slot order is fixed. Times in ms.
+class ENGINE_API ISpeechMsgPlayerNotify {
+ public:
+  virtual ~ISpeechMsgPlayerNotify() = default;
+
+  // Every so often while it plays.
+  virtual void OnAudioPlayStatus(uint32_t playedTime, uint32_t totalTime, uint32_t volume) = 0;
+
+  // The message cannot be played on.
+  virtual void OnAudioPlayError() = 0;
+
+  // The first samples go to the device.
+  virtual void OnFirstStartPlayData() = 0;
+
+  // The message has ended or was stopped.
+  virtual void OnStopPlayData(uint32_t playedTime, uint32_t totalTime) = 0;
+
+  // The longest time that was asked for is over.
+  virtual void OnReachMaxPlayTime(uint32_t playedTime, uint32_t totalTime) = 0;
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+struct SpeexResamplerState_;
+
+namespace desktop {
+
+// Brings interleaved 16-bit audio from one rate and channel count to another. To mono is the mean
+// of all channels, mono to several is copies, else the first channels are kept and further ones are
+// silent. Samples beyond full scale are limited. Nothing is allocated after construction. Belongs
+// to one thread at a time.
+class Resampler {
+ public:
+  // The ratio of the rates is sourceRate : targetRate; two block lengths do as well, and then one
+  // block in gives exactly one block out. maxFrames: the longest input of one call, in frames
+  // (samples per channel).
+  Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
+            uint32_t targetChannels, uint32_t maxFrames);
+  ~Resampler();
+  Resampler(const Resampler&) = delete;
+  Resampler& operator=(const Resampler&) = delete;
+
+  // False when a rate, a channel count or maxFrames is 0 or absurd, or memory is short; Convert
+  // then gives nothing.
+  bool IsOpen() const { return m_open; }
+
+  // The most frames that one call can give for `frames` frames.
+  uint32_t MostFramesFor(uint32_t frames) const;
+
+  // Converts `frames` frames, at most maxFrames, and returns how many came out. `target` has room
+  // for MostFramesFor(frames) of them; it may be `source`, which is read before anything is
+  // written.
+  uint32_t Convert(const short* source, uint32_t frames, short* target);
+
+  // How much later a sound comes out than it went in, in frames of the target; 0 for equal rates.
+  uint32_t LagFrames() const;
+
+ private:
+  struct Close {
+    void operator()(SpeexResamplerState_* state) const;
+  };
+
+  const uint32_t m_sourceRate;
+  const uint32_t m_sourceChannels;
+  const uint32_t m_targetRate;
+  const uint32_t m_targetChannels;
+  const uint32_t m_maxFrames;
+  const uint32_t m_channels;  // While the rate is changed: the fewer of both.
+  std::unique_ptr<SpeexResamplerState_, Close> m_state;  // Null for equal rates.
+  std::vector<float> m_before;                           // Ahead of the change of rate,
+  std::vector<float> m_after;                            // and after it.
+  bool m_open = false;
+};
+
+}  // namespace desktop

@@ -1,0 +1,29 @@
+#include "engine_api/platform/paths.h"
+
+#include "desktop/platform/paths.h"
+
+namespace {
+
+std::string& DocumentsPath() {
+  static auto* const path = new std::string;  // Lives as long as the process.
+  return *path;
+}
+
+std::string& DebugPath() {
+  static auto* const path = new std::string;
+  return *path;
+}
+
+}  // namespace
+
+std::string GetIosDocPath() { return DocumentsPath(); }
+
+std::string GetDebugPath() { return DebugPath(); }
+
+namespace desktop {
+
+void SetIosDocPath(const std::string& path) { DocumentsPath() = path; }
+
+void SetDebugPath(const std::string& path) { DebugPath() = path; }
+
+}  // namespace desktop
