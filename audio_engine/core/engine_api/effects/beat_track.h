@@ -1,19 +1,7 @@
 #pragma once
 
 #include "../common/visibility.h"
-
-// Told of beats on the thread that calls Detectbeat or Stop, before that call returns.
-class ENGINE_API IBeatTrackNotify {
- public:
-  virtual ~IBeatTrackNotify() = default;
-
-  // A beat is now (or `delayDecision` ms ago). bpm: the tempo, beats per minute. power: how clearly
-  // the music marks this beat, 0 (not at all) to 1.
-  virtual void NotifyBeat(int bpm, float power) = 0;
-
-  // Told once after Start, right before the fifth beat: from here the beats are steady.
-  virtual void NotifyStartFive() = 0;
-};
+#include "beat_track_notify.h"
 
 // Follows the beat of music while it plays. Belongs to one thread at a time; the slot order is
 // fixed. The first beats come after 3 to 6 s; silence has none.

@@ -2,15 +2,16 @@
 
 #include "../common/visibility.h"
 
-// What a beat tracker tells its owner. The calls come on the tracker's thread; the slot order is
-// fixed.
+// What a beat tracker tells its owner, on the thread that calls the tracker and before that call
+// returns. The slot order is fixed.
 class ENGINE_API IBeatTrackNotify {
  public:
   virtual ~IBeatTrackNotify() = default;
 
-  // One beat of `bpm` beats a minute; power from 0 to 1.
+  // A beat is now (later by the delay that the tracker was started with). bpm: the tempo, beats a
+  // minute. power: how clearly the music marks this beat, 0 (not at all) to 1.
   virtual void NotifyBeat(int bpm, float power) = 0;
 
-  // The tracker has found the beat of the music and starts to follow it.
+  // Told once after Start, right before the fifth beat: from here the beats are steady.
   virtual void NotifyStartFive() = 0;
 };
