@@ -31,7 +31,6 @@ BackgroundWork::BackgroundWork(Finish finish) : m_finish(std::move(finish)) {
 
 BackgroundWork::~BackgroundWork() {
   const std::scoped_lock lock(AllWork().mutex);
-
   std::erase(AllWork().work, &m_finish);
 }
 
