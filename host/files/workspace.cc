@@ -73,16 +73,18 @@ std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_vie
   return places;
 }
 
-std::string InputProblem(const FilePlace& input) {
-  if (input.path.empty()) return "leads out of the workspace";
+std::optional<InputFault> FindInputFault(const FilePlace& input) {
+  if (input.path.empty()) return InputFault{.text = "leads out of the workspace"};
   struct stat status;
-  if (stat(input.path.c_str(), &status) != 0) return strerror(errno);
-  if (S_ISDIR(status.st_mode)) return strerror(EISDIR);
-  if (!S_ISREG(status.st_mode)) return "Not a regular file";
+  if (stat(input.path.c_str(), &status) != 0) {
+    return InputFault{.missing = errno == ENOENT || errno == ENOTDIR, .text = strerror(errno)};
+  }
+  if (S_ISDIR(status.st_mode)) return InputFault{.text = strerror(EISDIR)};
+  if (!S_ISREG(status.st_mode)) return InputFault{.text = "Not a regular file"};
   const int file = open(input.path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return strerror(errno);
+  if (file < 0) return InputFault{.text = strerror(errno)};
   close(file);
-  return "";
+  return std::nullopt;
 }
 
 OutputBefore::OutputBefore(const FilePlace& output)
@@ -90,16 +92,16 @@ OutputBefore::OutputBefore(const FilePlace& output)
   if (m_before) WaitForNextTick(m_before->st_ctim);
 }
 
-std::string OutputBefore::Problem() const {
-  if (m_path.empty()) return "leads out of the workspace";
+OutputState OutputBefore::StateNow() const {
+  if (m_path.empty()) return OutputState::kOutside;
   const std::optional<struct stat> now = Stat(m_path);
-  if (!now) return "is absent";
-  if (!S_ISREG(now->st_mode)) return "is not a regular file";
+  if (!now) return OutputState::kAbsent;
+  if (!S_ISREG(now->st_mode)) return OutputState::kNotAFile;
   if (m_before && Same(m_before->st_ctim, now->st_ctim) && m_before->st_size == now->st_size &&
       m_before->st_ino == now->st_ino) {
-    return "was not written; what is there is from before";
+    return OutputState::kStale;
   }
-  return now->st_size == 0 ? "is empty" : "";
+  return now->st_size == 0 ? OutputState::kEmpty : OutputState::kWritten;
 }
 
 }  // namespace host

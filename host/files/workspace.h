@@ -26,17 +26,25 @@ std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_vie
                                   std::span<const std::string_view> arguments,
                                   const std::string& workspace);
 
-// Why a declared input cannot be read; empty when it can.
-std::string InputProblem(const FilePlace& input);
+// Why a declared input cannot be read.
+struct InputFault {
+  bool missing = false;
+  std::string text;  // "No such file or directory"
+};
+
+// Nothing when the input is a regular file that can be opened.
+std::optional<InputFault> FindInputFault(const FilePlace& input);
+
+// How an output came through a run.
+enum class OutputState { kWritten, kOutside, kAbsent, kNotAFile, kStale, kEmpty };
 
 // What an output was before a run.
 class OutputBefore {
  public:
-  // Returns only when a file that is written from now on is sure to differ.
+  // Waits for a clock tick so that a rewrite changes the time stamp.
   explicit OutputBefore(const FilePlace& output);
 
-  // Why the output is not one that the run wrote; empty when it is.
-  std::string Problem() const;
+  OutputState StateNow() const;
 
  private:
   std::string m_path;

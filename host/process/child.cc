@@ -127,6 +127,7 @@ class Child {
     if (m_killed) return;
     if (WIFSIGNALED(m_status)) {
       const int signal = WTERMSIG(m_status);
+      m_outcome.crashSignal = signal;
       m_outcome.how = "killed by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
     } else if (!returned || WEXITSTATUS(m_status) != 0) {
       m_outcome.how = "ended its process with exit status " +

@@ -16,6 +16,7 @@ struct ChildOutcome {
   enum class End { kReturned, kCrashed, kTimedOut, kInterrupted };
   End end = End::kReturned;
   std::string how;          // How it crashed: "killed by signal 11 (Segmentation fault)".
+  int crashSignal = 0;      // That killed it; 0 for any other end.
   int interruption = 0;     // The signal that the host was told to end by.
   int writeFailure = 0;     // errno of the first file that could not be written whole.
   double elapsed = 0;       // Seconds by the clock.

@@ -15,9 +15,10 @@ namespace host {
 
 // All that is known after a run, and how it is told.
 
-// A declared file; places alone when it was not looked at.
+// A declared file; only the place when it was not looked at.
 struct FileReport {
   FilePlace place;
+  OutputState state = OutputState::kWritten;  // Outputs only.
   std::optional<uint64_t> bytes;
   std::optional<AudioLayout> audio;
   std::optional<std::vector<ChannelFigures>> channels;

@@ -1,5 +1,10 @@
 #include "report/verdict.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "base/exit_code.h"
+
 namespace host {
 
 const char* VerdictName(Verdict verdict) {
@@ -14,6 +19,70 @@ const char* VerdictName(Verdict verdict) {
       return "skip";
   }
   return "";
+}
+
+namespace {
+
+struct CauseFacts {
+  Cause cause;
+  const char* name;
+  Verdict verdict;
+  int exitCode;
+};
+
+constexpr CauseFacts kCauses[] = {
+    {Cause::kNotRunnable, "not_runnable", Verdict::kSkip, exit_code::kSkip},
+    {Cause::kLogIncomplete, "log_incomplete", Verdict::kError, exit_code::kUsage},
+    {Cause::kCopyFailed, "copy_failed", Verdict::kFail, exit_code::kFail},
+    {Cause::kSamplesNotFinite, "samples_not_finite", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputNotMeasured, "output_not_measured", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputChanged, "output_changed", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputUnreadable, "output_unreadable", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputNotWhole, "output_not_whole", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputFormat, "output_format", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputEmpty, "output_empty", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputStale, "output_stale", Verdict::kFail, exit_code::kFail},
+    {Cause::kOutputAbsent, "output_absent", Verdict::kFail, exit_code::kFail},
+    {Cause::kWriteError, "write_error", Verdict::kFail, exit_code::kFail},
+    {Cause::kInputFormat, "input_format", Verdict::kFail, exit_code::kFail},
+    {Cause::kInputTooShort, "input_too_short", Verdict::kFail, exit_code::kFail},
+    {Cause::kInputChanged, "input_changed", Verdict::kError, exit_code::kInput},
+    {Cause::kReadError, "read_error", Verdict::kError, exit_code::kInput},
+    {Cause::kUnreadableInput, "unreadable_input", Verdict::kError, exit_code::kInput},
+    {Cause::kMissingInput, "missing_input", Verdict::kError, exit_code::kInput},
+    {Cause::kTimeout, "timeout", Verdict::kError, exit_code::kCrash},
+    {Cause::kCrash, "crash", Verdict::kError, exit_code::kCrash},
+    {Cause::kInterrupted, "interrupted", Verdict::kError, exit_code::kSignal},
+};
+
+const CauseFacts& Facts(Cause cause) { return kCauses[static_cast<size_t>(cause)]; }
+
+}  // namespace
+
+const char* CauseName(Cause cause) { return Facts(cause).name; }
+
+const Problem* Judgement::Worst() const {
+  const auto worst =
+      std::max_element(problems.begin(), problems.end(),
+                       [](const Problem& a, const Problem& b) { return a.cause < b.cause; });
+  return worst == problems.end() ? nullptr : &*worst;
+}
+
+Judgement Judge(std::vector<Problem> problems) {
+  Judgement judgement;
+  judgement.problems = std::move(problems);
+  const Problem* const worst = judgement.Worst();
+  if (worst == nullptr) return judgement;
+  const CauseFacts& facts = Facts(worst->cause);
+  judgement.verdict = facts.verdict;
+  judgement.exitCode = facts.exitCode;
+  if (worst->cause == Cause::kInterrupted) judgement.exitCode += worst->signal;
+  judgement.reason = worst->text;
+  if (const size_t more = judgement.problems.size() - 1; more > 0) {
+    judgement.reason +=
+        ", and " + std::to_string(more) + (more > 1 ? " more problems" : " more problem");
+  }
+  return judgement;
 }
 
 }  // namespace host

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <string>
-#include <utility>
-
-#include "base/exit_code.h"
+#include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -12,21 +11,55 @@ enum class Verdict { kPass, kFail, kError, kSkip };
 
 const char* VerdictName(Verdict verdict);  // "pass", "fail", "error", "skip"
 
+// What kind of problem keeps a run from passing. The worse of two decides about the verdict; they
+// are listed from bad to worse.
+enum class Cause {
+  kNotRunnable,    // Skipped.
+  kLogIncomplete,  // Exit code 2.
+  kCopyFailed,     // From here on fail, exit code 1.
+  kSamplesNotFinite,
+  kOutputNotMeasured,
+  kOutputChanged,
+  kOutputUnreadable,
+  kOutputNotWhole,
+  kOutputFormat,
+  kOutputEmpty,
+  kOutputStale,
+  kOutputAbsent,
+  kWriteError,
+  kInputFormat,
+  kInputTooShort,
+  kInputChanged,  // From here on error; of inputs exit code 3.
+  kReadError,
+  kUnreadableInput,
+  kMissingInput,
+  kTimeout,  // Exit code 4.
+  kCrash,
+  kInterrupted  // Exit code 128 plus the signal.
+};
+
+// The cause as a word for programs: "missing_input".
+const char* CauseName(Cause cause);
+
+// One thing that keeps a run from passing.
+struct Problem {
+  Cause cause;
+  std::string text;  // For readers, one line; names the file.
+  int signal = 0;    // Which ended the routine (kCrash) or the run (kInterrupted); 0 for none.
+};
+
 // A verdict, its exit code, and why it is no pass.
 struct Judgement {
   Verdict verdict = Verdict::kPass;
-  int exitCode = exit_code::kPass;
-  std::string reason;
+  int exitCode = 0;
+  std::string reason;             // The worst problem in one line, and how many more there are.
+  std::vector<Problem> problems;  // All of them, in the order in which they were found.
+
+  // The one that decided; null for a pass.
+  const Problem* Worst() const;
 };
 
-inline Judgement Fail(std::string reason) {
-  return {Verdict::kFail, exit_code::kFail, std::move(reason)};
-}
-inline Judgement Skip(std::string reason) {
-  return {Verdict::kSkip, exit_code::kSkip, std::move(reason)};
-}
-inline Judgement Error(int exitCode, std::string reason) {
-  return {Verdict::kError, exitCode, std::move(reason)};
-}
+// The verdict on a run with these problems: pass when there are none.
+Judgement Judge(std::vector<Problem> problems);
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstring>
+#include <optional>
 
 #include "base/units.h"
 
@@ -15,12 +16,6 @@ std::string Name(const FilePlace& place) {
   return place.path.empty() ? place.name : place.name + " (" + place.path + ")";
 }
 
-// The first one, and how many more there are.
-std::string Summary(const std::vector<std::string>& problems) {
-  if (problems.size() < 2) return problems.empty() ? "" : problems.front();
-  return problems.front() + ", and " + std::to_string(problems.size() - 1) + " more like it";
-}
-
 std::string TooShort(const FilePlace& input) {
   struct stat status;
   if (stat(input.path.c_str(), &status) != 0) return "";  // Judged as unreadable.
@@ -30,67 +25,93 @@ std::string TooShort(const FilePlace& input) {
          " bytes: " + Bytes(static_cast<uint64_t>(status.st_size));
 }
 
+// Why an output is not one that the run wrote; nothing when it is.
+std::optional<Problem> NotWritten(const FileReport& output) {
+  const std::string name = "output " + Name(output.place);
+  switch (output.state) {
+    case OutputState::kWritten:
+      return std::nullopt;
+    case OutputState::kOutside:
+      return Problem{Cause::kOutputAbsent, name + " leads out of the workspace"};
+    case OutputState::kAbsent:
+      return Problem{Cause::kOutputAbsent, name + " is absent"};
+    case OutputState::kNotAFile:
+      return Problem{Cause::kOutputFormat, name + " is not a regular file"};
+    case OutputState::kStale:
+      return Problem{Cause::kOutputStale, name + " was not written; what is there is from before"};
+    case OutputState::kEmpty:
+      return Problem{Cause::kOutputEmpty, name + " is empty"};
+  }
+  return std::nullopt;
+}
+
 // What is wrong with the content of an output that was written.
-std::string ContentProblem(const FileReport& output) {
+void AddContentProblems(const FileReport& output, std::vector<Problem>& problems) {
   const std::string name = "output " + Name(output.place);
   if (output.place.use.encoding == Encoding::kWave) {
-    if (!output.audio) return name + " is not a WAVE file";
-    if (output.audio->bytes == 0) return name + " holds no samples";
+    if (!output.audio) {
+      problems.push_back({Cause::kOutputFormat, name + " is not a WAVE file"});
+    } else if (output.audio->bytes == 0) {
+      problems.push_back({Cause::kOutputEmpty, name + " holds no samples"});
+    }
   }
   uint64_t notFinite = 0;
   if (output.channels) {
     for (const ChannelFigures& figures : *output.channels) notFinite += figures.notFinite;
   }
-  if (notFinite > 0) return std::to_string(notFinite) + " samples are not finite in " + name;
-  if (output.copy && !output.copy->problem.empty()) {
-    return "no copy " + output.copy->path + ": " + output.copy->problem;
+  if (notFinite > 0) {
+    problems.push_back({Cause::kSamplesNotFinite,
+                        std::to_string(notFinite) + " samples are not finite in " + name});
   }
-  return "";
+  if (output.copy && !output.copy->problem.empty()) {
+    problems.push_back(
+        {Cause::kCopyFailed, "no copy " + output.copy->path + ": " + output.copy->problem});
+  }
 }
 
 }  // namespace
 
-Judgement JudgeInputs(std::span<const FilePlace> inputs) {
-  std::vector<std::string> unreadable;
-  std::vector<std::string> tooShort;
+std::vector<Problem> InputProblems(std::span<const FilePlace> inputs) {
+  std::vector<Problem> problems;
   for (const FilePlace& input : inputs) {
-    const std::string problem = InputProblem(input);
-    if (!problem.empty()) {
-      unreadable.push_back("input " + Name(input) + ": " + problem);
+    if (const auto fault = FindInputFault(input)) {
+      problems.push_back({fault->missing ? Cause::kMissingInput : Cause::kUnreadableInput,
+                          "input " + Name(input) + ": " + fault->text});
     } else if (const std::string shortage = TooShort(input); !shortage.empty()) {
-      tooShort.push_back(shortage);
+      problems.push_back({Cause::kInputTooShort, shortage});
     }
   }
-  if (!unreadable.empty()) return Error(exit_code::kInput, Summary(unreadable));
-  if (!tooShort.empty()) return Fail(Summary(tooShort));
-  return {};
+  return problems;
 }
 
-Judgement JudgeOutcome(const ChildOutcome& outcome, double timeout) {
+std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout) {
   switch (outcome.end) {
     case ChildOutcome::End::kCrashed:
-      return Error(exit_code::kCrash, outcome.how);
+      return {{Cause::kCrash, outcome.how, outcome.crashSignal}};
     case ChildOutcome::End::kTimedOut:
-      return Error(exit_code::kCrash, "timed out after " + Seconds(timeout));
+      return {{Cause::kTimeout, "timed out after " + Seconds(timeout)}};
     case ChildOutcome::End::kInterrupted:
-      return Error(exit_code::kSignal + outcome.interruption,
-                   std::string("interrupted (") + strsignal(outcome.interruption) + ")");
+      return {{Cause::kInterrupted,
+               std::string("interrupted (") + strsignal(outcome.interruption) + ")",
+               outcome.interruption}};
     case ChildOutcome::End::kReturned:
       break;
   }
   if (outcome.writeFailure == 0) return {};
-  return Fail(std::string("a file could not be written whole: ") + strerror(outcome.writeFailure));
+  return {{Cause::kWriteError,
+           std::string("a file could not be written whole: ") + strerror(outcome.writeFailure)}};
 }
 
-Judgement JudgeOutputs(std::span<const FileReport> outputs, std::span<const std::string> problems) {
-  std::vector<std::string> found;
-  for (size_t i = 0; i < outputs.size(); ++i) {
-    const std::string problem = problems[i].empty()
-                                    ? ContentProblem(outputs[i])
-                                    : "output " + Name(outputs[i].place) + " " + problems[i];
-    if (!problem.empty()) found.push_back(problem);
+std::vector<Problem> OutputProblems(std::span<const FileReport> outputs) {
+  std::vector<Problem> problems;
+  for (const FileReport& output : outputs) {
+    if (const auto problem = NotWritten(output)) {
+      problems.push_back(*problem);
+    } else {
+      AddContentProblems(output, problems);
+    }
   }
-  return found.empty() ? Judgement() : Fail(Summary(found));
+  return problems;
 }
 
 }  // namespace host

@@ -2,7 +2,6 @@
 
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "report/report.h"
@@ -10,17 +9,15 @@
 
 namespace host {
 
-// The verdicts, each from what is known at its point. Never a pass on nothing.
+// What keeps a run from passing, each from what is known at its point. Never a pass on nothing.
 
-// Before the run: error for an input that is missing or unreadable, fail for one that does not hold
-// one block.
-Judgement JudgeInputs(std::span<const FilePlace> inputs);
+// Before the run: inputs that are missing, unreadable, or hold no whole block.
+std::vector<Problem> InputProblems(std::span<const FilePlace> inputs);
 
 // After the run: how it ended.
-Judgement JudgeOutcome(const ChildOutcome& outcome, double timeout);
+std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout);
 
-// After a run that returned: each output, and what is wrong with it (see OutputBefore; empty when
-// nothing is).
-Judgement JudgeOutputs(std::span<const FileReport> outputs, std::span<const std::string> problems);
+// After a run that returned: outputs that it did not write, or not as it should.
+std::vector<Problem> OutputProblems(std::span<const FileReport> outputs);
 
 }  // namespace host

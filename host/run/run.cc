@@ -54,7 +54,8 @@ File OpenLog(const std::string& path) {
 }
 
 FileReport Examine(const FilePlace& place) {
-  FileReport report = {.place = place, .bytes = {}, .audio = {}, .channels = {}, .copy = {}};
+  FileReport report;
+  report.place = place;
   struct stat status;
   if (stat(place.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return report;
   const File file(fopen(place.path.c_str(), "rb"));
@@ -75,21 +76,17 @@ void AddCopy(FileReport& report) {
       WriteWaveCopy(file.get(), *report.audio, Peak(*report.channels), report.place.path + ".wav");
 }
 
-// Looks at what a run has left behind. The problems of the outputs, one for each.
-std::vector<std::string> ExamineAll(std::span<const FilePlace> inputs,
-                                    std::span<const FilePlace> outputs,
-                                    std::span<const OutputBefore> before, bool wav,
-                                    RunReport& report) {
-  for (const FilePlace& input : inputs) report.inputs.push_back(Examine(input));
-  std::vector<std::string> problems;
-  for (size_t i = 0; i < outputs.size(); ++i) {
-    problems.push_back(before[i].Problem());
-    FileReport output = {.place = outputs[i], .bytes = {}, .audio = {}, .channels = {}, .copy = {}};
-    if (problems.back().empty()) output = Examine(outputs[i]);
-    if (wav) AddCopy(output);
-    report.outputs.push_back(std::move(output));
+// Looks at what a run has left in the place of an output.
+FileReport ExamineOutput(const FilePlace& place, const OutputBefore& before, bool wav) {
+  const OutputState state = before.StateNow();
+  FileReport report;
+  if (state == OutputState::kWritten) {
+    report = Examine(place);
+    if (wav) AddCopy(report);
   }
-  return problems;
+  report.place = place;
+  report.state = state;
+  return report;
 }
 
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
@@ -97,7 +94,7 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   CreateFolder(options.work);
   const auto inputs = PlaceFiles(row.inputs, row.parameters, words, options.work);
   const auto outputs = PlaceFiles(row.outputs, row.parameters, words, options.work);
-  report.judgement = JudgeInputs(inputs);
+  report.judgement = Judge(InputProblems(inputs));
   if (report.judgement.verdict != Verdict::kPass) return;
 
   CreateFolder(options.work + "/logs");
@@ -109,10 +106,13 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   report.outcome = RunInChild([&] { row.run(Ask::kToRun, words); }, options.work, options.timeout,
                               log.get(), progress);
 
-  report.judgement = JudgeOutcome(*report.outcome, options.timeout);
-  const auto problems = ExamineAll(inputs, outputs, before, options.wav, report);
+  for (const FilePlace& input : inputs) report.inputs.push_back(Examine(input));
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    report.outputs.push_back(ExamineOutput(outputs[i], before[i], options.wav));
+  }
+  report.judgement = Judge(OutcomeProblems(*report.outcome, options.timeout));
   if (report.judgement.verdict != Verdict::kPass) return;
-  report.judgement = JudgeOutputs(report.outputs, problems);
+  report.judgement = Judge(OutputProblems(report.outputs));
 }
 
 }  // namespace
@@ -133,7 +133,7 @@ int Run(const RunOptions& options) {
   if (skip.empty()) {
     RunRow(row, options, words, report);
   } else {
-    report.judgement = Skip(skip);
+    report.judgement = Judge({{Cause::kNotRunnable, skip}});
   }
 
   int delivered = PrintResults(TextReport(report));

@@ -44,29 +44,29 @@ class OutputBeforeTest : public testing::Test {
 TEST_F(OutputBeforeTest, AcceptsAFileThatWasWritten) {
   const OutputBefore before(m_output);
   WriteFile("out", "bytes");
-  EXPECT_EQ(before.Problem(), "");
+  EXPECT_EQ(before.StateNow(), OutputState::kWritten);
 }
 
 TEST_F(OutputBeforeTest, TellsTheSameBytesWrittenAgainFromOldOnes) {
   for (int i = 0; i < 20; ++i) {  // Each time within the clock tick of the one before.
     WriteFile("out", "bytes");
     const OutputBefore before(m_output);
-    EXPECT_EQ(before.Problem(), "was not written; what is there is from before");
+    EXPECT_EQ(before.StateNow(), OutputState::kStale);
     WriteFile("out", "bytes");
-    EXPECT_EQ(before.Problem(), "");
+    EXPECT_EQ(before.StateNow(), OutputState::kWritten);
   }
 }
 
 TEST_F(OutputBeforeTest, RefusesWhatIsAbsentEmptyOrNoFile) {
   const OutputBefore before(m_output);
-  EXPECT_EQ(before.Problem(), "is absent");
+  EXPECT_EQ(before.StateNow(), OutputState::kAbsent);
   WriteFile("out", "");
-  EXPECT_EQ(before.Problem(), "is empty");
+  EXPECT_EQ(before.StateNow(), OutputState::kEmpty);
   std::filesystem::remove("out");
   std::filesystem::create_directory("out");
-  EXPECT_EQ(before.Problem(), "is not a regular file");
-  EXPECT_EQ(OutputBefore({.use = {}, .name = "../x", .path = ""}).Problem(),
-            "leads out of the workspace");
+  EXPECT_EQ(before.StateNow(), OutputState::kNotAFile);
+  EXPECT_EQ(OutputBefore({.use = {}, .name = "../x", .path = ""}).StateNow(),
+            OutputState::kOutside);
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST(TextReport, TellsTheVerdictThenTheFiles) {
 TEST(TextReport, TellsWhyItIsNoPass) {
   RunReport report;
   report.routine = "TestIt";
-  report.judgement = Skip("not built yet");
+  report.judgement = Judge({{Cause::kNotRunnable, "not built yet"}});
   EXPECT_EQ(TextReport(report), "skip  TestIt  not built yet\n");
 }
 
@@ -95,7 +95,7 @@ TEST(JsonReport, GivesAReasonWhereThereIsNoFigure) {
             json({{"value", nullptr}, {"unit", "dBFS"}, {"reason", "silence has no level"}}));
 
   report.outcome.reset();
-  report.judgement = Error(3, "missing");
+  report.judgement = Judge({{Cause::kMissingInput, "missing"}});
   parsed = json::parse(JsonReport(report));
   EXPECT_EQ(parsed["reason"], "missing");
   EXPECT_EQ(parsed["exit_code"], 3);
