@@ -6,6 +6,8 @@
 
 namespace host {
 
+using harness::FormatName;
+
 std::string Seconds(double seconds) {
   if (seconds < 0.1) return FormatName("%.1f ms", seconds * 1000);
   return FormatName("%.2f s", seconds);

@@ -14,7 +14,7 @@ std::string_view GroupName(Group group) {
   switch (group) {
     case Group::kHarness:
       return "Harness";
-    case Group::kEcho:
+    case Group::kAec:
       return "Echo cancellation";
     case Group::kEnhancement:
       return "Speech enhancement, noise and voice activity";
@@ -28,16 +28,24 @@ std::string_view GroupName(Group group) {
   return "";
 }
 
-std::string_view EncodingName(Encoding encoding) {
-  switch (encoding) {
-    case Encoding::kOther:
+std::string_view ContainerName(Container container) {
+  switch (container) {
+    case Container::kOther:
       return "other";
-    case Encoding::kPcm16:
-      return "pcm16";
-    case Encoding::kFloat32:
-      return "float32";
-    case Encoding::kWave:
+    case Container::kHeaderless:
+      return "headerless";
+    case Container::kWave:
       return "wave";
+  }
+  return "";
+}
+
+std::string_view SampleTypeName(SampleType samples) {
+  switch (samples) {
+    case SampleType::kPcm16:
+      return "pcm16";
+    case SampleType::kFloat32:
+      return "float32";
   }
   return "";
 }
@@ -57,12 +65,14 @@ std::string_view DeviceName(Device device) {
 }
 
 std::string Declaration(const CatalogueRow& row) {
-  return std::string(row.result) + " " + std::string(row.routine) + "(" +
-         std::string(row.parameters) + ")";
+  const harness::Words& words = row.declared.words;
+  return std::string(words.result) + " " + std::string(words.name) + "(" +
+         std::string(words.parameters) + ")";
 }
 
-std::string_view Availability(const CatalogueRow& row) {
-  if (!row.built) return "not built yet";
+std::string Availability(const CatalogueRow& row) {
+  if (!row.declared.built) return "not built yet";
+  if (!row.calledBy.empty()) return "called by " + std::string(row.calledBy);
   return row.helper ? "helper" : "available";
 }
 
@@ -71,27 +81,27 @@ std::string Duration(const CatalogueRow& row) {
 }
 
 std::string FileFormat(const FileUse& use) {
-  if (use.encoding == Encoding::kOther) return "stream or text";
-  if (use.encoding == Encoding::kWave) return "WAVE";
+  if (use.container == Container::kOther) return "stream or text";
+  if (use.container == Container::kWave) return "WAVE";
   const std::string samples =
-      use.encoding == Encoding::kPcm16 ? "16-bit samples" : "32-bit float samples";
+      use.samples == SampleType::kPcm16 ? "16-bit samples" : "32-bit float samples";
   return samples + ", " + Hertz(use.rate) + ", " + Channels(use.channels);
 }
 
 std::optional<std::string> KnownPlace(const FileUse& use) {
-  if (use.name.find('{') != std::string_view::npos) return std::nullopt;
+  if (use.name.find('{') != std::string::npos) return std::nullopt;
   return PlaceInWorkspace(use.name);
 }
 
 const CatalogueRow& FindRow(std::string_view routine) {
   const auto rows = Catalogue();
   const auto row = std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& each) {
-    return each.routine == routine;
+    return each.declared.words.name == routine;
   });
   if (row != rows.end()) return *row;
 
   std::vector<std::string_view> names;
-  for (const CatalogueRow& each : rows) names.push_back(each.routine);
+  for (const CatalogueRow& each : rows) names.push_back(each.declared.words.name);
   std::string message = "no routine is called \"" + std::string(routine) + "\"";
   const std::vector<std::string_view> alike = NamesAlike(routine, names);
   for (size_t i = 0; i < alike.size(); ++i) {

@@ -4,24 +4,25 @@
 #include <string>
 #include <string_view>
 
-#include "harness/catalogue/catalogue.h"
+#include "base/catalogue.h"
 
 namespace host {
 
 // The catalogue in words.
 
-inline constexpr Group kGroups[] = {Group::kHarness, Group::kEcho,    Group::kEnhancement,
+inline constexpr Group kGroups[] = {Group::kHarness, Group::kAec,     Group::kEnhancement,
                                     Group::kCodec,   Group::kEffects, Group::kMixing};
 
 std::string_view GroupName(Group group);
-std::string_view EncodingName(Encoding encoding);
+std::string_view ContainerName(Container container);
+std::string_view SampleTypeName(SampleType samples);
 std::string_view DeviceName(Device device);
 
 // "void TestHRTF()"
 std::string Declaration(const CatalogueRow& row);
 
-// "available", "not built yet", "helper".
-std::string_view Availability(const CatalogueRow& row);
+// "available", "not built yet", "helper", or the routines that call it: "called by TestTemp".
+std::string Availability(const CatalogueRow& row);
 
 // "as fast as its input is processed", or how long a run takes.
 std::string Duration(const CatalogueRow& row);

@@ -29,7 +29,7 @@ std::string FileLines(std::string_view label, const FileUse& use) {
 
 std::string Describe(std::string_view routine) {
   const CatalogueRow& row = FindRow(routine);
-  std::string text = std::string(row.routine) + "\n";
+  std::string text = std::string(row.declared.words.name) + "\n";
   text += Line("declaration", Declaration(row));
   text += Line("group", GroupName(row.group));
   text += Line("exercises", row.exercises);

@@ -20,7 +20,7 @@ std::string Padded(std::string_view text, size_t width) {
 }
 
 std::string RowLines(const CatalogueRow& row, size_t width) {
-  std::string head = "  " + Padded(row.routine, kNameWidth);
+  std::string head = "  " + Padded(row.declared.words.name, kNameWidth);
   if (!row.helper) head += Padded(Availability(row), kAvailabilityWidth);
   return WrapText(row.exercises, head, head.size(), width);
 }
@@ -55,7 +55,7 @@ std::string ListAsText(int width) {
   };
   const std::string summary =
       count([](const CatalogueRow& row) { return !row.helper; }) + " routines, " +
-      count([](const CatalogueRow& row) { return !row.helper && row.built; }) +
+      count([](const CatalogueRow& row) { return !row.helper && row.declared.built; }) +
       " available. Parameters and files of one: audio_bench describe ROUTINE";
   return text + WrapText(summary, "", 0, columns);
 }

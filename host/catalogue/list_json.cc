@@ -9,7 +9,8 @@ namespace {
 Json FilesJson(const std::vector<FileUse>& uses) {
   Json json = Json::array();
   for (const FileUse& use : uses) {
-    Json file = {{"name", use.name}, {"encoding", EncodingName(use.encoding)}};
+    Json file = {{"name", use.name}, {"container", ContainerName(use.container)}};
+    if (use.container == Container::kHeaderless) file["samples"] = SampleTypeName(use.samples);
     const auto place = KnownPlace(use);
     if (place) file["place"] = *place;
     if (use.rate > 0) file["rate"] = Count(static_cast<uint64_t>(use.rate), "Hz");
@@ -25,13 +26,13 @@ Json FilesJson(const std::vector<FileUse>& uses) {
 }
 
 Json RowJson(const CatalogueRow& row) {
-  return {{"routine", row.routine},
-          {"result", row.result},
-          {"parameters", row.parameters},
+  return {{"routine", row.declared.words.name},
+          {"result", row.declared.words.result},
+          {"parameters", row.declared.words.parameters},
           {"group", GroupName(row.group)},
           {"exercises", row.exercises},
           {"helper", row.helper},
-          {"built", row.built},
+          {"built", row.declared.built},
           {"status", Availability(row)},
           {"inputs", FilesJson(row.inputs)},
           {"outputs", FilesJson(row.outputs)},

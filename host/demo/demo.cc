@@ -37,7 +37,7 @@ void WriteNew(const std::string& path, const std::vector<int16_t>& samples) {
 
 std::string PlaceDemo(const std::string& workspace) {
   const CatalogueRow& row = FindRow("RunTestCase");
-  const auto inputs = PlaceFiles(row.inputs, row.parameters, {}, workspace);
+  const auto inputs = PlaceFiles(row.inputs, row.declared.words.parameters, {}, workspace);
   if (inputs.empty()) throw UsageError{"RunTestCase reads no recording"};
   const std::string& path = inputs.front().path;
   struct stat status;

@@ -95,9 +95,9 @@ std::optional<double> Level(double ratio) {
 }
 
 // Reads `count` samples as floats.
-bool ReadSamples(FILE* file, Encoding encoding, std::vector<int16_t>& integers, float* samples,
+bool ReadSamples(FILE* file, SampleType type, std::vector<int16_t>& integers, float* samples,
                  size_t count) {
-  if (encoding == Encoding::kFloat32) return fread(samples, sizeof(float), count, file) == count;
+  if (type == SampleType::kFloat32) return fread(samples, sizeof(float), count, file) == count;
   if (fread(integers.data(), sizeof(int16_t), count, file) < count) return false;
   for (size_t i = 0; i < count; ++i) {
     samples[i] = static_cast<float>(integers[i]) * (1.0F / 32768);
@@ -116,15 +116,16 @@ std::optional<double> ChannelFigures::RmsLevel() const {
 
 bool ForEachSampleBlock(FILE* file, const AudioLayout& layout,
                         const std::function<void(std::span<const float>)>& use) {
+  if (!layout.samples) return false;
   if (fseeko(file, static_cast<off_t>(layout.offset), SEEK_SET) != 0) return false;
   const auto channels = static_cast<size_t>(layout.channels);
   const size_t most = (kBlockValues + channels - 1) / channels * channels;
-  std::vector<int16_t> integers(layout.samples == Encoding::kPcm16 ? most : 0);
+  std::vector<int16_t> integers(layout.samples == SampleType::kPcm16 ? most : 0);
   std::vector<float> samples(most);
   uint64_t left = layout.bytes / static_cast<uint64_t>(layout.frameBytes) * channels;
   while (left > 0) {
     const auto count = static_cast<size_t>(std::min<uint64_t>(left, most));
-    if (!ReadSamples(file, layout.samples, integers, samples.data(), count)) return false;
+    if (!ReadSamples(file, *layout.samples, integers, samples.data(), count)) return false;
     use(std::span(samples).first(count));
     left -= count;
   }
@@ -132,7 +133,7 @@ bool ForEachSampleBlock(FILE* file, const AudioLayout& layout,
 }
 
 std::optional<std::vector<ChannelFigures>> MeasureAudio(FILE* file, const AudioLayout& layout) {
-  if (layout.samples == Encoding::kOther) return std::nullopt;
+  if (!layout.samples) return std::nullopt;
   std::vector<ChannelFigures> channels(static_cast<size_t>(layout.channels));
   const bool read = ForEachSampleBlock(
       file, layout, [&](std::span<const float> block) { MeasureBlock(block, channels); });

@@ -28,8 +28,8 @@ bool ReadFormat(FILE* file, uint32_t size, AudioLayout& layout) {
   layout.frameBytes = static_cast<int>(Number(chunk + 12, 2));
   const int bits = static_cast<int>(Number(chunk + 14, 2));
   const bool packed = layout.frameBytes * 8 == bits * layout.channels;
-  if (packed && format == kPcm && bits == 16) layout.samples = Encoding::kPcm16;
-  if (packed && format == kFloat && bits == 32) layout.samples = Encoding::kFloat32;
+  if (packed && format == kPcm && bits == 16) layout.samples = SampleType::kPcm16;
+  if (packed && format == kFloat && bits == 32) layout.samples = SampleType::kFloat32;
   return layout.channels > 0 && layout.rate > 0 && layout.frameBytes > 0;
 }
 
@@ -64,10 +64,10 @@ double AudioLayout::Seconds() const {
 }
 
 std::optional<AudioLayout> FindAudio(const FileUse& use, FILE* file, uint64_t fileBytes) {
-  if (use.encoding == Encoding::kOther) return std::nullopt;
-  if (use.encoding == Encoding::kWave) return FindInWave(file, fileBytes);
-  const int sampleBytes = use.encoding == Encoding::kPcm16 ? 2 : 4;
-  return AudioLayout{.samples = use.encoding,
+  if (use.container == Container::kOther) return std::nullopt;
+  if (use.container == Container::kWave) return FindInWave(file, fileBytes);
+  const int sampleBytes = use.samples == SampleType::kPcm16 ? 2 : 4;
+  return AudioLayout{.samples = use.samples,
                      .rate = use.rate,
                      .channels = use.channels,
                      .bytes = fileBytes,

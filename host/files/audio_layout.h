@@ -4,14 +4,14 @@
 #include <cstdio>
 #include <optional>
 
-#include "harness/catalogue/catalogue.h"
+#include "base/catalogue.h"
 
 namespace host {
 
 // How the bytes of an audio file are laid out: one run of interleaved samples.
 struct AudioLayout {
-  Encoding samples = Encoding::kOther;  // kPcm16, kFloat32; kOther when not to be decoded here.
-  int rate = 0;                         // Hz
+  std::optional<SampleType> samples = {};  // Nothing when they are not to be decoded here.
+  int rate = 0;                            // Hz
   int channels = 0;
   uint64_t offset = 0;     // Where the samples start, in bytes.
   uint64_t bytes = 0;      // Of samples; as many as the file really holds.

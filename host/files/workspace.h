@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "harness/catalogue/catalogue.h"
+#include "base/catalogue.h"
 
 namespace host {
 

@@ -25,11 +25,11 @@ Json CopyJson(const WaveCopy& copy) {
 Json FileJson(const FileReport& file) {
   Json json = {{"name", file.place.name},
                {"path", file.place.path},
-               {"encoding", EncodingName(file.place.use.encoding)},
+               {"container", ContainerName(file.place.use.container)},
                {"size", file.bytes ? Count(*file.bytes, "bytes")
                                    : Figure(std::nullopt, "bytes", "not looked at")}};
   if (file.audio) {
-    json["samples"] = EncodingName(file.audio->samples);
+    json["samples"] = file.audio->samples ? Json(SampleTypeName(*file.audio->samples)) : Json();
     json["duration"] = Figure(file.audio->Seconds(), "s", "");
     json["rate"] = Count(static_cast<uint64_t>(file.audio->rate), "Hz");
     json["channel_count"] = Count(static_cast<uint64_t>(file.audio->channels), "channels");

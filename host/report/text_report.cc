@@ -23,8 +23,8 @@ std::string VerdictLine(const RunReport& report) {
 
 std::string Format(const AudioLayout& audio) {
   std::string samples = "other samples";
-  if (audio.samples == Encoding::kPcm16) samples = "16-bit";
-  if (audio.samples == Encoding::kFloat32) samples = "32-bit float";
+  if (audio.samples == SampleType::kPcm16) samples = "16-bit";
+  if (audio.samples == SampleType::kFloat32) samples = "32-bit float";
   return Seconds(audio.Seconds()) + ", " + Hertz(audio.rate) + " " + Channels(audio.channels) +
          ", " + samples;
 }

@@ -48,7 +48,7 @@ std::optional<Problem> NotWritten(const FileReport& output) {
 // What is wrong with the content of an output that was written.
 void AddContentProblems(const FileReport& output, std::vector<Problem>& problems) {
   const std::string name = "output " + Name(output.place);
-  if (output.place.use.encoding == Encoding::kWave) {
+  if (output.place.use.container == Container::kWave) {
     if (!output.audio) {
       problems.push_back({Cause::kOutputFormat, name + " is not a WAVE file"});
     } else if (output.audio->bytes == 0) {

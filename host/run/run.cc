@@ -34,7 +34,8 @@ using Words = std::vector<std::string_view>;
 // Why a routine is not one to run; empty when it is.
 std::string SkipReason(const CatalogueRow& row) {
   if (row.helper) return "a helper: routines call it, it does not run by itself";
-  if (!row.built || row.run == nullptr) return "not built yet";
+  if (!row.declared.built) return "not built yet";
+  if (!row.calledBy.empty()) return Availability(row) + ", it does not run by itself";
   return "";
 }
 
@@ -67,8 +68,7 @@ FileReport Examine(const FilePlace& place) {
 }
 
 void AddCopy(FileReport& report) {
-  const Encoding encoding = report.place.use.encoding;
-  const bool headerless = encoding == Encoding::kPcm16 || encoding == Encoding::kFloat32;
+  const bool headerless = report.place.use.container == Container::kHeaderless;
   if (!headerless || !report.channels) return;
   const File file(fopen(report.place.path.c_str(), "rb"));
   if (file == nullptr) return;
@@ -92,8 +92,8 @@ FileReport ExamineOutput(const FilePlace& place, const OutputBefore& before, boo
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
             RunReport& report) {
   CreateFolder(options.work);
-  const auto inputs = PlaceFiles(row.inputs, row.parameters, words, options.work);
-  const auto outputs = PlaceFiles(row.outputs, row.parameters, words, options.work);
+  const auto inputs = PlaceFiles(row.inputs, row.declared.words.parameters, words, options.work);
+  const auto outputs = PlaceFiles(row.outputs, row.declared.words.parameters, words, options.work);
   report.judgement = Judge(InputProblems(inputs));
   if (report.judgement.verdict != Verdict::kPass) return;
 
@@ -103,7 +103,7 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   std::vector<OutputBefore> before;
   for (const FilePlace& output : outputs) before.emplace_back(output);
   Progress progress(report.routine, inputs.size() + outputs.size());
-  report.outcome = RunInChild([&] { row.run(Ask::kToRun, words); }, options.work, options.timeout,
+  report.outcome = RunInChild([&] { harness::Run(row, words); }, options.work, options.timeout,
                               log.get(), progress);
 
   for (const FilePlace& input : inputs) report.inputs.push_back(Examine(input));
@@ -124,9 +124,8 @@ int Run(const RunOptions& options) {
   report.arguments = options.arguments;
   const Words words(options.arguments.begin(), options.arguments.end());
   const std::string skip = SkipReason(row);
-  if (skip.empty() && !row.run(Ask::kWhetherArgumentsFit, words)) {
-    throw UsageError{"the arguments do not fit " + Declaration(row)};
-  }
+  const std::string fault = skip.empty() ? harness::ArgumentFault(row, words) : "";
+  if (!fault.empty()) throw UsageError{options.routine + " " + fault + ": " + Declaration(row)};
   std::optional<ResultFile> json;
   if (!options.json.empty()) json.emplace(options.json);
 

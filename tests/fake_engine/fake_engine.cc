@@ -1,26 +1,26 @@
 #include "fake_engine/fake_engine.h"
 
-#include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
 FakeEngine* g_current = nullptr;
 
-// One impulse at full scale for each ear, at the position asked for.
-unsigned OneTap(int*, int*, short* left, short* right) {
-  left[0] = 32767;
-  right[0] = 32767;
-  return 1;
+std::string Formatted(const char* format, va_list arguments) {
+  va_list again;
+  va_copy(again, arguments);
+  const int length = vsnprintf(nullptr, 0, format, again);
+  va_end(again);
+  std::string text(static_cast<size_t>(length), '\0');
+  vsnprintf(text.data(), text.size() + 1, format, arguments);
+  return text;
 }
-
-void CopyThrough(int, const float* in, size_t length, float* out) { std::copy_n(in, length, out); }
 
 }  // namespace
 
-FakeEngine::FakeEngine() : hrtf(OneTap), fir(CopyThrough), m_before(g_current) { g_current = this; }
+FakeEngine::FakeEngine() : m_before(g_current) { g_current = this; }
 
 FakeEngine::~FakeEngine() { g_current = m_before; }
 
@@ -36,14 +36,72 @@ FakeEngine& FakeEngine::Current() {
 
 bool FakeEngine::HasCurrent() { return g_current != nullptr; }
 
+void FakeEngine::Append(std::string line) {
+  const std::lock_guard lock(m_mutex);
+  calls.push_back(std::move(line));
+}
+
 void FakeEngine::Record(const char* format, ...) {
-  char line[1024];
   va_list arguments;
   va_start(arguments, format);
-  vsnprintf(line, sizeof line, format, arguments);
+  Append(Formatted(format, arguments));
   va_end(arguments);
+}
+
+std::string FakeEngine::Identify(const void* object, const std::string& what) {
   const std::lock_guard lock(m_mutex);
-  calls.emplace_back(line);
+  m_identities[object] = {what, ++m_counts[what]};
+  ++live[what];
+  return NameOf(object);
+}
+
+void FakeEngine::Born(const void* object, const std::string& what, const char* arguments, ...) {
+  const std::string name = Identify(object, what);
+  va_list list;
+  va_start(list, arguments);
+  Append(name + "(" + Formatted(arguments, list) + ")");
+  va_end(list);
+}
+
+void FakeEngine::Call(const void* object, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  Append(NameOf(object) + "." + Formatted(format, arguments));
+  va_end(arguments);
+}
+
+void FakeEngine::Died(const void* object) {
+  Append("~" + NameOf(object));
+  Forget(object);
+}
+
+void FakeEngine::Forget(const void* object) {
+  const std::lock_guard lock(m_mutex);
+  const auto found = m_identities.find(object);
+  RequireOrDie(found != m_identities.end(), "an object ends once, under the engine that made it");
+  if (--live[found->second.what] == 0) live.erase(found->second.what);
+  m_identities.erase(found);
+}
+
+std::string FakeEngine::NameOf(const void* object) const {
+  const std::lock_guard lock(m_mutex);
+  if (object == nullptr) return "null";
+  const auto found = m_identities.find(object);
+  if (found == m_identities.end()) return "unknown";
+  return found->second.what + "#" + std::to_string(found->second.number);
+}
+
+std::string FakeEngine::HandleOf(const void* object) const {
+  const std::string name = NameOf(object);
+  const size_t mark = name.find('#');
+  return mark == std::string::npos ? name : name.substr(mark);
+}
+
+std::string FakeEngine::Buffer(const void* data) {
+  const std::lock_guard lock(m_mutex);
+  if (data == nullptr) return "null";
+  const auto [found, isNew] = m_buffers.emplace(data, static_cast<int>(m_buffers.size()) + 1);
+  return "@" + std::to_string(found->second);
 }
 
 std::vector<std::string> FakeEngine::CallsWith(const std::string& part) const {
@@ -68,17 +126,6 @@ bool FakeEngine::HasFile(const std::string& name) const { return files.count(nam
 std::string FakeEngine::Bytes(const std::string& name) const {
   const auto found = files.find(name);
   return found != files.end() ? *found->second : std::string();
-}
-
-void FakeEngine::Born(const std::string& what) {
-  const std::lock_guard lock(m_mutex);
-  ++live[what];
-}
-
-void FakeEngine::Died(const std::string& what) {
-  const std::lock_guard lock(m_mutex);
-  RequireOrDie(live[what] > 0, "an object is destroyed once");
-  if (--live[what] == 0) live.erase(what);
 }
 
 void RequireOrDie(bool condition, const char* rule) {

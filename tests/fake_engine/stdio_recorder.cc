@@ -1,9 +1,9 @@
 // The stdio side of the fake, for programs linked with --wrap for each function below: files are in
 // memory while a test has a FakeEngine, and every operation on one of them is recorded under its
-// base name. Other streams are left alone.
+// name, and so is what is printed on stdout. Other streams are left alone.
 
+#include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -18,12 +18,34 @@ size_t __real_fread(void* data, size_t size, size_t count, FILE* stream);
 size_t __real_fwrite(const void* data, size_t size, size_t count, FILE* stream);
 int __real_fflush(FILE* stream);
 int __real_fseek(FILE* stream, long offset, int origin);
+long __real_ftell(FILE* stream);
+int __real_feof(FILE* stream);
+int __real_fputc(int character, FILE* stream);
+int __real_fputs(const char* text, FILE* stream);
+int __real_fgetc(FILE* stream);
+char* __real_fgets(char* text, int size, FILE* stream);
+int __real_puts(const char* text);
+int __real_putchar(int character);
+
 FILE* __wrap_fopen(const char* name, const char* mode);
 int __wrap_fclose(FILE* stream);
 size_t __wrap_fread(void* data, size_t size, size_t count, FILE* stream);
 size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream);
 int __wrap_fflush(FILE* stream);
 int __wrap_fseek(FILE* stream, long offset, int origin);
+long __wrap_ftell(FILE* stream);
+int __wrap_feof(FILE* stream);
+int __wrap_fputc(int character, FILE* stream);
+int __wrap_fputs(const char* text, FILE* stream);
+int __wrap_fgetc(FILE* stream);
+char* __wrap_fgets(char* text, int size, FILE* stream);
+int __wrap_fprintf(FILE* stream, const char* format, ...) __attribute__((format(printf, 2, 3)));
+int __wrap_fscanf(FILE* stream, const char* format, ...) __attribute__((format(scanf, 2, 3)));
+int __wrap___isoc99_fscanf(FILE* stream, const char* format, ...)
+    __attribute__((format(scanf, 2, 3)));
+int __wrap_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+int __wrap_puts(const char* text);
+int __wrap_putchar(int character);
 }
 
 namespace {
@@ -36,7 +58,7 @@ struct Cookie {
 };
 
 struct OpenFile {
-  std::string name;  // Without its folders.
+  std::string name;
   std::unique_ptr<Cookie> cookie;
 };
 
@@ -48,8 +70,10 @@ std::map<FILE*, OpenFile>& OpenFiles() {
   return *files;
 }
 
-// Empty for a stream that is not an open file in memory.
+// Empty for a stream that is neither an open file in memory nor stdout.
 std::string NameOf(FILE* stream) {
+  if (!FakeEngine::HasCurrent()) return "";
+  if (stream == stdout) return "stdout";
   const std::lock_guard lock(g_mutex);
   const auto found = OpenFiles().find(stream);
   return found != OpenFiles().end() ? found->second.name : std::string();
@@ -84,10 +108,21 @@ int SeekCookie(void* opaque, off64_t* offset, int origin) {
   return 0;
 }
 
-std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name, bool writing) {
-  if (!writing) return engine.HasFile(name) ? engine.files[name] : nullptr;
+// The file that a mode opens, null when it cannot be opened.
+std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name, char mode) {
+  if (mode == 'r') return engine.HasFile(name) ? engine.files[name] : nullptr;
   if (engine.unwritable.count(name) > 0) return nullptr;
+  if (mode == 'a' && engine.HasFile(name)) return engine.files[name];
   return engine.files[name] = std::make_shared<std::string>();
+}
+
+int Scan(FILE* stream, const char* format, va_list arguments) {
+  const int read = vfscanf(stream, format, arguments);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fscanf(%s, %s) = %d", name.c_str(), Quoted(format).c_str(), read);
+  }
+  return read;
 }
 
 }  // namespace
@@ -95,15 +130,14 @@ std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name
 FILE* __wrap_fopen(const char* name, const char* mode) {
   if (!FakeEngine::HasCurrent()) return __real_fopen(name, mode);
   FakeEngine& engine = FakeEngine::Current();
-  const auto bytes = FileFor(engine, name, mode[0] == 'w');
+  const auto bytes = FileFor(engine, name, mode[0]);
   engine.Record("fopen(%s, %s)%s", name, mode, bytes != nullptr ? "" : " = null");
   if (bytes == nullptr) return nullptr;
   const cookie_io_functions_t functions = {ReadCookie, WriteCookie, SeekCookie, nullptr};
   auto cookie = std::make_unique<Cookie>(bytes);
   FILE* stream = fopencookie(cookie.get(), mode, functions);
-  const char* slash = strrchr(name, '/');
   const std::lock_guard lock(g_mutex);
-  OpenFiles()[stream] = {slash != nullptr ? slash + 1 : name, std::move(cookie)};
+  OpenFiles()[stream] = {name, std::move(cookie)};
   return stream;
 }
 
@@ -146,4 +180,99 @@ int __wrap_fseek(FILE* stream, long offset, int origin) {
     FakeEngine::Current().Record("fseek(%s, %ld, %d)", name.c_str(), offset, origin);
   }
   return __real_fseek(stream, offset, origin);
+}
+
+long __wrap_ftell(FILE* stream) {
+  const long position = __real_ftell(stream);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) FakeEngine::Current().Record("ftell(%s) = %ld", name.c_str(), position);
+  return position;
+}
+
+int __wrap_feof(FILE* stream) {
+  const int atEnd = __real_feof(stream);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) FakeEngine::Current().Record("feof(%s) = %d", name.c_str(), atEnd != 0);
+  return atEnd;
+}
+
+int __wrap_fputc(int character, FILE* stream) {
+  const std::string name = NameOf(stream);
+  if (!name.empty()) FakeEngine::Current().Record("fputc(%s, %d)", name.c_str(), character);
+  return __real_fputc(character, stream);
+}
+
+int __wrap_fputs(const char* text, FILE* stream) {
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fputs(%s, %s)", name.c_str(), Quoted(text).c_str());
+  }
+  return __real_fputs(text, stream);
+}
+
+int __wrap_fgetc(FILE* stream) {
+  const int character = __real_fgetc(stream);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) FakeEngine::Current().Record("fgetc(%s) = %d", name.c_str(), character);
+  return character;
+}
+
+char* __wrap_fgets(char* text, int size, FILE* stream) {
+  char* const line = __real_fgets(text, size, stream);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fgets(%s, %d) = %s", name.c_str(), size,
+                                 line != nullptr ? Quoted(line).c_str() : "null");
+  }
+  return line;
+}
+
+int __wrap_fprintf(FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const std::string name = NameOf(stream);
+  if (!name.empty()) {
+    FakeEngine::Current().Record("fprintf(%s, %s)", name.c_str(),
+                                 FormatAndArguments(format, arguments).c_str());
+  }
+  const int written = vfprintf(stream, format, arguments);
+  va_end(arguments);
+  return written;
+}
+
+int __wrap_fscanf(FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int read = Scan(stream, format, arguments);
+  va_end(arguments);
+  return read;
+}
+
+int __wrap___isoc99_fscanf(FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int read = Scan(stream, format, arguments);
+  va_end(arguments);
+  return read;
+}
+
+int __wrap_printf(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  if (FakeEngine::HasCurrent()) {
+    FakeEngine::Current().Record("printf(%s)", FormatAndArguments(format, arguments).c_str());
+  }
+  const int written = vprintf(format, arguments);
+  va_end(arguments);
+  return written;
+}
+
+int __wrap_puts(const char* text) {
+  if (FakeEngine::HasCurrent()) FakeEngine::Current().Record("puts(%s)", Quoted(text).c_str());
+  return __real_puts(text);
+}
+
+int __wrap_putchar(int character) {
+  if (FakeEngine::HasCurrent()) FakeEngine::Current().Record("putchar(%d)", character);
+  return __real_putchar(character);
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace harness {
+
 void FillFrame(zuwebrtc::AudioFrame& frame, const short* samples, int count, int rate,
                int channels) {
   frame = zuwebrtc::AudioFrame();
@@ -11,3 +13,5 @@ void FillFrame(zuwebrtc::AudioFrame& frame, const short* samples, int count, int
   frame.sample_rate_hz_ = rate;
   frame.num_channels_ = channels;
 }
+
+}  // namespace harness

@@ -2,8 +2,12 @@
 
 #include "engine_api/common/audio_frame.h"
 
+namespace harness {
+
 // Puts the frame into its reset state and copies `count` interleaved samples (of all channels
 // together) into it: as many as the frame holds, none when the count is not positive. Its
 // samples_per_channel_ is what was copied per channel. rate: Hz.
 void FillFrame(zuwebrtc::AudioFrame& frame, const short* samples, int count, int rate,
                int channels);
+
+}  // namespace harness

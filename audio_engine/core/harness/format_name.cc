@@ -3,6 +3,8 @@
 #include <cstdarg>
 #include <cstdio>
 
+namespace harness {
+
 std::string FormatName(const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
@@ -15,3 +17,5 @@ std::string FormatName(const char* format, ...) {
   va_end(again);
   return name;
 }
+
+}  // namespace harness

@@ -1,5 +1,9 @@
 #include "harness/read_block.h"
 
+namespace harness {
+
 bool ReadBlock(StdioFile& file, void* block, size_t bytes) {
   return file.Read(block, bytes, 1) == 1;
 }
+
+}  // namespace harness

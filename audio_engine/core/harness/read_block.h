@@ -5,6 +5,8 @@
 #include "engine_api/common/wav_reader.h"
 #include "harness/stdio_file.h"
 
+namespace harness {
+
 // "A whole block or stop": true when the block was read whole, false at the end of the input. A
 // block of nothing counts as the end; a missing WAVE has rate 0, and reading 0 samples from it
 // would go on for ever. So does a block that is larger than its array, as a broken header may ask
@@ -18,3 +20,5 @@ bool ReadBlock(zuwebrtc::WavReader& reader, short (&block)[capacity], unsigned s
 
 // `bytes` bytes from a headerless file.
 bool ReadBlock(StdioFile& file, void* block, size_t bytes);
+
+}  // namespace harness

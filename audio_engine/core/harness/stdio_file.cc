@@ -1,5 +1,7 @@
 #include "harness/stdio_file.h"
 
+namespace harness {
+
 namespace {
 
 constexpr size_t kBufferBytes = 65536;  // The usual page a call costs more than the copying.
@@ -34,3 +36,5 @@ void StdioFile::LeaveOpen() {
   m_file = nullptr;
   m_buffer.release();  // The stream goes on using it.
 }
+
+}  // namespace harness

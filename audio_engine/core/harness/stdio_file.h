@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <memory>
 
+namespace harness {
+
 // A stdio stream that may not be open. One that is not open reads and writes nothing and ignores
 // seeking and closing, so that a routine need not ask whether its files exist.
 class StdioFile {
@@ -32,3 +34,5 @@ class StdioFile {
   FILE* m_file;
   std::unique_ptr<char[]> m_buffer;  // The stream's own, in use until it is closed.
 };
+
+}  // namespace harness

@@ -3,6 +3,8 @@
 #include <numeric>
 
 #include "bench/effects/routines.h"
+#include "fake_engine/effects/fir_filter.h"
+#include "fake_engine/effects/mit_hrtf.h"
 #include "fake_engine/fake_engine.h"
 
 using testing::Each;
@@ -28,27 +30,30 @@ std::vector<short> Ramp(size_t samples) {
 TEST(TestHRTF, FiltersWholeChunksAndReleasesInOrder) {
   FakeEngine engine;
   engine.PutSamples(kInput, Ramp(882 + 882 + 881));
-  engine.hrtfAvailability = 3;
-  engine.hrtf = [](int*, int*, short*, short*) { return 3U; };
+  engine.script<MitHrtfScript>().availability = 3;
+  engine.script<MitHrtfScript>().get = [](int*, int*, short*, short*) { return 3U; };
 
   TestHRTF();
 
-  const std::string chunk[] = {"fread(44100_2.pcm, 2, 882) = 882", "S16ToFloat(882)",
-                               "#1.Filter(441)", "#2.Filter(441)",
-                               "fwrite(44100_2_out_902.pcm, 4, 882)"};
-  std::vector<std::string> expected = {"OutputDebugInfo(TestHrtf..start)",
+  const std::string chunk[] = {"fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 882",
+                               "S16ToFloat(882)", "FIRFilter#1.Filter(@1, 441, @2)",
+                               "FIRFilter#2.Filter(@3, 441, @4)",
+                               "fwrite(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, 4, 882)"};
+  std::vector<std::string> expected = {"OutputDebugInfo(\"TestHrtf..start\")",
                                        "mit_hrtf_availability(90, 0, 44100, 0) = 3",
                                        "mit_hrtf_get(90, 0, 44100, 0) = 3",
                                        "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb)",
                                        "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)",
-                                       "FIRFilter::Create(3, 1765) = #1",
-                                       "FIRFilter::Create(3, 1765) = #2"};
+                                       "FIRFilter::Create(3, 1765) = FIRFilter#1",
+                                       "FIRFilter::Create(3, 1765) = FIRFilter#2"};
   expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
   expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
-  expected.insert(expected.end(),
-                  {"fread(44100_2.pcm, 2, 882) = 881",  // Dropped: neither filtered nor written.
-                   "fclose(44100_2.pcm)", "fclose(44100_2_out_902.pcm)", "~FIRFilter #1",
-                   "~FIRFilter #2", "OutputDebugInfo(TestHrtf..end)"});
+  expected.insert(
+      expected.end(),
+      {"fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 881",  // Dropped: neither filtered nor
+                                                                // written.
+       "fclose(/sdcard/ZUAudioDemo/44100_2.pcm)", "fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)",
+       "~FIRFilter#1", "~FIRFilter#2", "OutputDebugInfo(\"TestHrtf..end\")"});
   EXPECT_THAT(engine.calls, ElementsAreArray(expected));
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -56,7 +61,8 @@ TEST(TestHRTF, FiltersWholeChunksAndReleasesInOrder) {
 TEST(TestHRTF, WritesInterleavedFloatsUnderThePcmName) {
   FakeEngine engine;
   engine.PutSamples(kInput, Ramp(882));
-  engine.fir = [](int filter, const float* in, size_t length, float* out) {
+  engine.script<FirFilterScript>().filter = [](int filter, const float* in, size_t length,
+                                               float* out) {
     for (size_t i = 0; i < length; ++i) out[i] = (filter == 1 ? 10.0F : -100.0F) * in[i];
   };
 
@@ -73,7 +79,7 @@ TEST(TestHRTF, WritesInterleavedFloatsUnderThePcmName) {
 
 TEST(TestHRTF, ScalesEachEarsTapsToCoefficients) {
   FakeEngine engine;
-  engine.hrtf = [](int*, int*, short* left, short* right) {
+  engine.script<MitHrtfScript>().get = [](int*, int*, short* left, short* right) {
     const short ears[][4] = {{-32768, 32767, 1, 0}, {16384, -1, 0, 3}};
     std::copy_n(ears[0], 4, left);
     std::copy_n(ears[1], 4, right);
@@ -82,16 +88,16 @@ TEST(TestHRTF, ScalesEachEarsTapsToCoefficients) {
 
   TestHRTF();
 
-  ASSERT_THAT(engine.firCoefficients, SizeIs(2));
-  EXPECT_THAT(engine.firCoefficients[0],
+  ASSERT_THAT(engine.script<FirFilterScript>().coefficients, SizeIs(2));
+  EXPECT_THAT(engine.script<FirFilterScript>().coefficients[0],
               ElementsAre(-1.0F, 32767.0F / 32768.0F, 1.0F / 32768.0F, 0.0F));
-  EXPECT_THAT(engine.firCoefficients[1],
+  EXPECT_THAT(engine.script<FirFilterScript>().coefficients[1],
               ElementsAre(0.5F, -1.0F / 32768.0F, 0.0F, 3.0F / 32768.0F));
 }
 
 TEST(TestHRTF, TakesAsManyTapsAsItsArraysHold) {
   FakeEngine engine;
-  engine.hrtf = [](int*, int*, short* left, short* right) {
+  engine.script<MitHrtfScript>().get = [](int*, int*, short* left, short* right) {
     std::fill_n(left, 8192, static_cast<short>(16384));
     std::fill_n(right, 8192, static_cast<short>(8192));
     return 8192U;
@@ -99,15 +105,16 @@ TEST(TestHRTF, TakesAsManyTapsAsItsArraysHold) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("Create"), ElementsAre("FIRFilter::Create(8192, 1765) = #1",
-                                                      "FIRFilter::Create(8192, 1765) = #2"));
-  EXPECT_THAT(engine.firCoefficients[0], Each(0.5F));
-  EXPECT_THAT(engine.firCoefficients[1], Each(0.25F));
+  EXPECT_THAT(engine.CallsWith("Create"),
+              ElementsAre("FIRFilter::Create(8192, 1765) = FIRFilter#1",
+                          "FIRFilter::Create(8192, 1765) = FIRFilter#2"));
+  EXPECT_THAT(engine.script<FirFilterScript>().coefficients[0], Each(0.5F));
+  EXPECT_THAT(engine.script<FirFilterScript>().coefficients[1], Each(0.25F));
 }
 
 TEST(TestHRTF, GoesOnWhateverTheTableSaysOfItsAvailability) {
   FakeEngine engine;
-  engine.hrtfAvailability = 0;
+  engine.script<MitHrtfScript>().availability = 0;
   engine.PutSamples(kInput, Ramp(882));
 
   TestHRTF();
@@ -120,7 +127,7 @@ TEST(TestHRTF, GoesOnWhateverTheTableSaysOfItsAvailability) {
 
 TEST(TestHRTF, UsesAMovedPositionWithoutAWord) {
   FakeEngine moved;
-  moved.hrtf = [](int* azimuth, int* elevation, short* left, short* right) {
+  moved.script<MitHrtfScript>().get = [](int* azimuth, int* elevation, short* left, short* right) {
     *azimuth = 85;
     *elevation = -10;
     left[0] = right[0] = 16384;
@@ -131,19 +138,20 @@ TEST(TestHRTF, UsesAMovedPositionWithoutAWord) {
 
   EXPECT_THAT(moved.CallsWith("OutputDebugInfo"), SizeIs(2));
   EXPECT_THAT(moved.CallsWith("mit_hrtf_get"), SizeIs(1));
-  EXPECT_THAT(moved.firCoefficients, Each(ElementsAre(0.5F)));
+  EXPECT_THAT(moved.script<FirFilterScript>().coefficients, Each(ElementsAre(0.5F)));
 }
 
 TEST(TestHRTF, MakesFiltersWithoutCoefficientsWhenTheTableHasNone) {
   FakeEngine engine;
-  engine.hrtf = [](int*, int*, short*, short*) { return 0U; };
+  engine.script<MitHrtfScript>().get = [](int*, int*, short*, short*) { return 0U; };
   engine.PutSamples(kInput, Ramp(882));
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("Create"),
-              ElementsAre("FIRFilter::Create(0, 1765) = #1", "FIRFilter::Create(0, 1765) = #2"));
-  EXPECT_THAT(engine.CallsWith(".Filter("), ElementsAre("#1.Filter(441)", "#2.Filter(441)"));
+  EXPECT_THAT(engine.CallsWith("Create"), ElementsAre("FIRFilter::Create(0, 1765) = FIRFilter#1",
+                                                      "FIRFilter::Create(0, 1765) = FIRFilter#2"));
+  EXPECT_THAT(engine.CallsWith(".Filter("),
+              ElementsAre("FIRFilter#1.Filter(@1, 441, @2)", "FIRFilter#2.Filter(@3, 441, @4)"));
 }
 
 TEST(TestHRTF, LeavesAnEmptyOutputWhenTheInputIsMissing) {
@@ -154,11 +162,12 @@ TEST(TestHRTF, LeavesAnEmptyOutputWhenTheInputIsMissing) {
   EXPECT_THAT(
       engine.calls,
       ElementsAre(
-          "OutputDebugInfo(TestHrtf..start)", "mit_hrtf_availability(90, 0, 44100, 0) = 0",
+          "OutputDebugInfo(\"TestHrtf..start\")", "mit_hrtf_availability(90, 0, 44100, 0) = 0",
           "mit_hrtf_get(90, 0, 44100, 0) = 1", "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb) = null",
-          "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)", "FIRFilter::Create(1, 1765) = #1",
-          "FIRFilter::Create(1, 1765) = #2", "fclose(44100_2_out_902.pcm)", "~FIRFilter #1",
-          "~FIRFilter #2", "OutputDebugInfo(TestHrtf..end)"));
+          "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)",
+          "FIRFilter::Create(1, 1765) = FIRFilter#1", "FIRFilter::Create(1, 1765) = FIRFilter#2",
+          "fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)", "~FIRFilter#1", "~FIRFilter#2",
+          "OutputDebugInfo(\"TestHrtf..end\")"));
   EXPECT_TRUE(engine.HasFile(kOutput));
   EXPECT_EQ(engine.Bytes(kOutput), "");
 }
@@ -183,18 +192,21 @@ TEST(TestHRTF, ReadsToTheEndWhenTheOutputCannotBeWritten) {
 
   EXPECT_THAT(engine.CallsWith("fread"), SizeIs(4));
   EXPECT_THAT(engine.CallsWith("fwrite"), IsEmpty());
-  EXPECT_THAT(engine.CallsWith("fclose"), ElementsAre("fclose(44100_2.pcm)"));
+  EXPECT_THAT(engine.CallsWith("fclose"), ElementsAre("fclose(/sdcard/ZUAudioDemo/44100_2.pcm)"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
 TEST(TestHRTF, StartsAfreshOnEveryCall) {
+  std::vector<std::string> first;
+  {
+    FakeEngine engine;
+    engine.PutSamples(kInput, Ramp(882));
+    TestHRTF();
+    first = engine.calls;
+  }
   FakeEngine engine;
   engine.PutSamples(kInput, Ramp(882));
 
-  TestHRTF();
-  const std::vector<std::string> first = engine.calls;
-  engine.calls.clear();
-  engine.firCoefficients.clear();
   TestHRTF();
 
   EXPECT_THAT(engine.calls, ElementsAreArray(first));

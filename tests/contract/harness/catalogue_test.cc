@@ -5,127 +5,170 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <vector>
 
-using testing::ElementsAreArray;
+using harness::Catalogue;
+using harness::CatalogueRow;
+using harness::Container;
+using harness::Group;
+using harness::SampleType;
+using testing::ContainerEq;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
 
+// Every signature of the bench, in alphabetical order; written apart from the declarations.
+constexpr const char* kSignatures[] = {
+    "int AccelerateTest()",
+    "void ConvertToFloatForWebrtc(const short* src, float* dst, int count)",
+    "void ConvertToShortForWebrtc(const float* src, short* dst, int count)",
+    "void DebugLogFunction(const char* pLogStr)",
+    "int GetCodecFrameLength(unsigned char* header, int len)",
+    "float MeasureAverageSNR(FILE* cf, FILE* pf)",
+    "float MeasureSpeechSNR(int no, FILE* cf, FILE* pf)",
+    "void PrintSdkLog(const char* pLogStr)",
+    "bool ReadChunk(FILE* file, short* interleaved, float* interleavedFloat, "
+    "zuwebrtc::ChannelBuffer<float>* buffer)",
+    "void ReadPCMFromFileToMix(FILE* stream, std::string& block, std::vector<std::string*>& "
+    "blocks)",
+    "void RunTestCase()",
+    "int StretchTest()",
+    "void TestAACStreamToAAC()",
+    "void TestAECNsNoizeus()",
+    "void TestAECProcess(const char* pFarendFileName, const char* pNearendFileName, const "
+    "char* pOutFileName, int echoDelay)",
+    "void TestAGCProcess(const char* pSrcFileName, const char* pDstFileName)",
+    "void TestAecDenoise()",
+    "void TestAecDenoiseInternal(const char* in, const char* out)",
+    "void TestAecDenoiseNOIZEUS()",
+    "void TestAudioAccelerate()",
+    "void TestAudioChannel(int codecType)",
+    "void TestAudioEffectModule()",
+    "void TestAudioEncode()",
+    "void TestAudioMixer()",
+    "void TestAudioMusicDetector()",
+    "void TestAudioRecorder()",
+    "void TestAudioResamplerEx(const char* inFile, const char* outFile, int outFS, int "
+    "outChannels)",
+    "void TestAudioSaver()",
+    "void TestBeatTrack()",
+    "void TestDecodeFile(char* pSrcFileName, char* pDstFileName, "
+    "AudioLocalCodec::AudioCodecType type)",
+    "void TestDenoiseProcess()",
+    "void TestDenoiseProcessNoizeus()",
+    "void TestDrc()",
+    "void TestEchoDelayEst(const char* pFarendFileName, const char* pNearendFileName)",
+    "void TestEchoDelayEstAndAEC(const char* pFarendFileName, const char* pNearendFileName, "
+    "const char* pOutFileName)",
+    "void TestEchoDetection()",
+    "void TestEncodeFile(char* pSrcFileName, char* pDstFileName)",
+    "void TestEqReverb()",
+    "void TestFilePlayer()",
+    "void TestHPFProcess(const char* pSrcFileName, const char* pDstFileName)",
+    "void TestHRTF()",
+    "void TestHardwareAec()",
+    "void TestIIREq()",
+    "void TestKaraokeFileMixer()",
+    "void TestKaraokeRecorder()",
+    "void TestMdrc()",
+    "void TestMeasureVAD(const char* ref, const char* in, double* BWSaving, double* "
+    "optBWSaving, double* PESQ, double* optPESQ, double* faultyAlarm, double* falseAlarm)",
+    "void TestMockVADMos(const char* refFile, int codecId)",
+    "void TestNoizeus()",
+    "void TestNoizeusEx(int32_t ns, int32_t ms)",
+    "void TestPushPcm()",
+    "void TestRateChanger()",
+    "void TestRecord()",
+    "void TestRecordMixer()",
+    "void TestReverb(const char* pSrcFileName, const char* pDstFileName, int preset, int "
+    "sampleRate, int channles)",
+    "void TestReverbPreset()",
+    "void TestSilkMos()",
+    "void TestSilkPackerOut()",
+    "void TestSoftAec()",
+    "void TestSoundTouch()",
+    "void TestSoundTouchBpm()",
+    "void TestSpeechMsg()",
+    "void TestSpeexAgc()",
+    "void TestSpeexConverter()",
+    "void TestTemp()",
+    "void TestVAD(const char* version)",
+    "void TestVADCodecMosByVADResult(const char* pSrcFileName, const char* pDstFileName, "
+    "const char* pVadResultFile, int codecId)",
+    "void TestVADProcess(const char* pSrcFileName, const char* pDstFileName, const char* "
+    "pResultFileName)",
+    "void TestVADProcessRefined(const char* in, const char* out, int* speechSegment, int "
+    "shift)",
+    "void TestVadResult()",
+    "void TestVoiceBeautify()",
+    "void TestVoiceChangerEx()",
+    "void TestWebrtcAgc()",
+    "void TestZUAECNSProcess(FILE* in, FILE* out)",
+    "void TestZUAECProcess(const char* pFarendFileName, const char* pNearendFileName, const "
+    "char* pOutFileName, int echoDelay)",
+    "void TestZUAec(const char* inNearFile, const char* inFarFile, const char* outNearFile, "
+    "bool softwareAEC)",
+    "void TestZUAudioProcessing(const char* pFarendFileName, const char* pNearendFileName, "
+    "const char* pOutFileName)",
+    "void TestZUAudioProcessor()",
+    "void TestZUCodecNew(const char* wavInFileName, const char* wavOutFileName, int codecId)",
+    "void TestZUDecode(const char* encodedFileName, const char* decodedWavFileName, int "
+    "codecId, bool extraHeader)",
+    "void TestZUEAACCodec()",
+    "void TestZUEldCodec()",
+    "void TestZUEncode(const char* wavInFileName, const char* encodedFileName, int codecId, "
+    "bool addExtraHeader)",
+    "void TestZUStreamToAAC()",
+    "void calAACMos(char* wavInFileName, char* wavOutFileName, int codecId, int bitRate, int "
+    "sRate)",
+    "CAudioCodec* decoderFromRawCodecId(int codecId)",
+    "CAudioCodec* encoderFromRawCodecId(int codecId)",
+    "void newTestZUDecode(const char* encodedFileName, const char* decodedWavFileName, int "
+    "codecId, int sRate, bool extraHeader)",
+    "void newTestZUEncode(const char* wavInFileName, const char* encodedFileName, int "
+    "codecId, int brate, int sRate, bool addExtraHeader)"};
+
 const CatalogueRow& Row(std::string_view routine) {
   const auto rows = Catalogue();
-  return *std::find_if(rows.begin(), rows.end(),
-                       [routine](const CatalogueRow& row) { return row.routine == routine; });
+  return *std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& row) {
+    return row.declared.words.name == routine;
+  });
 }
 
-size_t ParameterCount(const CatalogueRow& row) {
-  if (row.parameters.empty()) return 0;
-  return 1 + static_cast<size_t>(std::count(row.parameters.begin(), row.parameters.end(), ','));
+std::string Signature(const harness::Words& words) {
+  return std::string(words.result) + " " + std::string(words.name) + "(" +
+         std::string(words.parameters) + ")";
 }
+
+// A word that fits a parameter of this type.
+std::string_view FittingWord(std::string_view type) {
+  if (type == "bool") return "true";
+  if (type == "int*") return "none";
+  if (type == "AudioLocalCodec::AudioCodecType") return "SILK_CODEC";
+  return "1";  // A number, or a name.
+}
+
+bool Runs(const CatalogueRow& row) { return row.declared.run != nullptr; }
 
 }  // namespace
 
-TEST(Catalogue, HoldsEveryRoutineOnce) {
-  std::vector<std::string_view> routines;
-  for (const CatalogueRow& row : Catalogue()) routines.push_back(row.routine);
-  std::sort(routines.begin(), routines.end());
+TEST(Catalogue, HoldsEveryRoutineOnceWithItsSignature) {
+  std::map<std::string, std::string> signatures;
+  for (const CatalogueRow& row : Catalogue()) {
+    const std::string name(row.declared.words.name);
+    EXPECT_TRUE(signatures.emplace(name, Signature(row.declared.words)).second) << name;
+  }
+  std::vector<std::string> listed;
+  for (const auto& [name, signature] : signatures) listed.push_back(signature);
 
-  EXPECT_THAT(routines, ElementsAreArray({"AccelerateTest",
-                                          "ConvertToFloatForWebrtc",
-                                          "ConvertToShortForWebrtc",
-                                          "DebugLogFunction",
-                                          "GetCodecFrameLength",
-                                          "MeasureAverageSNR",
-                                          "MeasureSpeechSNR",
-                                          "PrintSdkLog",
-                                          "ReadChunk",
-                                          "ReadPCMFromFileToMix",
-                                          "RunTestCase",
-                                          "StretchTest",
-                                          "TestAACStreamToAAC",
-                                          "TestAECNsNoizeus",
-                                          "TestAECProcess",
-                                          "TestAGCProcess",
-                                          "TestAecDenoise",
-                                          "TestAecDenoiseInternal",
-                                          "TestAecDenoiseNOIZEUS",
-                                          "TestAudioAccelerate",
-                                          "TestAudioChannel",
-                                          "TestAudioEffectModule",
-                                          "TestAudioEncode",
-                                          "TestAudioMixer",
-                                          "TestAudioMusicDetector",
-                                          "TestAudioRecorder",
-                                          "TestAudioResamplerEx",
-                                          "TestAudioSaver",
-                                          "TestBeatTrack",
-                                          "TestDecodeFile",
-                                          "TestDenoiseProcess",
-                                          "TestDenoiseProcessNoizeus",
-                                          "TestDrc",
-                                          "TestEchoDelayEst",
-                                          "TestEchoDelayEstAndAEC",
-                                          "TestEchoDetection",
-                                          "TestEncodeFile",
-                                          "TestEqReverb",
-                                          "TestFilePlayer",
-                                          "TestHPFProcess",
-                                          "TestHRTF",
-                                          "TestHardwareAec",
-                                          "TestIIREq",
-                                          "TestKaraokeFileMixer",
-                                          "TestKaraokeRecorder",
-                                          "TestMdrc",
-                                          "TestMeasureVAD",
-                                          "TestMockVADMos",
-                                          "TestNoizeus",
-                                          "TestNoizeusEx",
-                                          "TestPushPcm",
-                                          "TestRateChanger",
-                                          "TestRecord",
-                                          "TestRecordMixer",
-                                          "TestReverb",
-                                          "TestReverbPreset",
-                                          "TestSilkMos",
-                                          "TestSilkPackerOut",
-                                          "TestSoftAec",
-                                          "TestSoundTouch",
-                                          "TestSoundTouchBpm",
-                                          "TestSpeechMsg",
-                                          "TestSpeexAgc",
-                                          "TestSpeexConverter",
-                                          "TestTemp",
-                                          "TestVAD",
-                                          "TestVADCodecMosByVADResult",
-                                          "TestVADProcess",
-                                          "TestVADProcessRefined",
-                                          "TestVadResult",
-                                          "TestVoiceBeautify",
-                                          "TestVoiceChangerEx",
-                                          "TestWebrtcAgc",
-                                          "TestZUAECNSProcess",
-                                          "TestZUAECProcess",
-                                          "TestZUAec",
-                                          "TestZUAudioProcessing",
-                                          "TestZUAudioProcessor",
-                                          "TestZUCodecNew",
-                                          "TestZUDecode",
-                                          "TestZUEAACCodec",
-                                          "TestZUEldCodec",
-                                          "TestZUEncode",
-                                          "TestZUStreamToAAC",
-                                          "calAACMos",
-                                          "decoderFromRawCodecId",
-                                          "encoderFromRawCodecId",
-                                          "newTestZUDecode",
-                                          "newTestZUEncode"}));
+  const std::vector<std::string> expected(std::begin(kSignatures), std::end(kSignatures));
+  EXPECT_THAT(listed, ContainerEq(expected));
 }
 
 TEST(Catalogue, SaysWhatEachRoutineExercises) {
-  for (const CatalogueRow& row : Catalogue()) {
-    EXPECT_NE(row.exercises, "") << row.routine;
-    EXPECT_NE(row.result, "") << row.routine;
-  }
+  for (const CatalogueRow& row : Catalogue()) EXPECT_NE(row.exercises, "");
 }
 
 TEST(Catalogue, CountsTheRoutinesOfEachGroup) {
@@ -134,7 +177,7 @@ TEST(Catalogue, CountsTheRoutinesOfEachGroup) {
   for (const CatalogueRow& row : Catalogue()) ++(row.helper ? helpers : tests)[row.group];
 
   EXPECT_EQ(tests, (std::map<Group, int>{{Group::kHarness, 2},
-                                         {Group::kEcho, 15},
+                                         {Group::kAec, 15},
                                          {Group::kEnhancement, 14},
                                          {Group::kCodec, 17},
                                          {Group::kEffects, 20},
@@ -143,19 +186,35 @@ TEST(Catalogue, CountsTheRoutinesOfEachGroup) {
                          {Group::kHarness, 6}, {Group::kEnhancement, 2}, {Group::kCodec, 3}}));
 }
 
-TEST(Catalogue, RunsWhatIsBuiltAndNoHelper) {
+TEST(Catalogue, RunsWhatIsBuiltUnlessItIsOnlyCalled) {
   for (const CatalogueRow& row : Catalogue()) {
-    EXPECT_EQ(row.run != nullptr, row.built && !row.helper) << row.routine;
+    const bool onlyCalled = row.helper || !row.calledBy.empty();
+    EXPECT_EQ(Runs(row), row.declared.built && !onlyCalled) << row.declared.words.name;
+    EXPECT_EQ(row.declared.argumentFault != nullptr, Runs(row)) << row.declared.words.name;
   }
 }
 
-TEST(Catalogue, DeclaresAsManyParametersAsARoutineTakes) {
+TEST(Catalogue, TakesOneFittingWordForEachParameter) {
   for (const CatalogueRow& row : Catalogue()) {
-    if (row.run == nullptr) continue;
-    const size_t count = ParameterCount(row);
-    const std::vector<std::string_view> words(count + 1, "1");
-    EXPECT_TRUE(row.run(Ask::kWhetherArgumentsFit, std::span(words).first(count))) << row.routine;
-    EXPECT_FALSE(row.run(Ask::kWhetherArgumentsFit, words)) << row.routine;
+    if (!Runs(row)) continue;
+    std::vector<std::string_view> words;
+    for (const auto& parameter : harness::Parameters(row.declared.words)) {
+      words.push_back(FittingWord(parameter.type));
+    }
+    EXPECT_EQ(ArgumentFault(row, words), "") << row.declared.words.name;
+    words.push_back("1");
+    EXPECT_THAT(ArgumentFault(row, words), HasSubstr("arguments, not")) << row.declared.words.name;
+  }
+}
+
+TEST(Catalogue, NamesNullableParametersThatExist) {
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.nullable.empty()) continue;
+    std::vector<std::string_view> names;
+    for (const auto& parameter : harness::Parameters(row.declared.words)) {
+      names.push_back(parameter.name);
+    }
+    EXPECT_THAT(names, testing::Contains(row.nullable)) << row.declared.words.name;
   }
 }
 
@@ -164,25 +223,18 @@ TEST(Catalogue, NamesTheFilesOfTheSelectedTest) {
     const CatalogueRow& row = Row(routine);
     ASSERT_THAT(row.inputs, SizeIs(1));
     EXPECT_EQ(row.inputs[0].name, "/sdcard/ZUAudioDemo/44100_2.pcm");
-    EXPECT_EQ(row.inputs[0].encoding, Encoding::kPcm16);
+    EXPECT_EQ(row.inputs[0].container, Container::kHeaderless);
+    EXPECT_EQ(row.inputs[0].samples, SampleType::kPcm16);
     EXPECT_EQ(row.inputs[0].rate, 44100);
     EXPECT_EQ(row.inputs[0].channels, 2);
     EXPECT_EQ(row.inputs[0].blockBytes, 441 * 2 * 2);
     ASSERT_THAT(row.outputs, SizeIs(1));
     EXPECT_EQ(row.outputs[0].name, "/sdcard/ZUAudioDemo/44100_2_out_902.pcm");
-    EXPECT_EQ(row.outputs[0].encoding, Encoding::kFloat32);
+    EXPECT_EQ(row.outputs[0].container, Container::kHeaderless);
+    EXPECT_EQ(row.outputs[0].samples, SampleType::kFloat32);
     EXPECT_EQ(row.outputs[0].rate, 44100);
     EXPECT_EQ(row.outputs[0].channels, 2);
   }
   EXPECT_THAT(Row("TestSilkMos").inputs, IsEmpty());
   EXPECT_THAT(Row("TestSilkMos").outputs, IsEmpty());
-}
-
-TEST(Catalogue, KeepsTheDeclaredNamesWithTheirSlips) {
-  EXPECT_EQ(Row("TestReverb").parameters,
-            "const char* pSrcFileName, const char* pDstFileName, int preset, int sampleRate, "
-            "int channles");
-  EXPECT_EQ(Row("TestZUAec").parameters,
-            "const char* inNearFile, const char* inFarFile, const char* outNearFile, "
-            "bool softwareAEC");
 }

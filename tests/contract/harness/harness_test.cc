@@ -10,6 +10,15 @@
 #include "harness/noizeus_cases.h"
 #include "harness/read_block.h"
 
+using harness::BlockSamples;
+using harness::CopyWavHeader;
+using harness::FillFrame;
+using harness::FormatName;
+using harness::kNoizeusLevels;
+using harness::kNoizeusNoises;
+using harness::kNoizeusSentences;
+using harness::ReadBlock;
+using harness::StdioFile;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -5,6 +5,7 @@
 #include "fake_engine/fake_engine.h"
 #include "harness/stdio_file.h"
 
+using harness::StdioFile;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;

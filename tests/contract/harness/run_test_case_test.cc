@@ -4,8 +4,8 @@
 
 #include <type_traits>
 
+#include "bench/effects/routines.h"
 #include "fake_engine/fake_engine.h"
-#include "harness/catalogue/routines.h"
 
 using testing::ElementsAreArray;
 

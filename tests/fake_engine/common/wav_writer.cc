@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "fake_engine/common/fake_wav_file.h"
 #include "fake_engine/fake_engine.h"
 
 namespace {
@@ -14,21 +15,20 @@ std::map<const zuwebrtc::WavWriter*, std::string> g_names;
 zuwebrtc::WavWriter::WavWriter(const std::string& filename, int sample_rate, int num_channels)
     : sample_rate_(sample_rate), num_channels_(num_channels) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.Record("WavWriter(%s, %d, %d)", filename.c_str(), sample_rate, num_channels);
-  engine.Born("WavWriter");
+  engine.Born(this, "WavWriter", "%s, %d, %d", filename.c_str(), sample_rate, num_channels);
   engine.wavs[filename] = {sample_rate, num_channels, {}};
   g_names[this] = filename;
 }
 
 zuwebrtc::WavWriter::~WavWriter() {
-  FakeEngine::Current().Record("~WavWriter");
-  FakeEngine::Current().Died("WavWriter");
+  FinishFakeWav(g_names[this]);
+  FakeEngine::Current().Died(this);
   g_names.erase(this);
 }
 
 void zuwebrtc::WavWriter::WriteSamples(const short* samples, unsigned count) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.Record("WriteSamples(%u)", count);
+  engine.Call(this, "WriteSamples(%u)", count);
   std::vector<short>& written = engine.wavs[g_names[this]].samples;
   written.insert(written.end(), samples, samples + count);
   num_samples_ += count;
@@ -36,7 +36,7 @@ void zuwebrtc::WavWriter::WriteSamples(const short* samples, unsigned count) {
 
 void zuwebrtc::WavWriter::WriteSamples(const float* samples, unsigned count) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.Record("WriteSamples(%u floats)", count);
+  engine.Call(this, "WriteSamples(%u floats)", count);
   std::vector<short>& written = engine.wavs[g_names[this]].samples;
   for (unsigned i = 0; i < count; ++i) written.push_back(static_cast<short>(samples[i]));
   num_samples_ += count;

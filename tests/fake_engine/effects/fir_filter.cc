@@ -1,5 +1,6 @@
-#include "engine_api/effects/fir_filter.h"
+#include "fake_engine/effects/fir_filter.h"
 
+#include "engine_api/effects/fir_filter.h"
 #include "fake_engine/fake_engine.h"
 
 namespace {
@@ -7,23 +8,21 @@ namespace {
 class FakeFirFilter : public zuwebrtc::FIRFilter {
  public:
   FakeFirFilter(int number, size_t maxInputLength)
-      : m_number(number), m_maxInputLength(maxInputLength) {
-    FakeEngine::Current().Born("FIRFilter");
-  }
+      : m_number(number), m_maxInputLength(maxInputLength) {}
 
-  ~FakeFirFilter() override {
-    FakeEngine::Current().Record("~FIRFilter #%d", m_number);
-    FakeEngine::Current().Died("FIRFilter");
-  }
+  ~FakeFirFilter() override { FakeEngine::Current().Died(this); }
 
   void Filter(const float* in, size_t length, float* out) override {
     RequireOrDie(length <= m_maxInputLength, "a block within the announced length");
-    FakeEngine::Current().Record("#%d.Filter(%zu)", m_number, length);
-    FakeEngine::Current().fir(m_number, in, length, out);
+    FakeEngine& engine = FakeEngine::Current();
+    const std::string from = engine.Buffer(in);
+    const std::string to = engine.Buffer(out);
+    engine.Call(this, "Filter(%s, %zu, %s)", from.c_str(), length, to.c_str());
+    engine.script<FirFilterScript>().filter(m_number, in, length, out);
   }
 
   void UpdateCoeffients(const float*, size_t count) override {
-    FakeEngine::Current().Record("#%d.UpdateCoeffients(%zu)", m_number, count);
+    FakeEngine::Current().Call(this, "UpdateCoeffients(%zu)", count);
   }
 
  private:
@@ -36,8 +35,10 @@ class FakeFirFilter : public zuwebrtc::FIRFilter {
 zuwebrtc::FIRFilter* zuwebrtc::FIRFilter::Create(const float* coefficients, size_t count,
                                                  size_t max_input_length) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.firCoefficients.emplace_back(coefficients, coefficients + count);
-  const auto number = static_cast<int>(engine.firCoefficients.size());
-  engine.Record("FIRFilter::Create(%zu, %zu) = #%d", count, max_input_length, number);
-  return new FakeFirFilter(number, max_input_length);
+  auto& made = engine.script<FirFilterScript>().coefficients;
+  made.emplace_back(coefficients, coefficients + count);
+  auto* const filter = new FakeFirFilter(static_cast<int>(made.size()), max_input_length);
+  const std::string name = engine.Identify(filter, "FIRFilter");
+  engine.Record("FIRFilter::Create(%zu, %zu) = %s", count, max_input_length, name.c_str());
+  return filter;
 }

@@ -6,6 +6,7 @@ void SleepMs(int milliseconds) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("SleepMs(%d)", milliseconds);
   if (milliseconds > 0) engine.nowMs += static_cast<uint32_t>(milliseconds);
+  if (engine.onSleep) engine.onSleep();
 }
 
 uint32_t GetExactTickCount() {

@@ -37,7 +37,8 @@ TEST(NamesAlike, FindsNothingInWhatIsUnlike) {
 }
 
 TEST(FindRow, SuggestsNamesForAnUnknownOne) {
-  EXPECT_EQ(FindRow("Echo").parameters, "const char* text, char* more, bool flag, int number");
+  EXPECT_EQ(FindRow("Echo").declared.words.parameters,
+            "const char* text, char* more, bool flag, int number");
   try {
     FindRow("ecko");
     FAIL();

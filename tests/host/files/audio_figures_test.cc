@@ -26,12 +26,13 @@ class AudioFiguresTest : public testing::Test {
                             samples.size() * sizeof(T));
     WriteFile("audio", std::string(offset, 'x') + bytes);
     FILE* const file = fopen("audio", "rb");
-    const AudioLayout layout = {.samples = sizeof(T) == 2 ? Encoding::kPcm16 : Encoding::kFloat32,
-                                .rate = 8000,
-                                .channels = channels,
-                                .offset = offset,
-                                .bytes = bytes.size(),
-                                .frameBytes = static_cast<int>(sizeof(T)) * channels};
+    const AudioLayout layout = {
+        .samples = sizeof(T) == 2 ? SampleType::kPcm16 : SampleType::kFloat32,
+        .rate = 8000,
+        .channels = channels,
+        .offset = offset,
+        .bytes = bytes.size(),
+        .frameBytes = static_cast<int>(sizeof(T)) * channels};
     const auto figures = MeasureAudio(file, layout);
     fclose(file);
     EXPECT_TRUE(figures.has_value());
@@ -121,7 +122,7 @@ TEST_F(AudioFiguresTest, GivesNothingForAFileThatEndsEarly) {
   WriteFile("short", "1234");
   FILE* const file = fopen("short", "rb");
   const AudioLayout layout = {
-      .samples = Encoding::kPcm16, .rate = 8000, .channels = 1, .bytes = 6, .frameBytes = 2};
+      .samples = SampleType::kPcm16, .rate = 8000, .channels = 1, .bytes = 6, .frameBytes = 2};
   EXPECT_EQ(MeasureAudio(file, layout), std::nullopt);
   fclose(file);
 }

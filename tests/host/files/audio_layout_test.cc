@@ -22,23 +22,26 @@ class AudioLayoutTest : public testing::Test {
   }
 
   std::optional<AudioLayout> FindWave(const std::string& bytes) {
-    return Find({.encoding = Encoding::kWave}, bytes);
+    return Find({.container = Container::kWave}, bytes);
   }
 
   TemporaryDirectory m_directory;
 };
 
 TEST_F(AudioLayoutTest, TakesHeaderlessAudioAsDeclared) {
-  const auto layout = Find({.encoding = Encoding::kFloat32, .rate = 44100, .channels = 2},
+  const auto layout = Find({.container = Container::kHeaderless,
+                            .samples = SampleType::kFloat32,
+                            .rate = 44100,
+                            .channels = 2},
                            std::string(88200 * 4, 'x'));
   ASSERT_TRUE(layout);
-  EXPECT_EQ(layout->samples, Encoding::kFloat32);
+  EXPECT_EQ(layout->samples, SampleType::kFloat32);
   EXPECT_EQ(layout->frameBytes, 8);
   EXPECT_DOUBLE_EQ(layout->Seconds(), 1);
 }
 
 TEST_F(AudioLayoutTest, FindsNoAudioInOtherFiles) {
-  EXPECT_EQ(Find({.encoding = Encoding::kOther}, "text"), std::nullopt);
+  EXPECT_EQ(Find({.container = Container::kOther}, "text"), std::nullopt);
 }
 
 TEST_F(AudioLayoutTest, ReadsWaveHeaders) {
@@ -46,7 +49,7 @@ TEST_F(AudioLayoutTest, ReadsWaveHeaders) {
       FindWave(Riff(Chunk("LIST", "odd") + PlainFormat({.channels = 2, .rate = 22050}) +
                     Chunk("data", std::string(44100, 'x'))));
   ASSERT_TRUE(layout);
-  EXPECT_EQ(layout->samples, Encoding::kPcm16);
+  EXPECT_EQ(layout->samples, SampleType::kPcm16);
   EXPECT_EQ(layout->rate, 22050);
   EXPECT_EQ(layout->channels, 2);
   EXPECT_EQ(layout->offset, 12U + 12 + 24 + 8);
@@ -57,11 +60,11 @@ TEST_F(AudioLayoutTest, TellsFloatsFromOtherSamples) {
   const auto samples = [this](const std::string& format) {
     return FindWave(Riff(format + Chunk("data", "12345678")))->samples;
   };
-  EXPECT_EQ(samples(PlainFormat({.tag = 3, .bits = 32})), Encoding::kFloat32);
-  EXPECT_EQ(samples(ExtensibleFormat({.bits = 16}, 1)), Encoding::kPcm16);
-  EXPECT_EQ(samples(PlainFormat({.bits = 24})), Encoding::kOther);
-  EXPECT_EQ(samples(PlainFormat({.tag = 7, .bits = 8})), Encoding::kOther);
-  EXPECT_EQ(samples(PlainFormat({.bits = 16, .blockAlign = 4})), Encoding::kOther) << "padded";
+  EXPECT_EQ(samples(PlainFormat({.tag = 3, .bits = 32})), SampleType::kFloat32);
+  EXPECT_EQ(samples(ExtensibleFormat({.bits = 16}, 1)), SampleType::kPcm16);
+  EXPECT_EQ(samples(PlainFormat({.bits = 24})), std::nullopt);
+  EXPECT_EQ(samples(PlainFormat({.tag = 7, .bits = 8})), std::nullopt);
+  EXPECT_EQ(samples(PlainFormat({.bits = 16, .blockAlign = 4})), std::nullopt) << "padded";
 }
 
 TEST_F(AudioLayoutTest, TakesNoMoreSamplesThanThereAre) {

@@ -24,7 +24,7 @@ class WaveCopyTest : public testing::Test {
   WaveCopy CopyFloats(const std::vector<float>& samples, double peak, const std::string& path) {
     WriteFile("in", {reinterpret_cast<const char*>(samples.data()), samples.size() * 4});
     FILE* const file = fopen("in", "rb");
-    const AudioLayout layout = {.samples = Encoding::kFloat32,
+    const AudioLayout layout = {.samples = SampleType::kFloat32,
                                 .rate = 44100,
                                 .channels = 2,
                                 .bytes = samples.size() * 4,
@@ -92,7 +92,7 @@ TEST_F(WaveCopyTest, LeavesNoHalfCopyOnAFullDisk) {
   WriteFile("in", std::string(kBytes, 0));  // Before the limit.
   const FileSizeLimit limit(1000);
   FILE* const file = fopen("in", "rb");
-  const AudioLayout layout = {.samples = Encoding::kFloat32,
+  const AudioLayout layout = {.samples = SampleType::kFloat32,
                               .rate = 44100,
                               .channels = 2,
                               .bytes = kBytes,
@@ -103,7 +103,7 @@ TEST_F(WaveCopyTest, LeavesNoHalfCopyOnAFullDisk) {
 }
 
 TEST_F(WaveCopyTest, RefusesWhatNoHeaderCanSay) {
-  const AudioLayout layout = {.samples = Encoding::kPcm16,
+  const AudioLayout layout = {.samples = SampleType::kPcm16,
                               .rate = 44100,
                               .channels = 2,
                               .bytes = uint64_t{1} << 32,

@@ -25,6 +25,10 @@ void WriteFile(const char* name, const std::vector<T>& values) {
 
 void Nothing() {}
 
+void WriteNothing() {}
+
+void Helper() {}
+
 void Echo(const char* text, char* more, bool flag, int number) {
   printf("text=%s more=%s flag=%d number=%d\n", text, more, flag, number);
 }

@@ -20,16 +20,18 @@ RunReport Example() {
   report.outcome = {.how = {}, .elapsed = 0.5, .cpu = 0.25, .peakMemory = 5000000};
   report.log = "work/logs/TestIt.log";
   FileReport input;
-  input.place = {.use = {.encoding = Encoding::kPcm16}, .name = "/in", .path = "work/in"};
+  input.place = {.use = {.container = Container::kHeaderless}, .name = "/in", .path = "work/in"};
   input.bytes = 32000;
   input.audio = {
-      .samples = Encoding::kPcm16, .rate = 8000, .channels = 1, .bytes = 32000, .frameBytes = 2};
+      .samples = SampleType::kPcm16, .rate = 8000, .channels = 1, .bytes = 32000, .frameBytes = 2};
   report.inputs = {input};
   FileReport output;
-  output.place = {.use = {.encoding = Encoding::kFloat32}, .name = "/out", .path = "work/out"};
+  output.place = {.use = {.container = Container::kHeaderless, .samples = SampleType::kFloat32},
+                  .name = "/out",
+                  .path = "work/out"};
   output.bytes = 800;
   output.audio = {
-      .samples = Encoding::kFloat32, .rate = 8000, .channels = 2, .bytes = 800, .frameBytes = 8};
+      .samples = SampleType::kFloat32, .rate = 8000, .channels = 2, .bytes = 800, .frameBytes = 8};
   output.channels = {{.peak = 2, .sumOfSquares = 100, .samples = 100}, {.samples = 100}};
   output.copy = WaveCopy{.path = "work/out.wav", .attenuation = 7.02, .problem = {}};
   report.outputs = {output};

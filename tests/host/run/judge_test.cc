@@ -87,15 +87,16 @@ TEST_F(JudgeTest, FailsWhenAFileIsNotWrittenWhole) {
   EXPECT_EQ(judgement.reason, "a file could not be written whole: No space left on device");
 }
 
-FileReport Output(Encoding encoding) {
+FileReport Output(Container container) {
   FileReport report;
   report.place = Place("/out");
-  report.place.use.encoding = encoding;
+  report.place.use.container = container;
   return report;
 }
 
 TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
-  std::vector<FileReport> outputs = {Output(Encoding::kPcm16), Output(Encoding::kPcm16)};
+  std::vector<FileReport> outputs = {Output(Container::kHeaderless),
+                                     Output(Container::kHeaderless)};
   EXPECT_EQ(Judge(OutputProblems(outputs)).verdict, Verdict::kPass);
   EXPECT_EQ(Judge(OutputProblems({})).verdict, Verdict::kPass);
   const std::pair<OutputState, const char*> cases[] = {
@@ -114,10 +115,10 @@ TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
 }
 
 TEST_F(JudgeTest, FailsOnWhatTheOutputsHold) {
-  std::vector<FileReport> outputs = {Output(Encoding::kWave)};
+  std::vector<FileReport> outputs = {Output(Container::kWave)};
   const auto reason = [&] { return Judge(OutputProblems(outputs)).reason; };
   EXPECT_EQ(reason(), "output /out (work/out) is not a WAVE file");
-  outputs[0].audio = AudioLayout{.samples = Encoding::kPcm16, .rate = 8000, .channels = 1};
+  outputs[0].audio = AudioLayout{.samples = SampleType::kPcm16, .rate = 8000, .channels = 1};
   EXPECT_EQ(reason(), "output /out (work/out) holds no samples");
   outputs[0].audio->bytes = 8;
   EXPECT_EQ(reason(), "");

@@ -47,18 +47,19 @@ TEST_F(RunTest, TakesOptionsBetweenArgumentsAndAnyWordBehindTwoDashes) {
   EXPECT_TRUE(fs::exists("w/logs/Echo.log"));
 }
 
-TEST_F(RunTest, RefusesArgumentsThatDoNotFitBeforeAnythingIsRun) {
-  for (const std::vector<std::string>& words :
-       std::vector<std::vector<std::string>>{{"Echo"},
-                                             {"Echo", "a", "b", "true", "1", "2"},
-                                             {"Echo", "a", "b", "maybe", "1"},
-                                             {"Echo", "a", "b", "true", "2147483648"}}) {
+TEST_F(RunTest, NamesTheArgumentThatDoesNotFitBeforeAnythingIsRun) {
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+      {{"Echo"}, "takes 4 arguments, not 0"},
+      {{"Echo", "a", "b", "true", "1", "2"}, "takes 4 arguments, not 5"},
+      {{"Echo", "a", "b", "maybe", "1"}, "argument 3 of 4 must be true or false, not \"maybe\""},
+      {{"Echo", "a", "b", "true", "2147483648"},
+       "argument 4 of 4 must be a whole number, not \"2147483648\""}};
+  for (const auto& [words, fault] : cases) {
     const Finished run = Run(words);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err,
-              "audio_bench: the arguments do not fit void Echo(const char* text, char* more, bool "
-              "flag, int number)\n");
+    EXPECT_EQ(run.err, "audio_bench: Echo " + fault +
+                           ": void Echo(const char* text, char* more, bool flag, int number)\n");
   }
   EXPECT_FALSE(fs::exists("bench_work"));
 }

@@ -40,10 +40,10 @@ void TestHRTF() {
     right_f[i] = static_cast<float>(right[i]) / 32768;
   }
 
-  StdioFile in_file("/sdcard/ZUAudioDemo/44100_2.pcm", "rb");
-  // Deliberate: named .pcm although the samples are 32-bit floats. The listening scripts read it as
-  // float stereo.
-  StdioFile out_file("/sdcard/ZUAudioDemo/44100_2_out_902.pcm", "wb");
+  harness::StdioFile in_file("/sdcard/ZUAudioDemo/44100_2.pcm", "rb");
+  // Deliberate: named .pcm, "902" included, although the samples are 32-bit floats. Under another
+  // name the file would not be found where it is looked for.
+  harness::StdioFile out_file("/sdcard/ZUAudioDemo/44100_2_out_902.pcm", "wb");
   // Deliberate: 1765 is four chunks and one sample, more than any call below passes.
   std::unique_ptr<zuwebrtc::FIRFilter> filterL(
       zuwebrtc::FIRFilter::Create(left_f, static_cast<size_t>(taps), 1765));

@@ -4,11 +4,13 @@
 
 #include "harness/catalogue/catalogue_rows.h"
 
+namespace harness {
+
 namespace {
 
 std::vector<CatalogueRow> AllRows() {
   const std::pair<Group, std::vector<CatalogueRow>> groups[] = {
-      {Group::kHarness, HarnessRows()},         {Group::kEcho, EchoRows()},
+      {Group::kHarness, HarnessRows()},         {Group::kAec, AecRows()},
       {Group::kEnhancement, EnhancementRows()}, {Group::kCodec, CodecRows()},
       {Group::kEffects, EffectsRows()},         {Group::kMixing, MixingRows()}};
   std::vector<CatalogueRow> all;
@@ -27,3 +29,5 @@ std::span<const CatalogueRow> Catalogue() {
   static const std::vector<CatalogueRow> rows = AllRows();
   return rows;
 }
+
+}  // namespace harness

@@ -1,50 +1,76 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "harness/catalogue/invoke.h"
+#include "harness/declared.h"
 
 // The catalogue: one row per routine of the bench, in one table that the host, the documents and
 // the tests share.
 
-// What a routine belongs to.
-enum class Group { kHarness, kEcho, kEnhancement, kCodec, kEffects, kMixing };
+namespace harness {
 
-// How the bytes of a file are to be read.
-enum class Encoding {
-  kOther,    // A stream or a text: only its length says something.
-  kPcm16,    // Headerless 16-bit integers.
-  kFloat32,  // Headerless 32-bit floats, full scale at 1.
-  kWave      // WAVE; rate and channels stand in its header.
+// What a routine belongs to.
+enum class Group { kHarness, kAec, kEnhancement, kCodec, kEffects, kMixing };
+
+// What a file is.
+enum class Container {
+  kOther,       // A stream or a text: only its length says something.
+  kHeaderless,  // Interleaved samples and nothing else.
+  kWave         // WAVE; format, rate and channels stand in its header.
 };
+
+// The samples of headerless audio.
+enum class SampleType { kPcm16, kFloat32 };
 
 // A file that a routine reads or writes.
 struct FileUse {
-  std::string_view name = {};  // As the routine opens it; "{parameter}" where an argument names it.
-  Encoding encoding = Encoding::kOther;
-  int rate = 0;        // Hz; headerless audio only.
-  int channels = 0;    // Headerless audio only.
-  int blockBytes = 0;  // What an input must hold for one pass of the loop; 0 when anything will do.
+  std::string name = {};  // As the routine opens it; "{parameter}" where an argument names it.
+  Container container = Container::kOther;
+  SampleType samples = SampleType::kPcm16;  // Headerless audio only, full scale of floats at 1.
+  int rate = 0;                             // Hz; headerless audio only.
+  int channels = 0;                         // Headerless audio only.
+  // What an input must hold for one pass of the loop. 0 when anything will do, or when the block
+  // follows from the header.
+  int blockBytes = 0;
+  // An input without which, or with less than a block of which, the routine has an outcome of its
+  // own.
+  bool optional = false;
+  bool mayBeEmpty = false;   // An output that is as it should be without content.
+  std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
 };
 
 // The audio devices without which a routine cannot run.
 enum class Device { kNone, kCapture, kRender, kBoth };
 
-// What is asked of a runner: to run the routine, or only whether it could.
-enum class Ask { kToRun, kWhetherArgumentsFit };
+// What a row takes from the declaration of its routine.
+struct Declaration {
+  template <auto function>
+  Declaration(const Routine<function>& routine)  // NOLINT(*-explicit-*): rows name the routine.
+      : words(routine.words),
+        built(true),
+        run(Invoke<function>),
+        argumentFault(ArgumentFault<function>) {}
+  Declaration(const Helper& helper) : words(helper.words), built(true) {}  // NOLINT(*-explicit-*)
+  Declaration(const Planned& planned) : words(planned.words) {}            // NOLINT(*-explicit-*)
 
-// Runs a routine with its arguments, one word each in the declared order. False, and nothing is
-// run, when they do not fit its parameters.
-using Runner = bool (*)(Ask ask, std::span<const std::string_view> arguments);
+  Words words;
+  bool built = false;  // Part of this unit today.
+  // Runs the routine, one word for each parameter. Null for what cannot be run by itself.
+  void (*run)(ArgumentWords words) = nullptr;
+  // Why the words do not fit its parameters, empty when they do. Null like `run`.
+  std::string (*argumentFault)(ArgumentWords words) = nullptr;
+};
 
 struct CatalogueRow {
-  std::string_view routine = {};
-  std::string_view result = "void";  // As declared.
-  std::string_view parameters = {};  // As declared, separated by ", "; empty for none.
-  bool helper = false;               // Called by routines; not run by itself.
+  Declaration declared;
+  bool helper = false;  // No test of its own: returns something to the routines that call it.
+  std::string_view calledBy = {};  // The routines that call it, where no command line can.
   std::string_view exercises = {};
-  bool built = false;    // Part of this unit today.
-  Runner run = nullptr;  // Null for a helper, and until the routine is built.
+  std::string_view nullable = {};  // The parameter for which the word "none" is a null name.
   std::vector<FileUse> inputs = {};
   std::vector<FileUse> outputs = {};
   Device device = Device::kNone;
@@ -54,3 +80,18 @@ struct CatalogueRow {
 
 // All rows, group by group.
 std::span<const CatalogueRow> Catalogue();
+
+// Why the words of a command line do not fit a row that can be run; empty when they do.
+std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words);
+
+// Runs a row with words that fit.
+void Run(const CatalogueRow& row, ArgumentWords words);
+
+// The parameters of a signature, one by one: type and name.
+struct Parameter {
+  std::string_view type;
+  std::string_view name;
+};
+std::vector<Parameter> Parameters(const Words& words);
+
+}  // namespace harness

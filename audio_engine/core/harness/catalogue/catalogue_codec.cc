@@ -1,75 +1,54 @@
 // Codecs and the preparation of quality scoring.
 
+#include "bench/codec/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+
+namespace harness {
 
 std::vector<CatalogueRow> CodecRows() {
   return {
-      {.routine = "TestZUStreamToAAC", .exercises = "wrapper: calls TestAACStreamToAAC"},
-      {.routine = "TestAudioEncode",
+      {.declared = declared::TestZUStreamToAAC, .exercises = "wrapper: calls TestAACStreamToAAC"},
+      {.declared = declared::TestAudioEncode,
        .exercises = "AudioLocalCodec encoder then decoder: \"audio_test.pcm\" to \"out.enc\" to "
                     "\"dec.pcm\""},
-      {.routine = "TestZUEAACCodec",
+      {.declared = declared::TestZUEAACCodec,
        .exercises = "CreateAudioCodec enhanced-AAC encode and decode of a 44.1 kHz stereo file"},
-      {.routine = "TestZUEldCodec",
+      {.declared = declared::TestZUEldCodec,
        .exercises = "CreateAudioCodec AAC-ELD encode/decode, prints \"encoderSize = %d\""},
-      {.routine = "TestEncodeFile",
-       .parameters = "char* pSrcFileName, char* pDstFileName",
+      {.declared = declared::TestEncodeFile,
        .exercises = "AudioLocalCodec::CreateAudioEncoder over a raw file"},
-      {.routine = "TestDecodeFile",
-       .parameters = "char* pSrcFileName, char* pDstFileName, AudioLocalCodec::AudioCodecType type",
+      {.declared = declared::TestDecodeFile,
        .exercises = "AudioLocalCodec::CreateAudioDecoder of the given type"},
-      {.routine = "TestSilkPackerOut",
+      {.declared = declared::TestSilkPackerOut,
        .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")"},
-      {.routine = "TestAACStreamToAAC",
+      {.declared = declared::TestAACStreamToAAC,
        .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\""},
-      {.routine = "TestVADCodecMosByVADResult",
-       .parameters = "const char* pSrcFileName, const char* pDstFileName, const char* "
-                     "pVadResultFile, int codecId",
+      {.declared = declared::TestVADCodecMosByVADResult,
        .exercises = "encode/decode gated by VAD results, for MOS"},
-      {.routine = "TestZUAudioProcessor",
+      {.declared = declared::TestZUAudioProcessor,
        .exercises = "AudioProcessor encoding of a WAVE file to a stream file"},
-      {.routine = "TestZUEncode",
-       .parameters = "const char* wavInFileName, const char* encodedFileName, int codecId, bool "
-                     "addExtraHeader",
+      {.declared = declared::TestZUEncode,
        .exercises = "encode a WAVE file with a raw codec id, timed"},
-      {.routine = "TestZUDecode",
-       .parameters = "const char* encodedFileName, const char* decodedWavFileName, int codecId, "
-                     "bool extraHeader",
+      {.declared = declared::TestZUDecode,
        .exercises = "decode a stream file to WAVE (CWavFileWriter), timed"},
-      {.routine = "newTestZUEncode",
-       .parameters = "const char* wavInFileName, const char* encodedFileName, int codecId, int "
-                     "brate, int sRate, bool addExtraHeader",
-       .exercises = "encode with bit rate and sample rate"},
-      {.routine = "newTestZUDecode",
-       .parameters = "const char* encodedFileName, const char* decodedWavFileName, int codecId, "
-                     "int sRate, bool extraHeader",
-       .exercises = "decode at a given sample rate"},
-      {.routine = "TestZUCodecNew",
-       .parameters = "const char* wavInFileName, const char* wavOutFileName, int codecId",
-       .exercises = "resample, encode, decode chain for MOS"},
-      {.routine = "TestMockVADMos",
-       .parameters = "const char* refFile, int codecId",
-       .exercises = "resample, VAD, codec chain for MOS"},
-      {.routine = "calAACMos",
-       .parameters =
-           "char* wavInFileName, char* wavOutFileName, int codecId, int bitRate, int sRate",
+      {.declared = declared::newTestZUEncode, .exercises = "encode with bit rate and sample rate"},
+      {.declared = declared::newTestZUDecode, .exercises = "decode at a given sample rate"},
+      {.declared = declared::TestZUCodecNew, .exercises = "resample, encode, decode chain for MOS"},
+      {.declared = declared::TestMockVADMos, .exercises = "resample, VAD, codec chain for MOS"},
+      {.declared = declared::calAACMos,
        .exercises =
            "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "
            "\"%s%d_%d_%d.dec.wav\", \"%s%d_%d_%d.deg.wav\" and \"%s%d_%d_%d.res.wav\""},
-      {.routine = "GetCodecFrameLength",
-       .result = "int",
-       .parameters = "unsigned char* header, int len",
+      {.declared = declared::GetCodecFrameLength,
        .helper = true,
        .exercises = "frame length from a stream header"},
-      {.routine = "encoderFromRawCodecId",
-       .result = "CAudioCodec*",
-       .parameters = "int codecId",
+      {.declared = declared::encoderFromRawCodecId,
        .helper = true,
        .exercises = "creates an encoder for a raw codec id"},
-      {.routine = "decoderFromRawCodecId",
-       .result = "CAudioCodec*",
-       .parameters = "int codecId",
+      {.declared = declared::decoderFromRawCodecId,
        .helper = true,
        .exercises = "creates a decoder for a raw codec id"},
   };
 }
+
+}  // namespace harness

@@ -2,53 +2,40 @@
 
 #include "harness/catalogue/catalogue_rows.h"
 #include "harness/catalogue/hrtf_files.h"
-#include "harness/catalogue/invoke.h"
 #include "harness/catalogue/routines.h"
-#include "harness/catalogue/run_test_case.h"
+#include "harness/log_sinks.h"
+#include "harness/pcm_readers.h"
+#include "harness/sample_conversion.h"
+
+namespace harness {
 
 std::vector<CatalogueRow> HarnessRows() {
   return {
-      {.routine = "RunTestCase",
+      {.declared = declared::RunTestCase,
        .exercises = "entry; runs the selected test (TestHRTF)",
-       .built = true,
-       .run = Invoke<RunTestCase>,
        .inputs = {kHrtfInput},
        .outputs = {kHrtfOutput}},
-      {.routine = "TestSilkMos",
-       .exercises = "placeholder: builds a default NetCodecStreamFormat only",
-       .built = true,
-       .run = Invoke<TestSilkMos>},
-      {.routine = "PrintSdkLog",
-       .parameters = "const char* pLogStr",
+      {.declared = declared::TestSilkMos,
+       .exercises = "placeholder: builds a default NetCodecStreamFormat only"},
+      {.declared = declared::PrintSdkLog,
        .helper = true,
-       .exercises = "engine log sink to \"sdk_log.txt\"; internal to the unit",
-       .built = true},
-      {.routine = "DebugLogFunction",
-       .parameters = "const char* pLogStr",
+       .exercises = "engine log sink to \"sdk_log.txt\"; internal to the unit"},
+      {.declared = declared::DebugLogFunction,
        .helper = true,
-       .exercises = "debug log sink to \"audio_engine.log\"",
-       .built = true},
-      {.routine = "ConvertToFloatForWebrtc",
-       .parameters = "const short* src, float* dst, int count",
+       .exercises = "debug log sink to \"audio_engine.log\""},
+      {.declared = declared::ConvertToFloatForWebrtc,
        .helper = true,
-       .exercises = "sample conversion",
-       .built = true},
-      {.routine = "ConvertToShortForWebrtc",
-       .parameters = "const float* src, short* dst, int count",
+       .exercises = "sample conversion"},
+      {.declared = declared::ConvertToShortForWebrtc,
        .helper = true,
-       .exercises = "sample conversion",
-       .built = true},
-      {.routine = "ReadChunk",
-       .result = "bool",
-       .parameters = "FILE* file, short* interleaved, float* interleavedFloat, "
-                     "zuwebrtc::ChannelBuffer<float>* buffer",
+       .exercises = "sample conversion"},
+      {.declared = declared::ReadChunk,
        .helper = true,
-       .exercises = "chunk reader for the HRTF test",
-       .built = true},
-      {.routine = "ReadPCMFromFileToMix",
-       .parameters = "FILE* stream, std::string& block, std::vector<std::string*>& blocks",
+       .exercises = "chunk reader for the HRTF test"},
+      {.declared = declared::ReadPCMFromFileToMix,
        .helper = true,
-       .exercises = "reader for the block mixer test",
-       .built = true},
+       .exercises = "reader for the block mixer test"},
   };
 }
+
+}  // namespace harness

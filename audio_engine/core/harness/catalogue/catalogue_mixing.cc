@@ -1,28 +1,35 @@
 // Mixing, recording, playback and whole engines.
 
+#include "bench/mixing/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+
+namespace harness {
 
 std::vector<CatalogueRow> MixingRows() {
   return {
-      {.routine = "TestAudioMixer", .exercises = "CAudioBlockMixer over one file, raw output"},
-      {.routine = "TestRecordMixer", .exercises = "AudioRecordMixer of accompaniment and voice"},
-      {.routine = "TestKaraokeFileMixer",
+      {.declared = declared::TestAudioMixer,
+       .exercises = "CAudioBlockMixer over one file, raw output"},
+      {.declared = declared::TestRecordMixer,
+       .exercises = "AudioRecordMixer of accompaniment and voice"},
+      {.declared = declared::TestKaraokeFileMixer,
        .exercises = "IKaraokeFileMixer with a FileMixerNotify, waits for the end"},
-      {.routine = "TestKaraokeRecorder",
+      {.declared = declared::TestKaraokeRecorder,
        .exercises = "IKaraokeRecorder with line-information and score files"},
-      {.routine = "TestFilePlayer",
+      {.declared = declared::TestFilePlayer,
        .exercises = "engine file player of \"music.wav\" with a CaptureFilePlayer"},
-      {.routine = "TestAudioRecorder", .exercises = "engine recorder to \"audiorecorder.aac\""},
-      {.routine = "TestAudioSaver",
+      {.declared = declared::TestAudioRecorder,
+       .exercises = "engine recorder to \"audiorecorder.aac\""},
+      {.declared = declared::TestAudioSaver,
        .exercises =
            "engine file player and saver: \"gangqin.wav\", \"saver.aac\", \"gangqin2.wav\""},
-      {.routine = "TestSpeechMsg",
+      {.declared = declared::TestSpeechMsg,
        .exercises =
            "ISpeechMsgPlayer with a SpeechMsgPlayerNotify; prints \"Play Done, totalTime = %d.\""},
-      {.routine = "TestAudioChannel",
-       .parameters = "int codecType",
+      {.declared = declared::TestAudioChannel,
        .exercises = "IAudioChannel pack and play loop with the packer and player notifies"},
-      {.routine = "TestPushPcm",
+      {.declared = declared::TestPushPcm,
        .exercises = "IPushPcmModule over \"Fs44100_Ch2.pcm\" into \"out.pcm\""},
   };
 }
+
+}  // namespace harness

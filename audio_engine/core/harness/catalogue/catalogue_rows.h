@@ -4,10 +4,14 @@
 
 #include "harness/catalogue/catalogue.h"
 
+namespace harness {
+
 // The rows of each group; Catalogue() puts the groups together and fills in `group`.
 std::vector<CatalogueRow> HarnessRows();
-std::vector<CatalogueRow> EchoRows();
+std::vector<CatalogueRow> AecRows();
 std::vector<CatalogueRow> EnhancementRows();
 std::vector<CatalogueRow> CodecRows();
 std::vector<CatalogueRow> EffectsRows();
 std::vector<CatalogueRow> MixingRows();
+
+}  // namespace harness

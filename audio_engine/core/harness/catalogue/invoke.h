@@ -1,87 +1,71 @@
 #pragma once
 
-#include <charconv>
-#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 
-#include "harness/catalogue/catalogue.h"
+#include "harness/catalogue/arguments.h"
 
-// Turns the words of a command line into the arguments of a routine.
+namespace harness {
 
-namespace invoke {
+// The words of a command line, one for each parameter of a routine in the declared order.
+using ArgumentWords = std::span<const std::string_view>;
 
-// One argument, converted from its word. Text is copied, because some routines take it as char*.
-template <typename T>
-struct Argument;
-
-template <>
-struct Argument<const char*> {
-  bool Parse(std::string_view word) {
-    text = word;
-    return true;
-  }
-  const char* Value() { return text.c_str(); }
-  std::string text;
-};
-
-template <>
-struct Argument<char*> {
-  bool Parse(std::string_view word) {
-    text = word;
-    return true;
-  }
-  char* Value() { return text.data(); }
-  std::string text;
-};
-
-template <typename T>
-requires std::is_integral_v<T>
-struct Argument<T> {
-  bool Parse(std::string_view word) {
-    const char* end = word.data() + word.size();
-    const auto [last, error] = std::from_chars(word.data(), end, value);
-    return error == std::errc() && last == end;
-  }
-  T Value() { return value; }
-  T value = 0;
-};
-
-template <>
-struct Argument<bool> {
-  bool Parse(std::string_view word) {
-    value = word == "true";
-    return value || word == "false";
-  }
-  bool Value() { return value; }
-  bool value = false;
-};
-
-template <typename Result, typename... Parameters, size_t... Index>
-bool Call(Result (*routine)(Parameters...), Ask ask, std::span<const std::string_view> words,
-          std::index_sequence<Index...>) {
-  std::tuple<Argument<Parameters>...> arguments;
-  if (words.size() != sizeof...(Parameters)) return false;
-  if (!(std::get<Index>(arguments).Parse(words[Index]) && ...)) return false;
-  if (ask == Ask::kToRun) routine(std::get<Index>(arguments).Value()...);
-  return true;
-}
+template <typename Function>
+struct Invoker;
 
 template <typename Result, typename... Parameters>
-bool Call(Result (*routine)(Parameters...), Ask ask, std::span<const std::string_view> words) {
-  return Call(routine, ask, words, std::index_sequence_for<Parameters...>());
+struct Invoker<Result(Parameters...)> {
+  using Arguments = std::tuple<Argument<Parameters>...>;
+  static constexpr size_t kCount = sizeof...(Parameters);
+  using Indices = std::index_sequence_for<Parameters...>;
+
+  // Which word does not fit, counted from 0, and what would; kCount when all do.
+  template <size_t... index>
+  static size_t Parse(ArgumentWords words, Arguments& arguments, std::string& expected,
+                      std::index_sequence<index...>) {
+    size_t fitting = 0;
+    [[maybe_unused]] const auto parse = [&](auto& argument) {
+      const bool fits = argument.Parse(words[fitting]);
+      if (fits) ++fitting;
+      if (!fits) expected = argument.Expected();
+      return fits;
+    };
+    static_cast<void>((parse(std::get<index>(arguments)) && ...));
+    return fitting;
+  }
+};
+
+// Why the words do not fit the parameters of `function`: how many it takes, or which one is wrong
+// and what was expected. Empty when they fit.
+template <auto function>
+std::string ArgumentFault(ArgumentWords words) {
+  using Invoker = Invoker<std::remove_pointer_t<decltype(function)>>;
+  if (words.size() != Invoker::kCount) {
+    return "takes " + std::to_string(Invoker::kCount) +
+           (Invoker::kCount == 1 ? " argument, not " : " arguments, not ") +
+           std::to_string(words.size());
+  }
+  typename Invoker::Arguments arguments;
+  std::string expected;
+  const size_t wrong = Invoker::Parse(words, arguments, expected, typename Invoker::Indices());
+  if (wrong == Invoker::kCount) return "";
+  std::string fault = "argument " + std::to_string(wrong + 1);
+  fault += " of " + std::to_string(Invoker::kCount) + " must be " + expected;
+  return fault + ", not \"" + std::string(words[wrong]) + "\"";
 }
 
-}  // namespace invoke
-
-// The runner of Routine. It takes one word per parameter: text as it stands, decimal integers,
-// "true" or "false". False, and nothing is called, when the number of words or one of them does not
-// fit.
-template <auto Routine>
-bool Invoke(Ask ask, std::span<const std::string_view> words) {
-  return invoke::Call(Routine, ask, words);
+// Calls `function` with words that fit; nothing happens when they do not.
+template <auto function>
+void Invoke(ArgumentWords words) {
+  using Invoker = Invoker<std::remove_pointer_t<decltype(function)>>;
+  if (!ArgumentFault<function>(words).empty()) return;
+  typename Invoker::Arguments arguments;
+  std::string expected;
+  Invoker::Parse(words, arguments, expected, typename Invoker::Indices());
+  std::apply([](auto&... argument) { function(argument.Value()...); }, arguments);
 }
+
+}  // namespace harness

@@ -1,5 +1,9 @@
 #pragma once
 
-// The routine that belongs to no facility; the catalogue says what it exercises.
+#include "harness/catalogue/run_test_case.h"
+#include "harness/declared.h"
 
-void TestSilkMos();
+// The entry, and the routine that belongs to no facility; the catalogue says what each exercises.
+
+ROUTINE(void, RunTestCase);
+ROUTINE(void, TestSilkMos);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "harness/declared.h"
+
+// Mixing, recording, playback and whole engines. The catalogue says what each routine exercises.
+
+PLANNED(void, TestAudioMixer);
+PLANNED(void, TestRecordMixer);
+PLANNED(void, TestKaraokeFileMixer);
+PLANNED(void, TestKaraokeRecorder);
+PLANNED(void, TestFilePlayer);
+PLANNED(void, TestAudioRecorder);
+PLANNED(void, TestAudioSaver);
+PLANNED(void, TestSpeechMsg);
+PLANNED(void, TestAudioChannel, int codecType);
+PLANNED(void, TestPushPcm);

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "harness/catalogue/catalogue.h"
+
+// The catalogue's names, as the host uses them.
+
+namespace host {
+
+using harness::Catalogue;
+using harness::CatalogueRow;
+using harness::Container;
+using harness::Device;
+using harness::FileUse;
+using harness::Group;
+using harness::SampleType;
+
+}  // namespace host
