@@ -8,6 +8,7 @@ namespace host {
 // message as one line on stderr and ends with exit code kUsage.
 struct UsageError {
   std::string message;
+  bool touchNothing = false;  // Not even a report is written: its file is one of the others.
 };
 
 }  // namespace host

@@ -28,6 +28,24 @@ std::string_view GroupName(Group group) {
   return "";
 }
 
+std::string_view GroupWord(Group group) {
+  switch (group) {
+    case Group::kHarness:
+      return "harness";
+    case Group::kAec:
+      return "aec";
+    case Group::kEnhancement:
+      return "enhancement";
+    case Group::kCodec:
+      return "codec";
+    case Group::kEffects:
+      return "effects";
+    case Group::kMixing:
+      return "mixing";
+  }
+  return "";
+}
+
 std::string_view ContainerName(Container container) {
   switch (container) {
     case Container::kOther:
@@ -76,6 +94,8 @@ std::string Availability(const CatalogueRow& row) {
   return row.helper ? "helper" : "available";
 }
 
+bool CanBeRun(const CatalogueRow& row) { return row.declared.run != nullptr && !row.helper; }
+
 std::string Duration(const CatalogueRow& row) {
   return row.seconds > 0 ? Seconds(row.seconds) : "as fast as its input is processed";
 }
@@ -93,22 +113,30 @@ std::optional<std::string> KnownPlace(const FileUse& use) {
   return PlaceInWorkspace(use.name);
 }
 
+std::vector<std::string_view> RoutinesAlike(std::string_view word) {
+  std::vector<std::string_view> names;
+  for (const CatalogueRow& each : Catalogue()) names.push_back(each.declared.words.name);
+  return NamesAlike(word, names);
+}
+
+std::string Suggestion(std::string_view word) {
+  const std::vector<std::string_view> alike = RoutinesAlike(word);
+  if (alike.empty()) return "; \"audio_bench list\" names them all";
+  std::string suggestion;
+  for (const std::string_view name : alike) {
+    suggestion += suggestion.empty() ? "; did you mean " : " or ";
+    suggestion += name;
+  }
+  return suggestion + "?";
+}
+
 const CatalogueRow& FindRow(std::string_view routine) {
   const auto rows = Catalogue();
   const auto row = std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& each) {
     return each.declared.words.name == routine;
   });
   if (row != rows.end()) return *row;
-
-  std::vector<std::string_view> names;
-  for (const CatalogueRow& each : rows) names.push_back(each.declared.words.name);
-  std::string message = "no routine is called \"" + std::string(routine) + "\"";
-  const std::vector<std::string_view> alike = NamesAlike(routine, names);
-  for (size_t i = 0; i < alike.size(); ++i) {
-    message += i == 0 ? "; did you mean " : " or ";
-    message += alike[i];
-  }
-  throw UsageError{message + (alike.empty() ? "; \"audio_bench list\" names them all" : "?")};
+  throw UsageError{"no routine is called \"" + std::string(routine) + "\"" + Suggestion(routine)};
 }
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/catalogue.h"
 
@@ -13,7 +14,8 @@ namespace host {
 inline constexpr Group kGroups[] = {Group::kHarness, Group::kAec,     Group::kEnhancement,
                                     Group::kCodec,   Group::kEffects, Group::kMixing};
 
-std::string_view GroupName(Group group);
+std::string_view GroupName(Group group);  // As a title: "Codecs and quality evaluation".
+std::string_view GroupWord(Group group);  // As one word: "codec".
 std::string_view ContainerName(Container container);
 std::string_view SampleTypeName(SampleType samples);
 std::string_view DeviceName(Device device);
@@ -24,6 +26,9 @@ std::string Declaration(const CatalogueRow& row);
 // "available", "not built yet", "helper", or the routines that call it: "called by TestTemp".
 std::string Availability(const CatalogueRow& row);
 
+// Whether `run` can run it by itself.
+bool CanBeRun(const CatalogueRow& row);
+
 // "as fast as its input is processed", or how long a run takes.
 std::string Duration(const CatalogueRow& row);
 
@@ -32,6 +37,13 @@ std::string FileFormat(const FileUse& use);
 
 // Where a declared file is, relative to the workspace; nothing when an argument decides.
 std::optional<std::string> KnownPlace(const FileUse& use);
+
+// The routines that somebody may have meant whose word is none, the likeliest first.
+std::vector<std::string_view> RoutinesAlike(std::string_view word);
+
+// The same as the end of a message: "; did you mean TestVAD or TestDrc?", or where to find them
+// all.
+std::string Suggestion(std::string_view word);
 
 // The row of a routine; throws UsageError, naming those that are spelled alike, when there is none.
 const CatalogueRow& FindRow(std::string_view routine);

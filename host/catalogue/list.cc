@@ -36,28 +36,32 @@ std::string Section(std::string_view title, Belongs belongs, size_t width) {
 
 }  // namespace
 
-std::string ListAsText(int width) {
-  const auto columns = static_cast<size_t>(std::max(width, 70));
+std::string ListAsText(const ListFilter& filter, size_t width) {
+  const auto passes = Selector(filter);
   std::string text;
   for (const Group group : kGroups) {
-    const auto belongs = [group](const CatalogueRow& row) {
-      return row.group == group && !row.helper;
+    const auto belongs = [&](const CatalogueRow& row) {
+      return passes(row) && row.group == group && !row.helper;
     };
-    text += Section(GroupName(group), belongs, columns);
+    text += Section(GroupName(group), belongs, width);
   }
   text += Section(
       "Helpers (called by routines, not run by themselves)",
-      [](const CatalogueRow& row) { return row.helper; }, columns);
+      [&](const CatalogueRow& row) { return passes(row) && row.helper; }, width);
 
   const auto rows = Catalogue();
-  const auto count = [&rows](auto belongs) {
-    return std::to_string(std::count_if(rows.begin(), rows.end(), belongs));
+  const auto count = [&](auto belongs) {
+    return std::count_if(rows.begin(), rows.end(), [&](const CatalogueRow& row) {
+      return passes(row) && !row.helper && belongs(row);
+    });
   };
-  const std::string summary =
-      count([](const CatalogueRow& row) { return !row.helper; }) + " routines, " +
-      count([](const CatalogueRow& row) { return !row.helper && row.declared.built; }) +
-      " available. Parameters and files of one: audio_bench describe ROUTINE";
-  return text + WrapText(summary, "", 0, columns);
+  const auto routines = count([](const CatalogueRow&) { return true; });
+  const std::string summary = std::to_string(routines) +
+                              (routines == 1 ? " routine, " : " routines, ") +
+                              std::to_string(count(CanBeRun)) +
+                              " available. Parameters and files of one: audio_bench describe "
+                              "ROUTINE";
+  return text + WrapText(summary, "", 0, width);
 }
 
 }  // namespace host

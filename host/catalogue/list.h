@@ -1,20 +1,26 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "catalogue/list_filter.h"
 
 namespace host {
 
 // The catalogue as documents.
 
-// For readers: the routines group by group, then the helpers, in lines of at most `width` columns.
-std::string ListAsText(int width);
+// For readers: the routines group by group, then the helpers, in lines of at most `width` columns;
+// SIZE_MAX for one line each.
+std::string ListAsText(const ListFilter& filter, size_t width);
 
 // The document docs/catalogue.md.
-std::string ListAsMarkdown();
+std::string ListAsMarkdown(const ListFilter& filter);
 
 // For programs.
-std::string ListAsJson();
+std::string ListAsJson(const ListFilter& filter);
+
+// All three throw UsageError when the filter lets nothing pass.
 
 // All that is known of one routine. Throws UsageError when there is none of that name.
 std::string Describe(std::string_view routine);

@@ -43,9 +43,12 @@ Json RowJson(const CatalogueRow& row) {
 
 }  // namespace
 
-std::string ListAsJson() {
+std::string ListAsJson(const ListFilter& filter) {
+  const auto passes = Selector(filter);
   Json rows = Json::array();
-  for (const CatalogueRow& row : Catalogue()) rows.push_back(RowJson(row));
+  for (const CatalogueRow& row : Catalogue()) {
+    if (passes(row)) rows.push_back(RowJson(row));
+  }
   return JsonText({{"schema_version", kSchemaVersion}, {"routines", rows}});
 }
 

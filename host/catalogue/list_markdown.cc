@@ -44,15 +44,18 @@ std::string Section(std::string_view title, Belongs belongs) {
 
 }  // namespace
 
-std::string ListAsMarkdown() {
+std::string ListAsMarkdown(const ListFilter& filter) {
+  const auto passes = Selector(filter);
   std::string text =
       "# Catalogue\n\n"
       "Every routine of the bench. Written by `audio_bench list --markdown`; do not edit.\n";
   for (const Group group : kGroups) {
-    text += Section(GroupName(group),
-                    [group](const CatalogueRow& row) { return row.group == group && !row.helper; });
+    text += Section(GroupName(group), [&](const CatalogueRow& row) {
+      return passes(row) && row.group == group && !row.helper;
+    });
   }
-  return text + Section("Helpers", [](const CatalogueRow& row) { return row.helper; });
+  return text +
+         Section("Helpers", [&](const CatalogueRow& row) { return passes(row) && row.helper; });
 }
 
 }  // namespace host

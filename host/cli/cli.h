@@ -2,8 +2,8 @@
 
 namespace host {
 
-// The command line: what `audio_bench` is asked for is done and its exit code returned. Whatever is
-// wrong is told in one line on stderr.
+// Does what the command line of audio_bench asks for and returns the exit code. A usage error is
+// told in one line on stderr.
 int RunCommandLine(int argc, char** argv);
 
 }  // namespace host

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/printable.h"
+
 namespace host {
 
 // The linker's names for a wrapped function and for what it wraps (--wrap).
@@ -42,7 +44,8 @@ FILE* OpenMapped(Open open, const char* name, const char* mode) {
   if (g_activity == nullptr || name == nullptr) return open(name, mode);
   const std::optional<std::string> place = PlaceInWorkspace(name);
   if (!place) {
-    fprintf(stderr, "not opened, because it leads out of the workspace: %s\n", name);
+    fprintf(stderr, "not opened, because it leads out of the workspace: %s\n",
+            Printable(name).c_str());
     errno = EACCES;
     return nullptr;
   }

@@ -75,11 +75,14 @@ void AddRun(const RunReport& report, Json& json) {
 
 std::string JsonReport(const RunReport& report) {
   Json json = {{"schema_version", kSchemaVersion},
-               {"routine", report.routine},
+               {"routine", report.routine.empty() ? Json() : Json(report.routine)},
                {"arguments", report.arguments},
                {"verdict", VerdictName(report.judgement.verdict)},
                {"reason", nullptr},
-               {"exit_code", report.judgement.exitCode}};
+               {"exit_code", nullptr}};
+  const Problem* const worst = report.judgement.Worst();
+  const bool ended = worst == nullptr || worst->cause != Cause::kUnfinished;
+  if (ended) json["exit_code"] = report.judgement.exitCode;
   if (!report.judgement.reason.empty()) json["reason"] = report.judgement.reason;
   AddRun(report, json);
   json["log"] = report.log.empty() ? Json() : Json(report.log);

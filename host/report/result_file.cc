@@ -5,16 +5,22 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <string_view>
 
 #include "base/exit_code.h"
+#include "base/printable.h"
 #include "base/usage_error.h"
 
 namespace host {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 std::string Problem(const std::string& path) {
   return "cannot write " + path + ": " + strerror(errno);
@@ -29,36 +35,172 @@ bool WriteAll(int descriptor, const std::string& text) {
   return true;
 }
 
+// The file that a path names after all symbolic links, whether it exists or not. Empty, and errno
+// set, when the links go round in a circle.
+std::string FollowLinks(const std::string& path) {
+  fs::path target = path;
+  std::error_code error;
+  for (int i = 0; i < 40 && fs::is_symlink(target, error); ++i) {
+    target = target.parent_path() / fs::read_symlink(target, error);
+  }
+  if (!fs::is_symlink(target, error)) return target;
+  errno = ELOOP;
+  return "";
+}
+
+bool IsStandardOutput(const struct stat& file) {
+  struct stat output;
+  return fstat(STDOUT_FILENO, &output) == 0 && output.st_dev == file.st_dev &&
+         output.st_ino == file.st_ino;
+}
+
+// Standard output for the caller alone; whatever else is printed goes to stderr. -1 and errno when
+// it cannot be written, as where main has put something else in the place of a closed one.
+int TakeStandardOutput() {
+  const int mode = fcntl(STDOUT_FILENO, F_GETFL);
+  if (mode >= 0 && (mode & O_ACCMODE) == O_RDONLY) {
+    errno = EBADF;
+    return -1;
+  }
+  const int output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (output >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
+  return output;
+}
+
+// While this object lives no signal that can be held back ends the process.
+class HoldSignals {
+ public:
+  HoldSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_BLOCK, &all, &m_before);
+  }
+  ~HoldSignals() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+  HoldSignals(const HoldSignals&) = delete;
+  HoldSignals& operator=(const HoldSignals&) = delete;
+
+ private:
+  sigset_t m_before;
+};
+
+std::string FolderOf(const std::string& path) {
+  const fs::path folder = fs::path(path).parent_path();
+  return folder.empty() ? "." : folder.string();
+}
+
+// A new file in the folder of `path`, without a name where the file system has such, so that not
+// even a kill leaves it behind. Else `name` is its name. -1 and errno on failure.
+int OpenBeside(const std::string& path, std::string& name) {
+  const int nameless = open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  if (nameless >= 0) return nameless;
+  name = path + ".XXXXXX";
+  return mkostemp(name.data(), O_CLOEXEC);
+}
+
+// Gives the nameless file of a descriptor the name `path`, in place of what has it.
+bool Publish(int descriptor, const std::string& path) {
+  const std::string source = "/proc/self/fd/" + std::to_string(descriptor);
+  const auto link = [&source](const std::string& name) {
+    return linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  };
+  if (link(path)) return true;
+  if (errno != EEXIST) return false;
+  // A link does not replace, a renaming does: the second name lives for these two calls.
+  const std::string other = path + "." + std::to_string(getpid());
+  unlink(other.c_str());
+  if (!link(other)) return false;
+  if (rename(other.c_str(), path.c_str()) == 0) return true;
+  const int error = errno;
+  unlink(other.c_str());
+  errno = error;
+  return false;
+}
+
+// Puts a file with this text in the place of `path`.
+bool ReplaceFile(const std::string& path, mode_t mode, const std::string& text) {
+  const HoldSignals hold;
+  std::string name;
+  const int file = OpenBeside(path, name);
+  if (file < 0) return false;
+  bool written = WriteAll(file, text) && fchmod(file, mode) == 0;
+  if (name.empty()) {
+    written = written && Publish(file, path);
+  } else {
+    written = written && rename(name.c_str(), path.c_str()) == 0;
+  }
+  const int error = errno;
+  close(file);
+  if (!written && !name.empty()) unlink(name.c_str());
+  errno = error;
+  return written;
+}
+
+// Whether the file can be replaced, with errno when not. Nothing stays of the attempt.
+bool CanReplace(const std::string& path) {
+  if (access(path.c_str(), W_OK) != 0 && errno != ENOENT) return false;
+  std::string name;
+  const int file = OpenBeside(path, name);
+  if (file < 0) return false;
+  close(file);
+  if (!name.empty()) unlink(name.c_str());
+  return true;
+}
+
+// Whether a file is absent, empty or a report.
+bool HoldsNothingElse(const std::string& path) {
+  constexpr std::string_view kStart = "{\n  \"schema_version\":";
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return errno == ENOENT;
+  char bytes[kStart.size()];
+  const ssize_t count = read(file, bytes, sizeof bytes);
+  close(file);
+  return count == 0 || (count > 0 && std::string_view(bytes, static_cast<size_t>(count)) == kStart);
+}
+
 }  // namespace
 
 ResultFile::ResultFile(const std::string& path) : m_path(path) {
   struct stat status;
-  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-    m_descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-  } else {
-    m_temporary = path + ".XXXXXX";
-    m_descriptor = mkostemp(m_temporary.data(), O_CLOEXEC);
+  const bool exists = stat(path.c_str(), &status) == 0;
+  if (path == "-" || (exists && S_ISREG(status.st_mode) && IsStandardOutput(status))) {
+    m_descriptor = TakeStandardOutput();
+    if (m_descriptor < 0) throw UsageError{Problem("standard output")};
+    return;
   }
-  if (m_descriptor < 0) throw UsageError{Problem(path)};
+  if (exists && !S_ISREG(status.st_mode)) {
+    m_descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    if (m_descriptor < 0) throw UsageError{Problem(path)};
+    return;
+  }
+  const mode_t mask = umask(0);
+  umask(mask);
+  m_mode = exists ? status.st_mode & 0777U : 0666U & ~mask;
+  m_target = FollowLinks(path);
+  if (m_target.empty() || !CanReplace(m_target)) throw UsageError{Problem(path)};
 }
 
 ResultFile::~ResultFile() {
   if (m_descriptor >= 0) close(m_descriptor);
-  if (!m_temporary.empty()) unlink(m_temporary.c_str());
+}
+
+bool ResultFile::WriteWhole(const std::string& text) const {
+  return m_target.empty() ? WriteAll(m_descriptor, text) : ReplaceFile(m_target, m_mode, text);
+}
+
+void ResultFile::Replace(const std::string& text) {
+  if (!m_target.empty() && !WriteWhole(text)) throw UsageError{Problem(m_path)};
 }
 
 int ResultFile::Write(const std::string& text) {
-  bool written = WriteAll(m_descriptor, text);
-  if (written && !m_temporary.empty()) {
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(m_descriptor, 0666 & ~mask);  // As any file, not as a temporary one.
-    written = rename(m_temporary.c_str(), m_path.c_str()) == 0;
-    if (written) m_temporary.clear();
+  if (WriteWhole(text)) return exit_code::kPass;
+  if (errno != EPIPE) {
+    fprintf(stderr, "audio_bench: %s\n", Printable(Problem(m_path)).c_str());
   }
-  if (written) return exit_code::kPass;
-  fprintf(stderr, "audio_bench: %s\n", Problem(m_path).c_str());
   return exit_code::kUsage;
+}
+
+void ResultFile::WriteRefusal(const std::string& text) {
+  if (m_target.empty() || HoldsNothingElse(m_target)) Write(text);
 }
 
 }  // namespace host

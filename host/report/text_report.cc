@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "base/printable.h"
 #include "base/units.h"
 #include "report/report.h"
 
@@ -10,8 +11,8 @@ namespace {
 
 std::string VerdictLine(const RunReport& report) {
   std::string line = VerdictName(report.judgement.verdict);
-  line += "  " + report.routine;
-  if (!report.judgement.reason.empty()) line += "  " + report.judgement.reason;
+  line += "  " + Printable(report.routine);
+  if (!report.judgement.reason.empty()) line += "  " + Printable(report.judgement.reason);
   if (report.outcome) {
     line += "  " + Seconds(report.outcome->elapsed);
     if (const auto factor = RealTimeFactor(report)) line += "  RTF " + Ratio(*factor);
@@ -40,7 +41,7 @@ std::string ChannelLine(const ChannelFigures& figures, const std::string& name) 
 
 std::string CopyLine(const WaveCopy& copy) {
   if (!copy.problem.empty()) return "";
-  std::string line = "  copy    " + copy.path + "  16-bit, no dither";
+  std::string line = "  copy    " + Printable(copy.path) + "  16-bit, no dither";
   if (copy.attenuation > 0)
     line += ", attenuated by " + Attenuation(copy.attenuation) + " to a peak of -1 dBFS";
   return line + "\n";
@@ -48,7 +49,7 @@ std::string CopyLine(const WaveCopy& copy) {
 
 std::string FileLines(const char* kind, const FileReport& file) {
   if (!file.bytes) return "";
-  std::string lines = std::string("  ") + kind + file.place.path + "  ";
+  std::string lines = std::string("  ") + kind + Printable(file.place.path) + "  ";
   lines += file.audio ? Format(*file.audio) : Bytes(*file.bytes);
   lines += "\n";
   if (file.channels) {
@@ -76,7 +77,7 @@ std::string TextReport(const RunReport& report) {
   std::string text = VerdictLine(report);
   for (const FileReport& input : report.inputs) text += FileLines("input   ", input);
   for (const FileReport& output : report.outputs) text += FileLines("output  ", output);
-  if (!report.log.empty()) text += "  log     " + report.log + "\n";
+  if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
   return text;
 }
 

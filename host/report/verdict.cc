@@ -31,6 +31,7 @@ struct CauseFacts {
 };
 
 constexpr CauseFacts kCauses[] = {
+    {Cause::kNotDelivered, "not_delivered", Verdict::kError, exit_code::kUsage},
     {Cause::kNotRunnable, "not_runnable", Verdict::kSkip, exit_code::kSkip},
     {Cause::kLogIncomplete, "log_incomplete", Verdict::kError, exit_code::kUsage},
     {Cause::kCopyFailed, "copy_failed", Verdict::kFail, exit_code::kFail},
@@ -53,6 +54,8 @@ constexpr CauseFacts kCauses[] = {
     {Cause::kTimeout, "timeout", Verdict::kError, exit_code::kCrash},
     {Cause::kCrash, "crash", Verdict::kError, exit_code::kCrash},
     {Cause::kInterrupted, "interrupted", Verdict::kError, exit_code::kSignal},
+    {Cause::kUsage, "usage", Verdict::kError, exit_code::kUsage},
+    {Cause::kUnfinished, "unfinished", Verdict::kError, exit_code::kUsage},
 };
 
 const CauseFacts& Facts(Cause cause) { return kCauses[static_cast<size_t>(cause)]; }

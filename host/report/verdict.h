@@ -14,8 +14,9 @@ const char* VerdictName(Verdict verdict);  // "pass", "fail", "error", "skip"
 // What kind of problem keeps a run from passing. The worse of two decides about the verdict; they
 // are listed from bad to worse.
 enum class Cause {
+  kNotDelivered,   // Error, exit code 2.
   kNotRunnable,    // Skipped.
-  kLogIncomplete,  // Exit code 2.
+  kLogIncomplete,  // Error, exit code 2.
   kCopyFailed,     // From here on fail, exit code 1.
   kSamplesNotFinite,
   kOutputNotMeasured,
@@ -35,7 +36,9 @@ enum class Cause {
   kMissingInput,
   kTimeout,  // Exit code 4.
   kCrash,
-  kInterrupted  // Exit code 128 plus the signal.
+  kInterrupted,  // Exit code 128 plus the signal.
+  kUsage,        // Not run as asked; exit code 2.
+  kUnfinished    // Not yet known.
 };
 
 // The cause as a word for programs: "missing_input".

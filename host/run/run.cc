@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <system_error>
+#include <utility>
 
 #include "base/exit_code.h"
 #include "base/usage_error.h"
@@ -89,8 +91,15 @@ FileReport ExamineOutput(const FilePlace& place, const OutputBefore& before, boo
   return report;
 }
 
+// What the report says while the routine runs, and for ever if this process is killed meanwhile.
+RunReport Unfinished(RunReport report) {
+  report.judgement =
+      Judge({{Cause::kUnfinished, "the run has not ended, or audio_bench was killed"}});
+  return report;
+}
+
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
-            RunReport& report) {
+            ResultFile* json, RunReport& report) {
   CreateFolder(options.work);
   const auto inputs = PlaceFiles(row.inputs, row.declared.words.parameters, words, options.work);
   const auto outputs = PlaceFiles(row.outputs, row.declared.words.parameters, words, options.work);
@@ -102,6 +111,7 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   const File log = OpenLog(report.log);
   std::vector<OutputBefore> before;
   for (const FilePlace& output : outputs) before.emplace_back(output);
+  if (json != nullptr) json->Replace(JsonReport(Unfinished(report)));
   Progress progress(report.routine, inputs.size() + outputs.size());
   report.outcome = RunInChild([&] { harness::Run(row, words); }, options.work, options.timeout,
                               log.get(), progress);
@@ -115,31 +125,66 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   report.judgement = Judge(OutputProblems(report.outputs));
 }
 
+void RunRoutine(const RunOptions& options, ResultFile* json, RunReport& report) {
+  const CatalogueRow& row = FindRow(options.routine);
+  const Words words(options.arguments.begin(), options.arguments.end());
+  if (const std::string skip = SkipReason(row); !skip.empty()) {
+    report.judgement = Judge({{Cause::kNotRunnable, skip}});
+    return;
+  }
+  const std::string fault = harness::ArgumentFault(row, words);
+  if (!fault.empty()) throw UsageError{options.routine + " " + fault + ": " + Declaration(row)};
+  RunRow(row, options, words, json, report);
+}
+
+// The report of a run that could not be done as asked, in place of an earlier one.
+void Refuse(ResultFile* json, const std::string& message, RunReport& report) {
+  if (json == nullptr) return;
+  report.judgement = Judge({{Cause::kUsage, message}});
+  json->WriteRefusal(JsonReport(report));
+}
+
+// Prints the report and writes it as JSON. Returns the exit code, which is the one in the report
+// where that could be written.
+int Deliver(ResultFile* json, RunReport& report) {
+  if (PrintResults(TextReport(report)) != exit_code::kPass) {
+    report.judgement.problems.push_back(
+        {Cause::kNotDelivered, "the results could not be written to standard output"});
+    report.judgement = Judge(std::move(report.judgement.problems));
+  }
+  const int exitCode = report.judgement.exitCode;
+  const int written = json == nullptr ? exit_code::kPass : json->Write(JsonReport(report));
+  return exitCode != exit_code::kPass ? exitCode : written;
+}
+
 }  // namespace
 
 int Run(const RunOptions& options) {
-  const CatalogueRow& row = FindRow(options.routine);
   RunReport report;
   report.routine = options.routine;
   report.arguments = options.arguments;
-  const Words words(options.arguments.begin(), options.arguments.end());
-  const std::string skip = SkipReason(row);
-  const std::string fault = skip.empty() ? harness::ArgumentFault(row, words) : "";
-  if (!fault.empty()) throw UsageError{options.routine + " " + fault + ": " + Declaration(row)};
   std::optional<ResultFile> json;
   if (!options.json.empty()) json.emplace(options.json);
-
-  if (skip.empty()) {
-    RunRow(row, options, words, report);
-  } else {
-    report.judgement = Judge({{Cause::kNotRunnable, skip}});
+  ResultFile* const target = json ? &*json : nullptr;
+  try {
+    RunRoutine(options, target, report);
+  } catch (const UsageError& error) {
+    if (!error.touchNothing) Refuse(target, error.message, report);
+    throw;
+  } catch (const std::system_error& error) {
+    Refuse(target, error.what(), report);
+    throw;
   }
-
-  int delivered = PrintResults(TextReport(report));
-  if (json) delivered = std::max(delivered, json->Write(JsonReport(report)));
+  const int exitCode = Deliver(target, report);
   json.reset();
   if (report.outcome && report.outcome->interruption != 0) raise(report.outcome->interruption);
-  return report.judgement.exitCode != exit_code::kPass ? report.judgement.exitCode : delivered;
+  return exitCode;
+}
+
+void ReportRefusal(const std::string& path, const std::string& message) {
+  RunReport report;
+  ResultFile json(path);
+  Refuse(&json, message, report);
 }
 
 }  // namespace host

@@ -15,7 +15,12 @@ struct RunOptions {
 };
 
 // Runs one routine, reports, and returns the host's exit code. Throws UsageError when it cannot be
-// run as asked, and std::system_error when the machine has no room for another process.
+// run as asked, and std::system_error when the machine has no room for another process; the report
+// of such a run says so.
 int Run(const RunOptions& options);
+
+// Writes the report of a run whose command line was refused to `path`, which may be all that is
+// known of it. Throws UsageError when it cannot be written.
+void ReportRefusal(const std::string& path, const std::string& message);
 
 }  // namespace host

@@ -15,6 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr std::string_view kNames[] = {"RunTestCase", "TestHRTF",         "TestReverb",
                                        "TestDrc",     "TestReverbPreset", "TestVAD"};
@@ -54,20 +55,54 @@ TEST(WrapText, BreaksBetweenWords) {
 }
 
 TEST(ListAsText, FitsTheWidthAndSetsHelpersApart) {
-  for (const int width : {80, 100}) {
-    std::istringstream lines(ListAsText(width));
+  for (const size_t width : {80, 100}) {
+    std::istringstream lines(ListAsText({}, width));
     for (std::string line; std::getline(lines, line);) {
-      EXPECT_LE(line.size(), static_cast<size_t>(width)) << line;
+      EXPECT_LE(line.size(), width) << line;
     }
   }
-  const std::string list = ListAsText(100);
+  const std::string list = ListAsText({}, 100);
   EXPECT_THAT(list, HasSubstr("  Echo                        available      arguments\n"));
   EXPECT_THAT(list, HasSubstr("  NotBuilt                    not built yet  nothing yet\n"));
   EXPECT_THAT(list, HasSubstr("not run by themselves)\n  Helper                      help\n"));
 }
 
+TEST(ListAsText, KeepsARoutineOnOneLineWhenAsked) {
+  EXPECT_THAT(ListAsText({}, SIZE_MAX), HasSubstr(" not be broken, whatever its length is, when "
+                                                  "nobody looks at it on a terminal\n"));
+}
+
+TEST(ListFilter, ListsWhatItLetsPass) {
+  const std::string globbed = ListAsText({.glob = "write*e"}, 100);
+  EXPECT_THAT(globbed, HasSubstr("  WriteNotFinite "));
+  EXPECT_THAT(globbed, HasSubstr("  WriteNoWave "));
+  EXPECT_THAT(globbed, Not(HasSubstr("  WritePcm ")));
+  EXPECT_THAT(globbed, HasSubstr("\n2 routines, 2 available. "));
+  const std::string available = ListAsMarkdown({.available = true});
+  EXPECT_THAT(available, HasSubstr("void Echo("));
+  EXPECT_THAT(available, Not(HasSubstr("NotBuilt")));
+  EXPECT_THAT(available, Not(HasSubstr("## Helpers")));
+  EXPECT_THAT(ListAsJson({.glob = "Echo", .group = "harness"}), HasSubstr("\"Echo\""));
+}
+
+TEST(ListFilter, RefusesWhatLetsNothingPass) {
+  const auto message = [](const ListFilter& filter) -> std::string {
+    try {
+      ListAsText(filter, 100);
+    } catch (const UsageError& error) {
+      return error.message;
+    }
+    return "";
+  };
+  EXPECT_EQ(message({.group = "codecs"}),
+            "no group is called \"codecs\"; there are harness, aec, enhancement, codec, effects, "
+            "mixing");
+  EXPECT_EQ(message({.group = "codec"}), "no routine is like that");
+  EXPECT_EQ(message({.glob = "ech"}), "no routine is like \"ech\"; did you mean Echo?");
+}
+
 TEST(ListAsMarkdown, HasOneRowForEachRoutine) {
-  const std::string list = ListAsMarkdown();
+  const std::string list = ListAsMarkdown({});
   EXPECT_THAT(list,
               HasSubstr("| `void Copy(const char* inFile, const char* outFile)` | a declared "
                         "input and output | `{inFile}` (16-bit samples, 8000 Hz, mono) | "

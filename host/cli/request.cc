@@ -1,0 +1,248 @@
+#include "cli/request.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <iterator>
+#include <memory>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "base/suggest.h"
+#include "base/usage_error.h"
+#include "catalogue/catalogue_text.h"
+
+namespace host {
+
+namespace {
+
+struct Synopsis {
+  std::string_view command;
+  std::string_view arguments;
+};
+
+// The commands and what may follow them, as the usage lines show it.
+constexpr Synopsis kSynopses[] = {
+    {"list", "[GLOB] [OPTIONS]"},
+    {"describe", "ROUTINE"},
+    {"run", "[ROUTINE [ARGUMENT...]] [OPTIONS]"},
+    {"demo", "[OPTIONS]"},
+    {"help", "[COMMAND]"},
+};
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 pass, 1 fail, 2 not run as asked (usage) or results not delivered, 3 an input\n"
+    "is missing or unreadable, 4 crash or time-out, 77 skip.";
+
+class UsageFormatter : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    if (app->get_parent() == nullptr) return "Usage: audio_bench COMMAND [...]\n";
+    for (const Synopsis& each : kSynopses) {
+      if (each.command != app->get_name()) continue;
+      return "Usage: audio_bench " + std::string(each.command) + " " + std::string(each.arguments) +
+             "\n";
+    }
+    return CLI::Formatter::make_usage(app, std::move(name));
+  }
+};
+
+std::string TimeoutProblem(const std::string& word) {
+  double seconds = 0;
+  const char* const end = word.data() + word.size();
+  const auto [last, error] = std::from_chars(word.data(), end, seconds);
+  const bool fits = error == std::errc() && last == end && seconds > 0 && seconds <= 1e6;
+  return fits ? "" : "not a number of seconds between 0 and 1000000: " + word;
+}
+
+std::string EmptyProblem(const std::string& word) { return word.empty() ? "is empty" : ""; }
+
+void AddWork(CLI::App& command, std::string& work) {
+  command.add_option("--work", work, "Workspace: all files of the routine are in this folder")
+      ->type_name("DIR")
+      ->check(EmptyProblem)
+      ->capture_default_str();
+}
+
+// The command line as CLI11 reads it, filling in a request.
+class CommandLine {
+ public:
+  explicit CommandLine(Request& request) : m_request(request) {
+    m_app.formatter(std::make_shared<UsageFormatter>());
+    m_app.require_subcommand(1);
+    m_app.set_version_flag("--version", AUDIO_TESTER_VERSION);
+    m_app.footer(kExitCodes);
+    AddList();
+    m_app.add_subcommand("describe", "All that is known of one routine")
+        ->add_option("ROUTINE", m_request.routine)
+        ->required();
+    AddRun();
+    AddWork(*m_app.add_subcommand(
+                "demo", "Put a recording in place for the selected test, if there is none"),
+            m_request.run.work);
+    m_app.add_subcommand("help", "Help on a command");
+  }
+
+  // Throws UsageError.
+  void Parse(std::vector<std::string> words) {
+    const std::string command = words.empty() ? "" : words.front();
+    std::reverse(words.begin(), words.end());  // As CLI11 takes them.
+    try {
+      m_app.parse(words);
+    } catch (const CLI::CallForHelp&) {
+      m_request.text = m_app.help();
+      return;
+    } catch (const CLI::CallForVersion&) {
+      m_request.text = AUDIO_TESTER_VERSION "\n";
+      return;
+    } catch (const CLI::ParseError& error) {
+      const std::string subject = m_app.get_subcommands().empty() ? "" : command + " ";
+      throw UsageError{std::string(error.what()) + " (audio_bench " + subject + "--help)"};
+    }
+    Take();
+  }
+
+  // What follows `run` and is no option of it.
+  std::vector<std::string> Free() const { return m_run->remaining(); }
+
+ private:
+  void AddList() {
+    m_list = m_app.add_subcommand("list", "The catalogue of all routines, or of some");
+    m_list->add_option("GLOB", m_request.filter.glob, "Only names like this: 'Test*Reverb*'")
+        ->type_name("");
+    m_list->add_flag("--available", m_request.filter.available, "Only routines that can be run");
+    m_list->add_option("--group", m_request.filter.group, "Only this group")->type_name("G");
+    m_list->add_flag("--json", m_json, "For programs");
+    m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
+  }
+
+  void AddRun() {
+    RunOptions& options = m_request.run;
+    m_run = m_app.add_subcommand("run", "Run one routine in a process of its own");
+    m_run->footer(
+        "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"
+        "declared order; after \"--\" every word is an argument.");
+    AddWork(*m_run, options.work);
+    m_run->add_option("--timeout-s", options.timeout, "End a run that takes longer, in seconds")
+        ->type_name("N")
+        ->check(TimeoutProblem)
+        ->capture_default_str();
+    m_run->add_option("--json", options.json, "Also write the report to this file; - is stdout")
+        ->type_name("FILE")
+        ->check(EmptyProblem);
+    m_run->add_flag("--wav", options.wav,
+                    "Also write headerless audio outputs as NAME.wav, 16-bit");
+    m_run->allow_extras();  // Routine and arguments: CLI11 would take -1 for an option.
+  }
+
+  // The request of a command line that was read.
+  void Take() {
+    const std::string command = m_app.get_subcommands().front()->get_name();
+    using Command = Request::Command;
+    m_request.command = command == "list"       ? Command::kList
+                        : command == "describe" ? Command::kDescribe
+                        : command == "run"      ? Command::kRun
+                                                : Command::kDemo;
+    if (m_json) m_request.form = Request::Form::kJson;
+    if (m_markdown) m_request.form = Request::Form::kMarkdown;
+  }
+
+  Request& m_request;
+  CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
+  CLI::App* m_list = nullptr;
+  CLI::App* m_run = nullptr;
+  bool m_json = false;
+  bool m_markdown = false;
+};
+
+// Throws UsageError when there is no such command, naming what may have been meant.
+void CheckCommand(const std::string& word) {
+  std::vector<std::string_view> commands;
+  for (const Synopsis& each : kSynopses) commands.push_back(each.command);
+  if (std::find(commands.begin(), commands.end(), word) != commands.end()) return;
+  std::string message = "no command is called \"" + word + "\"; ";
+  const auto alike = NamesAlike(word, commands);
+  const auto routines = RoutinesAlike(word);
+  if (!alike.empty()) {
+    message += "did you mean " + std::string(alike.front()) + "?";
+  } else if (!routines.empty()) {
+    message += "did you mean run " + std::string(routines.front()) + "?";
+  } else {
+    message += "\"audio_bench help\" names them all";
+  }
+  throw UsageError{message};
+}
+
+// "help" and "help COMMAND" and "COMMAND help" as the option --help.
+void TurnHelpIntoOption(std::vector<std::string>& words) {
+  if (words.empty() || words.size() > 2) return;
+  if (words.front() == "help") std::rotate(words.begin(), std::next(words.begin()), words.end());
+  if (words.back() == "help") words.back() = "--help";
+}
+
+// What CLI11 would take for something else. Throws UsageError.
+void CheckWords(const std::vector<std::string>& words) {
+  if (!words.empty() && !words.front().starts_with('-')) CheckCommand(words.front());
+  for (const std::string& word : words) {
+    if (word.starts_with("--") && word.ends_with('=')) {  // The next word would be its value.
+      throw UsageError{word.substr(0, word.size() - 1) + " is empty"};
+    }
+  }
+}
+
+// Words that start with '-' are options, except for numbers.
+bool IsOption(const std::string& word) {
+  return word.size() > 1 && word[0] == '-' && word[1] != '.' &&
+         std::isdigit(static_cast<unsigned char>(word[1])) == 0;
+}
+
+// Routine and arguments from what is no option.
+void TakeArguments(const std::vector<std::string>& free, std::span<const std::string> literal,
+                   RunOptions& options) {
+  for (const std::string& word : free) {
+    if (IsOption(word)) throw UsageError{"unknown option " + word};
+  }
+  std::vector<std::string> words = free;
+  words.insert(words.end(), literal.begin(), literal.end());
+  if (words.empty()) return;
+  options.routine = words.front();
+  options.arguments.assign(std::next(words.begin()), words.end());
+}
+
+}  // namespace
+
+Request ParseRequest(std::span<const std::string> words) {
+  const auto mark = std::find(words.begin(), words.end(), "--");
+  std::vector<std::string> read(words.begin(), mark);
+  const std::span<const std::string> literal(mark == words.end() ? mark : std::next(mark),
+                                             words.end());
+  TurnHelpIntoOption(read);
+  CheckWords(read);
+
+  Request request;
+  CommandLine line(request);
+  line.Parse(read);
+  if (!literal.empty() && request.command != Request::Command::kRun) {
+    throw UsageError{"unexpected " + literal.front()};
+  }
+  if (request.command == Request::Command::kRun) {
+    TakeArguments(line.Free(), literal, request.run);
+  }
+  return request;
+}
+
+std::string ReportPath(std::span<const std::string> words) {
+  constexpr std::string_view kOption = "--json";
+  if (words.empty() || words.front() != "run") return "";
+  for (size_t i = 1; i < words.size() && words[i] != "--"; ++i) {
+    const std::string_view word = words[i];
+    if (!word.starts_with(kOption)) continue;
+    if (word == kOption) return i + 1 < words.size() ? words[i + 1] : "";
+    if (word[kOption.size()] == '=') return words[i].substr(kOption.size() + 1);
+  }
+  return "";
+}
+
+}  // namespace host
