@@ -1,7 +1,6 @@
 #include "files/wave_copy.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
@@ -10,34 +9,11 @@
 #include <vector>
 
 #include "files/audio_figures.h"
+#include "wave/wave_file.h"
 
 namespace host {
 
 namespace {
-
-constexpr uint64_t kHeaderBytes = 44;
-
-void Put(unsigned char* at, uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i) at[i] = static_cast<unsigned char>(value >> (8 * i));
-}
-
-std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, uint32_t dataBytes) {
-  std::array<unsigned char, kHeaderBytes> header = {};
-  const auto frameBytes = static_cast<uint32_t>(2 * channels);
-  memcpy(header.data(), "RIFF", 4);
-  Put(header.data() + 4, static_cast<uint32_t>(kHeaderBytes - 8) + dataBytes, 4);
-  memcpy(header.data() + 8, "WAVEfmt ", 8);
-  Put(header.data() + 16, 16, 4);
-  Put(header.data() + 20, 1, 2);
-  Put(header.data() + 22, static_cast<uint32_t>(channels), 2);
-  Put(header.data() + 24, static_cast<uint32_t>(rate), 4);
-  Put(header.data() + 28, static_cast<uint32_t>(rate) * frameBytes, 4);
-  Put(header.data() + 32, frameBytes, 2);
-  Put(header.data() + 34, 16, 2);
-  memcpy(header.data() + 36, "data", 4);
-  Put(header.data() + 40, dataBytes, 4);
-  return header;
-}
 
 int16_t ToPcm16(float sample, float gain) {
   const float value = std::nearbyint(sample * 32768.0F * gain);
@@ -61,13 +37,13 @@ bool WriteSamples(FILE* in, const AudioLayout& layout, float gain, FILE* out) {
 std::string Copy(FILE* in, const AudioLayout& layout, float gain, const std::string& path) {
   const uint64_t frames = layout.bytes / static_cast<uint64_t>(layout.frameBytes);
   const uint64_t dataBytes = frames * 2 * static_cast<uint64_t>(layout.channels);
-  if (dataBytes > UINT32_MAX - kHeaderBytes) return "too long for a WAVE file";
+  if (dataBytes > UINT32_MAX - wave::kHeaderBytes) return "too long for a WAVE file";
   FILE* const out = fopen(path.c_str(), "wb");
   if (out == nullptr) return strerror(errno);
 
-  const auto header = Header(layout.rate, layout.channels, static_cast<uint32_t>(dataBytes));
+  const auto header = wave::Header(layout.rate, layout.channels, 16, dataBytes);
   errno = 0;
-  const bool written = fwrite(header.data(), 1, kHeaderBytes, out) == kHeaderBytes &&
+  const bool written = fwrite(header.data(), 1, header.size(), out) == header.size() &&
                        WriteSamples(in, layout, gain, out);
   const int error = errno;
   if (fclose(out) == 0 && written) return "";

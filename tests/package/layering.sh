@@ -25,6 +25,7 @@ beside="\"$name\""  # In the folder of the file itself.
 api="engine_api/[a-z]+"
 
 allow audio_engine/core/engine_api "$standard|\"(\.\./[a-z]+/)?$name\""
+allow audio_engine/wave "$standard|$beside"
 allow audio_engine/core/harness "$library|\"($api|harness)/$name\"" --exclude-dir=catalogue
 allow audio_engine/core/bench "$library|\"($api|harness|bench/[a-z]+)/$name\""
 allow audio_engine/core/harness/catalogue "$library|\"($api|harness|harness/catalogue|bench/[a-z]+)/$name\""
@@ -35,7 +36,7 @@ for folder in base files process catalogue report demo run cli; do
   below+="|$folder"
   allow "host/$folder" "$library|\"($below|harness/catalogue|wave)/$name\"|\"harness/format_name.h\""
 done
-allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+)/$name\""
+allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""
 
 # Angle brackets are for the headers of others.
 if grep -rnE --include='*.h' --include='*.cc' \

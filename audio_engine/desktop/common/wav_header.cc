@@ -8,27 +8,14 @@
 #include <cstring>
 
 #include "engine_api/platform/log.h"
+#include "wave/wave_file.h"
 
 static_assert(std::endian::native == std::endian::little, "Headers and samples are stored as held");
 
 namespace desktop {
 
 WavHeader EmptyWavHeader(int sampleRate, int channels, int bitsPerSample) {
-  const uint32_t blockAlign =
-      static_cast<uint32_t>(channels) * static_cast<uint32_t>(bitsPerSample) / 8;
-  return {.riff = {'R', 'I', 'F', 'F'},
-          .riffBytes = sizeof(WavHeader) - 8,
-          .wave = {'W', 'A', 'V', 'E'},
-          .fmt = {'f', 'm', 't', ' '},
-          .fmtBytes = 16,
-          .formatTag = 1,
-          .channels = static_cast<uint16_t>(channels),
-          .sampleRate = static_cast<uint32_t>(sampleRate),
-          .bytesPerSecond = static_cast<uint32_t>(sampleRate) * blockAlign,
-          .blockAlign = static_cast<uint16_t>(blockAlign),
-          .bitsPerSample = static_cast<uint16_t>(bitsPerSample),
-          .data = {'d', 'a', 't', 'a'},
-          .dataBytes = 0};
+  return std::bit_cast<WavHeader>(wave::Header(sampleRate, channels, bitsPerSample, 0));
 }
 
 FILE* OpenWav(const char* name, const char* mode) {
@@ -58,9 +45,8 @@ void FinishWav(FILE* file, WavHeader header) {
     const uint64_t dataBytes = fileBytes - sizeof(header);
     // Chunks have even lengths; the pad byte counts for the file but not for the data.
     if (dataBytes % 2 != 0) fputc(0, file);
-    const uint64_t riffBytes = fileBytes - 8 + dataBytes % 2;
-    header.riffBytes = static_cast<uint32_t>(std::min<uint64_t>(riffBytes, UINT32_MAX));
-    header.dataBytes = static_cast<uint32_t>(std::min<uint64_t>(dataBytes, UINT32_MAX));
+    header = std::bit_cast<WavHeader>(wave::Header(
+        static_cast<int>(header.sampleRate), header.channels, header.bitsPerSample, dataBytes));
     if (fseeko(file, 0, SEEK_SET) == 0) fwrite(&header, sizeof(header), 1, file);
   }
   fclose(file);

@@ -1,0 +1,127 @@
+#include "wave_file.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace wave {
+
+namespace {
+
+// Limits beyond which a header is taken for damage, not for audio.
+constexpr uint32_t kMaxRate = 768000;
+constexpr uint32_t kMaxChannels = 64;
+constexpr int kMaxChunks = 1000;
+
+constexpr uint32_t kPcmTag = 1;
+constexpr uint32_t kFloatTag = 3;
+constexpr uint32_t kExtensibleTag = 0xFFFE;
+
+// What follows the first two bytes of the extensible format's names for the plain ones.
+constexpr unsigned char kSubformatTail[14] = {0, 0, 0,    0, 0x10, 0,    0x80,
+                                              0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
+
+// WAVE is little-endian, whatever the machine is.
+uint32_t Number(const unsigned char* bytes, int count) {
+  uint32_t value = 0;
+  while (count-- > 0) value = value << 8 | bytes[count];
+  return value;
+}
+
+void Put(unsigned char* at, uint64_t value, int bytes) {
+  for (int i = 0; i < bytes; ++i) at[i] = static_cast<unsigned char>(value >> (8 * i));
+}
+
+bool Is(const unsigned char* id, const char* expected) { return memcmp(id, expected, 4) == 0; }
+
+Coding CodingOf(const unsigned char* chunk) {
+  uint32_t tag = Number(chunk, 2);
+  if (tag == kExtensibleTag) {
+    if (memcmp(chunk + 26, kSubformatTail, sizeof kSubformatTail) != 0) return Coding::kOther;
+    tag = Number(chunk + 24, 2);
+  }
+  if (tag == kPcmTag) return Coding::kPcm;
+  return tag == kFloatTag ? Coding::kFloat : Coding::kOther;
+}
+
+// Takes a format chunk in. Why it can hold no audio; empty when it can.
+const char* ReadFormat(FILE* file, uint32_t size, Audio& audio) {
+  unsigned char chunk[40] = {};  // What a shorter chunk lacks is zero.
+  const size_t wanted = std::min<size_t>(size, sizeof chunk);
+  if (size < 16 || fread(chunk, 1, wanted, file) < wanted) return "format cut short";
+  audio.coding = CodingOf(chunk);
+  const uint32_t channels = Number(chunk + 2, 2);
+  const uint32_t rate = Number(chunk + 4, 4);
+  audio.frameBytes = static_cast<int>(Number(chunk + 12, 2));
+  audio.bits = static_cast<int>(Number(chunk + 14, 2));
+  if (channels == 0 || channels > kMaxChannels) return "no such channel count";
+  if (rate == 0 || rate > kMaxRate) return "no such rate";
+  if (audio.frameBytes == 0) return "block alignment does not fit";
+  audio.channels = static_cast<int>(channels);
+  audio.rate = static_cast<int>(rate);
+  return "";
+}
+
+bool Packed(const Audio& audio, Coding coding, int bits) {
+  return audio.coding == coding && audio.bits == bits &&
+         audio.frameBytes * 8 == bits * audio.channels;
+}
+
+}  // namespace
+
+bool Audio::IsPcm16() const { return Packed(*this, Coding::kPcm, 16); }
+
+bool Audio::IsFloat32() const { return Packed(*this, Coding::kFloat, 32); }
+
+Parsed Find(FILE* file, uint64_t fileBytes) {
+  unsigned char head[12];
+  if (fseeko(file, 0, SEEK_SET) != 0 || fread(head, 1, 12, file) < 4 || !Is(head, "RIFF")) {
+    return {{}, "not RIFF"};
+  }
+  if (!Is(head + 8, "WAVE")) return {{}, "not WAVE"};
+
+  Audio audio;
+  const char* fault = "no format ahead of the samples";
+  uint64_t at = 12;
+  for (int i = 0; i < kMaxChunks; ++i) {
+    unsigned char chunk[8];
+    if (fseeko(file, static_cast<off_t>(at), SEEK_SET) != 0 || fread(chunk, 1, 8, file) < 8) {
+      return {{}, "no samples"};
+    }
+    const uint32_t size = Number(chunk + 4, 4);
+    if (Is(chunk, "data")) {
+      if (*fault != 0) return {{}, fault};
+      audio.offset = at + 8;
+      const uint64_t available = fileBytes - std::min(fileBytes, audio.offset);
+      const bool open = size == UINT32_MAX || (size == 0 && Number(head + 4, 4) == 0);
+      audio.announcedBytes = open ? available : size;
+      audio.bytes = std::min(audio.announcedBytes, available);
+      return {audio, ""};
+    }
+    if (Is(chunk, "fmt ")) fault = ReadFormat(file, size, audio);
+    at += 8 + uint64_t{size} + size % 2;  // Chunks have even lengths in the file.
+  }
+  return {{}, "too many chunks"};
+}
+
+std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, int bits,
+                                               uint64_t dataBytes) {
+  std::array<unsigned char, kHeaderBytes> header = {};
+  const uint64_t frameBytes = static_cast<uint64_t>(channels) * static_cast<uint64_t>(bits) / 8;
+  const uint64_t riffBytes = kHeaderBytes - 8 + dataBytes + dataBytes % 2;
+  unsigned char* const at = header.data();
+  memcpy(at, "RIFF", 4);
+  Put(at + 4, std::min<uint64_t>(riffBytes, UINT32_MAX), 4);
+  memcpy(at + 8, "WAVEfmt ", 8);
+  Put(at + 16, 16, 4);
+  Put(at + 20, kPcmTag, 2);
+  Put(at + 22, static_cast<uint64_t>(channels), 2);
+  Put(at + 24, static_cast<uint64_t>(rate), 4);
+  Put(at + 28, static_cast<uint64_t>(rate) * frameBytes, 4);
+  Put(at + 32, frameBytes, 2);
+  Put(at + 34, static_cast<uint64_t>(bits), 2);
+  memcpy(at + 36, "data", 4);
+  Put(at + 40, std::min<uint64_t>(dataBytes, UINT32_MAX), 4);
+  return header;
+}
+
+}  // namespace wave
