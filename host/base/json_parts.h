@@ -8,7 +8,7 @@ namespace host {
 
 // What the JSON documents have in common.
 
-inline constexpr int kSchemaVersion = 1;
+inline constexpr int kSchemaVersion = 2;
 
 // Members stay in the order in which they are added.
 using Json = nlohmann::ordered_json;

@@ -68,10 +68,11 @@ std::string_view SampleTypeName(SampleType samples) {
   return "";
 }
 
-std::string_view DeviceName(Device device) {
-  switch (device) {
+std::optional<std::string_view> KnownDevice(const CatalogueRow& row) {
+  switch (row.device) {
     case Device::kNone:
-      return "none";
+      if (row.declared.built) return "none";
+      break;
     case Device::kCapture:
       return "capture";
     case Device::kRender:
@@ -79,7 +80,7 @@ std::string_view DeviceName(Device device) {
     case Device::kBoth:
       return "capture and render";
   }
-  return "";
+  return std::nullopt;
 }
 
 std::string Declaration(const CatalogueRow& row) {

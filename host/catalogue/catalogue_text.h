@@ -18,7 +18,6 @@ std::string_view GroupName(Group group);  // As a title: "Codecs and quality eva
 std::string_view GroupWord(Group group);  // As one word: "codec".
 std::string_view ContainerName(Container container);
 std::string_view SampleTypeName(SampleType samples);
-std::string_view DeviceName(Device device);
 
 // "void TestHRTF()"
 std::string Declaration(const CatalogueRow& row);
@@ -28,6 +27,9 @@ std::string Availability(const CatalogueRow& row);
 
 // Whether `run` can run it by itself.
 bool CanBeRun(const CatalogueRow& row);
+
+// "none", "capture"; nothing while that is not known of a routine that is not built yet.
+std::optional<std::string_view> KnownDevice(const CatalogueRow& row);
 
 // "as fast as its input is processed", or how long a run takes.
 std::string Duration(const CatalogueRow& row);

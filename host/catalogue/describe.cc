@@ -36,8 +36,8 @@ std::string Describe(std::string_view routine) {
   for (const FileUse& input : row.inputs) text += FileLines("input", input);
   for (const FileUse& output : row.outputs) text += FileLines("output", output);
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
-  text += Line("device", DeviceName(row.device));
-  text += Line("duration", Duration(row));
+  if (const auto device = KnownDevice(row)) text += Line("device", *device);
+  if (row.declared.built || row.seconds > 0) text += Line("duration", Duration(row));
   return text + Line("status", Availability(row));
 }
 

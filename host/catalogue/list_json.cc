@@ -6,39 +6,67 @@ namespace host {
 
 namespace {
 
-Json FilesJson(const std::vector<FileUse>& uses) {
+// A figure of a declaration, where 0 stands for none.
+Json Declared(int value, const char* unit, const char* reason) {
+  return value > 0 ? Count(static_cast<uint64_t>(value), unit) : Figure(std::nullopt, unit, reason);
+}
+
+Json FileJson(const FileUse& use) {
+  const bool headerless = use.container == Container::kHeaderless;
+  const char* const elsewhere =
+      use.container == Container::kWave ? "stands in the header" : "not audio";
+  const auto place = KnownPlace(use);
+  return {{"name", use.name},
+          {"pattern", use.pattern.empty() ? Json() : Json(use.pattern)},
+          {"place", place ? Json(*place) : Json()},
+          {"container", ContainerName(use.container)},
+          {"samples", headerless ? Json(SampleTypeName(use.samples)) : Json()},
+          {"rate", Declared(use.rate, "Hz", elsewhere)},
+          {"channel_count", Declared(use.channels, "channels", elsewhere)},
+          {"block", Declared(use.blockBytes, "bytes", "none is needed, or the header decides")},
+          {"optional", use.optional},
+          {"may_be_empty", use.mayBeEmpty}};
+}
+
+// Null while nothing is declared of a routine that is not built yet.
+Json FilesJson(const CatalogueRow& row, const std::vector<FileUse>& uses) {
+  if (uses.empty() && !row.declared.built) return nullptr;
   Json json = Json::array();
-  for (const FileUse& use : uses) {
-    Json file = {{"name", use.name}, {"container", ContainerName(use.container)}};
-    if (use.container == Container::kHeaderless) file["samples"] = SampleTypeName(use.samples);
-    const auto place = KnownPlace(use);
-    if (place) file["place"] = *place;
-    if (use.rate > 0) file["rate"] = Count(static_cast<uint64_t>(use.rate), "Hz");
-    if (use.channels > 0) {
-      file["channel_count"] = Count(static_cast<uint64_t>(use.channels), "channels");
-    }
-    if (use.blockBytes > 0) {
-      file["block"] = Count(static_cast<uint64_t>(use.blockBytes), "bytes");
-    }
-    json.push_back(file);
+  for (const FileUse& use : uses) json.push_back(FileJson(use));
+  return json;
+}
+
+Json ParametersJson(const harness::Words& words) {
+  Json json = Json::array();
+  for (const harness::Parameter& parameter : harness::Parameters(words)) {
+    json.push_back({{"type", parameter.type}, {"name", parameter.name}});
   }
   return json;
 }
 
+Json DurationJson(const CatalogueRow& row) {
+  if (row.seconds > 0) return Figure(row.seconds, "s", "");
+  return Figure(std::nullopt, "s",
+                row.declared.built ? "as fast as its input is processed" : "not known yet");
+}
+
 Json RowJson(const CatalogueRow& row) {
-  return {{"routine", row.declared.words.name},
-          {"result", row.declared.words.result},
-          {"parameters", row.declared.words.parameters},
-          {"group", GroupName(row.group)},
+  const harness::Words& words = row.declared.words;
+  const auto device = KnownDevice(row);
+  return {{"routine", words.name},
+          {"result", words.result},
+          {"parameters", ParametersJson(words)},
+          {"group", GroupWord(row.group)},
           {"exercises", row.exercises},
           {"helper", row.helper},
+          {"called_by", row.calledBy.empty() ? Json() : Json(row.calledBy)},
           {"built", row.declared.built},
+          {"available", CanBeRun(row)},
           {"status", Availability(row)},
-          {"inputs", FilesJson(row.inputs)},
-          {"outputs", FilesJson(row.outputs)},
-          {"device", DeviceName(row.device)},
-          {"expected_duration", Figure(row.seconds > 0 ? std::optional(row.seconds) : std::nullopt,
-                                       "s", "as fast as its input is processed")}};
+          {"inputs", FilesJson(row, row.inputs)},
+          {"outputs", FilesJson(row, row.outputs)},
+          {"device", device ? Json(*device) : Json()},
+          {"expected_duration", DurationJson(row)}};
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ std::string Section(std::string_view title, Belongs belongs) {
     if (!belongs(row)) continue;
     rows += "| " + Code(Declaration(row)) + " | " + Literal(row.exercises) + " | " +
             Files(row.inputs) + " | " + Files(row.outputs) + " | " +
-            std::string(DeviceName(row.device)) + " | " + std::string(Availability(row)) + " |\n";
+            std::string(KnownDevice(row).value_or("")) + " | " + std::string(Availability(row)) +
+            " |\n";
   }
   if (rows.empty()) return "";
   return "\n## " + std::string(title) +

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "base/suggest.h"
@@ -99,6 +100,44 @@ TEST(ListFilter, RefusesWhatLetsNothingPass) {
             "mixing");
   EXPECT_EQ(message({.group = "codec"}), "no routine is like that");
   EXPECT_EQ(message({.glob = "ech"}), "no routine is like \"ech\"; did you mean Echo?");
+}
+
+nlohmann::json RowAsJson(const std::string& routine) {
+  return nlohmann::json::parse(ListAsJson({.glob = routine}))["routines"][0];
+}
+
+TEST(ListAsJson, GivesParametersOneByOne) {
+  EXPECT_EQ(RowAsJson("Echo")["parameters"],
+            nlohmann::json({{{"type", "const char*"}, {"name", "text"}},
+                            {{"type", "char*"}, {"name", "more"}},
+                            {{"type", "bool"}, {"name", "flag"}},
+                            {{"type", "int"}, {"name", "number"}}}));
+  EXPECT_EQ(RowAsJson("Nothing")["parameters"], nlohmann::json::array());
+}
+
+TEST(ListAsJson, GivesNullForWhatIsNotKnownYet) {
+  nlohmann::json row = RowAsJson("NotBuilt");
+  EXPECT_EQ(row["device"], nullptr);
+  EXPECT_EQ(row["outputs"], nullptr);
+  EXPECT_EQ(row["inputs"].size(), 1U) << "declared already";
+  EXPECT_EQ(row["expected_duration"]["reason"], "not known yet");
+  row = RowAsJson("Nothing");
+  EXPECT_EQ(row["device"], "none");
+  EXPECT_EQ(row["outputs"], nlohmann::json::array());
+}
+
+TEST(ListAsJson, KeepsEveryKeyOfAFile) {
+  const nlohmann::json use = RowAsJson("Copy")["inputs"][0];
+  EXPECT_EQ(use["place"], nullptr) << "an argument decides";
+  EXPECT_EQ(use["samples"], "pcm16");
+  EXPECT_EQ(use["block"], nlohmann::json({{"value", 160}, {"unit", "bytes"}}));
+  const nlohmann::json wave = RowAsJson("WriteNoWave")["outputs"][0];
+  EXPECT_EQ(wave["place"], "out.wav");
+  EXPECT_EQ(wave["samples"], nullptr);
+  EXPECT_EQ(
+      wave["rate"],
+      nlohmann::json({{"value", nullptr}, {"unit", "Hz"}, {"reason", "stands in the header"}}));
+  EXPECT_EQ(use.size(), wave.size());
 }
 
 TEST(ListAsMarkdown, HasOneRowForEachRoutine) {

@@ -68,7 +68,7 @@ TEST(TextReport, TellsWhyItIsNoPass) {
 
 TEST(JsonReport, GivesEveryFigureAUnit) {
   const json report = json::parse(JsonReport(Example()));
-  EXPECT_EQ(report["schema_version"], 1);
+  EXPECT_EQ(report["schema_version"], 2);
   EXPECT_EQ(report["routine"], "TestIt");
   EXPECT_EQ(report["arguments"], json({"-1", "\xEF\xBF\xBD"})) << "bytes that are no text";
   EXPECT_EQ(report["verdict"], "pass");
