@@ -1,5 +1,5 @@
 #!/bin/bash
-# What is installed serves a program that knows nothing of this folder:
+# What is installed serves programs that know nothing of this folder, wherever it is moved to:
 # install.sh CMAKE COMPILER BUILD_FOLDER SCRATCH_FOLDER
 set -euo pipefail
 trap 'echo "failed: $BASH_COMMAND" >&2' ERR
@@ -7,26 +7,65 @@ trap 'echo "failed: $BASH_COMMAND" >&2' ERR
 cmake=$1 compiler=$2 build=$3 scratch=$4
 rm -rf "$scratch"
 mkdir -p "$scratch/elsewhere"
-prefix=$scratch/prefix
-"$cmake" --install "$build" --prefix "$prefix" >/dev/null
-
-[[ -f $prefix/include/audio_engine/engine_api/common/wav_reader.h ]]
-
+"$cmake" --install "$build" --prefix "$scratch/first" >/dev/null
+prefix=$scratch/moved
+mv "$scratch/first" "$prefix"
 cd "$scratch/elsewhere"
+
+# Every header compiles by itself, by the name that a user includes.
+(cd "$prefix/include" && find audio_engine -name '*.h' | sort) >headers
+grep -qxF audio_engine/engine_api/common/wav_reader.h headers
+while read -r header; do
+  printf '#include <%s>\n' "$header" >header.cc
+  "$compiler" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$prefix/include" header.cc
+done <headers
+
+# runs PROGRAM: it calls the entry of the installed library.
+runs() {
+  LD_LIBRARY_PATH=$prefix/lib "$1" 2>log
+  for line in 'TestHrtf\.\.start' 'TestHrtf\.\.end'; do
+    if ! grep -q "$line\$" log; then
+      echo "the log of RunTestCase has no line $line:" >&2
+      cat log >&2
+      exit 1
+    fi
+  done
+}
+
 cat >consumer.cc <<'SOURCE'
-#include "harness/catalogue/run_test_case.h"
+#include <audio_engine/harness/catalogue/run_test_case.h>
 int main() { RunTestCase(); }
 SOURCE
-"$compiler" consumer.cc -o consumer -I"$prefix/include/audio_engine" \
-  -L"$prefix/lib" -laudio_engine -Wl,-rpath,"$prefix/lib"
-./consumer 2>log
-for line in 'TestHrtf\.\.start' 'TestHrtf\.\.end'; do
-  if ! grep -q "$line\$" log; then
-    echo "the log of RunTestCase has no line $line:" >&2
-    cat log >&2
-    exit 1
-  fi
-done
+
+# With pkg-config; the program asks for the library by the name of its interface's version.
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+read -ra flags <<<"$(pkg-config --cflags --libs audio_engine)"
+"$compiler" consumer.cc -o consumer "${flags[@]}"
+runs ./consumer
+readelf -d consumer >dynamic
+grep -qE 'NEEDED.*\[libaudio_engine\.so\.[0-9]+\]' dynamic
+
+# With CMake; what an engine of one's own needs comes with it.
+cat >CMakeLists.txt <<'PROJECT'
+cmake_minimum_required(VERSION 3.25)
+project(consumer LANGUAGES CXX)
+find_package(audio_engine 0.1 REQUIRED)
+add_executable(consumer consumer.cc)
+target_link_libraries(consumer PRIVATE audio_engine::audio_engine)
+add_library(my_engine OBJECT my_engine.cc)
+target_compile_features(my_engine PRIVATE cxx_std_20)
+target_link_libraries(my_engine PRIVATE audio_engine::engine_api)
+PROJECT
+cat >my_engine.cc <<'SOURCE'
+#include <audio_engine/engine_api/platform/clock.h>
+#ifndef AUDIO_ENGINE_EXTERNAL
+#error "an engine in a library of its own is not told so"
+#endif
+void SleepMs(int) {}
+SOURCE
+"$cmake" -S . -B build -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix" >log
+"$cmake" --build build >log
+runs build/consumer
 
 "$prefix/bin/audio_bench" list >catalogue
 grep -q TestHRTF catalogue
