@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+
+#include "desktop/codec/packet_codec.h"
+
+namespace desktop {
+
+// AAC LC, HE, HE v2 and ELD by libfdk-aac, as bare access units. Null in a build without it.
+std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& setup);
+std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup);
+
+// Whether ELD with band replication has it at this rate and channel count: low rates do without.
+bool AacHasSbr(const CodecSetup& setup);
+
+}  // namespace desktop

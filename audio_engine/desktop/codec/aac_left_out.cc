@@ -1,0 +1,13 @@
+// In place of aac_codec.cc in a build without libfdk-aac.
+
+#include "desktop/codec/aac_codec.h"
+
+namespace desktop {
+
+std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& /*setup*/) { return nullptr; }
+
+std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& /*setup*/) { return nullptr; }
+
+bool AacHasSbr(const CodecSetup& /*setup*/) { return false; }
+
+}  // namespace desktop

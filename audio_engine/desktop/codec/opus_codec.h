@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+
+#include "desktop/codec/packet_codec.h"
+
+namespace desktop {
+
+// Opus (RFC 6716), and its Silk part alone, by libopus, in frames of 20 ms.
+std::unique_ptr<PacketEncoder> CreateOpusEncoder(const CodecSetup& setup);
+std::unique_ptr<PacketDecoder> CreateOpusDecoder(const CodecSetup& setup);
+
+// Samples per channel.
+int OpusLag(const CodecSetup& setup);
+
+}  // namespace desktop

@@ -1,0 +1,60 @@
+#include "desktop/codec/packet_codec.h"
+
+#include "desktop/codec/aac_codec.h"
+#include "desktop/codec/amr_wb_codec.h"
+#include "desktop/codec/codec_table.h"
+#include "desktop/codec/opus_codec.h"
+#include "desktop/codec/speex_codec.h"
+
+namespace desktop {
+
+std::unique_ptr<PacketEncoder> CreatePacketEncoder(const CodecSetup& setup) {
+  switch (setup.variant->coder) {
+    case Coder::kOpus:
+    case Coder::kSilk:
+      return CreateOpusEncoder(setup);
+    case Coder::kSpeex:
+      return CreateSpeexEncoder(setup);
+    case Coder::kAmrWb:
+      return CreateAmrWbEncoder(setup);
+    default:
+      return CreateAacEncoder(setup);
+  }
+}
+
+std::unique_ptr<PacketDecoder> CreatePacketDecoder(const CodecSetup& setup) {
+  switch (setup.variant->coder) {
+    case Coder::kOpus:
+    case Coder::kSilk:
+      return CreateOpusDecoder(setup);
+    case Coder::kSpeex:
+      return CreateSpeexDecoder(setup);
+    case Coder::kAmrWb:
+      return CreateAmrWbDecoder(setup);
+    default:
+      return CreateAacDecoder(setup);
+  }
+}
+
+int PacketCodecLag(const CodecSetup& setup) {
+  switch (setup.variant->coder) {
+    case Coder::kAacLc:
+      return 3072;
+    case Coder::kAacHe:
+      return 7105;
+    case Coder::kAacHeV2:
+      return 9154;
+    case Coder::kAacEld:
+      return 256;
+    case Coder::kAacEldSbr:
+      return AacHasSbr(setup) ? 579 : 256;
+    case Coder::kSpeex:
+      return 80;
+    case Coder::kAmrWb:
+      return 95;
+    default:
+      return OpusLag(setup);
+  }
+}
+
+}  // namespace desktop
