@@ -71,12 +71,18 @@ std::unique_ptr<PacketEncoder> CreateOpusEncoder(const CodecSetup& setup) {
   Encoder encoder(opus_encoder_create(setup.rate, setup.channels, OPUS_APPLICATION_AUDIO, &error));
   if (encoder == nullptr) return nullptr;
 
-  bool ready = opus_encoder_ctl(encoder.get(), OPUS_SET_BITRATE(setup.variant->bitRate)) == OPUS_OK;
+  const auto set = [&](int request, int value) {
+    return opus_encoder_ctl(encoder.get(), request, value) == OPUS_OK;
+  };
+  bool ready = set(OPUS_SET_BITRATE_REQUEST, setup.variant->bitRate);
   if (setup.variant->coder == Coder::kSilk) {
     // Together these two leave Silk frames only.
-    ready =
-        ready && opus_encoder_ctl(encoder.get(), OPUS_SET_SIGNAL(OPUS_SIGNAL_VOICE)) == OPUS_OK &&
-        opus_encoder_ctl(encoder.get(), OPUS_SET_MAX_BANDWIDTH(OPUS_BANDWIDTH_WIDEBAND)) == OPUS_OK;
+    ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_VOICE) &&
+            set(OPUS_SET_MAX_BANDWIDTH_REQUEST, OPUS_BANDWIDTH_WIDEBAND);
+  } else if (setup.rate == 48000) {
+    // Frames without Silk, for speech as well: 3 dB better at these rates, and the lag of all
+    // bands is the same. Silk's part of a hybrid frame is 2 samples early.
+    ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_MUSIC);
   }
   if (!ready) return nullptr;
   return std::make_unique<OpusPacketEncoder>(std::move(encoder), setup.rate / 50);

@@ -27,7 +27,7 @@ const Expected kExpected[] = {
     {1, 9154, 0.6},   {2, 104, 16.3},  {22, 155, 17.6},  {35, 3072, 30.1}, {36, 3072, 31.8},
     {37, 3072, 32.4}, {38, 579, 17.3}, {39, 256, 17.8},  {40, 3072, 14.1}, {41, 3072, 29.9},
     {42, 3072, 22.4}, {43, 256, 21},   {44, 256, 25.2},  {45, 3072, 29.9}, {46, 7105, 20.2},
-    {50, 104, 16.3},  {51, 312, 7.3},  {53, 3072, 33.7}, {55, 9154, 0.6}};
+    {50, 104, 16.3},  {51, 312, 21.7}, {53, 3072, 33.7}, {55, 9154, 0.6}};
 
 int FrameSamples(const AudioStreamFormat& format) {
   return format.iSamplesOfFrame * format.iNumOfChannels;
@@ -44,6 +44,8 @@ class EachCodec : public testing::TestWithParam<Expected> {
     ASSERT_NE(m_encoder, nullptr);
     ASSERT_NE(m_decoder, nullptr);
   }
+
+  size_t FrameBytes() const { return 2 * static_cast<size_t>(FrameSamples(m_format)); }
 
   std::vector<std::string> EncodeVoice(double seconds) {
     return Encode(*m_encoder, Voice(m_format.iSampleRate, m_format.iNumOfChannels, seconds),
@@ -69,22 +71,23 @@ TEST_P(EachCodec, BringsTheSignalBackAsLateAsItSays) {
 
   EXPECT_EQ(m_encoder->CodecDelay(), GetParam().lag);
   EXPECT_EQ(m_decoder->CodecDelay(), GetParam().lag);
-  EXPECT_NEAR(BestLag(voice, decoded, channels, GetParam().lag), GetParam().lag, 2);
+  EXPECT_NEAR(BestLag(voice, decoded, channels, GetParam().lag), GetParam().lag, 1);
   const double snr = SnrDb(voice, decoded, channels, GetParam().lag);
   EXPECT_GE(snr, GetParam().snrDb);
 }
 
 TEST_P(EachCodec, KeepsTheBitRateOfItsFormat) {
-  if (m_format.iCodec == kAudioCodecOPUS || m_format.iCodec == kAudioCodecSilk) {
-    GTEST_SKIP() << "the rate follows the signal: less for a voice without consonants";
-  }
   const std::vector<std::string> packets = EncodeVoice(4);
   const size_t bytes =
       std::accumulate(packets.begin(), packets.end(), size_t{0},
                       [](size_t sum, auto& packet) { return sum + packet.size(); });
   const double seconds =
       static_cast<double>(packets.size()) * m_format.iSamplesOfFrame / m_format.iSampleRate;
-  EXPECT_NEAR(static_cast<double>(bytes) * 8 / seconds, m_format.iBitRate, 0.1 * m_format.iBitRate);
+  const double rate = static_cast<double>(bytes) * 8 / seconds;
+  EXPECT_LE(rate, 1.1 * m_format.iBitRate);
+  // Opus takes less for a voice without consonants.
+  const bool opus = m_format.iCodec == kAudioCodecOPUS || m_format.iCodec == kAudioCodecSilk;
+  EXPECT_GE(rate, (opus ? 0.3 : 0.9) * m_format.iBitRate);
 }
 
 TEST_P(EachCodec, GivesTheSameBytesEveryTime) {
@@ -127,7 +130,7 @@ TEST_P(EachCodec, CollectsFramesFromInputOfAnyLength) {
     EXPECT_EQ(bytes, expected) << piece;
   }
   // Several packets at once come back as several frames.
-  EXPECT_EQ(Process(*m_decoder, packets[0] + packets[1]).size(), 2U * 2U * FrameSamples(m_format));
+  EXPECT_EQ(Process(*m_decoder, packets[0] + packets[1]).size(), 2 * FrameBytes());
 }
 
 TEST_P(EachCodec, ProducesNothingWithoutRoom) {
@@ -139,8 +142,7 @@ TEST_P(EachCodec, ProducesNothingWithoutRoom) {
   EXPECT_EQ(Process(*m_encoder, BytesOf(frame), 0), "");
   EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format) - 1), "");
   EXPECT_EQ(Process(*m_decoder, packet, 0), "");
-  EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format)).size(),
-            2U * FrameSamples(m_format));
+  EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format)).size(), FrameBytes());
   EXPECT_EQ(log.Lines().size(), 2U) << log.Text();  // One an object.
 }
 
@@ -171,7 +173,7 @@ TEST_P(EachCodec, LeavesOutDamagedPacketsAndGoesOn) {
     EXPECT_EQ(Process(*m_decoder, damaged), "");
   }
   for (size_t i = 0; i < last; ++i) Process(*m_decoder, packets[i]);
-  EXPECT_EQ(Process(*m_decoder, packets[last]).size(), 2U * FrameSamples(m_format));
+  EXPECT_EQ(Process(*m_decoder, packets[last]).size(), FrameBytes());
 }
 
 TEST_P(EachCodec, DoesNothingBeforeInitAndAfterDeInit) {

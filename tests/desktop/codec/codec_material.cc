@@ -29,13 +29,14 @@ double PowerAt(const Samples& samples, double hz, int rate, int channels) {
   const double twoCos = 2 * std::cos(kTurn * hz / rate);
   double power = 0;
   constexpr size_t kBlock = 512;
-  for (int channel = 0; channel < channels; ++channel) {
-    const size_t frames = samples.size() / static_cast<size_t>(channels);
+  const auto step = static_cast<size_t>(channels);
+  const size_t frames = samples.size() / step;
+  for (size_t channel = 0; channel < step; ++channel) {
     for (size_t start = 0; start + kBlock <= frames; start += kBlock) {
       double one = 0;
       double two = 0;
       for (size_t i = start; i < start + kBlock; ++i) {
-        const double now = samples[i * channels + channel] + twoCos * one - two;
+        const double now = samples[i * step + channel] + twoCos * one - two;
         two = one;
         one = now;
       }
@@ -50,7 +51,7 @@ double PowerAt(const Samples& samples, double hz, int rate, int channels) {
 Samples Voice(int rate, int channels, double seconds) {
   const auto frames = static_cast<int>(rate * seconds);
   Samples out;
-  out.reserve(static_cast<size_t>(frames * channels));
+  out.reserve(static_cast<size_t>(frames) * static_cast<size_t>(channels));
   double phase = 0;
   std::vector<double> mono;
   std::vector<double> gains(40);
@@ -86,7 +87,7 @@ Samples SamplesOf(const std::string& bytes) {
 }
 
 double SnrDb(const Samples& original, const Samples& decoded, int channels, int lag) {
-  const size_t shift = static_cast<size_t>(lag * channels);
+  const size_t shift = static_cast<size_t>(lag) * static_cast<size_t>(channels);
   double signal = 0;
   double difference = 1e-9;
   for (size_t i = shift; i < decoded.size() && i - shift < original.size(); ++i) {
