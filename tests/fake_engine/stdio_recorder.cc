@@ -2,6 +2,8 @@
 // memory while a test has a FakeEngine, and every operation on one of them is recorded under its
 // name, and so is what is printed on stdout. Other streams are left alone.
 
+#include <sys/stat.h>
+
 #include <cstdarg>
 #include <cstdio>
 #include <map>
@@ -26,6 +28,7 @@ int __real_fgetc(FILE* stream);
 char* __real_fgets(char* text, int size, FILE* stream);
 int __real_puts(const char* text);
 int __real_putchar(int character);
+int __real_mkdir(const char* name, mode_t mode);
 
 FILE* __wrap_fopen(const char* name, const char* mode);
 int __wrap_fclose(FILE* stream);
@@ -46,6 +49,7 @@ int __wrap___isoc99_fscanf(FILE* stream, const char* format, ...)
 int __wrap_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 int __wrap_puts(const char* text);
 int __wrap_putchar(int character);
+int __wrap_mkdir(const char* name, mode_t mode);
 }
 
 namespace {
@@ -275,4 +279,9 @@ int __wrap_puts(const char* text) {
 int __wrap_putchar(int character) {
   if (FakeEngine::HasCurrent()) FakeEngine::Current().Record("putchar(%d)", character);
   return __real_putchar(character);
+}
+
+int __wrap_mkdir(const char* name, mode_t mode) {
+  if (FakeEngine::HasCurrent()) FakeEngine::Current().Record("mkdir(%s)", name);
+  return __real_mkdir(name, mode);
 }

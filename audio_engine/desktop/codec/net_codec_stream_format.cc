@@ -17,8 +17,8 @@ struct Fixed {
   int rawCodecId;
 };
 
-// Deliberate: assigns field by field and leaves the bit rate as it is. A value there would pass for
-// one that the network has agreed on.
+// Deliberate: assigns field by field and leaves the bit rate as the memory was. With a value, a
+// reader of the rate would get one where the table fixes none.
 void FillWithoutBitRate(StreamFormat& format, const Fixed& fixed) {
   format.iType = kStreamTypeAudio;
   AudioStreamFormat& audio = format.iAudioFormat;
@@ -47,10 +47,12 @@ NetCodecStreamFormat::NetCodecStreamFormat() {
   Fill(iNetAACLC128KMONOFormat, 128000, {kAudioCodecAACHIGH, 44100, 1, 1024, 2, 0, 0, 1, 53});
   Fill(iNetAAC128KFormat, 128000, {kAudioCodecAACHIGH, 44100, 2, 1024, 5, 0, 0, 1, 35});
   FillWithoutBitRate(iNetAAC160KFormat, {kAudioCodecAACHIGH, 44100, 2, 1024, 5, 0, 0, 1, 36});
-  // Deliberate: the family that id 37 is coded with is not the one of ids 35 and 36.
+  // Deliberate: the record of id 37 says 512, although ids 35, 36 and 37 are all coded with family
+  // 64. With 64 here, a codec asked for by this record would be another one.
   Fill(iNetAAC192KFormat, 192000, {kAudioCodecAACCommon, 44100, 2, 1024, 5, 0, 0, 1, 37});
   FillWithoutBitRate(iNetAACEldFormat, {kAudioCodecEldAAC, 44100, 2, 1024, 5, 0, 0, 1, 38});
-  // Deliberate: 72000 is a quality here. As a bit rate it would not reach the coder.
+  // Deliberate: 72000 stands in the quality and the bit rate has no value. Moved, a reader of the
+  // quality would find 0.
   FillWithoutBitRate(iNetAACEldSbrFormat, {kAudioCodecEldAAC, 44100, 2, 512, 5, 72000, 0, 1, 39});
   FillWithoutBitRate(iNetAACEld32KhzMonoFromat, {kAudioCodecEldAAC, 32000, 1, 512, 6, 0, 0, 1, 44});
   FillWithoutBitRate(iNetAACEld16KhzMonoFromat, {kAudioCodecEldAAC, 16000, 1, 512, 7, 0, 0, 1, 43});

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <numeric>
+#include <stdexcept>
 
 #include "bench/effects/routines.h"
 #include "fake_engine/effects/fir_filter.h"
@@ -137,8 +138,73 @@ TEST(TestHRTF, UsesAMovedPositionWithoutAWord) {
   TestHRTF();
 
   EXPECT_THAT(moved.CallsWith("OutputDebugInfo"), SizeIs(2));
+  EXPECT_THAT(moved.CallsWith("printf"), IsEmpty());
   EXPECT_THAT(moved.CallsWith("mit_hrtf_get"), SizeIs(1));
   EXPECT_THAT(moved.script<FirFilterScript>().coefficients, Each(ElementsAre(0.5F)));
+}
+
+// 0xFFFFFFFF taps are -1 in the routine's arithmetic: nothing is converted, and no filter is made
+// of the arrays' content.
+TEST(TestHRTF, TakesATapCountBeyondIntForANegativeOne) {
+  FakeEngine engine;
+  engine.script<FirFilterScript>().keepCoefficients = false;
+  engine.script<MitHrtfScript>().get = [](int*, int*, short*, short*) { return 0xFFFFFFFFU; };
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("Create"),
+              ElementsAre("FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#1",
+                          "FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#2"));
+}
+
+// A sample of 0xFFFF is -1, not 65535.
+TEST(TestHRTF, KeepsTheSignOfTaps) {
+  FakeEngine engine;
+  engine.script<MitHrtfScript>().get = [](int*, int*, short* left, short* right) {
+    left[0] = right[0] = static_cast<short>(0xFFFF);
+    return 1U;
+  };
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.script<FirFilterScript>().coefficients, Each(ElementsAre(-1.0F / 32768)));
+}
+
+TEST(TestHRTF, WritesWholeChunksOnly) {
+  const std::pair<size_t, size_t> samplesInAndFloatsOut[] = {
+      {0, 0}, {881, 0}, {882, 882}, {883, 882}, {1763, 882}, {1764, 1764}, {1765, 1764}};
+  for (const auto& [samples, floats] : samplesInAndFloatsOut) {
+    FakeEngine engine;
+    engine.PutSamples(kInput, Ramp(samples));
+
+    TestHRTF();
+
+    EXPECT_THAT(engine.Values<float>(kOutput), SizeIs(floats)) << samples;
+  }
+}
+
+TEST(TestHRTF, CreatesNoFolderAndPrintsNothing) {
+  FakeEngine engine;
+  engine.unwritable = {kOutput};
+
+  TestHRTF();
+
+  EXPECT_THAT(engine.CallsWith("mkdir"), IsEmpty());
+  EXPECT_THAT(engine.CallsWith("printf"), IsEmpty());
+  EXPECT_THAT(engine.CallsWith("puts("), IsEmpty());
+}
+
+TEST(TestHRTF, LetsWhatTheEngineThrowsPass) {
+  FakeEngine engine;
+  engine.PutSamples(kInput, Ramp(882));
+  engine.script<FirFilterScript>().filter = [](int, const float*, size_t, float*) {
+    throw std::runtime_error("no filter");
+  };
+
+  EXPECT_THROW(TestHRTF(), std::runtime_error);
+
+  EXPECT_THAT(engine.live, IsEmpty());
+  EXPECT_THAT(engine.CallsWith("fclose"), SizeIs(2));
 }
 
 TEST(TestHRTF, MakesFiltersWithoutCoefficientsWhenTheTableHasNone) {

@@ -5,7 +5,10 @@
 #include <sys/wait.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -23,11 +26,18 @@
 extern "C" {
 FILE* __real_fopen(const char* name, const char* mode);
 FILE* __wrap_fopen(const char* name, const char* mode);
+int __wrap_fprintf(FILE* stream, const char* format, ...) __attribute__((format(printf, 2, 3)));
+int __wrap_fputs(const char* text, FILE* stream);
+int __wrap_fputc(int character, FILE* stream);
+size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream);
 }
 
 namespace {
 
 std::atomic<int> g_opens = 0;
+std::atomic<int> g_wrongModes = 0;
+std::atomic<int> g_formatted = 0;    // Calls of fprintf
+std::atomic<int> g_otherWrites = 0;  // and of whatever else writes to a stream.
 
 std::string Content(const char* name) {
   std::ifstream file(name, std::ios::binary);
@@ -40,9 +50,27 @@ bool KilledBy(int status, int signal) { return WIFSIGNALED(status) && WTERMSIG(s
 
 }  // namespace
 
+// Slow, so that a second opening beside the first one is certain where nothing prevents it.
 FILE* __wrap_fopen(const char* name, const char* mode) {
   ++g_opens;
+  if (std::string(mode) != "wb") ++g_wrongModes;
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
   return __real_fopen(name, mode);
+}
+
+int __wrap_fprintf(FILE* stream, const char* format, ...) {
+  ++g_formatted;
+  va_list arguments;
+  va_start(arguments, format);
+  const int written = vfprintf(stream, format, arguments);
+  va_end(arguments);
+  return written;
+}
+
+int __wrap_fputs(const char*, FILE*) { return ++g_otherWrites; }
+int __wrap_fputc(int, FILE*) { return ++g_otherWrites; }
+size_t __wrap_fwrite(const void*, size_t, size_t, FILE*) {
+  return static_cast<size_t>(++g_otherWrites);
 }
 
 TEST(PrintSdkLog, KeepsEveryLineOfAProcessThatIsKilled) {
@@ -78,11 +106,14 @@ TEST(PrintSdkLog, WritesWholeLinesFromManyThreadsThroughOneOpening) {
       });
     }
     for (std::thread& thread : threads) thread.join();
-    if (g_opens != 1) _exit(1);
+    if (g_opens != 1 || g_wrongModes != 0) _exit(1);
+    // A line in one piece: in two, lines of two threads could mix.
+    if (g_formatted != kThreads * kLines || g_otherWrites != 0) _exit(2);
     raise(SIGKILL);
   });
 
-  EXPECT_TRUE(KilledBy(status, SIGKILL)) << "opened more than once";
+  EXPECT_TRUE(KilledBy(status, SIGKILL))
+      << "1: opened more than once or in another mode, 2: not one write a line; status " << status;
   std::multiset<std::string> expected;
   for (int thread = 0; thread < kThreads; ++thread) {
     for (int line = 0; line < kLines; ++line) {
@@ -102,6 +133,39 @@ TEST(PrintSdkLog, EmptiesTheFileOfAnEarlierRun) {
   RunInChild([] { PrintSdkLog("new"); });
 
   EXPECT_EQ(Content("sdk_log.txt"), "new\n");
+}
+
+// What a destructor of a static object logs still arrives.
+TEST(PrintSdkLog, IsOpenAndUnharmedWhenStaticObjectsEnd) {
+  const TemporaryDirectory directory;
+
+  const int status = RunInChild([] {
+    atexit([] { PrintSdkLog("at the very end"); });
+    PrintSdkLog("first");
+    exit(0);
+  });
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(Content("sdk_log.txt"), "first\nat the very end\n");
+}
+
+TEST(LogSinks, SayNothingWhenTheirFilesCannotBeOpened) {
+  const TemporaryDirectory directory;
+  std::filesystem::create_directory("sdk_log.txt");
+  std::filesystem::create_directory("audio_engine.log");
+
+  RunInChild([] {
+    if (freopen("printed", "wb", stdout) == nullptr ||
+        freopen("printed", "ab", stderr) == nullptr) {
+      _exit(1);
+    }
+    PrintSdkLog("lost");
+    DebugLogFunction("lost");
+    fflush(nullptr);
+  });
+
+  EXPECT_TRUE(std::filesystem::exists("printed"));
+  EXPECT_EQ(Content("printed"), "");
 }
 
 TEST(PrintSdkLog, TriesToOpenOnceOnly) {
@@ -130,6 +194,20 @@ TEST(DebugLogFunction, DoesNotFlush) {
   EXPECT_TRUE(KilledBy(status, SIGKILL));
   EXPECT_TRUE(std::filesystem::exists("audio_engine.log"));
   EXPECT_EQ(Content("audio_engine.log"), "");
+}
+
+TEST(DebugLogFunction, EmptiesTheFileOfAnEarlierRun) {
+  const TemporaryDirectory directory;
+  std::ofstream("audio_engine.log") << "from an earlier run, and longer than the new line\n";
+
+  const int status = RunInChild([] {
+    DebugLogFunction("new");
+    fflush(nullptr);
+    _exit(g_wrongModes);
+  });
+
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(Content("audio_engine.log"), "new\n");
 }
 
 TEST(DebugLogFunction, AddsANewlineToEveryLine) {

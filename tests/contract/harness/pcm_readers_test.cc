@@ -73,6 +73,23 @@ TEST(ReadChunk, FillsTwoChannelsOfMore) {
   EXPECT_THAT(Channel(buffer, 2), ElementsAre(99.0F));
 }
 
+TEST(ReadChunk, ReadsTheChunkAfterAShortRead) {
+  FakeEngine engine;
+  engine.PutSamples("in.pcm", {2, 4, 6});
+  StdioFile file("in.pcm", "rb");
+  auto buffer = FilledBuffer(2, 2);
+  short interleaved[4];
+  float interleavedFloat[4];
+  EXPECT_FALSE(ReadChunk(file.get(), interleaved, interleavedFloat, &buffer));
+  file.Seek(0, SEEK_SET);
+  auto whole = FilledBuffer(1, 2);
+
+  EXPECT_TRUE(ReadChunk(file.get(), interleaved, interleavedFloat, &whole));
+
+  EXPECT_THAT(Channel(whole, 0), ElementsAre(1.0F));
+  EXPECT_THAT(Channel(whole, 1), ElementsAre(2.0F));
+}
+
 TEST(ReadChunk, DropsAPartialChunkAndLeavesTheBuffer) {
   FakeEngine engine;
   engine.PutSamples("in.pcm", {1, 2, 3, 4, 5});

@@ -2,9 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include <stdexcept>
 #include <type_traits>
 
 #include "bench/effects/routines.h"
+#include "fake_engine/effects/mit_hrtf.h"
 #include "fake_engine/fake_engine.h"
 
 using testing::ElementsAreArray;
@@ -31,4 +33,13 @@ TEST(RunTestCase, RunsTheSelectedTestAndNothingElse) {
   RunTestCase();
 
   EXPECT_THAT(engine.calls, ElementsAreArray(direct));
+}
+
+TEST(RunTestCase, LetsWhatTheEngineThrowsPass) {
+  FakeEngine engine;
+  engine.script<MitHrtfScript>().get = [](int*, int*, short*, short*) -> unsigned {
+    throw std::runtime_error("no table");
+  };
+
+  EXPECT_THROW(RunTestCase(), std::runtime_error);
 }

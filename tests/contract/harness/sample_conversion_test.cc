@@ -10,11 +10,9 @@
 #include <random>
 #include <vector>
 
-#include "support/vector_targets.h"
+#include "support/allocation_count.h"
 
 namespace {
-
-using SampleConversion = VectorTargetTest;
 
 // The rule, by 64-bit integers and remainders.
 short Expected(float value) {
@@ -33,7 +31,7 @@ void ExpectConverted(const std::vector<float>& in) {
   }
 }
 
-TEST_P(SampleConversion, KeepsEveryShortAsAFloat) {
+TEST(SampleConversion, KeepsEveryShortAsAFloat) {
   std::vector<short> in;
   for (int value = -32768; value <= 32767; ++value) in.push_back(static_cast<short>(value));
   std::vector<float> floats(in.size());
@@ -45,7 +43,7 @@ TEST_P(SampleConversion, KeepsEveryShortAsAFloat) {
   EXPECT_EQ(back, in);
 }
 
-TEST_P(SampleConversion, TruncatesAndKeepsTheLowBits) {
+TEST(SampleConversion, TruncatesAndKeepsTheLowBits) {
   const float values[] = {40000.7f, -0.9f, -1.5f,  1.5f,     32767.9f,   32768, -32768.9f,
                           -32769,   65536, -65536, 65537.5f, 2147483520, 98303, -40000.7f,
                           0,        -0.0f, 1e-40f, -1e-40f,  0.9999999f, 32767, -32768};
@@ -53,7 +51,7 @@ TEST_P(SampleConversion, TruncatesAndKeepsTheLowBits) {
                             -128,   32767, 25536, 0, 0,     0,      0,      0,     32767, -32768};
   static_assert(std::size(values) == std::size(expected));
   for (size_t i = 0; i < std::size(values); ++i) {
-    // Once by the vectors and once by what is left over.
+    // In a run that the compiler may vectorise, and alone.
     const std::vector<float> in(64, values[i]);
     for (const int count : {64, 1}) {
       std::vector<short> out(64);
@@ -64,7 +62,7 @@ TEST_P(SampleConversion, TruncatesAndKeepsTheLowBits) {
   }
 }
 
-TEST_P(SampleConversion, MakesZeroOfWhatNoIntegerHolds) {
+TEST(SampleConversion, MakesZeroOfWhatNoIntegerHolds) {
   using Limits = std::numeric_limits<float>;
   const float values[] = {2147483648.0f,
                           -2147483648.0f,
@@ -91,7 +89,7 @@ TEST_P(SampleConversion, MakesZeroOfWhatNoIntegerHolds) {
   }
 }
 
-TEST_P(SampleConversion, FollowsTheRuleForRandomBits) {
+TEST(SampleConversion, FollowsTheRuleForRandomBits) {
   std::mt19937 random(1);
   std::vector<float> in(1 << 20);
   for (int round = 0; round < 4; ++round) {
@@ -104,7 +102,7 @@ TEST_P(SampleConversion, FollowsTheRuleForRandomBits) {
 }
 
 // Around every power of two, where the exponent decides which bits are kept.
-TEST_P(SampleConversion, FollowsTheRuleAroundPowersOfTwo) {
+TEST(SampleConversion, FollowsTheRuleAroundPowersOfTwo) {
   std::vector<float> in;
   for (int exponent = -3; exponent <= 40; ++exponent) {
     const float power = std::ldexp(1.0f, exponent);
@@ -118,7 +116,7 @@ TEST_P(SampleConversion, FollowsTheRuleAroundPowersOfTwo) {
   ExpectConverted(in);
 }
 
-TEST_P(SampleConversion, ConvertsAsManyAsAskedForAtAnyPlace) {
+TEST(SampleConversion, ConvertsAsManyAsAskedForAtAnyPlace) {
   std::vector<short> shorts(200);
   for (size_t i = 0; i < shorts.size(); ++i) shorts[i] = static_cast<short>(100 * i + 1);
   const std::vector<float> floats(shorts.begin(), shorts.end());
@@ -139,8 +137,7 @@ TEST_P(SampleConversion, ConvertsAsManyAsAskedForAtAnyPlace) {
   }
 }
 
-// Long enough for floats that no cache keeps.
-TEST_P(SampleConversion, ConvertsMinutes) {
+TEST(SampleConversion, ConvertsMinutes) {
   constexpr size_t kCount = (5 << 20) + 13;
   std::mt19937 random(2);
   std::vector<short> in(kCount);
@@ -155,13 +152,25 @@ TEST_P(SampleConversion, ConvertsMinutes) {
   EXPECT_EQ(back, in);
 }
 
-TEST_P(SampleConversion, DoesNothingForACountThatIsNotPositive) {
+TEST(SampleConversion, DoesNothingForACountThatIsNotPositive) {
+  short shorts[] = {7};
+  float floats[] = {8};
   for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
-    ConvertToFloatForWebrtc(nullptr, nullptr, count);
-    ConvertToShortForWebrtc(nullptr, nullptr, count);
+    ConvertToFloatForWebrtc(shorts, floats, count);
+    ConvertToShortForWebrtc(floats, shorts, count);
   }
+  EXPECT_EQ(shorts[0], 7);
+  EXPECT_EQ(floats[0], 8.0F);
 }
 
-INSTANTIATE_TEST_SUITE_P(, SampleConversion, EveryVectorTarget(), VectorTargetName);
+TEST(SampleConversion, AllocatesNothing) {
+  const std::vector<short> in(4096, 3);
+  std::vector<float> floats(in.size());
+  std::vector<short> out(in.size());
+  const size_t before = AllocationCount();
+  ConvertToFloatForWebrtc(in.data(), floats.data(), 4096);
+  ConvertToShortForWebrtc(floats.data(), out.data(), 4096);
+  EXPECT_EQ(AllocationCount(), before);
+}
 
 }  // namespace

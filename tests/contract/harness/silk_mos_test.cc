@@ -5,10 +5,11 @@
 
 using testing::ElementsAre;
 
-TEST(TestSilkMos, BuildsOneFormatTableAndNothingElse) {
+TEST(TestSilkMos, BuildsAFreshFormatTableOnEveryCallAndNothingElse) {
   FakeEngine engine;
 
   TestSilkMos();
+  TestSilkMos();
 
-  EXPECT_THAT(engine.calls, ElementsAre("NetCodecStreamFormat()"));
+  EXPECT_THAT(engine.calls, ElementsAre("NetCodecStreamFormat#1()", "NetCodecStreamFormat#2()"));
 }

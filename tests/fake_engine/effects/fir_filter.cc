@@ -35,8 +35,9 @@ class FakeFirFilter : public zuwebrtc::FIRFilter {
 zuwebrtc::FIRFilter* zuwebrtc::FIRFilter::Create(const float* coefficients, size_t count,
                                                  size_t max_input_length) {
   FakeEngine& engine = FakeEngine::Current();
-  auto& made = engine.script<FirFilterScript>().coefficients;
-  made.emplace_back(coefficients, coefficients + count);
+  auto& script = engine.script<FirFilterScript>();
+  auto& made = script.coefficients;
+  made.emplace_back(coefficients, coefficients + (script.keepCoefficients ? count : 0));
   auto* const filter = new FakeFirFilter(static_cast<int>(made.size()), max_input_length);
   const std::string name = engine.Identify(filter, "FIRFilter");
   engine.Record("FIRFilter::Create(%zu, %zu) = %s", count, max_input_length, name.c_str());

@@ -13,4 +13,5 @@ struct FirFilterScript {
       [](int, const float* in, size_t length, float* out) { std::copy_n(in, length, out); };
 
   std::vector<std::vector<float>> coefficients = {};  // As given to each FIRFilter::Create.
+  bool keepCoefficients = true;  // False where a count that no array holds is passed on purpose.
 };

@@ -16,9 +16,11 @@
 
 // Filters 44.1 kHz stereo, 10 ms at a time, into interleaved stereo floats.
 // Deliberate: each channel goes through its own ear's response only, without down-mix or
-// cross-feed. With either, a recording that was made for the two ears would lose what tells them
-// apart; a mono source is one that is in both channels.
+// cross-feed. With either, the left output would hear the right input; a mono source is rendered
+// for both ears only when it is in both channels.
 void TestHRTF() {
+  // Deliberate: "TestHrtf" here and at the end, while the routine is called TestHRTF. Spelled
+  // alike, a search of the log for today's text would find nothing.
   OutputDebugInfo("TestHrtf..start");
 
   const int LEN = 8192;
@@ -30,8 +32,8 @@ void TestHRTF() {
   int elevation = 0;
   const int sampleRate = 44100;
   const int diffused = 0;
-  // Deliberate: the answer is not looked at. A table without this position is to show itself in the
-  // output.
+  // Deliberate: the answer is not looked at. With a check, a table without this position would
+  // leave no output instead of a silent one.
   mit_hrtf_availability(azimuth, elevation, sampleRate, diffused);
   const int taps =
       static_cast<int>(mit_hrtf_get(&azimuth, &elevation, sampleRate, diffused, left, right));
@@ -44,7 +46,7 @@ void TestHRTF() {
   // Deliberate: named .pcm, "902" included, although the samples are 32-bit floats. Under another
   // name the file would not be found where it is looked for.
   harness::StdioFile out_file("/sdcard/ZUAudioDemo/44100_2_out_902.pcm", "wb");
-  // Deliberate: 1765 is four chunks and one sample, more than any call below passes.
+  // Deliberate: 1765 is four chunks and one sample; with 441 the filters would reserve less.
   std::unique_ptr<zuwebrtc::FIRFilter> filterL(
       zuwebrtc::FIRFilter::Create(left_f, static_cast<size_t>(taps), 1765));
   std::unique_ptr<zuwebrtc::FIRFilter> filterR(
