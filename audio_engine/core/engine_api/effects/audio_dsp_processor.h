@@ -13,9 +13,9 @@ class ENGINE_API CAudioDspProcessor {
   CAudioDspProcessor(const CAudioDspProcessor&) = delete;
   CAudioDspProcessor& operator=(const CAudioDspProcessor&) = delete;
 
-  // Switches the reverberation; it is off at first. It is that of a hall: 2.1 s to fall by 60 dB,
-  // starting 20 ms after the sound, which goes through at -2 dB with a tail 14 dB below it.
-  // Switching it off drops the tail.
+  // Switches the reverberation, over 20 ms; it is off at first. It is that of a hall: 2.1 s to fall
+  // by 60 dB, starting 20 ms after the sound, which goes through at -2 dB with a tail of 14 dB less
+  // energy. Switching it off drops the tail.
   void SetReverbExEnable(bool enabled);
 
   // Processes a block of interleaved signed samples in place; the sound is not delayed, and what

@@ -14,7 +14,7 @@ class ENGINE_API AudioEffectModule {
   AudioEffectModule(const AudioEffectModule&) = delete;
   AudioEffectModule& operator=(const AudioEffectModule&) = delete;
 
-  // Switches the equaliser; it is off at first and then changes no bit.
+  // Switches the equaliser, over 20 ms; it is off at first and then changes no bit.
   void SetEqualizerEnable(bool enabled);
 
   // Copies the gains of the eleven bands (effect_parameters.h). `smooth`: the change fades in over

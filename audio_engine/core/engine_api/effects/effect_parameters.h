@@ -1,7 +1,7 @@
 #pragma once
 
-// The records that carry the settings of effects. A value that is no number, or out of its range,
-// is brought to the nearest one in the range.
+// The records that carry the settings of effects. A value out of its range is brought to the
+// nearest one in it; what is no number counts as the lowest.
 
 // Gains of the eleven equaliser bands in dB, band 0 first (16, 31.5, 63, 125, 250, 500 Hz, 1, 2, 4,
 // 8, 16 kHz), -24 to 24.

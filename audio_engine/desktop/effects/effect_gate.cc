@@ -1,0 +1,36 @@
+#include "desktop/effects/effect_gate.h"
+
+#include <utility>
+
+#include "desktop/effects/sample_pieces.h"
+#include "engine_api/platform/log.h"
+
+namespace desktop {
+
+bool EffectGate::Passes(const void* samples, int samplesPerChannel, int sampleRate, int channels,
+                        int sampleSize) {
+  if (samples != nullptr && samplesPerChannel >= 0 && sampleRate >= 8000 && sampleRate <= 192000 &&
+      channels >= 1 && channels <= kMostEffectChannels && (sampleSize == 16 || sampleSize == 2)) {
+    return true;
+  }
+  if (!std::exchange(m_told, true)) {
+    OutputDebugInfo("%s: cannot process %d samples x %d channels at %d Hz, sample size %d",
+                    m_effect, samplesPerChannel, channels, sampleRate, sampleSize);
+  }
+  return false;
+}
+
+bool EffectGate::Passes(const zuwebrtc::AudioFrame& frame) {
+  const bool fits = frame.samples_per_channel_ <=
+                        zuwebrtc::AudioFrame::kMaxDataSizeSamples / kMostEffectChannels ||
+                    (frame.num_channels_ == 1 &&
+                     frame.samples_per_channel_ <= zuwebrtc::AudioFrame::kMaxDataSizeSamples);
+  return Passes(fits ? frame.data_ : nullptr, frame.samples_per_channel_, frame.sample_rate_hz_,
+                frame.num_channels_, 16);
+}
+
+void EffectGate::TellNoMemory() {
+  if (!std::exchange(m_told, true)) OutputDebugInfo("%s: no memory", m_effect);
+}
+
+}  // namespace desktop

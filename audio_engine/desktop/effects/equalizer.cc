@@ -1,0 +1,66 @@
+#include "engine_api/effects/equalizer.h"
+
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "desktop/effects/denormal_guard.h"
+#include "desktop/effects/effect_gate.h"
+#include "desktop/effects/graphic_equalizer.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+class Equalizer final : public IEqualizer {
+ public:
+  void Destroy() override { delete this; }
+
+  int Process(char* samples, int samplesPerChannel, int sampleRate, int channels,
+              int sampleSize) override {
+    if (m_gate.Passes(samples, samplesPerChannel, sampleRate, channels, sampleSize)) {
+      Run<short>(samples, samplesPerChannel, sampleRate, channels);
+    }
+    return samplesPerChannel;
+  }
+
+  int Process(int* samples, int samplesPerChannel, int sampleRate, int channels, int sampleSize,
+              int capacity) override {
+    if (m_gate.Passes(samples, samplesPerChannel, sampleRate, channels, sampleSize) &&
+        samplesPerChannel <= capacity / channels) {
+      Run<int>(reinterpret_cast<char*>(samples), samplesPerChannel, sampleRate, channels);
+    }
+    return samplesPerChannel;
+  }
+
+  void Flush() override { m_equalizer.Flush(); }
+  bool GetEnabled() override { return m_equalizer.IsEnabled(); }
+  void SetEnabled(bool enabled) override { m_equalizer.SetEnabled(enabled); }
+  bool IsActive() override { return m_equalizer.IsActive(); }
+
+  void SetEqGain(int band, float gain) override {
+    if (band < 0 || band >= desktop::kEqualizerBands || std::isnan(gain)) {
+      if (!std::exchange(m_told, true)) OutputDebugInfo("IEqualizer: no band %d", band);
+      return;
+    }
+    m_equalizer.SetGain(band, gain, true);
+  }
+
+ private:
+  ~Equalizer() override = default;
+
+  template <typename Sample>
+  void Run(char* samples, int frames, int sampleRate, int channels) {
+    const desktop::DenormalGuard guard;
+    desktop::ProcessInPieces<Sample>(samples, frames, channels, [&](float* const* rows, int count) {
+      m_equalizer.Process(rows, channels, count, sampleRate);
+    });
+  }
+
+  desktop::GraphicEqualizer m_equalizer;
+  desktop::EffectGate m_gate{"IEqualizer"};
+  bool m_told = false;
+};
+
+}  // namespace
+
+IEqualizer* CreateEqualizer() { return new (std::nothrow) Equalizer; }
