@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "desktop/effects/effect_math.h"
+
 namespace desktop {
 
 namespace {
@@ -9,17 +11,12 @@ namespace {
 constexpr double kHoldSeconds = 0.012;
 constexpr double kNothing = 1e-4;  // dB; less than that is no difference.
 
-// The share of the way that a smoother with this time constant goes per sample.
-double StepOf(double milliseconds, int sampleRate) {
-  return milliseconds > 0 ? 1 - std::exp(-1000.0 / (milliseconds * sampleRate)) : 1;
-}
-
 }  // namespace
 
 void Compressor::Reset(int sampleRate) {
   m_peak.Reset(static_cast<int>(kHoldSeconds * sampleRate));
-  m_attack = StepOf(m_settings.attackMs, sampleRate);
-  m_release = StepOf(m_settings.releaseMs, sampleRate);
+  m_attack = SmoothingStep(m_settings.attackMs, sampleRate);
+  m_release = SmoothingStep(m_settings.releaseMs, sampleRate);
   m_level = 0;
   m_target = m_reduction = 0;
   m_gain = 1;

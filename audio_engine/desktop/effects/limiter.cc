@@ -4,22 +4,13 @@
 #include <cmath>
 #include <numbers>
 
+#include "desktop/effects/effect_math.h"
+
 namespace desktop {
 
 namespace {
 
 constexpr double kHoldSeconds = 0.012;
-
-double FromDecibels(double decibels) { return std::pow(10.0, decibels / 20); }
-
-// Something that is no number counts as the lowest value.
-float Clamped(float value, float lowest, float highest) {
-  return value >= lowest ? std::min(value, highest) : lowest;
-}
-
-double StepOf(double milliseconds, int sampleRate) {
-  return milliseconds > 0 ? 1 - std::exp(-1000.0 / (milliseconds * sampleRate)) : 1;
-}
 
 }  // namespace
 
@@ -34,15 +25,15 @@ void Limiter::SetParameter(const LimiterParam& parameter) {
 
 void Limiter::SetParameter(const LimiterParameter& parameter) {
   LimiterParameter& p = m_parameter;
-  p.fCeiling = Clamped(parameter.fCeiling, -60, 0);
-  p.fThreshold = Clamped(parameter.fThreshold, -60, p.fCeiling);
-  p.fPreGain = Clamped(parameter.fPreGain, -40, 40);
-  p.fRelease = Clamped(parameter.fRelease, 1, 5000);
-  p.fAttack = Clamped(parameter.fAttack, 0, 100);
-  p.fLookahead = Clamped(parameter.fLookahead, 0, 20);
-  p.fLookaheadRatio = Clamped(parameter.fLookaheadRatio, 0, 1);
-  p.fRMS = Clamped(parameter.fRMS, 0, 300);
-  p.fStLink = Clamped(parameter.fStLink, 0, 1);
+  p.fCeiling = InRange(parameter.fCeiling, -60, 0);
+  p.fThreshold = InRange(parameter.fThreshold, -60, p.fCeiling);
+  p.fPreGain = InRange(parameter.fPreGain, -40, 40);
+  p.fRelease = InRange(parameter.fRelease, 1, 5000);
+  p.fAttack = InRange(parameter.fAttack, 0, 100);
+  p.fLookahead = InRange(parameter.fLookahead, 0, 20);
+  p.fLookaheadRatio = InRange(parameter.fLookaheadRatio, 0, 1);
+  p.fRMS = InRange(parameter.fRMS, 0, 300);
+  p.fStLink = InRange(parameter.fStLink, 0, 1);
   m_changed = true;
 }
 
@@ -56,9 +47,9 @@ void Limiter::Prepare(int channels, int sampleRate) {
   m_preGain = FromDecibels(static_cast<double>(p.fPreGain));
   m_threshold = FromDecibels(static_cast<double>(p.fThreshold));
   m_ceiling = FromDecibels(static_cast<double>(p.fCeiling));
-  m_attack = StepOf(static_cast<double>(p.fAttack), sampleRate);
-  m_release = StepOf(static_cast<double>(p.fRelease), sampleRate);
-  m_rms = p.fRMS > 0 ? StepOf(static_cast<double>(p.fRMS), sampleRate) : 0;
+  m_attack = SmoothingStep(static_cast<double>(p.fAttack), sampleRate);
+  m_release = SmoothingStep(static_cast<double>(p.fRelease), sampleRate);
+  m_rms = p.fRMS > 0 ? SmoothingStep(static_cast<double>(p.fRMS), sampleRate) : 0;
   m_changed = false;
   const int latency = Latency(sampleRate);
   const auto average = static_cast<size_t>(

@@ -5,11 +5,11 @@
 #include <cstddef>
 #include <utility>
 
+#include "desktop/effects/effect_math.h"
+
 namespace desktop {
 
 namespace {
-
-float FromDecibels(float decibels) { return std::pow(10.0f, decibels / 20); }
 
 // The orthogonal mix of sixteen values in place.
 void Hadamard(float* values) {
@@ -67,14 +67,14 @@ void Reverb::SetParameter(const NreverbFv3Parameter& parameter) {
 // Equal inputs and unrelated ones give the same level at every width.
 void Reverb::Retarget(bool smooth) {
   const float frames = smooth ? static_cast<float>(m_sampleRate) / 50 : 0;
-  const float wet =
-      m_enabled ? FromDecibels(m_parameter.Wet) / static_cast<float>(std::sqrt(m_design.tailEnergy))
-                : 0;
+  const double wet = m_enabled ? FromDecibels(static_cast<double>(m_parameter.Wet)) : 0;
+  const double dry = m_enabled ? FromDecibels(static_cast<double>(m_parameter.Dry)) : 1;
   const float width = m_channels == 2 ? m_parameter.Width : 1;
-  const float middle = std::sqrt(2 / (1 + width * width));
-  m_dry.Set(m_enabled ? FromDecibels(m_parameter.Dry) : 1, frames);
-  m_same.Set(wet * middle * (1 + width) / 2, frames);
-  m_cross.Set(wet * middle * (1 - width) / 2, frames);
+  const float tail =
+      static_cast<float>(wet / std::sqrt(m_design.tailEnergy)) * std::sqrt(2 / (1 + width * width));
+  m_dry.Set(static_cast<float>(dry), frames);
+  m_same.Set(tail * (1 + width) / 2, frames);
+  m_cross.Set(tail * (1 - width) / 2, frames);
 }
 
 void Reverb::Prepare(int channels, int sampleRate) {

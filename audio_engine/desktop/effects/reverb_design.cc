@@ -5,6 +5,8 @@
 #include <complex>
 #include <numbers>
 
+#include "desktop/effects/effect_math.h"
+
 namespace desktop {
 
 namespace {
@@ -20,10 +22,6 @@ constexpr double kLongestMs = 23;
 // Delays of the diffusers, ms. No common divisors, and none of one channel in the other.
 constexpr double kDiffuserMs[2][kReverbDiffusers] = {{2.13, 3.61, 5.87, 8.93},
                                                      {1.89, 4.07, 6.31, 8.29}};
-
-float Clamped(float value, float lowest, float highest) {
-  return value >= lowest ? std::min(value, highest) : lowest;
-}
 
 bool IsPrime(int number) {
   for (int divisor = 2; divisor * divisor <= number; ++divisor) {
@@ -86,26 +84,26 @@ double TailEnergy(const ReverbDesign& design, int sampleRate) {
 }  // namespace
 
 NreverbFv3Parameter InRange(const NreverbFv3Parameter& parameter) {
-  return {.Factor = Clamped(parameter.Factor, 0.5f, 5),
-          .Wet = Clamped(parameter.Wet, -100, 20),
-          .Dry = Clamped(parameter.Dry, -100, 20),
-          .Feedback = Clamped(parameter.Feedback, 0, 1),
-          .Damp1 = Clamped(parameter.Damp1, 0, 1),
-          .Damp2 = Clamped(parameter.Damp2, 0, 1),
-          .Damp3 = Clamped(parameter.Damp3, 0, 1),
-          .ReverbTime = Clamped(parameter.ReverbTime, 0.1f, 20),
-          .Width = Clamped(parameter.Width, 0, 1),
-          .Delay = Clamped(parameter.Delay, 0, 500)};
+  return {.Factor = InRange(parameter.Factor, 0.5f, 5),
+          .Wet = InRange(parameter.Wet, -100, 20),
+          .Dry = InRange(parameter.Dry, -100, 20),
+          .Feedback = InRange(parameter.Feedback, 0, 1),
+          .Damp1 = InRange(parameter.Damp1, 0, 1),
+          .Damp2 = InRange(parameter.Damp2, 0, 1),
+          .Damp3 = InRange(parameter.Damp3, 0, 1),
+          .ReverbTime = InRange(parameter.ReverbTime, 0.2f, 20),
+          .Width = InRange(parameter.Width, 0, 1),
+          .Delay = InRange(parameter.Delay, 0, 500)};
 }
 
 ReverbDesign DesignReverb(const NreverbFv3Parameter& parameter, int sampleRate) {
   ReverbDesign design;
   design.highStep = StepOf(kHighCorner, sampleRate);
   design.lowStep = StepOf(kLowCorner, sampleRate);
-  design.diffusion = 0.75f * parameter.Feedback;
+  design.diffusion = 0.35f + 0.4f * parameter.Feedback;
   design.preDelay =
       static_cast<int>(std::lround(static_cast<double>(parameter.Delay) * sampleRate / 1000));
-  design.outputHighLoss = 1 - std::pow(10.0f, -1.2f * parameter.Damp3);
+  design.outputHighLoss = parameter.Damp3;
   for (int c = 0; c < 2; ++c) {
     for (int k = 0; k < kReverbDiffusers; ++k) {
       design.diffusers[c][k] = PrimeSamples(kDiffuserMs[c][k], sampleRate);

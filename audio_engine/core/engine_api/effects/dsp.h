@@ -3,8 +3,12 @@
 #include "../common/visibility.h"
 
 // An effect that works on blocks of 16-bit samples in place. Belongs to one thread at a time. The
-// order of the virtual operations is fixed: the destructor fills slots 0 and 1, Destroy is slot 2.
+// order of the virtual operations is fixed: the destructor comes first and fills slots 0 and 1, so
+// that Destroy is slot 2.
 class ENGINE_API IDSP {
+ protected:
+  virtual ~IDSP() = default;
+
  public:
   // Ends the effect's life; the pointer is void afterwards.
   virtual void Destroy() = 0;
@@ -29,7 +33,4 @@ class ENGINE_API IDSP {
 
   // Whether Process may change samples at present: switched on, or still fading out.
   virtual bool IsActive() = 0;
-
- protected:
-  virtual ~IDSP() = default;
 };

@@ -15,8 +15,8 @@ struct NreverbFv3Parameter {
   float Feedback;    // How strongly echoes are smeared before they enter the room, 0 to 1.
   float Damp1;       // How much faster the tail loses its highs (above 5 kHz), 0 to 1 (5 times).
   float Damp2;       // How much faster it loses its lows (below 150 Hz), 0 to 1 (5 times).
-  float Damp3;       // How much the highs of the whole tail are dulled, 0 to 1 (-24 dB).
-  float ReverbTime;  // Seconds that the tail takes to fall by 60 dB at 500 Hz to 1 kHz, 0.1 to 20.
+  float Damp3;       // How much the whole tail is dulled, 0 to 1 (a low-pass at 5 kHz).
+  float ReverbTime;  // Seconds that the tail takes to fall by 60 dB at 500 Hz to 1 kHz, 0.2 to 20.
   float Width;       // 0 = the tail is the same in both channels, 1 = unrelated.
   float Delay;       // From the sound to the start of its tail, ms, 0 to 500.
 };
