@@ -63,4 +63,11 @@ class Equalizer final : public IEqualizer {
 
 }  // namespace
 
-IEqualizer* CreateEqualizer() { return new (std::nothrow) Equalizer; }
+IEqualizer* CreateEqualizer() {
+  try {
+    return new Equalizer;
+  } catch (const std::bad_alloc&) {
+    OutputDebugInfo("IEqualizer: no memory");
+    return nullptr;
+  }
+}
