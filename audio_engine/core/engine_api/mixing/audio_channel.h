@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+#include "../common/visibility.h"
+#include "audio_frame_packer_notify.h"
+#include "audio_frame_player_notify.h"
+
+// One side of a call: packs what the microphone hears into coded frames, and plays coded frames
+// that it pulls from its owner. Belongs to one thread.
+class ENGINE_API IAudioChannel {
+ public:
+  // A new channel, owned by the caller until Destroy; never null.
+  static IAudioChannel* Create();
+
+  // Whether frames without voice are left out; off at first.
+  virtual void EnablePackerVad(bool enable) = 0;
+
+  // Gives coded frames to `notify`: codecType is the raw codec id; captureRate and processRate in
+  // Hz, channels, and bytes of a captured sample. A frame is one packet of the codec as the encode
+  // drivers write it, without a length ahead of it, at most 1024 bytes; a longer one is dropped and
+  // counted. False, and no calls, for an id without a codec.
+  virtual bool StartPacker(IAudioFramePackerNotify* notify, int codecType, int captureRate,
+                           int processRate, int channels, int bytesPerSample) = 0;
+
+  // Opens the microphone; frames come from now on.
+  virtual bool OpenCapture() = 0;
+  virtual void CloseCapture() = 0;
+
+  // No packer notify is called afterwards.
+  virtual void StopPacker() = 0;
+
+  // Plays the stream `stream` on the loudspeaker at this rate (Hz) and channel count. `notify` is
+  // asked for a frame while less than 80 ms wait; after a false, once per 10 ms.
+  virtual bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
+                         uint32_t channels) = 0;
+
+  // No player notify of the stream is called afterwards.
+  virtual void StopPlay(uint32_t stream) = 0;
+
+  // Stops everything and deletes the object.
+  virtual void Destroy() = 0;
+
+ protected:
+  virtual ~IAudioChannel() = default;
+};
