@@ -4,12 +4,19 @@
 
 namespace host {
 
-Json Figure(std::optional<double> value, const char* unit, const char* reason) {
+Json Figure(std::optional<double> value, const char* unit, const std::string& reason) {
   if (!value || !std::isfinite(*value)) {
     return {{"value", nullptr}, {"unit", unit}, {"reason", reason}};
   }
   return {{"value", *value}, {"unit", unit}};
 }
+
+Json Fact(const std::string& value, const std::string& reason) {
+  if (value.empty()) return NoFact(reason);
+  return {{"value", value}};
+}
+
+Json NoFact(const std::string& reason) { return {{"value", nullptr}, {"reason", reason}}; }
 
 Json Count(uint64_t value, const char* unit) { return {{"value", value}, {"unit", unit}}; }
 

@@ -14,7 +14,13 @@ inline constexpr int kSchemaVersion = 2;
 using Json = nlohmann::ordered_json;
 
 // A figure with its unit; where it has no finite value, `reason` says why.
-Json Figure(std::optional<double> value, const char* unit, const char* reason);
+Json Figure(std::optional<double> value, const char* unit, const std::string& reason);
+
+// A text that may not be known; where it is empty, `reason` says why.
+Json Fact(const std::string& value, const std::string& reason);
+
+// The same for anything else that has no value.
+Json NoFact(const std::string& reason);
 
 // A figure that is a whole number.
 Json Count(uint64_t value, const char* unit);

@@ -1,6 +1,9 @@
+#include <string>
+
 #include "base/json_parts.h"
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
+#include "report/origin.h"
 #include "report/report.h"
 
 namespace host {
@@ -16,35 +19,50 @@ Json ChannelJson(const ChannelFigures& figures, const std::string& name) {
           {"not_finite", Count(figures.notFinite, "samples")}};
 }
 
-Json CopyJson(const WaveCopy& copy) {
-  Json json = {{"path", copy.path}, {"attenuation", Figure(copy.attenuation, "dB", "")}};
-  if (!copy.problem.empty()) json["problem"] = copy.problem;
-  return json;
+Json ChannelsJson(const FileReport& file, const std::string& reason) {
+  if (!file.channels) return NoFact(reason);
+  const int count = static_cast<int>(file.channels->size());
+  Json channels = Json::array();
+  for (int i = 0; i < count; ++i) {
+    channels.push_back(
+        ChannelJson((*file.channels)[static_cast<size_t>(i)], ChannelName(i, count)));
+  }
+  return {{"value", channels}};
+}
+
+Json CopyJson(const std::optional<WaveCopy>& copy) {
+  if (!copy) return NoFact("not asked for, or nothing to copy");
+  if (!copy->problem.empty()) return NoFact(copy->problem);
+  return {{"value", {{"path", copy->path}, {"attenuation", Figure(copy->attenuation, "dB", "")}}}};
+}
+
+// Why a file has no size or no audio figures; of no use where it has.
+std::string NoAudioReason(const FileReport& file) {
+  if (!file.bytes) return "not looked at";
+  if (file.place.use.container == Container::kOther) return "not audio";
+  return file.audio ? "not measured" : "not the audio that it should be";
 }
 
 Json FileJson(const FileReport& file) {
-  Json json = {{"name", file.place.name},
-               {"path", file.place.path},
-               {"container", ContainerName(file.place.use.container)},
-               {"size", file.bytes ? Count(*file.bytes, "bytes")
-                                   : Figure(std::nullopt, "bytes", "not looked at")}};
-  if (file.audio) {
-    json["samples"] = file.audio->samples ? Json(SampleTypeName(*file.audio->samples)) : Json();
-    json["duration"] = Figure(file.audio->Seconds(), "s", "");
-    json["rate"] = Count(static_cast<uint64_t>(file.audio->rate), "Hz");
-    json["channel_count"] = Count(static_cast<uint64_t>(file.audio->channels), "channels");
-  }
-  if (file.channels) {
-    const int count = static_cast<int>(file.channels->size());
-    Json channels = Json::array();
-    for (int i = 0; i < count; ++i) {
-      channels.push_back(
-          ChannelJson((*file.channels)[static_cast<size_t>(i)], ChannelName(i, count)));
-    }
-    json["channels"] = channels;
-  }
-  if (file.copy) json["wave_copy"] = CopyJson(*file.copy);
-  return json;
+  const std::string reason = NoAudioReason(file);
+  const std::optional<AudioLayout>& audio = file.audio;
+  const auto whole = [&](int AudioLayout::*member, const char* unit) {
+    return audio ? Count(static_cast<uint64_t>((*audio).*member), unit)
+                 : Figure(std::nullopt, unit, reason);
+  };
+  const bool decoded = audio && audio->samples;
+  return {
+      {"name", file.place.name},
+      {"path", file.place.path},
+      {"container", ContainerName(file.place.use.container)},
+      {"size", file.bytes ? Count(*file.bytes, "bytes") : Figure(std::nullopt, "bytes", reason)},
+      {"samples", decoded ? Fact(std::string(SampleTypeName(*audio->samples)), "")
+                          : NoFact(audio ? "of another type" : reason)},
+      {"duration", Figure(audio ? std::optional(audio->Seconds()) : std::nullopt, "s", reason)},
+      {"rate", whole(&AudioLayout::rate, "Hz")},
+      {"channel_count", whole(&AudioLayout::channels, "channels")},
+      {"channels", ChannelsJson(file, audio && !decoded ? "of another type" : reason)},
+      {"wave_copy", CopyJson(file.copy)}};
 }
 
 Json FilesJson(const std::vector<FileReport>& files) {
@@ -53,39 +71,59 @@ Json FilesJson(const std::vector<FileReport>& files) {
   return json;
 }
 
-// The figures of the run itself, or why there are none.
-void AddRun(const RunReport& report, Json& json) {
-  std::optional<double> elapsed;
-  std::optional<double> cpu;
-  const char* reason = "not run";
-  if (report.outcome) {
-    elapsed = report.outcome->elapsed;
-    cpu = report.outcome->cpu;
-    json["peak_memory"] = Count(report.outcome->peakMemory, "bytes");
-    reason = "no audio input to compare with";
-  } else {
-    json["peak_memory"] = Figure(std::nullopt, "bytes", reason);
+Json SignalJson(const Problem* problem) {
+  if (problem == nullptr || problem->signal == 0) return NoFact("no signal has ended the run");
+  return {{"value", problem->signal}};
+}
+
+Json ProblemsJson(const Judgement& judgement) {
+  Json json = Json::array();
+  for (const Problem& problem : judgement.problems) {
+    json.push_back({{"cause", CauseName(problem.cause)}, {"text", problem.text}});
   }
-  json["elapsed"] = Figure(elapsed, "s", reason);
-  json["cpu"] = Figure(cpu, "s", reason);
+  return json;
+}
+
+void AddVerdict(const Judgement& judgement, Json& json) {
+  const Problem* const worst = judgement.Worst();
+  const bool ended = worst == nullptr || worst->cause != Cause::kUnfinished;
+  json["verdict"] = VerdictName(judgement.verdict);
+  json["exit_code"] = ended ? Json(judgement.exitCode) : Json();
+  json["cause"] = worst == nullptr ? "none" : CauseName(worst->cause);
+  json["signal"] = SignalJson(worst);
+  json["reason"] = judgement.reason;
+  json["problems"] = ProblemsJson(judgement);
+}
+
+// The figures of the run itself, or why there are none.
+void AddFigures(const RunReport& report, Json& json) {
+  const std::optional<ChildOutcome>& outcome = report.outcome;
+  const char* const reason = outcome ? "no audio input to compare with" : "not run";
+  const auto seconds = [&](double ChildOutcome::*member) {
+    return outcome ? Figure((*outcome).*member, "s", "not finite")
+                   : Figure(std::nullopt, "s", reason);
+  };
+  json["elapsed"] = seconds(&ChildOutcome::elapsed);
+  json["cpu"] = seconds(&ChildOutcome::cpu);
   json["rtf"] = Figure(RealTimeFactor(report), "1", reason);
+  json["peak_memory"] =
+      outcome ? Count(outcome->peakMemory, "bytes") : Figure(std::nullopt, "bytes", reason);
 }
 
 }  // namespace
 
 std::string JsonReport(const RunReport& report) {
-  Json json = {{"schema_version", kSchemaVersion},
-               {"routine", report.routine.empty() ? Json() : Json(report.routine)},
-               {"arguments", report.arguments},
-               {"verdict", VerdictName(report.judgement.verdict)},
-               {"reason", nullptr},
-               {"exit_code", nullptr}};
-  const Problem* const worst = report.judgement.Worst();
-  const bool ended = worst == nullptr || worst->cause != Cause::kUnfinished;
-  if (ended) json["exit_code"] = report.judgement.exitCode;
-  if (!report.judgement.reason.empty()) json["reason"] = report.judgement.reason;
-  AddRun(report, json);
-  json["log"] = report.log.empty() ? Json() : Json(report.log);
+  Json json = {{"schema_version", kSchemaVersion}};
+  json.update(OriginJson());
+  json["started"] = report.started;
+  json["workspace"] = report.workspace;
+  json["time_limit"] = Figure(report.timeout > 0 ? std::optional(report.timeout) : std::nullopt,
+                              "s", "the command line was refused");
+  json["routine"] = report.routine;
+  json["arguments"] = report.arguments;
+  AddVerdict(report.judgement, json);
+  AddFigures(report, json);
+  json["log"] = report.log;
   json["inputs"] = FilesJson(report.inputs);
   json["outputs"] = FilesJson(report.outputs);
   return JsonText(json);

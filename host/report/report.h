@@ -26,13 +26,16 @@ struct FileReport {
 };
 
 struct RunReport {
-  std::string routine;
-  std::vector<std::string> arguments;
-  Judgement judgement;
-  std::optional<ChildOutcome> outcome;  // Nothing when the routine was not run.
-  std::string log;                      // Its path.
-  std::vector<FileReport> inputs;
-  std::vector<FileReport> outputs;
+  std::string started = {};    // When, UTC: "2026-03-01T12:00:00Z".
+  std::string workspace = {};  // Empty, like the routine, when the command line was refused.
+  double timeout = 0;          // Seconds; 0 when the command line was refused.
+  std::string routine = {};
+  std::vector<std::string> arguments = {};
+  Judgement judgement = {};
+  std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
+  std::string log = {};                      // Its path; empty when the routine was not run.
+  std::vector<FileReport> inputs = {};
+  std::vector<FileReport> outputs = {};
 };
 
 // Processing time / audio time of the longest input; nothing without audio to compare with.

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -91,6 +92,14 @@ FileReport ExamineOutput(const FilePlace& place, const OutputBefore& before, boo
   return report;
 }
 
+// The time as ISO 8601 has it, UTC.
+std::string Now() {
+  const time_t now = time(nullptr);
+  tm parts;
+  char text[32];
+  return std::string(text, strftime(text, sizeof text, "%FT%TZ", gmtime_r(&now, &parts)));
+}
+
 // What the report says while the routine runs, and for ever if this process is killed meanwhile.
 RunReport Unfinished(RunReport report) {
   report.judgement =
@@ -160,9 +169,11 @@ int Deliver(ResultFile* json, RunReport& report) {
 }  // namespace
 
 int Run(const RunOptions& options) {
-  RunReport report;
-  report.routine = options.routine;
-  report.arguments = options.arguments;
+  RunReport report = {.started = Now(),
+                      .workspace = options.work,
+                      .timeout = options.timeout,
+                      .routine = options.routine,
+                      .arguments = options.arguments};
   std::optional<ResultFile> json;
   if (!options.json.empty()) json.emplace(options.json);
   ResultFile* const target = json ? &*json : nullptr;
@@ -182,7 +193,7 @@ int Run(const RunOptions& options) {
 }
 
 void ReportRefusal(const std::string& path, const std::string& message) {
-  RunReport report;
+  RunReport report = {.started = Now()};
   ResultFile json(path);
   Refuse(&json, message, report);
 }

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "process.h"
+#include "report_schema.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
@@ -150,11 +151,11 @@ TEST_F(CommandTest, RunsTheSelectedTestOnTheDemo) {
   EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_THAT(run.out, StartsWith("pass  RunTestCase  "));
   EXPECT_LE(std::count(run.out.begin(), run.out.end(), '\n'), 12) << run.out;
-  const json report = json::parse(ReadFile("report.json"));
+  const json report = ParseReport(ReadFile("report.json"));
   EXPECT_EQ(report["inputs"][0]["duration"], json({{"value", 8.0}, {"unit", "s"}}));
   EXPECT_EQ(report["outputs"][0]["duration"], json({{"value", 8.0}, {"unit", "s"}}));
-  EXPECT_EQ(report["outputs"][0]["channels"].size(), 2U);
-  EXPECT_TRUE(fs::exists(report["outputs"][0]["wave_copy"]["path"].get<std::string>()));
+  EXPECT_EQ(report["outputs"][0]["channels"]["value"].size(), 2U);
+  EXPECT_TRUE(fs::exists(report["outputs"][0]["wave_copy"]["value"]["path"].get<std::string>()));
 }
 
 TEST_F(CommandTest, KeepsARecordingThatIsThere) {
@@ -188,7 +189,7 @@ TEST_F(CommandTest, WritesTheReportEvenWhenNobodyReadsTheResults) {
   for (const char* nobody : {" >&-", " | true"}) {
     fs::remove("report.json");
     Shell(bench + " run --json report.json" + nobody + "; true");
-    const json report = json::parse(ReadFile("report.json"));
+    const json report = ParseReport(ReadFile("report.json"));
     EXPECT_EQ(report["routine"], "RunTestCase") << nobody;
     EXPECT_EQ(report["exit_code"], 2) << nobody;
   }

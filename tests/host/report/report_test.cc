@@ -1,11 +1,16 @@
 #include "report/report.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest-spi.h>
 
+#include <csignal>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string>
 
 #include "base/units.h"
+#include "report_schema.h"
 
 namespace host {
 namespace {
@@ -15,6 +20,9 @@ using nlohmann::json;
 // A run over 2 s of audio into a loud and a silent channel.
 RunReport Example() {
   RunReport report;
+  report.started = "2026-03-01T12:00:00Z";
+  report.workspace = "work";
+  report.timeout = 600;
   report.routine = "TestIt";
   report.arguments = {"-1", "\xff"};
   report.outcome = {.how = {}, .elapsed = 0.5, .cpu = 0.25, .peakMemory = 5000000};
@@ -67,12 +75,12 @@ TEST(TextReport, TellsWhyItIsNoPass) {
 }
 
 TEST(JsonReport, GivesEveryFigureAUnit) {
-  const json report = json::parse(JsonReport(Example()));
+  const json report = ParseReport(JsonReport(Example()));
   EXPECT_EQ(report["schema_version"], 2);
   EXPECT_EQ(report["routine"], "TestIt");
   EXPECT_EQ(report["arguments"], json({"-1", "\xEF\xBF\xBD"})) << "bytes that are no text";
   EXPECT_EQ(report["verdict"], "pass");
-  EXPECT_EQ(report["reason"], nullptr);
+  EXPECT_EQ(report["reason"], "");
   EXPECT_EQ(report["exit_code"], 0);
   EXPECT_EQ(report["elapsed"], json({{"value", 0.5}, {"unit", "s"}}));
   EXPECT_EQ(report["cpu"], json({{"value", 0.25}, {"unit", "s"}}));
@@ -82,27 +90,84 @@ TEST(JsonReport, GivesEveryFigureAUnit) {
   EXPECT_EQ(output["name"], "/out");
   EXPECT_EQ(output["path"], "work/out");
   EXPECT_EQ(output["duration"], json({{"value", 0.0125}, {"unit", "s"}}));
-  EXPECT_EQ(output["channels"][0]["channel"], "left");
-  EXPECT_NEAR(output["channels"][0]["peak"]["value"].get<double>(), 6.0206, 1e-4);
-  EXPECT_EQ(output["wave_copy"]["attenuation"], json({{"value", 7.02}, {"unit", "dB"}}));
+  EXPECT_EQ(output["channels"]["value"][0]["channel"], "left");
+  EXPECT_NEAR(output["channels"]["value"][0]["peak"]["value"].get<double>(), 6.0206, 1e-4);
+  EXPECT_EQ(output["wave_copy"]["value"]["attenuation"], json({{"value", 7.02}, {"unit", "dB"}}));
 }
 
 TEST(JsonReport, GivesAReasonWhereThereIsNoFigure) {
   RunReport report = Example();
   report.outcome->elapsed = std::numeric_limits<double>::infinity();
-  json parsed = json::parse(JsonReport(report));
+  json parsed = ParseReport(JsonReport(report));
   EXPECT_EQ(parsed["elapsed"]["value"], nullptr);
   EXPECT_TRUE(parsed["elapsed"]["reason"].is_string());
-  EXPECT_EQ(parsed["outputs"][0]["channels"][1]["peak"],
+  EXPECT_EQ(parsed["outputs"][0]["channels"]["value"][1]["peak"],
             json({{"value", nullptr}, {"unit", "dBFS"}, {"reason", "silence has no level"}}));
 
   report.outcome.reset();
   report.judgement = Judge({{Cause::kMissingInput, "missing"}});
-  parsed = json::parse(JsonReport(report));
+  parsed = ParseReport(JsonReport(report));
   EXPECT_EQ(parsed["reason"], "missing");
   EXPECT_EQ(parsed["exit_code"], 3);
   EXPECT_EQ(parsed["peak_memory"],
             json({{"value", nullptr}, {"unit", "bytes"}, {"reason", "not run"}}));
+}
+
+TEST(JsonReport, TellsWhereItComesFrom) {
+  const json report = ParseReport(JsonReport(Example()));
+  EXPECT_EQ(report["bench"]["version"], AUDIO_TESTER_VERSION);
+  EXPECT_NE(report["engine"]["name"], "");
+  EXPECT_TRUE(report["bench"]["commit"].contains("value"));
+  EXPECT_GE(report["host"]["processors"]["value"], 1);
+  EXPECT_EQ(report["started"], "2026-03-01T12:00:00Z");
+  EXPECT_EQ(report["workspace"], "work");
+  EXPECT_EQ(report["time_limit"], json({{"value", 600.0}, {"unit", "s"}}));
+}
+
+TEST(JsonReport, GivesTheWorstCauseAndEveryProblem) {
+  RunReport report = Example();
+  EXPECT_EQ(ParseReport(JsonReport(report))["cause"], "none");
+  EXPECT_EQ(ParseReport(JsonReport(report))["problems"], json::array());
+  report.judgement = Judge({{Cause::kOutputEmpty, "a is empty"},
+                            {Cause::kCrash, "killed", SIGSEGV},
+                            {Cause::kOutputAbsent, "b is absent"}});
+  const json parsed = ParseReport(JsonReport(report));
+  EXPECT_EQ(parsed["cause"], "crash");
+  EXPECT_EQ(parsed["signal"]["value"], SIGSEGV);
+  EXPECT_EQ(parsed["problems"], json({{{"cause", "output_empty"}, {"text", "a is empty"}},
+                                      {{"cause", "crash"}, {"text", "killed"}},
+                                      {{"cause", "output_absent"}, {"text", "b is absent"}}}));
+}
+
+TEST(JsonReport, FitsTheSchemaWhateverTheCause) {
+  RunReport report;
+  report.started = "2026-03-01T12:00:00Z";
+  for (int cause = 0; cause <= static_cast<int>(Cause::kUnfinished); ++cause) {
+    report.judgement = Judge({{static_cast<Cause>(cause), "text"}});
+    const json parsed = ParseReport(JsonReport(report));
+    EXPECT_EQ(parsed["cause"], CauseName(static_cast<Cause>(cause)));
+  }
+}
+
+TEST(JsonReport, KeepsEveryKeyWhateverIsKnown) {
+  const auto keys = [](const json& object) {
+    std::set<std::string> names;
+    for (const auto& [name, value] : object.items()) names.insert(name);
+    return names;
+  };
+  const json full = ParseReport(JsonReport(Example()));
+  RunReport refused;
+  refused.started = "2026-03-01T12:00:00Z";
+  refused.outputs.emplace_back();
+  const json empty = ParseReport(JsonReport(refused));
+  EXPECT_EQ(keys(full), keys(empty));
+  EXPECT_EQ(keys(full["outputs"][0]), keys(empty["outputs"][0]));
+}
+
+TEST(ParseReport, NoticesWhatIsNotAsTheSchemaSays) {
+  EXPECT_NONFATAL_FAILURE(ParseReport("{}"), "required");
+  std::string text = JsonReport(Example());
+  EXPECT_NONFATAL_FAILURE(ParseReport(text.replace(text.find("pcm16"), 5, "pcm17")), "pcm17");
 }
 
 TEST(Units, FitTheMagnitude) {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "process.h"
+#include "report_schema.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
@@ -36,7 +37,7 @@ class ResultFileTest : public testing::Test {
   }
 
   static json ReadReport(const std::string& path = "report.json") {
-    return json::parse(ReadFile(path));
+    return ParseReport(ReadFile(path));
   }
 
   // What is in the current directory.
@@ -74,7 +75,7 @@ TEST_F(ResultFileTest, WritesThroughASymbolicLink) {
 TEST_F(ResultFileTest, WritesToStandardOutputAndAllElseToStderr) {
   const Finished run = Run({"PrintAndLog", "--json", "-"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(json::parse(run.out)["routine"], "PrintAndLog");
+  EXPECT_EQ(ParseReport(run.out)["routine"], "PrintAndLog");
   EXPECT_THAT(run.err, HasSubstr("printed\n"));
   EXPECT_THAT(run.err, HasSubstr("pass  PrintAndLog  "));
   EXPECT_THAT(Names(), testing::ElementsAre("bench_work"));
@@ -142,7 +143,7 @@ TEST_F(ResultFileTest, ReplacesAnEarlierReportByOneOfTheRunThatWasRefused) {
     EXPECT_EQ(report["exit_code"], 2);
     EXPECT_EQ("audio_bench: " + report["reason"].get<std::string>() + "\n", run.err);
   }
-  EXPECT_EQ(json::parse(Run({"NoRoutine", "--json", "-"}).out)["exit_code"], 2);
+  EXPECT_EQ(ParseReport(Run({"NoRoutine", "--json", "-"}).out)["exit_code"], 2);
 }
 
 TEST_F(ResultFileTest, DoesNotReplaceSomethingElseByTheReportOfARefusal) {

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "process.h"
+#include "report_schema.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
@@ -68,7 +69,7 @@ TEST_F(RunTest, SkipsWhatCannotBeRun) {
   Finished run = Run({"NotBuilt", "--json", "report.json"});
   EXPECT_EQ(run.exitCode, 77);
   EXPECT_EQ(run.out, "skip  NotBuilt  not built yet\n");
-  const json report = json::parse(ReadFile("report.json"));
+  const json report = ParseReport(ReadFile("report.json"));
   EXPECT_EQ(report["verdict"], "skip");
   EXPECT_EQ(report["exit_code"], 77);
   EXPECT_EQ(report["reason"], "not built yet");
@@ -99,7 +100,7 @@ TEST_F(RunTest, SurvivesWhatEndsTheRoutine) {
     const Finished run = Run({routine, "--json", "report.json"});
     EXPECT_EQ(run.exitCode, 4);
     EXPECT_THAT(run.out, testing::ContainsRegex(std::string("error  ") + routine + "  " + how));
-    EXPECT_EQ(json::parse(ReadFile("report.json"))["verdict"], "error");
+    EXPECT_EQ(ParseReport(ReadFile("report.json"))["verdict"], "error");
   }
   EXPECT_THAT(Run({"Abort"}).out, StartsWith("about to abort\n")) << "what it printed is not lost";
   EXPECT_THAT(ReadFile("bench_work/logs/Throw.log"), HasSubstr("thrown by the routine"));
@@ -130,7 +131,7 @@ TEST_F(RunTest, ReportsAnInterruptionAndEndsByIt) {
     EXPECT_EQ(run.exitCode, 128 + signal);
     EXPECT_THAT(run.out, StartsWith("error  Hang  interrupted ("));
     EXPECT_EQ(kill(child, 0), -1);
-    EXPECT_EQ(json::parse(ReadFile("report.json"))["exit_code"], 128 + signal);
+    EXPECT_EQ(ParseReport(ReadFile("report.json"))["exit_code"], 128 + signal);
   }
 }
 
@@ -196,7 +197,7 @@ TEST_F(RunTest, ChecksInputsBeforeItRunsTheRoutine) {
   run = Run({"Copy", "/sdcard/in", "d:\\out", "--json", "report.json"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(ReadFile("bench_work/D/out"), std::string(160, 'x'));
-  const json report = json::parse(ReadFile("report.json"));
+  const json report = ParseReport(ReadFile("report.json"));
   EXPECT_EQ(report["inputs"][0]["name"], "/sdcard/in");
   EXPECT_EQ(report["outputs"][0]["path"], "bench_work/D/out");
   EXPECT_EQ(report["outputs"][0]["size"], json({{"value", 160}, {"unit", "bytes"}}));
@@ -252,7 +253,7 @@ TEST_F(RunTest, KeepsTheExitCodeOfAFailureThatCannotBeReported) {
 TEST_F(RunTest, ReplacesAnEarlierReportAndLeavesNothingElse) {
   WriteFile("report.json", std::string(100000, 'x'));
   EXPECT_EQ(Run({"Nothing", "--json", "report.json"}).exitCode, 0);
-  EXPECT_EQ(json::parse(ReadFile("report.json"))["routine"], "Nothing");
+  EXPECT_EQ(ParseReport(ReadFile("report.json"))["routine"], "Nothing");
   EXPECT_EQ(fs::status("report.json").permissions(),
             fs::status("bench_work/logs/Nothing.log").permissions())
       << "readable by whom any other file is";

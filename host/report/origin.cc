@@ -1,0 +1,40 @@
+#include "report/origin.h"
+
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "report/bench_commit.h"
+
+namespace host {
+
+namespace {
+
+// The model of the first processor, as the kernel calls it; empty when it does not tell.
+std::string ProcessorModel() {
+  std::ifstream file("/proc/cpuinfo");
+  for (std::string line; std::getline(file, line);) {
+    const size_t colon = line.find(": ");
+    if (colon != std::string::npos && line.starts_with("model name")) return line.substr(colon + 2);
+  }
+  return "";
+}
+
+}  // namespace
+
+Json OriginJson() {
+  return {
+      {"bench",
+       {{"version", AUDIO_TESTER_VERSION},
+        {"commit", Fact(kCommit, "not built in a git checkout")}}},
+      {"engine",
+       {{"name", AUDIO_ENGINE_NAME},
+        {"version", Fact(AUDIO_ENGINE_VERSION, "an engine library does not tell its version")}}},
+      {"host",
+       {{"cpu", Fact(ProcessorModel(), "the kernel does not name it")},
+        {"processors", Count(static_cast<uint64_t>(sysconf(_SC_NPROCESSORS_ONLN)), "1")}}}};
+}
+
+}  // namespace host

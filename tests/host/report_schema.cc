@@ -1,0 +1,39 @@
+#include "report_schema.h"
+
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+#include <rapidjson/schema.h>
+#include <rapidjson/stringbuffer.h>
+
+#include "support/file_bytes.h"
+
+namespace {
+
+rapidjson::SchemaDocument LoadSchema() {
+  rapidjson::Document schema;
+  schema.Parse(ReadFile(REPORT_SCHEMA).c_str());
+  EXPECT_FALSE(schema.HasParseError()) << REPORT_SCHEMA;
+  return rapidjson::SchemaDocument(schema);
+}
+
+std::string Text(const rapidjson::Pointer& pointer) {
+  rapidjson::StringBuffer buffer;
+  pointer.StringifyUriFragment(buffer);
+  return buffer.GetString();
+}
+
+}  // namespace
+
+nlohmann::json ParseReport(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema();
+  rapidjson::Document report;
+  report.Parse(text.c_str());
+  EXPECT_FALSE(report.HasParseError()) << text;
+  rapidjson::SchemaValidator validator(schema);
+  EXPECT_TRUE(report.Accept(validator))
+      << Text(validator.GetInvalidDocumentPointer()) << " is not as "
+      << Text(validator.GetInvalidSchemaPointer()) << " says ("
+      << validator.GetInvalidSchemaKeyword() << ") in\n"
+      << text;
+  return nlohmann::json::parse(text, nullptr, false);
+}
