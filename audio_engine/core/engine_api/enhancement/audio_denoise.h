@@ -6,18 +6,18 @@
 
 // Suppresses background noise in speech, 10 ms at a time, from 8 to 48 kHz (44.1 kHz included).
 // Each channel is cleaned on its own; digital silence stays silent. What comes out lags what went
-// in by 10 ms in both modes: exactly 80 samples per channel at 8 kHz. Belongs to one thread at a
-// time.
+// in by 10 ms in both modes, exactly 80 samples per channel at 8 kHz; by 20 ms where a block is no
+// whole number of frames. Belongs to one thread at a time.
 class ENGINE_API CAudioDenoise {
  public:
-  // sampleRate in Hz, in normal mode. A rate outside 4 to 192 kHz, or no channels: blocks pass
-  // unchanged, with one line in the log.
+  // sampleRate in Hz, in normal mode. A rate outside 4 to 192 kHz, or channels outside 1 to 64:
+  // blocks pass unchanged, with one line in the log.
   CAudioDenoise(int sampleRate, int channels);
   ~CAudioDenoise();
   CAudioDenoise(const CAudioDenoise&) = delete;
   CAudioDenoise& operator=(const CAudioDenoise&) = delete;
 
-  // Light mode lowers the noise by at most 6 dB instead of 18: the background stays audible and
+  // Light mode lowers the noise by at most 9 dB instead of 20: the background stays audible and
   // natural, and speech is touched less. May be called at any time, with no gap and no click.
   void EnableLightDenoise(bool enable);
 

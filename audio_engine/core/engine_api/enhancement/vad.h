@@ -2,8 +2,9 @@
 
 #include "../common/visibility.h"
 
-// A voice activity detector with a C interface. The operations return 0, or -1 for a null handle
-// or for a value that they do not take. A handle belongs to one thread at a time.
+// The life cycle of a voice activity detector with a C interface; there is no operation that feeds
+// it. The operations return 0, or -1 for a null handle or for a value that they do not take. A
+// handle belongs to one thread at a time.
 extern "C" {
 
 // A new detector, in *handle, owned by the caller until WebRtcVad_Free. -1 when there is no memory;

@@ -25,8 +25,8 @@ enum VoiceDetectionMode {
 // down. It decides by 10 ms frames and does not look ahead. Belongs to one thread at a time.
 class ENGINE_API CVoiceDetectionEx {
  public:
-  // sampleRate in Hz. A rate outside 4 to 192 kHz, or no channels: every answer is
-  // vadResultIsUnknown, with one line in the log.
+  // sampleRate in Hz. A rate outside 4 to 192 kHz, or channels outside 1 to 64: every
+  // answer is vadResultIsUnknown, with one line in the log.
   CVoiceDetectionEx(unsigned int sampleRate, unsigned int channels);
   ~CVoiceDetectionEx();
   CVoiceDetectionEx(const CVoiceDetectionEx&) = delete;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace desktop {
+
+// Tracks the power spectrum of the background noise under speech, by the probability of speech in
+// each bin (Gerkmann and Hendriks, "Unbiased MMSE-based noise power estimation with low complexity
+// and low tracking delay", 2012). Takes a frame every 10 ms; the first 50 ms that are not digital
+// silence count as noise. Allocates in the constructor only.
+class NoiseTracker {
+ public:
+  struct Speed {
+    float speechSnr;  // Power of speech over noise that it expects where there is speech.
+    float rise;       // How much of the old estimate stays per frame when the new one is higher,
+    float fall;       // and when it is lower.
+  };
+
+  NoiseTracker(size_t bins, const Speed& speed);
+
+  // Takes the powers of the next frame. Frames of digital silence are left out: they say nothing
+  // of the noise that comes back after them.
+  void Update(std::span<const float> power);
+
+  // The power of the noise in every bin, never below kFloor.
+  std::span<const float> Noise() const { return m_noise; }
+
+  static constexpr float kFloor = 1e-3f;  // Far below one bit of 16.
+
+ private:
+  void Learn(std::span<const float> power);
+
+  Speed m_speed;
+  std::vector<float> m_noise;
+  std::vector<float> m_meanProbability;  // Of speech, smoothed.
+  int m_frames = 0;                      // So many of the first ones have been heard.
+};
+
+}  // namespace desktop

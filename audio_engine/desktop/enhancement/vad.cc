@@ -1,0 +1,37 @@
+#include "engine_api/enhancement/vad.h"
+
+#include <new>
+
+namespace {
+
+struct Detector {
+  bool ready = false;
+  int mode = 0;
+};
+
+}  // namespace
+
+int WebRtcVad_Create(void** handle) {
+  if (handle == nullptr) return -1;
+  *handle = new (std::nothrow) Detector;
+  return *handle != nullptr ? 0 : -1;
+}
+
+int WebRtcVad_Init(void* handle) {
+  if (handle == nullptr) return -1;
+  *static_cast<Detector*>(handle) = {.ready = true};
+  return 0;
+}
+
+int WebRtcVad_set_mode(void* handle, int mode) {
+  auto* detector = static_cast<Detector*>(handle);
+  if (detector == nullptr || !detector->ready || mode < 0 || mode > 3) return -1;
+  detector->mode = mode;
+  return 0;
+}
+
+int WebRtcVad_Free(void* handle) {
+  if (handle == nullptr) return -1;
+  delete static_cast<Detector*>(handle);
+  return 0;
+}
