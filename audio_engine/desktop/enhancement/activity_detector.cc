@@ -42,16 +42,16 @@ ActivityDetector::ActivityDetector(int rate, size_t hop)
       m_power(m_edges.size() - 1),
       m_speech(m_power.size()) {}
 
-bool ActivityDetector::Process(std::span<const float> samples) {
+bool ActivityDetector::Process(std::span<const float> samples, bool steady) {
   const bool silent =
       std::all_of(samples.begin(), samples.end(), [](float sample) { return sample == 0.0f; });
   MeasureBands(samples);
+  m_noise.Update(m_power, steady);
   if (silent) {
     std::fill(m_speech.begin(), m_speech.end(), 0.0f);
     m_hangOver = 0;
     return false;
   }
-  m_noise.Update(m_power);
   if (LikelihoodRatio() > m_threshold) {
     FollowSpeechRatio();
     m_hangOver = HangOver();
@@ -69,8 +69,6 @@ void ActivityDetector::MeasureBands(std::span<const float> samples) {
     for (size_t i = m_edges[band]; i < m_edges[band + 1]; ++i) sum += Power(bins[i]);
     m_power[band] = sum / static_cast<float>(m_edges[band + 1] - m_edges[band]) + kGate;
   }
-  const float gates = kGate * static_cast<float>(m_power.size());
-  m_level = Decibels(std::max(Sum(m_power) - gates, 1.0f));
 }
 
 // The decision-directed a-priori ratio is that of Ephraim and Malah, 1984.

@@ -22,10 +22,8 @@ class ActivityDetector {
   void SetThreshold(float threshold) { m_threshold = threshold; }
 
   // Takes the next frame; true when it is active. Digital silence never is.
-  bool Process(std::span<const float> samples);
-
-  // The level of the last frame over 100 to 3800 Hz, in dB of one bit squared, 0 at the least.
-  float Level() const { return m_level; }
+  // `steady` as in NoiseTracker::Update.
+  bool Process(std::span<const float> samples, bool steady);
 
  private:
   void MeasureBands(std::span<const float> samples);
@@ -39,7 +37,6 @@ class ActivityDetector {
   std::vector<float> m_power;   // Per band, mean over its bins.
   std::vector<float> m_speech;  // The power of the speech in the frame before, as estimated then.
   float m_threshold = 1.0f;
-  float m_level = 0.0f;
   float m_speechRatio = 20.0f;  // Speech over noise in dB, over the last seconds of speech.
   int m_hangOver = 0;           // Frames that are still active although nothing is there.
 };

@@ -16,7 +16,7 @@ constexpr float kLightGain = 0.3548f;  // -9 dB
 // One channel: hops of 10 ms are cleaned as they fill, whatever share of a block comes in.
 class Channel {
  public:
-  Channel(size_t hop, size_t delay) : m_suppressor(hop), m_hop(hop) {
+  Channel(int rate, size_t hop, size_t delay) : m_suppressor(rate, hop), m_hop(hop) {
     m_in.reserve(2 * hop);
     m_out.reserve(4 * hop);
     m_out.assign(delay, 0.0f);
@@ -60,7 +60,7 @@ struct CAudioDenoise::Impl {
     // its first samples are wanted.
     const size_t delay = block == hop * static_cast<size_t>(channelCount) ? 0 : hop;
     channels.reserve(static_cast<size_t>(channelCount));
-    for (int i = 0; i < channelCount; ++i) channels.emplace_back(hop, delay);
+    for (int i = 0; i < channelCount; ++i) channels.emplace_back(sampleRate, hop, delay);
   }
 
   size_t After(size_t channel) const { return channel + 1 == channels.size() ? 0 : channel + 1; }

@@ -12,25 +12,44 @@ constexpr int kFirstFrames = 5;
 constexpr float kProbabilitySmoothing = 0.9f;
 constexpr float kMostProbability = 0.99f;
 
+// By how much steady noise must be louder than the estimate to take its place: less comes of
+// itself.
+constexpr float kMuch = 2.0f;
+
+// How many frames m_recent stands for.
+constexpr int kRecentFrames = 10;
+
 // e^-80 is as good as nothing; much beyond, it is no number that a float can hold.
 constexpr float kMostExponent = 80.0f;
 
 }  // namespace
 
 NoiseTracker::NoiseTracker(size_t bins, const Speed& speed)
-    : m_speed(speed), m_noise(bins, kFloor), m_meanProbability(bins, 0.5f) {}
+    : m_speed(speed),
+      m_noise(bins, kFloor),
+      m_recent(bins, kFloor),
+      m_meanProbability(bins, 0.5f) {}
 
-void NoiseTracker::Update(std::span<const float> power) {
-  if (*std::max_element(power.begin(), power.end()) <= kFloor) return;
-  if (m_frames == kFirstFrames) {
-    Learn(power);
+void NoiseTracker::Update(std::span<const float> power, bool steady) {
+  m_frames = std::min(m_frames + 1, kRecentFrames);
+  for (size_t i = 0; i < m_noise.size(); ++i) {
+    m_recent[i] += (power[i] - m_recent[i]) / static_cast<float>(std::min(m_frames, kRecentFrames));
+    m_recent[i] = std::max(m_recent[i], kFloor);
+  }
+  if (m_frames <= kFirstFrames) {
+    m_noise = m_recent;
     return;
   }
-  ++m_frames;
-  for (size_t i = 0; i < m_noise.size(); ++i) {
-    const float mean = m_noise[i] + (power[i] - m_noise[i]) / static_cast<float>(m_frames);
-    m_noise[i] = std::max(mean, kFloor);
-  }
+  Learn(power);
+  if (steady && RiseOverNoise() > kMuch) m_noise = m_recent;
+}
+
+// Over all bins: a single one is louder than its mean at times, and to follow it then would
+// overestimate the noise.
+float NoiseTracker::RiseOverNoise() const {
+  float sum = 0.0f;
+  for (size_t i = 0; i < m_noise.size(); ++i) sum += m_recent[i] / m_noise[i];
+  return sum / static_cast<float>(m_noise.size());
 }
 
 void NoiseTracker::Learn(std::span<const float> power) {

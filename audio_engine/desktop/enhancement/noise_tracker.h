@@ -8,8 +8,8 @@ namespace desktop {
 
 // Tracks the power spectrum of the background noise under speech, by the probability of speech in
 // each bin (Gerkmann and Hendriks, "Unbiased MMSE-based noise power estimation with low complexity
-// and low tracking delay", 2012). Takes a frame every 10 ms; the first 50 ms that are not digital
-// silence count as noise. Allocates in the constructor only.
+// and low tracking delay", 2012). Takes a frame every 10 ms; the first 50 ms count as noise, be
+// they digital silence. Allocates in the constructor only.
 class NoiseTracker {
  public:
   struct Speed {
@@ -20,9 +20,9 @@ class NoiseTracker {
 
   NoiseTracker(size_t bins, const Speed& speed);
 
-  // Takes the powers of the next frame. Frames of digital silence are left out: they say nothing
-  // of the noise that comes back after them.
-  void Update(std::span<const float> power);
+  // Takes the powers of the next frame. `steady`: the last 300 ms are known to be noise alone, and
+  // when they are much louder than the estimate they take its place at once.
+  void Update(std::span<const float> power, bool steady);
 
   // The power of the noise in every bin, never below kFloor.
   std::span<const float> Noise() const { return m_noise; }
@@ -30,10 +30,12 @@ class NoiseTracker {
   static constexpr float kFloor = 1e-3f;  // Far below one bit of 16.
 
  private:
+  float RiseOverNoise() const;
   void Learn(std::span<const float> power);
 
   Speed m_speed;
   std::vector<float> m_noise;
+  std::vector<float> m_recent;           // The mean power of about the last 100 ms.
   std::vector<float> m_meanProbability;  // Of speech, smoothed.
   int m_frames = 0;                      // So many of the first ones have been heard.
 };

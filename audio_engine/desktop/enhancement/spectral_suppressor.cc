@@ -7,10 +7,10 @@ namespace desktop {
 namespace {
 
 // How much of the frame before goes into the a-priori ratio: more is smoother, less is quicker.
-constexpr float kMemory = 0.92f;
+constexpr float kMemory = 0.93f;
 constexpr float kLowestPriorRatio = 0.00316f;  // -25 dB: keeps musical noise down.
 
-constexpr NoiseTracker::Speed kSpeed = {31.6f, 0.9f, 0.9f};
+constexpr NoiseTracker::Speed kSpeed = {31.6f, 0.95f, 0.95f};
 
 // The exponential integral E1 for x > 0, to about 1e-4 of itself (Abramowitz and Stegun, 5.1.53
 // and 5.1.54).
@@ -35,16 +35,18 @@ float LogSpectralGain(float prior, float posterior) {
 
 }  // namespace
 
-SpectralSuppressor::SpectralSuppressor(size_t hop)
+SpectralSuppressor::SpectralSuppressor(int rate, size_t hop)
     : m_spectrum(hop),
+      m_steady(rate, hop),
       m_noise(m_spectrum.BinOf(0.5) + 1, kSpeed),
       m_power(m_noise.Noise().size()),
       m_speech(m_power.size()) {}
 
 void SpectralSuppressor::Process(std::span<float> samples, float lowestGain) {
+  const bool steady = m_steady.Process(samples);
   const std::span<kiss_fft_cpx> bins = m_spectrum.Analyse(samples);
   std::transform(bins.begin(), bins.end(), m_power.begin(), Power);
-  m_noise.Update(m_power);
+  m_noise.Update(m_power, steady);
 
   for (size_t i = 0; i < bins.size(); ++i) {
     const float noise = m_noise.Noise()[i];

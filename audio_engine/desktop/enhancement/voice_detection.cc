@@ -1,51 +1,16 @@
 #include "engine_api/enhancement/voice_detection.h"
 
-#include <algorithm>
-#include <array>
 #include <exception>
 #include <vector>
 
 #include "desktop/enhancement/activity_detector.h"
-#include "desktop/enhancement/voicing_detector.h"
+#include "desktop/enhancement/steady_noise.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 // The thresholds of the modes 0 to 3.
 constexpr float kThresholds[] = {1.6f, 1.2f, 0.95f, 0.75f};
-
-constexpr float kFall = 12.0f;  // dB
-
-// Tells sounds without voice from speech: no pitch for 300 ms, and a level that has fallen in that
-// time, as that of a clap or a rattle does and that of a noise to which the detector has not
-// adapted yet does not. Consonants are shorter.
-class Kind {
- public:
-  VADResultKind Of(bool active, bool voiced, float level) {
-    m_levels[m_next] = level;
-    m_next = m_next + 1 == m_levels.size() ? 0 : m_next + 1;
-    m_withoutVoice = voiced ? 0 : m_withoutVoice + 1;
-    if (!active) return vadResultIsPassive;
-    if (m_withoutVoice < m_levels.size() || LargestFall() < kFall) return vadResultIsActive;
-    return vadResultIsActiveWithoutVoice;
-  }
-
- private:
-  float LargestFall() const {
-    float peak = 0.0f;
-    float fall = 0.0f;
-    for (size_t i = 0; i < m_levels.size(); ++i) {
-      const float level = m_levels[(m_next + i) % m_levels.size()];
-      peak = std::max(peak, level);
-      fall = std::max(fall, peak - level);
-    }
-    return fall;
-  }
-
-  std::array<float, 30> m_levels = {};  // In dB; the oldest is at m_next.
-  size_t m_next = 0;
-  size_t m_withoutVoice = 0;  // Frames on end.
-};
 
 }  // namespace
 
@@ -54,7 +19,7 @@ struct CVoiceDetectionEx::Impl {
       : hop(static_cast<size_t>(rate) / 100),
         channels(channelCount),
         activity(rate, hop),
-        voicing(rate, hop) {
+        steadiness(rate, hop) {
     frame.reserve(hop);
     activity.SetThreshold(kThresholds[voiceDetectionLowLikelihood]);
   }
@@ -70,17 +35,17 @@ struct CVoiceDetectionEx::Impl {
   }
 
   VADResultKind Judge() {
-    const bool active = activity.Process(frame);
-    const bool voiced = voicing.Process(frame);
+    const bool steady = steadiness.Process(frame);
+    const bool active = activity.Process(frame, steady);
     frame.clear();
-    return kind.Of(active, voiced, activity.Level());
+    if (!active) return vadResultIsPassive;
+    return steadiness.Rattles() ? vadResultIsActiveWithoutVoice : vadResultIsActive;
   }
 
   size_t hop;
   unsigned channels;
   desktop::ActivityDetector activity;
-  desktop::VoicingDetector voicing;
-  Kind kind;
+  desktop::SteadyNoise steadiness;
   std::vector<float> frame;  // What there is of the next 10 ms, mixed down.
   int sum = 0;               // Of the channels of the next sample that have come,
   unsigned channel = 0;      // and how many these are.
