@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "base/printable.h"
 #include "base/units.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
@@ -42,13 +43,15 @@ std::string PlaceDemo(const std::string& workspace) {
   const std::string& path = inputs.front().path;
   struct stat status;
   if (stat(path.c_str(), &status) == 0) {
-    return "recording  " + path + "  kept as it is, " +
+    if (S_ISDIR(status.st_mode)) Refuse(path, EISDIR);
+    return "recording  " + Printable(path) + "  kept as it is, " +
            Bytes(static_cast<uint64_t>(status.st_size)) + "\n";
   }
-  std::error_code ignored;  // Writing the file tells what has failed.
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
+  std::error_code error;
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
+  if (error) Refuse(path, error.value());
   WriteNew(path, DemoRecording());
-  return "recording  " + path + "  written: a plucked melody, 8.00 s, " +
+  return "recording  " + Printable(path) + "  written: a plucked melody, 8.00 s, " +
          FileFormat(inputs.front().use) + "\n";
 }
 

@@ -174,6 +174,22 @@ TEST_F(CommandTest, RefusesADemoThatCannotBeWritten) {
   EXPECT_THAT(demo.err, HasSubstr("cannot write file/sdcard/ZUAudioDemo/44100_2.pcm: "));
 }
 
+TEST_F(CommandTest, RefusesAFolderInThePlaceOfTheDemo) {
+  fs::create_directories("w/sdcard/ZUAudioDemo/44100_2.pcm");
+  const Finished demo = Bench({"demo", "--work", "w"});
+  EXPECT_EQ(demo.exitCode, 2);
+  EXPECT_EQ(demo.err,
+            "audio_bench: cannot write w/sdcard/ZUAudioDemo/44100_2.pcm: Is a directory\n");
+}
+
+TEST_F(CommandTest, NamesTheRealReasonWhenThereIsNoFolderForTheDemo) {
+  // Not even root creates a folder there: it is read-only, or refuses for another reason.
+  const Finished demo = Bench({"demo", "--work", "/sys/audio_bench"});
+  EXPECT_EQ(demo.exitCode, 2);
+  EXPECT_THAT(demo.err, testing::MatchesRegex(".*: (Read-only file system|Permission denied|"
+                                              "Operation not permitted)\n"));
+}
+
 TEST_F(CommandTest, SaysThatResultsCouldNotBeDelivered) {
   const std::string bench = AUDIO_BENCH;
   const Finished full = Shell(bench + " list > /dev/full");
