@@ -1,0 +1,224 @@
+#include "engine_api/codec/local_codec.h"
+
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "desktop/codec/codec_table.h"
+#include "desktop/codec/frame_codec.h"
+#include "desktop/codec/frame_loss.h"
+#include "engine_api/codec/codec_format.h"
+
+namespace AudioLocalCodec {
+
+namespace {
+
+using desktop::CodecSetup;
+using desktop::CodecVariant;
+using desktop::Coder;
+using desktop::Framing;
+
+// Packets of one length, which a reader of the file needs no header for.
+constexpr CodecVariant kSpeexVariants[] = {
+    {0, kAudioCodecUnknown, Coder::kSpeex, 8, 15200, Framing::kBare},
+    {21, kAudioCodecUnknown, Coder::kSpeex, 4, 8000, Framing::kBare},
+    {23, kAudioCodecUnknown, Coder::kSpeex, 2, 5950, Framing::kBare}};
+
+constexpr int kPcmFrames = 882;  // 20 ms.
+constexpr int kPcmRate = 44100;
+constexpr int kPcmChannels = 2;
+
+// How a type is coded: samples as they are when `variant` is null.
+struct TypeSetup {
+  CodecSetup codec;
+  int samples;  // Of one frame, all channels.
+};
+
+TypeSetup WithVariant(const CodecVariant* variant) {
+  const AudioStreamFormat format = FormatFromRawCodecId(variant->rawId);
+  return {{variant, format.iSampleRate, format.iNumOfChannels},
+          format.iSamplesOfFrame * format.iNumOfChannels};
+}
+
+std::optional<TypeSetup> SetupOf(AudioCodecType type) {
+  const CodecVariant* variant = nullptr;
+  switch (type) {
+    case SPEEX_CODEC_8:
+      variant = &kSpeexVariants[0];
+      break;
+    case SPEEX_CODEC_4:
+      variant = &kSpeexVariants[1];
+      break;
+    case SPEEX_CODEC_2:
+      variant = &kSpeexVariants[2];
+      break;
+    case AAC_PLUS_CODEC:
+    case SILK_CODEC:
+    case AAC_LC_CODEC:
+    case AAC_AUDIT_CODEC:
+      variant = desktop::FindVariant(type);
+      break;
+    case AAC_ELD_CODEC:
+      variant = desktop::FindVariant(38);
+      break;
+    case WAV_CODEC:
+      return TypeSetup{{nullptr, kPcmRate, kPcmChannels}, kPcmFrames * kPcmChannels};
+    default:
+      return std::nullopt;
+  }
+  if (!desktop::IsBuiltIn(variant->coder)) return std::nullopt;
+  return WithVariant(variant);
+}
+
+void Assign(std::string& out, const short* samples, int count) {
+  out.assign(reinterpret_cast<const char*>(samples), static_cast<size_t>(count) * sizeof(short));
+}
+
+// What an encoder and a decoder hold, from Init to Uninit.
+template <typename FrameCoder>
+class Core {
+ public:
+  explicit Core(const TypeSetup& setup) : m_setup(setup) {}
+
+  bool Open() {
+    Close();
+    if (m_setup.codec.variant != nullptr) {
+      m_coder = FrameCoder::Create(m_setup.codec);
+      if (m_coder == nullptr) return false;
+    }
+    m_loss.emplace(m_setup.samples, m_setup.codec.channels);
+    return true;
+  }
+
+  void Close() {
+    m_coder.reset();
+    m_loss.reset();
+  }
+
+  void Restart() {
+    if (m_loss) Open();
+  }
+
+  bool IsOpen() const { return m_loss.has_value(); }
+  FrameCoder* coder() { return m_coder.get(); }  // Null for samples as they are.
+  desktop::FrameLoss& loss() { return *m_loss; }
+  int samples() const { return m_setup.samples; }
+  int bytes() const { return m_setup.samples * static_cast<int>(sizeof(short)); }
+
+ private:
+  const TypeSetup m_setup;
+  std::unique_ptr<FrameCoder> m_coder;
+  std::optional<desktop::FrameLoss> m_loss;
+};
+
+class Encoder final : public IAudioEncoder {
+ public:
+  explicit Encoder(const TypeSetup& setup) : m_core(setup) {}
+
+  void Destroy() override { delete this; }
+  int GetEncoderBytes() override { return m_core.bytes(); }
+  bool Init() override { return m_core.Open(); }
+  void Uninit() override { m_core.Close(); }
+  void Flush() override { m_core.Restart(); }
+
+  void Encode(const char* in, int len, std::string& out) override {
+    out.clear();
+    if (!m_core.IsOpen() || in == nullptr || len <= 0 || len > m_core.bytes()) return;
+    short frame[desktop::kMaxFrameSamples] = {};
+    memcpy(frame, in, static_cast<size_t>(len));
+    m_core.loss().Arrived(frame);
+    EncodeFrame(frame, out);
+  }
+
+  void EncodeLoss(std::string& out) override {
+    out.clear();
+    if (m_core.IsOpen()) EncodeFrame(m_core.loss().Lost(), out);
+  }
+
+  bool SetBitRate(int bitRate) override {
+    return m_core.coder() != nullptr && m_core.coder()->SetBitRate(bitRate);
+  }
+
+  bool SetComplexity(int complexity) override {
+    if (!m_core.IsOpen() || complexity < 0 || complexity > 10) return false;
+    return m_core.coder() == nullptr || m_core.coder()->SetComplexity(complexity);
+  }
+
+ private:
+  ~Encoder() override = default;
+
+  void EncodeFrame(const short* frame, std::string& out) {
+    if (m_core.coder() == nullptr) return Assign(out, frame, m_core.samples());
+    unsigned char packet[desktop::kMaxFrameBytes];
+    const int bytes = m_core.coder()->Encode(frame, packet);
+    out.assign(reinterpret_cast<const char*>(packet), static_cast<size_t>(bytes));
+  }
+
+  Core<desktop::FrameEncoder> m_core;
+};
+
+class Decoder final : public IAudioDecoder {
+ public:
+  explicit Decoder(const TypeSetup& setup) : m_core(setup) {}
+
+  void Destroy() override { delete this; }
+  bool Init() override { return m_core.Open(); }
+  void Uninit() override { m_core.Close(); }
+  void Flush() override { m_core.Restart(); }
+
+  void Decode(const char* in, int len, std::string& out) override {
+    out.clear();
+    if (!m_core.IsOpen() || in == nullptr || len <= 0) return;
+    short frame[desktop::kMaxFrameSamples];
+    const bool decoded =
+        m_core.coder() == nullptr ? TakeSamples(in, len, frame) : DecodePacket(in, len, frame);
+    if (decoded) Assign(out, frame, m_core.samples());
+  }
+
+  void DecodeLoss(std::string& out) override {
+    out.clear();
+    if (!m_core.IsOpen()) return;
+    if (m_core.coder() == nullptr) return Assign(out, m_core.loss().Lost(), m_core.samples());
+    short frame[desktop::kMaxFrameSamples];
+    m_core.coder()->Conceal(frame);
+    Assign(out, frame, m_core.samples());
+  }
+
+ private:
+  ~Decoder() override = default;
+
+  bool TakeSamples(const char* in, int len, short* frame) {
+    if (len != m_core.bytes()) return false;
+    memcpy(frame, in, static_cast<size_t>(len));
+    m_core.loss().Arrived(frame);
+    return true;
+  }
+
+  // One packet and nothing else.
+  bool DecodePacket(const char* in, int len, short* frame) {
+    const auto* data = reinterpret_cast<const unsigned char*>(in);
+    desktop::FrameSpan span;
+    if (len <= desktop::kMaxFrameBytes) span = m_core.coder()->Find(data, len);
+    if (span.state == desktop::FrameSpan::kWhole && span.frameBytes == len) {
+      return m_core.coder()->Decode(data, span, frame);
+    }
+    m_core.coder()->Refuse();
+    return false;
+  }
+
+  Core<desktop::FrameDecoder> m_core;
+};
+
+}  // namespace
+
+IAudioEncoder* CreateAudioEncoder(AudioCodecType type) {
+  const std::optional<TypeSetup> setup = SetupOf(type);
+  return setup ? new Encoder(*setup) : nullptr;
+}
+
+IAudioDecoder* CreateAudioDecoder(AudioCodecType type) {
+  const std::optional<TypeSetup> setup = SetupOf(type);
+  return setup ? new Decoder(*setup) : nullptr;
+}
+
+}  // namespace AudioLocalCodec
