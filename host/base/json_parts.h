@@ -13,13 +13,14 @@ inline constexpr int kSchemaVersion = 2;
 // Members stay in the order in which they are added.
 using Json = nlohmann::ordered_json;
 
-// A figure with its unit; where it has no finite value, `reason` says why.
+// A figure with its unit: {"value": 0.5, "unit": "s"}. Without a finite value it is null, and
+// "reason" says why.
 Json Figure(std::optional<double> value, const char* unit, const std::string& reason);
 
-// A text that may not be known; where it is empty, `reason` says why.
+// A text that may be unknown: {"value": "text"}. Null, with the reason, when it is empty.
 Json Fact(const std::string& value, const std::string& reason);
 
-// The same for anything else that has no value.
+// Any other value that is unknown: {"value": null, "reason": "..."}.
 Json NoFact(const std::string& reason);
 
 // A figure that is a whole number.

@@ -6,8 +6,9 @@
 
 namespace host {
 
-// The names that somebody who wrote `word` may have meant, the likeliest first, three at the most:
-// few letters differ (capitals aside), or the word is part of the name.
+// Returns up to three of the names that are similar to `word`, the most similar first. A name is
+// similar when up to a quarter of the letters differ, or when it contains the word (three letters
+// or more). Capitals do not matter.
 std::vector<std::string_view> NamesAlike(std::string_view word,
                                          std::span<const std::string_view> names);
 

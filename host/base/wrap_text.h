@@ -6,8 +6,9 @@
 
 namespace host {
 
-// `text` behind `head`, broken between words into lines of at most `width` columns. The later lines
-// start at column `indent`. Ends in a newline.
+// Returns `head` followed by `text`, broken between words into lines of at most `width` columns; a
+// word that is longer has a line of its own. The lines after the first are indented by `indent`
+// columns. Ends in a newline.
 std::string WrapText(std::string_view text, std::string_view head, size_t indent, size_t width);
 
 }  // namespace host

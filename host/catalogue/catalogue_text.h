@@ -9,7 +9,7 @@
 
 namespace host {
 
-// The catalogue in words.
+// Rows of the catalogue as words for readers and documents.
 
 inline constexpr Group kGroups[] = {Group::kHarness, Group::kAec,     Group::kEnhancement,
                                     Group::kCodec,   Group::kEffects, Group::kMixing};
@@ -37,17 +37,17 @@ std::string Duration(const CatalogueRow& row);
 // "16-bit samples, 44100 Hz, stereo"
 std::string FileFormat(const FileUse& use);
 
-// Where a declared file is, relative to the workspace; nothing when an argument decides.
+// Returns the path of a declared file in the workspace; nothing when an argument names the file.
 std::optional<std::string> KnownPlace(const FileUse& use);
 
-// The routines that somebody may have meant whose word is none, the likeliest first.
+// Returns up to three routines whose names are similar to `word`, the most similar first.
 std::vector<std::string_view> RoutinesAlike(std::string_view word);
 
-// The same as the end of a message: "; did you mean TestVAD or TestDrc?", or where to find them
-// all.
+// Returns the same as the end of a message: "; did you mean TestVAD or TestDrc?", or, when no name
+// is similar, a hint at the list.
 std::string Suggestion(std::string_view word);
 
-// The row of a routine; throws UsageError, naming those that are spelled alike, when there is none.
+// Returns the row of a routine. Throws UsageError with suggestions when there is none.
 const CatalogueRow& FindRow(std::string_view routine);
 
 }  // namespace host

@@ -6,7 +6,7 @@ namespace host {
 
 namespace {
 
-// A figure of a declaration, where 0 stands for none.
+// A figure of a declared file; 0 means that there is none.
 Json Declared(int value, const char* unit, const char* reason) {
   return value > 0 ? Count(static_cast<uint64_t>(value), unit) : Figure(std::nullopt, unit, reason);
 }
@@ -28,7 +28,7 @@ Json FileJson(const FileUse& use) {
           {"may_be_empty", use.mayBeEmpty}};
 }
 
-// Null while nothing is declared of a routine that is not built yet.
+// Null for a routine that is not built and has no files declared yet.
 Json FilesJson(const CatalogueRow& row, const std::vector<FileUse>& uses) {
   if (uses.empty() && !row.declared.built) return nullptr;
   Json json = Json::array();

@@ -7,7 +7,7 @@ namespace {
 
 std::string Code(std::string_view text) { return std::string("`").append(text).append("`"); }
 
-// Text with the signs that Markdown or HTML would take for its own taken literally.
+// Escapes the characters that Markdown or HTML would interpret.
 std::string Literal(std::string_view text) {
   std::string literal;
   for (const char sign : text) {

@@ -21,7 +21,7 @@ namespace host {
 
 namespace {
 
-// How many columns a line may have; no limit when stdout is no terminal.
+// The columns of the terminal, SIZE_MAX when stdout is none.
 size_t OutputWidth() {
   if (isatty(STDOUT_FILENO) == 0) return SIZE_MAX;
   winsize size = {};
@@ -57,7 +57,8 @@ int Execute(const Request& request) {
   return Run(request.run);
 }
 
-// The request in the words, or a report of the run that was refused where they ask for one.
+// Parses the command line. Where that fails and the words ask for a report, writes one that says
+// so, then throws the UsageError.
 Request Parse(const std::vector<std::string>& words) {
   try {
     return ParseRequest(words);
@@ -66,7 +67,7 @@ Request Parse(const std::vector<std::string>& words) {
     if (path.empty()) throw;
     try {
       ReportRefusal(path, error.message);
-    } catch (const UsageError&) {  // The first error is the one to tell.
+    } catch (const UsageError&) {  // The first error is reported.
     }
     throw;
   }

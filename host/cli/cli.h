@@ -2,8 +2,8 @@
 
 namespace host {
 
-// Does what the command line of audio_bench asks for and returns the exit code. A usage error is
-// told in one line on stderr.
+// Does what the command line of audio_bench asks for and returns the exit code. Prints one line on
+// stderr when it cannot be done.
 int RunCommandLine(int argc, char** argv);
 
 }  // namespace host

@@ -104,7 +104,7 @@ class CommandLine {
     Take();
   }
 
-  // What follows `run` and is no option of it.
+  // The words after `run` that are not options of it.
   std::vector<std::string> Free() const { return m_run->remaining(); }
 
  private:
@@ -137,7 +137,7 @@ class CommandLine {
     m_run->allow_extras();  // Routine and arguments: CLI11 would take -1 for an option.
   }
 
-  // The request of a command line that was read.
+  // Fills in what the options do not set by themselves.
   void Take() {
     const std::string command = m_app.get_subcommands().front()->get_name();
     using Command = Request::Command;
@@ -157,7 +157,7 @@ class CommandLine {
   bool m_markdown = false;
 };
 
-// Throws UsageError when there is no such command, naming what may have been meant.
+// Throws UsageError when there is no such command, with a suggestion.
 void CheckCommand(const std::string& word) {
   std::vector<std::string_view> commands;
   for (const Synopsis& each : kSynopses) commands.push_back(each.command);
@@ -175,14 +175,14 @@ void CheckCommand(const std::string& word) {
   throw UsageError{message};
 }
 
-// "help" and "help COMMAND" and "COMMAND help" as the option --help.
+// Replaces "help", "help COMMAND" and "COMMAND help" by the option --help.
 void TurnHelpIntoOption(std::vector<std::string>& words) {
   if (words.empty() || words.size() > 2) return;
   if (words.front() == "help") std::rotate(words.begin(), std::next(words.begin()), words.end());
   if (words.back() == "help") words.back() = "--help";
 }
 
-// What CLI11 would take for something else. Throws UsageError.
+// Refuses words that CLI11 would misread or report badly. Throws UsageError.
 void CheckWords(const std::vector<std::string>& words) {
   if (!words.empty() && !words.front().starts_with('-')) CheckCommand(words.front());
   for (const std::string& word : words) {
@@ -198,7 +198,7 @@ bool IsOption(const std::string& word) {
          std::isdigit(static_cast<unsigned char>(word[1])) == 0;
 }
 
-// Routine and arguments from what is no option.
+// Takes routine and arguments from the words that are not options.
 void TakeArguments(const std::vector<std::string>& free, std::span<const std::string> literal,
                    RunOptions& options) {
   for (const std::string& word : free) {

@@ -22,7 +22,7 @@ namespace {
 }
 
 void WriteNew(const std::string& path, const std::vector<int16_t>& samples) {
-  FILE* const file = fopen(path.c_str(), "wbx");  // Never over somebody's recording.
+  FILE* const file = fopen(path.c_str(), "wbx");  // Fails rather than overwrite a recording.
   if (file == nullptr) Refuse(path, errno);
   errno = 0;
   const bool written =
@@ -30,7 +30,7 @@ void WriteNew(const std::string& path, const std::vector<int16_t>& samples) {
   const int error = errno;
   if (fclose(file) == 0 && written) return;
   const int closingError = errno;
-  remove(path.c_str());  // Half a recording would be taken for a whole one.
+  remove(path.c_str());  // A partial recording looks like a short one.
   Refuse(path, error != 0 ? error : closingError);
 }
 

@@ -10,8 +10,8 @@ namespace host {
 // stereo, 8 s, peak -6 dBFS; the same bytes on every machine.
 std::vector<int16_t> DemoRecording();
 
-// Puts the demo recording where RunTestCase reads its input in a workspace, unless something is
-// there already. What was done, as a line for the user. Throws UsageError when it cannot be
+// Writes the demo recording where RunTestCase reads its input in a workspace, unless there is a
+// file already. Returns a line for the user that says which. Throws UsageError when it cannot be
 // written.
 std::string PlaceDemo(const std::string& workspace);
 

@@ -24,19 +24,21 @@ struct Note {
   double loudness;
 };
 
-constexpr double kD3 = 146.83, kA3 = 220.00, kD4 = 293.66, kE4 = 329.63, kFis4 = 369.99,
+constexpr double kD3 = 146.83, kA3 = 220.00, kD4 = 293.66, kE4 = 329.63, kFSharp4 = 369.99,
                  kA4 = 440.00, kB4 = 493.88, kD5 = 587.33;
 
 constexpr Note kMelody[] = {
-    {0, kD3, 0.50, 0.8},  {0, kD4, 0.10, 0.9},   {1, kFis4, 0.25, 0.8},  {2, kA4, 0.40, 0.8},
-    {3, kB4, 0.55, 0.9},  {4, kA3, 0.50, 0.7},   {4, kA4, 0.70, 0.8},    {5, kFis4, 0.85, 0.7},
-    {6, kE4, 0.95, 0.7},  {7, kFis4, 0.80, 0.7}, {8, kD3, 0.50, 0.8},    {8, kA4, 0.60, 0.9},
-    {9, kB4, 0.40, 0.8},  {10, kD5, 0.20, 0.9},  {11, kB4, 0.05, 0.8},   {12, kA3, 0.50, 0.7},
-    {12, kA4, 0.20, 0.8}, {13, kE4, 0.40, 0.7},  {14, kFis4, 0.65, 0.7}, {15, kD3, 0.50, 0.9},
-    {15, kD4, 0.90, 0.9}, {15, kA3, 0.15, 0.6},
+    {0, kD3, 0.50, 0.8},       {0, kD4, 0.10, 0.9},      {1, kFSharp4, 0.25, 0.8},
+    {2, kA4, 0.40, 0.8},       {3, kB4, 0.55, 0.9},      {4, kA3, 0.50, 0.7},
+    {4, kA4, 0.70, 0.8},       {5, kFSharp4, 0.85, 0.7}, {6, kE4, 0.95, 0.7},
+    {7, kFSharp4, 0.80, 0.7},  {8, kD3, 0.50, 0.8},      {8, kA4, 0.60, 0.9},
+    {9, kB4, 0.40, 0.8},       {10, kD5, 0.20, 0.9},     {11, kB4, 0.05, 0.8},
+    {12, kA3, 0.50, 0.7},      {12, kA4, 0.20, 0.8},     {13, kE4, 0.40, 0.7},
+    {14, kFSharp4, 0.65, 0.7}, {15, kD3, 0.50, 0.9},     {15, kD4, 0.90, 0.9},
+    {15, kA3, 0.15, 0.6},
 };
 
-// White noise, -1 to 1 (linear congruential, constants of Knuth's MMIX).
+// White noise from -1 to 1 (linear congruential, constants of Knuth's MMIX).
 class Noise {
  public:
   explicit Noise(uint64_t seed) : m_state(seed) {}
@@ -63,11 +65,11 @@ class String {
     double mean = 0;
     double softened = 0;
     for (double& sample : m_loop) {
-      softened += 0.4 * (noise.Next() - softened);  // A fingertip, not a plectrum.
+      softened += 0.4 * (noise.Next() - softened);  // Plucked with a fingertip: fewer highs.
       sample = softened;
       mean += sample / static_cast<double>(whole);
     }
-    for (double& sample : m_loop) sample -= mean;  // A string does not push air one way.
+    for (double& sample : m_loop) sample -= mean;  // No direct current.
   }
 
   double Next() {

@@ -36,7 +36,7 @@ Json CopyJson(const std::optional<WaveCopy>& copy) {
   return {{"value", {{"path", copy->path}, {"attenuation", Figure(copy->attenuation, "dB", "")}}}};
 }
 
-// Why a file has no size or no audio figures; of no use where it has.
+// The reason to give for a figure of the file that is unknown.
 std::string NoAudioReason(const FileReport& file) {
   if (!file.bytes) return "not looked at";
   if (file.place.use.container == Container::kOther) return "not audio";
@@ -95,7 +95,7 @@ void AddVerdict(const Judgement& judgement, Json& json) {
   json["problems"] = ProblemsJson(judgement);
 }
 
-// The figures of the run itself, or why there are none.
+// Adds times, memory and real-time factor; null with the reason when there was no run.
 void AddFigures(const RunReport& report, Json& json) {
   const std::optional<ChildOutcome>& outcome = report.outcome;
   const char* const reason = outcome ? "no audio input to compare with" : "not run";

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-// The model of the first processor, as the kernel calls it; empty when it does not tell.
+// The model of the first processor from /proc/cpuinfo; empty when it is not given there.
 std::string ProcessorModel() {
   std::ifstream file("/proc/cpuinfo");
   for (std::string line; std::getline(file, line);) {

@@ -4,8 +4,8 @@
 
 namespace host {
 
-// What made a report, for whoever compares it with another one: {"bench": ..., "engine": ...,
-// "host": ...}.
+// The versions of bench and engine and the processor of this machine, which figures depend on:
+// {"bench": ..., "engine": ..., "host": ...}.
 Json OriginJson();
 
 }  // namespace host

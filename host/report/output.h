@@ -4,8 +4,8 @@
 
 namespace host {
 
-// Prints results on stdout, at once. The exit code: kPass, or kUsage when they cannot be delivered,
-// which is told on stderr unless it is only that nobody reads on.
+// Prints results on stdout and flushes it. Returns kPass, or kUsage if stdout cannot be written,
+// with a line on stderr; silent on a closed pipe.
 int PrintResults(const std::string& text);
 
 }  // namespace host

@@ -54,8 +54,8 @@ bool IsStandardOutput(const struct stat& file) {
          output.st_ino == file.st_ino;
 }
 
-// Standard output for the caller alone; whatever else is printed goes to stderr. -1 and errno when
-// it cannot be written, as where main has put something else in the place of a closed one.
+// Returns a new descriptor of standard output and redirects all other printing to stderr. -1 and
+// errno when standard output is not open for writing (main replaces a closed one).
 int TakeStandardOutput() {
   const int mode = fcntl(STDOUT_FILENO, F_GETFL);
   if (mode >= 0 && (mode & O_ACCMODE) == O_RDONLY) {
@@ -67,7 +67,7 @@ int TakeStandardOutput() {
   return output;
 }
 
-// While this object lives no signal that can be held back ends the process.
+// Blocks all signals (but SIGKILL, which nothing can block) while it exists.
 class HoldSignals {
  public:
   HoldSignals() {
@@ -88,8 +88,9 @@ std::string FolderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
-// A new file in the folder of `path`, without a name where the file system has such, so that not
-// even a kill leaves it behind. Else `name` is its name. -1 and errno on failure.
+// Opens a new file in the folder of `path`: without a name, so that it vanishes with the process
+// even on SIGKILL, or, on file systems that do not support that, with a name that is put in `name`.
+// Returns -1 and sets errno on failure.
 int OpenBeside(const std::string& path, std::string& name) {
   const int nameless = open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
   if (nameless >= 0) return nameless;
@@ -97,7 +98,7 @@ int OpenBeside(const std::string& path, std::string& name) {
   return mkostemp(name.data(), O_CLOEXEC);
 }
 
-// Gives the nameless file of a descriptor the name `path`, in place of what has it.
+// Gives the nameless file of a descriptor the name `path`, replacing what is there.
 bool Publish(int descriptor, const std::string& path) {
   const std::string source = "/proc/self/fd/" + std::to_string(descriptor);
   const auto link = [&source](const std::string& name) {
@@ -105,7 +106,7 @@ bool Publish(int descriptor, const std::string& path) {
   };
   if (link(path)) return true;
   if (errno != EEXIST) return false;
-  // A link does not replace, a renaming does: the second name lives for these two calls.
+  // Linking does not replace a file, renaming does; the second name exists between these two calls.
   const std::string other = path + "." + std::to_string(getpid());
   unlink(other.c_str());
   if (!link(other)) return false;
@@ -116,7 +117,7 @@ bool Publish(int descriptor, const std::string& path) {
   return false;
 }
 
-// Puts a file with this text in the place of `path`.
+// Atomically replaces the file at `path`, or creates it. Returns false and sets errno on failure.
 bool ReplaceFile(const std::string& path, mode_t mode, const std::string& text) {
   const HoldSignals hold;
   std::string name;
@@ -135,7 +136,7 @@ bool ReplaceFile(const std::string& path, mode_t mode, const std::string& text) 
   return written;
 }
 
-// Whether the file can be replaced, with errno when not. Nothing stays of the attempt.
+// Returns whether the file can be replaced; sets errno when not. Changes nothing.
 bool CanReplace(const std::string& path) {
   if (access(path.c_str(), W_OK) != 0 && errno != ENOENT) return false;
   std::string name;

@@ -18,7 +18,7 @@ constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
 class AudioFiguresTest : public testing::Test {
  protected:
-  // The figures of a file that holds these samples behind `offset` other bytes.
+  // The figures of a file that holds these samples after `offset` other bytes.
   template <typename T>
   std::vector<ChannelFigures> Measure(const std::vector<T>& samples, int channels,
                                       uint64_t offset = 0) {
