@@ -15,7 +15,7 @@ using desktop::MusicFeatures;
 constexpr int kFirstLooks = 75;    // 1.5 s; with less there is nothing to decide on.
 constexpr int kLooksPerScore = 5;  // A score every 100 ms.
 constexpr int kScores = 10;        // The decision rests on the mean of 1 s.
-constexpr int kSilentLooks = 50;   // 1 s of silence ends the music.
+constexpr int kSilentLooks = 75;   // 1.5 s of silence ends the music.
 constexpr double kHysteresis = 0.15;
 
 // Where a figure lies on the way from `zero` (0) by steps of `unit`, within bounds.

@@ -217,7 +217,7 @@ TEST(AudioMusicDetectorTest, HearsTheSameInBlocksOfAnyLength) {
     turns.push_back(turn);
   }
   EXPECT_GT(turns[0], 16000u);
-  for (const size_t turn : turns) EXPECT_NEAR(turn, turns[0], 5292);
+  for (const size_t turn : turns) EXPECT_LE(turn - turns[0], 5292u);
 }
 
 TEST(AudioMusicDetectorTest, LeavesTheFrameAloneAndAllocatesNothing) {
