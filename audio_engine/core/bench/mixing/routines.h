@@ -4,8 +4,8 @@
 
 // Mixing, recording, playback and whole engines. The catalogue says what each routine exercises.
 
-PLANNED(void, TestAudioMixer);
-PLANNED(void, TestRecordMixer);
+ROUTINE(void, TestAudioMixer);
+ROUTINE(void, TestRecordMixer);
 PLANNED(void, TestKaraokeFileMixer);
 PLANNED(void, TestKaraokeRecorder);
 PLANNED(void, TestFilePlayer);
@@ -13,4 +13,4 @@ PLANNED(void, TestAudioRecorder);
 PLANNED(void, TestAudioSaver);
 PLANNED(void, TestSpeechMsg);
 PLANNED(void, TestAudioChannel, int codecType);
-PLANNED(void, TestPushPcm);
+ROUTINE(void, TestPushPcm);

@@ -8,9 +8,17 @@ namespace harness {
 std::vector<CatalogueRow> MixingRows() {
   return {
       {.declared = declared::TestAudioMixer,
-       .exercises = "CAudioBlockMixer over one file, raw output"},
+       .exercises = "CAudioBlockMixer over one file, raw output",
+       .inputs = {{.name = "c:\\5.wav", .container = Container::kWave}},
+       .outputs = {{.name = "c:\\outmix.pcm",
+                    .container = Container::kHeaderless,
+                    .rate = 16000,
+                    .channels = 1}}},
       {.declared = declared::TestRecordMixer,
-       .exercises = "AudioRecordMixer of accompaniment and voice"},
+       .exercises = "AudioRecordMixer of accompaniment and voice",
+       .inputs = {{.name = "record_acc.wav", .container = Container::kWave},
+                  {.name = "record_voice.wav", .container = Container::kWave}},
+       .outputs = {{.name = "record_out.wav", .container = Container::kWave}}},
       {.declared = declared::TestKaraokeFileMixer,
        .exercises = "IKaraokeFileMixer with a FileMixerNotify, waits for the end"},
       {.declared = declared::TestKaraokeRecorder,
@@ -28,7 +36,17 @@ std::vector<CatalogueRow> MixingRows() {
       {.declared = declared::TestAudioChannel,
        .exercises = "IAudioChannel pack and play loop with the packer and player notifies"},
       {.declared = declared::TestPushPcm,
-       .exercises = "IPushPcmModule over \"Fs44100_Ch2.pcm\" into \"out.pcm\""},
+       .exercises = "IPushPcmModule over \"Fs44100_Ch2.pcm\" into \"out.pcm\"",
+       .inputs = {{.name = "Fs44100_Ch2.pcm",
+                   .container = Container::kHeaderless,
+                   .rate = 44100,
+                   .channels = 2,
+                   .blockBytes = 3528}},
+       .outputs = {{.name = "out.pcm",
+                    .container = Container::kHeaderless,
+                    .rate = 44100,
+                    .channels = 2,
+                    .mayBeEmpty = true}}},
   };
 }
 
