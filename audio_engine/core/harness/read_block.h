@@ -21,4 +21,10 @@ bool ReadBlock(zuwebrtc::WavReader& reader, short (&block)[capacity], unsigned s
 // `bytes` bytes from a headerless file.
 bool ReadBlock(StdioFile& file, void* block, size_t bytes);
 
+// The same into an array, whose size is known.
+template <typename T, size_t capacity>
+bool ReadBlock(StdioFile& file, T (&block)[capacity], size_t bytes) {
+  return bytes <= sizeof block && ReadBlock(file, static_cast<void*>(block), bytes);
+}
+
 }  // namespace harness

@@ -1,5 +1,7 @@
 #include "harness/stdio_file.h"
 
+#include <climits>
+
 namespace harness {
 
 namespace {
@@ -24,6 +26,14 @@ size_t StdioFile::Write(const void* data, size_t size, size_t count) {
 
 void StdioFile::Seek(long offset, int origin) {
   if (m_file != nullptr) fseek(m_file, offset, origin);
+}
+
+int StdioFile::Size() {
+  if (m_file == nullptr) return 0;
+  fseek(m_file, 0, SEEK_END);
+  const long size = ftell(m_file);
+  fseek(m_file, 0, SEEK_SET);
+  return size >= 0 && size <= INT_MAX ? static_cast<int>(size) : 0;
 }
 
 void StdioFile::Close() {

@@ -22,6 +22,10 @@ class StdioFile {
   // As fseek.
   void Seek(long offset, int origin);
 
+  // The bytes of the file, by going to its end and back to its start. 0 when not open, and for what
+  // does not count as a file of the bench: a folder, or 2 GiB and more.
+  int Size();
+
   void Close();
 
   // Gives the stream up without closing it, for routines that leave a file open on purpose.

@@ -14,8 +14,8 @@ PLANNED(void, TestAudioMusicDetector);
 PLANNED(void, TestMdrc);
 PLANNED(void, TestVoiceBeautify);
 PLANNED(void, TestVoiceChangerEx);
-PLANNED(void, TestSpeexConverter);
-PLANNED(void, TestAudioResamplerEx, const char* inFile, const char* outFile, int outFS,
+ROUTINE(void, TestSpeexConverter);
+ROUTINE(void, TestAudioResamplerEx, const char* inFile, const char* outFile, int outFS,
         int outChannels);
 PLANNED(void, TestDrc);
 PLANNED(void, TestBeatTrack);
