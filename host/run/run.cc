@@ -111,7 +111,8 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
             ResultFile* json, RunReport& report) {
   CreateFolder(options.work);
   const auto inputs = PlaceFiles(row.inputs, row.declared.words.parameters, words, options.work);
-  const auto outputs = PlaceFiles(row.outputs, row.declared.words.parameters, words, options.work);
+  const auto outputs =
+      PlaceFiles(harness::Outputs(row, words), row.declared.words.parameters, words, options.work);
   report.judgement = Judge(InputProblems(inputs));
   if (report.judgement.verdict != Verdict::kPass) return;
 
@@ -143,6 +144,10 @@ void RunRoutine(const RunOptions& options, ResultFile* json, RunReport& report) 
   }
   const std::string fault = harness::ArgumentFault(row, words);
   if (!fault.empty()) throw UsageError{options.routine + " " + fault + ": " + Declaration(row)};
+  if (const std::string lacking = harness::Lacking(row, words); !lacking.empty()) {
+    report.judgement = Judge({{Cause::kNotRunnable, lacking}});
+    return;
+  }
   RunRow(row, options, words, json, report);
 }
 

@@ -1,13 +1,11 @@
 // From raw codec ids to codecs, and from the head of a frame to its length: what every test of this
 // group stands on.
 
+#include "bench/codec/codec_family.h"
 #include "bench/codec/routines.h"
 #include "engine_api/platform/log.h"
 
-namespace {
-
-// kAudioCodecUnknown for an id without a codec.
-ZUAudioCodec FamilyOf(int codecId) {
+ZUAudioCodec CodecFamily(int codecId) {
   switch (codecId) {
     case 1:
     case 46:
@@ -41,8 +39,10 @@ ZUAudioCodec FamilyOf(int codecId) {
   }
 }
 
+namespace {
+
 CAudioCodec* CodecFor(int codecId, AudioLibraryCodecMode mode) {
-  const ZUAudioCodec family = FamilyOf(codecId);
+  const ZUAudioCodec family = CodecFamily(codecId);
   return family != kAudioCodecUnknown ? CreateAudioCodec(family, mode) : nullptr;
 }
 

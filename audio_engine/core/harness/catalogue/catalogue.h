@@ -73,6 +73,11 @@ struct CatalogueRow {
   std::string_view nullable = {};  // The parameter for which the word "none" is a null name.
   std::vector<FileUse> inputs = {};
   std::vector<FileUse> outputs = {};
+  // The outputs of one run, where more than a name in them follows from the words. Null: `outputs`.
+  std::vector<FileUse> (*outputsFor)(ArgumentWords words) = nullptr;
+  // Why the engine at hand cannot do what the words ask for, a codec without its library for
+  // example; empty when it can. Null: it always can.
+  std::string (*lacking)(ArgumentWords words) = nullptr;
   Device device = Device::kNone;
   double seconds = 0;  // How long a run takes by the clock; 0: as fast as its input is processed.
   Group group = Group::kHarness;
@@ -83,6 +88,12 @@ std::span<const CatalogueRow> Catalogue();
 
 // Why the words of a command line do not fit a row that can be run; empty when they do.
 std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words);
+
+// The outputs of a run with words that fit.
+std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words);
+
+// Why the engine at hand cannot do what words that fit ask for; empty when it can.
+std::string Lacking(const CatalogueRow& row, ArgumentWords words);
 
 // Runs a row with words that fit.
 void Run(const CatalogueRow& row, ArgumentWords words);

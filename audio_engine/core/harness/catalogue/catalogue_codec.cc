@@ -1,44 +1,132 @@
 // Codecs and the preparation of quality scoring.
 
 #include "bench/codec/routines.h"
+#include "engine_api/codec/codec_format.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/codec_needs.h"
 
 namespace harness {
 
+namespace {
+
+FileUse Wave(const std::string& name) { return {.name = name, .container = Container::kWave}; }
+
+FileUse Headerless(const std::string& name, int rate, int channels) {
+  return {.name = name, .container = Container::kHeaderless, .rate = rate, .channels = channels};
+}
+
+// A file whose absence is an outcome of the routine.
+FileUse Optional(FileUse use) {
+  use.optional = true;
+  return use;
+}
+
+// The files of a case, which begin alike.
+std::vector<FileUse> QualityCase(const std::string& name) {
+  return {Wave(name + ".res.wav"),
+          Wave(name + ".ref.wav"),
+          {.name = name + ".enc.wav"},
+          Wave(name + ".dec.wav")};
+}
+
+std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
+  Argument<int> codecId;
+  codecId.Parse(words[2]);
+  const AudioStreamFormat format = FormatFromRawCodecId(codecId.Value());
+  return QualityCase(std::to_string(format.iSampleRate) + "_" +
+                     std::to_string(format.iNumOfChannels) + "_{bitRate}");
+}
+
+}  // namespace
+
 std::vector<CatalogueRow> CodecRows() {
   return {
-      {.declared = declared::TestZUStreamToAAC, .exercises = "wrapper: calls TestAACStreamToAAC"},
+      {.declared = declared::TestZUStreamToAAC,
+       .exercises = "wrapper: calls TestAACStreamToAAC",
+       .inputs = {Optional({.name = "packer.48k.aac"})},
+       .outputs = {{.name = "48k.aac"}},
+       .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestAudioEncode,
        .exercises = "AudioLocalCodec encoder then decoder: \"audio_test.pcm\" to \"out.enc\" to "
-                    "\"dec.pcm\""},
+                    "\"dec.pcm\"",
+       .inputs = {Optional(Headerless("audio_test.pcm", 44100, 2))},
+       .outputs = {{.name = "out.enc"}, Headerless("dec.pcm", 44100, 2)},
+       .lacking = NeedsType<AudioLocalCodec::AAC_ELD_CODEC>},
       {.declared = declared::TestZUEAACCodec,
-       .exercises = "CreateAudioCodec enhanced-AAC encode and decode of a 44.1 kHz stereo file"},
+       .exercises = "CreateAudioCodec enhanced-AAC encode and decode of a 44.1 kHz stereo file",
+       .inputs = {Wave("F:\\44100_2_new1.wav")},
+       .outputs = {{.name = "F:\\44100_2_out.aac"}, Headerless("F:\\44100_2_out.pcm", 44100, 2)},
+       .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestZUEldCodec,
-       .exercises = "CreateAudioCodec AAC-ELD encode/decode, prints \"encoderSize = %d\""},
+       .exercises = "CreateAudioCodec AAC-ELD encode/decode, prints \"encoderSize = %d\"",
+       .inputs = {Headerless("yedegangqinqu_Fs32000_Ch1.pcm", 32000, 1)},
+       .outputs = {{.name = "eld_out.aac"}},
+       .lacking = NeedsFamily<kAudioCodecEldAAC>},
       {.declared = declared::TestEncodeFile,
-       .exercises = "AudioLocalCodec::CreateAudioEncoder over a raw file"},
+       .exercises = "AudioLocalCodec::CreateAudioEncoder over a raw file",
+       .inputs = {Wave("{pSrcFileName}")},
+       .outputs = {{.name = "{pDstFileName}"}}},
       {.declared = declared::TestDecodeFile,
-       .exercises = "AudioLocalCodec::CreateAudioDecoder of the given type"},
+       .exercises = "AudioLocalCodec::CreateAudioDecoder of the given type",
+       .inputs = {{.name = "{pSrcFileName}"}},
+       .outputs = {{.name = "{pDstFileName}"}},
+       .lacking = NeedsTypeOfWord<2>},
       {.declared = declared::TestSilkPackerOut,
-       .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")"},
+       .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")",
+       .inputs = {Optional({.name = "packer.out"})},
+       .outputs = {Headerless("packer.pcm", 16000, 1)},
+       .lacking = NeedsFamily<kAudioCodecSilk>},
       {.declared = declared::TestAACStreamToAAC,
-       .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\""},
+       .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\"",
+       .inputs = {Optional({.name = "packer.48k.aac"})},
+       .outputs = {{.name = "48k.aac"}},
+       .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestVADCodecMosByVADResult,
-       .exercises = "encode/decode gated by VAD results, for MOS"},
+       .exercises = "encode/decode gated by VAD results, for MOS",
+       .inputs = {Wave("{pSrcFileName}")},
+       .outputs = {Wave("{pDstFileName}"), Wave("{pVadResultFile}")},
+       .lacking = NeedsRawIdOfWord<3>},
       {.declared = declared::TestZUAudioProcessor,
-       .exercises = "AudioProcessor encoding of a WAVE file to a stream file"},
+       .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
+       .inputs = {Wave("player.wav")},
+       .outputs = {{.name = "player.aac"}},
+       .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestZUEncode,
-       .exercises = "encode a WAVE file with a raw codec id, timed"},
+       .exercises = "encode a WAVE file with a raw codec id, timed",
+       .inputs = {Wave("{wavInFileName}")},
+       .outputs = {{.name = "{encodedFileName}"}},
+       .lacking = NeedsRawIdOfWord<2>},
       {.declared = declared::TestZUDecode,
-       .exercises = "decode a stream file to WAVE (CWavFileWriter), timed"},
-      {.declared = declared::newTestZUEncode, .exercises = "encode with bit rate and sample rate"},
-      {.declared = declared::newTestZUDecode, .exercises = "decode at a given sample rate"},
-      {.declared = declared::TestZUCodecNew, .exercises = "resample, encode, decode chain for MOS"},
+       .exercises = "decode a stream file to WAVE (CWavFileWriter), timed",
+       .inputs = {{.name = "{encodedFileName}"}},
+       .outputs = {Wave("{decodedWavFileName}")},
+       .lacking = NeedsRawIdOfWord<2>},
+      {.declared = declared::newTestZUEncode,
+       .exercises = "encode with bit rate and sample rate",
+       .inputs = {Wave("{wavInFileName}")},
+       .outputs = {{.name = "{encodedFileName}"}},
+       .lacking = NeedsRawIdOfWord<2>},
+      {.declared = declared::newTestZUDecode,
+       .exercises = "decode at a given sample rate",
+       .inputs = {{.name = "{encodedFileName}"}},
+       .outputs = {Wave("{decodedWavFileName}")},
+       .lacking = NeedsRawIdOfWord<2>},
+      {.declared = declared::TestZUCodecNew,
+       .exercises = "resample, encode, decode chain for MOS",
+       .inputs = {Wave("{wavInFileName}")},
+       .outputs = {{.name = "{wavOutFileName}.enc"},
+                   Wave("{wavOutFileName}.dec.wav"),
+                   Wave("{wavOutFileName}")},
+       .lacking = NeedsRawIdOfWord<2>},
       {.declared = declared::TestMockVADMos, .exercises = "resample, VAD, codec chain for MOS"},
       {.declared = declared::calAACMos,
        .exercises =
            "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "
-           "\"%s%d_%d_%d.dec.wav\", \"%s%d_%d_%d.deg.wav\" and \"%s%d_%d_%d.res.wav\""},
+           "\"%s%d_%d_%d.dec.wav\", \"%s%d_%d_%d.deg.wav\" and \"%s%d_%d_%d.res.wav\"",
+       .inputs = {Wave("{wavInFileName}")},
+       .outputs = QualityCase("{rate}_{channels}_{bitRate}"),
+       .outputsFor = QualityCaseFor,
+       .lacking = NeedsRawIdOfWord<2>},
       {.declared = declared::GetCodecFrameLength,
        .helper = true,
        .exercises = "frame length from a stream header"},

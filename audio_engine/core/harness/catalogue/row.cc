@@ -22,6 +22,14 @@ std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words) {
   return row.declared.argumentFault(WithNull(row, words));
 }
 
+std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words) {
+  return row.outputsFor != nullptr ? row.outputsFor(words) : row.outputs;
+}
+
+std::string Lacking(const CatalogueRow& row, ArgumentWords words) {
+  return row.lacking != nullptr ? row.lacking(words) : "";
+}
+
 void Run(const CatalogueRow& row, ArgumentWords words) { row.declared.run(WithNull(row, words)); }
 
 std::vector<Parameter> Parameters(const Words& words) {

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "engine_api/codec/stream_format.h"
+
+// The family that codes a raw codec id; kAudioCodecUnknown for an id without a codec.
+ZUAudioCodec CodecFamily(int codecId);
