@@ -233,6 +233,20 @@ TEST(LocalCodec, KeepsTheSamplesOfTheWaveType) {
   EXPECT_EQ(packet, voice.substr(0, 3528));
 }
 
+// The library would print on the error stream.
+TEST(LocalCodec, TakesOnlySpeexPacketsOfItsMode) {
+  const std::unique_ptr<IAudioDecoder, Destroyer> decoder(CreateAudioDecoder(SPEEX_CODEC_8));
+  ASSERT_TRUE(decoder->Init());
+  const CapturedStderr log;
+  std::string out;
+  for (int first = 0; first < 256; ++first) {
+    const std::string packet = static_cast<char>(first) + std::string(37, '\x5a');
+    decoder->Decode(packet.data(), 38, out);
+    EXPECT_EQ(out.empty(), first >> 3 != 5) << first;
+  }
+  EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
+}
+
 // A lost frame joins on where the last one ended, and the second in a row is silent.
 TEST(LocalCodec, MirrorsTheLastFrameOfTheWaveType) {
   const std::unique_ptr<IAudioDecoder, Destroyer> decoder(CreateAudioDecoder(WAV_CODEC));

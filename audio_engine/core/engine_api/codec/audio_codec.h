@@ -17,7 +17,8 @@ class ENGINE_API CAudioCodec {
   // format.
   virtual bool Init(AudioStreamFormat* format) = 0;
 
-  // Sets *bytes to the room that `out` of Process needs for `inLen` bytes of input.
+  // Sets *bytes to the room that `out` of Process needs for `inLen` bytes of samples, or for a
+  // packet of `inLen` bytes; 0 before Init.
   virtual void CalcBufSize(int* bytes, int inLen) = 0;
 
   // Encoder: 16-bit interleaved samples in, whole packets with their header out; input that does
