@@ -10,8 +10,8 @@ namespace desktop {
 std::unique_ptr<PacketEncoder> CreateOpusEncoder(const CodecSetup& setup);
 std::unique_ptr<PacketDecoder> CreateOpusDecoder(const CodecSetup& setup);
 
-// Samples per channel, for a decoder at the encoder's rate. What was coded at 16 kHz (raw id 50) and
-// is decoded at 48 kHz (as 51) is 310 samples late.
+// Samples per channel, for a decoder at the encoder's rate. What was coded at 16 kHz (raw id 50)
+// and is decoded at 48 kHz (as 51) is 310 samples late.
 int OpusLag(const CodecSetup& setup);
 
 }  // namespace desktop
