@@ -56,7 +56,7 @@ TEST(WrapText, BreaksBetweenWords) {
 }
 
 TEST(ListAsText, FitsTheWidthAndSetsHelpersApart) {
-  for (const size_t width : {80, 100}) {
+  for (const size_t width : {size_t{80}, size_t{100}}) {
     std::istringstream lines(ListAsText({}, width));
     for (std::string line; std::getline(lines, line);) {
       EXPECT_LE(line.size(), width) << line;

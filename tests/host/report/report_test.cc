@@ -11,6 +11,7 @@
 
 #include "base/units.h"
 #include "report_schema.h"
+#include "support/file_bytes.h"
 
 namespace host {
 namespace {
@@ -162,6 +163,20 @@ TEST(JsonReport, KeepsEveryKeyWhateverIsKnown) {
   const json empty = ParseReport(JsonReport(refused));
   EXPECT_EQ(keys(full), keys(empty));
   EXPECT_EQ(keys(full["outputs"][0]), keys(empty["outputs"][0]));
+}
+
+TEST(JsonReport, IsDescribedInTheDocument) {
+  const std::string document = ReadFile(REPORT_DOCUMENT);
+  const json report = ParseReport(JsonReport(Example()));
+  for (const json& object : {report, report["outputs"][0]}) {
+    for (const auto& [key, value] : object.items()) {
+      EXPECT_THAT(document, testing::HasSubstr("`" + key + "`"));
+    }
+  }
+  for (int cause = 0; cause <= static_cast<int>(Cause::kUnfinished); ++cause) {
+    const std::string name = CauseName(static_cast<Cause>(cause));
+    EXPECT_THAT(document, testing::HasSubstr("`" + name + "`"));
+  }
 }
 
 TEST(ParseReport, NoticesWhatIsNotAsTheSchemaSays) {
