@@ -32,5 +32,5 @@ class ENGINE_API CAecFileWriter {
 
  private:
   struct Recorder;
-  std::shared_ptr<Recorder> m_recorder;
+  std::unique_ptr<Recorder> m_recorder;
 };

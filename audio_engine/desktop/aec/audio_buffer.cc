@@ -1,0 +1,115 @@
+#include "engine_api/aec/audio_buffer.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "desktop/aec/band_split.h"
+#include "desktop/common/resampler.h"
+#include "engine_api/common/channel_buffer.h"
+
+namespace zuwebrtc {
+
+namespace {
+
+int BandsOf(int frames) { return frames == 320 ? 2 : frames == 480 ? 3 : 1; }
+
+uint32_t Unsigned(int value) { return static_cast<uint32_t>(std::max(0, value)); }
+
+}  // namespace
+
+struct AudioBuffer::Bands {
+  Bands(int inFrames, int inChannels, int frames, int channels, int outFrames)
+      : inFrames(inFrames),
+        inChannels(inChannels),
+        outFrames(outFrames),
+        whole(frames, channels),
+        split(frames, channels, BandsOf(frames)),
+        in(Unsigned(inFrames), Unsigned(inChannels), Unsigned(frames), Unsigned(channels),
+           Unsigned(inFrames)),
+        out(Unsigned(frames), Unsigned(channels), Unsigned(outFrames), Unsigned(channels),
+            Unsigned(frames)),
+        interleaved(std::max({Unsigned(inFrames) * Unsigned(inChannels),
+                              in.MostFramesFor(Unsigned(inFrames)) * Unsigned(channels),
+                              out.MostFramesFor(Unsigned(frames)) * Unsigned(channels)})) {
+    for (int channel = 0; split.num_bands_ > 1 && channel < channels; ++channel) {
+      filters.emplace_back(split.num_bands_, frames);
+    }
+  }
+
+  int16_t* const* BandsOfChannel(int channel) const {
+    return split.num_bands_ == 1
+               ? &whole.channels_[static_cast<size_t>(channel)]
+               : &split
+                      .bands_[static_cast<size_t>(channel) * static_cast<size_t>(split.num_bands_)];
+  }
+
+  const int inFrames;
+  const int inChannels;
+  const int outFrames;
+  ChannelBuffer<int16_t> whole;
+  ChannelBuffer<int16_t> split;  // Not used where the whole band is the only one.
+  desktop::Resampler in;
+  desktop::Resampler out;
+  std::vector<int16_t> interleaved;
+  std::vector<desktop::BandSplit> filters;  // By channel.
+};
+
+AudioBuffer::AudioBuffer(int input_num_frames, int num_input_channels, int process_num_frames,
+                         int num_process_channels, int output_num_frames)
+    : m_bands(std::make_unique<Bands>(input_num_frames, num_input_channels, process_num_frames,
+                                      num_process_channels, output_num_frames)) {}
+
+AudioBuffer::~AudioBuffer() = default;
+
+void AudioBuffer::DeinterleaveFrom(AudioFrame* frame) {
+  Bands& bands = *m_bands;
+  const int wanted = std::min(bands.inFrames * bands.inChannels, AudioFrame::kMaxDataSizeSamples);
+  std::copy(frame->data_, frame->data_ + wanted, bands.interleaved.begin());
+  bands.in.Convert(bands.interleaved.data(), Unsigned(bands.inFrames), bands.interleaved.data());
+
+  const int channels = bands.whole.num_channels_;
+  for (int channel = 0; channel < channels; ++channel) {
+    const auto index = static_cast<size_t>(channel);
+    int16_t* const samples = bands.whole.channels_[index];
+    for (int i = 0; i < bands.whole.num_frames_; ++i) {
+      const size_t at = static_cast<size_t>(i) * static_cast<size_t>(channels);
+      samples[i] = bands.interleaved[at + index];
+    }
+    if (!bands.filters.empty()) bands.filters[index].Analyse(samples, split_bands(channel));
+  }
+}
+
+void AudioBuffer::InterleaveTo(AudioFrame* frame, bool data_changed) {
+  Bands& bands = *m_bands;
+  const int channels = bands.whole.num_channels_;
+  if (!data_changed || bands.outFrames * channels > AudioFrame::kMaxDataSizeSamples) return;
+
+  for (int channel = 0; channel < channels; ++channel) {
+    const auto index = static_cast<size_t>(channel);
+    int16_t* const samples = bands.whole.channels_[index];
+    if (!bands.filters.empty()) bands.filters[index].Synthesise(split_bands(channel), samples);
+    for (int i = 0; i < bands.whole.num_frames_; ++i) {
+      const size_t at = static_cast<size_t>(i) * static_cast<size_t>(channels);
+      bands.interleaved[at + index] = samples[i];
+    }
+  }
+  bands.out.Convert(bands.interleaved.data(), Unsigned(bands.whole.num_frames_),
+                    bands.interleaved.data());
+  std::copy_n(bands.interleaved.begin(), bands.outFrames * channels, frame->data_);
+  frame->samples_per_channel_ = bands.outFrames;
+  frame->num_channels_ = channels;
+}
+
+int AudioBuffer::num_frames() const { return m_bands->whole.num_frames_; }
+int AudioBuffer::num_bands() const { return m_bands->split.num_bands_; }
+int AudioBuffer::num_frames_per_band() const { return m_bands->split.num_frames_per_band_; }
+
+const int16_t* const* AudioBuffer::channels_const() const { return m_bands->whole.channels_.get(); }
+
+int16_t* const* AudioBuffer::split_bands(int channel) { return m_bands->BandsOfChannel(channel); }
+
+const int16_t* const* AudioBuffer::split_bands_const(int channel) const {
+  return m_bands->BandsOfChannel(channel);
+}
+
+}  // namespace zuwebrtc

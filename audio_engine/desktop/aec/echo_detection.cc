@@ -1,0 +1,52 @@
+#include "engine_api/aec/echo_detection.h"
+
+#include <memory>
+#include <new>
+
+#include "desktop/aec/delay_tracker.h"
+#include "desktop/aec/mono_input.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+struct Detector {
+  Detector(int rate, int maxDelayMs)
+      : far(rate, 1), near(rate, 1), tracker(desktop::MonoInput::TrackedRate(rate), maxDelayMs) {}
+
+  desktop::MonoInput far;
+  desktop::MonoInput near;
+  desktop::DelayTracker tracker;
+};
+
+}  // namespace
+
+void* echo_detection_create(const void*, int rate, int maxDelayMs) {
+  if (!desktop::MonoInput::Accepts(rate, 1)) {
+    OutputDebugInfo("no echo can be detected at %d Hz", rate);
+    return nullptr;
+  }
+  try {
+    return std::make_unique<Detector>(rate, maxDelayMs).release();
+  } catch (const std::bad_alloc&) {
+    OutputDebugInfo("no memory to detect echo");
+    return nullptr;
+  }
+}
+
+int echo_detection_process(void* detector, const short* farend, const short* nearend, int count) {
+  if (detector == nullptr || farend == nullptr || nearend == nullptr || count < 0) return -1;
+  auto& ends = *static_cast<Detector*>(detector);
+  ends.far.Feed(farend, count,
+                [&ends](const short* mono, int frames) { ends.tracker.AddFar(mono, frames); });
+  ends.near.Feed(nearend, count,
+                 [&ends](const short* mono, int frames) { ends.tracker.AddNear(mono, frames); });
+  return 0;
+}
+
+int get_echo_detection_result(void* detector) {
+  if (detector == nullptr) return 0;
+  const desktop::DelayTracker& tracker = static_cast<Detector*>(detector)->tracker;
+  return tracker.MedianScore() >= desktop::DelayTracker::kEchoScore ? 1 : 0;
+}
+
+void echo_detection_free(void* detector) { delete static_cast<Detector*>(detector); }

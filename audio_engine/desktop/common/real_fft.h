@@ -1,0 +1,33 @@
+#pragma once
+
+#include <complex>
+#include <memory>
+
+struct kiss_fftr_state;
+
+namespace desktop {
+
+// The discrete Fourier transform of real samples. Allocates in the constructor only. Belongs to one
+// thread at a time.
+class RealFft {
+ public:
+  explicit RealFft(int size);  // An even number of samples; products of 2, 3 and 5 are fast.
+
+  int Size() const { return m_size; }
+  int Bins() const { return m_size / 2 + 1; }
+
+  // Size() samples to Bins() bins, and back, so that both together change nothing.
+  void Forward(const float* samples, std::complex<float>* bins);
+  void Inverse(const std::complex<float>* bins, float* samples);
+
+ private:
+  struct Free {
+    void operator()(kiss_fftr_state* plan) const;
+  };
+
+  const int m_size;
+  std::unique_ptr<kiss_fftr_state, Free> m_forward;
+  std::unique_ptr<kiss_fftr_state, Free> m_inverse;
+};
+
+}  // namespace desktop

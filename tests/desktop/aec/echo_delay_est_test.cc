@@ -1,0 +1,117 @@
+#include "engine_api/aec/echo_delay_est.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "support/captured_stderr.h"
+#include "support/talk.h"
+
+namespace {
+
+// The delay at the end of every second, fed in pieces of `piece` samples.
+std::vector<int> Delays(CEchoDelayEst& estimator, const Samples& far, const Samples& near, int rate,
+                        int piece) {
+  std::vector<int> delays;
+  int fed = 0;
+  for (size_t at = 0; at + static_cast<size_t>(piece) <= near.size();
+       at += static_cast<size_t>(piece)) {
+    estimator.ProcessFar(&far[at], piece);
+    estimator.ProcessNear(&near[at], piece);
+    fed += piece;
+    if (fed / rate != (fed - piece) / rate) delays.push_back(estimator.GetDelay());
+  }
+  return delays;
+}
+
+TEST(EchoDelayEst, IsRightTo8MsFrom2SecondsOn) {
+  for (const int delay : {0, 10, 89, 132, 300, 480}) {
+    const Samples far = Talk(16000, 5, 1);
+    const Samples near = Sum(Echo(far, 16000, delay), Hiss(16000, 5, 2, -60));
+    CEchoDelayEst estimator(16000, 1);
+    const std::vector<int> delays = Delays(estimator, far, near, 16000, 160);
+    for (size_t second = 1; second < delays.size(); ++second) {
+      EXPECT_NEAR(delays[second], delay, 8) << second + 1 << " s";
+    }
+  }
+}
+
+TEST(EchoDelayEst, StaysRightInDoubleTalk) {
+  const Samples far = Talk(16000, 8, 3);
+  const Samples near = Sum(Echo(far, 16000, 120), Talk(16000, 8, 4));
+  CEchoDelayEst estimator(16000, 1);
+  const std::vector<int> delays = Delays(estimator, far, near, 16000, 160);
+  for (size_t second = 2; second < delays.size(); ++second) EXPECT_NEAR(delays[second], 120, 8);
+}
+
+TEST(EchoDelayEst, TakesOtherRatesChannelsAndOddCounts) {
+  for (const int rate : {8000, 22050, 44100, 48000}) {
+    const Samples far = Talk(rate, 4, 5);
+    const Samples near = Echo(far, rate, 70);
+    CEchoDelayEst estimator(rate, 1);
+    EXPECT_NEAR(Delays(estimator, far, near, rate, 77).back(), 70, 8) << rate;
+  }
+  Samples far;
+  Samples near;
+  for (const short sample : Talk(16000, 4, 6)) far.insert(far.end(), {sample, sample});
+  for (const short sample : Echo(Talk(16000, 4, 6), 16000, 70))
+    near.insert(near.end(), {sample, 0});
+  CEchoDelayEst estimator(16000, 2);
+  EXPECT_NEAR(Delays(estimator, far, near, 32000, 333).back(), 70, 8);
+}
+
+TEST(EchoDelayEst, Is0UntilKnown) {
+  const Samples far = Talk(16000, 5, 7);
+  const Samples near = Talk(16000, 5, 8);
+  CEchoDelayEst estimator(16000, 1);
+  EXPECT_EQ(estimator.GetDelay(), 0);
+  EXPECT_THAT(Delays(estimator, far, near, 16000, 160), testing::Each(0));
+}
+
+TEST(EchoDelayEst, HoldsTheLastSureValueInSilence) {
+  const Samples far = Talk(16000, 3, 9);
+  CEchoDelayEst estimator(16000, 1);
+  const int known = Delays(estimator, far, Echo(far, 16000, 150), 16000, 160).back();
+  EXPECT_NEAR(known, 150, 8);
+  const Samples silence = Hiss(16000, 5, 10, -90);
+  EXPECT_THAT(Delays(estimator, silence, Hiss(16000, 5, 11, -90), 16000, 160),
+              testing::Each(known));
+  EXPECT_THAT(Delays(estimator, Samples(80000), Talk(16000, 5, 12), 16000, 160),
+              testing::Each(known));
+}
+
+TEST(EchoDelayEst, FollowsAMovingTalkerWithin4Seconds) {
+  const Samples far = Talk(16000, 10, 13);
+  Samples near = Echo(far, 16000, 60);
+  const Samples later = Echo(far, 16000, 140);
+  std::copy(later.begin() + 64000, later.end(), near.begin() + 64000);
+  CEchoDelayEst estimator(16000, 1);
+  const std::vector<int> delays = Delays(estimator, far, near, 16000, 160);
+  EXPECT_NEAR(delays[3], 60, 8);
+  for (size_t second = 7; second < 10; ++second) EXPECT_NEAR(delays[second], 140, 8);
+}
+
+TEST(EchoDelayEst, TakesTheEndThatStopsForSilent) {
+  const Samples far = Talk(16000, 3, 14);
+  CEchoDelayEst estimator(16000, 1);
+  Delays(estimator, far, Echo(far, 16000, 90), 16000, 160);
+  const Samples more = Talk(16000, 5, 15);
+  EXPECT_EQ(estimator.ProcessNear(more.data(), static_cast<int>(more.size())), 0);
+  EXPECT_NEAR(estimator.GetDelay(), 90, 8);
+}
+
+TEST(EchoDelayEst, RefusesWhatItCannotTakeWithOneLine) {
+  const short sample = 1;
+  CapturedStderr log;
+  CEchoDelayEst estimator(96000, 1);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(estimator.ProcessFar(&sample, 1), -1);
+  EXPECT_EQ(estimator.GetDelay(), 0);
+  EXPECT_EQ(log.Lines().size(), 1u);
+  CEchoDelayEst good(16000, 1);
+  EXPECT_EQ(good.ProcessFar(nullptr, 10), -1);
+  EXPECT_EQ(good.ProcessNear(&sample, 0), -1);
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+#include "engine_api/aec/echo_detection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/captured_stderr.h"
+#include "support/talk.h"
+
+namespace {
+
+int Verdict(const Samples& far, const Samples& near, int rate, int count = 256) {
+  void* const detector = echo_detection_create(nullptr, rate, 500);
+  const size_t size = std::min(far.size(), near.size());
+  for (size_t at = 0; at < size; at += static_cast<size_t>(count)) {
+    const int rest = static_cast<int>(std::min<size_t>(static_cast<size_t>(count), size - at));
+    EXPECT_EQ(echo_detection_process(detector, &far[at], &near[at], rest), 0);
+  }
+  const int verdict = get_echo_detection_result(detector);
+  echo_detection_free(detector);
+  return verdict;
+}
+
+TEST(EchoDetection, FindsEcho) {
+  const Samples far = Talk(16000, 8, 1);
+  for (const int delay : {5, 90, 400}) {
+    EXPECT_EQ(Verdict(far, Echo(far, 16000, delay), 16000), 1) << delay;
+    const Samples doubleTalk = Sum(Echo(far, 16000, delay), Talk(16000, 8, 2));
+    EXPECT_EQ(Verdict(far, doubleTalk, 16000), 1) << delay;
+    const Samples residue = Sum(Echo(far, 16000, delay, -40), Hiss(16000, 8, 3, -70));
+    EXPECT_EQ(Verdict(far, residue, 16000), 1) << delay;
+  }
+}
+
+TEST(EchoDetection, FindsNoneInUnrelatedSpeechNorInSilence) {
+  for (unsigned seed = 0; seed < 6; ++seed) {
+    const Samples far = Talk(16000, 6, 10 + seed);
+    EXPECT_EQ(Verdict(far, Talk(16000, 6, 20 + seed), 16000), 0) << seed;
+    EXPECT_EQ(Verdict(far, Hiss(16000, 6, 30 + seed, -40), 16000), 0) << seed;
+  }
+  EXPECT_EQ(Verdict(Samples(64000), Talk(16000, 4, 40), 16000), 0);
+  EXPECT_EQ(Verdict(Talk(16000, 4, 41), Samples(64000), 16000), 0);
+  EXPECT_EQ(Verdict({}, {}, 16000), 0);
+}
+
+TEST(EchoDetection, TakesOtherRatesAndAnyCount) {
+  for (const int rate : {8000, 48000}) {
+    const Samples far = Talk(rate, 5, 50);
+    EXPECT_EQ(Verdict(far, Echo(far, rate, 100), rate, 1), 1) << rate;
+    EXPECT_EQ(Verdict(far, Talk(rate, 5, 51), rate, 5000), 0) << rate;
+  }
+}
+
+TEST(EchoDetection, LooksNoFartherThanAsked) {
+  const Samples far = Talk(16000, 6, 60);
+  const Samples near = Echo(far, 16000, 300);
+  void* const detector = echo_detection_create(nullptr, 16000, 100);
+  echo_detection_process(detector, far.data(), near.data(), static_cast<int>(near.size()));
+  EXPECT_EQ(get_echo_detection_result(detector), 0);
+  echo_detection_free(detector);
+}
+
+TEST(EchoDetection, AnswersNothingWithoutADetector) {
+  const short sample = 1;
+  CapturedStderr log;
+  EXPECT_EQ(echo_detection_create(nullptr, 0, 500), nullptr);
+  EXPECT_EQ(log.Lines().size(), 1u);
+  EXPECT_EQ(echo_detection_process(nullptr, &sample, &sample, 1), -1);
+  EXPECT_EQ(get_echo_detection_result(nullptr), 0);
+  echo_detection_free(nullptr);
+}
+
+}  // namespace

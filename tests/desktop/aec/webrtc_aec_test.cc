@@ -1,0 +1,169 @@
+#include "engine_api/aec/webrtc_aec.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "support/captured_stderr.h"
+#include "support/talk.h"
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr size_t kBlock = 160;
+constexpr int kLag = 112;
+
+class WebRtcAec : public testing::Test {
+ protected:
+  WebRtcAec() {
+    EXPECT_EQ(WebRtcAec_Create(&m_handle), 0);
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+  }
+  ~WebRtcAec() override { EXPECT_EQ(WebRtcAec_Free(m_handle), 0); }
+
+  // Floats as they come out, less the lag.
+  std::vector<float> Run(const Samples& far, const Samples& near, int16_t delay, int32_t skew = 0) {
+    std::vector<float> out(near.size());
+    std::vector<float> farBlock(kBlock);
+    std::vector<float> nearBlock(kBlock);
+    for (size_t at = 0; at + kBlock <= near.size(); at += kBlock) {
+      std::copy_n(&far[at], kBlock, farBlock.begin());
+      std::copy_n(&near[at], kBlock, nearBlock.begin());
+      EXPECT_EQ(WebRtcAec_BufferFarend(m_handle, farBlock.data(), kBlock), 0);
+      const float* const in = nearBlock.data();
+      float* const result = &out[at];
+      EXPECT_EQ(WebRtcAec_Process(m_handle, &in, 1, &result, kBlock, delay, skew), 0);
+    }
+    return out;
+  }
+
+  // With the lag taken away.
+  Samples RunShorts(const Samples& far, const Samples& near, int16_t delay, int32_t skew = 0) {
+    const std::vector<float> out = Run(far, near, delay, skew);
+    Samples shorts(out.size() - kLag);
+    std::transform(out.begin() + kLag, out.end(), shorts.begin(),
+                   [](float sample) { return static_cast<short>(sample); });
+    return shorts;
+  }
+
+  void SetNlp(int16_t mode) {
+    AecConfig config = {};
+    config.nlpMode = mode;
+    EXPECT_EQ(WebRtcAec_set_config(m_handle, config), 0);
+  }
+
+  void* m_handle = nullptr;
+};
+
+TEST_F(WebRtcAec, CancelsEcho) {
+  const Samples far = Talk(kRate, 8, 1);
+  const Samples near = Sum(Echo(far, kRate, 89), Hiss(kRate, 8, 2, -65));
+  SetNlp(kAecNlpAggressive);
+  EXPECT_GT(LossDb(near, RunShorts(far, near, 89), kRate, 3, 8), 30);
+}
+
+TEST_F(WebRtcAec, CancelsEchoWithADelayThatIsWrong) {
+  const Samples far = Talk(kRate, 8, 3);
+  const Samples near = Sum(Echo(far, kRate, 89), Hiss(kRate, 8, 4, -65));
+  SetNlp(kAecNlpAggressive);
+  for (const int16_t delay : {int16_t{0}, int16_t{150}}) {
+    EXPECT_GT(LossDb(near, RunShorts(far, near, delay), kRate, 4, 8), 20) << delay;
+  }
+}
+
+TEST_F(WebRtcAec, SuppressesMoreWhenAskedTo) {
+  const Samples far = Talk(kRate, 8, 5);
+  Samples near = Sum(Echo(far, kRate, 60), Hiss(kRate, 8, 6, -65));
+  for (short& sample : near) {  // A loudspeaker that is driven too hard.
+    sample = static_cast<short>(std::clamp<int>(sample, -700, 900));
+  }
+  double loss[3] = {};
+  for (const int mode : {kAecNlpConservative, kAecNlpModerate, kAecNlpAggressive}) {
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+    SetNlp(static_cast<int16_t>(mode));
+    loss[mode] = LossDb(near, RunShorts(far, near, 60), kRate, 3, 8);
+  }
+  EXPECT_LT(loss[kAecNlpConservative] + 1, loss[kAecNlpModerate]);
+  EXPECT_LT(loss[kAecNlpModerate] + 1, loss[kAecNlpAggressive]);
+  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+  EXPECT_EQ(LossDb(near, RunShorts(far, near, 60), kRate, 3, 8), loss[kAecNlpModerate]);
+}
+
+TEST_F(WebRtcAec, LeavesNearEndSpeechAsItIs) {
+  const Samples speech = Talk(kRate, 4, 7);
+  const Samples out = RunShorts(Samples(speech.size()), speech, 0);
+  EXPECT_NEAR(LossDb(speech, out, kRate, 0.1, 4), 0, 0.1);
+  EXPECT_GT(SdrDb(speech, out, kRate, 0.1, 0), 30);
+}
+
+TEST_F(WebRtcAec, ImprovesDoubleTalk) {
+  const Samples far = Talk(kRate, 8, 8);
+  const Samples speech = Talk(kRate, 8, 9);
+  const Samples near = Sum(Echo(far, kRate, 50, 0), speech);
+  SetNlp(kAecNlpAggressive);
+  EXPECT_GT(SdrDb(speech, RunShorts(far, near, 50), kRate, 2, 0),
+            SdrDb(speech, near, kRate, 2, 0) + 4);
+}
+
+TEST_F(WebRtcAec, StaysWithin16BitsAndTakesAnyDelayWithoutALine) {
+  Samples far = Hiss(kRate, 3, 10, -3);
+  Samples near(far.size());
+  for (size_t i = 800; i < near.size(); ++i) near[i] = far[i - 800] < 0 ? -32768 : 32767;
+  for (const int16_t delay : {int16_t{-25536}, int16_t{-1}, int16_t{501}, int16_t{32767}}) {
+    CapturedStderr log;
+    for (const float sample : Run(far, near, delay)) {
+      ASSERT_GE(sample, -32768.0f);
+      ASSERT_LE(sample, 32767.0f);
+    }
+    EXPECT_EQ(log.Text(), "");
+  }
+}
+
+TEST_F(WebRtcAec, IgnoresSkewAndRepeatsItself) {
+  const Samples far = Talk(kRate, 2, 11);
+  const Samples near = Echo(far, kRate, 40);
+  const std::vector<float> once = Run(far, near, 40);
+  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+  EXPECT_EQ(Run(far, near, 40, 77), once);
+}
+
+TEST_F(WebRtcAec, WorksInPlace) {
+  const Samples far = Talk(kRate, 1, 12);
+  std::vector<float> block(far.begin(), far.begin() + kBlock);
+  float* const place = block.data();
+  EXPECT_EQ(WebRtcAec_Process(m_handle, &place, 1, &place, kBlock, 0, 0), 0);
+}
+
+TEST_F(WebRtcAec, RefusesWhatIsNotAsSaid) {
+  std::vector<float> block(kBlock);
+  float* const place = block.data();
+  EXPECT_EQ(WebRtcAec_BufferFarend(m_handle, place, 80), -1);
+  EXPECT_EQ(WebRtcAec_BufferFarend(m_handle, nullptr, kBlock), -1);
+  EXPECT_EQ(WebRtcAec_Process(m_handle, &place, 2, &place, kBlock, 0, 0), -1);
+  EXPECT_EQ(WebRtcAec_Process(m_handle, &place, 1, &place, 80, 0, 0), -1);
+  AecConfig config = {};
+  config.nlpMode = 3;
+  EXPECT_EQ(WebRtcAec_set_config(m_handle, config), -1);
+  CapturedStderr log;
+  EXPECT_EQ(WebRtcAec_Init(m_handle, 48000, 48000), -1);
+  EXPECT_EQ(log.Lines().size(), 1u);
+}
+
+TEST(WebRtcAecHandle, GivesMinus1WhenNullOrNotInitialised) {
+  std::vector<float> block(kBlock);
+  float* const place = block.data();
+  void* handle = nullptr;
+  EXPECT_EQ(WebRtcAec_Create(nullptr), -1);
+  EXPECT_EQ(WebRtcAec_Create(&handle), 0);
+  for (void* const unusable : {static_cast<void*>(nullptr), handle}) {
+    EXPECT_EQ(WebRtcAec_set_config(unusable, AecConfig()), -1);
+    EXPECT_EQ(WebRtcAec_BufferFarend(unusable, place, kBlock), -1);
+    EXPECT_EQ(WebRtcAec_Process(unusable, &place, 1, &place, kBlock, 0, 0), -1);
+  }
+  EXPECT_EQ(WebRtcAec_Init(nullptr, kRate, kRate), -1);
+  EXPECT_EQ(WebRtcAec_Free(nullptr), -1);
+  EXPECT_EQ(WebRtcAec_Free(handle), 0);
+}
+
+}  // namespace
