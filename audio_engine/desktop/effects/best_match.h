@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+
+namespace desktop {
+
+// Where a stretch of signal looks most like another one: the measure by which waveform-similarity
+// overlap-add chooses its joins (Verhelst and Roelands 1993).
+struct Match {
+  size_t place = 0;     // The best of the places asked for.
+  double likeness = 0;  // Normalised correlation there, -1 to 1; 1 where both are silent.
+};
+
+// Compares pattern[0..length) with field[i..i+length) for i = 0..places-1 (at least one). It looks
+// at every `step`-th place and sample first, then at the neighbours of the best; step 1 is a full
+// search. `step` should be below half a period of the highest strong component.
+Match BestMatch(const float* pattern, size_t length, const float* field, size_t places,
+                size_t step);
+
+}  // namespace desktop

@@ -1,0 +1,156 @@
+#include "engine_api/effects/rate_changer.h"
+
+#include <SoundTouch.h>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <optional>
+#include <vector>
+
+#include "desktop/effects/time_scaler.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+constexpr size_t kPieceFrames = 1024;  // Samples are passed on in pieces of so many frames.
+constexpr int kMaxChannels = 8;
+
+using Shorts = std::vector<short>;
+
+// The speed of a tape: the pitch goes with it.
+class Tape {
+ public:
+  // Throws when there is no memory, as all of it does.
+  Tape(int rate, int channels)
+      : m_channels(static_cast<size_t>(channels)), m_floats(kPieceFrames * m_channels) {
+    m_resampler.setSampleRate(static_cast<unsigned>(rate));
+    m_resampler.setChannels(static_cast<unsigned>(channels));
+  }
+
+  void SetSpeed(double speed) { m_resampler.setRate(speed); }
+
+  void Put(const short* samples, size_t frames) {
+    while (frames > 0) {
+      const size_t piece = std::min(frames, kPieceFrames);
+      std::copy_n(samples, piece * m_channels, m_floats.begin());
+      m_resampler.putSamples(m_floats.data(), static_cast<unsigned>(piece));
+      samples += piece * m_channels;
+      frames -= piece;
+    }
+  }
+
+  size_t Take(short* out, size_t room) {
+    const size_t frames = m_resampler.receiveSamples(m_floats.data(), static_cast<unsigned>(room));
+    for (size_t i = 0; i < frames * m_channels; ++i) {
+      out[i] = static_cast<short>(std::lrint(std::clamp(m_floats[i], -32768.0F, 32767.0F)));
+    }
+    return frames;
+  }
+
+ private:
+  soundtouch::SoundTouch m_resampler;
+  const size_t m_channels;
+  std::vector<float> m_floats;
+};
+
+// Passes samples through `changer` and appends what is ready to `out`.
+template <typename Changer>
+void Pass(Changer& changer, const short* samples, size_t frames, size_t channels, Shorts& piece,
+          std::string& out) {
+  changer.Put(samples, frames);
+  while (const size_t ready = changer.Take(piece.data(), kPieceFrames)) {
+    out.append(reinterpret_cast<const char*>(piece.data()), ready * channels * sizeof(short));
+  }
+}
+
+}  // namespace
+
+struct RateChanger::Impl {
+  explicit Impl(bool pitchIsKept) : keepPitch(pitchIsKept) {}
+
+  void UpdateSpeed() {
+    const double speed = enabled ? ratio : 1;
+    if (scaler) scaler->SetSpeed(speed);
+    if (tape) tape->SetSpeed(speed);
+  }
+
+  // One line for each format, not one for each block.
+  void Tell(const char* what) {
+    if (!told) OutputDebugInfo("RateChanger: %s", what);
+    told = true;
+  }
+
+  const bool keepPitch;
+  bool enabled = false;
+  double ratio = 1;
+  int channels = 0;
+  bool told = false;
+  std::optional<desktop::TimeScaler> scaler;  // The one or the other, when the format is good.
+  std::optional<Tape> tape;
+  Shorts piece;
+};
+
+RateChanger::RateChanger(bool keepPitch) : m_impl(std::make_unique<Impl>(keepPitch)) {}
+
+RateChanger::~RateChanger() = default;
+
+void RateChanger::SetEnabled(bool enabled) {
+  m_impl->enabled = enabled;
+  m_impl->UpdateSpeed();
+}
+
+void RateChanger::SetRatio(double ratio) {
+  if (std::isnan(ratio)) {
+    OutputDebugInfo("RateChanger: a ratio that is no number is ignored");
+    return;
+  }
+  m_impl->ratio = std::clamp(ratio, 0.25, 4.0);
+  m_impl->UpdateSpeed();
+}
+
+void RateChanger::SetFsAndCh(int rate, int channels) {
+  Impl& impl = *m_impl;
+  impl.scaler.reset();
+  impl.tape.reset();
+  impl.told = false;
+  if (rate < 8000 || rate > 48000 || channels < 1 || channels > kMaxChannels) {
+    impl.Tell("a format that cannot be done");
+    return;
+  }
+  try {
+    impl.channels = channels;
+    impl.piece.resize(kPieceFrames * static_cast<size_t>(channels));
+    if (impl.keepPitch) {
+      impl.scaler.emplace(rate, channels);
+    } else {
+      impl.tape.emplace(rate, channels);
+    }
+    impl.UpdateSpeed();
+  } catch (const std::exception&) {
+    impl.scaler.reset();
+    impl.tape.reset();
+    impl.Tell("no memory");
+  }
+}
+
+void RateChanger::Process(short* samples, int samplesPerChannel, int channels, std::string& out) {
+  Impl& impl = *m_impl;
+  out.clear();
+  if (!impl.scaler && !impl.tape) {
+    impl.Tell("no format is set");
+    return;
+  }
+  if (samples == nullptr || samplesPerChannel < 0 || channels != impl.channels) {
+    impl.Tell("a block that does not have the channels set");
+    return;
+  }
+  const auto frames = static_cast<size_t>(samplesPerChannel);
+  const auto ch = static_cast<size_t>(channels);
+  try {
+    if (impl.scaler) Pass(*impl.scaler, samples, frames, ch, impl.piece, out);
+    if (impl.tape) Pass(*impl.tape, samples, frames, ch, impl.piece, out);
+  } catch (const std::exception&) {
+    impl.Tell("no memory for a block");
+  }
+}

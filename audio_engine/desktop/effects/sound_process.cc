@@ -1,0 +1,141 @@
+#include "engine_api/effects/sound_process.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <span>
+
+#include "desktop/effects/best_match.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+constexpr unsigned kMaxChannels = 8;
+constexpr size_t kMaxFrames = 1488;   // 31 ms at 48 kHz.
+constexpr double kPeriodic = 0.6;     // Likeness from which a stretch counts as a repetition.
+constexpr double kLowVoice = 0.85;    // The same where only a longer period than usual would do.
+constexpr double kHardlyAlike = 0.7;  // Below it the longer periods are looked at.
+
+// Two stretches of a block that look alike: [first, first + overlap) and, `lag` later, the other.
+struct Repetition {
+  size_t first = 0;
+  size_t lag = 0;
+  size_t overlap = 0;
+  double likeness = -2;
+};
+
+// The frames that so many tenths of a millisecond last.
+size_t Frames(unsigned rate, unsigned tenths) { return (size_t{rate} * tenths + 9999) / 10000; }
+
+// All channels of a block together, so that they are cut at the same place.
+void Mix(const short* in, unsigned channels, std::span<float> mono) {
+  for (size_t i = 0; i < mono.size(); ++i) {
+    int sum = 0;
+    for (size_t channel = 0; channel < channels; ++channel) sum += in[i * channels + channel];
+    mono[i] = static_cast<float>(sum);
+  }
+}
+
+// The best repetition with a lag of lowest..highest frames, tried early, amid and late in the
+// block.
+Repetition Search(std::span<const float> mono, unsigned rate, size_t lowest, size_t highest) {
+  const size_t overlap = Frames(rate, 70);
+  const size_t slack = mono.size() - overlap - highest;
+  const size_t step = std::max(rate / 11000, 1U);
+  Repetition best;
+  for (const size_t first : {slack / 2, slack / 8, slack - slack / 8}) {
+    const desktop::Match match = desktop::BestMatch(
+        mono.data() + first, overlap, mono.data() + first + lowest, highest - lowest + 1, step);
+    if (match.likeness > best.likeness) {
+      best = {first, lowest + match.place, overlap, match.likeness};
+    }
+  }
+  return best;
+}
+
+// Half the blocks of a voice, by where its pulses happen to lie in them: a choice that needs no
+// memory of the block before.
+bool PulsesLieEarly(std::span<const float> mono, size_t period) {
+  const auto quieter = [](float a, float b) { return std::fabs(a) < std::fabs(b); };
+  const auto loudest = std::max_element(mono.begin(), mono.end(), quieter);
+  return static_cast<size_t>(loudest - mono.begin()) % period < period / 2;
+}
+
+// What to take out or put in; lag 0 when the block is to stay as it is.
+Repetition FindRepetition(std::span<const float> mono, unsigned rate, bool always) {
+  const size_t shortest = Frames(rate, 24);
+  const size_t longest = Frames(rate, 90) - 1;
+  const Repetition best = Search(mono, rate, shortest, longest);
+  if (best.likeness < kHardlyAlike) {
+    const Repetition low = Search(mono, rate, longest + 1, Frames(rate, 125));
+    if (low.likeness > kLowVoice) {
+      // A whole period of every block would be more than a third of it.
+      return PulsesLieEarly(mono, low.lag) ? low : Repetition();
+    }
+  }
+  return always || best.likeness >= kPeriodic ? best : Repetition();
+}
+
+// Copies the frames [0, before), fades from those at `before` to those at `after` and copies the
+// rest. Returns the number of samples.
+unsigned Splice(std::span<const short> in, unsigned channels, size_t before, size_t after,
+                size_t overlap, short* out) {
+  const short* leaving = in.data() + before * channels;
+  const short* coming = in.data() + after * channels;
+  short* end = std::copy(in.data(), leaving, out);
+  for (size_t i = 0; i < overlap * channels; ++i) {
+    const size_t frame = i / channels;
+    const double phase = (static_cast<double>(frame) + 0.5) / static_cast<double>(overlap);
+    const double share = 0.5 - 0.5 * std::cos(M_PI * phase);
+    *end++ = static_cast<short>(std::lrint(leaving[i] + share * (coming[i] - leaving[i])));
+  }
+  end = std::copy(coming + overlap * channels, in.data() + in.size(), end);
+  return static_cast<unsigned>(end - out);
+}
+
+// Only the first refusal is logged, not one for each block.
+int Refuse(int code, const char* why) {
+  static std::atomic_flag told;
+  if (!told.test_and_set()) OutputDebugInfo("sound process: %s", why);
+  return code;
+}
+
+int Process(unsigned rate, unsigned channels, const short* in, unsigned samples, short* out,
+            unsigned* outSamples, bool shorter, bool always) {
+  const unsigned room = *outSamples;
+  *outSamples = 0;
+  if (rate < 8000 || rate > 48000 || channels < 1 || channels > kMaxChannels) {
+    return Refuse(kSoundProcessBadFormat, "a format that cannot be done");
+  }
+  const size_t frames = samples / channels;
+  if (in == nullptr || out == nullptr || frames < Frames(rate, 290) || frames > Frames(rate, 310) ||
+      frames > kMaxFrames) {
+    return Refuse(kSoundProcessBadBlock, "a block that does not last 30 ms");
+  }
+  std::array<float, kMaxFrames> room30Ms;
+  const std::span<float> mono(room30Ms.data(), frames);
+  Mix(in, channels, mono);
+  const Repetition found = FindRepetition(mono, rate, always);
+  const size_t lag = found.lag * channels;
+  if ((shorter ? samples - lag : samples + lag) > room) {
+    return Refuse(kSoundProcessNoRoom, "too little room for the block");
+  }
+  const size_t later = found.first + found.lag;
+  *outSamples = Splice({in, samples}, channels, shorter ? found.first : later,
+                       shorter ? later : found.first, found.overlap, out);
+  return 0;
+}
+
+}  // namespace
+
+int AccelerateSoundProcess(unsigned int rate, unsigned int channels, const short* in,
+                           unsigned int inSamples, short* out, unsigned int* outSamples,
+                           bool always) {
+  return Process(rate, channels, in, inSamples, out, outSamples, true, always);
+}
+
+int StretchSoundProcess(unsigned int rate, unsigned int channels, const short* in,
+                        unsigned int inSamples, short* out, unsigned int* outSamples) {
+  return Process(rate, channels, in, inSamples, out, outSamples, false, true);
+}

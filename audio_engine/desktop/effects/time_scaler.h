@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace desktop {
+
+// Plays 16-bit audio faster or slower at the same pitch: waveform-similarity overlap-add (Verhelst
+// and Roelands 1993) over a stream. Each segment of the output is a stretch of the input, faded in
+// over 10 ms where the input resembles what would have come next; all channels are joined at the
+// same places. At speed 1 it copies, sample by sample, with no delay of its own.
+class TimeScaler {
+ public:
+  // rate: Hz, 8000 to 48000. channels: at least 1.
+  TimeScaler(int rate, int channels);
+
+  // 0.25 to 4; the segment in progress is played to its end.
+  void SetSpeed(double speed);
+
+  // Appends `frames` interleaved frames to what waits.
+  void Put(const short* samples, size_t frames);
+
+  // Plays up to `room` frames into `out` and returns how many.
+  size_t Take(short* out, size_t room);
+
+  // Frames that were put and neither played nor passed over yet.
+  size_t Waiting() const { return Frames() - m_position; }
+
+  // Forgets all samples; the speed stays.
+  void Reset();
+
+ private:
+  size_t Frames() const { return m_input.size() / m_channels; }
+  bool Join();
+  void Copy(short* out, size_t frames);
+  void Mix(size_t first, size_t frames, std::vector<float>& mono) const;
+
+  const size_t m_channels;
+  const size_t m_overlap;  // Frames that fade at a join.
+  const size_t m_reach;    // How far a join may lie from its target, in frames.
+  const size_t m_long;     // A segment at speeds up to 1.6, in frames,
+  const size_t m_short;    // and above, where more is passed over between two.
+  const size_t m_step;     // The coarse step of the search.
+  std::vector<float> m_fade;
+  std::vector<float> m_pattern;
+  std::vector<float> m_field;
+  std::vector<short> m_input;
+  double m_speed = 1;
+  size_t m_position = 0;   // The next frame of m_input to play.
+  double m_target = 0;     // Where the next segment should begin.
+  size_t m_left = 0;       // Frames of this segment still to play; of no account at speed 1.
+  size_t m_fadingOut = 0;  // The next frame of the segment before, while that fades out.
+  size_t m_faded = 0;      // Frames of the fade that are done; all of them when none is going on.
+};
+
+}  // namespace desktop

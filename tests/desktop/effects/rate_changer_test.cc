@@ -1,0 +1,165 @@
+#include "engine_api/effects/rate_changer.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "support/captured_stderr.h"
+#include "support/voice.h"
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+using Shorts = std::vector<short>;
+
+// Passes in[begin..end) through in blocks of 10 ms.
+Shorts Pass(RateChanger& changer, Shorts& in, size_t begin, size_t end, int rate, int channels) {
+  const auto block = static_cast<size_t>(rate / 100 * channels);
+  Shorts out;
+  std::string bytes = "whatever stood there before";
+  for (size_t done = begin; done + block <= end; done += block) {
+    changer.Process(&in[done], rate / 100, channels, bytes);
+    const size_t length = bytes.size() / sizeof(short);
+    out.resize(out.size() + length);
+    memcpy(out.data() + out.size() - length, bytes.data(), length * sizeof(short));
+  }
+  return out;
+}
+
+void Start(RateChanger& changer, double ratio, int rate, int channels) {
+  changer.SetEnabled(true);
+  changer.SetRatio(ratio);
+  changer.SetFsAndCh(rate, channels);
+}
+
+TEST(RateChanger, SweepsWithEachSegmentOfTheRightLength) {
+  for (const bool keepPitch : {true, false}) {
+    for (const int rate : {8000, 44100}) {
+      for (const int channels : {1, 2}) {
+        Shorts in = SungNote(220, rate, 25, channels);
+        RateChanger changer(keepPitch);
+        Start(changer, 1, rate, channels);
+        const size_t segment = static_cast<size_t>(5 * rate * channels);
+        size_t begin = 0;
+        for (const double ratio : {1.0, 2.0, 3.0, 2.0, 1.0}) {
+          changer.SetRatio(ratio);
+          const Shorts out = Pass(changer, in, begin, begin + segment, rate, channels);
+          const double share = static_cast<double>(out.size()) / static_cast<double>(segment);
+          EXPECT_NEAR(share * ratio, 1, 0.015) << ratio << ", " << rate << " Hz, " << keepPitch;
+          const double pitch = keepPitch ? 220 : 220 * ratio;
+          EXPECT_NEAR(CentsOff(out, pitch, rate, channels), 0, 5) << ratio;
+          begin += segment;
+        }
+      }
+    }
+  }
+}
+
+TEST(RateChanger, ChangesTheSpeedWithoutAJump) {
+  Shorts in = SungNote(220, 44100, 12);
+  RateChanger changer(true);
+  Start(changer, 1, 44100, 1);
+  Shorts out;
+  size_t begin = 0;
+  for (const double ratio : {1.0, 2.0, 0.5, 1.0, 3.0, 0.25}) {
+    changer.SetRatio(ratio);
+    const Shorts segment = Pass(changer, in, begin, begin + 88200, 44100, 1);
+    out.insert(out.end(), segment.begin(), segment.end());
+    begin += 88200;
+  }
+  EXPECT_LE(LargestStep(out), 1.02 * LargestStep(in));
+  EXPECT_NEAR(CentsOff(out, 220, 44100), 0, 5);
+}
+
+TEST(RateChanger, PassesSamplesWhileDisabledAndAtRatioOne) {
+  Shorts in = SungNote(220, 16000, 2);
+  RateChanger disabled(true);
+  disabled.SetRatio(2);
+  disabled.SetFsAndCh(16000, 1);
+  EXPECT_EQ(Pass(disabled, in, 0, in.size(), 16000, 1), in);
+  RateChanger unity(true);
+  Start(unity, 1, 16000, 1);
+  EXPECT_EQ(Pass(unity, in, 0, in.size(), 16000, 1), in);
+}
+
+TEST(RateChanger, GivesNothingBeforeAFormatIsSet) {
+  CapturedStderr log;
+  RateChanger changer(true);
+  changer.SetEnabled(true);
+  Shorts in(160);
+  std::string out = "old";
+  changer.Process(in.data(), 160, 1, out);
+  EXPECT_THAT(out, IsEmpty());
+  out = "old";
+  changer.Process(in.data(), 160, 1, out);
+  EXPECT_THAT(out, IsEmpty());
+  EXPECT_THAT(log.Lines(), SizeIs(1));
+}
+
+TEST(RateChanger, GivesNothingInAFormatThatCannotBeDone) {
+  for (const bool keepPitch : {true, false}) {
+    for (const auto& [rate, channels] :
+         {std::pair{0, 1}, {192000, 2}, {44100, 0}, {44100, 20}, {-8000, 1}}) {
+      CapturedStderr log;
+      RateChanger changer(keepPitch);
+      Start(changer, 1, rate, channels);
+      Shorts in(20 * 441);
+      std::string out = "old";
+      for (int call = 0; call < 3; ++call) changer.Process(in.data(), 441, channels, out);
+      EXPECT_THAT(out, IsEmpty());
+      EXPECT_THAT(log.Lines(), SizeIs(1)) << rate << ", " << channels;
+    }
+  }
+}
+
+TEST(RateChanger, RefusesABlockOfOtherChannels) {
+  CapturedStderr log;
+  RateChanger changer(true);
+  Start(changer, 1, 16000, 1);
+  Shorts in(320, 5);
+  std::string out;
+  changer.Process(in.data(), 160, 2, out);
+  EXPECT_THAT(out, IsEmpty());
+  changer.Process(in.data(), 160, 1, out);
+  EXPECT_THAT(out, SizeIs(320));
+}
+
+TEST(RateChanger, ClampsTheRatio) {
+  Shorts in = SungNote(220, 8000, 10);
+  for (const auto& [asked, used] : {std::pair{100.0, 4.0}, {0.0, 0.25}, {-3.0, 0.25}}) {
+    RateChanger changer(true);
+    Start(changer, asked, 8000, 1);
+    const Shorts out = Pass(changer, in, 0, in.size(), 8000, 1);
+    const double share = static_cast<double>(out.size()) / static_cast<double>(in.size());
+    EXPECT_NEAR(share * used, 1, 0.015) << asked;
+  }
+  CapturedStderr log;
+  RateChanger changer(true);
+  Start(changer, std::numeric_limits<double>::quiet_NaN(), 8000, 1);
+  EXPECT_EQ(Pass(changer, in, 0, in.size(), 8000, 1), in);
+  EXPECT_THAT(log.Lines(), SizeIs(1));
+}
+
+TEST(RateChanger, GivesTheSameHoweverTheInputIsCut) {
+  Shorts in = Babble(16000, 4);
+  Shorts outs[2];
+  const int blocks[2] = {160, 1000};
+  for (int i = 0; i < 2; ++i) {
+    RateChanger changer(true);
+    Start(changer, 1.5, 16000, 1);
+    std::string bytes;
+    for (int done = 0; done + blocks[i] <= 64000; done += blocks[i]) {
+      changer.Process(&in[static_cast<size_t>(done)], blocks[i], 1, bytes);
+      const auto* samples = reinterpret_cast<const short*>(bytes.data());
+      outs[i].insert(outs[i].end(), samples, samples + bytes.size() / sizeof(short));
+    }
+  }
+  EXPECT_EQ(outs[0], outs[1]);
+}
+
+}  // namespace
