@@ -1,0 +1,202 @@
+#include "engine_api/effects/beat_track.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "support/captured_stderr.h"
+#include "support/drum_loop.h"
+#include "support/voice.h"
+
+using testing::AllOf;
+using testing::Each;
+using testing::Ge;
+using testing::IsEmpty;
+using testing::Le;
+using testing::SizeIs;
+
+namespace {
+
+struct Release {
+  void operator()(IBeatTrack* tracker) const { tracker->Destroy(); }
+};
+using Tracker = std::unique_ptr<IBeatTrack, Release>;
+
+// Notes each beat with the samples handed over before it.
+class Listener : public IBeatTrackNotify {
+ public:
+  void NotifyBeat(int bpm, float power) override {
+    times.push_back(now);
+    tempi.push_back(bpm);
+    powers.push_back(power);
+  }
+  void NotifyStartFive() override { startsAfter.push_back(times.size()); }
+
+  double now = 0;  // Seconds.
+  std::vector<double> times;
+  std::vector<int> tempi;
+  std::vector<float> powers;
+  std::vector<size_t> startsAfter;
+};
+
+// Plays `samples` to a new tracker in blocks of `block` and returns what it told.
+Listener Listen(std::vector<short> samples, int rate, int channels, int block, int delay = 0) {
+  Listener listener;
+  const Tracker tracker(CreateBeatTrack(rate, channels));
+  tracker->Start(0, &listener, delay);
+  const int count = static_cast<int>(samples.size());
+  for (int done = 0; done < count; done += block) {
+    const int length = std::min(block, count - done);
+    listener.now = static_cast<double>(done + length) / rate / channels;
+    const size_t before = listener.times.size();
+    const int status = tracker->Detectbeat(&samples[static_cast<size_t>(done)], length);
+    EXPECT_EQ(status, listener.times.size() > before ? 1 : 0);
+  }
+  tracker->Stop();
+  return listener;
+}
+
+// The share of beats after 10 s that lie within 70 ms of one of the loop.
+double OnTheGrid(const Listener& listener, const DrumLoop& loop) {
+  int told = 0;
+  int right = 0;
+  for (const double time : listener.times) {
+    if (time < 10) continue;
+    ++told;
+    right += std::any_of(loop.beats.begin(), loop.beats.end(),
+                         [&](double beat) { return std::fabs(beat - time) < 0.07; });
+  }
+  return told > 0 ? static_cast<double>(right) / told : 0;
+}
+
+TEST(BeatTrack, FollowsEveryGrooveFrom70To180) {
+  for (const Groove groove :
+       {Groove::kRock, Groove::kHouse, Groove::kWaltz, Groove::kSwing, Groove::kBallad}) {
+    for (int bpm = 70; bpm <= 180; bpm += 10) {
+      const DrumLoop loop = RenderLoop(groove, bpm, 24, 0.31, 22050);
+      const Listener listener = Listen(loop.samples, 22050, 1, 220);
+      EXPECT_GE(OnTheGrid(listener, loop), 0.8) << static_cast<int>(groove) << " at " << bpm;
+      ASSERT_THAT(listener.tempi, testing::Not(IsEmpty()));
+      // Whatever level is heard as the beat, its tempo is exact.
+      const double ratio = listener.tempi.back() / static_cast<double>(bpm);
+      EXPECT_LT(std::min(std::fabs(ratio - 1), std::fabs(2 * ratio - 1)), 0.02) << bpm;
+    }
+  }
+}
+
+TEST(BeatTrack, TellsTheTempoOfARockSong) {
+  for (const int bpm : {75, 100, 140, 165}) {
+    const DrumLoop loop = RenderLoop(Groove::kRock, bpm, 20, 0.1, 22050);
+    EXPECT_NEAR(Listen(loop.samples, 22050, 1, 220).tempi.back(), bpm, 0.02 * bpm);
+  }
+}
+
+TEST(BeatTrack, WorksAtEveryRateMonoAndStereo) {
+  for (const int rate : {8000, 16000, 44100, 48000}) {
+    for (const int channels : {1, 2}) {
+      const DrumLoop loop = RenderLoop(Groove::kRock, 120, 20, 0.2, rate, channels);
+      const Listener listener = Listen(loop.samples, rate, channels, rate / 100 * channels);
+      EXPECT_GE(OnTheGrid(listener, loop), 0.9) << rate << " Hz, " << channels;
+      EXPECT_NEAR(listener.tempi.back(), 120, 2);
+    }
+  }
+}
+
+TEST(BeatTrack, TellsTheFirstBeatWithinSixSeconds) {
+  const DrumLoop loop = RenderLoop(Groove::kRock, 110, 10, 0.2, 22050);
+  const Listener listener = Listen(loop.samples, 22050, 1, 220);
+  ASSERT_THAT(listener.times, testing::Not(IsEmpty()));
+  EXPECT_LT(listener.times.front(), 6);
+}
+
+TEST(BeatTrack, SaysTheSameHoweverTheInputIsCut) {
+  const DrumLoop loop = RenderLoop(Groove::kSwing, 120, 12, 0.2, 8000, 2);
+  const Listener whole = Listen(loop.samples, 8000, 2, 160);
+  for (const int block : {1, 7, 4001}) {
+    const Listener cut = Listen(loop.samples, 8000, 2, block);
+    EXPECT_EQ(cut.tempi, whole.tempi) << block;
+    EXPECT_EQ(cut.powers, whole.powers) << block;
+  }
+}
+
+TEST(BeatTrack, PowerTellsClearBeatsFromNone) {
+  const DrumLoop loop = RenderLoop(Groove::kHouse, 120, 20, 0.2, 22050);
+  const Listener clear = Listen(loop.samples, 22050, 1, 220);
+  EXPECT_THAT(clear.powers, Each(AllOf(Ge(0), Le(1))));
+  EXPECT_GT(clear.powers.back(), 0.5F);
+}
+
+TEST(BeatTrack, StartsAtTheFifthBeat) {
+  const DrumLoop loop = RenderLoop(Groove::kRock, 120, 12, 0.2, 22050);
+  const Listener listener = Listen(loop.samples, 22050, 1, 220);
+  EXPECT_THAT(listener.startsAfter, testing::ElementsAre(4));
+}
+
+TEST(BeatTrack, HasNoBeatInSilenceOrSteadyNoise) {
+  EXPECT_THAT(Listen(std::vector<short>(16000 * 15), 16000, 1, 160).times, IsEmpty());
+  std::vector<short> noise(16000 * 15);
+  uint32_t state = 1;
+  for (short& sample : noise) {
+    state = state * 1664525 + 1013904223;
+    sample = static_cast<short>(static_cast<int32_t>(state) / 131072);
+  }
+  EXPECT_THAT(Listen(noise, 16000, 1, 160).times, SizeIs(Le(2)));
+}
+
+TEST(BeatTrack, StopsWhenTheMusicStops) {
+  DrumLoop loop = RenderLoop(Groove::kRock, 120, 12, 0.2, 22050);
+  loop.samples.resize(22050 * 30);
+  const Listener listener = Listen(loop.samples, 22050, 1, 220);
+  EXPECT_LT(listener.times.back(), 16);
+}
+
+TEST(BeatTrack, TellsLaterByTheDelayAndTheRestAtTheEnd) {
+  const DrumLoop loop = RenderLoop(Groove::kRock, 120, 12, 0.2, 22050);
+  const Listener prompt = Listen(loop.samples, 22050, 1, 220);
+  const Listener late = Listen(loop.samples, 22050, 1, 220, 1200);
+  ASSERT_EQ(late.times.size(), prompt.times.size());
+  EXPECT_NEAR(late.times.front() - prompt.times.front(), 1.2, 0.011);
+  // Those that were not due yet come when it is stopped.
+  EXPECT_EQ(late.times.back(), late.now);
+  EXPECT_LT(prompt.times.back(), late.now);
+}
+
+TEST(BeatTrack, AnswersByStatusWhatItCannotDo) {
+  CapturedStderr log;
+  short block[160] = {};
+  for (const int rate : {0, -1, 7999, 192001}) {
+    const Tracker tracker(CreateBeatTrack(rate, 1));
+    tracker->Start(0, nullptr, 0);
+    EXPECT_EQ(tracker->Detectbeat(block, 160), kBeatTrackBadFormat);
+    EXPECT_EQ(tracker->Detectbeat(block, 160), kBeatTrackBadFormat);
+    tracker->Stop();
+  }
+  EXPECT_THAT(log.Lines(), SizeIs(4));
+  const Tracker tracker(CreateBeatTrack(16000, 1));
+  EXPECT_EQ(tracker->Detectbeat(block, 160), kBeatTrackNotStarted);
+  tracker->Start(0, nullptr, 0);
+  EXPECT_EQ(tracker->Detectbeat(block, 160), 0);
+  EXPECT_EQ(tracker->Detectbeat(nullptr, 160), kBeatTrackBadBlock);
+  EXPECT_EQ(tracker->Detectbeat(block, -1), kBeatTrackBadBlock);
+  tracker->Stop();
+  EXPECT_EQ(tracker->Detectbeat(block, 160), kBeatTrackNotStarted);
+}
+
+TEST(BeatTrack, StartsAnew) {
+  DrumLoop loop = RenderLoop(Groove::kRock, 120, 8, 0.2, 22050);
+  const Tracker tracker(CreateBeatTrack(22050, 1));
+  std::vector<int> tempi[2];
+  for (std::vector<int>& told : tempi) {
+    Listener listener;
+    tracker->Start(0, &listener, 0);
+    tracker->Detectbeat(loop.samples.data(), static_cast<int>(loop.samples.size()));
+    tracker->Stop();
+    told = listener.tempi;
+  }
+  EXPECT_THAT(tempi[0], testing::Not(IsEmpty()));
+  EXPECT_EQ(tempi[0], tempi[1]);
+}
+
+}  // namespace

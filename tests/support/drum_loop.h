@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vector>
+
+// The patterns of a drummer and a bass player: rock with eighths, a steady bass drum with open
+// cymbals between, a waltz, a swinging cymbal, and notes of a broken chord without drums.
+enum class Groove { kRock, kHouse, kWaltz, kSwing, kBallad };
+
+struct DrumLoop {
+  std::vector<short> samples;  // Interleaved, the same in all channels.
+  std::vector<double> beats;   // Seconds.
+};
+
+// A loop of `bpm` beats a minute whose first beat is at `start` s.
+DrumLoop RenderLoop(Groove groove, double bpm, double seconds, double start, int rate,
+                    int channels = 1);
