@@ -13,7 +13,7 @@ enum VoiceBeautifyOption {
 };
 
 // Makes a singer's or a speaker's voice more pleasant. As every IDSP it is disabled at first: then
-// samples pass unchanged. 8 to 48 kHz, one or two channels; other formats pass unchanged.
+// samples pass unchanged. 8 to 192 kHz, one or two channels; other formats pass unchanged.
 class ENGINE_API IAudioVoiceBeautify : public IDSP {
  public:
   // Changes `count` interleaved samples (of all channels together) in place and returns how many
@@ -28,6 +28,7 @@ class ENGINE_API IAudioVoiceBeautify : public IDSP {
   virtual void SetVoiceBeautifyOption(VoiceBeautifyOption option, float strength,
                                       float semitones) = 0;
 
-  // A new object at mode1 with strength 0, released by Destroy(). Never null.
+  // A new object at mode1 with strength 0, released by Destroy(). Null only when there is no
+  // memory.
   static IAudioVoiceBeautify* Create();
 };

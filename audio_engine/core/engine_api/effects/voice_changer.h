@@ -8,7 +8,7 @@ enum VoiceEffectOption {
   VeoEthereal = 1,         // [0] Thin and far, in a large room.
   VeoThriller = 2,         // [-2] Dark, trembling, with an echo.
   VeoLuBan = 3,            // [+4] A boy's voice from a small box.
-  VeoLorie = 4,            // [+8] A little girl's voice, steady (no vibrato).
+  VeoLorie = 4,            // [+9] A little girl's voice, steady (no vibrato).
   VeoUncle = 5,            // [-3] An older man: more chest.
   VeoDieFat = 6,           // [-5] Heavy and muffled.
   VeoBadBoy = 7,           // [+6] Cheeky: bright and a little nasal.
@@ -33,7 +33,7 @@ class ENGINE_API IVoiceChangerToolbox {
   // Takes effect within 160 ms, faded over. An unknown option counts as VeoNone.
   virtual void SetVoiceEffectOption(VoiceEffectOption option) = 0;
 
-  // A new toolbox at VeoNone, freed by delete. 8 to 48 kHz, one or two channels; samples of another
-  // format pass unchanged, with one line in the log. Never null.
+  // A new toolbox at VeoNone, freed by delete. 8 to 192 kHz, one or two channels; samples of
+  // another format pass unchanged, with one line in the log. Null only when there is no memory.
   static IVoiceChangerToolbox* Create(int rate, int channels);
 };

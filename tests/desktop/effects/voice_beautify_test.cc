@@ -1,0 +1,162 @@
+#include "engine_api/effects/voice_beautify.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "support/captured_stderr.h"
+#include "support/voice.h"
+
+using testing::SizeIs;
+
+namespace {
+
+using Shorts = std::vector<short>;
+
+struct Release {
+  void operator()(IAudioVoiceBeautify* effect) const { effect->Destroy(); }
+};
+using Beautify = std::unique_ptr<IAudioVoiceBeautify, Release>;
+
+// What the header says of each mode at full strength.
+constexpr double kSemitones[] = {0, 0, -2, 2, 0, 0};
+
+Beautify Enabled(int mode, float strength, float semitones) {
+  Beautify effect(IAudioVoiceBeautify::Create());
+  effect->SetEnabled(true);
+  effect->SetVoiceBeautifyOption(static_cast<VoiceBeautifyOption>(mode), strength, semitones);
+  return effect;
+}
+
+Shorts Process(IAudioVoiceBeautify& effect, Shorts samples, int rate, int channels = 1) {
+  const auto block = static_cast<size_t>(rate / 100 * channels);
+  for (size_t done = 0; done + block <= samples.size(); done += block) {
+    const int count = static_cast<int>(block);
+    auto* unsignedSamples = reinterpret_cast<unsigned short*>(&samples[done]);
+    EXPECT_EQ(effect.VoiceBeautifyProcess(unsignedSamples, count, rate, channels), count);
+  }
+  return samples;
+}
+
+class BeautifyMode : public testing::TestWithParam<int> {};
+
+TEST_P(BeautifyMode, MovesThePitchAsDocumented) {
+  const int mode = GetParam();
+  for (const int rate : {8000, 44100}) {
+    const Shorts note = SungNote(220, rate, 3);
+    for (const auto& [strength, extra] : {std::pair{1.0F, 0.0F}, {0.5F, 0.0F}, {1.0F, 3.0F}}) {
+      const Shorts out = Process(*Enabled(mode, strength, extra), note, rate);
+      const double semitones = kSemitones[mode] * strength + extra;
+      EXPECT_NEAR(CentsOff(out, 220 * std::pow(2, semitones / 12), rate), 0, 10) << rate;
+    }
+  }
+}
+
+TEST_P(BeautifyMode, KeepsTheLevelAndIsHeard) {
+  for (const int rate : {8000, 16000, 48000}) {
+    for (const Shorts& in : {SungNote(220, rate, 3), Babble(rate, 4)}) {
+      const Shorts out = Process(*Enabled(GetParam(), 1, 0), in, rate);
+      EXPECT_NEAR(20 * std::log10(Level(out) / Level(in)), 0, 6) << rate;
+      Shorts difference(in.size());
+      for (size_t i = 0; i < in.size(); ++i) difference[i] = static_cast<short>(out[i] - in[i]);
+      EXPECT_GT(Level(difference), 0.1 * Level(in)) << rate;
+    }
+  }
+}
+
+TEST_P(BeautifyMode, WorksInStereoAsInMono) {
+  const Shorts mono = SungNote(220, 16000, 1);
+  const Shorts stereo = SungNote(220, 16000, 1, 2);
+  for (const Shorts& out : {Process(*Enabled(GetParam(), 1, 0), stereo, 16000, 2)}) {
+    EXPECT_NEAR(20 * std::log10(Level(out) / Level(mono)), 0, 6);
+  }
+}
+
+TEST_P(BeautifyMode, AtStrengthZeroChangesNoBit) {
+  const Shorts in = Babble(16000, 1);
+  EXPECT_EQ(Process(*Enabled(GetParam(), 0, 0), in, 16000), in);
+  EXPECT_EQ(Process(*Enabled(GetParam(), -1, 0), in, 16000), in);
+  const float none = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_EQ(Process(*Enabled(GetParam(), none, none), in, 16000), in);
+}
+
+TEST_P(BeautifyMode, ClampsItsParameters) {
+  const Shorts in = SungNote(220, 16000, 3);
+  EXPECT_EQ(Process(*Enabled(GetParam(), 50, 0), in, 16000),
+            Process(*Enabled(GetParam(), 1, 0), in, 16000));
+  const Shorts high = Process(*Enabled(GetParam(), 0, 99), in, 16000);
+  EXPECT_NEAR(CentsOff(high, 440, 16000), 0, 10);
+  const Shorts low = Process(*Enabled(GetParam(), 0, -99), in, 16000);
+  EXPECT_NEAR(CentsOff(low, 220 * std::pow(2, -7.0 / 12), 16000), 0, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(, BeautifyMode, testing::Range(0, 6));
+
+TEST(VoiceBeautify, ChangesNoBitUntilItIsEnabled) {
+  const Shorts in = Babble(16000, 1);
+  const Beautify effect(IAudioVoiceBeautify::Create());
+  effect->SetVoiceBeautifyOption(mode6, 1, 0);
+  EXPECT_FALSE(effect->GetEnabled());
+  EXPECT_FALSE(effect->IsActive());
+  EXPECT_EQ(Process(*effect, in, 16000), in);
+}
+
+TEST(VoiceBeautify, SwitchesOffWithoutAClickAndThenChangesNoBit) {
+  const Shorts in = SungNote(220, 44100, 2);
+  const Beautify effect = Enabled(mode3, 1, 0);
+  Shorts out = Process(*effect, in, 44100);
+  EXPECT_TRUE(effect->IsActive());
+  effect->SetEnabled(false);
+  const Shorts after = Process(*effect, in, 44100);
+  EXPECT_FALSE(effect->IsActive());
+  EXPECT_TRUE(std::equal(after.end() - 44100, after.end(), in.end() - 44100));
+  out.insert(out.end(), after.begin(), after.end());
+  EXPECT_LE(LargestStep(out), 1.6 * LargestStep(in));
+}
+
+TEST(VoiceBeautify, DoesTheSameThroughEveryEntrance) {
+  const Shorts in = Babble(16000, 1);
+  const Shorts expected = Process(*Enabled(mode4, 1, 0), in, 16000);
+  const Beautify bytes = Enabled(mode4, 1, 0);
+  const Beautify words = Enabled(mode4, 1, 0);
+  for (size_t done = 0; done + 160 <= in.size(); done += 160) {
+    const auto begin = in.begin() + static_cast<std::ptrdiff_t>(done);
+    Shorts block(begin, begin + 160);
+    std::vector<int> wide(begin, begin + 160);
+    EXPECT_EQ(bytes->Process(reinterpret_cast<char*>(block.data()), 160, 16000, 1, 16), 160);
+    EXPECT_EQ(words->Process(wide.data(), 160, 16000, 1, 16, 160), 160);
+    for (size_t i = 0; i < 160; ++i) {
+      ASSERT_EQ(block[i], expected[done + i]);
+      ASSERT_EQ(wide[i], expected[done + i]);
+    }
+  }
+}
+
+TEST(VoiceBeautify, ForgetsWhenFlushed) {
+  const Shorts in = SungNote(220, 16000, 1);
+  const Beautify effect = Enabled(mode6, 1, 2);
+  const Shorts first = Process(*effect, in, 16000);
+  effect->Flush();
+  EXPECT_EQ(Process(*effect, in, 16000), first);
+}
+
+TEST(VoiceBeautify, PassesWhatItCannotDo) {
+  for (const auto& [rate, channels] :
+       {std::pair{0, 1}, {-1, 2}, {44100, 0}, {44100, 20}, {7999, 1}, {400000, 2}}) {
+    CapturedStderr log;
+    const Beautify effect = Enabled(mode6, 1, 0);
+    Shorts in = SungNote(220, 8000, 0.1);
+    const Shorts before = in;
+    for (int call = 0; call < 3; ++call) {
+      auto* samples = reinterpret_cast<unsigned short*>(in.data());
+      EXPECT_EQ(effect->VoiceBeautifyProcess(samples, 400, rate, channels), 400);
+    }
+    EXPECT_EQ(in, before);
+    EXPECT_THAT(log.Lines(), SizeIs(1)) << rate << ", " << channels;
+  }
+}
+
+}  // namespace
