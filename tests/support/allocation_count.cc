@@ -18,5 +18,10 @@ void* operator new(size_t bytes) {
   throw std::bad_alloc();
 }
 
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
+  ++g_allocations;
+  return std::malloc(bytes);
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, size_t) noexcept { std::free(memory); }
