@@ -66,6 +66,24 @@ bool Packed(const Audio& audio, Coding coding, int bits) {
          audio.frameBytes * 8 == bits * audio.channels;
 }
 
+uint32_t NumberAt(FILE* file, uint64_t at) {
+  unsigned char bytes[4] = {};
+  const bool found =
+      fseeko(file, static_cast<off_t>(at), SEEK_SET) == 0 && fread(bytes, 1, 4, file) == 4;
+  return found ? Number(bytes, 4) : 0;
+}
+
+// With the pad byte that a last chunk of odd length should have, but often lacks.
+uint64_t Padded(uint64_t bytes) { return bytes + bytes % 2; }
+
+// Where the chunks from `at` on end by what they announce.
+uint64_t EndOfChunks(FILE* file, uint64_t at, uint64_t fileBytes) {
+  for (int i = 0; i < kMaxChunks && at + 8 <= fileBytes; ++i) {
+    at += 8 + Padded(NumberAt(file, at + 4));
+  }
+  return at;
+}
+
 }  // namespace
 
 bool Audio::IsPcm16() const { return Packed(*this, Coding::kPcm, 16); }
@@ -101,6 +119,20 @@ Parsed Find(FILE* file, uint64_t fileBytes) {
     at += 8 + uint64_t{size} + size % 2;  // Chunks have even lengths in the file.
   }
   return {{}, "too many chunks"};
+}
+
+std::string LengthFault(FILE* file, const Audio& audio, uint64_t fileBytes) {
+  const uint64_t samples = NumberAt(file, audio.offset - 4);
+  const uint64_t there = fileBytes - audio.offset;
+  if (samples > there ||
+      Padded(EndOfChunks(file, audio.offset + Padded(samples), fileBytes)) != Padded(fileBytes)) {
+    return "its header announces " + std::to_string(samples) + " bytes of samples, there are " +
+           std::to_string(there);
+  }
+  const uint64_t whole = uint64_t{NumberAt(file, 4)} + 8;
+  if (Padded(whole) == Padded(fileBytes)) return "";
+  return "its header announces " + std::to_string(whole) + " bytes in all, there are " +
+         std::to_string(fileBytes);
 }
 
 std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, int bits,

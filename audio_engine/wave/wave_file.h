@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <string>
 
 // RIFF/WAVE as every part of this project reads and writes it. Knows no engine and no host.
 
@@ -42,6 +43,11 @@ struct Parsed {
 // ones, or nothing while the whole file announces nothing as well, reaches to the end of the file,
 // as programs leave it that cannot go back to their header.
 Parsed Find(FILE* file, uint64_t fileBytes);
+
+// Where the lengths in a header and those of the file differ, for audio that was found in it: "its
+// header announces 8 bytes of samples, there are 6". Empty when they agree; a length that the
+// header leaves open does not.
+std::string LengthFault(FILE* file, const Audio& audio, uint64_t fileBytes);
 
 constexpr size_t kHeaderBytes = 44;
 

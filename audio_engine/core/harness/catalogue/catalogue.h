@@ -39,7 +39,9 @@ struct FileUse {
   // An input without which, or with less than a block of which, the routine has an outcome of its
   // own.
   bool optional = false;
-  bool mayBeEmpty = false;   // An output that is as it should be without content.
+  bool mayBeEmpty = false;  // An output that is as it should be without content.
+  // An output whose WAVE header is on purpose that of another file: its lengths need not fit.
+  bool foreignHeader = false;
   std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
 };
 
