@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <system_error>
+#include <exception>
 #include <vector>
 
 #include "base/exit_code.h"
@@ -85,7 +85,7 @@ int RunCommandLine(int argc, char** argv) {
     return Execute(Parse(words));
   } catch (const UsageError& error) {
     PrintProblem(error.message);
-  } catch (const std::system_error& error) {
+  } catch (const std::exception& error) {
     PrintProblem(error.what());
   }
   return exit_code::kUsage;

@@ -132,6 +132,7 @@ class CommandLine {
     m_run->add_option("--json", options.json, "Also write the report to this file; - is stdout")
         ->type_name("FILE")
         ->check(EmptyProblem);
+    m_run->add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
     m_run->add_flag("--wav", options.wav,
                     "Also write headerless audio outputs as NAME.wav, 16-bit");
     m_run->allow_extras();  // Routine and arguments: CLI11 would take -1 for an option.

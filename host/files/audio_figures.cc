@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace host {
 
@@ -97,6 +99,7 @@ std::optional<double> Level(double ratio) {
 // Reads `count` samples as floats.
 bool ReadSamples(FILE* file, SampleType type, std::vector<int16_t>& integers, float* samples,
                  size_t count) {
+  errno = 0;
   if (type == SampleType::kFloat32) return fread(samples, sizeof(float), count, file) == count;
   if (fread(integers.data(), sizeof(int16_t), count, file) < count) return false;
   for (size_t i = 0; i < count; ++i) {
@@ -114,10 +117,10 @@ std::optional<double> ChannelFigures::RmsLevel() const {
   return Level(std::sqrt(sumOfSquares / static_cast<double>(samples - notFinite)));
 }
 
-bool ForEachSampleBlock(FILE* file, const AudioLayout& layout,
-                        const std::function<void(std::span<const float>)>& use) {
-  if (!layout.samples) return false;
-  if (fseeko(file, static_cast<off_t>(layout.offset), SEEK_SET) != 0) return false;
+std::string ForEachSampleBlock(FILE* file, const AudioLayout& layout,
+                               const std::function<bool(std::span<const float>)>& use) {
+  if (!layout.samples) return "samples of a type that is not known";
+  if (fseeko(file, static_cast<off_t>(layout.offset), SEEK_SET) != 0) return strerror(errno);
   const auto channels = static_cast<size_t>(layout.channels);
   const size_t most = (kBlockValues + channels - 1) / channels * channels;
   std::vector<int16_t> integers(layout.samples == SampleType::kPcm16 ? most : 0);
@@ -125,20 +128,23 @@ bool ForEachSampleBlock(FILE* file, const AudioLayout& layout,
   uint64_t left = layout.bytes / static_cast<uint64_t>(layout.frameBytes) * channels;
   while (left > 0) {
     const auto count = static_cast<size_t>(std::min<uint64_t>(left, most));
-    if (!ReadSamples(file, *layout.samples, integers, samples.data(), count)) return false;
-    use(std::span(samples).first(count));
+    if (!ReadSamples(file, *layout.samples, integers, samples.data(), count)) {
+      return ferror(file) != 0 ? strerror(errno) : "it has become shorter";
+    }
+    if (!use(std::span(samples).first(count))) return kStopped;
     left -= count;
   }
-  return true;
+  return "";
 }
 
-std::optional<std::vector<ChannelFigures>> MeasureAudio(FILE* file, const AudioLayout& layout) {
-  if (!layout.samples) return std::nullopt;
+Measurement MeasureAudio(FILE* file, const AudioLayout& layout, const std::function<bool()>& goOn) {
   std::vector<ChannelFigures> channels(static_cast<size_t>(layout.channels));
-  const bool read = ForEachSampleBlock(
-      file, layout, [&](std::span<const float> block) { MeasureBlock(block, channels); });
-  if (!read) return std::nullopt;
-  return channels;
+  const std::string fault = ForEachSampleBlock(file, layout, [&](std::span<const float> block) {
+    MeasureBlock(block, channels);
+    return goOn();
+  });
+  if (!fault.empty()) return {.fault = fault};
+  return {.channels = std::move(channels)};
 }
 
 double Peak(std::span<const ChannelFigures> channels) {

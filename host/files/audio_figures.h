@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "files/audio_layout.h"
@@ -24,14 +25,23 @@ struct ChannelFigures {
   std::optional<double> RmsLevel() const;
 };
 
-// Passes the samples of a file on, as floats with full scale at 1, in blocks of whole frames that
-// are overwritten by the next one. False when the file cannot be read to its end.
-bool ForEachSampleBlock(FILE* file, const AudioLayout& layout,
-                        const std::function<void(std::span<const float>)>& use);
+// The fault of a pass over samples that was given up.
+inline constexpr const char* kStopped = "stopped";
 
-// The figures of each channel, in one pass and in memory that does not grow with the file. Nothing
-// when it cannot be read or its samples cannot be decoded.
-std::optional<std::vector<ChannelFigures>> MeasureAudio(FILE* file, const AudioLayout& layout);
+// Passes the samples of a file on, as floats with full scale at 1, in blocks of whole frames that
+// are overwritten by the next one, until `use` returns false. Returns why the end was not reached:
+// kStopped, or what kept the file from being read; empty when it was.
+std::string ForEachSampleBlock(FILE* file, const AudioLayout& layout,
+                               const std::function<bool(std::span<const float>)>& use);
+
+struct Measurement {
+  std::optional<std::vector<ChannelFigures>> channels = {};
+  std::string fault = {};  // Why there are none; kStopped when it was given up.
+};
+
+// The figures of each channel, in one pass and in memory that does not grow with the file. Gives up
+// as soon as `goOn` returns false.
+Measurement MeasureAudio(FILE* file, const AudioLayout& layout, const std::function<bool()>& goOn);
 
 // The greatest peak of all channels.
 double Peak(std::span<const ChannelFigures> channels);

@@ -1,10 +1,16 @@
 #include "files/audio_layout.h"
 
+#include "base/units.h"
 #include "wave/wave_file.h"
 
 namespace host {
 
 namespace {
+
+std::string PartFrame(const AudioLayout& layout) {
+  const uint64_t rest = layout.bytes % static_cast<uint64_t>(layout.frameBytes);
+  return rest == 0 ? "" : "it ends with a part of a frame, " + Bytes(rest);
+}
 
 std::optional<AudioLayout> FindInWave(FILE* file, uint64_t fileBytes) {
   const wave::Parsed found = wave::Find(file, fileBytes);
@@ -16,6 +22,8 @@ std::optional<AudioLayout> FindInWave(FILE* file, uint64_t fileBytes) {
                         .frameBytes = found.audio->frameBytes};
   if (found.audio->IsPcm16()) layout.samples = SampleType::kPcm16;
   if (found.audio->IsFloat32()) layout.samples = SampleType::kFloat32;
+  layout.flaw = wave::LengthFault(file, *found.audio, fileBytes);
+  if (layout.flaw.empty()) layout.flaw = PartFrame(layout);
   return layout;
 }
 
@@ -31,11 +39,13 @@ std::optional<AudioLayout> FindAudio(const FileUse& use, FILE* file, uint64_t fi
   if (use.container == Container::kOther) return std::nullopt;
   if (use.container == Container::kWave) return FindInWave(file, fileBytes);
   const int sampleBytes = use.samples == SampleType::kPcm16 ? 2 : 4;
-  return AudioLayout{.samples = use.samples,
-                     .rate = use.rate,
-                     .channels = use.channels,
-                     .bytes = fileBytes,
-                     .frameBytes = sampleBytes * use.channels};
+  AudioLayout layout = {.samples = use.samples,
+                        .rate = use.rate,
+                        .channels = use.channels,
+                        .bytes = fileBytes,
+                        .frameBytes = sampleBytes * use.channels};
+  layout.flaw = PartFrame(layout);
+  return layout;
 }
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <string>
 
 #include "base/catalogue.h"
 
@@ -16,6 +17,7 @@ struct AudioLayout {
   uint64_t offset = 0;     // Where the samples start, in bytes.
   uint64_t bytes = 0;      // Of samples; as many as the file really holds.
   int frameBytes = 0;      // One sample of each channel.
+  std::string flaw = {};   // What shows that the file is not whole; empty when it is.
   double Seconds() const;  // 0 when the rate is not known.
 };
 

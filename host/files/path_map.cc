@@ -1,63 +1,133 @@
 #include "files/path_map.h"
 
+#include <fcntl.h>
 #include <stdio_ext.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
+#include <mutex>
 
 #include "base/printable.h"
-
-namespace host {
+#include "files/beneath.h"
 
 // The linker's names for a wrapped function and for what it wraps (--wrap).
 extern "C" {
 FILE* RealFopen(const char* name, const char* mode) __asm__("__real_fopen");
 FILE* RealFopen64(const char* name, const char* mode) __asm__("__real_fopen64");
+size_t RealFread(void* items, size_t size, size_t count, FILE* file) __asm__("__real_fread");
+size_t RealFwrite(const void* items, size_t size, size_t count,
+                  FILE* file) __asm__("__real_fwrite");
 int RealFclose(FILE* file) __asm__("__real_fclose");
 FILE* WrapFopen(const char* name, const char* mode) __asm__("__wrap_fopen");
 FILE* WrapFopen64(const char* name, const char* mode) __asm__("__wrap_fopen64");
+size_t WrapFread(void* items, size_t size, size_t count, FILE* file) __asm__("__wrap_fread");
+size_t WrapFwrite(const void* items, size_t size, size_t count,
+                  FILE* file) __asm__("__wrap_fwrite");
 int WrapFclose(FILE* file) __asm__("__wrap_fclose");
 }
+
+namespace host {
 
 namespace {
 
 FileActivity* g_activity = nullptr;  // Set while names are mapped.
+int g_workspace = -1;                // The folder.
+
+// The mapped files that are open, by name.
+struct OpenFiles {
+  std::mutex mutex;
+  std::map<FILE*, std::string> names;
+};
+
+// Lives until the process ends, because files may be closed by static destructors.
+OpenFiles& AllOpenFiles() {
+  static auto* const files = new OpenFiles;
+  return *files;
+}
+
+std::string NameOf(FILE* file) {
+  OpenFiles& files = AllOpenFiles();
+  const std::scoped_lock lock(files.mutex);
+  const auto found = files.names.find(file);
+  return found == files.names.end() ? "" : found->second;
+}
+
+// The name of a file that is about to be closed, after which its address may be that of another.
+std::string ForgetName(FILE* file) {
+  OpenFiles& files = AllOpenFiles();
+  const std::scoped_lock lock(files.mutex);
+  const auto found = files.names.extract(file);
+  return found.empty() ? "" : found.mapped();
+}
 
 bool HasDrive(std::string_view name) {
   return name.size() >= 2 && name[1] == ':' && std::isalpha(static_cast<unsigned char>(name[0]));
 }
 
-void CreateParents(const std::string& path) {
-  for (size_t slash = path.find('/', 1); slash != std::string::npos;
-       slash = path.find('/', slash + 1)) {
-    mkdir(path.substr(0, slash).c_str(), 0777);  // Opening the file tells what has failed.
-  }
+bool Writes(const char* mode) { return strpbrk(mode, "wa+") != nullptr; }
+
+// The flags of open for a mode of fopen that writes.
+int Flags(std::string_view mode) {
+  int flags = mode.find('+') != std::string_view::npos ? O_RDWR : O_WRONLY;
+  if (mode.front() == 'w') flags |= O_CREAT | O_TRUNC;
+  if (mode.front() == 'a') flags |= O_CREAT | O_APPEND;
+  if (mode.find('x') != std::string_view::npos) flags |= O_EXCL;
+  if (mode.find('e') != std::string_view::npos) flags |= O_CLOEXEC;
+  return flags;
+}
+
+FILE* OpenForWriting(const std::string& place, const char* mode) {
+  if (mode[0] != 'r' && CreateParentsBeneath(g_workspace, place) != 0) return nullptr;
+  const int descriptor = OpenBeneath(g_workspace, place, Flags(mode), 0666);
+  if (descriptor < 0) return nullptr;
+  FILE* const file = fdopen(descriptor, mode);
+  if (file == nullptr) close(descriptor);
+  return file;
 }
 
 using Open = FILE* (*)(const char* name, const char* mode);
 
+FILE* Refuse(const char* name) {
+  fprintf(stderr, "not opened, because it leads out of the workspace: %s\n",
+          Printable(name).c_str());
+  errno = EACCES;
+  return nullptr;
+}
+
 FILE* OpenMapped(Open open, const char* name, const char* mode) {
   if (g_activity == nullptr || name == nullptr) return open(name, mode);
   const std::optional<std::string> place = PlaceInWorkspace(name);
-  if (!place) {
-    fprintf(stderr, "not opened, because it leads out of the workspace: %s\n",
-            Printable(name).c_str());
-    errno = EACCES;
-    return nullptr;
+  if (!place) return Refuse(name);
+  FILE* const file = Writes(mode) ? OpenForWriting(*place, mode) : open(place->c_str(), mode);
+  if (file == nullptr) {
+    const int error = errno;
+    if (Writes(mode) || error != ENOENT) g_activity->NoteOpenFault(*place, error);
+    errno = error;
+    return error == EXDEV ? Refuse(name) : nullptr;
   }
-  if (strpbrk(mode, "wa") != nullptr) CreateParents(*place);
-  FILE* const file = open(place->c_str(), mode);
-  if (file != nullptr) ++g_activity->opened;
+  ++g_activity->opened;
+  OpenFiles& files = AllOpenFiles();
+  const std::scoped_lock lock(files.mutex);
+  files.names[file] = name;
   return file;
 }
 
-void NoteWriteFailure(int error) {
-  int none = 0;
-  g_activity->writeFailure.compare_exchange_strong(none, error);
+// Notes why a transfer stopped short. A wrong direction is a matter of the routine, and files that
+// are not mapped have no name.
+void NoteFault(FirstFault& fault, std::string_view name, int error) {
+  if (error != EBADF && !name.empty()) fault.Note(name, error);
+}
+
+// What was transferred by other means than fread and fwrite shows in the end.
+void NoteErrorFlag(FILE* file, std::string_view name) {
+  if (ferror(file) == 0) return;
+  const bool written = __fwritable(file) != 0;
+  NoteFault(written ? g_activity->writeFault : g_activity->readFault, name, EIO);
 }
 
 }  // namespace
@@ -88,26 +158,61 @@ std::optional<std::string> PlaceInWorkspace(std::string_view name) {
   return rooted ? joined : place;
 }
 
-void MapOpenedFiles(FileActivity* activity) { g_activity = activity; }
-
-int FlushOpenedFiles() {
-  errno = 0;
-  return fflush(nullptr) == 0 ? 0 : errno;
+void MapOpenedFiles(FileActivity* activity) {
+  g_workspace = OpenFolder(".");
+  g_activity = activity;
 }
 
-FILE* WrapFopen(const char* name, const char* mode) { return OpenMapped(RealFopen, name, mode); }
-
-FILE* WrapFopen64(const char* name, const char* mode) {
-  return OpenMapped(RealFopen64, name, mode);
-}
-
-// A routine does not look at what becomes of its writes; a full disk shows here.
-int WrapFclose(FILE* file) {
-  const bool written = g_activity != nullptr && file != nullptr && __fwritable(file) != 0;
-  const bool failed = written && ferror(file) != 0;
-  const int result = RealFclose(file);
-  if (written && (failed || result != 0)) NoteWriteFailure(result != 0 ? errno : ENOSPC);
-  return result;
+void FlushOpenedFiles() {
+  OpenFiles& files = AllOpenFiles();
+  const std::scoped_lock lock(files.mutex);  // None of them is closed meanwhile.
+  for (const auto& [file, name] : files.names) {
+    if (__fwritable(file) != 0 && fflush(file) != 0) {
+      NoteFault(g_activity->writeFault, name, errno);
+    }
+    NoteErrorFlag(file, name);
+  }
+  fflush(nullptr);  // Standard output too.
 }
 
 }  // namespace host
+
+FILE* WrapFopen(const char* name, const char* mode) {
+  return host::OpenMapped(RealFopen, name, mode);
+}
+
+FILE* WrapFopen64(const char* name, const char* mode) {
+  return host::OpenMapped(RealFopen64, name, mode);
+}
+
+size_t WrapFread(void* items, size_t size, size_t count, FILE* file) {
+  const size_t done = RealFread(items, size, count, file);
+  if (done < count && host::g_activity != nullptr && ferror(file) != 0) {
+    const int error = errno;
+    host::NoteFault(host::g_activity->readFault, host::NameOf(file), error);
+    errno = error;
+  }
+  return done;
+}
+
+size_t WrapFwrite(const void* items, size_t size, size_t count, FILE* file) {
+  const size_t done = RealFwrite(items, size, count, file);
+  if (done < count && host::g_activity != nullptr && ferror(file) != 0) {
+    const int error = errno;
+    host::NoteFault(host::g_activity->writeFault, host::NameOf(file), error);
+    errno = error;
+  }
+  return done;
+}
+
+// A routine does not look at what becomes of its reads and writes; a full disk shows here.
+int WrapFclose(FILE* file) {
+  if (host::g_activity == nullptr || file == nullptr) return RealFclose(file);
+  const std::string name = host::ForgetName(file);
+  host::NoteErrorFlag(file, name);
+  const int result = RealFclose(file);
+  const int error = errno;
+  if (result != 0) host::NoteFault(host::g_activity->writeFault, name, error);
+  errno = error;
+  return result;
+}

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -21,45 +22,50 @@ int16_t ToPcm16(float sample, float gain) {
   return static_cast<int16_t>(std::clamp(value, -32768.0F, 32767.0F));
 }
 
-bool WriteSamples(FILE* in, const AudioLayout& layout, float gain, FILE* out) {
+// What went wrong; empty when nothing did.
+std::string WriteSamples(FILE* in, const AudioLayout& layout, float gain,
+                         const std::function<bool()>& goOn, FILE* out) {
   std::vector<int16_t> block;
-  bool written = true;
-  const bool read = ForEachSampleBlock(in, layout, [&](std::span<const float> samples) {
+  int error = 0;
+  const std::string fault = ForEachSampleBlock(in, layout, [&](std::span<const float> samples) {
     block.resize(samples.size());
     std::transform(samples.begin(), samples.end(), block.begin(),
                    [gain](float sample) { return ToPcm16(sample, gain); });
-    written = written && fwrite(block.data(), sizeof(int16_t), block.size(), out) == block.size();
+    errno = 0;
+    if (fwrite(block.data(), sizeof(int16_t), block.size(), out) < block.size()) error = errno;
+    return error == 0 && goOn();
   });
-  return read && written;
+  return error != 0 ? strerror(error) : fault;
 }
 
 // What went wrong; empty when nothing did.
-std::string Copy(FILE* in, const AudioLayout& layout, float gain, const std::string& path) {
+std::string Copy(FILE* in, const AudioLayout& layout, float gain, const std::function<bool()>& goOn,
+                 FILE* out) {
   const uint64_t frames = layout.bytes / static_cast<uint64_t>(layout.frameBytes);
   const uint64_t dataBytes = frames * 2 * static_cast<uint64_t>(layout.channels);
   if (dataBytes > UINT32_MAX - wave::kHeaderBytes) return "too long for a WAVE file";
-  FILE* const out = fopen(path.c_str(), "wb");
-  if (out == nullptr) return strerror(errno);
-
   const auto header = wave::Header(layout.rate, layout.channels, 16, dataBytes);
   errno = 0;
-  const bool written = fwrite(header.data(), 1, header.size(), out) == header.size() &&
-                       WriteSamples(in, layout, gain, out);
-  const int error = errno;
-  if (fclose(out) == 0 && written) return "";
-  std::string reason = strerror(error != 0 ? error : errno);
-  remove(path.c_str());  // Half a copy would be taken for a whole one.
-  return reason;
+  if (fwrite(header.data(), 1, header.size(), out) < header.size()) return strerror(errno);
+  return WriteSamples(in, layout, gain, goOn, out);
 }
 
 }  // namespace
 
-WaveCopy WriteWaveCopy(FILE* file, const AudioLayout& layout, double peak,
-                       const std::string& path) {
-  WaveCopy copy = {.path = path, .problem = {}};
+WaveCopy WriteWaveCopy(FILE* file, const AudioLayout& layout, double peak, const WorkFile& to,
+                       const std::function<bool()>& goOn) {
+  WaveCopy copy = {.path = to.Path(), .problem = {}};
   if (peak > 1) copy.attenuation = 20 * std::log10(peak) + 1;
   const double gain = peak > 1 ? std::pow(10.0, -copy.attenuation / 20) : 1;
-  copy.problem = Copy(file, layout, static_cast<float>(gain), path);
+  FILE* const out = to.Create();
+  if (out == nullptr) {
+    copy.problem = WriteFault(errno);
+    return copy;
+  }
+  copy.problem = Copy(file, layout, static_cast<float>(gain), goOn, out);
+  if (fclose(out) != 0 && copy.problem.empty()) copy.problem = strerror(errno);
+  // Half a copy would be taken for a whole one.
+  if (!copy.problem.empty()) remove(copy.path.c_str());
   return copy;
 }
 

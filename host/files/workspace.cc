@@ -1,7 +1,7 @@
 #include "files/workspace.h"
 
 #include <fcntl.h>
-#include <time.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,28 +12,6 @@
 namespace host {
 
 namespace {
-
-std::optional<struct stat> Stat(const std::string& path) {
-  struct stat status;
-  if (path.empty() || stat(path.c_str(), &status) != 0) return std::nullopt;
-  return status;
-}
-
-bool Same(const timespec& a, const timespec& b) {
-  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-// A file system dates changes by a clock that ticks a few hundred times a second. A file that was
-// written in this very tick would look untouched if it were written again in it.
-void WaitForNextTick(const timespec& changed) {
-  for (int i = 0; i < 50; ++i) {  // For a file from the future there is no use in waiting.
-    timespec now;
-    clock_gettime(CLOCK_REALTIME_COARSE, &now);
-    if (now.tv_sec > changed.tv_sec) return;
-    if (now.tv_sec == changed.tv_sec && now.tv_nsec > changed.tv_nsec) return;
-    usleep(1000);
-  }
-}
 
 std::string FillIn(std::string_view name, std::span<const std::string> parameters,
                    std::span<const std::string_view> arguments) {
@@ -67,7 +45,10 @@ std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_vie
   for (const FileUse& use : uses) {
     FilePlace place = {.use = use, .name = FillIn(use.name, names, arguments), .path = {}};
     const std::optional<std::string> mapped = PlaceInWorkspace(place.name);
-    if (mapped) place.path = workspace + "/" + *mapped;
+    if (mapped) {
+      place.place = *mapped;
+      place.path = workspace + "/" + *mapped;
+    }
     places.push_back(std::move(place));
   }
   return places;
@@ -87,21 +68,17 @@ std::optional<InputFault> FindInputFault(const FilePlace& input) {
   return std::nullopt;
 }
 
-OutputBefore::OutputBefore(const FilePlace& output)
-    : m_path(output.path), m_before(Stat(output.path)) {
-  if (m_before) WaitForNextTick(m_before->st_ctim);
+OutputBefore::OutputBefore(const FilePlace& output) : m_path(output.path), m_before(output.path) {
+  m_before.WaitForClockTick();
 }
 
 OutputState OutputBefore::StateNow() const {
   if (m_path.empty()) return OutputState::kOutside;
-  const std::optional<struct stat> now = Stat(m_path);
-  if (!now) return OutputState::kAbsent;
-  if (!S_ISREG(now->st_mode)) return OutputState::kNotAFile;
-  if (m_before && Same(m_before->st_ctim, now->st_ctim) && m_before->st_size == now->st_size &&
-      m_before->st_ino == now->st_ino) {
-    return OutputState::kStale;
-  }
-  return now->st_size == 0 ? OutputState::kEmpty : OutputState::kWritten;
+  const FileState now(m_path);
+  if (!now.status()) return OutputState::kAbsent;
+  if (!S_ISREG(now.status()->st_mode)) return OutputState::kNotAFile;
+  if (m_before.Untouched(now)) return OutputState::kStale;
+  return now.status()->st_size == 0 ? OutputState::kEmpty : OutputState::kWritten;
 }
 
 }  // namespace host

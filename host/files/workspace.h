@@ -1,21 +1,21 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "base/catalogue.h"
+#include "files/file_state.h"
 
 namespace host {
 
 // A file that a routine declares, and where it is in the workspace of a run.
 struct FilePlace {
   FileUse use;
-  std::string name;  // As the routine opens it, its arguments filled in.
-  std::string path;  // As the host opens it; empty when the name leads out of the workspace.
+  std::string name;        // As the routine opens it, its arguments filled in.
+  std::string path;        // As the host opens it; empty when the name leads out of the workspace.
+  std::string place = {};  // Relative to the workspace.
 };
 
 // The names of the declared parameters of a routine, in their order.
@@ -48,7 +48,7 @@ class OutputBefore {
 
  private:
   std::string m_path;
-  std::optional<struct stat> m_before;
+  FileState m_before;
 };
 
 }  // namespace host

@@ -2,33 +2,32 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <new>
 #include <system_error>
 
 #include "files/path_map.h"
+#include "process/keeper.h"
 #include "process/relay.h"
-#include "process/signals.h"
 
 namespace host {
 
 namespace {
 
-constexpr double kTick = 0.25;  // Seconds between two looks at the clock.
+constexpr double kTick = 0.25;        // Seconds between two looks at the clock.
+constexpr double kKeeperSeconds = 5;  // After which a keeper that does not end is killed.
 
-// What host and child share.
+// What the host, the keeper and the routine's process share.
 struct Shared {
   FileActivity files;
+  KeeperReport keeper;
   std::atomic<bool> returned = false;  // Routine and flush are through.
 };
 
@@ -49,22 +48,10 @@ class SharedMemory {
   Shared* m_shared;
 };
 
-double Now() {
-  const auto time = std::chrono::steady_clock::now().time_since_epoch();
-  return std::chrono::duration<double>(time).count();
-}
-
-double ToSeconds(const timeval& time) {
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-// In the child: everything up to its end, which is where an exception that the routine lets go
-// ends.
+// In the routine's process: everything up to its end, which is where an exception that the routine
+// lets go ends.
 [[noreturn]] void LiveAsChild(const std::function<void()>& routine, const std::string& workspace,
-                              pid_t host, Shared& shared) noexcept {
-  setpgid(0, 0);  // The host ends the child together with whatever it starts.
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != host) _exit(1);  // The host ended before it could be watched.
+                              Shared& shared) noexcept {
   const int nothing = open("/dev/null", O_RDONLY);
   if (nothing >= 0) dup2(nothing, STDIN_FILENO);
   if (chdir(workspace.c_str()) != 0) {
@@ -75,95 +62,110 @@ double ToSeconds(const timeval& time) {
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   MapOpenedFiles(&shared.files);
   routine();
-  const int failure = FlushOpenedFiles();  // A file that is left open is written all the same.
-  int none = 0;
-  if (failure != 0) shared.files.writeFailure.compare_exchange_strong(none, failure);
+  FlushOpenedFiles();  // A file that is left open is written all the same.
   shared.returned = true;
   _exit(0);
 }
 
-// In the host: a running child.
+FileProblem ToProblem(const FileFault* fault) {
+  return fault == nullptr ? FileProblem() : FileProblem{fault->error, fault->name};
+}
+
+// In the host: a running child, by way of its keeper.
 class Child {
  public:
-  Child(pid_t pid, Relay& relay, const HostSignals& signals, Progress& progress)
-      : m_pid(pid), m_relay(relay), m_signals(signals), m_progress(progress) {}
+  Child(pid_t keeper, Relay& relay, Limits& limits, Progress& progress)
+      : m_keeper(keeper), m_relay(relay), m_limits(limits), m_progress(progress) {}
 
-  // Waits for the end, which is forced when it is not there `timeout` seconds after `start`.
-  ChildOutcome Watch(double start, double timeout, const Shared& shared) {
+  // Waits for the end, which is forced when the limits are reached.
+  ChildOutcome Watch(double start, const Shared& shared) {
     while (!Ended()) {
-      m_relay.Wait(m_signals.descriptor(), std::min(kTick, start + timeout - Now()));
+      m_relay.Wait(m_limits.signals().descriptor(), std::min(kTick, m_limits.Left()));
       m_progress.Show(Now() - start, shared.files.opened);
-      if (const int signal = m_signals.TakeInterruption()) {
-        m_outcome.interruption = signal;
-        Kill(ChildOutcome::End::kInterrupted);
-      }
-      if (Now() - start >= timeout) Kill(ChildOutcome::End::kTimedOut);
+      const Limits::Stop stop = m_limits.Check();
+      if (stop == Limits::Stop::kInterrupted) Kill(ChildOutcome::End::kInterrupted);
+      if (stop == Limits::Stop::kTimedOut) Kill(ChildOutcome::End::kTimedOut);
     }
-    m_outcome.elapsed = Now() - start;
-    m_relay.Drain();
-    m_outcome.writeFailure = shared.files.writeFailure;
-    Judge(shared.returned);
+    m_outcome.elapsed = (shared.keeper.ended ? shared.keeper.time : Now()) - start;
+    m_outcome.cpu = shared.keeper.cpu;
+    m_outcome.peakMemory = shared.keeper.peakMemory;
+    m_outcome.interruption = m_limits.interruption();
+    TakeFaults(shared.files);
+    Judge(shared);
     return m_outcome;
   }
 
  private:
   void Kill(ChildOutcome::End why) {
-    if (m_killed) return;
-    m_killed = true;
-    m_outcome.end = why;
-    if (kill(-m_pid, SIGKILL) != 0) kill(m_pid, SIGKILL);  // Not yet a group of its own.
+    if (m_killed == 0) {
+      m_outcome.end = why;
+      m_killed = Now();
+      kill(m_keeper, SIGTERM);
+    } else if (Now() - m_killed > kKeeperSeconds) {
+      kill(m_keeper, SIGKILL);
+    }
+    usleep(1000);  // The limits do not make anybody wait any more.
   }
 
-  bool Ended() {
-    struct rusage usage;
-    const pid_t ended = wait4(m_pid, &m_status, WNOHANG, &usage);
-    if (ended != m_pid) return false;
-    m_outcome.cpu = ToSeconds(usage.ru_utime) + ToSeconds(usage.ru_stime);
-    m_outcome.peakMemory = static_cast<uint64_t>(usage.ru_maxrss) * 1024;
-    return true;
+  bool Ended() const { return waitpid(m_keeper, nullptr, WNOHANG) == m_keeper; }
+
+  void TakeFaults(const FileActivity& files) {
+    m_outcome.writeFault = ToProblem(files.writeFault.Get());
+    m_outcome.readFault = ToProblem(files.readFault.Get());
+    const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMostOpenFaults);
+    for (size_t i = 0; i < count; ++i) {
+      m_outcome.openFaults.push_back(ToProblem(&files.openFaults[i]));
+    }
   }
 
-  void Judge(bool returned) {
-    if (m_killed) return;
-    if (WIFSIGNALED(m_status)) {
-      const int signal = WTERMSIG(m_status);
+  void Judge(const Shared& shared) {
+    if (m_killed != 0) return;
+    const int status = shared.keeper.status;
+    if (!shared.keeper.ended) {
+      m_outcome.how = "its process could not be started or watched";
+    } else if (WIFSIGNALED(status)) {
+      const int signal = WTERMSIG(status);
       m_outcome.crashSignal = signal;
       m_outcome.how = "killed by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
-    } else if (!returned || WEXITSTATUS(m_status) != 0) {
-      m_outcome.how = "ended its process with exit status " +
-                      std::to_string(WEXITSTATUS(m_status)) + " instead of returning";
+    } else if (!shared.returned || WEXITSTATUS(status) != 0) {
+      m_outcome.how = "ended its process with exit status " + std::to_string(WEXITSTATUS(status)) +
+                      " instead of returning";
     }
     if (!m_outcome.how.empty()) m_outcome.end = ChildOutcome::End::kCrashed;
   }
 
-  pid_t m_pid;
+  pid_t m_keeper;
   Relay& m_relay;
-  const HostSignals& m_signals;
+  Limits& m_limits;
   Progress& m_progress;
   ChildOutcome m_outcome;
-  bool m_killed = false;
-  int m_status = 0;
+  double m_killed = 0;  // When; 0 for not yet.
 };
 
 }  // namespace
 
 ChildOutcome RunInChild(const std::function<void()>& routine, const std::string& workspace,
-                        double timeout, FILE* log, Progress& progress) {
+                        Limits& limits, FILE* log, Progress& progress) {
   const SharedMemory shared;
   Relay relay(log, progress);
-  const HostSignals signals;
   fflush(nullptr);  // What is still buffered here must not come out of the child as well.
   const pid_t host = getpid();
   const double start = Now();
-  const pid_t pid = fork();
-  if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (pid == 0) {
-    signals.RestoreInChild();
-    relay.BecomeChild();
-    LiveAsChild(routine, workspace, host, *shared);
+  const pid_t keeper = fork();
+  if (keeper < 0) throw std::system_error(errno, std::generic_category(), "fork");
+  if (keeper == 0) {
+    const auto child = [&] {
+      limits.signals().RestoreInChild();
+      relay.BecomeChild();
+      LiveAsChild(routine, workspace, *shared);
+    };
+    LiveAsKeeper(child, host, (*shared).keeper);
   }
   relay.BecomeHost();
-  return Child(pid, relay, signals, progress).Watch(start, timeout, *shared);
+  ChildOutcome outcome = Child(keeper, relay, limits, progress).Watch(start, *shared);
+  relay.Drain(limits);
+  outcome.logFault = relay.logFailure();
+  return outcome;
 }
 
 }  // namespace host

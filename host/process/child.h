@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "process/limits.h"
 #include "process/progress.h"
 
 namespace host {
@@ -12,23 +14,33 @@ namespace host {
 // A routine in a process of its own, so that a crash, an abort or a hang ends that process and not
 // the host.
 
+// What went wrong with a file that the routine used.
+struct FileProblem {
+  int error = 0;  // errno; 0 when nothing went wrong.
+  std::string name = {};
+};
+
 struct ChildOutcome {
   enum class End { kReturned, kCrashed, kTimedOut, kInterrupted };
   End end = End::kReturned;
-  std::string how;          // How it crashed: "killed by signal 11 (Segmentation fault)".
-  int crashSignal = 0;      // That killed it; 0 for any other end.
-  int interruption = 0;     // The signal that the host was told to end by.
-  int writeFailure = 0;     // errno of the first file that could not be written whole.
-  double elapsed = 0;       // Seconds by the clock.
-  double cpu = 0;           // Seconds of processing, user and system.
-  uint64_t peakMemory = 0;  // Bytes
+  std::string how = {};                      // How it crashed: "killed by signal 6 (Aborted)".
+  int crashSignal = 0;                       // That killed it; 0 for any other end.
+  int interruption = 0;                      // The signal that the host was told to end by.
+  FileProblem writeFault = {};               // The first file that could not be written whole.
+  FileProblem readFault = {};                // The first file that could not be read.
+  std::vector<FileProblem> openFaults = {};  // Named by their place in the workspace.
+  int logFault = 0;                          // errno when the log could not be written; else 0.
+  double elapsed = 0;                        // Seconds by the clock.
+  double cpu = 0;                            // Seconds of processing, user and system.
+  uint64_t peakMemory = 0;                   // Bytes
 };
 
 // Runs `routine` in a child with `workspace` as its current directory and its files mapped into it
-// (see path_map.h), for at most `timeout` seconds. What it prints goes to stdout, and its stderr to
-// stderr and to `log`, as it comes. The child ends with the host, however that ends. To be called
-// on the host's only thread. Throws std::system_error when no process can be started.
+// (see path_map.h), for as long as the limits allow. What it prints goes to stdout, and its stderr
+// to stderr and to `log`, as it comes. All that the routine has started ends with it, and it ends
+// with the host, however that ends. To be called on the host's only thread. Throws
+// std::system_error when no process can be started.
 ChildOutcome RunInChild(const std::function<void()>& routine, const std::string& workspace,
-                        double timeout, FILE* log, Progress& progress);
+                        Limits& limits, FILE* log, Progress& progress);
 
 }  // namespace host

@@ -6,14 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <string>
+#include <iterator>
 #include <system_error>
-#include <utility>
 
 namespace host {
-
-using std::string_literals::operator""s;
 
 namespace {
 
@@ -65,20 +61,29 @@ void Relay::BecomeHost() {
 }
 
 void Relay::Wait(int other, double seconds) {
-  pollfd watched[] = {{.fd = m_output.read, .events = POLLIN, .revents = 0},
-                      {.fd = m_errors.read, .events = POLLIN, .revents = 0},
-                      {.fd = other, .events = POLLIN, .revents = 0}};
-  poll(watched, 3, static_cast<int>(std::max(seconds, 0.0) * 1000) + 1);
-  CarryOutput();
-  CarryLog();
+  Outlet& output = m_progress.output();
+  Outlet& error = m_progress.error();
+  // A negative descriptor is not watched.
+  pollfd watched[] = {
+      {.fd = output.waiting() > 0 ? -1 : m_output.read, .events = POLLIN, .revents = 0},
+      {.fd = error.waiting() > 0 ? -1 : m_errors.read, .events = POLLIN, .revents = 0},
+      {.fd = output.waiting() > 0 ? output.descriptor() : -1, .events = POLLOUT, .revents = 0},
+      {.fd = error.waiting() > 0 ? error.descriptor() : -1, .events = POLLOUT, .revents = 0},
+      {.fd = other, .events = POLLIN, .revents = 0}};
+  poll(watched, std::size(watched), static_cast<int>(std::max(seconds, 0.0) * 1000) + 1);
+  output.Send();
+  error.Send();
+  if (output.waiting() == 0) CarryOutput();
+  if (error.waiting() == 0) CarryLog();
 }
 
-void Relay::Drain() {
+void Relay::Drain(Limits& limits) {
   for (int i = 0; i < 16 && CarryOutput(); ++i) {
   }
   for (int i = 0; i < 16 && CarryLog(); ++i) {
   }
-  if (m_lastOutput != '\n') m_progress.Print(stdout, "\n");
+  if (m_lastOutput != '\n') m_progress.PrintOutput("\n");
+  m_progress.Deliver(limits);
 }
 
 void Relay::Close(int& descriptor) {
@@ -89,7 +94,7 @@ void Relay::Close(int& descriptor) {
 bool Relay::CarryOutput() {
   char bytes[kMost];
   const size_t count = ReadPipe(m_output.read, bytes);
-  m_progress.Print(stdout, {bytes, count});
+  m_progress.PrintOutput({bytes, count});
   if (count > 0) m_lastOutput = bytes[count - 1];
   return count > 0;
 }
@@ -97,13 +102,14 @@ bool Relay::CarryOutput() {
 bool Relay::CarryLog() {
   char bytes[kMost];
   const size_t count = ReadPipe(m_errors.read, bytes);
-  m_progress.Print(stderr, {bytes, count});
-  const bool written = fwrite(bytes, 1, count, m_log) == count && fflush(m_log) == 0;
-  if (!written && !std::exchange(m_logFailed, true)) {
-    m_progress.Print(stderr,
-                     "audio_bench: the log file is not complete: "s + strerror(errno) + "\n");
-  }
+  m_progress.PrintError({bytes, count});
+  WriteLog({bytes, count});
   return count > 0;
+}
+
+void Relay::WriteLog(std::string_view text) {
+  const bool written = fwrite(text.data(), 1, text.size(), m_log) == text.size();
+  if ((!written || fflush(m_log) != 0) && m_logFailure == 0) m_logFailure = errno;
 }
 
 }  // namespace host

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <cstdio>
+#include <string_view>
 
+#include "process/limits.h"
 #include "process/progress.h"
 
 namespace host {
 
 // Carries what a child prints to the host's stdout, and what it logs to the host's stderr and to a
-// log file, as it comes.
+// log file, as it comes. What nobody reads holds up the child, never the host.
 class Relay {
  public:
   Relay(FILE* log, Progress& progress);
@@ -24,9 +26,12 @@ class Relay {
   // Carries what is there, waiting up to `seconds` for it or for `other` to become readable.
   void Wait(int other, double seconds);
 
-  // Carries what is left of a child that has ended. Processes that it left behind may still hold
-  // their end open; the rest is theirs. A line that was begun is ended.
-  void Drain();
+  // Forwards what remains of a child that has ended, without waiting for processes that inherited
+  // the pipe, and for as long as the limits allow. A line that was begun is ended.
+  void Drain(Limits& limits);
+
+  // errno of the first write to the log file that failed; 0 for none.
+  int logFailure() const { return m_logFailure; }
 
  private:
   struct Pipe {
@@ -38,11 +43,12 @@ class Relay {
   // Carry what one read gives; false when there is nothing, now or for ever.
   bool CarryOutput();
   bool CarryLog();
+  void WriteLog(std::string_view text);
 
   Pipe m_output;
   Pipe m_errors;
   FILE* m_log;
-  bool m_logFailed = false;
+  int m_logFailure = 0;
   char m_lastOutput = '\n';
   Progress& m_progress;
 };

@@ -40,7 +40,8 @@ Json CopyJson(const std::optional<WaveCopy>& copy) {
 std::string NoAudioReason(const FileReport& file) {
   if (!file.bytes) return "not looked at";
   if (file.place.use.container == Container::kOther) return "not audio";
-  return file.audio ? "not measured" : "not the audio that it should be";
+  if (!file.audio) return "not the audio that it should be";
+  return file.unmeasured.empty() ? "not measured" : file.unmeasured;
 }
 
 Json FileJson(const FileReport& file) {
@@ -105,7 +106,9 @@ void AddFigures(const RunReport& report, Json& json) {
   };
   json["elapsed"] = seconds(&ChildOutcome::elapsed);
   json["cpu"] = seconds(&ChildOutcome::cpu);
-  json["rtf"] = Figure(RealTimeFactor(report), "1", reason);
+  const bool returned = !outcome || outcome->end == ChildOutcome::End::kReturned;
+  json["rtf"] =
+      Figure(RealTimeFactor(report), "1", returned ? reason : "the routine did not return");
   json["peak_memory"] =
       outcome ? Count(outcome->peakMemory, "bytes") : Figure(std::nullopt, "bytes", reason);
 }

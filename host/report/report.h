@@ -23,6 +23,9 @@ struct FileReport {
   std::optional<AudioLayout> audio;
   std::optional<std::vector<ChannelFigures>> channels;
   std::optional<WaveCopy> copy;
+  std::string unreadable;  // Why it could not be read; empty when it could.
+  std::string unmeasured;  // Why there are no figures of its channels, where there might be.
+  bool changed = false;    // An input during the run, an output while it was looked at.
 };
 
 struct RunReport {
@@ -36,9 +39,12 @@ struct RunReport {
   std::string log = {};                      // Its path; empty when the routine was not run.
   std::vector<FileReport> inputs = {};
   std::vector<FileReport> outputs = {};
+  // What kept files of a routine that returned from being measured.
+  std::optional<Problem> cut = {};
 };
 
-// Processing time / audio time of the longest input; nothing without audio to compare with.
+// Processing time / audio time of the longest input; nothing without audio to compare with, or when
+// the routine did not return.
 std::optional<double> RealTimeFactor(const RunReport& report);
 
 // For readers: the verdict in the first line, then a few lines for each file.

@@ -70,6 +70,7 @@ std::optional<double> RealTimeFactor(const RunReport& report) {
     if (input.audio) seconds = std::max(seconds, input.audio->Seconds());
   }
   if (!report.outcome || seconds <= 0) return std::nullopt;
+  if (report.outcome->end != ChildOutcome::End::kReturned) return std::nullopt;
   return report.outcome->elapsed / seconds;
 }
 

@@ -2,10 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <cstring>
 #include <optional>
 
 #include "base/units.h"
+#include "files/beneath.h"
+#include "files/foreign_audio.h"
 
 namespace host {
 
@@ -25,35 +28,98 @@ std::string TooShort(const FilePlace& input) {
          " bytes: " + Bytes(static_cast<uint64_t>(status.st_size));
 }
 
+// As a shell takes it for one word.
+std::string Quoted(const std::string& word) {
+  const bool plain = word.find_first_not_of(
+                         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-") ==
+                     std::string::npos;
+  if (plain && !word.empty()) return word;
+  std::string quoted = "'";
+  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
+  return quoted + "'";
+}
+
+// How to make headerless samples of a file of another kind.
+std::string Conversion(const FilePlace& input) {
+  const FileUse& use = input.use;
+  std::string command = "ffmpeg -i " + Quoted(input.path);
+  command += use.samples == SampleType::kPcm16 ? " -f s16le" : " -f f32le";
+  if (use.rate > 0) command += " -ar " + std::to_string(use.rate);
+  if (use.channels > 0) command += " -ac " + std::to_string(use.channels);
+  return command + " " + Quoted(input.path + ".raw");
+}
+
+// What a file that should hold headerless samples is instead; empty when it may well hold them.
+std::string WrongFormat(const FilePlace& input) {
+  if (input.use.container != Container::kHeaderless) return "";
+  FILE* const file = fopen(input.path.c_str(), "rbe");
+  if (file == nullptr) return "";  // Judged as unreadable.
+  const std::string kind(ForeignAudio(file));
+  fclose(file);
+  if (kind.empty()) return "";
+  return "input " + Name(input) + " is " + kind +
+         ", not headerless samples; to convert it: " + Conversion(input) + " && mv " +
+         Quoted(input.path + ".raw") + " " + Quoted(input.path);
+}
+
+// Why the routine could not open a file; empty when it could, or did not try.
+std::string OpenFault(const FilePlace& place, const ChildOutcome& outcome) {
+  for (const FileProblem& fault : outcome.openFaults) {
+    if (fault.name == place.place) return WriteFault(fault.error);
+  }
+  return "";
+}
+
 // Why an output is not one that the run wrote; nothing when it is.
-std::optional<Problem> NotWritten(const FileReport& output) {
+std::optional<Problem> NotWritten(const FileReport& output, const ChildOutcome& outcome) {
   const std::string name = "output " + Name(output.place);
+  const std::string fault = OpenFault(output.place, outcome);
+  const std::string why = fault.empty() ? "" : ", it could not be opened: " + fault;
   switch (output.state) {
     case OutputState::kWritten:
       return std::nullopt;
     case OutputState::kOutside:
       return Problem{Cause::kOutputAbsent, name + " leads out of the workspace"};
     case OutputState::kAbsent:
-      return Problem{Cause::kOutputAbsent, name + " is absent"};
+      return Problem{Cause::kOutputAbsent, name + " is absent" + why};
     case OutputState::kNotAFile:
       return Problem{Cause::kOutputFormat, name + " is not a regular file"};
     case OutputState::kStale:
-      return Problem{Cause::kOutputStale, name + " was not written; what is there is from before"};
+      return Problem{Cause::kOutputStale,
+                     name + " was not written; what is there is from before" + why};
     case OutputState::kEmpty:
+      if (output.place.use.mayBeEmpty) return std::nullopt;
       return Problem{Cause::kOutputEmpty, name + " is empty"};
   }
   return std::nullopt;
 }
 
+// What is wrong with an output because it could not be looked at whole.
+void AddLookProblems(const FileReport& output, bool cut, std::vector<Problem>& problems) {
+  const std::string name = "output " + Name(output.place);
+  if (output.changed) {
+    problems.push_back({Cause::kOutputChanged, name + " changed while it was measured"});
+  } else if (!output.unreadable.empty()) {
+    problems.push_back(
+        {Cause::kOutputUnreadable, name + " cannot be read back: " + output.unreadable});
+  } else if (!output.unmeasured.empty() && !cut) {
+    problems.push_back(
+        {Cause::kOutputNotMeasured, name + " could not be measured: " + output.unmeasured});
+  }
+}
+
 // What is wrong with the content of an output that was written.
-void AddContentProblems(const FileReport& output, std::vector<Problem>& problems) {
+void AddContentProblems(const FileReport& output, bool cut, std::vector<Problem>& problems) {
   const std::string name = "output " + Name(output.place);
   if (output.place.use.container == Container::kWave) {
     if (!output.audio) {
       problems.push_back({Cause::kOutputFormat, name + " is not a WAVE file"});
-    } else if (output.audio->bytes == 0) {
+    } else if (output.audio->bytes == 0 && !output.place.use.mayBeEmpty) {
       problems.push_back({Cause::kOutputEmpty, name + " holds no samples"});
     }
+  }
+  if (output.audio && !output.audio->flaw.empty() && !output.place.use.foreignHeader) {
+    problems.push_back({Cause::kOutputNotWhole, name + " is not whole: " + output.audio->flaw});
   }
   uint64_t notFinite = 0;
   if (output.channels) {
@@ -63,7 +129,7 @@ void AddContentProblems(const FileReport& output, std::vector<Problem>& problems
     problems.push_back({Cause::kSamplesNotFinite,
                         std::to_string(notFinite) + " samples are not finite in " + name});
   }
-  if (output.copy && !output.copy->problem.empty()) {
+  if (output.copy && !output.copy->problem.empty() && !cut) {
     problems.push_back(
         {Cause::kCopyFailed, "no copy " + output.copy->path + ": " + output.copy->problem});
   }
@@ -77,6 +143,8 @@ std::vector<Problem> InputProblems(std::span<const FilePlace> inputs) {
     if (const auto fault = FindInputFault(input)) {
       problems.push_back({fault->missing ? Cause::kMissingInput : Cause::kUnreadableInput,
                           "input " + Name(input) + ": " + fault->text});
+    } else if (const std::string format = WrongFormat(input); !format.empty()) {
+      problems.push_back({Cause::kInputFormat, format});
     } else if (const std::string shortage = TooShort(input); !shortage.empty()) {
       problems.push_back({Cause::kInputTooShort, shortage});
     }
@@ -85,32 +153,77 @@ std::vector<Problem> InputProblems(std::span<const FilePlace> inputs) {
 }
 
 std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout) {
+  std::vector<Problem> problems;
   switch (outcome.end) {
     case ChildOutcome::End::kCrashed:
-      return {{Cause::kCrash, outcome.how, outcome.crashSignal}};
+      problems.push_back({Cause::kCrash, outcome.how, outcome.crashSignal});
+      break;
     case ChildOutcome::End::kTimedOut:
-      return {{Cause::kTimeout, "timed out after " + Seconds(timeout)}};
+      problems.push_back({Cause::kTimeout, "timed out after " + Seconds(timeout)});
+      break;
     case ChildOutcome::End::kInterrupted:
-      return {{Cause::kInterrupted,
-               std::string("interrupted (") + strsignal(outcome.interruption) + ")",
-               outcome.interruption}};
+      problems.push_back({Cause::kInterrupted,
+                          std::string("interrupted (") + strsignal(outcome.interruption) + ")",
+                          outcome.interruption});
+      break;
     case ChildOutcome::End::kReturned:
       break;
   }
-  if (outcome.writeFailure == 0) return {};
-  return {{Cause::kWriteError,
-           std::string("a file could not be written whole: ") + strerror(outcome.writeFailure)}};
+  if (const FileProblem& fault = outcome.readFault; fault.error != 0) {
+    problems.push_back(
+        {Cause::kReadError, fault.name + " could not be read: " + strerror(fault.error)});
+  }
+  if (const FileProblem& fault = outcome.writeFault; fault.error != 0) {
+    problems.push_back(
+        {Cause::kWriteError, fault.name + " could not be written whole: " + strerror(fault.error)});
+  }
+  if (outcome.logFault != 0) {
+    problems.push_back({Cause::kLogIncomplete, std::string("the log file is not complete: ") +
+                                                   strerror(outcome.logFault)});
+  }
+  return problems;
 }
 
-std::vector<Problem> OutputProblems(std::span<const FileReport> outputs) {
+std::vector<Problem> InputProblemsAfter(const RunReport& report) {
   std::vector<Problem> problems;
-  for (const FileReport& output : outputs) {
-    if (const auto problem = NotWritten(output)) {
-      problems.push_back(*problem);
-    } else {
-      AddContentProblems(output, problems);
+  for (const FileReport& input : report.inputs) {
+    const std::string name = "input " + Name(input.place);
+    const std::string fault = OpenFault(input.place, *report.outcome);
+    if (input.changed) {
+      problems.push_back({Cause::kInputChanged, name + " changed during the run"});
+    } else if (!fault.empty()) {
+      problems.push_back({Cause::kReadError, name + " could not be opened: " + fault});
+    } else if (!input.unreadable.empty()) {
+      problems.push_back({Cause::kReadError, name + " could not be read: " + input.unreadable});
+    } else if (!input.unmeasured.empty() && !report.cut && input.audio->samples) {
+      problems.push_back({Cause::kReadError, name + " could not be read: " + input.unmeasured});
     }
   }
+  return problems;
+}
+
+std::vector<Problem> OutputProblems(const RunReport& report) {
+  std::vector<Problem> problems;
+  for (const FileReport& output : report.outputs) {
+    if (const auto problem = NotWritten(output, *report.outcome)) {
+      problems.push_back(*problem);
+    } else {
+      AddLookProblems(output, report.cut.has_value(), problems);
+      AddContentProblems(output, report.cut.has_value(), problems);
+    }
+  }
+  return problems;
+}
+
+std::vector<Problem> RunProblems(const RunReport& report, double timeout) {
+  std::vector<Problem> problems = OutcomeProblems(*report.outcome, timeout);
+  const auto add = [&](const std::vector<Problem>& more) {
+    problems.insert(problems.end(), more.begin(), more.end());
+  };
+  add(InputProblemsAfter(report));
+  if (report.outcome->end != ChildOutcome::End::kReturned) return problems;
+  if (report.cut) problems.push_back(*report.cut);
+  add(OutputProblems(report));
   return problems;
 }
 

@@ -1,14 +1,14 @@
 #include "run/run.h"
 
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <exception>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -16,21 +16,22 @@
 #include "base/exit_code.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "files/beneath.h"
+#include "files/workspace_lock.h"
 #include "process/child.h"
+#include "process/outlet.h"
 #include "process/progress.h"
-#include "report/output.h"
 #include "report/report.h"
 #include "report/result_file.h"
+#include "run/examine.h"
 #include "run/judge.h"
+#include "run/shared_files.h"
 
 namespace host {
 
 namespace {
 
-struct CloseFile {
-  void operator()(FILE* file) const { fclose(file); }
-};
-using File = std::unique_ptr<FILE, CloseFile>;
+constexpr double kPatience = 2;  // Seconds that a reader has at least to take the report.
 
 using Words = std::vector<std::string_view>;
 
@@ -51,49 +52,24 @@ void CreateFolder(const std::string& path) {
                    (error ? error.message() : strerror(ENOTDIR))};
 }
 
-File OpenLog(const std::string& path) {
-  File log(fopen(path.c_str(), "wb"));
-  if (log == nullptr) throw UsageError{"cannot write " + path + ": " + strerror(errno)};
-  return log;
-}
-
-FileReport Examine(const FilePlace& place) {
-  FileReport report;
-  report.place = place;
-  struct stat status;
-  if (stat(place.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return report;
-  const File file(fopen(place.path.c_str(), "rb"));
-  if (file == nullptr) return report;
-  report.bytes = static_cast<uint64_t>(status.st_size);
-  report.audio = FindAudio(place.use, file.get(), *report.bytes);
-  if (report.audio) report.channels = MeasureAudio(file.get(), *report.audio);
-  return report;
-}
-
-void AddCopy(FileReport& report) {
-  const bool headerless = report.place.use.container == Container::kHeaderless;
-  if (!headerless || !report.channels) return;
-  const File file(fopen(report.place.path.c_str(), "rb"));
-  if (file == nullptr) return;
-  report.copy =
-      WriteWaveCopy(file.get(), *report.audio, Peak(*report.channels), report.place.path + ".wav");
-}
-
-// Looks at what a run has left in the place of an output.
-FileReport ExamineOutput(const FilePlace& place, const OutputBefore& before, bool wav) {
-  const OutputState state = before.StateNow();
-  FileReport report;
-  if (state == OutputState::kWritten) {
-    report = Examine(place);
-    if (wav) AddCopy(report);
+// The log of a run.
+class Log {
+ public:
+  explicit Log(const WorkFile& file) : m_file(file.Create()) {
+    if (m_file != nullptr) return;
+    throw UsageError{"cannot write " + file.Path() + ": " + WriteFault(errno)};
   }
-  report.place = place;
-  report.state = state;
-  return report;
-}
+  ~Log() { fclose(m_file); }
+  Log(const Log&) = delete;
+  Log& operator=(const Log&) = delete;
+  FILE* file() const { return m_file; }
 
-// The time as ISO 8601 has it, UTC.
-std::string Now() {
+ private:
+  FILE* m_file;
+};
+
+// The time now as ISO 8601 has it, UTC.
+std::string TimeOfDay() {
   const time_t now = time(nullptr);
   tm parts;
   char text[32];
@@ -107,32 +83,58 @@ RunReport Unfinished(RunReport report) {
   return report;
 }
 
+// The files of a run.
+struct Files {
+  std::vector<FilePlace> inputs;
+  std::vector<FilePlace> outputs;
+  WorkFile log;
+};
+
+// Runs the routine and says what it has left.
+void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Words& words,
+                   const Files& files, RunReport& report) {
+  const Log log(files.log);
+  std::vector<FileState> inputsBefore;
+  for (const FilePlace& input : files.inputs) inputsBefore.emplace_back(input.path);
+  for (const FileState& state : inputsBefore) state.WaitForClockTick();
+  std::vector<OutputBefore> outputsBefore;
+  for (const FilePlace& output : files.outputs) outputsBefore.emplace_back(output);
+
+  const HostSignals signals;
+  Limits limits(signals, options.timeout);
+  Progress progress(report.routine, files.inputs.size() + files.outputs.size());
+  report.outcome =
+      RunInChild([&] { harness::Run(row, words); }, options.work, limits, log.file(), progress);
+
+  Examiner examiner(limits, options.timeout, options.wav ? options.work : "");
+  for (size_t i = 0; i < files.inputs.size(); ++i) {
+    report.inputs.push_back(examiner.Input(files.inputs[i], inputsBefore[i]));
+  }
+  for (size_t i = 0; i < files.outputs.size(); ++i) {
+    report.outputs.push_back(examiner.Output(files.outputs[i], outputsBefore[i]));
+  }
+  if (report.outcome->end == ChildOutcome::End::kReturned) report.cut = examiner.cut();
+  report.judgement = Judge(RunProblems(report, options.timeout));
+}
+
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
             ResultFile* json, RunReport& report) {
+  const std::string_view parameters = row.declared.words.parameters;
+  const Files files = {PlaceFiles(row.inputs, parameters, words, options.work),
+                       PlaceFiles(harness::Outputs(row, words), parameters, words, options.work),
+                       {options.work, "logs/" + report.routine + ".log"}};
+  RefuseSharedFiles(files.inputs, files.outputs, files.log, options);
+  std::optional<WorkspaceLock> lock;
+  if (std::filesystem::is_directory(options.work)) lock.emplace(options.work, options.wait);
+  report.judgement = Judge(InputProblems(files.inputs));
+  if (report.judgement.verdict != Verdict::kPass) return;
+
   CreateFolder(options.work);
-  const auto inputs = PlaceFiles(row.inputs, row.declared.words.parameters, words, options.work);
-  const auto outputs =
-      PlaceFiles(harness::Outputs(row, words), row.declared.words.parameters, words, options.work);
-  report.judgement = Judge(InputProblems(inputs));
-  if (report.judgement.verdict != Verdict::kPass) return;
-
-  CreateFolder(options.work + "/logs");
-  report.log = options.work + "/logs/" + report.routine + ".log";
-  const File log = OpenLog(report.log);
-  std::vector<OutputBefore> before;
-  for (const FilePlace& output : outputs) before.emplace_back(output);
+  if (!lock) lock.emplace(options.work, options.wait);
+  RefuseOutputs(files.outputs, options.work);
+  report.log = files.log.Path();
   if (json != nullptr) json->Replace(JsonReport(Unfinished(report)));
-  Progress progress(report.routine, inputs.size() + outputs.size());
-  report.outcome = RunInChild([&] { harness::Run(row, words); }, options.work, options.timeout,
-                              log.get(), progress);
-
-  for (const FilePlace& input : inputs) report.inputs.push_back(Examine(input));
-  for (size_t i = 0; i < outputs.size(); ++i) {
-    report.outputs.push_back(ExamineOutput(outputs[i], before[i], options.wav));
-  }
-  report.judgement = Judge(OutcomeProblems(*report.outcome, options.timeout));
-  if (report.judgement.verdict != Verdict::kPass) return;
-  report.judgement = Judge(OutputProblems(report.outputs));
+  RunAndExamine(row, options, words, files, report);
 }
 
 void RunRoutine(const RunOptions& options, ResultFile* json, RunReport& report) {
@@ -158,10 +160,16 @@ void Refuse(ResultFile* json, const std::string& message, RunReport& report) {
   json->WriteRefusal(JsonReport(report));
 }
 
-// Prints the report and writes it as JSON. Returns the exit code, which is the one in the report
-// where that could be written.
-int Deliver(ResultFile* json, RunReport& report) {
-  if (PrintResults(TextReport(report)) != exit_code::kPass) {
+// The signal that interrupted a run; 0 for none.
+int Interruption(const Judgement& judgement) {
+  const Problem* const worst = judgement.Worst();
+  return worst != nullptr && worst->cause == Cause::kInterrupted ? worst->signal : 0;
+}
+
+// Prints the report, waiting for its reader until Now() is `until`, and writes it as JSON. Returns
+// the exit code, which is the one in the report where that could be written.
+int Deliver(ResultFile* json, double until, RunReport& report) {
+  if (!WriteUntil(STDOUT_FILENO, TextReport(report), until)) {
     report.judgement.problems.push_back(
         {Cause::kNotDelivered, "the results could not be written to standard output"});
     report.judgement = Judge(std::move(report.judgement.problems));
@@ -174,7 +182,8 @@ int Deliver(ResultFile* json, RunReport& report) {
 }  // namespace
 
 int Run(const RunOptions& options) {
-  RunReport report = {.started = Now(),
+  const double end = Now() + options.timeout;
+  RunReport report = {.started = TimeOfDay(),
                       .workspace = options.work,
                       .timeout = options.timeout,
                       .routine = options.routine,
@@ -187,18 +196,20 @@ int Run(const RunOptions& options) {
   } catch (const UsageError& error) {
     if (!error.touchNothing) Refuse(target, error.message, report);
     throw;
-  } catch (const std::system_error& error) {
+  } catch (const std::exception& error) {
     Refuse(target, error.what(), report);
     throw;
   }
-  const int exitCode = Deliver(target, report);
+  // Who has interrupted the run wants to see its end.
+  const bool wait = !Interruption(report.judgement);
+  const int exitCode = Deliver(target, std::max(wait ? end : 0, Now() + kPatience), report);
   json.reset();
-  if (report.outcome && report.outcome->interruption != 0) raise(report.outcome->interruption);
+  if (const int signal = Interruption(report.judgement)) raise(signal);
   return exitCode;
 }
 
 void ReportRefusal(const std::string& path, const std::string& message) {
-  RunReport report = {.started = Now()};
+  RunReport report = {.started = TimeOfDay()};
   ResultFile json(path);
   Refuse(&json, message, report);
 }

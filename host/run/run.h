@@ -11,6 +11,7 @@ struct RunOptions {
   std::string work = "bench_work";
   double timeout = 600;  // Seconds
   std::string json;      // Where the report goes as JSON; empty for nowhere.
+  bool wait = false;     // For the end of another run in the workspace.
   bool wav = false;      // Also write WAVE copies of headerless audio outputs.
 };
 

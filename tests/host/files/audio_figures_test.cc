@@ -33,10 +33,10 @@ class AudioFiguresTest : public testing::Test {
         .offset = offset,
         .bytes = bytes.size(),
         .frameBytes = static_cast<int>(sizeof(T)) * channels};
-    const auto figures = MeasureAudio(file, layout);
+    const Measurement measured = MeasureAudio(file, layout, [] { return true; });
     fclose(file);
-    EXPECT_TRUE(figures.has_value());
-    return figures.value_or(std::vector<ChannelFigures>(static_cast<size_t>(channels)));
+    EXPECT_EQ(measured.fault, "");
+    return measured.channels.value_or(std::vector<ChannelFigures>(static_cast<size_t>(channels)));
   }
 
   TemporaryDirectory m_directory;
@@ -118,13 +118,36 @@ TEST_F(AudioFiguresTest, StartsAtTheOffset) {
   EXPECT_DOUBLE_EQ(Peak(Measure<short>({8192}, 1, 44)), 0.25);
 }
 
-TEST_F(AudioFiguresTest, GivesNothingForAFileThatEndsEarly) {
+AudioLayout Mono(uint64_t bytes) {
+  return {
+      .samples = SampleType::kPcm16, .rate = 8000, .channels = 1, .bytes = bytes, .frameBytes = 2};
+}
+
+TEST_F(AudioFiguresTest, SaysWhyThereAreNone) {
+  const auto fault = [](const char* name, const AudioLayout& layout) {
+    FILE* const file = fopen(name, "rb");
+    const Measurement measured = MeasureAudio(file, layout, [] { return true; });
+    fclose(file);
+    EXPECT_EQ(measured.channels, std::nullopt);
+    return measured.fault;
+  };
   WriteFile("short", "1234");
-  FILE* const file = fopen("short", "rb");
-  const AudioLayout layout = {
-      .samples = SampleType::kPcm16, .rate = 8000, .channels = 1, .bytes = 6, .frameBytes = 2};
-  EXPECT_EQ(MeasureAudio(file, layout), std::nullopt);
+  EXPECT_EQ(fault("short", Mono(6)), "it has become shorter");
+  EXPECT_EQ(fault("/proc/self/mem", Mono(6)), "Input/output error");
+  AudioLayout unknown = Mono(4);
+  unknown.samples.reset();
+  EXPECT_EQ(fault("short", unknown), "samples of a type that is not known");
+}
+
+TEST_F(AudioFiguresTest, GivesUpWhenItIsTold) {
+  WriteFile("long", std::string(1000000, 'x'));
+  FILE* const file = fopen("long", "rb");
+  int blocks = 0;
+  const Measurement measured = MeasureAudio(file, Mono(1000000), [&] { return ++blocks < 3; });
   fclose(file);
+  EXPECT_EQ(blocks, 3);
+  EXPECT_EQ(measured.channels, std::nullopt);
+  EXPECT_EQ(measured.fault, kStopped);
 }
 
 }  // namespace

@@ -83,5 +83,33 @@ TEST_F(AudioLayoutTest, FindsNothingInWhatIsNoWave) {
   }
 }
 
+TEST_F(AudioLayoutTest, SaysWhatShowsThatAFileIsNotWhole) {
+  const FileUse stereo = {.container = Container::kHeaderless, .rate = 8000, .channels = 2};
+  EXPECT_EQ(Find(stereo, "12345678")->flaw, "");
+  EXPECT_EQ(Find(stereo, "123456")->flaw, "it ends with a part of a frame, 2 bytes");
+
+  const std::string mono = PlainFormat({});
+  const std::string whole = Riff(mono + Chunk("data", "12345678"));
+  EXPECT_EQ(FindWave(whole)->flaw, "");
+  EXPECT_EQ(FindWave(Riff(mono + Chunk("data", "12345678") + Chunk("LIST", "odd")))->flaw, "");
+  EXPECT_EQ(FindWave(Riff(mono + Chunk("data", "1234567")))->flaw,
+            "it ends with a part of a frame, 1 byte");
+  EXPECT_EQ(FindWave(whole.substr(0, whole.size() - 2))->flaw,
+            "its header announces 8 bytes of samples, there are 6");
+  EXPECT_EQ(FindWave(whole + "90")->flaw, "its header announces 8 bytes of samples, there are 10");
+  EXPECT_EQ(FindWave(whole + "1234567890abcdef")->flaw,
+            "its header announces 8 bytes of samples, there are 24");
+
+  std::string unfinished = whole;
+  unfinished.replace(unfinished.find("data") + 4, 4, 4, '\0');
+  EXPECT_EQ(FindWave(unfinished)->flaw, "its header announces 0 bytes of samples, there are 8");
+  unfinished.replace(4, 4, 4, '\0');
+  EXPECT_EQ(FindWave(unfinished)->flaw, "its header announces 0 bytes of samples, there are 8")
+      << "left open, which a reader takes for all that follows";
+  std::string riff = whole;
+  riff[4] = '\x20';
+  EXPECT_EQ(FindWave(riff)->flaw, "its header announces 40 bytes in all, there are 52");
+}
+
 }  // namespace
 }  // namespace host

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "files/audio_figures.h"
 #include "support/file_bytes.h"
 #include "support/file_size_limit.h"
 #include "support/temporary_directory.h"
@@ -29,7 +30,7 @@ class WaveCopyTest : public testing::Test {
                                 .channels = 2,
                                 .bytes = samples.size() * 4,
                                 .frameBytes = 8};
-    WaveCopy copy = WriteWaveCopy(file, layout, peak, path);
+    WaveCopy copy = WriteWaveCopy(file, layout, peak, {".", path}, [] { return true; });
     fclose(file);
     return copy;
   }
@@ -84,7 +85,36 @@ TEST_F(WaveCopyTest, CopiesMoreThanOneBlock) {
 }
 
 TEST_F(WaveCopyTest, TellsWhyThereIsNoCopy) {
-  EXPECT_EQ(CopyFloats({0, 0}, 0, "no/folder/out.wav").problem, "No such file or directory");
+  WriteFile("file", "");
+  EXPECT_EQ(CopyFloats({0, 0}, 0, "file/out.wav").problem, "Not a directory");
+}
+
+TEST_F(WaveCopyTest, FollowsNoLinkOutOfItsFolder) {
+  WriteFile("victim", "precious");
+  std::filesystem::create_directory("work");
+  std::filesystem::create_symlink("../victim", "work/out.wav");
+  WriteFile("in", std::string(8, 0));
+  FILE* const file = fopen("in", "rb");
+  const AudioLayout layout = {
+      .samples = SampleType::kFloat32, .rate = 44100, .channels = 2, .bytes = 8, .frameBytes = 8};
+  const WaveCopy copy = WriteWaveCopy(file, layout, 0, {"work", "out.wav"}, [] { return true; });
+  fclose(file);
+  EXPECT_EQ(copy.problem, "leads out of the workspace by a symbolic link");
+  EXPECT_EQ(ReadFile("victim"), "precious");
+}
+
+TEST_F(WaveCopyTest, LeavesNoHalfCopyWhenItIsStopped) {
+  WriteFile("in", std::string(400000, 0));
+  FILE* const file = fopen("in", "rb");
+  const AudioLayout layout = {.samples = SampleType::kFloat32,
+                              .rate = 44100,
+                              .channels = 2,
+                              .bytes = 400000,
+                              .frameBytes = 8};
+  EXPECT_EQ(WriteWaveCopy(file, layout, 0, {".", "out.wav"}, [] { return false; }).problem,
+            kStopped);
+  fclose(file);
+  EXPECT_FALSE(std::filesystem::exists("out.wav"));
 }
 
 TEST_F(WaveCopyTest, LeavesNoHalfCopyOnAFullDisk) {
@@ -97,7 +127,8 @@ TEST_F(WaveCopyTest, LeavesNoHalfCopyOnAFullDisk) {
                               .channels = 2,
                               .bytes = kBytes,
                               .frameBytes = 8};
-  EXPECT_EQ(WriteWaveCopy(file, layout, 0, "out.wav").problem, "File too large");
+  EXPECT_EQ(WriteWaveCopy(file, layout, 0, {".", "out.wav"}, [] { return true; }).problem,
+            "File too large");
   fclose(file);
   EXPECT_FALSE(std::filesystem::exists("out.wav"));
 }
@@ -108,7 +139,8 @@ TEST_F(WaveCopyTest, RefusesWhatNoHeaderCanSay) {
                               .channels = 2,
                               .bytes = uint64_t{1} << 32,
                               .frameBytes = 4};
-  EXPECT_EQ(WriteWaveCopy(nullptr, layout, 0, "out.wav").problem, "too long for a WAVE file");
+  EXPECT_EQ(WriteWaveCopy(nullptr, layout, 0, {".", "out.wav"}, [] { return true; }).problem,
+            "too long for a WAVE file");
   EXPECT_EQ(ReadFile("out.wav"), "");
 }
 

@@ -1,6 +1,7 @@
 #include "probe_routines.h"
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
@@ -109,4 +111,110 @@ void OpenOutside() {
     FILE* const file = fopen(name, "wb");
     printf("%s\n", file == nullptr ? strerror(errno) : "opened");
   }
+}
+
+void ReadAll(const char* inFile) {
+  FILE* const in = fopen(inFile, "rb");
+  if (in == nullptr) return;
+  while (fgetc(in) != EOF) {
+  }
+  fclose(in);
+}
+
+void ReadBoth(const char* first, const char* second) {
+  ReadAll(first);
+  ReadAll(second);
+}
+
+void ReadAndLeaveOpen(const char* inFile) {
+  FILE* const in = fopen(inFile, "rb");
+  fgetc(in);
+}
+
+void Spoil(const char* how, const char* inFile) {
+  const std::string change = how;
+  const std::string path = inFile;
+  if (change == "grow") {
+    FILE* const file = fopen(inFile, "ab");
+    fputc('x', file);
+    fclose(file);
+  }
+  if (change == "shrink" && truncate(inFile, 1) != 0) abort();
+  if (change == "vanish") remove(inFile);
+  if (change == "replace") rename((path + ".new").c_str(), inFile);
+}
+
+void WriteBytes(int count) { WriteFile("out.pcm", std::vector<char>(static_cast<size_t>(count))); }
+
+void WriteHugeFloats(int megabytes) {
+  FILE* const file = fopen("/sdcard/out.f32", "wb");
+  if (ftruncate(fileno(file), off_t{megabytes} * 1000000) != 0) abort();
+  fclose(file);
+  fprintf(stderr, "written\n");
+}
+
+void WriteWave(int dataBytes, int riffBytes) {
+  const auto put = [](FILE* file, int number) { fwrite(&number, 4, 1, file); };
+  FILE* const file = fopen("out.wav", "wb");
+  fputs("RIFF", file);
+  put(file, riffBytes);
+  fputs("WAVEfmt ", file);
+  for (const int number : {16, 0x10001, 8000, 16000, 0x100002}) put(file, number);
+  fputs("data", file);
+  put(file, dataBytes);
+  fputs("12345678", file);
+  fclose(file);
+}
+
+void WriteTo(const char* outFile) {
+  FILE* const file = fopen(outFile, "wb");
+  printf("%s\n", file == nullptr ? strerror(errno) : "opened");
+  if (file == nullptr) return;
+  fputs("12", file);
+  fclose(file);
+}
+
+void OpenAs(const char* mode, const char* file) {
+  FILE* const opened = fopen(file, mode);
+  printf("%s\n", opened == nullptr ? strerror(errno) : "opened");
+  if (opened != nullptr) fclose(opened);
+}
+
+void PrintForEver() {
+  while (true) puts("a line that somebody should read");
+}
+
+void LogForEver() {
+  while (true) fputs("a line that somebody should read\n", stderr);
+}
+
+void PrintMuch(int lines) {
+  for (int i = 0; i < lines; ++i) printf("line %d\n", i);
+}
+
+void LogMuch() {
+  for (int i = 0; i < 20000; ++i) fprintf(stderr, "line %d\n", i);
+}
+
+// Leaves a process behind that has left the group, the session and the parent of this one.
+void LeaveDaemon(bool hang) {
+  if (fork() == 0) {
+    setsid();
+    if (fork() == 0) {
+      FILE* const file = fopen("daemon", "w");
+      fprintf(file, "%d", static_cast<int>(getpid()));
+      fclose(file);
+      signal(SIGTERM, SIG_IGN);
+      while (true) pause();
+    }
+    _exit(0);
+  }
+  struct stat status;
+  while (stat("daemon", &status) != 0 || status.st_size == 0) usleep(1000);
+  if (hang) Hang();
+}
+
+void Allocate() {
+  std::vector<std::vector<char>> blocks;
+  for (int i = 0; i < 4096; ++i) blocks.emplace_back(1 << 20, 'x');
 }

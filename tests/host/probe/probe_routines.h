@@ -24,5 +24,20 @@ ROUTINE(void, LeaveOpen);
 ROUTINE(void, Copy, const char* inFile, const char* outFile);
 ROUTINE(void, OpenByAnyName);
 ROUTINE(void, OpenOutside);
+ROUTINE(void, ReadAll, const char* inFile);
+ROUTINE(void, ReadAndLeaveOpen, const char* inFile);
+ROUTINE(void, ReadBoth, const char* first, const char* second);
+ROUTINE(void, Spoil, const char* how, const char* inFile);  // Changes its own input.
+ROUTINE(void, WriteBytes, int count);
+ROUTINE(void, WriteHugeFloats, int megabytes);           // Zeros that take no room on the disk.
+ROUTINE(void, WriteWave, int dataBytes, int riffBytes);  // 8 bytes of samples, whatever they say.
+ROUTINE(void, WriteTo, const char* outFile);
+ROUTINE(void, OpenAs, const char* mode, const char* file);  // Not declared in its row.
+ROUTINE(void, PrintForEver);
+ROUTINE(void, LogForEver);
+ROUTINE(void, PrintMuch, int lines);
+ROUTINE(void, LogMuch);
+ROUTINE(void, LeaveDaemon, bool hang);  // Leaves a process that has cut all ties; see "daemon".
+ROUTINE(void, Allocate);                // 4 GiB
 PLANNED(void, NotBuilt, const char* inFile);
 HELPER(void, Helper);

@@ -82,23 +82,46 @@ TEST_F(JudgeTest, TellsHowARunEnded) {
 }
 
 TEST_F(JudgeTest, FailsWhenAFileIsNotWrittenWhole) {
-  const Judgement judgement = Judge(OutcomeProblems({.how = {}, .writeFailure = ENOSPC}, 1));
+  ChildOutcome outcome;
+  outcome.writeFault = {ENOSPC, "out.pcm"};
+  const Judgement judgement = Judge(OutcomeProblems(outcome, 1));
   EXPECT_EQ(judgement.verdict, Verdict::kFail);
-  EXPECT_EQ(judgement.reason, "a file could not be written whole: No space left on device");
+  EXPECT_EQ(judgement.reason, "out.pcm could not be written whole: No space left on device");
 }
 
-FileReport Output(Container container) {
-  FileReport report;
-  report.place = Place("/out");
-  report.place.use.container = container;
+TEST_F(JudgeTest, CallsAReadErrorAnErrorOfTheInput) {
+  ChildOutcome outcome;
+  outcome.readFault = {EIO, "in.pcm"};
+  const Judgement judgement = Judge(OutcomeProblems(outcome, 1));
+  EXPECT_EQ(judgement.verdict, Verdict::kError);
+  EXPECT_EQ(judgement.exitCode, 3);
+  EXPECT_EQ(judgement.reason, "in.pcm could not be read: Input/output error");
+}
+
+TEST_F(JudgeTest, EndsWithTwoWhenTheLogIsIncomplete) {
+  ChildOutcome outcome;
+  outcome.logFault = ENOSPC;
+  const Judgement judgement = Judge(OutcomeProblems(outcome, 1));
+  EXPECT_EQ(judgement.exitCode, 2);
+  EXPECT_EQ(judgement.reason, "the log file is not complete: No space left on device");
+}
+
+// The report of a routine that returned and left one output.
+RunReport WithOutput(Container container) {
+  RunReport report;
+  report.outcome.emplace();
+  report.outputs.emplace_back();
+  report.outputs[0].place = Place("/out");
+  report.outputs[0].place.place = "out";
+  report.outputs[0].place.use.container = container;
   return report;
 }
 
+std::string Reason(const RunReport& report) { return Judge(RunProblems(report, 1)).reason; }
+
 TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
-  std::vector<FileReport> outputs = {Output(Container::kHeaderless),
-                                     Output(Container::kHeaderless)};
-  EXPECT_EQ(Judge(OutputProblems(outputs)).verdict, Verdict::kPass);
-  EXPECT_EQ(Judge(OutputProblems({})).verdict, Verdict::kPass);
+  RunReport report = WithOutput(Container::kHeaderless);
+  EXPECT_EQ(Judge(RunProblems(report, 1)).verdict, Verdict::kPass);
   const std::pair<OutputState, const char*> cases[] = {
       {OutputState::kOutside, "leads out of the workspace"},
       {OutputState::kAbsent, "is absent"},
@@ -106,28 +129,95 @@ TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
       {OutputState::kStale, "was not written; what is there is from before"},
       {OutputState::kEmpty, "is empty"}};
   for (const auto& [state, text] : cases) {
-    outputs[1].state = state;
-    const Judgement judgement = Judge(OutputProblems(outputs));
+    report.outputs[0].state = state;
+    const Judgement judgement = Judge(RunProblems(report, 1));
     EXPECT_EQ(judgement.verdict, Verdict::kFail);
     EXPECT_EQ(judgement.exitCode, 1);
     EXPECT_EQ(judgement.reason, std::string("output /out (work/out) ") + text);
   }
+  report.outputs[0].place.use.mayBeEmpty = true;
+  EXPECT_EQ(Reason(report), "");
+}
+
+TEST_F(JudgeTest, SaysWhyAnOutputCouldNotBeOpened) {
+  RunReport report = WithOutput(Container::kHeaderless);
+  report.outputs[0].state = OutputState::kAbsent;
+  report.outcome->openFaults = {{ENOENT, "other"}, {EACCES, "out"}};
+  EXPECT_EQ(Reason(report),
+            "output /out (work/out) is absent, it could not be opened: Permission denied");
+  report.outputs[0].state = OutputState::kStale;
+  EXPECT_THAT(Reason(report), testing::EndsWith(", it could not be opened: Permission denied"));
 }
 
 TEST_F(JudgeTest, FailsOnWhatTheOutputsHold) {
-  std::vector<FileReport> outputs = {Output(Container::kWave)};
-  const auto reason = [&] { return Judge(OutputProblems(outputs)).reason; };
-  EXPECT_EQ(reason(), "output /out (work/out) is not a WAVE file");
-  outputs[0].audio = AudioLayout{.samples = SampleType::kPcm16, .rate = 8000, .channels = 1};
-  EXPECT_EQ(reason(), "output /out (work/out) holds no samples");
-  outputs[0].audio->bytes = 8;
-  EXPECT_EQ(reason(), "");
+  RunReport report = WithOutput(Container::kWave);
+  FileReport& output = report.outputs[0];
+  EXPECT_EQ(Reason(report), "output /out (work/out) is not a WAVE file");
+  output.audio = AudioLayout{.samples = SampleType::kPcm16, .rate = 8000, .channels = 1};
+  EXPECT_EQ(Reason(report), "output /out (work/out) holds no samples");
+  output.place.use.mayBeEmpty = true;
+  EXPECT_EQ(Reason(report), "");
+  output.audio->bytes = 8;
+  EXPECT_EQ(Reason(report), "");
+  output.audio->flaw = "it ends early";
+  EXPECT_EQ(Reason(report), "output /out (work/out) is not whole: it ends early");
+  output.place.use.foreignHeader = true;
+  EXPECT_EQ(Reason(report), "");
 
-  outputs[0].channels = {{.samples = 4, .notFinite = 1}, {.samples = 4, .notFinite = 2}};
-  EXPECT_EQ(reason(), "3 samples are not finite in output /out (work/out)");
-  outputs[0].channels->clear();
-  outputs[0].copy = WaveCopy{.path = "work/out.wav", .problem = "disk full"};
-  EXPECT_EQ(reason(), "no copy work/out.wav: disk full");
+  output.channels = {{.samples = 4, .notFinite = 1}, {.samples = 4, .notFinite = 2}};
+  EXPECT_EQ(Reason(report), "3 samples are not finite in output /out (work/out)");
+  output.channels->clear();
+  output.copy = WaveCopy{.path = "work/out.wav", .problem = "disk full"};
+  EXPECT_EQ(Reason(report), "no copy work/out.wav: disk full");
+}
+
+TEST_F(JudgeTest, FailsOnOutputsThatCouldNotBeLookedAt) {
+  RunReport report = WithOutput(Container::kHeaderless);
+  FileReport& output = report.outputs[0];
+  output.unmeasured = "it has become shorter";
+  EXPECT_EQ(Reason(report), "output /out (work/out) could not be measured: it has become shorter");
+  report.cut = Problem{Cause::kTimeout, "late"};
+  EXPECT_EQ(Reason(report), "late") << "the time is to blame, not the output";
+  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 4);
+  report.cut.reset();
+  output.unreadable = "Too many open files";
+  EXPECT_EQ(Reason(report), "output /out (work/out) cannot be read back: Too many open files");
+  output.changed = true;
+  EXPECT_EQ(Reason(report), "output /out (work/out) changed while it was measured");
+}
+
+TEST_F(JudgeTest, CallsInputsThatChangedOrFailedAnError) {
+  RunReport report = WithOutput(Container::kOther);
+  report.inputs.emplace_back();
+  FileReport& input = report.inputs[0];
+  input.place = Place("/in");
+  input.place.place = "in";
+  EXPECT_EQ(Reason(report), "");
+  input.unreadable = "Input/output error";
+  EXPECT_EQ(Reason(report), "input /in (work/in) could not be read: Input/output error");
+  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 3);
+  report.outcome->openFaults = {{EMFILE, "in"}};
+  EXPECT_EQ(Reason(report), "input /in (work/in) could not be opened: Too many open files");
+  input.changed = true;
+  EXPECT_EQ(Reason(report), "input /in (work/in) changed during the run");
+  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 3);
+}
+
+TEST_F(JudgeTest, SaysHowToConvertAFileThatIsNotHeaderless) {
+  WriteFile("work/my song", "RIFF1234WAVE" + std::string(200, 'x'));
+  FilePlace input = Place("/my song", 4);
+  input.use.container = Container::kHeaderless;
+  input.use.rate = 44100;
+  input.use.channels = 2;
+  const Judgement judgement = Judge(InputProblems(std::vector{input}));
+  EXPECT_EQ(judgement.verdict, Verdict::kFail);
+  EXPECT_EQ(judgement.exitCode, 1);
+  EXPECT_EQ(judgement.reason,
+            "input /my song (work/my song) is a WAVE file, not headerless samples; to convert it: "
+            "ffmpeg -i 'work/my song' -f s16le -ar 44100 -ac 2 'work/my song.raw' && mv "
+            "'work/my song.raw' 'work/my song'");
+  input.use.container = Container::kWave;
+  EXPECT_EQ(Judge(InputProblems(std::vector{input})).verdict, Verdict::kPass);
 }
 
 TEST(Judge, NamesTheWorstProblemAndKeepsAll) {

@@ -2,17 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "process.h"
 #include "report_schema.h"
+#include "run/run_fixture.h"
 #include "support/file_bytes.h"
-#include "support/temporary_directory.h"
 
 namespace {
 
@@ -22,17 +19,6 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 namespace fs = std::filesystem;
-
-class RunTest : public testing::Test {
- protected:
-  // `audio_bench run` with these words.
-  static Finished Run(std::vector<std::string> words) {
-    words.insert(words.begin(), {AUDIO_BENCH_PROBE, "run"});
-    return RunProcess(words);
-  }
-
-  TemporaryDirectory m_directory;
-};
 
 TEST_F(RunTest, HandsArgumentsOn) {
   const Finished run = Run({"Echo", "text with spaces", "", "true", "-5"});
@@ -115,12 +101,6 @@ TEST_F(RunTest, EndsWhatHangs) {
   EXPECT_EQ(kill(child, 0), -1) << "the routine's process has ended";
 }
 
-// The process of a routine that hangs in a run that has just been started.
-pid_t AwaitHangingChild() {
-  while (ReadFile("bench_work/logs/Hang.log").empty()) usleep(1000);
-  return std::stoi(ReadFile("bench_work/pid"));
-}
-
 TEST_F(RunTest, ReportsAnInterruptionAndEndsByIt) {
   for (const int signal : {SIGINT, SIGTERM}) {
     fs::remove_all("bench_work");
@@ -133,17 +113,6 @@ TEST_F(RunTest, ReportsAnInterruptionAndEndsByIt) {
     EXPECT_EQ(kill(child, 0), -1);
     EXPECT_EQ(ParseReport(ReadFile("report.json"))["exit_code"], 128 + signal);
   }
-}
-
-TEST_F(RunTest, LeavesNoChildBehindWhenTheHostIsKilled) {
-  prctl(PR_SET_CHILD_SUBREAPER, 1);  // The orphan becomes ours, so that its end can be awaited.
-  Process process({AUDIO_BENCH_PROBE, "run", "Hang"});
-  const pid_t child = AwaitHangingChild();
-  kill(process.pid(), SIGKILL);
-  process.Wait();
-  int status = 0;
-  EXPECT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFSIGNALED(status));
 }
 
 TEST_F(RunTest, FailsOnAnOutputThatIsAbsentStaleOrEmpty) {
@@ -164,7 +133,7 @@ TEST_F(RunTest, FailsOnAnOutputThatIsAbsentStaleOrEmpty) {
 TEST_F(RunTest, FailsOnAnOutputThatIsCutShort) {
   const Finished run = Run({"WriteTooMuch"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(run.out, HasSubstr("a file could not be written whole: File too large"));
+  EXPECT_THAT(run.out, HasSubstr("out.pcm could not be written whole: File too large"));
 }
 
 TEST_F(RunTest, FailsOnSamplesThatAreNotFinite) {

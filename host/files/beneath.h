@@ -1,0 +1,37 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdio>
+#include <string>
+
+namespace host {
+
+// Writing files in a folder, and nowhere else, whatever symbolic links there are in it: a link is
+// followed as long as it stays in the folder. All return a descriptor, or -1 and errno, which is
+// EXDEV for what would lead out.
+
+// Opens the folder itself, which may be a link.
+int OpenFolder(const std::string& path);
+
+// As openat; `place` is relative to the folder.
+int OpenBeneath(int folder, const std::string& place, int flags, mode_t mode);
+
+// Creates the folders above `place` that are missing. 0, or -1 and errno.
+int CreateParentsBeneath(int folder, const std::string& place);
+
+// A file that the host itself writes in a folder.
+struct WorkFile {
+  std::string folder;
+  std::string place;  // Relative to it.
+
+  std::string Path() const { return folder + "/" + place; }
+
+  // Creates it, or empties it; null and errno when that is not to be done.
+  FILE* Create() const;
+};
+
+// errno of a file that could not be opened for writing, in words.
+std::string WriteFault(int error);
+
+}  // namespace host

@@ -1,0 +1,24 @@
+#include "files/file_activity.h"
+
+#include <algorithm>
+
+namespace host {
+
+void FileFault::Set(std::string_view fileName, int fault) {
+  error = fault;
+  const size_t length = std::min(fileName.size(), sizeof name - 1);
+  *std::copy_n(fileName.begin(), length, name) = '\0';
+}
+
+void FirstFault::Note(std::string_view name, int error) {
+  if (m_taken.exchange(true)) return;
+  m_fault.Set(name, error);
+  m_known = true;
+}
+
+void FileActivity::NoteOpenFault(std::string_view place, int error) {
+  const size_t at = openFaultCount++;
+  if (at < kMostOpenFaults) openFaults[at].Set(place, error);
+}
+
+}  // namespace host

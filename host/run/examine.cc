@@ -1,0 +1,90 @@
+#include "run/examine.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "base/units.h"
+#include "files/audio_figures.h"
+#include "files/audio_layout.h"
+#include "files/wave_copy.h"
+
+namespace host {
+
+namespace {
+
+struct CloseFile {
+  void operator()(FILE* file) const { fclose(file); }
+};
+
+}  // namespace
+
+Examiner::Examiner(Limits& limits, double seconds, std::string copies)
+    : m_limits(limits), m_seconds(seconds), m_copies(std::move(copies)) {}
+
+FileReport Examiner::Input(const FilePlace& place, const FileState& before) {
+  FileReport report;
+  report.place = place;
+  Look(report, false);
+  report.changed = !before.SameContent(FileState(place.path));
+  return report;
+}
+
+FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) {
+  FileReport report;
+  report.place = place;
+  report.state = before.StateNow();
+  if (report.state != OutputState::kWritten) return report;
+  const FileState written(place.path);
+  Look(report, !m_copies.empty());
+  report.changed = !written.SameContent(FileState(place.path));
+  return report;
+}
+
+void Examiner::Look(FileReport& report, bool copy) {
+  const std::unique_ptr<FILE, CloseFile> file(fopen(report.place.path.c_str(), "rbe"));
+  if (file == nullptr) {
+    report.unreadable = strerror(errno);
+    return;
+  }
+  const FileState state(fileno(file.get()));
+  if (!state.status() || !S_ISREG(state.status()->st_mode)) return;
+  report.bytes = static_cast<uint64_t>(state.status()->st_size);
+  report.audio = FindAudio(report.place.use, file.get(), *report.bytes);
+  if (ferror(file.get()) != 0) report.unreadable = strerror(EIO);
+  if (report.audio) Measure(file.get(), report, copy);
+}
+
+void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
+  const auto goOn = [this] { return GoOn(); };
+  Measurement measured{.fault = kStopped};
+  if (GoOn()) measured = MeasureAudio(file, *report.audio, goOn);
+  report.channels = std::move(measured.channels);
+  if (!report.channels) {
+    report.unmeasured = measured.fault == kStopped ? Cut() : measured.fault;
+    return;
+  }
+  if (!copy || report.place.use.container != Container::kHeaderless) return;
+  report.copy = WriteWaveCopy(file, *report.audio, Peak(*report.channels),
+                              {m_copies, report.place.place + ".wav"}, goOn);
+  if (report.copy->problem == kStopped) report.copy->problem = Cut();
+}
+
+// Notes what cut the look at the files short, and says it in words.
+std::string Examiner::Cut() {
+  if (const int signal = m_limits.interruption(); signal != 0) {
+    m_cut = Problem{
+        Cause::kInterrupted,
+        std::string("interrupted (") + strsignal(signal) + ") while measuring its files", signal};
+    return "the run was interrupted";
+  }
+  m_cut = Problem{Cause::kTimeout,
+                  "timed out after " + Seconds(m_seconds) + " while measuring its files"};
+  return "the time was up";
+}
+
+}  // namespace host

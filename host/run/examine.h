@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "files/file_state.h"
+#include "files/workspace.h"
+#include "process/limits.h"
+#include "report/report.h"
+
+namespace host {
+
+// Looks at the files of a run after its end, for as long as the limits allow: a file that is looked
+// at later has no figures.
+class Examiner {
+ public:
+  // Copies of headerless audio go into the workspace `copies`; no copies when it is empty.
+  // `seconds` is the time that the limits give.
+  Examiner(Limits& limits, double seconds, std::string copies);
+
+  // `before` is what the input was before the run.
+  FileReport Input(const FilePlace& place, const FileState& before);
+  FileReport Output(const FilePlace& place, const OutputBefore& before);
+
+  // What kept files from being measured or copied; nothing when nothing did.
+  const std::optional<Problem>& cut() const { return m_cut; }
+
+ private:
+  bool GoOn() const { return m_limits.Check() == Limits::Stop::kNone; }
+  void Look(FileReport& report, bool copy);
+  void Measure(FILE* file, FileReport& report, bool copy);
+  std::string Cut();
+
+  Limits& m_limits;
+  double m_seconds;
+  std::string m_copies;
+  std::optional<Problem> m_cut;
+};
+
+}  // namespace host

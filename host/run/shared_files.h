@@ -1,0 +1,23 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "files/beneath.h"
+#include "files/workspace.h"
+#include "run/run.h"
+
+namespace host {
+
+// Both throw UsageError, before anything is written.
+
+// Refuses a run in which a file that is written (an output, a copy, the log, the report) is at the
+// same time another one of its files, by its name or by links.
+void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
+                       const WorkFile& log, const RunOptions& options);
+
+// Refuses outputs in whose place something else than a file is, or a symbolic link that leads out
+// of the workspace.
+void RefuseOutputs(std::span<const FilePlace> outputs, const std::string& workspace);
+
+}  // namespace host
