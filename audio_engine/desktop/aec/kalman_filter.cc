@@ -23,9 +23,9 @@ constexpr float kNoisePower = 1000.0f;  // Of a near end that is never quieter t
 constexpr float kDivergence = 2.0f;
 constexpr float kEnergySmoothing = 0.95f;
 
-// A filter that took 6 dB once, and then less than 1.5 dB for so many blocks, may have learnt a path
-// that is gone. Its uncertainty does not grow by itself then, because the echo it leaves looks like
-// a near end.
+// A filter that took 6 dB once, and then less than 1.5 dB for so many blocks, may have learnt a
+// path that is gone. Its uncertainty does not grow by itself then, because the echo it leaves looks
+// like a near end.
 constexpr float kUsefulness = 0.25f;
 constexpr float kUselessness = 0.7f;
 constexpr int kUselessBlocks = 50;

@@ -115,4 +115,6 @@ class BeatTrack final : public IBeatTrack {
 
 }  // namespace
 
-IBeatTrack* CreateBeatTrack(int rate, int channels) { return new (std::nothrow) BeatTrack(rate, channels); }
+IBeatTrack* CreateBeatTrack(int rate, int channels) {
+  return new (std::nothrow) BeatTrack(rate, channels);
+}

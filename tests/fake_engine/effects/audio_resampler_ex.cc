@@ -19,9 +19,9 @@ class FakeResampler : public IAudioResamplerEx {
     FakeEngine& engine = FakeEngine::Current();
     const std::string from = engine.Buffer(source);
     const std::string to = engine.Buffer(target);
-    const bool answer = m_targetSamples <= targetRoom &&
-                        engine.script<AudioResamplerExScript>().convert(source, sourceSamples,
-                                                                        target, m_targetSamples);
+    const bool answer =
+        m_targetSamples <= targetRoom && engine.script<AudioResamplerExScript>().convert(
+                                             source, sourceSamples, target, m_targetSamples);
     engine.Call(this, "Convert(%s, %u, %s, %u) = %d", from.c_str(), sourceSamples, to.c_str(),
                 targetRoom, answer);
     return answer;
