@@ -106,7 +106,9 @@ TEST(TestZUEAACCodec, EndsAtALengthThatIsShorterThanAHeader) {
 
 TEST(TestZUEAACCodec, EndsInsideAFrame) {
   FakeEngine engine;
-  UseStream(engine, Adts(9) + Adts(300).substr(0, 299));
+  std::string stream = Adts(9);
+  stream.append(Adts(300), 0, 299);
+  UseStream(engine, stream);
   TestZUEAACCodec();
   EXPECT_THAT(engine.CallsWith("#2.Process"), SizeIs(1));
 }

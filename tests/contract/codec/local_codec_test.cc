@@ -287,9 +287,11 @@ TEST(TestDecodeFile, EndsInsideAPacket) {
 
 TEST(TestDecodeFile, TakesThePacketsThatA16BitLengthCanSay) {
   FakeEngine engine;
-  engine.PutFile(g_in, Packet(std::string(65535, 'x')) + Packet("a"));
+  std::string frames(65535, 'x');
+  engine.PutFile(g_in, Packet(frames) + Packet("a"));
   TestDecodeFile(g_in, g_out, AudioLocalCodec::SILK_CODEC);
-  EXPECT_EQ(engine.Bytes(g_out), std::string(65535, 'x') + "a");
+  frames += 'a';
+  EXPECT_EQ(engine.Bytes(g_out), frames);
 }
 
 TEST(TestDecodeFile, FindsNothingInAFileOfFrameRecords) {
