@@ -1,0 +1,92 @@
+#include "desktop/platform/audio_device.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "desktop/platform/clock_pacer.h"
+#include "engine_api/platform/log.h"
+
+namespace desktop {
+
+namespace {
+
+using std::chrono::steady_clock;
+
+// 0: the sound server is asked first.
+std::atomic<double> g_nullSpeed = 0;
+
+}  // namespace
+
+void UseNullDevices(double speed) { g_nullSpeed = speed; }
+
+bool DeviceFormat::IsValid() const {
+  return rate >= 8000 && rate <= 48000 && (channels == 1 || channels == 2);
+}
+
+AudioDevice::AudioDevice(Direction direction, DeviceFormat format, DeviceBlock block)
+    : m_direction(direction), m_format(format), m_block(std::move(block)) {}
+
+AudioDevice::~AudioDevice() { Stop(); }
+
+const char* AudioDevice::Name() const {
+  return m_direction == Direction::kOutput ? "loudspeaker" : "microphone";
+}
+
+bool AudioDevice::Start() {
+  if (m_thread.joinable()) return false;
+  if (!m_format.IsValid()) {
+    OutputDebugInfo("%s: no device has %u Hz and %u channels", Name(), m_format.rate,
+                    m_format.channels);
+    return false;
+  }
+  m_stop = false;
+  m_blocks = 0;
+  m_failures = 0;
+  m_latencyMs = 0;
+  try {
+    m_samples.assign(m_format.BlockFrames() * m_format.channels, 0);
+    m_thread = std::thread(&AudioDevice::Run, this);
+  } catch (const std::exception& error) {
+    OutputDebugInfo("%s: does not start: %s", Name(), error.what());
+    return false;
+  }
+  return true;
+}
+
+void AudioDevice::Stop() {
+  if (!m_thread.joinable()) return;
+  m_stop = true;
+  m_thread.join();
+}
+
+void AudioDevice::Run() {
+  const auto start = steady_clock::now();
+  OutputDebugInfo("%s: %u Hz, %u channels, null device on the clock", Name(), m_format.rate,
+                  m_format.channels);
+  RunOnClock(start);
+  OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s", Name(),
+                  static_cast<unsigned long long>(m_blocks),
+                  static_cast<unsigned long long>(m_failures),
+                  m_direction == Direction::kOutput ? "underruns" : "overruns");
+}
+
+void AudioDevice::RunOnClock(steady_clock::time_point start) {
+  const double speed = g_nullSpeed > 0 ? g_nullSpeed.load() : 1;
+  ClockPacer pacer(m_direction, m_format, speed, start, m_blocks);
+  m_latencyMs = m_direction == Direction::kInput ? 10 : 0;
+  while (true) {
+    std::this_thread::sleep_until(pacer.Due());
+    if (m_stop) return;
+    if (pacer.Pass(steady_clock::now())) ++m_failures;
+    if (m_direction == Direction::kInput) std::fill(m_samples.begin(), m_samples.end(), short{0});
+    CallBlock();
+  }
+}
+
+void AudioDevice::CallBlock() {
+  m_block(m_samples.data(), m_format.BlockFrames());
+  ++m_blocks;
+}
+
+}  // namespace desktop
