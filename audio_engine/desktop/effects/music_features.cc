@@ -13,7 +13,7 @@ namespace {
 constexpr double kTop = 3600;           // Hz.
 constexpr double kBottom = 60;          // Hz.
 constexpr double kLookSeconds = 0.064;  // About one bin per 15.6 Hz.
-constexpr double kFloor = 1e-9;         // Power of -90 dBFS.
+constexpr double kFloor = 1e-11;        // Power of -110 dBFS.
 constexpr double kSilence = -75;        // dBFS.
 constexpr int kNeighbours = 8;          // Bins on either side that a peak stands out of.
 constexpr double kProminence = 6;       // dB.
