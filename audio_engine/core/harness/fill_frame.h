@@ -10,4 +10,10 @@ namespace harness {
 void FillFrame(zuwebrtc::AudioFrame& frame, const short* samples, int count, int rate,
                int channels);
 
+// As many of `count` samples as the data of a frame hold, for writing them out.
+inline unsigned FrameSamples(unsigned count) {
+  constexpr unsigned kMost = zuwebrtc::AudioFrame::kMaxDataSizeSamples;
+  return count < kMost ? count : kMost;
+}
+
 }  // namespace harness

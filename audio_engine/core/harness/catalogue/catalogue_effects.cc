@@ -1,18 +1,43 @@
 // Effects and music processing.
 
+#include <string>
+#include <utility>
+
 #include "bench/effects/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
 #include "harness/catalogue/hrtf_files.h"
 
 namespace harness {
 
+namespace {
+
+FileUse Wave(std::string name) { return {.name = std::move(name), .container = Container::kWave}; }
+
+std::vector<FileUse> ReverbPresetOutputs() {
+  std::vector<FileUse> outputs;
+  for (int i = 0; i < 14; ++i) {
+    outputs.push_back(Wave("e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav"));
+    outputs.back().pattern = "e:\\reverb\\lumo_reverb_*.wav";
+  }
+  return outputs;
+}
+
+}  // namespace
+
 std::vector<CatalogueRow> EffectsRows() {
   return {
       {.declared = declared::TestIIREq,
-       .exercises = "CreateEqualizer over a 44.1 kHz stereo WAVE file"},
-      {.declared = declared::TestReverb, .exercises = "CAudioDspProcessor reverb with a preset"},
+       .exercises = "CreateEqualizer over a 44.1 kHz stereo WAVE file",
+       .inputs = {Wave("c:\\44100_2_music.wav")},
+       .outputs = {Wave("c:\\44100_2_music_eq.wav")}},
+      {.declared = declared::TestReverb,
+       .exercises = "CAudioDspProcessor reverb with a preset",
+       .inputs = {Wave("{pSrcFileName}")},
+       .outputs = {Wave("{pDstFileName}")}},
       {.declared = declared::TestReverbPreset,
-       .exercises = "TestReverb over every preset, one output file each"},
+       .exercises = "TestReverb over every preset, one output file each",
+       .inputs = {Wave("e:\\lumo.wav")},
+       .outputs = ReverbPresetOutputs()},
       {.declared = declared::TestAudioAccelerate,
        .exercises = "CreateAudioAccelerate, timed with and without acceleration"},
       {.declared = declared::TestHRTF,
@@ -20,9 +45,13 @@ std::vector<CatalogueRow> EffectsRows() {
        .inputs = {kHrtfInput},
        .outputs = {kHrtfOutput}},
       {.declared = declared::TestAudioMusicDetector,
-       .exercises = "AudioMusicDetector over \"music.wav\""},
+       .exercises = "AudioMusicDetector over \"music.wav\"",
+       .inputs = {Wave("music.wav")},
+       .outputs = {Wave("music_det.wav")}},
       {.declared = declared::TestMdrc,
-       .exercises = "MultibandDrc over \"voice.wav\" into \"mdrc.wav\""},
+       .exercises = "MultibandDrc over \"voice.wav\" into \"mdrc.wav\"",
+       .inputs = {Wave("voice.wav")},
+       .outputs = {Wave("mdrc.wav")}},
       {.declared = declared::TestVoiceBeautify,
        .exercises = "IAudioVoiceBeautify, checks output length against input"},
       {.declared = declared::TestVoiceChangerEx,
@@ -37,7 +66,10 @@ std::vector<CatalogueRow> EffectsRows() {
        .exercises = "IAudioResamplerEx WAVE to WAVE at a given rate and channel count",
        .inputs = {{.name = "{inFile}", .container = Container::kWave, .optional = true}},
        .outputs = {{.name = "{outFile}", .container = Container::kWave}}},
-      {.declared = declared::TestDrc, .exercises = "Drc over \"music.wav\" into \"drc_out.wav\""},
+      {.declared = declared::TestDrc,
+       .exercises = "Drc over \"music.wav\" into \"drc_out.wav\"",
+       .inputs = {Wave("music.wav")},
+       .outputs = {Wave("drc_out.wav")}},
       {.declared = declared::TestBeatTrack,
        .exercises = "CreateBeatTrack with a BeatTrackNotify writing \"BeatTrack.txt\""},
       {.declared = declared::AccelerateTest,
@@ -45,9 +77,13 @@ std::vector<CatalogueRow> EffectsRows() {
       {.declared = declared::StretchTest,
        .exercises = "StretchSoundProcess over \"whenold_8000_1.wav\""},
       {.declared = declared::TestEqReverb,
-       .exercises = "AudioKaraokeEffectModule equaliser, reverb, DRC and limiter"},
+       .exercises = "AudioKaraokeEffectModule equaliser, reverb, DRC and limiter",
+       .inputs = {Wave("voice_record.wav")},
+       .outputs = {Wave("eqreverb.wav")}},
       {.declared = declared::TestAudioEffectModule,
-       .exercises = "AudioEffectModule equaliser gains over \"input.wav\""},
+       .exercises = "AudioEffectModule equaliser gains over \"input.wav\"",
+       .inputs = {Wave("input.wav")},
+       .outputs = {Wave("effect_out.wav")}},
       {.declared = declared::TestRateChanger, .exercises = "RateChanger ratio change"},
       {.declared = declared::TestSoundTouchBpm,
        .exercises = "soundtouch::BPMDetect, prints \"bpm=%f\""},
