@@ -4,6 +4,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -99,9 +100,20 @@ struct Case {
   Effect (*make)();
 };
 
+// Each test starts in the processor's default mode, in which the smallest numbers count: a packaged
+// library that is linked switches them off for the whole process when it is loaded.
 class EveryEffect : public testing::TestWithParam<Case> {
  protected:
+  EveryEffect() {
+    std::fegetenv(&m_before);
+    std::fesetenv(FE_DFL_ENV);
+  }
+  ~EveryEffect() override { std::fesetenv(&m_before); }
+
   Effect Make() const { return GetParam().make(); }
+
+ private:
+  std::fenv_t m_before;
 };
 
 // A block of a Drc lasts 10 ms, whatever it holds; those of the others may have any length.

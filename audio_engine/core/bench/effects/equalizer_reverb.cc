@@ -18,8 +18,8 @@ using harness::ReadBlock;
 using harness::StdioFile;
 
 // Equalises a 44.1 kHz stereo WAVE, 10 ms at a time; bands 1 to 4 and 10 keep their defaults.
-// Deliberate: the header is copied, not rebuilt; a last part of a block is missing behind it. A
-// rebuilt one would say the true length.
+// Deliberate: the header is copied, not rebuilt, so it says the length of the input also when the
+// last part of a block is left out. A rebuilt one would say the length of the output.
 void TestIIREq() {
   IEqualizer* eq = CreateEqualizer();
   eq->SetEqGain(0, 1.0F);
