@@ -4,8 +4,8 @@
 
 #include "bench/effects/routines.h"
 #include "cpu_timer.h"
+#include "files/path_map.h"
 #include "harness/catalogue/hrtf_files.h"
-#include "host/path_map.h"
 #include "recording.h"
 #include "support/temporary_directory.h"
 
@@ -14,9 +14,9 @@ namespace {
 void WholeTestHrtf(benchmark::State& state) {
   constexpr int kSeconds = 60;
   const TemporaryDirectory workspace;
-  static FileActivity activity;
-  MapOpenedFiles(&activity);
-  if (!WriteRecording(kHrtfInput.name.data(), kSeconds)) {
+  static host::FileActivity activity;
+  host::MapOpenedFiles(&activity);
+  if (!WriteRecording(harness::kHrtfInput.name.data(), kSeconds)) {
     state.SkipWithError("the input cannot be written");
     return;
   }

@@ -20,7 +20,7 @@ bool HasAt(Bytes head, size_t at, std::string_view text) {
 size_t AdtsFrameBytes(Bytes head) {
   if (head.size() < 7 || head[0] != 0xFF || (head[1] & 0xF6) != 0xF0) return 0;
   const int rateIndex = head[2] >> 2 & 0xF;
-  const size_t bytes = (head[3] & 3U) << 11 | head[4] << 3U | head[5] >> 5U;
+  const size_t bytes = (head[3] & 3U) << 11 | static_cast<size_t>(head[4]) << 3U | head[5] >> 5U;
   return rateIndex > 12 || bytes < 7 ? 0 : bytes;
 }
 

@@ -35,32 +35,32 @@ BellGain GainOfBell(const EqualizerBand& bell, double gain, double tangent) {
 }
 
 // Solves matrix * x = right for a positive definite matrix by elimination.
-Vector Solve(Matrix matrix, Vector right, int size) {
-  for (int k = 0; k < size; ++k) {
-    for (int row = k + 1; row < size; ++row) {
+Vector Solve(Matrix matrix, Vector right, size_t size) {
+  for (size_t k = 0; k < size; ++k) {
+    for (size_t row = k + 1; row < size; ++row) {
       const double factor = matrix[row][k] / matrix[k][k];
-      for (int col = k; col < size; ++col) matrix[row][col] -= factor * matrix[k][col];
+      for (size_t col = k; col < size; ++col) matrix[row][col] -= factor * matrix[k][col];
       right[row] -= factor * right[k];
     }
   }
-  for (int k = size - 1; k >= 0; --k) {
-    for (int col = k + 1; col < size; ++col) right[k] -= matrix[k][col] * right[col];
+  for (size_t k = size; k-- > 0;) {
+    for (size_t col = k + 1; col < size; ++col) right[k] -= matrix[k][col] * right[col];
     right[k] /= matrix[k][k];
   }
   return right;
 }
 
 // One step of the least squares solution; the damping keeps it away from where bells cannot help.
-Vector Step(const Matrix& slopes, const Vector& missing, int size) {
+Vector Step(const Matrix& slopes, const Vector& missing, size_t size) {
   constexpr double kDamping = 1e-3;
   Matrix normal{};
   Vector right{};
-  for (int row = 0; row < size; ++row) {
-    for (int col = 0; col < size; ++col) {
-      for (int k = 0; k < size; ++k) normal[row][col] += slopes[k][row] * slopes[k][col];
+  for (size_t row = 0; row < size; ++row) {
+    for (size_t col = 0; col < size; ++col) {
+      for (size_t k = 0; k < size; ++k) normal[row][col] += slopes[k][row] * slopes[k][col];
     }
     normal[row][row] += kDamping;
-    for (int k = 0; k < size; ++k) right[row] += slopes[k][row] * missing[k];
+    for (size_t k = 0; k < size; ++k) right[row] += slopes[k][row] * missing[k];
   }
   return Solve(normal, right, size);
 }
@@ -73,23 +73,23 @@ EqualizerDesign DesignEqualizer(int sampleRate) {
     if (centre >= 0.45 * sampleRate) break;
     const double w = 2 * std::numbers::pi * centre / sampleRate;
     const double q = 0.5 / std::sinh(std::numbers::ln2 / 2 * kOctaves * w / std::sin(w));
-    design.band[static_cast<size_t>(design.bands++)] = {std::tan(w / 2), q};
+    design.band[design.bands++] = {std::tan(w / 2), q};
   }
   return design;
 }
 
 std::array<double, kEqualizerBands> SolveBandGains(
     const EqualizerDesign& design, const std::array<float, kEqualizerBands>& wanted) {
-  const int size = design.bands;
+  const size_t size = design.bands;
   Vector gains{};
   std::copy_n(wanted.begin(), size, gains.begin());
   for (int iteration = 0; iteration < 60; ++iteration) {
     Matrix slopes{};
     Vector missing{};
     double worst = 0;
-    for (int at = 0; at < size; ++at) {
+    for (size_t at = 0; at < size; ++at) {
       missing[at] = wanted[at];
-      for (int k = 0; k < size; ++k) {
+      for (size_t k = 0; k < size; ++k) {
         const BellGain bell = GainOfBell(design.band[k], gains[k], design.band[at].centreTangent);
         missing[at] -= bell.decibels;
         slopes[at][k] = bell.slope;
@@ -99,8 +99,8 @@ std::array<double, kEqualizerBands> SolveBandGains(
     if (worst < 0.01) break;
     const Vector step = Step(slopes, missing, size);
     double longest = 6;  // dB; longer steps overshoot.
-    for (int k = 0; k < size; ++k) longest = std::max(longest, std::abs(step[k]));
-    for (int k = 0; k < size; ++k) {
+    for (size_t k = 0; k < size; ++k) longest = std::max(longest, std::abs(step[k]));
+    for (size_t k = 0; k < size; ++k) {
       gains[k] = std::clamp(gains[k] + step[k] * 6 / longest, -kMostGain, kMostGain);
     }
   }

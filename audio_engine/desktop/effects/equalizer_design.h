@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 namespace desktop {
 
@@ -14,7 +15,7 @@ struct EqualizerBand {
 
 // The bells of all bands at some rate; the last ones may be left out.
 struct EqualizerDesign {
-  int bands = 0;
+  size_t bands = 0;
   std::array<EqualizerBand, kEqualizerBands> band;
 };
 

@@ -47,7 +47,7 @@ void GraphicEqualizer::Retarget(bool smooth) {
   const auto gains =
       m_enabled ? SolveBandGains(m_design, m_wanted) : std::array<double, kEqualizerBands>{};
   const int frames = std::max(1, m_sampleRate / 50);
-  for (size_t i = 0; i < static_cast<size_t>(m_design.bands); ++i) {
+  for (size_t i = 0; i < m_design.bands; ++i) {
     Bell& bell = m_bells[i];
     if (bell.IsIdle()) std::fill_n(&bell.state[0][0], 2 * kMostEffectChannels, 0.0);
     bell.target = std::pow(10.0, gains[i] / 40);

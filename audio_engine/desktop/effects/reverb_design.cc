@@ -104,16 +104,17 @@ ReverbDesign DesignReverb(const NreverbFv3Parameter& parameter, int sampleRate) 
   design.preDelay =
       static_cast<int>(std::lround(static_cast<double>(parameter.Delay) * sampleRate / 1000));
   design.outputHighLoss = parameter.Damp3;
-  for (int c = 0; c < 2; ++c) {
-    for (int k = 0; k < kReverbDiffusers; ++k) {
+  for (size_t c = 0; c < 2; ++c) {
+    for (size_t k = 0; k < kReverbDiffusers; ++k) {
       design.diffusers[c][k] = PrimeSamples(kDiffuserMs[c][k], sampleRate);
     }
   }
   const auto factor = static_cast<double>(parameter.Factor);
   const auto time = static_cast<double>(parameter.ReverbTime);
-  for (int i = 0; i < kReverbLines; ++i) {
+  for (size_t i = 0; i < kReverbLines; ++i) {
     ReverbLine& line = design.lines[i];
-    const double spread = std::pow(kLongestMs / kShortestMs, i / (kReverbLines - 1.0));
+    const double spread =
+        std::pow(kLongestMs / kShortestMs, static_cast<double>(i) / (kReverbLines - 1.0));
     line.delay = PrimeSamples(kShortestMs * factor * spread, sampleRate);
     // Nepers per pass.
     const double loss = std::numbers::ln10 * 3 * line.delay / (sampleRate * time);
