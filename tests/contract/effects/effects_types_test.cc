@@ -4,8 +4,15 @@
 
 #include <type_traits>
 
+#include "engine_api/effects/audio_accelerate.h"
+#include "engine_api/effects/beat_track.h"
 #include "engine_api/effects/fir_filter.h"
 #include "engine_api/effects/mit_hrtf.h"
+#include "engine_api/effects/rate_changer.h"
+#include "engine_api/effects/sound_process.h"
+#include "engine_api/effects/voice_beautify.h"
+#include "engine_api/effects/voice_changer.h"
+#include "support/slot.h"
 
 using zuwebrtc::FIRFilter;
 
@@ -25,3 +32,60 @@ static_assert(std::is_same_v<decltype(&FIRFilter::UpdateCoeffients),
 
 static_assert(
     std::is_same_v<decltype(FIRFilter::Create), FIRFilter*(const float*, size_t, size_t)>);
+
+static_assert(mode1 == 0 && mode2 == 1 && mode3 == 2 && mode4 == 3 && mode5 == 4 && mode6 == 5);
+
+static_assert(VeoNone == 0 && VeoEthereal == 1 && VeoThriller == 2 && VeoLuBan == 3 &&
+              VeoLorie == 4 && VeoUncle == 5 && VeoDieFat == 6 && VeoBadBoy == 7 &&
+              VeoWarCraft == 8 && VeoHeavyMetal == 9 && VeoCold == 10 && VeoHeavyMechinery == 11 &&
+              VeoTrappedBeast == 12 && VeoPowerCurrent == 13);
+
+static_assert(std::is_base_of_v<IDSP, IAudioVoiceBeautify> &&
+              std::is_base_of_v<IDSP, IAudioAccelerate>);
+
+static_assert(std::is_same_v<decltype(IAudioVoiceBeautify::Create), IAudioVoiceBeautify*()>);
+
+static_assert(
+    std::is_same_v<decltype(IVoiceChangerToolbox::Create), IVoiceChangerToolbox*(int, int)>);
+
+static_assert(std::is_same_v<decltype(CreateBeatTrack), IBeatTrack*(int, int)>);
+
+static_assert(std::is_same_v<decltype(CreateAudioAccelerate), IAudioAccelerate*()>);
+
+static_assert(std::is_same_v<decltype(AccelerateSoundProcess),
+                             int(unsigned int, unsigned int, const short*, unsigned int, short*,
+                                 unsigned int*, bool)>);
+
+static_assert(
+    std::is_same_v<decltype(StretchSoundProcess), int(unsigned int, unsigned int, const short*,
+                                                      unsigned int, short*, unsigned int*)>);
+
+static_assert(std::is_constructible_v<RateChanger, bool>);
+
+static_assert(std::is_same_v<decltype(&RateChanger::Process),
+                             void (RateChanger::*)(short*, int, int, std::string&)>);
+
+static_assert(std::is_same_v<decltype(&RateChanger::SetRatio), void (RateChanger::*)(double)>);
+
+static_assert(std::is_same_v<decltype(&RateChanger::SetFsAndCh), void (RateChanger::*)(int, int)>);
+
+TEST(EffectInterfaces, KeepTheirSlotsInOrder) {
+  using ProcessBytes = int (IDSP::*)(char*, int, int, int, int);
+  using ProcessInts = int (IDSP::*)(int*, int, int, int, int, int);
+  EXPECT_EQ(Slot(&IDSP::Destroy), 2U);
+  EXPECT_EQ(Slot<ProcessBytes>(&IDSP::Process), 3U);
+  EXPECT_EQ(Slot<ProcessInts>(&IDSP::Process), 4U);
+  EXPECT_EQ(Slot(&IDSP::Flush), 5U);
+  EXPECT_EQ(Slot(&IDSP::GetEnabled), 6U);
+  EXPECT_EQ(Slot(&IDSP::SetEnabled), 7U);
+  EXPECT_EQ(Slot(&IDSP::IsActive), 8U);
+  EXPECT_EQ(Slot(&IAudioVoiceBeautify::VoiceBeautifyProcess), 9U);
+  EXPECT_EQ(Slot(&IAudioVoiceBeautify::SetVoiceBeautifyOption), 10U);
+  EXPECT_EQ(Slot(&IAudioAccelerate::SetAccelerateRate), 9U);
+  EXPECT_EQ(Slot(&IVoiceChangerToolbox::Process), 2U);
+  EXPECT_EQ(Slot(&IVoiceChangerToolbox::SetVoiceEffectOption), 3U);
+  EXPECT_EQ(Slot(&IBeatTrack::Destroy), 2U);
+  EXPECT_EQ(Slot(&IBeatTrack::Start), 3U);
+  EXPECT_EQ(Slot(&IBeatTrack::Detectbeat), 4U);
+  EXPECT_EQ(Slot(&IBeatTrack::Stop), 5U);
+}

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <cstring>
 #include <memory>
 
 #include "engine_api/effects/beat_track_notify.h"
@@ -10,6 +9,7 @@
 #include "harness/audio_frame_player_test_notify.h"
 #include "harness/capture_file_player.h"
 #include "harness/speech_msg_player_notify.h"
+#include "support/slot.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -49,15 +49,6 @@ void Capture(CaptureFilePlayer& player, const std::string& bytes) {
 void Pack(AudioFramePackerTestNotify& packer, const std::string& bytes) {
   packer.OnPackAudioFrame(reinterpret_cast<const uint8_t*>(bytes.data()),
                           static_cast<uint32_t>(bytes.size()), vadResultIsPassive, 77, 1);
-}
-
-// The place of an operation in the table of a class, where a destructor takes the first two. In the
-// ABI of the targets a pointer to a virtual operation holds its offset there, plus 1.
-template <typename Operation>
-size_t Slot(Operation operation) {
-  size_t offset = 0;
-  memcpy(&offset, &operation, sizeof offset);
-  return (offset - 1) / sizeof(void*);
 }
 
 }  // namespace
