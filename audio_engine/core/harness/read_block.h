@@ -12,9 +12,10 @@ namespace harness {
 // would go on for ever. So does a block that is larger than its array, as a broken header may ask
 // for.
 
-// `samples` interleaved samples (of all channels together) from a WAVE.
-template <size_t capacity>
-bool ReadBlock(zuwebrtc::WavReader& reader, short (&block)[capacity], unsigned samples) {
+// `samples` interleaved samples (of all channels together) from a WAVE: shorts, or floats that keep
+// the 16-bit range.
+template <typename Sample, size_t capacity>
+bool ReadBlock(zuwebrtc::WavReader& reader, Sample (&block)[capacity], unsigned samples) {
   return samples > 0 && samples <= capacity && reader.ReadSamples(samples, block) == samples;
 }
 

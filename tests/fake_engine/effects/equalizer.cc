@@ -1,16 +1,13 @@
 #include "fake_engine/effects/equalizer.h"
 
 #include "engine_api/effects/equalizer.h"
-#include "fake_engine/fake_engine.h"
+#include "fake_engine/effects/fake_dsp.h"
 
 namespace {
 
-class FakeEqualizer final : public IEqualizer {
+class FakeEqualizer final : public FakeDsp<IEqualizer> {
  public:
-  void Destroy() override {
-    FakeEngine::Current().Died(this);
-    delete this;
-  }
+  using FakeDsp<IEqualizer>::Process;
 
   int Process(char* samples, int samplesPerChannel, int sampleRate, int channels,
               int sampleSize) override {
@@ -21,27 +18,6 @@ class FakeEqualizer final : public IEqualizer {
     engine.script<EqualizerScript>().process(reinterpret_cast<short*>(samples),
                                              samplesPerChannel * channels);
     return samplesPerChannel;
-  }
-
-  int Process(int*, int samplesPerChannel, int, int, int, int) override {
-    FakeEngine::Current().Call(this, "Process(ints, %d)", samplesPerChannel);
-    return samplesPerChannel;
-  }
-
-  void Flush() override { FakeEngine::Current().Call(this, "Flush()"); }
-
-  bool GetEnabled() override {
-    FakeEngine::Current().Call(this, "GetEnabled()");
-    return false;
-  }
-
-  void SetEnabled(bool enabled) override {
-    FakeEngine::Current().Call(this, "SetEnabled(%s)", enabled ? "true" : "false");
-  }
-
-  bool IsActive() override {
-    FakeEngine::Current().Call(this, "IsActive()");
-    return false;
   }
 
   void SetEqGain(int band, float gain) override {

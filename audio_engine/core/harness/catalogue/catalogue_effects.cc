@@ -13,6 +13,18 @@ namespace {
 
 FileUse Wave(std::string name) { return {.name = std::move(name), .container = Container::kWave}; }
 
+FileUse Optional(FileUse use) {
+  use.optional = true;
+  return use;
+}
+
+// A WAVE that keeps the header of its input, whatever its length.
+FileUse WaveWithHeaderOfInput(std::string name) {
+  FileUse use = Wave(std::move(name));
+  use.foreignHeader = true;
+  return use;
+}
+
 std::vector<FileUse> ReverbPresetOutputs() {
   std::vector<FileUse> outputs;
   for (int i = 0; i < 14; ++i) {
@@ -39,7 +51,9 @@ std::vector<CatalogueRow> EffectsRows() {
        .inputs = {Wave("e:\\lumo.wav")},
        .outputs = ReverbPresetOutputs()},
       {.declared = declared::TestAudioAccelerate,
-       .exercises = "CreateAudioAccelerate, timed with and without acceleration"},
+       .exercises = "CreateAudioAccelerate, timed with and without acceleration",
+       .inputs = {Optional(Wave("F:\\44100_2_new1.wav"))},
+       .outputs = {WaveWithHeaderOfInput("F:\\44100_2_new1_out.wav")}},
       {.declared = declared::TestHRTF,
        .exercises = "FIR filtering with HRTF kernels (mit_hrtf_get); the selected test",
        .inputs = {kHrtfInput},
@@ -53,9 +67,13 @@ std::vector<CatalogueRow> EffectsRows() {
        .inputs = {Wave("voice.wav")},
        .outputs = {Wave("mdrc.wav")}},
       {.declared = declared::TestVoiceBeautify,
-       .exercises = "IAudioVoiceBeautify, checks output length against input"},
+       .exercises = "IAudioVoiceBeautify, checks output length against input",
+       .inputs = {Wave("f:\\4.wav")},
+       .outputs = {Wave("f:\\4_out6.wav")}},
       {.declared = declared::TestVoiceChangerEx,
-       .exercises = "IVoiceChangerToolbox, checks output length against input"},
+       .exercises = "IVoiceChangerToolbox, checks output length against input",
+       .inputs = {Wave("voice.wav")},
+       .outputs = {Wave("voice_changer_out.wav")}},
       {.declared = declared::TestSpeexConverter,
        .exercises = "IAudioResamplerEx over a 44.1 kHz stereo file",
        .inputs = {{.name = "niannujiao_44100_2.wav",
@@ -71,11 +89,17 @@ std::vector<CatalogueRow> EffectsRows() {
        .inputs = {Wave("music.wav")},
        .outputs = {Wave("drc_out.wav")}},
       {.declared = declared::TestBeatTrack,
-       .exercises = "CreateBeatTrack with a BeatTrackNotify writing \"BeatTrack.txt\""},
+       .exercises = "CreateBeatTrack with a BeatTrackNotify writing \"BeatTrack.txt\"",
+       .inputs = {Wave("yedegangqinqu_Fs44100_Ch1.wav")},
+       .outputs = {{.name = "BeatTrack.txt", .mayBeEmpty = true}}},
       {.declared = declared::AccelerateTest,
-       .exercises = "AccelerateSoundProcess over \"whenold_8000_1.wav\""},
+       .exercises = "AccelerateSoundProcess over \"whenold_8000_1.wav\"",
+       .inputs = {Wave("whenold_8000_1.wav")},
+       .outputs = {Wave("out.wav")}},
       {.declared = declared::StretchTest,
-       .exercises = "StretchSoundProcess over \"whenold_8000_1.wav\""},
+       .exercises = "StretchSoundProcess over \"whenold_8000_1.wav\"",
+       .inputs = {Wave("whenold_8000_1.wav")},
+       .outputs = {Wave("out.wav")}},
       {.declared = declared::TestEqReverb,
        .exercises = "AudioKaraokeEffectModule equaliser, reverb, DRC and limiter",
        .inputs = {Wave("voice_record.wav")},
@@ -84,11 +108,17 @@ std::vector<CatalogueRow> EffectsRows() {
        .exercises = "AudioEffectModule equaliser gains over \"input.wav\"",
        .inputs = {Wave("input.wav")},
        .outputs = {Wave("effect_out.wav")}},
-      {.declared = declared::TestRateChanger, .exercises = "RateChanger ratio change"},
+      {.declared = declared::TestRateChanger,
+       .exercises = "RateChanger ratio change",
+       .inputs = {Wave("test.wav")},
+       .outputs = {Wave("rate.wav")}},
       {.declared = declared::TestSoundTouchBpm,
-       .exercises = "soundtouch::BPMDetect, prints \"bpm=%f\""},
+       .exercises = "soundtouch::BPMDetect, prints \"bpm=%f\"",
+       .inputs = {Wave("yedegangqinqu_Fs44100_Ch1.wav")}},
       {.declared = declared::TestSoundTouch,
-       .exercises = "soundtouch::SoundTouch tempo, rate and pitch"},
+       .exercises = "soundtouch::SoundTouch tempo, rate and pitch",
+       .inputs = {Wave("input.wav")},
+       .outputs = {Wave("out.wav")}},
   };
 }
 
