@@ -99,8 +99,8 @@ SentSpeech Send(zuwebrtc::WavReader& reader, AudioStreamFormat iAudioFormat, int
 // Deliberate: encoded frames are paired with active ones by their count alone, and there is one
 // frame more than was read. A frame that the encoder held back shifts all that follow.
 Bytes Receive(SentSpeech& sent, AudioStreamFormat iAudioFormat, int decoderId) {
-  const auto outFrameLen =
-      static_cast<size_t>(iAudioFormat.iSamplesOfFrame * iAudioFormat.iNumOfChannels);
+  const auto outFrameLen = static_cast<size_t>(iAudioFormat.iSamplesOfFrame) *
+                           static_cast<size_t>(iAudioFormat.iNumOfChannels);
   const Bytes emptyFrame(outFrameLen * sizeof(short));
   unsigned char decodeOutBuf[20480];
   Bytes decodeOut;
