@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace desktop {
+
+// Takes a step again and again on a thread of its own: for work that may wait and write files,
+// which a device's thread must not.
+class Ticker {
+ public:
+  // The first step comes at once, the others `period` after one another; one that comes late is not
+  // made up for. Throws what threads throw.
+  Ticker(std::chrono::milliseconds period, std::function<void()> step);
+
+  // Waits for a step that is under way; none comes afterwards. Not from the step itself.
+  ~Ticker();
+
+  Ticker(const Ticker&) = delete;
+  Ticker& operator=(const Ticker&) = delete;
+
+ private:
+  void Run();
+
+  const std::chrono::milliseconds m_period;
+  const std::function<void()> m_step;
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  bool m_ends = false;
+  std::thread m_thread;
+};
+
+}  // namespace desktop
