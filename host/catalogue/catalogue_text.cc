@@ -95,7 +95,13 @@ std::string Availability(const CatalogueRow& row) {
   return row.helper ? "helper" : "available";
 }
 
-bool CanBeRun(const CatalogueRow& row) { return row.declared.run != nullptr && !row.helper; }
+std::string LackingHere(const CatalogueRow& row) {
+  return row.declared.words.parameters.empty() ? harness::Lacking(row, {}) : "";
+}
+
+bool CanBeRun(const CatalogueRow& row) {
+  return row.declared.run != nullptr && !row.helper && LackingHere(row).empty();
+}
 
 std::string Duration(const CatalogueRow& row) {
   return row.seconds > 0 ? Seconds(row.seconds) : "as fast as its input is processed";

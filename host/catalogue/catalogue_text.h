@@ -25,7 +25,11 @@ std::string Declaration(const CatalogueRow& row);
 // "available", "not built yet", "helper", or the routines that call it: "called by TestTemp".
 std::string Availability(const CatalogueRow& row);
 
-// Whether `run` can run it by itself.
+// Why the engine at hand cannot run a routine without parameters; empty when it can, and when it
+// takes the arguments to tell.
+std::string LackingHere(const CatalogueRow& row);
+
+// Whether `run` can run it by itself, with some arguments at least.
 bool CanBeRun(const CatalogueRow& row);
 
 // "none", "capture"; nothing while that is not known of a routine that is not built yet.

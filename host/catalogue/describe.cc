@@ -38,7 +38,8 @@ std::string Describe(std::string_view routine) {
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
   if (const auto device = KnownDevice(row)) text += Line("device", *device);
   if (row.declared.built || row.seconds > 0) text += Line("duration", Duration(row));
-  return text + Line("status", Availability(row));
+  const std::string lacking = LackingHere(row);
+  return text + Line("status", lacking.empty() ? Availability(row) : "lacking: " + lacking);
 }
 
 }  // namespace host

@@ -21,7 +21,8 @@ std::string Padded(std::string_view text, size_t width) {
 
 std::string RowLines(const CatalogueRow& row, size_t width) {
   std::string head = "  " + Padded(row.declared.words.name, kNameWidth);
-  if (!row.helper) head += Padded(Availability(row), kAvailabilityWidth);
+  const std::string status = LackingHere(row).empty() ? Availability(row) : "lacking";
+  if (!row.helper) head += Padded(status, kAvailabilityWidth);
   return WrapText(row.exercises, head, head.size(), width);
 }
 

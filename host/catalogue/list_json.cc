@@ -50,6 +50,12 @@ Json DurationJson(const CatalogueRow& row) {
                 row.declared.built ? "as fast as its input is processed" : "not known yet");
 }
 
+// The status as `describe` gives it.
+std::string Status(const CatalogueRow& row) {
+  const std::string lacking = LackingHere(row);
+  return lacking.empty() ? Availability(row) : "lacking: " + lacking;
+}
+
 Json RowJson(const CatalogueRow& row) {
   const harness::Words& words = row.declared.words;
   const auto device = KnownDevice(row);
@@ -62,7 +68,7 @@ Json RowJson(const CatalogueRow& row) {
           {"called_by", row.calledBy.empty() ? Json() : Json(row.calledBy)},
           {"built", row.declared.built},
           {"available", CanBeRun(row)},
-          {"status", Availability(row)},
+          {"status", Status(row)},
           {"inputs", FilesJson(row, row.inputs)},
           {"outputs", FilesJson(row, row.outputs)},
           {"device", device ? Json(*device) : Json()},

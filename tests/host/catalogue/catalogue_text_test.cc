@@ -140,6 +140,22 @@ TEST(ListAsJson, KeepsEveryKeyOfAFile) {
   EXPECT_EQ(use.size(), wave.size());
 }
 
+TEST(Lacking, ShowsWhatTheEngineAtHandCannotRun) {
+  EXPECT_THAT(ListAsText({.glob = "NeedNothing"}, 100),
+              HasSubstr("NeedNothing                 lacking"));
+  EXPECT_THAT(ListAsText({.glob = "Need*"}, 100), HasSubstr("1 routine, 0 available. "));
+  EXPECT_THAT(Describe("NeedNothing"),
+              HasSubstr("status        lacking: this engine has nothing\n"));
+  const nlohmann::json row = RowAsJson("NeedNothing");
+  EXPECT_EQ(row["available"], false);
+  EXPECT_EQ(row["status"], "lacking: this engine has nothing");
+  // Arguments decide.
+  EXPECT_EQ(RowAsJson("WriteFor")["status"], "available");
+  // The document is the same for every engine.
+  EXPECT_THAT(ListAsMarkdown({}),
+              HasSubstr("| `void NeedNothing()` |  |  |  | none | available |"));
+}
+
 TEST(ListAsMarkdown, HasOneRowForEachRoutine) {
   const std::string list = ListAsMarkdown({});
   EXPECT_THAT(list,

@@ -21,6 +21,14 @@ const FileUse kPcmInput = {.name = "{inFile}",
                            .channels = 1,
                            .blockBytes = 160};
 
+std::vector<FileUse> OutputFor(ArgumentWords words) {
+  return {{.name = "for-" + std::string(words[0])}};
+}
+
+std::string LackingWord(ArgumentWords words) {
+  return words[0] == "gold" ? "this engine has no gold" : "";
+}
+
 std::vector<CatalogueRow> AllRows() {
   return {{.declared = declared::Nothing,
            .exercises = "a line that may not be broken, whatever its length is, when nobody looks "
@@ -65,6 +73,12 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::LogMuch},
           {.declared = declared::LeaveDaemon},
           {.declared = declared::Allocate},
+          {.declared = declared::NeedNothing,
+           .lacking = [](ArgumentWords) { return std::string("this engine has nothing"); }},
+          {.declared = declared::WriteFor,
+           .outputs = {{.name = "for-it"}},
+           .outputsFor = OutputFor,
+           .lacking = LackingWord},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

@@ -99,6 +99,12 @@ void Copy(const char* inFile, const char* outFile) {
   fclose(out);
 }
 
+void NeedNothing() {}
+
+void WriteFor(const char* word) {
+  WriteFile<char>((std::string("for-") + word).c_str(), {'a', 'b'});
+}
+
 void OpenByAnyName() {
   WriteFile<char>("/sdcard/deep/er/a", {'a'});
   WriteFile<char>("c:\\music\\b", {'b'});

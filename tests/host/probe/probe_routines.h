@@ -22,6 +22,8 @@ ROUTINE(void, WriteLoud);  // Up to twice full scale.
 ROUTINE(void, WriteNoWave);
 ROUTINE(void, LeaveOpen);
 ROUTINE(void, Copy, const char* inFile, const char* outFile);
+ROUTINE(void, NeedNothing);
+ROUTINE(void, WriteFor, const char* word);  // Into "for-" and the word.
 ROUTINE(void, OpenByAnyName);
 ROUTINE(void, OpenOutside);
 ROUTINE(void, ReadAll, const char* inFile);

@@ -65,6 +65,21 @@ TEST_F(RunTest, SkipsWhatCannotBeRun) {
   EXPECT_THAT(run.out, StartsWith("skip  Helper  a helper: "));
 }
 
+TEST_F(RunTest, SkipsWhatTheEngineLacksBeforeAnyFileIsLookedFor) {
+  Finished run = Run({"WriteFor", "gold", "--json", "report.json"});
+  EXPECT_EQ(run.exitCode, 77);
+  EXPECT_EQ(run.out, "skip  WriteFor  this engine has no gold\n");
+  EXPECT_EQ(ParseReport(ReadFile("report.json"))["reason"], "this engine has no gold");
+  EXPECT_FALSE(fs::exists("bench_work"));  // No child was started.
+  EXPECT_EQ(Run({"NeedNothing"}).exitCode, 77);
+}
+
+TEST_F(RunTest, LooksForTheOutputsThatFollowFromTheArguments) {
+  const Finished run = Run({"WriteFor", "silver"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.out, HasSubstr("output  bench_work/for-silver  2 bytes"));
+}
+
 TEST_F(RunTest, PassesOutputAndLogOnAndKeepsTheLog) {
   const Finished run = Run({"PrintAndLog"});
   EXPECT_THAT(run.out, StartsWith("printed\npass  PrintAndLog  "));
