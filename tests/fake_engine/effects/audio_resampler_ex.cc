@@ -27,7 +27,14 @@ class FakeResampler : public IAudioResamplerEx {
     return answer;
   }
 
-  bool IsFormatChange(uint32_t, uint32_t, uint32_t, uint32_t) override { return false; }
+  bool IsFormatChange(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
+                      uint32_t targetChannels) override {
+    FakeEngine& engine = FakeEngine::Current();
+    const bool answer = engine.script<AudioResamplerExScript>().isFormatChange();
+    engine.Call(this, "IsFormatChange(%u, %u, %u, %u) = %d", sourceRate, sourceChannels, targetRate,
+                targetChannels, answer);
+    return answer;
+  }
   uint32_t GetDestSamples() override { return m_targetSamples; }
   uint32_t GetSrcSamples() override { return m_sourceSamples; }
 

@@ -12,4 +12,6 @@ struct AudioResamplerExScript {
         for (uint32_t i = 0; i < targetSamples; ++i) target[i] = source[0];
         return true;
       };
+
+  std::function<bool()> isFormatChange = [] { return false; };
 };

@@ -1,47 +1,127 @@
 // Echo cancellation.
 
+#include <string>
+
 #include "bench/aec/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
 
 namespace harness {
 
+namespace {
+
+FileUse Wave(const std::string& name) { return {.name = name, .container = Container::kWave}; }
+
+// A file that begins with the header of another.
+FileUse WaveWithForeignHeader(const std::string& name) {
+  FileUse use = Wave(name);
+  use.foreignHeader = true;
+  return use;
+}
+
+// Mono.
+FileUse Headerless(const std::string& name, int rate, int blockBytes) {
+  return {.name = name,
+          .container = Container::kHeaderless,
+          .rate = rate,
+          .channels = 1,
+          .blockBytes = blockBytes};
+}
+
+// A file whose absence is an outcome of the routine.
+FileUse Optional(FileUse use) {
+  use.optional = true;
+  return use;
+}
+
+// What is as it should be without content.
+FileUse Empty(FileUse use) {
+  use.mayBeEmpty = true;
+  return use;
+}
+
+constexpr const char* kRecordings[] = {
+    "ns_in_32000",    "ns_step_32000", "sp01_airport_sn5", "sp22_street_sn10", "sp22_train_sn10",
+    "sp22_train_sn5", "mirela_ns_off", "wrpcmin32000",     "wrpcmin_ka",       "after_aec"};
+
+// One file for each of the recordings, with its name for every '*'.
+std::vector<FileUse> ForRecordings(const std::string& name) {
+  std::vector<FileUse> files;
+  const auto filled = [&name](const std::string& recording) {
+    std::string text;
+    for (const char letter : name) text += letter == '*' ? recording : std::string(1, letter);
+    return text;
+  };
+  for (const char* const recording : kRecordings) {
+    files.push_back(Wave(filled(recording)));
+    files.back().pattern = filled("<recording>");
+  }
+  return files;
+}
+
+}  // namespace
+
 std::vector<CatalogueRow> AecRows() {
   return {
       {.declared = declared::TestEchoDelayEst,
        .exercises = "echo-delay estimator (CEchoDelayEst) over far/near raw PCM; logs "
-                    "\"TestEchoDelayEst: %d, %d\""},
+                    "\"TestEchoDelayEst: %d, %d\"",
+       .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")}},
       {.declared = declared::TestEchoDelayEstAndAEC,
-       .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed"},
+       .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed",
+       .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")},
+       .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
       {.declared = declared::TestZUAECNSProcess,
+       .calledBy = "TestTemp",
        .exercises = "the engine's mobile echo canceller (AecMobile_*) with band splitting through "
                     "zuwebrtc::AudioBuffer"},
       {.declared = declared::TestTemp,
-       .exercises = "runs TestZUAECNSProcess on \"wrpcmin.pcm\" into \"NSout.pcm\""},
+       .exercises = "runs TestZUAECNSProcess on \"wrpcmin.pcm\" into \"NSout.pcm\"",
+       .inputs = {Headerless("wrpcmin.pcm", 8000, 160)},
+       .outputs = {Headerless("NSout.pcm", 8000, 0)}},
       {.declared = declared::TestAECNsNoizeus,
        .exercises = "runs TestZUAECNSProcess over the NOIZEUS corpus into "
                     "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\""},
       {.declared = declared::TestZUAECProcess,
-       .exercises = "mobile echo canceller on far/near files with a fixed echo delay"},
+       .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
+       .nullable = "pFarendFileName",
+       .inputs = {Optional({.name = "{pFarendFileName}"}), Wave("{pNearendFileName}")},
+       .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
       {.declared = declared::TestAECProcess,
-       .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay"},
+       .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay",
+       .inputs = {Headerless("{pFarendFileName}", 16000, 320),
+                  Headerless("{pNearendFileName}", 16000, 320)},
+       .outputs = {Headerless("{pOutFileName}", 16000, 0)}},
       {.declared = declared::TestZUAec,
        .exercises = "AecModule (software SoftwareAec or CreateHardwareAec) over WAVE files, with "
-                    "resampling"},
+                    "resampling",
+       .inputs = {Wave("{inNearFile}"), Wave("{inFarFile}")},
+       .outputs = {Wave("{outNearFile}")}},
       {.declared = declared::TestAecDenoiseInternal,
-       .exercises = "the echo path's noise suppressor (Ns_*) over one WAVE file"},
+       .exercises = "the echo path's noise suppressor (Ns_*) over one WAVE file",
+       .inputs = {Wave("{in}")},
+       .outputs = {Wave("{out}")}},
       {.declared = declared::TestAecDenoiseNOIZEUS,
        .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)"},
       {.declared = declared::TestAecDenoise,
-       .exercises = "TestAecDenoiseInternal over a fixed list of named recordings"},
+       .exercises = "TestAecDenoiseInternal over a fixed list of named recordings",
+       .inputs = ForRecordings("in/*.wav"),
+       .outputs = ForRecordings("out/rev3.2.250/*_out_rev3.2.250.wav")},
       {.declared = declared::TestHardwareAec,
        .exercises =
-           "CreateHardwareAec with AGC and denoise enabled, \"noise_in.wav\" to \"out.wav\""},
+           "CreateHardwareAec with AGC and denoise enabled, \"noise_in.wav\" to \"out.wav\"",
+       .inputs = {Wave("noise_in.wav")},
+       .outputs = {Wave("out.wav")}},
       {.declared = declared::TestSoftAec,
-       .exercises = "SoftwareAec over files in \"music_delay/\""},
+       .exercises = "SoftwareAec over files in \"music_delay/\"",
+       .inputs = {Wave("music_delay/findcap.wav"), Wave("music_delay/findreceive.wav")},
+       .outputs = {Wave("music_delay/out.wav"), Empty({.name = "music_delay/echo_metrics.txt"})}},
       {.declared = declared::TestEchoDetection,
-       .exercises = "residual echo detection (echo_detection_*) over far/near WAVE files"},
+       .exercises = "residual echo detection (echo_detection_*) over far/near WAVE files",
+       .inputs = {Wave("C:\\aecfiles\\farend.wav"), Wave("C:\\aecfiles\\nearend.wav")}},
       {.declared = declared::TestRecord,
-       .exercises = "CAecFileWriter recording of far/out data and echo-detection start"},
+       .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
+       .inputs = {Headerless("F:\\sample\\test.pcm", 16000, 400),
+                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 0))}},
   };
 }
 
