@@ -1,0 +1,160 @@
+#include "engine_api/mixing/karaoke_file_mixer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <string>
+#include <thread>
+
+#include "desktop/mixing/file_sink.h"
+#include "desktop/mixing/karaoke_mix.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+using desktop::DeviceFormat;
+using desktop::FileSink;
+using desktop::FileSource;
+using desktop::KaraokeMix;
+using std::chrono::steady_clock;
+
+constexpr auto kBetweenReports = std::chrono::milliseconds(100);
+
+// As the accompaniment, as far as a file is written like that.
+DeviceFormat FormatOf(const FileSource& music) {
+  return {std::clamp(music.Rate(), 8000U, 48000U), std::min(music.Channels(), 2U)};
+}
+
+// One run: what is mixed, and where it goes. Empty when there is nothing to be mixed.
+struct Run {
+  std::unique_ptr<KaraokeMix> mix;
+  std::unique_ptr<FileSink> sink;
+  DeviceFormat format;
+};
+
+class KaraokeFileMixer : public IKaraokeFileMixer {
+ public:
+  ~KaraokeFileMixer() override { KaraokeFileMixer::Stop(); }
+
+  void SetKaraokeFileMixerNotify(IKaraokeFileMixerNotify* notify) override { m_notify = notify; }
+
+  bool Open(char* voiceFile, char* accompanyFile) override {
+    std::unique_ptr<FileSource> source;
+    m_isOpen = false;
+    for (const char* name : {voiceFile, accompanyFile}) {
+      if (FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return false;
+    }
+    m_voiceFile = voiceFile;
+    m_musicFile = accompanyFile;
+    m_isOpen = true;
+    return true;
+  }
+
+  void SetVoiceOffset(int offset) override { m_settings.offsetMs = offset; }
+  void EnableEqualizer(bool enable) override { m_settings.equalizer = enable; }
+  void SetEqGains(float* gains) override {
+    std::copy_n(gains, std::size(m_settings.gains), m_settings.gains);
+  }
+  void EnableReverbNew(bool enable) override { m_settings.reverb = enable; }
+  void SetReverbFv3Param(NreverbFv3Parameter parameter) override {
+    m_settings.reverbParameter = parameter;
+  }
+  void EnableLimiter(bool enable) override { m_settings.limiter = enable; }
+  void SetLimiterParam(LimiterParam parameter) override { m_settings.limiterParameter = parameter; }
+
+  bool Start(char* outputFile) override {
+    Stop();
+    m_stop = false;
+    Run run;
+    try {
+      run = Prepare(outputFile);
+      const bool mixes = run.mix != nullptr;
+      m_thread = std::thread([this, run = std::move(run)]() mutable { Work(run); });
+      return mixes;
+    } catch (const std::exception& error) {
+      OutputDebugInfo("karaoke mixer: cannot start: %s", error.what());
+      if (m_notify != nullptr) m_notify->OnFinishMixer();
+      return false;
+    }
+  }
+
+  void Stop() override {
+    m_stop = true;
+    if (m_thread.joinable()) m_thread.join();
+  }
+
+  void Destroy() override { delete this; }
+
+ private:
+  // Without a mix when something is missing; the log has a line then.
+  Run Prepare(const char* outputFile) const {
+    Run run;
+    if (!m_isOpen) {
+      OutputDebugInfo("karaoke mixer: no files are open");
+      return run;
+    }
+    std::unique_ptr<FileSource> voice;
+    std::unique_ptr<FileSource> music;
+    if (FileSource::Open(m_voiceFile.c_str(), &voice) != PLAYER_OPEN_SUCCESS ||
+        FileSource::Open(m_musicFile.c_str(), &music) != PLAYER_OPEN_SUCCESS) {
+      return run;
+    }
+    run.format = FormatOf(*music);
+    auto converted = desktop::ConvertedSource::Create(std::move(voice), run.format);
+    auto convertedMusic = desktop::ConvertedSource::Create(std::move(music), run.format);
+    if (converted == nullptr || convertedMusic == nullptr) {
+      OutputDebugInfo("karaoke mixer: cannot bring both files to one format");
+      return run;
+    }
+    run.sink = FileSink::Create(outputFile, run.format, false);
+    if (run.sink == nullptr) return run;
+    run.mix = std::make_unique<KaraokeMix>(std::move(converted), std::move(convertedMusic),
+                                           run.format, m_settings);
+    return run;
+  }
+
+  void Work(Run& run) {
+    try {
+      if (run.mix != nullptr) MixAll(run);
+    } catch (const std::exception& error) {
+      OutputDebugInfo("karaoke mixer: stopped: %s", error.what());
+    }
+    run = {};
+    if (m_notify != nullptr) m_notify->OnFinishMixer();
+  }
+
+  void MixAll(Run& run) {
+    short samples[KaraokeMix::kMostFrames * 2];
+    const auto total = static_cast<uint32_t>(run.mix->Frames() * 1000 / run.format.rate);
+    uint64_t done = 0;
+    steady_clock::time_point reported = steady_clock::now();
+    while (!m_stop) {
+      const size_t frames = run.mix->Next(samples);
+      if (frames == 0) break;
+      if (!run.sink->Write(samples, frames)) return;
+      done += frames;
+      if (steady_clock::now() - reported < kBetweenReports) continue;
+      reported = steady_clock::now();
+      Report(done, run.format, total);
+    }
+    if (run.sink->Finish()) Report(done, run.format, total);
+  }
+
+  void Report(uint64_t done, DeviceFormat format, uint32_t total) const {
+    const auto doneMs = static_cast<uint32_t>(done * 1000 / format.rate);
+    if (m_notify != nullptr) m_notify->OnFileMixerState(std::min(doneMs, total), total);
+  }
+
+  IKaraokeFileMixerNotify* m_notify = nullptr;  // The thread reads it: set before a start.
+  bool m_isOpen = false;
+  std::string m_voiceFile;
+  std::string m_musicFile;
+  desktop::VoiceSettings m_settings;
+  std::atomic<bool> m_stop = false;
+  std::thread m_thread;
+};
+
+}  // namespace
+
+IKaraokeFileMixer* IKaraokeFileMixer::Create() { return new KaraokeFileMixer; }
