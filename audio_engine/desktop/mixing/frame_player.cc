@@ -112,7 +112,7 @@ void FramePlayer::Starve() {
 void FramePlayer::Queue(const short* samples, bool madeUp) {
   ++(madeUp ? m_counts.concealed : m_counts.played);
   const size_t frames = m_decoder->Frames();
-  m_volume = Volume({samples, frames * static_cast<size_t>(m_decoder->Channels())});
+  m_volume = VolumeOf(samples, frames * static_cast<size_t>(m_decoder->Channels()));
   const uint32_t converted =
       m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
   m_queue.Write(m_converted.data(), size_t{converted} * m_channels);
