@@ -1,5 +1,6 @@
 #include "engine_api/aec/echo_detection.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -11,11 +12,15 @@ namespace {
 
 struct Detector {
   Detector(int rate, int maxDelayMs)
-      : far(rate, 1), near(rate, 1), tracker(desktop::MonoInput::TrackedRate(rate), maxDelayMs) {}
+      : far(rate, 1),
+        near(rate, 1),
+        tracker(desktop::MonoInput::TrackedRate(rate), maxDelayMs),
+        ignored(rate / 50) {}
 
   desktop::MonoInput far;
   desktop::MonoInput near;
   desktop::DelayTracker tracker;
+  int ignored;  // Samples that are still to be passed over.
 };
 
 }  // namespace
@@ -36,6 +41,13 @@ void* echo_detection_create(const void*, int rate, int maxDelayMs) {
 int echo_detection_process(void* detector, const short* farend, const short* nearend, int count) {
   if (detector == nullptr || farend == nullptr || nearend == nullptr || count < 0) return -1;
   auto& ends = *static_cast<Detector*>(detector);
+  // Both ends may start with the same click, as of a header taken for samples. It would outshine
+  // the high frequencies of speech for seconds.
+  const int skipped = std::min(ends.ignored, count);
+  ends.ignored -= skipped;
+  farend += skipped;
+  nearend += skipped;
+  count -= skipped;
   ends.far.Feed(farend, count,
                 [&ends](const short* mono, int frames) { ends.tracker.AddFar(mono, frames); });
   ends.near.Feed(nearend, count,

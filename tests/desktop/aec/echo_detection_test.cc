@@ -43,6 +43,22 @@ TEST(EchoDetection, FindsNoneInUnrelatedSpeechNorInSilence) {
   EXPECT_EQ(Verdict({}, {}, 16000), 0);
 }
 
+// As of the headers of two files.
+TEST(EchoDetection, TakesNoCommonClickAtTheStartForAnEcho) {
+  for (const int blocks : {22, 256}) {
+    Samples far = Talk(16000, 8, 70);
+    Samples near = Talk(16000, 8, 71);
+    Samples silence(far.size());
+    for (size_t i = 0; i < 22; ++i) {
+      far[i] = near[i] = silence[i] =
+          static_cast<short>(i % 3 == 0 ? 18770 : 8308 - 1000 * static_cast<int>(i));
+    }
+    EXPECT_EQ(Verdict(far, near, 16000, blocks), 0);
+    EXPECT_EQ(Verdict(silence, near, 16000, blocks), 0);
+    EXPECT_EQ(Verdict(far, Echo(far, 16000, 90), 16000, blocks), 1);
+  }
+}
+
 TEST(EchoDetection, TakesOtherRatesAndAnyCount) {
   for (const int rate : {8000, 48000}) {
     const Samples far = Talk(rate, 5, 50);

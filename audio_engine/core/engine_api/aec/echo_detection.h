@@ -10,7 +10,8 @@
 // 500 ms.
 ENGINE_API void* echo_detection_create(const void* config, int rate, int maxDelayMs);
 
-// Takes `count` samples of both ends, any number. Returns 0, or -1 when a pointer is null.
+// Takes `count` samples of both ends, any number. The first 20 ms, often a click, are passed over.
+// Returns 0, or -1 when a pointer is null.
 ENGINE_API int echo_detection_process(void* detector, const short* farend, const short* nearend,
                                       int count);
 
