@@ -49,7 +49,7 @@ class UsageFormatter : public CLI::Formatter {
   }
 };
 
-std::string TimeoutProblem(const std::string& word) {
+std::string SecondsProblem(const std::string& word) {
   double seconds = 0;
   const char* const end = word.data() + word.size();
   const auto [last, error] = std::from_chars(word.data(), end, seconds);
@@ -125,14 +125,23 @@ class CommandLine {
         "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"
         "declared order; after \"--\" every word is an argument.");
     AddWork(*m_run, options.work);
-    m_run->add_option("--timeout-s", options.timeout, "End a run that takes longer, in seconds")
+    m_run
+        ->add_option("--timeout-s", options.timeout,
+                     "End a run that takes longer, in seconds (600; a routine that never returns "
+                     "is stopped after 10)")
         ->type_name("N")
-        ->check(TimeoutProblem)
-        ->capture_default_str();
+        ->check(SecondsProblem);
+    m_run
+        ->add_option("--linger-s", options.linger,
+                     "How long a player may run on after its routine has returned (describe says "
+                     "what is usual)")
+        ->type_name("N")
+        ->check(SecondsProblem);
     m_run->add_option("--json", options.json, "Also write the report to this file; - is stdout")
         ->type_name("FILE")
         ->check(EmptyProblem);
     m_run->add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
+    m_run->add_flag("--figures", options.figures, "Also measure the files of lists");
     m_run->add_flag("--wav", options.wav,
                     "Also write headerless audio outputs as NAME.wav, 16-bit");
     m_run->allow_extras();  // Routine and arguments: CLI11 would take -1 for an option.

@@ -33,6 +33,7 @@ struct FileActivity {
   static constexpr size_t kMostOpenFaults = 64;
 
   std::atomic<uint64_t> opened = 0;  // Files opened so far.
+  std::atomic<uint64_t> done = 0;    // Different names of files that have been closed.
   FirstFault writeFault;             // A file that could not be written whole.
   FirstFault readFault;              // A file that could not be read.
   // Files that could not be opened, by their place in the workspace.

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <set>
 
 #include "base/printable.h"
 #include "files/beneath.h"
@@ -42,6 +43,7 @@ int g_workspace = -1;                // The folder.
 struct OpenFiles {
   std::mutex mutex;
   std::map<FILE*, std::string> names;
+  std::set<std::string> closed;  // The names of those that have been.
 };
 
 // Lives until the process ends, because files may be closed by static destructors.
@@ -62,7 +64,9 @@ std::string ForgetName(FILE* file) {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);
   const auto found = files.names.extract(file);
-  return found.empty() ? "" : found.mapped();
+  if (found.empty()) return "";
+  if (files.closed.insert(found.mapped()).second) ++g_activity->done;
+  return found.mapped();
 }
 
 bool HasDrive(std::string_view name) {

@@ -28,7 +28,8 @@ constexpr double kKeeperSeconds = 5;  // After which a keeper that does not end 
 struct Shared {
   FileActivity files;
   KeeperReport keeper;
-  std::atomic<bool> returned = false;  // Routine and flush are through.
+  std::atomic<double> routineEnd = 0;  // When the routine returned, see Now(); 0 for not yet.
+  std::atomic<bool> returned = false;  // All is done, and the files are flushed.
 };
 
 class SharedMemory {
@@ -50,7 +51,7 @@ class SharedMemory {
 
 // In the routine's process: everything up to its end, which is where an exception that the routine
 // lets go ends.
-[[noreturn]] void LiveAsChild(const std::function<void()>& routine, const std::string& workspace,
+[[noreturn]] void LiveAsChild(const ChildWork& work, const std::string& workspace,
                               Shared& shared) noexcept {
   const int nothing = open("/dev/null", O_RDONLY);
   if (nothing >= 0) dup2(nothing, STDIN_FILENO);
@@ -61,7 +62,9 @@ class SharedMemory {
 
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   MapOpenedFiles(&shared.files);
-  routine();
+  work.routine();
+  shared.routineEnd = Now();
+  work.afterwards();
   FlushOpenedFiles();  // A file that is left open is written all the same.
   shared.returned = true;
   _exit(0);
@@ -81,12 +84,15 @@ class Child {
   ChildOutcome Watch(double start, const Shared& shared) {
     while (!Ended()) {
       m_relay.Wait(m_limits.signals().descriptor(), std::min(kTick, m_limits.Left()));
-      m_progress.Show(Now() - start, shared.files.opened);
+      m_progress.Show(Now() - start, shared.files);
       const Limits::Stop stop = m_limits.Check();
       if (stop == Limits::Stop::kInterrupted) Kill(ChildOutcome::End::kInterrupted);
       if (stop == Limits::Stop::kTimedOut) Kill(ChildOutcome::End::kTimedOut);
     }
-    m_outcome.elapsed = (shared.keeper.ended ? shared.keeper.time : Now()) - start;
+    const double end = shared.keeper.ended ? shared.keeper.time : Now();
+    const double routineEnd = shared.routineEnd > 0 ? shared.routineEnd.load() : end;
+    m_outcome.elapsed = routineEnd - start;
+    m_outcome.ranOn = end - routineEnd;
     m_outcome.cpu = shared.keeper.cpu;
     m_outcome.peakMemory = shared.keeper.peakMemory;
     m_outcome.interruption = m_limits.interruption();
@@ -144,8 +150,8 @@ class Child {
 
 }  // namespace
 
-ChildOutcome RunInChild(const std::function<void()>& routine, const std::string& workspace,
-                        Limits& limits, FILE* log, Progress& progress) {
+ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
+                        FILE* log, Progress& progress) {
   const SharedMemory shared;
   Relay relay(log, progress);
   fflush(nullptr);  // What is still buffered here must not come out of the child as well.
@@ -157,7 +163,7 @@ ChildOutcome RunInChild(const std::function<void()>& routine, const std::string&
     const auto child = [&] {
       limits.signals().RestoreInChild();
       relay.BecomeChild();
-      LiveAsChild(routine, workspace, *shared);
+      LiveAsChild(work, workspace, *shared);
     };
     LiveAsKeeper(child, host, (*shared).keeper);
   }

@@ -21,7 +21,8 @@ struct FileProblem {
 };
 
 struct ChildOutcome {
-  enum class End { kReturned, kCrashed, kTimedOut, kInterrupted };
+  // A routine that never returns is stopped when its time is up, which is no time-out.
+  enum class End { kReturned, kStopped, kCrashed, kTimedOut, kInterrupted };
   End end = End::kReturned;
   std::string how = {};                      // How it crashed: "killed by signal 6 (Aborted)".
   int crashSignal = 0;                       // That killed it; 0 for any other end.
@@ -30,17 +31,24 @@ struct ChildOutcome {
   FileProblem readFault = {};                // The first file that could not be read.
   std::vector<FileProblem> openFaults = {};  // Named by their place in the workspace.
   int logFault = 0;                          // errno when the log could not be written; else 0.
-  double elapsed = 0;                        // Seconds by the clock.
+  double elapsed = 0;                        // Seconds by the clock, until the routine's end.
+  double ranOn = 0;                          // Seconds that its process went on after it returned.
   double cpu = 0;                            // Seconds of processing, user and system.
   uint64_t peakMemory = 0;                   // Bytes
 };
 
-// Runs `routine` in a child with `workspace` as its current directory and its files mapped into it
+// What a child does: the routine, and what is to be done in its process after it has returned.
+struct ChildWork {
+  std::function<void()> routine;
+  std::function<void()> afterwards;
+};
+
+// Does the work in a child with `workspace` as its current directory and its files mapped into it
 // (see path_map.h), for as long as the limits allow. What it prints goes to stdout, and its stderr
 // to stderr and to `log`, as it comes. All that the routine has started ends with it, and it ends
 // with the host, however that ends. To be called on the host's only thread. Throws
 // std::system_error when no process can be started.
-ChildOutcome RunInChild(const std::function<void()>& routine, const std::string& workspace,
-                        Limits& limits, FILE* log, Progress& progress);
+ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
+                        FILE* log, Progress& progress);
 
 }  // namespace host

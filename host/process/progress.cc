@@ -14,6 +14,7 @@ namespace host {
 namespace {
 
 constexpr double kPeriod = 0.25;  // Seconds
+constexpr uint64_t kMany = 20;    // Files from which on what is done tells more than what is open.
 constexpr double kPatience = 2;   // Seconds that a reader has when the limits are reached.
 
 }  // namespace
@@ -25,13 +26,27 @@ Progress::Progress(std::string routine, uint64_t expectedFiles)
       m_output(STDOUT_FILENO),
       m_error(STDERR_FILENO) {}
 
-void Progress::Show(double elapsed, uint64_t openedFiles) {
+// What has become of the files so far, and for many files how long the rest will take at this pace.
+std::string Progress::Files(double elapsed, const FileActivity& files) const {
+  const uint64_t opened = files.opened;
+  const std::string of = " of " + std::to_string(m_expectedFiles);
+  if (m_expectedFiles < kMany) {
+    return "files opened: " + std::to_string(opened) + (opened <= m_expectedFiles ? of : "");
+  }
+  const uint64_t done = files.done;
+  std::string text = "files done: " + std::to_string(done);
+  if (done > m_expectedFiles) return text;
+  text += of;
+  if (done == 0 || done == m_expectedFiles) return text;
+  const double left = static_cast<double>(m_expectedFiles - done) / static_cast<double>(done);
+  return text + harness::FormatName("  about %.0f s left", elapsed * left);
+}
+
+void Progress::Show(double elapsed, const FileActivity& files) {
   if (!m_terminal || m_lineOpen || elapsed < m_next || m_error.waiting() > 0) return;
   m_next = elapsed + kPeriod;
-  std::string files = std::to_string(openedFiles);
-  if (openedFiles <= m_expectedFiles) files += " of " + std::to_string(m_expectedFiles);
-  m_error.Add("\r\033[K" + m_routine + harness::FormatName("  %.0f s  files opened: ", elapsed) +
-              files);
+  m_error.Add("\r\033[K" + m_routine + harness::FormatName("  %.0f s  ", elapsed) +
+              Files(elapsed, files));
   m_shown = true;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "files/file_activity.h"
 #include "process/limits.h"
 #include "process/outlet.h"
 
@@ -22,7 +23,7 @@ class Progress {
 
   // Shows the state after `elapsed` seconds, a few times a second. Nothing is shown in the first
   // second, after a line that is not complete, or when stderr is no terminal.
-  void Show(double elapsed, uint64_t openedFiles);
+  void Show(double elapsed, const FileActivity& files);
 
   // Print text, at once where the reader takes it.
   void PrintOutput(std::string_view text) { Print(m_output, text); }
@@ -36,6 +37,7 @@ class Progress {
   Outlet& error() { return m_error; }
 
  private:
+  std::string Files(double elapsed, const FileActivity& files) const;
   void Clear();
   void Print(Outlet& outlet, std::string_view text);
 

@@ -38,10 +38,18 @@ Json CopyJson(const std::optional<WaveCopy>& copy) {
 
 // The reason to give for a figure of the file that is unknown.
 std::string NoAudioReason(const FileReport& file) {
+  if (file.absent) return "absent";
   if (!file.bytes) return "not looked at";
   if (file.place.use.container == Container::kOther) return "not audio";
   if (!file.audio) return "not the audio that it should be";
+  if (!file.figures) return "figures of a list are made with --figures";
   return file.unmeasured.empty() ? "not measured" : file.unmeasured;
+}
+
+Json CausesJson(const std::vector<Problem>& problems) {
+  Json json = Json::array();
+  for (const Problem& problem : problems) json.push_back(CauseName(problem.cause));
+  return json;
 }
 
 Json FileJson(const FileReport& file) {
@@ -55,6 +63,8 @@ Json FileJson(const FileReport& file) {
   return {
       {"name", file.place.name},
       {"path", file.place.path},
+      {"pattern", file.place.use.pattern},
+      {"problems", CausesJson(file.problems)},
       {"container", ContainerName(file.place.use.container)},
       {"size", file.bytes ? Count(*file.bytes, "bytes") : Figure(std::nullopt, "bytes", reason)},
       {"samples", decoded ? Fact(std::string(SampleTypeName(*audio->samples)), "")
@@ -107,6 +117,8 @@ void AddFigures(const RunReport& report, Json& json) {
   json["elapsed"] = seconds(&ChildOutcome::elapsed);
   json["cpu"] = seconds(&ChildOutcome::cpu);
   const bool returned = !outcome || outcome->end == ChildOutcome::End::kReturned;
+  json["ran_on"] = returned ? seconds(&ChildOutcome::ranOn)
+                            : Figure(std::nullopt, "s", "the routine did not return");
   json["rtf"] =
       Figure(RealTimeFactor(report), "1", returned ? reason : "the routine did not return");
   json["peak_memory"] =

@@ -15,17 +15,20 @@ namespace host {
 
 // All that is known after a run, and how it is told.
 
-// A declared file; only the place when it was not looked at.
+// A declared file; only the place and its problems when it was not looked at.
 struct FileReport {
   FilePlace place;
+  std::vector<Problem> problems = {};         // What keeps the run from passing because of it.
+  bool absent = false;                        // An input that was not there before the run.
   OutputState state = OutputState::kWritten;  // Outputs only.
-  std::optional<uint64_t> bytes;
-  std::optional<AudioLayout> audio;
-  std::optional<std::vector<ChannelFigures>> channels;
-  std::optional<WaveCopy> copy;
-  std::string unreadable;  // Why it could not be read; empty when it could.
-  std::string unmeasured;  // Why there are no figures of its channels, where there might be.
-  bool changed = false;    // An input during the run, an output while it was looked at.
+  std::optional<uint64_t> bytes = {};
+  std::optional<AudioLayout> audio = {};
+  std::optional<std::vector<ChannelFigures>> channels = {};
+  std::optional<WaveCopy> copy = {};
+  std::string unreadable = {};  // Why it could not be read; empty when it could.
+  std::string unmeasured = {};  // Why there are no figures of its channels, where there might be.
+  bool changed = false;         // An input during the run, an output while it was looked at.
+  bool figures = true;          // Whether those of its channels were asked for.
 };
 
 struct RunReport {
@@ -43,11 +46,12 @@ struct RunReport {
   std::optional<Problem> cut = {};
 };
 
-// Processing time / audio time of the longest input; nothing without audio to compare with, or when
-// the routine did not return.
+// Processing time / audio time, which is that of the longest input; for a run over lists of files,
+// that of all inputs together. Nothing without audio to compare with, or when the routine did not
+// return.
 std::optional<double> RealTimeFactor(const RunReport& report);
 
-// For readers: the verdict in the first line, then a few lines for each file.
+// For readers: the verdict in the first line, then a few lines for each file or list of files.
 std::string TextReport(const RunReport& report);
 
 // For programs: JSON; every figure has a unit, and a reason where it has no value.

@@ -1,8 +1,11 @@
 #include <algorithm>
 #include <cstdio>
+#include <map>
+#include <vector>
 
 #include "base/printable.h"
 #include "base/units.h"
+#include "report/list_lines.h"
 #include "report/report.h"
 
 namespace host {
@@ -48,6 +51,9 @@ std::string CopyLine(const WaveCopy& copy) {
 }
 
 std::string FileLines(const char* kind, const FileReport& file) {
+  if (file.absent && file.problems.empty()) {
+    return std::string("  ") + kind + Printable(file.place.path) + "  absent, as it may be\n";
+  }
   if (!file.bytes) return "";
   std::string lines = std::string("  ") + kind + Printable(file.place.path) + "  ";
   lines += file.audio ? Format(*file.audio) : Bytes(*file.bytes);
@@ -62,12 +68,36 @@ std::string FileLines(const char* kind, const FileReport& file) {
   return lines;
 }
 
+// The files one by one, each list in the place of its first file.
+std::string AllLines(const char* kind, const std::vector<FileReport>& files) {
+  std::map<std::string, std::vector<const FileReport*>> lists;
+  for (const FileReport& file : files) lists[file.place.use.pattern].push_back(&file);
+  std::string lines;
+  for (const FileReport& file : files) {
+    const std::string& pattern = file.place.use.pattern;
+    if (pattern.empty()) {
+      lines += FileLines(kind, file);
+    } else if (lists[pattern].front() == &file) {
+      lines += ListLines(kind, lists[pattern]);
+    }
+  }
+  return lines;
+}
+
 }  // namespace
 
 std::optional<double> RealTimeFactor(const RunReport& report) {
+  const bool lists =
+      std::any_of(report.inputs.begin(), report.inputs.end(),
+                  [](const FileReport& input) { return !input.place.use.pattern.empty(); });
   double seconds = 0;
   for (const FileReport& input : report.inputs) {
-    if (input.audio) seconds = std::max(seconds, input.audio->Seconds());
+    const double own = input.audio ? input.audio->Seconds() : 0;
+    if (!lists) {
+      seconds = std::max(seconds, own);
+    } else if (!input.place.use.beside) {
+      seconds += own;
+    }
   }
   if (!report.outcome || seconds <= 0) return std::nullopt;
   if (report.outcome->end != ChildOutcome::End::kReturned) return std::nullopt;
@@ -76,8 +106,7 @@ std::optional<double> RealTimeFactor(const RunReport& report) {
 
 std::string TextReport(const RunReport& report) {
   std::string text = VerdictLine(report);
-  for (const FileReport& input : report.inputs) text += FileLines("input   ", input);
-  for (const FileReport& output : report.outputs) text += FileLines("output  ", output);
+  text += AllLines("input   ", report.inputs) + AllLines("output  ", report.outputs);
   if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
   return text;
 }

@@ -23,15 +23,14 @@ struct CloseFile {
 
 }  // namespace
 
-Examiner::Examiner(Limits& limits, double seconds, std::string copies)
-    : m_limits(limits), m_seconds(seconds), m_copies(std::move(copies)) {}
+Examiner::Examiner(Limits& limits, double seconds, Wishes wishes)
+    : m_limits(limits), m_seconds(seconds), m_wishes(std::move(wishes)) {}
 
-FileReport Examiner::Input(const FilePlace& place, const FileState& before) {
-  FileReport report;
-  report.place = place;
-  Look(report, false);
-  report.changed = !before.SameContent(FileState(place.path));
-  return report;
+void Examiner::LookAtInput(FileReport& input, const FileState& before) {
+  input.absent = !before.status();
+  if (input.absent) return;
+  Look(input, false);
+  input.changed = !before.SameContent(FileState(input.place.path));
 }
 
 FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) {
@@ -40,7 +39,7 @@ FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) 
   report.state = before.StateNow();
   if (report.state != OutputState::kWritten) return report;
   const FileState written(place.path);
-  Look(report, !m_copies.empty());
+  Look(report, !m_wishes.copies.empty());
   report.changed = !written.SameContent(FileState(place.path));
   return report;
 }
@@ -56,7 +55,8 @@ void Examiner::Look(FileReport& report, bool copy) {
   report.bytes = static_cast<uint64_t>(state.status()->st_size);
   report.audio = FindAudio(report.place.use, file.get(), *report.bytes);
   if (ferror(file.get()) != 0) report.unreadable = strerror(EIO);
-  if (report.audio) Measure(file.get(), report, copy);
+  report.figures = copy || m_wishes.listFigures || report.place.use.pattern.empty();
+  if (report.audio && report.figures) Measure(file.get(), report, copy);
 }
 
 void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
@@ -70,7 +70,7 @@ void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
   }
   if (!copy || report.place.use.container != Container::kHeaderless) return;
   report.copy = WriteWaveCopy(file, *report.audio, Peak(*report.channels),
-                              {m_copies, report.place.place + ".wav"}, goOn);
+                              {m_wishes.copies, report.place.place + ".wav"}, goOn);
   if (report.copy->problem == kStopped) report.copy->problem = Cut();
 }
 

@@ -15,12 +15,17 @@ namespace host {
 // at later has no figures.
 class Examiner {
  public:
-  // Copies of headerless audio go into the workspace `copies`; no copies when it is empty.
-  // `seconds` is the time that the limits give.
-  Examiner(Limits& limits, double seconds, std::string copies);
+  struct Wishes {
+    std::string copies = {};   // The workspace for copies of headerless audio; empty for no copies.
+    bool listFigures = false;  // Also figures of the files of lists.
+  };
 
-  // `before` is what the input was before the run.
-  FileReport Input(const FilePlace& place, const FileState& before);
+  // `seconds` is the time that the limits give.
+  Examiner(Limits& limits, double seconds, Wishes wishes);
+
+  // Fills in what is known of an input; `before` is what it was before the run.
+  void LookAtInput(FileReport& input, const FileState& before);
+
   FileReport Output(const FilePlace& place, const OutputBefore& before);
 
   // What kept files from being measured or copied; nothing when nothing did.
@@ -34,7 +39,7 @@ class Examiner {
 
   Limits& m_limits;
   double m_seconds;
-  std::string m_copies;
+  Wishes m_wishes;
   std::optional<Problem> m_cut;
 };
 

@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <optional>
 
 #include "base/units.h"
+#include "catalogue/catalogue_text.h"
 #include "files/beneath.h"
 #include "files/foreign_audio.h"
 
@@ -17,15 +19,6 @@ namespace {
 // "/sdcard/x (bench_work/sdcard/x)"
 std::string Name(const FilePlace& place) {
   return place.path.empty() ? place.name : place.name + " (" + place.path + ")";
-}
-
-std::string TooShort(const FilePlace& input) {
-  struct stat status;
-  if (stat(input.path.c_str(), &status) != 0) return "";  // Judged as unreadable.
-  if (status.st_size >= input.use.blockBytes) return "";
-  return "input " + Name(input) + " holds no whole block of " +
-         std::to_string(input.use.blockBytes) +
-         " bytes: " + Bytes(static_cast<uint64_t>(status.st_size));
 }
 
 // As a shell takes it for one word.
@@ -39,14 +32,28 @@ std::string Quoted(const std::string& word) {
   return quoted + "'";
 }
 
-// How to make headerless samples of a file of another kind.
-std::string Conversion(const FilePlace& input) {
-  const FileUse& use = input.use;
-  std::string command = "ffmpeg -i " + Quoted(input.path);
+// How to make headerless samples of an audio file.
+std::string Conversion(const FileUse& use, const std::string& from, const std::string& to) {
+  std::string command = "ffmpeg -i " + from;
   command += use.samples == SampleType::kPcm16 ? " -f s16le" : " -f f32le";
   if (use.rate > 0) command += " -ar " + std::to_string(use.rate);
   if (use.channels > 0) command += " -ac " + std::to_string(use.channels);
-  return command + " " + Quoted(input.path + ".raw");
+  return command + " " + Quoted(to);
+}
+
+// What to do about an input that is missing.
+std::string Remedy(const FilePlace& input) {
+  if (input.path.empty()) return "";
+  switch (input.use.container) {
+    case Container::kOther:
+      return "; put a stream or text of yours there";
+    case Container::kWave:
+      return "; put a 16-bit WAVE file of yours there";
+    case Container::kHeaderless:
+      break;
+  }
+  return "; it takes " + FileFormat(input.use) + ": " +
+         Conversion(input.use, "YOUR_FILE", input.path);
 }
 
 // What a file that should hold headerless samples is instead; empty when it may well hold them.
@@ -57,9 +64,19 @@ std::string WrongFormat(const FilePlace& input) {
   const std::string kind(ForeignAudio(file));
   fclose(file);
   if (kind.empty()) return "";
-  return "input " + Name(input) + " is " + kind +
-         ", not headerless samples; to convert it: " + Conversion(input) + " && mv " +
-         Quoted(input.path + ".raw") + " " + Quoted(input.path);
+  const std::string converted = input.path + ".raw";
+  return "input " + Name(input) + " is " + kind + ", not headerless samples; to convert it: " +
+         Conversion(input.use, Quoted(input.path), converted) + " && mv " + Quoted(converted) +
+         " " + Quoted(input.path);
+}
+
+std::string TooShort(const FilePlace& input) {
+  struct stat status;
+  if (input.use.optional || stat(input.path.c_str(), &status) != 0) return "";
+  if (status.st_size >= input.use.blockBytes) return "";
+  return "input " + Name(input) + " holds no whole block of " +
+         std::to_string(input.use.blockBytes) +
+         " bytes: " + Bytes(static_cast<uint64_t>(status.st_size));
 }
 
 // Why the routine could not open a file; empty when it could, or did not try.
@@ -135,21 +152,61 @@ void AddContentProblems(const FileReport& output, bool cut, std::vector<Problem>
   }
 }
 
+// What became of an input during the run.
+std::optional<Problem> InputProblemAfter(const FileReport& input, const RunReport& report) {
+  const std::string name = "input " + Name(input.place);
+  const std::string fault = OpenFault(input.place, *report.outcome);
+  if (input.changed) return Problem{Cause::kInputChanged, name + " changed during the run"};
+  if (!input.problems.empty() && input.problems[0].cause >= Cause::kReadError) {
+    return std::nullopt;  // Nothing new.
+  }
+  if (!fault.empty()) return Problem{Cause::kReadError, name + " could not be opened: " + fault};
+  const bool unmeasured =
+      !input.unmeasured.empty() && !report.cut && input.audio && input.audio->samples;
+  const std::string& reason =
+      input.unreadable.empty() && unmeasured ? input.unmeasured : input.unreadable;
+  if (reason.empty()) return std::nullopt;
+  return Problem{Cause::kReadError, name + " could not be read: " + reason};
+}
+
+void JudgeOutput(const RunReport& report, FileReport& output) {
+  if (const auto problem = NotWritten(output, *report.outcome)) {
+    output.problems.push_back(*problem);
+  } else {
+    AddLookProblems(output, report.cut.has_value(), output.problems);
+    AddContentProblems(output, report.cut.has_value(), output.problems);
+  }
+}
+
 }  // namespace
 
-std::vector<Problem> InputProblems(std::span<const FilePlace> inputs) {
-  std::vector<Problem> problems;
-  for (const FilePlace& input : inputs) {
-    if (const auto fault = FindInputFault(input)) {
-      problems.push_back({fault->missing ? Cause::kMissingInput : Cause::kUnreadableInput,
-                          "input " + Name(input) + ": " + fault->text});
-    } else if (const std::string format = WrongFormat(input); !format.empty()) {
-      problems.push_back({Cause::kInputFormat, format});
-    } else if (const std::string shortage = TooShort(input); !shortage.empty()) {
-      problems.push_back({Cause::kInputTooShort, shortage});
-    }
+std::optional<Problem> InputProblem(const FilePlace& input) {
+  if (const auto fault = FindInputFault(input)) {
+    if (fault->missing && input.use.optional) return std::nullopt;
+    const std::string text = "input " + Name(input) + ": " + fault->text;
+    if (!fault->missing) return Problem{Cause::kUnreadableInput, text};
+    return Problem{Cause::kMissingInput, text + Remedy(input)};
   }
-  return problems;
+  if (const std::string format = WrongFormat(input); !format.empty()) {
+    return Problem{Cause::kInputFormat, format};
+  }
+  if (const std::string shortage = TooShort(input); !shortage.empty()) {
+    return Problem{Cause::kInputTooShort, shortage};
+  }
+  return std::nullopt;
+}
+
+bool MayRun(std::span<const FileReport> inputs) {
+  const auto fits = [](const FileReport& input) {
+    return input.problems.empty() || input.problems[0].cause == Cause::kInputTooShort;
+  };
+  return std::all_of(inputs.begin(), inputs.end(), [&](const FileReport& input) {
+    const std::string& pattern = input.place.use.pattern;
+    if (pattern.empty() || fits(input)) return fits(input);
+    return std::any_of(inputs.begin(), inputs.end(), [&](const FileReport& other) {
+      return other.place.use.pattern == pattern && fits(other);
+    });
+  });
 }
 
 std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout) {
@@ -167,6 +224,7 @@ std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout
                           outcome.interruption});
       break;
     case ChildOutcome::End::kReturned:
+    case ChildOutcome::End::kStopped:
       break;
   }
   if (const FileProblem& fault = outcome.readFault; fault.error != 0) {
@@ -184,46 +242,29 @@ std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout
   return problems;
 }
 
-std::vector<Problem> InputProblemsAfter(const RunReport& report) {
+std::vector<Problem> FileProblems(const RunReport& report) {
   std::vector<Problem> problems;
-  for (const FileReport& input : report.inputs) {
-    const std::string name = "input " + Name(input.place);
-    const std::string fault = OpenFault(input.place, *report.outcome);
-    if (input.changed) {
-      problems.push_back({Cause::kInputChanged, name + " changed during the run"});
-    } else if (!fault.empty()) {
-      problems.push_back({Cause::kReadError, name + " could not be opened: " + fault});
-    } else if (!input.unreadable.empty()) {
-      problems.push_back({Cause::kReadError, name + " could not be read: " + input.unreadable});
-    } else if (!input.unmeasured.empty() && !report.cut && input.audio->samples) {
-      problems.push_back({Cause::kReadError, name + " could not be read: " + input.unmeasured});
+  for (const std::vector<FileReport>* files : {&report.inputs, &report.outputs}) {
+    for (const FileReport& file : *files) {
+      problems.insert(problems.end(), file.problems.begin(), file.problems.end());
     }
   }
   return problems;
 }
 
-std::vector<Problem> OutputProblems(const RunReport& report) {
-  std::vector<Problem> problems;
-  for (const FileReport& output : report.outputs) {
-    if (const auto problem = NotWritten(output, *report.outcome)) {
-      problems.push_back(*problem);
-    } else {
-      AddLookProblems(output, report.cut.has_value(), problems);
-      AddContentProblems(output, report.cut.has_value(), problems);
-    }
+std::vector<Problem> RunProblems(RunReport& report, double timeout) {
+  const ChildOutcome& outcome = *report.outcome;
+  for (FileReport& input : report.inputs) {
+    if (auto problem = InputProblemAfter(input, report)) input.problems.push_back(*problem);
   }
-  return problems;
-}
-
-std::vector<Problem> RunProblems(const RunReport& report, double timeout) {
-  std::vector<Problem> problems = OutcomeProblems(*report.outcome, timeout);
-  const auto add = [&](const std::vector<Problem>& more) {
-    problems.insert(problems.end(), more.begin(), more.end());
-  };
-  add(InputProblemsAfter(report));
-  if (report.outcome->end != ChildOutcome::End::kReturned) return problems;
-  if (report.cut) problems.push_back(*report.cut);
-  add(OutputProblems(report));
+  std::vector<Problem> problems = OutcomeProblems(outcome, timeout);
+  using End = ChildOutcome::End;
+  if (outcome.end == End::kReturned || outcome.end == End::kStopped) {
+    if (report.cut) problems.push_back(*report.cut);
+    for (FileReport& output : report.outputs) JudgeOutput(report, output);
+  }
+  const std::vector<Problem> more = FileProblems(report);
+  problems.insert(problems.end(), more.begin(), more.end());
   return problems;
 }
 

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -16,6 +18,7 @@
 #include "base/exit_code.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "engine/engine_work.h"
 #include "files/beneath.h"
 #include "files/workspace_lock.h"
 #include "process/child.h"
@@ -32,6 +35,13 @@ namespace host {
 namespace {
 
 constexpr double kPatience = 2;  // Seconds that a reader has at least to take the report.
+
+// Seconds that a run may take when the command line does not say.
+constexpr double kMostSeconds = 600;
+constexpr double kMostSecondsOfNeverReturning = 10;
+
+// What the engine may take after a routine has returned that leaves nothing running.
+constexpr double kBackgroundSeconds = 2;
 
 using Words = std::vector<std::string_view>;
 
@@ -83,12 +93,41 @@ RunReport Unfinished(RunReport report) {
   return report;
 }
 
+// The files without those that an argument "none" stands for.
+std::vector<FileUse> Opened(const CatalogueRow& row, std::vector<FileUse> uses,
+                            const Words& words) {
+  const std::vector<harness::Parameter> parameters = harness::Parameters(row.declared.words);
+  for (size_t i = 0; i < words.size() && !row.nullable.empty(); ++i) {
+    if (parameters[i].name != row.nullable || words[i] != "none") continue;
+    const std::string name = "{" + std::string(row.nullable) + "}";
+    std::erase_if(uses, [&](const FileUse& use) { return use.name == name; });
+  }
+  return uses;
+}
+
 // The files of a run.
 struct Files {
   std::vector<FilePlace> inputs;
   std::vector<FilePlace> outputs;
   WorkFile log;
 };
+
+// Runs the routine; stops one that never returns when its time is up, and gives the limits anew
+// for what follows.
+ChildOutcome RunRoutineOfRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
+                             double timeout, FILE* log, std::optional<Limits>& limits,
+                             Progress& progress) {
+  const double seconds = row.runsOn > 0 ? options.linger.value_or(row.runsOn) : kBackgroundSeconds;
+  const std::chrono::milliseconds background(std::llround(seconds * 1000));
+  const ChildWork work = {.routine = [&] { harness::Run(row, words); },
+                          .afterwards = [&] { FinishEngineWork(background, row.runsOn > 0); }};
+  ChildOutcome outcome = RunInChild(work, options.work, *limits, log, progress);
+  if (row.neverReturns && outcome.end == ChildOutcome::End::kTimedOut) {
+    outcome.end = ChildOutcome::End::kStopped;
+    limits.emplace(limits->signals(), timeout);
+  }
+  return outcome;
+}
 
 // Runs the routine and says what it has left.
 void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Words& words,
@@ -101,33 +140,42 @@ void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Wor
   for (const FilePlace& output : files.outputs) outputsBefore.emplace_back(output);
 
   const HostSignals signals;
-  Limits limits(signals, options.timeout);
+  std::optional<Limits> limits(std::in_place, signals, report.timeout);
   Progress progress(report.routine, files.inputs.size() + files.outputs.size());
   report.outcome =
-      RunInChild([&] { harness::Run(row, words); }, options.work, limits, log.file(), progress);
+      RunRoutineOfRow(row, options, words, report.timeout, log.file(), limits, progress);
 
-  Examiner examiner(limits, options.timeout, options.wav ? options.work : "");
+  Examiner examiner(*limits, report.timeout,
+                    {.copies = options.wav ? options.work : "", .listFigures = options.figures});
   for (size_t i = 0; i < files.inputs.size(); ++i) {
-    report.inputs.push_back(examiner.Input(files.inputs[i], inputsBefore[i]));
+    examiner.LookAtInput(report.inputs[i], inputsBefore[i]);
   }
   for (size_t i = 0; i < files.outputs.size(); ++i) {
     report.outputs.push_back(examiner.Output(files.outputs[i], outputsBefore[i]));
   }
-  if (report.outcome->end == ChildOutcome::End::kReturned) report.cut = examiner.cut();
-  report.judgement = Judge(RunProblems(report, options.timeout));
+  using End = ChildOutcome::End;
+  const End end = report.outcome->end;
+  if (end == End::kReturned || end == End::kStopped) report.cut = examiner.cut();
+  report.judgement = Judge(RunProblems(report, report.timeout));
 }
 
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
             ResultFile* json, RunReport& report) {
   const std::string_view parameters = row.declared.words.parameters;
-  const Files files = {PlaceFiles(row.inputs, parameters, words, options.work),
+  const Files files = {PlaceFiles(Opened(row, row.inputs, words), parameters, words, options.work),
                        PlaceFiles(harness::Outputs(row, words), parameters, words, options.work),
                        {options.work, "logs/" + report.routine + ".log"}};
   RefuseSharedFiles(files.inputs, files.outputs, files.log, options);
   std::optional<WorkspaceLock> lock;
   if (std::filesystem::is_directory(options.work)) lock.emplace(options.work, options.wait);
-  report.judgement = Judge(InputProblems(files.inputs));
-  if (report.judgement.verdict != Verdict::kPass) return;
+  for (const FilePlace& place : files.inputs) {
+    report.inputs.push_back({.place = place});
+    if (auto problem = InputProblem(place)) report.inputs.back().problems.push_back(*problem);
+  }
+  if (!MayRun(report.inputs)) {
+    report.judgement = Judge(FileProblems(report));
+    return;
+  }
 
   CreateFolder(options.work);
   if (!lock) lock.emplace(options.work, options.wait);
@@ -139,6 +187,8 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
 
 void RunRoutine(const RunOptions& options, ResultFile* json, RunReport& report) {
   const CatalogueRow& row = FindRow(options.routine);
+  report.timeout =
+      options.timeout.value_or(row.neverReturns ? kMostSecondsOfNeverReturning : kMostSeconds);
   const Words words(options.arguments.begin(), options.arguments.end());
   if (const std::string skip = SkipReason(row); !skip.empty()) {
     report.judgement = Judge({{Cause::kNotRunnable, skip}});
@@ -182,10 +232,10 @@ int Deliver(ResultFile* json, double until, RunReport& report) {
 }  // namespace
 
 int Run(const RunOptions& options) {
-  const double end = Now() + options.timeout;
+  const double start = Now();
   RunReport report = {.started = TimeOfDay(),
                       .workspace = options.work,
-                      .timeout = options.timeout,
+                      .timeout = options.timeout.value_or(kMostSeconds),
                       .routine = options.routine,
                       .arguments = options.arguments};
   std::optional<ResultFile> json;
@@ -202,7 +252,8 @@ int Run(const RunOptions& options) {
   }
   // Who has interrupted the run wants to see its end.
   const bool wait = !Interruption(report.judgement);
-  const int exitCode = Deliver(target, std::max(wait ? end : 0, Now() + kPatience), report);
+  const int exitCode =
+      Deliver(target, std::max(wait ? start + report.timeout : 0, Now() + kPatience), report);
   json.reset();
   if (const int signal = Interruption(report.judgement)) raise(signal);
   return exitCode;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,10 +10,14 @@ struct RunOptions {
   std::string routine = "RunTestCase";
   std::vector<std::string> arguments;
   std::string work = "bench_work";
-  double timeout = 600;  // Seconds
+  // Seconds; when not given, that of the routine: ten when it never returns, ten minutes else.
+  std::optional<double> timeout = {};
+  // Seconds that what the routine started may run on; when not given, as its row says.
+  std::optional<double> linger = {};
   std::string json;      // Where the report goes as JSON; empty for nowhere.
   bool wait = false;     // For the end of another run in the workspace.
   bool wav = false;      // Also write WAVE copies of headerless audio outputs.
+  bool figures = false;  // Also measure the files of lists.
 };
 
 // Runs one routine, reports, and returns the host's exit code. Throws UsageError when it cannot be

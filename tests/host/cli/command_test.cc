@@ -158,6 +158,20 @@ TEST_F(CommandTest, RunsTheSelectedTestOnTheDemo) {
   EXPECT_TRUE(fs::exists(report["outputs"][0]["wave_copy"]["value"]["path"].get<std::string>()));
 }
 
+TEST_F(CommandTest, RunsTheSelectedTestOnLessThanABlockAndFails) {
+  fs::create_directories("bench_work/sdcard/ZUAudioDemo");
+  for (const size_t samples : {size_t{0}, size_t{881}}) {
+    WriteFile("bench_work/sdcard/ZUAudioDemo/44100_2.pcm", std::string(samples * 2, 'x'));
+    WriteFile("bench_work/sdcard/ZUAudioDemo/44100_2_out_902.pcm", "older");
+    const Finished run = Bench({"run", "TestHRTF"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.out, StartsWith("fail  TestHRTF  input /sdcard/ZUAudioDemo/44100_2.pcm (bench_"
+                                    "work/sdcard/ZUAudioDemo/44100_2.pcm) holds no whole block of "
+                                    "1764 bytes: "));
+    EXPECT_EQ(fs::file_size("bench_work/sdcard/ZUAudioDemo/44100_2_out_902.pcm"), 0U);
+  }
+}
+
 TEST_F(CommandTest, KeepsARecordingThatIsThere) {
   fs::create_directories("w/sdcard/ZUAudioDemo");
   WriteFile("w/sdcard/ZUAudioDemo/44100_2.pcm", "mine");

@@ -1,5 +1,8 @@
 // A catalogue of routines that do what routines should not, for the tests of the host.
 
+#include <string>
+#include <vector>
+
 #include "harness/catalogue/catalogue.h"
 #include "probe_routines.h"
 
@@ -27,6 +30,37 @@ std::vector<FileUse> OutputFor(ArgumentWords words) {
 
 std::string LackingWord(ArgumentWords words) {
   return words[0] == "gold" ? "this engine has no gold" : "";
+}
+
+const FileUse kOptionalInput = {.name = "{inFile}",
+                                .container = Container::kHeaderless,
+                                .rate = 8000,
+                                .channels = 1,
+                                .blockBytes = 160,
+                                .optional = true};
+
+// 40 files of 8 kHz.
+std::vector<FileUse> List(const std::string& start) {
+  std::vector<FileUse> files;
+  for (int i = 0; i < 40; ++i) {
+    FileUse file = kPcmOutput;
+    file.name = start + std::to_string(i) + ".pcm";
+    file.pattern = start + "<n>.pcm";
+    files.push_back(file);
+  }
+  return files;
+}
+
+std::vector<FileUse> ListInputs() {
+  std::vector<FileUse> files = List("list/in");
+  for (const char* name : {"list/far0.pcm", "list/far1.pcm"}) {
+    FileUse file = kPcmOutput;
+    file.name = name;
+    file.pattern = "list/far<n>.pcm";
+    file.beside = true;
+    files.push_back(file);
+  }
+  return files;
 }
 
 std::vector<CatalogueRow> AllRows() {
@@ -79,6 +113,14 @@ std::vector<CatalogueRow> AllRows() {
            .outputs = {{.name = "for-it"}},
            .outputsFor = OutputFor,
            .lacking = LackingWord},
+          {.declared = declared::WorkOn, .outputs = {kPcmOutput}},
+          {.declared = declared::PlayOn, .outputs = {kPcmOutput}, .runsOn = 10},
+          {.declared = declared::RecordForEver, .outputs = {kPcmOutput}, .neverReturns = true},
+          {.declared = declared::GoWithout,
+           .nullable = "inFile",
+           .inputs = {kOptionalInput},
+           .outputs = {kPcmOutput}},
+          {.declared = declared::CopyList, .inputs = ListInputs(), .outputs = List("list/out")},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -12,7 +14,10 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
+
+#include "engine/engine_work.h"
 
 namespace {
 
@@ -223,4 +228,56 @@ void LeaveDaemon(bool hang) {
 void Allocate() {
   std::vector<std::vector<char>> blocks;
   for (int i = 0; i < 4096; ++i) blocks.emplace_back(1 << 20, 'x');
+}
+
+namespace {
+
+std::atomic<bool> g_working = false;
+
+}  // namespace
+
+void WorkOn(int milliseconds) {
+  g_working = true;
+  std::thread([milliseconds] {
+    usleep(static_cast<useconds_t>(milliseconds) * 1000);
+    WriteFile<short>("out.pcm", {1, 2, 3});
+    g_working = false;
+  }).detach();
+}
+
+void PlayOn(int milliseconds) { WorkOn(milliseconds); }
+
+void RecordForEver(int bytes) {
+  FILE* const file = fopen("out.pcm", "wb");
+  while (true) {
+    for (int i = 0; i < bytes; ++i) fputc('s', file);
+    fflush(file);
+    if (bytes % 2 == 1) pause();
+    usleep(10000);
+  }
+}
+
+void GoWithout(const char* inFile) {
+  printf("%s\n", inFile == nullptr ? "no name" : inFile);
+  WriteFile<short>("out.pcm", {1, 2, 3});
+}
+
+void CopyList(int milliseconds) {
+  for (int i = 0; i < 40; ++i) {
+    const std::string number = std::to_string(i);
+    FILE* const in = fopen(("list/in" + number + ".pcm").c_str(), "rb");
+    FILE* const out = fopen(("list/out" + number + ".pcm").c_str(), "wb");
+    for (int byte = in == nullptr ? EOF : fgetc(in); byte != EOF; byte = fgetc(in)) {
+      fputc(byte, out);
+    }
+    if (in != nullptr) fclose(in);
+    fclose(out);
+    usleep(static_cast<useconds_t>(milliseconds) * 1000);
+  }
+}
+
+// The probe's engine: what WorkOn has started is what it does in the background.
+void host::FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  while (g_working && std::chrono::steady_clock::now() < end) usleep(1000);
 }

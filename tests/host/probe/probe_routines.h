@@ -39,7 +39,13 @@ ROUTINE(void, PrintForEver);
 ROUTINE(void, LogForEver);
 ROUTINE(void, PrintMuch, int lines);
 ROUTINE(void, LogMuch);
-ROUTINE(void, LeaveDaemon, bool hang);  // Leaves a process that has cut all ties; see "daemon".
-ROUTINE(void, Allocate);                // 4 GiB
+ROUTINE(void, LeaveDaemon, bool hang);    // Leaves a process that has cut all ties; see "daemon".
+ROUTINE(void, Allocate);                  // 4 GiB
+ROUTINE(void, WorkOn, int milliseconds);  // Writes its output only after it has returned.
+ROUTINE(void, PlayOn, int milliseconds);  // The same, and its row says so.
+ROUTINE(void, RecordForEver, int bytes);  // Writes so many bytes again and again.
+ROUTINE(void, GoWithout, const char* inFile);
+ROUTINE(void, CopyList,
+        int milliseconds);  // Copies those of its 40 files that are there, one by one.
 PLANNED(void, NotBuilt, const char* inFile);
 HELPER(void, Helper);

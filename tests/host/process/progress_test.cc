@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
 namespace {
@@ -55,6 +57,15 @@ TEST_F(Progress, ShowsAfterASecondAndGivesWayToTheReport) {
   EXPECT_LT(shown.find("hanging\r\n"), progress) << "nothing is shown in the first second";
   EXPECT_GT(shown.find("\r\033[Kerror  Hang"), progress);
   EXPECT_THAT(shown, testing::HasSubstr("\r\033[Kerror  Hang"));
+}
+
+TEST_F(Progress, EstimatesWhenManyFilesWillBeDone) {
+  std::filesystem::create_directories("bench_work/list");
+  WriteFile("bench_work/list/in0.pcm", std::string(320, 'x'));
+  WriteFile("bench_work/list/far0.pcm", std::string(320, 'x'));
+  const std::string shown = OnTerminal(AUDIO_BENCH_PROBE, {"run", "CopyList", "40"});
+  EXPECT_THAT(shown, testing::ContainsRegex("\r\033\\[KCopyList  1 s  files done: [1-9][0-9]* of 82"
+                                            "  about [0-9]+ s left"));
 }
 
 TEST_F(Progress, IsNotShownForAShortRun) {

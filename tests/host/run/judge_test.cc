@@ -17,6 +17,15 @@ FilePlace Place(const std::string& name, int blockBytes = 0) {
   return {.use = {.blockBytes = blockBytes}, .name = name, .path = "work" + name};
 }
 
+// What is wrong with these inputs before a run.
+std::vector<Problem> InputProblems(const std::vector<FilePlace>& inputs) {
+  std::vector<Problem> problems;
+  for (const FilePlace& input : inputs) {
+    if (const auto problem = InputProblem(input)) problems.push_back(*problem);
+  }
+  return problems;
+}
+
 class JudgeTest : public testing::Test {
  protected:
   JudgeTest() { std::filesystem::create_directory("work"); }
@@ -47,7 +56,9 @@ TEST_F(JudgeTest, CallsMissingInputsAnErrorAndCountsThem) {
   const Judgement judgement = Judge(InputProblems(inputs));
   EXPECT_EQ(judgement.verdict, Verdict::kError);
   EXPECT_EQ(judgement.exitCode, 3);
-  EXPECT_EQ(judgement.reason, "input /a (work/a): No such file or directory, and 3 more problems");
+  EXPECT_EQ(judgement.reason,
+            "input /a (work/a): No such file or directory; put a stream or text of yours "
+            "there, and 3 more problems");
 }
 
 TEST_F(JudgeTest, CallsFoldersAndStrangeNamesUnreadable) {
@@ -117,11 +128,13 @@ RunReport WithOutput(Container container) {
   return report;
 }
 
-std::string Reason(const RunReport& report) { return Judge(RunProblems(report, 1)).reason; }
+Judgement JudgeRun(RunReport report) { return Judge(RunProblems(report, 1)); }
+
+std::string Reason(const RunReport& report) { return JudgeRun(report).reason; }
 
 TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
   RunReport report = WithOutput(Container::kHeaderless);
-  EXPECT_EQ(Judge(RunProblems(report, 1)).verdict, Verdict::kPass);
+  EXPECT_EQ(JudgeRun(report).verdict, Verdict::kPass);
   const std::pair<OutputState, const char*> cases[] = {
       {OutputState::kOutside, "leads out of the workspace"},
       {OutputState::kAbsent, "is absent"},
@@ -130,7 +143,7 @@ TEST_F(JudgeTest, FailsOnOutputsThatTheRunDidNotWrite) {
       {OutputState::kEmpty, "is empty"}};
   for (const auto& [state, text] : cases) {
     report.outputs[0].state = state;
-    const Judgement judgement = Judge(RunProblems(report, 1));
+    const Judgement judgement = JudgeRun(report);
     EXPECT_EQ(judgement.verdict, Verdict::kFail);
     EXPECT_EQ(judgement.exitCode, 1);
     EXPECT_EQ(judgement.reason, std::string("output /out (work/out) ") + text);
@@ -178,7 +191,7 @@ TEST_F(JudgeTest, FailsOnOutputsThatCouldNotBeLookedAt) {
   EXPECT_EQ(Reason(report), "output /out (work/out) could not be measured: it has become shorter");
   report.cut = Problem{Cause::kTimeout, "late"};
   EXPECT_EQ(Reason(report), "late") << "the time is to blame, not the output";
-  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 4);
+  EXPECT_EQ(JudgeRun(report).exitCode, 4);
   report.cut.reset();
   output.unreadable = "Too many open files";
   EXPECT_EQ(Reason(report), "output /out (work/out) cannot be read back: Too many open files");
@@ -195,12 +208,12 @@ TEST_F(JudgeTest, CallsInputsThatChangedOrFailedAnError) {
   EXPECT_EQ(Reason(report), "");
   input.unreadable = "Input/output error";
   EXPECT_EQ(Reason(report), "input /in (work/in) could not be read: Input/output error");
-  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 3);
+  EXPECT_EQ(JudgeRun(report).exitCode, 3);
   report.outcome->openFaults = {{EMFILE, "in"}};
   EXPECT_EQ(Reason(report), "input /in (work/in) could not be opened: Too many open files");
   input.changed = true;
   EXPECT_EQ(Reason(report), "input /in (work/in) changed during the run");
-  EXPECT_EQ(Judge(RunProblems(report, 1)).exitCode, 3);
+  EXPECT_EQ(JudgeRun(report).exitCode, 3);
 }
 
 TEST_F(JudgeTest, SaysHowToConvertAFileThatIsNotHeaderless) {

@@ -40,6 +40,9 @@ struct FileUse {
   // own.
   bool optional = false;
   bool mayBeEmpty = false;  // An output that is as it should be without content.
+  // An input that is read alongside another one, as a far end with its near end, so that in lists
+  // of files their duration counts once.
+  bool beside = false;
   // An output whose WAVE header is on purpose that of another file: its lengths need not fit.
   bool foreignHeader = false;
   std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
@@ -82,6 +85,11 @@ struct CatalogueRow {
   std::string (*lacking)(ArgumentWords words) = nullptr;
   Device device = Device::kNone;
   double seconds = 0;  // How long a run takes by the clock; 0: as fast as its input is processed.
+  // How long what the routine has started may run on after it has returned, in seconds, such as a
+  // player that is heard to its end; 0: nothing runs on.
+  double runsOn = 0;
+  // Whether it returns never, so that a run of it ends when its time is up.
+  bool neverReturns = false;
   Group group = Group::kHarness;
 };
 
