@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "desktop/platform/clock_pacer.h"
+#include "desktop/platform/pulse_stream.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -62,13 +63,51 @@ void AudioDevice::Stop() {
 
 void AudioDevice::Run() {
   const auto start = steady_clock::now();
-  OutputDebugInfo("%s: %u Hz, %u channels, null device on the clock", Name(), m_format.rate,
-                  m_format.channels);
-  RunOnClock(start);
-  OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s", Name(),
+  if (!RunOnServer()) RunOnClock(start);
+  OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s, latency %u ms", Name(),
                   static_cast<unsigned long long>(m_blocks),
                   static_cast<unsigned long long>(m_failures),
-                  m_direction == Direction::kOutput ? "underruns" : "overruns");
+                  m_direction == Direction::kOutput ? "underruns" : "overruns",
+                  static_cast<unsigned>(m_latencyMs));
+}
+
+// True when it ran until Stop.
+bool AudioDevice::RunOnServer() {
+  if (g_nullSpeed > 0) {
+    OutputDebugInfo("%s: %u Hz, %u channels, null device", Name(), m_format.rate,
+                    m_format.channels);
+    return false;
+  }
+  PulseStream stream(m_direction, m_format);
+  if (!stream.Connect(m_stop)) {
+    OutputDebugInfo("%s: %u Hz, %u channels, null device: no sound server: %s", Name(),
+                    m_format.rate, m_format.channels, stream.Fault().c_str());
+    return false;
+  }
+  OutputDebugInfo("%s: %u Hz, %u channels, sound server", Name(), m_format.rate, m_format.channels);
+  while (!m_stop) {
+    if (!stream.Wait() || !Exchange(stream)) {
+      OutputDebugInfo("%s: the sound server is lost, null device from now on: %s", Name(),
+                      stream.Fault().c_str());
+      return false;
+    }
+  }
+  return true;
+}
+
+// Hands over all blocks that are due. False when the server is lost.
+bool AudioDevice::Exchange(PulseStream& stream) {
+  if (m_direction == Direction::kInput) {
+    while (!m_stop && stream.Take(m_samples.data())) CallBlock();
+  } else {
+    while (!m_stop && stream.WantsBlock()) {
+      CallBlock();
+      if (!stream.Give(m_samples.data())) return false;
+    }
+  }
+  m_failures = stream.Failures();
+  m_latencyMs = stream.LatencyMs();
+  return true;
 }
 
 void AudioDevice::RunOnClock(steady_clock::time_point start) {

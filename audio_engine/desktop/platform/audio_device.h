@@ -12,6 +12,8 @@
 
 namespace desktop {
 
+class PulseStream;
+
 enum class Direction { kOutput, kInput };
 
 struct DeviceFormat {
@@ -60,6 +62,8 @@ class AudioDevice {
  private:
   const char* Name() const;
   void Run();
+  bool RunOnServer();
+  bool Exchange(PulseStream& stream);
   void RunOnClock(std::chrono::steady_clock::time_point start);
   void CallBlock();
 

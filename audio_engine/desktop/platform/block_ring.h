@@ -37,6 +37,9 @@ class BlockRing {
     return true;
   }
 
+  // Drops what waits. The reading thread.
+  void Clear() { m_read = m_written.load(); }
+
   // Samples that wait. Either thread; the other one may change it at any time.
   size_t Waiting() const {
     const size_t read = m_read.load(std::memory_order_acquire);

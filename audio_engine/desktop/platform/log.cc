@@ -1,12 +1,17 @@
 #include "engine_api/platform/log.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
 #include <string>
 
+#include "desktop/platform/log.h"
+
 namespace {
+
+std::atomic<void (*)(const char*)> g_listener = nullptr;
 
 // The local time of day, as in "12:34:56.789 ".
 std::string TimeOfDay() {
@@ -44,4 +49,14 @@ void OutputDebugInfo(const char* format, ...) {
   if (line.back() != '\n') line += '\n';
   // One call, so that the lines of several threads stay whole.
   fwrite(line.data(), 1, line.size(), stderr);
+  if (const auto listener = g_listener.load(); listener != nullptr) {
+    line.pop_back();
+    listener(line.c_str());
+  }
 }
+
+namespace desktop {
+
+void SetLogListener(void (*listener)(const char* line)) { g_listener = listener; }
+
+}  // namespace desktop

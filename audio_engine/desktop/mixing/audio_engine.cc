@@ -1,0 +1,206 @@
+#include "engine_api/mixing/audio_engine.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "desktop/mixing/audio_saver.h"
+#include "desktop/mixing/engine_feature.h"
+#include "desktop/mixing/microphone.h"
+#include "desktop/platform/log.h"
+#include "engine_api/platform/log.h"
+
+namespace desktop {
+
+namespace {
+
+std::atomic<AudioEngineFeature_t> g_feature = AudioEngineFeatureCommon;
+
+}  // namespace
+
+AudioEngineFeature_t EngineFeature() { return g_feature; }
+
+void SetEngineFeature(AudioEngineFeature_t feature) { g_feature = feature; }
+
+}  // namespace desktop
+
+namespace {
+
+using desktop::DeviceFormat;
+using desktop::FileSink;
+using desktop::Loudspeaker;
+using desktop::Microphone;
+
+constexpr DeviceFormat kSaverFormat = {44100, 1};  // Of a saver without an open capture.
+
+// Null, with one line in the log, when the device does not start.
+std::unique_ptr<Microphone> OpenMicrophone(DeviceFormat format) try {
+  auto microphone = std::make_unique<Microphone>(format);
+  return microphone->Start() ? std::move(microphone) : nullptr;
+} catch (const std::exception& error) {
+  OutputDebugInfo("microphone: does not start: %s", error.what());
+  return nullptr;
+}
+
+class AudioEngine;
+
+class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
+ public:
+  explicit AudioCapture(AudioEngine& engine) : m_engine(engine) {}
+  ~AudioCapture() override { AudioCapture::Close(); }
+
+  bool Open(uint32_t sampleRate, uint32_t channels, uint32_t bitsPerSample) override {
+    Close();
+    const DeviceFormat format = {sampleRate, channels};
+    if (!format.IsValid() || bitsPerSample != 16) {
+      OutputDebugInfo("microphone: cannot be opened with %u Hz, %u channels, %u bits", sampleRate,
+                      channels, bitsPerSample);
+      return false;
+    }
+    m_microphone = OpenMicrophone(format);
+    return m_microphone != nullptr;
+  }
+
+  bool Start(IAudioCaptureNotify* notify) override {
+    if (m_microphone == nullptr) return false;
+    Stop();
+    m_notify = notify;
+    m_showsVolume = true;
+    if (notify != nullptr) m_microphone->Add(this);
+    return true;
+  }
+
+  void Stop() override {
+    if (m_microphone != nullptr) m_microphone->Remove(this);
+  }
+
+  void Close() override;
+  void Destroy() override;
+
+  void OnCaptured(const desktop::CapturedBlock& block) override {
+    const size_t bytes = block.frames * m_microphone->Format().channels * sizeof(short);
+    m_notify->OnCaptureAudioData(block.samples, static_cast<uint32_t>(bytes), block.volume,
+                                 block.voice, block.timeMs);
+    if (m_showsVolume) m_showsVolume = m_notify->OnCaptureVolumeVisual(block.volume);
+  }
+
+  Microphone* OpenOne() const { return m_microphone.get(); }
+
+ private:
+  AudioEngine& m_engine;
+  std::unique_ptr<Microphone> m_microphone;  // Null while it is not open.
+  IAudioCaptureNotify* m_notify = nullptr;
+  bool m_showsVolume = true;
+};
+
+class AudioEngine : public IAudioEngine {
+ public:
+  ~AudioEngine() override { StopAudioSaver(); }
+
+  bool Start(AudioEngineFeature_t feature) override {
+    if (feature < AudioEngineFeatureVOIP || feature >= TotalFeatureMode) {
+      OutputDebugInfo("engine: there is no feature %d", feature);
+      return false;
+    }
+    desktop::SetEngineFeature(feature);
+    return true;
+  }
+
+  IAudioCapture* CreateAudioCapture() override {
+    m_captures.push_back(std::make_unique<AudioCapture>(*this));
+    return m_captures.back().get();
+  }
+
+  bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) override try {
+    StopAudioSaver();
+    const bool append = writing == AudioSaverFileAppend;
+    if (mode == AudioSaverOnlyRender) {
+      auto sink = FileSink::Create(file, Loudspeaker::kFormat, append);
+      if (sink == nullptr) return false;
+      m_renderSaver = std::make_unique<desktop::RenderSaver>(std::move(sink));
+      return true;
+    }
+    Microphone* microphone = OpenCapture();
+    const DeviceFormat format = microphone != nullptr ? microphone->Format() : kSaverFormat;
+    auto sink = FileSink::Create(file, format, append);
+    if (sink == nullptr) return false;
+    if (microphone == nullptr) {
+      m_ownMicrophone = OpenMicrophone(format);
+      microphone = m_ownMicrophone.get();
+      if (microphone == nullptr) return false;
+    }
+    m_savedMicrophone = microphone;
+    m_captureSaver = std::make_unique<desktop::CaptureSaver>(mode, *microphone, std::move(sink));
+    return true;
+  } catch (const std::exception& error) {
+    OutputDebugInfo("saver: does not start: %s", error.what());
+    StopAudioSaver();
+    return false;
+  }
+
+  void StopAudioSaver() override {
+    m_renderSaver = nullptr;
+    m_captureSaver = nullptr;
+    m_ownMicrophone = nullptr;
+    m_savedMicrophone = nullptr;
+  }
+
+  void Destroy() override;
+
+  // A microphone is going to be closed.
+  void Leave(const Microphone* microphone) {
+    if (microphone != nullptr && microphone == m_savedMicrophone) StopAudioSaver();
+  }
+
+  void Delete(const AudioCapture* capture) {
+    std::erase_if(m_captures, [&](const auto& own) { return own.get() == capture; });
+  }
+
+ private:
+  Microphone* OpenCapture() const {
+    for (const auto& capture : m_captures) {
+      if (capture->OpenOne() != nullptr) return capture->OpenOne();
+    }
+    return nullptr;
+  }
+
+  std::vector<std::unique_ptr<AudioCapture>> m_captures;
+  std::unique_ptr<Microphone> m_ownMicrophone;  // Of a saver without an open capture.
+  Microphone* m_savedMicrophone = nullptr;
+  std::unique_ptr<desktop::CaptureSaver> m_captureSaver;
+  std::unique_ptr<desktop::RenderSaver> m_renderSaver;
+};
+
+void AudioCapture::Close() {
+  if (m_microphone == nullptr) return;
+  m_engine.Leave(m_microphone.get());
+  Stop();
+  m_microphone = nullptr;
+}
+
+void AudioCapture::Destroy() { m_engine.Delete(this); }
+
+// The engine of the process; it may stay alive to the end.
+std::mutex g_mutex;
+AudioEngine* g_engine = nullptr;
+
+void AudioEngine::Destroy() {
+  const std::scoped_lock lock(g_mutex);
+  g_engine = nullptr;
+  delete this;
+  desktop::SetEngineFeature(AudioEngineFeatureCommon);
+  desktop::SetLogListener(nullptr);
+}
+
+}  // namespace
+
+IAudioEngine* CreateAudioEngine(const char* /*path*/, int /*flags*/, const char* /*device*/,
+                                void (*log)(const char*)) {
+  const std::scoped_lock lock(g_mutex);
+  desktop::SetLogListener(log);
+  if (g_engine == nullptr) g_engine = new AudioEngine;
+  return g_engine;
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace desktop {
+
+// From now on every line of the engine's log also goes to `listener`, without its newline and from
+// any thread, several at once perhaps; null for nobody. Any thread.
+void SetLogListener(void (*listener)(const char* line));
+
+}  // namespace desktop

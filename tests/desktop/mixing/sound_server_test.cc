@@ -1,0 +1,160 @@
+#include "support/sound_server.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <complex>
+#include <mutex>
+#include <numbers>
+#include <string>
+
+#include "desktop/mixing/adts_reader.h"
+#include "desktop/mixing/file_source.h"
+#include "desktop/platform/audio_device.h"
+#include "engine_api/mixing/audio_engine.h"
+#include "support/captured_stderr.h"
+#include "support/temporary_directory.h"
+#include "wait.h"
+
+namespace {
+
+using desktop::AudioDevice;
+using desktop::Direction;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+
+constexpr double kFrequency = 440;
+constexpr double kAmplitude = 8000;
+constexpr int kRate = 48000;
+
+// What a server whose devices nobody hears gives back of a tone.
+std::vector<short> PlayAndCapture(milliseconds time) {
+  std::vector<short> heard;
+  heard.reserve(kRate * 60);
+  AudioDevice input(Direction::kInput, {kRate, 1}, [&](short* samples, size_t frames) {
+    heard.insert(heard.end(), samples, samples + frames);
+  });
+  int played = 0;
+  AudioDevice output(Direction::kOutput, {kRate, 1}, [&](short* samples, size_t frames) {
+    for (size_t i = 0; i < frames; ++i, ++played) {
+      const double phase = 2 * std::numbers::pi * kFrequency * played / kRate;
+      samples[i] = static_cast<short>(std::lrint(kAmplitude * std::sin(phase)));
+    }
+  });
+  EXPECT_TRUE(output.Start());
+  EXPECT_TRUE(input.Start());
+  std::this_thread::sleep_for(time);
+  EXPECT_GT(output.LatencyMs(), 10U);
+  EXPECT_LT(output.LatencyMs(), 300U);
+  input.Stop();
+  output.Stop();
+  EXPECT_EQ(output.Failures(), 0U);
+  EXPECT_EQ(input.Failures(), 0U);
+  return heard;
+}
+
+// Amplitude and phase of the tone in 1000 samples, against a tone that starts at sample 0.
+std::complex<double> ToneAt(const std::vector<short>& samples, size_t start) {
+  std::complex<double> sum = 0;
+  for (size_t i = start; i < start + 1200; ++i) {  // Eleven periods.
+    const double phase = 2 * std::numbers::pi * kFrequency * static_cast<double>(i) / kRate;
+    sum += std::polar(static_cast<double>(samples[i]), -phase);
+  }
+  return sum * (2.0 / 1200);
+}
+
+class SoundServerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!m_server.IsRunning()) GTEST_SKIP() << "pulseaudio is not installed";
+    desktop::UseNullDevices(0);
+    setenv("PULSE_SINK", "mic", 1);  // The microphone hears the loudspeaker.
+  }
+  void TearDown() override {
+    unsetenv("PULSE_SINK");
+    desktop::UseNullDevices(1);
+  }
+
+  int LinesWith(const char* text) const {
+    int count = 0;
+    for (const std::string& line : m_log.Lines()) count += line.find(text) != std::string::npos;
+    return count;
+  }
+
+  // Records for `total` and does `what` to the server after 500 ms.
+  template <typename What>
+  void RecordWhile(milliseconds total, const What& what) {
+    IAudioEngine* engine = CreateAudioEngine(nullptr, 0, nullptr, nullptr);
+    std::string file = "saver.wav";
+    const auto start = steady_clock::now();
+    ASSERT_TRUE(
+        engine->StartAudioSaver(file.data(), AudioSaverOnlyCapture, AudioSaverFileOverride));
+    std::this_thread::sleep_for(milliseconds(500));
+    what();
+    std::this_thread::sleep_until(start + total);
+    engine->StopAudioSaver();
+    engine->Destroy();
+    const auto late = steady_clock::now() - start - total;
+    EXPECT_LT(late, milliseconds(1500));
+    std::unique_ptr<desktop::FileSource> source;
+    ASSERT_EQ(desktop::FileSource::Open("saver.wav", &source), PLAYER_OPEN_SUCCESS);
+    EXPECT_NEAR(source->LengthMs(), static_cast<double>(total.count()), 150) << m_log.Text();
+  }
+
+  SoundServer m_server;
+  const TemporaryDirectory m_directory;
+  const CapturedStderr m_log;
+};
+
+TEST_F(SoundServerTest, GivesBackWhatIsPlayedWithoutGapsOrRepeats) {
+  const std::vector<short> heard = PlayAndCapture(milliseconds(3000));
+  EXPECT_EQ(LinesWith("sound server"), 2);
+  ASSERT_GT(heard.size(), 2.5 * kRate);
+  const std::complex<double> first = ToneAt(heard, kRate / 2);
+  size_t windows = 0;
+  for (size_t at = kRate / 2; at + 1200 <= heard.size(); at += 1200, ++windows) {
+    const std::complex<double> tone = ToneAt(heard, at);
+    EXPECT_NEAR(20 * std::log10(std::abs(tone) / kAmplitude), 0, 0.5) << at;
+    // One sample is 3.3 degrees. A frequency 0.01 Hz off would show as 9 in the end.
+    EXPECT_NEAR(std::arg(tone / first) * 180 / std::numbers::pi, 0, 8) << at;
+  }
+  EXPECT_GT(windows, 70U);
+}
+
+TEST_F(SoundServerTest, GoesOnWithoutAServerThatDied) {
+  RecordWhile(milliseconds(2000), [&] { m_server.Kill(); });
+  EXPECT_EQ(LinesWith("the sound server is lost"), 1);
+}
+
+TEST_F(SoundServerTest, GoesOnWithoutAServerThatHangs) {
+  RecordWhile(milliseconds(3500), [&] { m_server.Pause(); });
+  EXPECT_EQ(LinesWith("the sound server is lost"), 1);
+}
+
+TEST_F(SoundServerTest, TakesTheNullDeviceWhenTheServerHangsFromTheStart) {
+  m_server.Pause();
+  RecordWhile(milliseconds(2500), [] {});
+  EXPECT_EQ(LinesWith("no sound server: it does not answer"), 1);
+}
+
+TEST_F(SoundServerTest, StopsWithinASecondWhileTheServerHangs) {
+  m_server.Pause();
+  AudioDevice output(Direction::kOutput, {}, [](short*, size_t) {});
+  ASSERT_TRUE(output.Start());
+  std::this_thread::sleep_for(milliseconds(100));
+  const auto before = steady_clock::now();
+  output.Stop();
+  EXPECT_LT(steady_clock::now() - before, milliseconds(1000));
+}
+
+TEST_F(SoundServerTest, TakesTheNullDeviceAtOnceWithoutAServer) {
+  m_server.Kill();
+  AudioDevice output(Direction::kOutput, {}, [](short*, size_t) {});
+  ASSERT_TRUE(output.Start());
+  EXPECT_TRUE(WaitUntil([&] { return output.Blocks() > 5; }));
+  output.Stop();
+  EXPECT_EQ(LinesWith("no sound server: Connection refused"), 1);
+}
+
+}  // namespace
