@@ -8,19 +8,37 @@
 
 namespace {
 
-// The spectrum of a Hann-windowed stretch at one frequency.
-double PowerAt(const std::vector<short>& samples, double frequency, int rate, int channels) {
+constexpr double kSlowRate = 2000;  // Of what is measured, sums a second.
+
+// The stretch that is measured, under a Hann window and turned down by `frequency`: a component
+// near it has become slow, and sums over so short a time hold all that matters of it.
+std::vector<std::complex<double>> TurnedDown(const std::vector<short>& samples, double frequency,
+                                             int rate, int channels) {
   const size_t frames = samples.size() / static_cast<size_t>(channels);
   const size_t begin = frames / 4;
   const size_t length = frames - frames / 8 - begin;
+  const auto block = static_cast<size_t>(rate / kSlowRate);
   const std::complex<double> turn = std::polar(1.0, -2 * M_PI * frequency / rate);
   const std::complex<double> slow = std::polar(1.0, 2 * M_PI / static_cast<double>(length));
   std::complex<double> phase = 1;
   std::complex<double> window = 1;
-  std::complex<double> sum = 0;
+  std::vector<std::complex<double>> sums(length / block + 1);
   for (size_t i = 0; i < length; ++i, phase *= turn, window *= slow) {
     const double sample = samples[(begin + i) * static_cast<size_t>(channels)];
-    sum += phase * (sample * (0.5 - 0.5 * window.real()));
+    sums[i / block] += phase * (sample * (0.5 - 0.5 * window.real()));
+  }
+  return sums;
+}
+
+// The power of the component that is so many Hz beside the one that was turned down.
+double PowerAt(const std::vector<std::complex<double>>& sums, double offset, int rate) {
+  const double block = std::floor(rate / kSlowRate);
+  const std::complex<double> turn = std::polar(1.0, -2 * M_PI * offset * block / rate);
+  std::complex<double> phase = 1;
+  std::complex<double> sum = 0;
+  for (const std::complex<double>& part : sums) {
+    sum += phase * part;
+    phase *= turn;
   }
   return std::norm(sum);
 }
@@ -49,10 +67,9 @@ std::vector<short> SungNote(double pitch, int rate, double seconds, int channels
   std::vector<double> sum(frames);
   for (int h = 1; h * pitch < 0.45 * rate && h < 60; ++h) {
     const double amplitude = Formants(h * pitch) / std::sqrt(h);
-    const double step = 2 * M_PI * h * pitch / rate;
-    for (size_t i = 0; i < frames; ++i) {
-      sum[i] += amplitude * std::sin(step * static_cast<double>(i) + 0.7 * h * h);
-    }
+    const std::complex<double> turn = std::polar(1.0, 2 * M_PI * h * pitch / rate);
+    std::complex<double> phase = std::polar(amplitude, 0.7 * h * h);
+    for (size_t i = 0; i < frames; ++i, phase *= turn) sum[i] += phase.imag();
   }
   double peak = 0;
   for (const double sample : sum) peak = std::max(peak, std::fabs(sample));
@@ -70,14 +87,20 @@ std::vector<short> Babble(int rate, double seconds) {
   uint32_t state = 1;
   double phase = 0;
   double hiss = 0;
+  double amplitudes[21] = {};
+  const int harmonics = std::min(20, (rate / 2 - 1) / 160);
+  for (int h = 1; h <= harmonics; ++h) amplitudes[h] = Formants(h * 130) / std::sqrt(h);
   for (size_t i = 0; i < samples.size(); ++i) {
     const double time = static_cast<double>(i) / rate;
     const double syllable = std::fmod(time, 0.25) / 0.25;
     const bool pause = std::fmod(time, 2) > 1.6;
     phase += 2 * M_PI * (130 + 25 * std::sin(2 * M_PI * 0.7 * time)) / rate;
+    const std::complex<double> turn = std::polar(1.0, phase);
+    std::complex<double> harmonic = 1;
     double voiced = 0;
-    for (int h = 1; h <= 20 && h * 160 < rate / 2; ++h) {
-      voiced += Formants(h * 130) / std::sqrt(h) * std::sin(h * phase);
+    for (int h = 1; h <= harmonics; ++h) {
+      harmonic *= turn;
+      voiced += amplitudes[h] * harmonic.imag();
     }
     const double noise = NextNoise(state);
     const double consonant = noise - hiss;
@@ -90,11 +113,12 @@ std::vector<short> Babble(int rate, double seconds) {
 }
 
 double CentsOff(const std::vector<short>& samples, double frequency, int rate, int channels) {
+  const auto sums = TurnedDown(samples, frequency, rate, channels);
   double best = 0;
   double bestPower = -1;
   const auto look = [&](double from, double to, double step) {
     for (double cents = from; cents <= to; cents += step) {
-      const double power = PowerAt(samples, AtCents(frequency, cents), rate, channels);
+      const double power = PowerAt(sums, AtCents(frequency, cents) - frequency, rate);
       if (power > bestPower) {
         bestPower = power;
         best = cents;

@@ -64,8 +64,8 @@ TEST(AudioAccelerate, ChangesNoByteUntilItIsEnabled) {
 }
 
 TEST(AudioAccelerate, TakesTheStatedShareOfAMinuteAtTheSamePitch) {
+  const Shorts in = SungNote(220, 44100, 60, 2);
   for (const double percent : {10.0, 25.0, 60.0, 100.0}) {
-    const Shorts in = SungNote(220, 44100, 60, 2);
     const Shorts out = Play(*Enabled(percent), in, 44100, 2);
     const double ratio = static_cast<double>(out.size()) / static_cast<double>(in.size());
     EXPECT_NEAR(ratio * (1 + percent / 100), 1, 0.01) << percent;

@@ -56,8 +56,8 @@ TEST_P(BeautifyMode, MovesThePitchAsDocumented) {
 }
 
 TEST_P(BeautifyMode, KeepsTheLevelAndIsHeard) {
-  for (const int rate : {8000, 16000, 48000}) {
-    for (const Shorts& in : {SungNote(220, rate, 3), Babble(rate, 4)}) {
+  for (const int rate : {8000, 48000}) {
+    for (const Shorts& in : {SungNote(220, rate, 2), Babble(rate, 2)}) {
       const Shorts out = Process(*Enabled(GetParam(), 1, 0), in, rate);
       EXPECT_NEAR(20 * std::log10(Level(out) / Level(in)), 0, 6) << rate;
       Shorts difference(in.size());

@@ -61,8 +61,8 @@ TEST_P(VoiceEffect, MovesThePitchAsDocumented) {
 }
 
 TEST_P(VoiceEffect, KeepsTheLevelOfANoteAndOfSpeech) {
-  for (const int rate : {8000, 16000, 48000}) {
-    for (const Shorts& in : {SungNote(220, rate, 3), SungNote(140, rate, 3), Babble(rate, 4)}) {
+  for (const int rate : {8000, 48000}) {
+    for (const Shorts& in : {SungNote(220, rate, 2), SungNote(140, rate, 2), Babble(rate, 2)}) {
       EXPECT_NEAR(Decibels(Level(Change(GetParam(), in, rate)) / Level(in)), 0, 6) << rate;
     }
   }
@@ -70,7 +70,7 @@ TEST_P(VoiceEffect, KeepsTheLevelOfANoteAndOfSpeech) {
 
 TEST_P(VoiceEffect, LagsByLittleAndNeverRunsDry) {
   for (const int rate : {8000, 11025, 22050, 32000, 48000}) {
-    const Shorts out = Change(GetParam(), SungNote(220, rate, 4, 2), rate, 2);
+    const Shorts out = Change(GetParam(), SungNote(220, rate, 1, 2), rate, 2);
     const auto sounds = [](short sample) { return std::abs(sample) > 30; };
     const auto first = std::find_if(out.begin(), out.end(), sounds);
     EXPECT_LE(static_cast<double>(first - out.begin()) / 2 / rate, 0.135) << rate;
@@ -104,14 +104,25 @@ double CpuSeconds() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
+// CPU time of `samples` in blocks of 10 ms at 16 kHz, the least of a few tries.
+double CostOf(IVoiceChangerToolbox& toolbox, const Shorts& samples) {
+  double least = 1e9;
+  for (int i = 0; i < 4; ++i) {
+    const double start = CpuSeconds();
+    Change(toolbox, samples, 160);
+    least = std::min(least, CpuSeconds() - start);
+  }
+  return least;
+}
+
+// By then a tail has fallen below what a float can tell from zero.
 TEST_P(VoiceEffect, CostsNoMoreInSilenceAfterSound) {
-  const Toolbox toolbox = Create(GetParam(), 44100, 2);
-  const double start = CpuSeconds();
-  Change(*toolbox, SungNote(220, 44100, 4, 2), 882);
-  const double sound = CpuSeconds() - start;
-  Change(*toolbox, Shorts(20 * 88200), 882);
-  const double silence = (CpuSeconds() - start - sound) / 5;
-  EXPECT_LT(silence, 2 * sound + 0.01);
+  const Toolbox toolbox = Create(GetParam(), 16000, 1);
+  const Shorts silence(16000);
+  const double sound = CostOf(*toolbox, SungNote(220, 16000, 1));
+  double most = 0;
+  for (int second = 0; second < 32; second += 4) most = std::max(most, CostOf(*toolbox, silence));
+  EXPECT_LT(most, 1.5 * sound + 0.0001);
 }
 
 TEST_P(VoiceEffect, AsksForNoMemoryOnceItRuns) {
@@ -139,7 +150,7 @@ TEST_P(VoiceEffect, SurvivesEveryFormat) {
     EXPECT_EQ(log.Lines().size(), lines + 1) << rate << ", " << channels;
   }
   for (const int rate : {96000, 192000}) {
-    EXPECT_GT(Level(Change(GetParam(), SungNote(220, rate, 1, 2), rate, 2)), 100);
+    EXPECT_GT(Level(Change(GetParam(), SungNote(220, rate, 0.4, 2), rate, 2)), 100);
   }
 }
 
