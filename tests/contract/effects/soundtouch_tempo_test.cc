@@ -97,14 +97,16 @@ TEST(TestSoundTouch, TakesEveryFileForMono) {
   EXPECT_EQ(engine.wavs["out.wav"].samples, expected);
 }
 
-TEST(TestSoundTouch, WritesNoMoreThanItsArrayHolds) {
-  FakeEngine engine;
-  engine.wavs["input.wav"] = {8000, 4, Shorts(320)};
-  engine.script<SoundTouchScript>().receive = [](float*, unsigned room) { return room; };
+TEST(TestSoundTouch, WritesNoMoreWholeFramesThanItsArrayHolds) {
+  for (const auto& [channels, samples] : {std::pair(1, 8192U), {4, 8192U}, {6, 8190U}}) {
+    FakeEngine engine;
+    engine.wavs["input.wav"] = {8000, channels, Shorts(static_cast<size_t>(80 * channels))};
+    engine.script<SoundTouchScript>().receive = [](float*, unsigned room) { return room; };
 
-  TestSoundTouch();
+    TestSoundTouch();
 
-  EXPECT_THAT(engine.wavs["out.wav"].samples, SizeIs(8192));
+    EXPECT_THAT(engine.wavs["out.wav"].samples, SizeIs(samples)) << channels;
+  }
 }
 
 TEST(TestSoundTouch, WritesAnEmptyFileWhenTheInputIsMissing) {

@@ -42,10 +42,11 @@ void TestSoundTouch() {
   while (ReadBlock(wavReader, buffer, read_samples)) {
     _soundTouch.putSamples(buffer, read_samples);
     const uint32_t ret = _soundTouch.receiveSamples(buffer, 8192);
-    // No more than there are, however many channels the file has.
-    const uint64_t samples =
-        std::min<uint64_t>(uint64_t{ret} * static_cast<uint32_t>(ch), std::size(buffer));
-    if (samples != 0) wavWriter.WriteSamples(buffer, static_cast<unsigned>(samples));
+    // No more whole frames than there are, however many channels the file has.
+    const auto channels = static_cast<uint32_t>(ch);
+    const auto capacity = static_cast<uint32_t>(std::size(buffer));
+    const uint32_t samples = std::min(ret, capacity / channels) * channels;
+    if (samples != 0) wavWriter.WriteSamples(buffer, samples);
   }
   // Deliberate: no flush. With one the output would be longer, by what the library still holds.
 }  // Closes the writer and the reader, then destroys the processor.
