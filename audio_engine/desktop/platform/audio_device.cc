@@ -1,7 +1,9 @@
 #include "desktop/platform/audio_device.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
+#include <mutex>
 #include <utility>
 
 #include "desktop/platform/clock_pacer.h"
@@ -17,7 +19,42 @@ using std::chrono::steady_clock;
 // 0: the sound server is asked first.
 std::atomic<double> g_nullSpeed = 0;
 
+struct RunningDevices {
+  std::mutex mutex;
+  std::vector<AudioDevice*> devices;
+};
+
+// Lives until the process ends, because devices may run as long.
+RunningDevices& Running() {
+  static auto* const running = new RunningDevices;
+  return *running;
+}
+
+void Register(AudioDevice* device) {
+  static const int atExit = std::atexit(StopAudioDevices);
+  static_cast<void>(atExit);
+  const std::scoped_lock lock(Running().mutex);
+  Running().devices.push_back(device);
+}
+
+void Unregister(AudioDevice* device) {
+  const std::scoped_lock lock(Running().mutex);
+  std::erase(Running().devices, device);
+}
+
 }  // namespace
+
+void StopAudioDevices() {
+  const auto limit = steady_clock::now() + std::chrono::seconds(1);
+  while (steady_clock::now() < limit) {
+    {
+      const std::scoped_lock lock(Running().mutex);
+      if (Running().devices.empty()) return;
+      for (AudioDevice* device : Running().devices) device->m_stop = true;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
 
 void UseNullDevices(double speed) { g_nullSpeed = speed; }
 
@@ -47,8 +84,10 @@ bool AudioDevice::Start() {
   m_latencyMs = 0;
   try {
     m_samples.assign(m_format.BlockFrames() * m_format.channels, 0);
+    Register(this);
     m_thread = std::thread(&AudioDevice::Run, this);
   } catch (const std::exception& error) {
+    Unregister(this);
     OutputDebugInfo("%s: does not start: %s", Name(), error.what());
     return false;
   }
@@ -69,6 +108,7 @@ void AudioDevice::Run() {
                   static_cast<unsigned long long>(m_failures),
                   m_direction == Direction::kOutput ? "underruns" : "overruns",
                   static_cast<unsigned>(m_latencyMs));
+  Unregister(this);
 }
 
 // True when it ran until Stop.

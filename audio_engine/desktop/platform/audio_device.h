@@ -62,6 +62,8 @@ class AudioDevice {
  private:
   const char* Name() const;
   void Run();
+  friend void StopAudioDevices();
+
   bool RunOnServer();
   bool Exchange(PulseStream& stream);
   void RunOnClock(std::chrono::steady_clock::time_point start);
@@ -77,6 +79,11 @@ class AudioDevice {
   std::atomic<uint64_t> m_failures = 0;
   std::atomic<uint32_t> m_latencyMs = 0;
 };
+
+// Ends all devices that run, for a process that is about to end and leaves them behind: each still
+// tells the log how it went. Waits for them, a second at most. They do not start again. Done as
+// well when the process returns from main.
+void StopAudioDevices();
 
 // From now on every device that starts is the null device, and its time passes `speed` times as
 // fast as the clock. For tests.

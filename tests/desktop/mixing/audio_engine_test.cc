@@ -3,15 +3,18 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <string>
 
 #include "desktop/mixing/file_player.h"
 #include "desktop/mixing/microphone.h"
+#include "engine_api/mixing/audio_file_player.h"
 #include "engine_api/platform/log.h"
 #include "played.h"
 #include "support/captured_stderr.h"
+#include "support/child_process.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/tone.h"
@@ -24,6 +27,8 @@ using desktop::FilePlayer;
 using desktop::FileSource;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
 using testing::SizeIs;
 
 // Counts what a capture hands over.
@@ -291,6 +296,23 @@ TEST_F(AudioEngineTest, CleansWhatACallHearsWhileItPlays) {
   const auto heard = Saved("a.wav", AudioSaverOnlyCapture, &rate, &channels);
   EXPECT_GT(heard.size(), 4410U);
   EXPECT_THAT(heard, testing::Each(0));  // The microphone of no device hears no loudspeaker.
+}
+
+// A program may leave everything alive and return from main.
+TEST_F(AudioEngineTest, EndsCleanlyWithAProgramThatLeavesItRunning) {
+  WriteFile("tone.wav", WavBytes({}, Tone(500, 900, 16000, 160000)));
+  const int status = RunInChild([] {
+    CreateAudioEngine(nullptr, 0, nullptr, nullptr)->CreateAudioCapture()->Open(16000, 1, 16);
+    IAudioFilePlayer* player = IAudioFilePlayer::Create();
+    std::string file = "tone.wav";
+    player->Open(file.data());
+    player->Play();
+    while (desktop::Loudspeaker::Shared().Device().Blocks() < 3) std::this_thread::yield();
+    std::exit(0);  // NOLINT(concurrency-mt-unsafe): as a return from main does.
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_THAT(m_log.Lines(), IsSupersetOf({HasSubstr("microphone: stopped after"),
+                                           HasSubstr("loudspeaker: stopped after")}));
 }
 
 TEST(CaptureCleaner, TakesAnOffsetAway) {
