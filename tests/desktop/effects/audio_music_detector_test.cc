@@ -60,6 +60,32 @@ Doubles Song(int rate, double seconds, bool chords, bool tune, bool drums) {
   return sound;
 }
 
+// A lone wind instrument without a beat in a quiet room: notes with vibrato and breath that slide
+// in, and rests.
+Doubles Wind(int rate, double seconds) {
+  constexpr double kScale[] = {523, 587, 659, 784, 880};
+  std::mt19937 random(3);
+  const auto uniform = [&](double low, double high) {
+    return low + (high - low) * static_cast<double>(random()) / 4294967296.0;
+  };
+  Doubles sound = WhiteNoise(static_cast<int>(seconds * rate), 0.001, 1);
+  double phase = 0;
+  for (double at = 0; at < seconds;) {
+    const double length = uniform(0.25, 0.7), frequency = kScale[random() % 5];
+    const auto start = static_cast<size_t>(at * rate);
+    for (size_t i = 0; i < static_cast<size_t>(length * rate) && start + i < sound.size(); ++i) {
+      const double t = static_cast<double>(i) / rate;
+      const double bend = 1 - 0.05 * std::exp(-14 * t) + 0.01 * std::sin(2 * kPi * 5.5 * t);
+      phase += 2 * kPi * frequency * bend / rate;
+      const double envelope = std::min({1.0, 25 * t, 20 * (length - t)});
+      sound[start + i] =
+          envelope * (0.2 * std::sin(phase) + 0.03 * std::sin(2 * phase) + 0.01 * uniform(-1, 1));
+    }
+    at += length + (random() % 3 == 0 ? uniform(0.3, 0.7) : 0);
+  }
+  return sound;
+}
+
 // Something like speech: syllables of gliding pitch and changing colour, hisses, pauses, no beat.
 Doubles Speech(int rate, double seconds) {
   std::mt19937 random(7);
@@ -153,12 +179,23 @@ TEST(AudioMusicDetectorTest, KnowsMusicByItsTonesOrByItsBeat) {
   EXPECT_GT(Listen(Song(16000, 12, false, false, true), 16000).share, 0.9) << "drums";
 }
 
+TEST(AudioMusicDetectorTest, KnowsALoneInstrumentThatRests) {
+  EXPECT_GT(Listen(Wind(16000, 15), 16000).share, 0.8);
+}
+
 TEST(AudioMusicDetectorTest, TakesNeitherSilenceNorNoiseForMusic) {
   for (const double peak : {0.0, 0.0001, 0.01, 0.5}) {
     const Verdict verdict = Listen(WhiteNoise(16000 * 8, peak, 1), 16000);
     EXPECT_EQ(verdict.share, 0) << peak;
     EXPECT_EQ(verdict.changes, 0) << peak;
   }
+}
+
+// Low rumble changes more from block to block than white noise.
+TEST(AudioMusicDetectorTest, TakesNoColouredNoiseForMusic) {
+  Doubles noise = WhiteNoise(16000 * 8, 0.02, 1);
+  for (size_t i = 1; i < noise.size(); ++i) noise[i] += 0.98 * noise[i - 1];
+  EXPECT_EQ(Listen(noise, 16000).share, 0);
 }
 
 TEST(AudioMusicDetectorTest, DecidesWithin3Seconds) {
