@@ -119,6 +119,22 @@ std::string FileFormat(const FileUse& use) {
   return samples + ", " + Hertz(use.rate) + ", " + Channels(use.channels);
 }
 
+std::vector<FileGroup> GroupFiles(const std::vector<FileUse>& uses) {
+  std::vector<FileGroup> groups;
+  for (const FileUse& use : uses) {
+    const auto group = std::find_if(groups.begin(), groups.end(), [&](const FileGroup& each) {
+      return !use.pattern.empty() && each.use.pattern == use.pattern;
+    });
+    if (group != groups.end()) {
+      ++group->files;
+      continue;
+    }
+    groups.push_back({use});
+    if (!use.pattern.empty()) groups.back().use.name = use.pattern;
+  }
+  return groups;
+}
+
 std::optional<std::string> KnownPlace(const FileUse& use) {
   if (use.name.find('{') != std::string::npos) return std::nullopt;
   return PlaceInWorkspace(use.name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,13 @@ std::string Duration(const CatalogueRow& row);
 
 // "16-bit samples, 44100 Hz, stereo"
 std::string FileFormat(const FileUse& use);
+
+// The files of a row as a reader wants them: one entry for each list, with its pattern as the name.
+struct FileGroup {
+  FileUse use;
+  uint64_t files = 1;
+};
+std::vector<FileGroup> GroupFiles(const std::vector<FileUse>& uses);
 
 // Returns the path of a declared file in the workspace; nothing when an argument names the file.
 std::optional<std::string> KnownPlace(const FileUse& use);

@@ -16,12 +16,15 @@ std::string Line(std::string_view label, std::string_view text) {
   return WrapText(text, head, kIndent, kWidth);
 }
 
-std::string FileLines(std::string_view label, const FileUse& use) {
+std::string FileLines(std::string_view label, const FileGroup& group) {
+  const FileUse& use = group.use;
   std::string format = FileFormat(use);
+  if (group.files > 1) format += "; " + std::to_string(group.files) + " files";
   if (use.blockBytes > 0) format += "; at least " + Bytes(static_cast<uint64_t>(use.blockBytes));
   std::string lines = Line(label, use.name) + Line("", format);
   const auto place = KnownPlace(use);
   if (place) lines += Line("", "in the workspace: " + *place);
+  if (!use.remark.empty()) lines += Line("", use.remark);
   return lines;
 }
 
@@ -33,8 +36,8 @@ std::string Describe(std::string_view routine) {
   text += Line("declaration", Declaration(row));
   text += Line("group", GroupName(row.group));
   text += Line("exercises", row.exercises);
-  for (const FileUse& input : row.inputs) text += FileLines("input", input);
-  for (const FileUse& output : row.outputs) text += FileLines("output", output);
+  for (const FileGroup& input : GroupFiles(row.inputs)) text += FileLines("input", input);
+  for (const FileGroup& output : GroupFiles(row.outputs)) text += FileLines("output", output);
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
   if (const auto device = KnownDevice(row)) text += Line("device", *device);
   if (row.declared.built || row.seconds > 0) text += Line("duration", Duration(row));

@@ -11,13 +11,15 @@ Json Declared(int value, const char* unit, const char* reason) {
   return value > 0 ? Count(static_cast<uint64_t>(value), unit) : Figure(std::nullopt, unit, reason);
 }
 
-Json FileJson(const FileUse& use) {
+Json FileJson(const FileGroup& group) {
+  const FileUse& use = group.use;
   const bool headerless = use.container == Container::kHeaderless;
   const char* const elsewhere =
       use.container == Container::kWave ? "stands in the header" : "not audio";
   const auto place = KnownPlace(use);
   return {{"name", use.name},
           {"pattern", use.pattern.empty() ? Json() : Json(use.pattern)},
+          {"file_count", Count(group.files, "files")},
           {"place", place ? Json(*place) : Json()},
           {"container", ContainerName(use.container)},
           {"samples", headerless ? Json(SampleTypeName(use.samples)) : Json()},
@@ -25,14 +27,15 @@ Json FileJson(const FileUse& use) {
           {"channel_count", Declared(use.channels, "channels", elsewhere)},
           {"block", Declared(use.blockBytes, "bytes", "none is needed, or the header decides")},
           {"optional", use.optional},
-          {"may_be_empty", use.mayBeEmpty}};
+          {"may_be_empty", use.mayBeEmpty},
+          {"remark", use.remark.empty() ? Json() : Json(use.remark)}};
 }
 
 // Null for a routine that is not built and has no files declared yet.
 Json FilesJson(const CatalogueRow& row, const std::vector<FileUse>& uses) {
   if (uses.empty() && !row.declared.built) return nullptr;
   Json json = Json::array();
-  for (const FileUse& use : uses) json.push_back(FileJson(use));
+  for (const FileGroup& group : GroupFiles(uses)) json.push_back(FileJson(group));
   return json;
 }
 

@@ -19,9 +19,11 @@ std::string Literal(std::string_view text) {
 
 std::string Files(const std::vector<FileUse>& uses) {
   std::string text;
-  for (const FileUse& use : uses) {
+  for (const FileGroup& group : GroupFiles(uses)) {
     if (!text.empty()) text += "<br>";
-    text += Code(use.name) + " (" + FileFormat(use) + ")";
+    text += Code(group.use.name) + " (" + FileFormat(group.use);
+    if (group.files > 1) text += "; " + std::to_string(group.files) + " files";
+    text += ")";
   }
   return text;
 }

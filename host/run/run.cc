@@ -11,6 +11,8 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -105,6 +107,21 @@ std::vector<FileUse> Opened(const CatalogueRow& row, std::vector<FileUse> uses,
   return uses;
 }
 
+// The inputs of a run, with those that the first one lists.
+std::vector<FilePlace> PlaceInputs(const CatalogueRow& row, const Words& words,
+                                   const std::string& work) {
+  const std::string_view parameters = row.declared.words.parameters;
+  std::vector<FileUse> uses = Opened(row, harness::Inputs(row, words), words);
+  if (row.listed != nullptr) {
+    const std::string list = PlaceFiles(uses, parameters, words, work).front().path;
+    std::ifstream file(list, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::vector<FileUse> listed = row.listed(text);
+    uses.insert(uses.end(), listed.begin(), listed.end());
+  }
+  return PlaceFiles(uses, parameters, words, work);
+}
+
 // The files of a run.
 struct Files {
   std::vector<FilePlace> inputs;
@@ -162,7 +179,7 @@ void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Wor
 void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& words,
             ResultFile* json, RunReport& report) {
   const std::string_view parameters = row.declared.words.parameters;
-  const Files files = {PlaceFiles(Opened(row, row.inputs, words), parameters, words, options.work),
+  const Files files = {PlaceInputs(row, words, options.work),
                        PlaceFiles(harness::Outputs(row, words), parameters, words, options.work),
                        {options.work, "logs/" + report.routine + ".log"}};
   RefuseSharedFiles(files.inputs, files.outputs, files.log, options);

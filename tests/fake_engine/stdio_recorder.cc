@@ -28,6 +28,10 @@ int __real_fgetc(FILE* stream);
 char* __real_fgets(char* text, int size, FILE* stream);
 int __real_puts(const char* text);
 int __real_putchar(int character);
+int __real_vfprintf(FILE* stream, const char* format, va_list arguments)
+    __attribute__((format(printf, 2, 0)));
+int __real_vfscanf(FILE* stream, const char* format, va_list arguments)
+    __attribute__((format(scanf, 2, 0)));
 int __real_mkdir(const char* name, mode_t mode);
 
 FILE* __wrap_fopen(const char* name, const char* mode);
@@ -42,6 +46,12 @@ int __wrap_fputc(int character, FILE* stream);
 int __wrap_fputs(const char* text, FILE* stream);
 int __wrap_fgetc(FILE* stream);
 char* __wrap_fgets(char* text, int size, FILE* stream);
+int __wrap_vfprintf(FILE* stream, const char* format, va_list arguments)
+    __attribute__((format(printf, 2, 0)));
+int __wrap_vfscanf(FILE* stream, const char* format, va_list arguments)
+    __attribute__((format(scanf, 2, 0)));
+int __wrap___isoc99_vfscanf(FILE* stream, const char* format, va_list arguments)
+    __attribute__((format(scanf, 2, 0)));
 int __wrap_fprintf(FILE* stream, const char* format, ...) __attribute__((format(printf, 2, 3)));
 int __wrap_fscanf(FILE* stream, const char* format, ...) __attribute__((format(scanf, 2, 3)));
 int __wrap___isoc99_fscanf(FILE* stream, const char* format, ...)
@@ -121,7 +131,7 @@ std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name
 }
 
 int Scan(FILE* stream, const char* format, va_list arguments) {
-  const int read = vfscanf(stream, format, arguments);
+  const int read = __real_vfscanf(stream, format, arguments);
   const std::string name = NameOf(stream);
   if (!name.empty()) {
     FakeEngine::Current().Record("fscanf(%s, %s) = %d", name.c_str(), Quoted(format).c_str(), read);
@@ -231,17 +241,29 @@ char* __wrap_fgets(char* text, int size, FILE* stream) {
   return line;
 }
 
-int __wrap_fprintf(FILE* stream, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
+int __wrap_vfprintf(FILE* stream, const char* format, va_list arguments) {
   const std::string name = NameOf(stream);
   if (!name.empty()) {
     FakeEngine::Current().Record("fprintf(%s, %s)", name.c_str(),
                                  FormatAndArguments(format, arguments).c_str());
   }
-  const int written = vfprintf(stream, format, arguments);
+  return __real_vfprintf(stream, format, arguments);
+}
+
+int __wrap_fprintf(FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int written = __wrap_vfprintf(stream, format, arguments);
   va_end(arguments);
   return written;
+}
+
+int __wrap_vfscanf(FILE* stream, const char* format, va_list arguments) {
+  return Scan(stream, format, arguments);
+}
+
+int __wrap___isoc99_vfscanf(FILE* stream, const char* format, va_list arguments) {
+  return Scan(stream, format, arguments);
 }
 
 int __wrap_fscanf(FILE* stream, const char* format, ...) {
@@ -266,7 +288,7 @@ int __wrap_printf(const char* format, ...) {
   if (FakeEngine::HasCurrent()) {
     FakeEngine::Current().Record("printf(%s)", FormatAndArguments(format, arguments).c_str());
   }
-  const int written = vprintf(format, arguments);
+  const int written = __real_vfprintf(stdout, format, arguments);
   va_end(arguments);
   return written;
 }

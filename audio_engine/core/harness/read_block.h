@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
+#include <span>
 
 #include "engine_api/common/wav_reader.h"
 #include "harness/stdio_file.h"
@@ -18,6 +20,15 @@ template <typename Sample, size_t capacity>
 bool ReadBlock(zuwebrtc::WavReader& reader, Sample (&block)[capacity], unsigned samples) {
   return samples > 0 && samples <= capacity && reader.ReadSamples(samples, block) == samples;
 }
+
+// The same into an array whose size is known when the program runs.
+inline bool ReadBlock(zuwebrtc::WavReader& reader, std::span<short> block, unsigned samples) {
+  return samples > 0 && samples <= block.size() &&
+         reader.ReadSamples(samples, block.data()) == samples;
+}
+
+// `bytes` bytes from a stream, which may be null.
+bool ReadBlock(FILE* stream, void* block, size_t bytes);
 
 // `bytes` bytes from a headerless file.
 bool ReadBlock(StdioFile& file, void* block, size_t bytes);

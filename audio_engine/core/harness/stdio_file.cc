@@ -1,6 +1,7 @@
 #include "harness/stdio_file.h"
 
 #include <climits>
+#include <cstdarg>
 
 namespace harness {
 
@@ -22,6 +23,23 @@ size_t StdioFile::Read(void* data, size_t size, size_t count) {
 
 size_t StdioFile::Write(const void* data, size_t size, size_t count) {
   return m_file != nullptr ? fwrite(data, size, count, m_file) : 0;
+}
+
+void StdioFile::Print(const char* format, ...) {
+  if (m_file == nullptr) return;
+  va_list arguments;
+  va_start(arguments, format);
+  vfprintf(m_file, format, arguments);
+  va_end(arguments);
+}
+
+int StdioFile::Scan(const char* format, ...) {
+  if (m_file == nullptr) return EOF;
+  va_list arguments;
+  va_start(arguments, format);
+  const int read = vfscanf(m_file, format, arguments);
+  va_end(arguments);
+  return read;
 }
 
 void StdioFile::Seek(long offset, int origin) {

@@ -19,6 +19,12 @@ class StdioFile {
   size_t Read(void* data, size_t size, size_t count);
   size_t Write(const void* data, size_t size, size_t count);
 
+  // As fprintf; nothing when not open.
+  void Print(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+  // As fscanf: the number of values read, EOF when not open.
+  int Scan(const char* format, ...) __attribute__((format(scanf, 2, 3)));
+
   // As fseek.
   void Seek(long offset, int origin);
 

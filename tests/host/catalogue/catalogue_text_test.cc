@@ -49,6 +49,21 @@ TEST(FindRow, SuggestsNamesForAnUnknownOne) {
   }
 }
 
+TEST(GroupFiles, TakesAListForOne) {
+  const FileUse first = {.name = "in/sp01.pcm", .blockBytes = 160, .pattern = "in/sp<n>.pcm"};
+  FileUse second = first;
+  second.name = "in/sp02.pcm";
+  const std::vector<FileGroup> groups =
+      GroupFiles({{.name = "a.wav"}, first, {.name = "b.wav"}, second});
+  ASSERT_THAT(groups, testing::SizeIs(3));
+  EXPECT_EQ(groups[0].use.name, "a.wav");
+  EXPECT_EQ(groups[0].files, 1U);
+  EXPECT_EQ(groups[1].use.name, "in/sp<n>.pcm");
+  EXPECT_EQ(groups[1].use.blockBytes, 160);
+  EXPECT_EQ(groups[1].files, 2U);
+  EXPECT_EQ(groups[2].use.name, "b.wav");
+}
+
 TEST(WrapText, BreaksBetweenWords) {
   EXPECT_EQ(WrapText("one two three", "- ", 2, 9), "- one two\n  three\n");
   EXPECT_EQ(WrapText("unbreakable x", "- ", 2, 5), "- unbreakable\n  x\n");

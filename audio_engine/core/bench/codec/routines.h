@@ -27,7 +27,7 @@ ROUTINE(void, newTestZUEncode, const char* wavInFileName, const char* encodedFil
 ROUTINE(void, newTestZUDecode, const char* encodedFileName, const char* decodedWavFileName,
         int codecId, int sRate, bool extraHeader);
 ROUTINE(void, TestZUCodecNew, const char* wavInFileName, const char* wavOutFileName, int codecId);
-PLANNED(void, TestMockVADMos, const char* refFile, int codecId);
+ROUTINE(void, TestMockVADMos, const char* refFile, int codecId);
 ROUTINE(void, calAACMos, char* wavInFileName, char* wavOutFileName, int codecId, int bitRate,
         int sRate);
 HELPER(int, GetCodecFrameLength, unsigned char* header, int len);

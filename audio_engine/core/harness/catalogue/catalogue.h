@@ -46,6 +46,7 @@ struct FileUse {
   // An output whose WAVE header is on purpose that of another file: its lengths need not fit.
   bool foreignHeader = false;
   std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
+  std::string remark = {};   // For its reader, such as that nothing in the bench writes an input.
 };
 
 // The audio devices without which a routine cannot run.
@@ -78,8 +79,15 @@ struct CatalogueRow {
   std::string_view nullable = {};  // The parameter for which the word "none" is a null name.
   std::vector<FileUse> inputs = {};
   std::vector<FileUse> outputs = {};
+  // The inputs of one run, where they follow from the words. Null: `inputs`.
+  std::vector<FileUse> (*inputsFor)(ArgumentWords words) = nullptr;
   // The outputs of one run, where more than a name in them follows from the words. Null: `outputs`.
   std::vector<FileUse> (*outputsFor)(ArgumentWords words) = nullptr;
+  // The further inputs that the content of the first one, a text, names. Null: none.
+  std::vector<FileUse> (*listed)(std::string_view text) = nullptr;
+  // What is wrong with words that fit their types; empty when the routine takes them. Null:
+  // nothing.
+  std::string (*unfit)(ArgumentWords words) = nullptr;
   // Why the engine at hand cannot do what the words ask for, a codec without its library for
   // example; empty when it can. Null: it always can.
   std::string (*lacking)(ArgumentWords words) = nullptr;
@@ -99,7 +107,8 @@ std::span<const CatalogueRow> Catalogue();
 // Why the words of a command line do not fit a row that can be run; empty when they do.
 std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words);
 
-// The outputs of a run with words that fit.
+// The inputs and the outputs of a run with words that fit.
+std::vector<FileUse> Inputs(const CatalogueRow& row, ArgumentWords words);
 std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words);
 
 // Why the engine at hand cannot do what words that fit ask for; empty when it can.

@@ -21,6 +21,18 @@ FileUse Optional(FileUse use) {
   return use;
 }
 
+// A file that begins with the header of another.
+FileUse WithForeignHeader(FileUse use) {
+  use.foreignHeader = true;
+  return use;
+}
+
+FileUse PreprocessedSpeech() {
+  FileUse use = Optional(Wave("{refFile}.preproc.wav"));
+  use.remark = "16000 Hz mono; nothing in the bench writes it";
+  return use;
+}
+
 // The files of a case, which begin alike.
 std::vector<FileUse> QualityCase(const std::string& name) {
   return {Wave(name + ".res.wav"),
@@ -118,7 +130,19 @@ std::vector<CatalogueRow> CodecRows() {
                    Wave("{wavOutFileName}.dec.wav"),
                    Wave("{wavOutFileName}")},
        .lacking = NeedsRawIdOfWord<2>},
-      {.declared = declared::TestMockVADMos, .exercises = "resample, VAD, codec chain for MOS"},
+      {.declared = declared::TestMockVADMos,
+       .exercises = "resample, VAD, codec chain for MOS",
+       .inputs = {Wave("{refFile}"), PreprocessedSpeech()},
+       .outputs = {Wave("{refFile}.resample.wav"),
+                   {.name = "{refFile}.codec.wav.enc"},
+                   Wave("{refFile}.codec.wav.dec.wav"),
+                   Wave("{refFile}.codec.wav"),
+                   WithForeignHeader(Wave("{refFile}.vad.wav")),
+                   WithForeignHeader(Wave("{refFile}.vadresult.wav")),
+                   {.name = "{refFile}.vadCodec.wav.enc"},
+                   Wave("{refFile}.vadCodec.wav.dec.wav"),
+                   Wave("{refFile}.vadCodec.wav")},
+       .lacking = NeedsRawIdOfWord<1>},
       {.declared = declared::calAACMos,
        .exercises =
            "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "

@@ -2,6 +2,8 @@
 
 #include "bench/enhancement/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/noizeus_files.h"
+#include "harness/catalogue/vad_files.h"
 
 namespace harness {
 
@@ -16,19 +18,85 @@ FileUse WaveWithForeignHeader(const std::string& name) {
   return use;
 }
 
+constexpr const char* kAlgorithms[] = {"aec", "denoise_light", "denoise", "mcra2", "off"};
+constexpr int kOff = 4;
+
+int Number(std::string_view word) {
+  Argument<int> number;
+  number.Parse(word);
+  return number.Value();
+}
+
+// What algorithm `ns` is scored by.
+std::vector<FileUse> ScoredFiles(int ns) {
+  return Join({NoizeusClean(), ns == kOff ? NoizeusNoisy() : NoizeusProcessed(kAlgorithms[ns])});
+}
+
+std::vector<FileUse> ScoredFilesFor(ArgumentWords words) { return ScoredFiles(Number(words[0])); }
+
+std::vector<FileUse> ResultsFor(ArgumentWords words) {
+  const int ms = Number(words[1]);
+  return NoizeusResults(ms == 0   ? "avg_snr"
+                        : ms == 1 ? "speech_snr"
+                                  : "",
+                        kAlgorithms[Number(words[0])]);
+}
+
+std::string NoAlgorithm(ArgumentWords words) {
+  const int ns = Number(words[0]);
+  if (ns >= 0 && ns <= kOff) return "";
+  return "argument 1 of 2 must be 0 (aec), 1 (denoise_light), 2 (denoise), 3 (mcra2) or 4 (off), "
+         "not \"" +
+         std::string(words[0]) + "\"";
+}
+
+std::vector<FileUse> AllScoredFiles() {
+  std::vector<std::vector<FileUse>> lists = {ScoredFiles(kOff)};
+  for (int ns = 0; ns < kOff; ++ns) lists.push_back(NoizeusProcessed(kAlgorithms[ns]));
+  return Join(lists);
+}
+
+std::vector<FileUse> AllResults() {
+  std::vector<std::vector<FileUse>> lists;
+  for (const char* const algorithm : kAlgorithms) {
+    for (const char* const measure : {"avg_snr", "speech_snr"}) {
+      lists.push_back(NoizeusResults(measure, algorithm));
+    }
+  }
+  return Join(lists);
+}
+
+// In general words, for readers.
+std::vector<FileUse> ScoredFilesOfAny() {
+  std::vector<FileUse> processed = NoizeusProcessed("<algorithm>");
+  processed.front().remark = "for \"off\" the noisy sentences of NOIZEUS/in instead";
+  return Join({NoizeusClean(), processed});
+}
+
+// A file whose absence is an outcome of the routine.
+FileUse Optional(FileUse use) {
+  use.optional = true;
+  return use;
+}
+
 }  // namespace
 
 std::vector<CatalogueRow> EnhancementRows() {
   return {
       {.declared = declared::TestNoizeus,
-       .exercises = "wrapper: TestNoizeusEx over ns 0..4, ms 0 and 1"},
+       .exercises = "wrapper: TestNoizeusEx over ns 0..4, ms 0 and 1",
+       .inputs = AllScoredFiles(),
+       .outputs = AllResults()},
       {.declared = declared::TestAGCProcess,
        .exercises = "WebRTC-style AGC (WebRtcAgc_*) with virtual microphone",
        .inputs = {Wave("{pSrcFileName}")},
        .outputs = {WaveWithForeignHeader("{pDstFileName}")}},
       {.declared = declared::TestVADProcess,
        .exercises = "voice activity detection (CVoiceDetectionEx, WebRtcVad_*), writing gated "
-                    "audio and per-frame results"},
+                    "audio and per-frame results",
+       .inputs = {Optional(Wave("{pSrcFileName}"))},
+       .outputs = {WaveWithForeignHeader("{pDstFileName}"),
+                   WaveWithForeignHeader("{pResultFileName}")}},
       {.declared = declared::MeasureAverageSNR,
        .helper = true,
        .exercises = "average SNR of processed against clean raw PCM"},
@@ -36,21 +104,36 @@ std::vector<CatalogueRow> EnhancementRows() {
        .helper = true,
        .exercises = "SNR over the speech segments of sentence no"},
       {.declared = declared::TestNoizeusEx,
-       .exercises =
-           "NOIZEUS evaluation of one suppression setting, one measure; result text files"},
+       .exercises = "NOIZEUS evaluation of one suppression setting, one measure; result text files",
+       .inputs = ScoredFilesOfAny(),
+       .outputs = NoizeusResults("<measure>", "<algorithm>"),
+       .inputsFor = ScoredFilesFor,
+       .outputsFor = ResultsFor,
+       .unfit = NoAlgorithm},
       {.declared = declared::TestZUAudioProcessing,
        .exercises = "SoftwareAec processing chain with VAD result logging",
        .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")},
        .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
-      {.declared = declared::TestHPFProcess, .exercises = "high-pass filter over a WAVE file"},
-      {.declared = declared::TestVADProcessRefined, .exercises = "VAD with segment list and shift"},
+      {.declared = declared::TestHPFProcess,
+       .exercises = "high-pass filter over a WAVE file",
+       .inputs = {Wave("{pSrcFileName}")},
+       .outputs = {Wave("{pDstFileName}")}},
+      {.declared = declared::TestVADProcessRefined,
+       .exercises = "VAD with segment list and shift",
+       .inputs = {Wave("{in}")},
+       .outputs = {Wave("{out}")}},
       {.declared = declared::TestVadResult,
-       .exercises =
-           "VAD over \"swb_ref_16kHz.wav\" writing \"vad_out.wav\" and \"vad_result.wav\""},
+       .exercises = "VAD over \"swb_ref_16kHz.wav\" writing \"vad_out.wav\" and \"vad_result.wav\"",
+       .inputs = {Wave("swb_ref_16kHz.wav")},
+       .outputs = {Wave("vad_out.wav"), Wave("vad_result.wav")}},
       {.declared = declared::TestMeasureVAD,
+       .calledBy = "TestVAD",
        .exercises = "VAD quality measures (bandwidth saving, PESQ, false and faulty alarm)"},
       {.declared = declared::TestVAD,
-       .exercises = "batch VAD evaluation writing a tab-separated results table"},
+       .exercises = "batch VAD evaluation writing a tab-separated results table",
+       .inputs = {Optional({.name = "F:/Stream/vad/input/vad_input_description.txt"})},
+       .outputs = {{.name = "F:/Stream/vad/output/report_{version}.txt"}},
+       .listed = VadRecordings},
       {.declared = declared::TestSpeexAgc,
        .exercises = "ZUAudio::AudioAgc over \"music.wav\" into \"agc_out.wav\"",
        .inputs = {Wave("music.wav")},
@@ -60,9 +143,13 @@ std::vector<CatalogueRow> EnhancementRows() {
        .inputs = {Wave("niannujiao_44100_1.wav")},
        .outputs = {Wave("agc_out.wav")}},
       {.declared = declared::TestDenoiseProcessNoizeus,
-       .exercises = "CAudioDenoise (normal and light) over the NOIZEUS corpus"},
+       .exercises = "CAudioDenoise (normal and light) over the NOIZEUS corpus",
+       .inputs = NoizeusNoisy(),
+       .outputs = Join({NoizeusProcessed("denoise"), NoizeusProcessed("denoise_light")})},
       {.declared = declared::TestDenoiseProcess,
-       .exercises = "CAudioDenoise over \"ns_in.wav\" into \"ns_out.wav\""},
+       .exercises = "CAudioDenoise over \"ns_in.wav\" into \"ns_out.wav\"",
+       .inputs = {Wave("ns_in.wav")},
+       .outputs = {Wave("ns_out.wav")}},
   };
 }
 

@@ -19,7 +19,12 @@ std::vector<std::string_view> WithNull(const CatalogueRow& row, ArgumentWords wo
 }  // namespace
 
 std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words) {
-  return row.declared.argumentFault(WithNull(row, words));
+  const std::string fault = row.declared.argumentFault(WithNull(row, words));
+  return fault.empty() && row.unfit != nullptr ? row.unfit(words) : fault;
+}
+
+std::vector<FileUse> Inputs(const CatalogueRow& row, ArgumentWords words) {
+  return row.inputsFor != nullptr ? row.inputsFor(words) : row.inputs;
 }
 
 std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words) {
