@@ -10,6 +10,9 @@ namespace {
 constexpr int kNoiseLevel = 0;        // About 6 dB: more costs more speech than it takes noise.
 constexpr int kNoiseLagSamples = 96;  // Of noise suppression alone, at 16 kHz.
 
+// Even the weakest noise suppression takes about 1 dB of speech, which is given back.
+constexpr float kSpeechGain = 1.1f;
+
 size_t Size(int count) { return static_cast<size_t>(count); }
 
 // The energy of the upper half of a signal's band.
@@ -73,6 +76,9 @@ void MobileCanceller::ProcessNear(const int16_t* const* near, int16_t* const* ou
   std::copy(near[0], near[0] + frames, m_alignedNear.begin());
   std::copy(near[0], near[0] + frames, m_out.begin());
   m_canceller.ProcessNear(m_out.data());
+  if (stages.ns) {
+    for (float& sample : m_out) sample = std::clamp(kSpeechGain * sample, -32768.0f, 32767.0f);
+  }
   std::transform(m_canceller.Far(), m_canceller.Far() + frames, m_alignedFar.begin(),
                  [](float sample) { return static_cast<int16_t>(sample); });
 

@@ -139,6 +139,12 @@ TEST(AecMobile, TakesNoiseAway) {
   EXPECT_LT(LevelDb(out, 16000, 3, 5), LevelDb(noise, 16000, 3, 5) - 5);
 }
 
+TEST(AecMobile, LosesLessThan1DbOfSpeechToNoiseSuppression) {
+  const Samples near = Sum(Talk(16000, 8, 9), Hiss(16000, 8, 10, -65));
+  const Samples out = Canceller(16000, kBoth).Run(Samples(near.size()), near);
+  EXPECT_NEAR(LossDb(near, Late(out, 208), 16000, 2, 8), 0, 1);
+}
+
 TEST(AecMobile, PassesNearEndSpeechInAllBands) {
   const Stages none = {false, false, false};
   const struct {
