@@ -12,12 +12,6 @@
 
 extern const int kIterations = 100;
 
-// The routines leave these on purpose.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:TestZUAECProcess\nleak:TestZUAECNSProcess\nleak:TestZUAec\nleak:TestHardwareAec\n";
-}
-
 namespace {
 
 std::string Wave(uint32_t rate, uint16_t channels, size_t samples) {

@@ -1,34 +1,18 @@
 #include "fake_engine/aec/aec_file_writer.h"
 
-#include <set>
-
 #include "engine_api/aec/aec_file_writer.h"
 #include "fake_engine/fake_engine.h"
-
-namespace {
-
-// Keeps recorders that nobody deletes from looking lost.
-std::set<const CAecFileWriter*>& Alive() {
-  static auto* const recorders = new std::set<const CAecFileWriter*>;
-  return *recorders;
-}
-
-}  // namespace
 
 struct CAecFileWriter::Recorder {};
 
 CAecFileWriter::CAecFileWriter(int sampleRate, int channels, const char* farTag,
                                const char* nearTag, const char* outTag, const char* delayTag,
                                const char* logTag, int reserved) {
-  Alive().insert(this);
   FakeEngine::Current().Born(this, "CAecFileWriter", "%d, %d, %s, %s, %s, %s, %s, %d", sampleRate,
                              channels, farTag, nearTag, outTag, delayTag, logTag, reserved);
 }
 
-CAecFileWriter::~CAecFileWriter() {
-  Alive().erase(this);
-  FakeEngine::Current().Died(this);
-}
+CAecFileWriter::~CAecFileWriter() { FakeEngine::Current().Died(this); }
 
 void CAecFileWriter::EchoDetectionStart(int sampleRate) {
   FakeEngine::Current().Call(this, "EchoDetectionStart(%d)", sampleRate);

@@ -1,6 +1,5 @@
 #include "fake_engine/aec/aec_module.h"
 
-#include <set>
 #include <string>
 
 #include "engine_api/aec/software_aec.h"
@@ -43,19 +42,9 @@ bool Uncalled() {
   return false;
 }
 
-// Keeps modules that nobody destroys from looking lost.
-std::set<const AecModule*>& Alive() {
-  static auto* const modules = new std::set<const AecModule*>;
-  return *modules;
-}
-
 class FakeHardwareAec : public AecModule {
  public:
-  FakeHardwareAec() { Alive().insert(this); }
-  ~FakeHardwareAec() override {
-    FakeEngine::Current().Died(this);
-    Alive().erase(this);
-  }
+  ~FakeHardwareAec() override { FakeEngine::Current().Died(this); }
   int ProcessCaptureAudio(zuwebrtc::AudioFrame& frame, bool played, bool sent) override {
     return Capture(this, frame, played, sent);
   }
@@ -92,14 +81,10 @@ AecModule* CreateHardwareAec() {
 struct SoftwareAec::Chain {};
 
 SoftwareAec::SoftwareAec() {
-  Alive().insert(this);
   FakeEngine::Current().Born(static_cast<AecModule*>(this), "SoftwareAec", "%s", "");
 }
 
-SoftwareAec::~SoftwareAec() {
-  FakeEngine::Current().Died(static_cast<AecModule*>(this));
-  Alive().erase(this);
-}
+SoftwareAec::~SoftwareAec() { FakeEngine::Current().Died(static_cast<AecModule*>(this)); }
 
 int SoftwareAec::ProcessCaptureAudio(zuwebrtc::AudioFrame& frame, bool played, bool sent) {
   return Capture(this, frame, played, sent);

@@ -1,22 +1,11 @@
 #include "engine_api/aec/audio_buffer.h"
 
 #include <algorithm>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "fake_engine/aec/aec_frame_text.h"
 #include "fake_engine/fake_engine.h"
-
-namespace {
-
-// Keeps buffers that nobody deletes from looking lost.
-std::set<const zuwebrtc::AudioBuffer*>& Alive() {
-  static auto* const buffers = new std::set<const zuwebrtc::AudioBuffer*>;
-  return *buffers;
-}
-
-}  // namespace
 
 // One band, which is the whole signal of one channel.
 struct zuwebrtc::AudioBuffer::Bands {
@@ -30,16 +19,12 @@ zuwebrtc::AudioBuffer::AudioBuffer(int input_num_frames, int num_input_channels,
     : m_bands(std::make_unique<Bands>()) {
   m_bands->samples.resize(static_cast<size_t>(process_num_frames));
   m_bands->band = m_bands->samples.data();
-  Alive().insert(this);
   FakeEngine::Current().Born(this, "AudioBuffer", "%d, %d, %d, %d, %d", input_num_frames,
                              num_input_channels, process_num_frames, num_process_channels,
                              output_num_frames);
 }
 
-zuwebrtc::AudioBuffer::~AudioBuffer() {
-  Alive().erase(this);
-  FakeEngine::Current().Died(this);
-}
+zuwebrtc::AudioBuffer::~AudioBuffer() { FakeEngine::Current().Died(this); }
 
 void zuwebrtc::AudioBuffer::DeinterleaveFrom(AudioFrame* frame) {
   FakeEngine::Current().Call(this, "DeinterleaveFrom(%s)", FrameText(*frame).c_str());

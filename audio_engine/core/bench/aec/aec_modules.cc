@@ -13,10 +13,12 @@
 #include "engine_api/platform/place_string.h"
 #include "harness/block_samples.h"
 #include "harness/fill_frame.h"
+#include "harness/leave_alive.h"
 #include "harness/read_block.h"
 #include "harness/stdio_file.h"
 
 using harness::FillFrame;
+using harness::LeaveAlive;
 using harness::ReadBlock;
 using zuwebrtc::AudioFrame;
 
@@ -32,9 +34,12 @@ void TestZUAec(const char* inNearFile, const char* inFarFile, const char* outNea
   const int nearFS = nearend.sample_rate();
   const int nearChannels = nearend.num_channels();
   zuwebrtc::WavReader farend(inFarFile);
-  // Deliberate: the module lives on. Deleted, no test would show that an engine bears a module that
-  // was made and never used.
-  if (nearFS != farend.sample_rate() || nearChannels != farend.num_channels()) return;
+  if (nearFS != farend.sample_rate() || nearChannels != farend.num_channels()) {
+    // Deliberate: never released. Deleted, no test would show that an engine bears a module that
+    // was made and never used.
+    LeaveAlive(aec);
+    return;
+  }
 
   zuwebrtc::WavWriter out(outNearFile, static_cast<int>(apmFs), static_cast<int>(apmCh));
   const bool isNeedRsample = nearChannels != 1 || nearFS != 16000;
@@ -119,6 +124,7 @@ void TestHardwareAec() {
   // Deliberate: no format is set, and the module lives on. With a format no test would run the
   // module's own; deleted, none would show that an engine bears a module that is never released.
   AecModule* aec = CreateHardwareAec();
+  LeaveAlive(aec);
   aec->EnableAGC(true);
   aec->EnableDenoise(true);
   zuwebrtc::WavReader reader("noise_in.wav");

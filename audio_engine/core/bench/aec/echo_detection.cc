@@ -9,6 +9,7 @@
 #include "engine_api/aec/aec_file_writer.h"
 #include "engine_api/platform/clock.h"
 #include "engine_api/platform/log.h"
+#include "harness/leave_alive.h"
 #include "harness/read_block.h"
 #include "harness/stdio_file.h"
 
@@ -59,6 +60,7 @@ void TestRecord() {
   // Deliberate: neither stopped nor destroyed; its thread finishes the files. Destroyed, no test
   // would show that it does.
   auto* m_pVoipFileWriter = new CAecFileWriter(16000, 1, "far", "near", "out", "delay", "log", 0);
+  harness::LeaveAlive(m_pVoipFileWriter);
   m_pVoipFileWriter->EchoDetectionStart(16000);
 
   char readBuf[400];

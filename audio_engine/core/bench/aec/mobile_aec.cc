@@ -13,11 +13,13 @@
 #include "harness/copy_wav_header.h"
 #include "harness/fill_frame.h"
 #include "harness/format_name.h"
+#include "harness/leave_alive.h"
 #include "harness/noizeus_cases.h"
 #include "harness/read_block.h"
 #include "harness/stdio_file.h"
 
 using harness::FillFrame;
+using harness::LeaveAlive;
 using harness::ReadBlock;
 using harness::StdioFile;
 using zuwebrtc::AudioBuffer;
@@ -45,6 +47,7 @@ void TestZUAECProcess(const char* pFarendFileName, const char* pNearendFileName,
   auto* captureBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* renderBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* outputBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
+  for (const AudioBuffer* buffer : {captureBuf, renderBuf, outputBuf}) LeaveAlive(buffer);
   uint32_t frameIndex = 1;
 
   for (;;) {
@@ -100,6 +103,7 @@ void TestZUAECNSProcess(FILE* in, FILE* out) {
   auto* captureBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* renderBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* outputBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
+  for (const AudioBuffer* buffer : {captureBuf, renderBuf, outputBuf}) LeaveAlive(buffer);
   uint32_t frameIndex = 1;
 
   short buffer[samples10ms];
