@@ -121,7 +121,13 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestRecord,
        .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
        .inputs = {Headerless("F:\\sample\\test.pcm", 16000, 400),
-                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 0))}},
+                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 0))},
+       .outputs = {Wave("far.wav"),
+                   Empty(Wave("near.wav")),
+                   Wave("out.wav"),
+                   Empty({.name = "delay.txt"}),
+                   {.name = "log.txt"}},
+       .runsOn = 2},
   };
 }
 
