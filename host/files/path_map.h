@@ -23,8 +23,8 @@ std::optional<std::string> PlaceInWorkspace(std::string_view name);
 // through a symbolic link that leads out of it. `activity` outlives the process.
 void MapOpenedFiles(FileActivity* activity);
 
-// Takes leave of the files that are still open: writes what they buffer, and notes in the activity
-// what cannot be written or could not be read.
+// Writes what the files that are still open buffer, and notes in the activity what cannot be
+// written or could not be read.
 void FlushOpenedFiles();
 
 }  // namespace host

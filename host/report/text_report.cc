@@ -25,6 +25,18 @@ std::string VerdictLine(const RunReport& report) {
   return line + "\n";
 }
 
+// The problems that the first line does not name, where they are few; those of lists of files are
+// many, and are summed up with them.
+std::string FurtherProblems(const Judgement& judgement) {
+  constexpr size_t kMost = 5;
+  std::string lines;
+  if (judgement.problems.size() > kMost) return lines;
+  for (const Problem& problem : judgement.problems) {
+    if (&problem != judgement.Worst()) lines += "  also    " + Printable(problem.text) + "\n";
+  }
+  return lines;
+}
+
 std::string Format(const AudioLayout& audio) {
   std::string samples = "other samples";
   if (audio.samples == SampleType::kPcm16) samples = "16-bit";
@@ -105,7 +117,7 @@ std::optional<double> RealTimeFactor(const RunReport& report) {
 }
 
 std::string TextReport(const RunReport& report) {
-  std::string text = VerdictLine(report);
+  std::string text = VerdictLine(report) + FurtherProblems(report.judgement);
   text += AllLines("input   ", report.inputs) + AllLines("output  ", report.outputs);
   if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
   return text;

@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
+#include "files/audio_layout.h"
 #include "files/beneath.h"
 #include "files/foreign_audio.h"
 
@@ -52,18 +55,36 @@ std::string Remedy(const FilePlace& input) {
     case Container::kHeaderless:
       break;
   }
+  const std::filesystem::path folder = std::filesystem::path(input.path).parent_path();
+  std::error_code error;
+  const bool there = std::filesystem::is_directory(folder, error);
   return "; it takes " + FileFormat(input.use) + ": " +
+         (there ? "" : "mkdir -p " + Quoted(folder) + " && ") +
          Conversion(input.use, "YOUR_FILE", input.path);
 }
 
-// What a file that should hold headerless samples is instead; empty when it may well hold them.
+// What is said of a file that should be a WAVE and is none; empty when it is one, or when a routine
+// has an outcome for it: without content, or optional.
+std::string NoWave(const FilePlace& input, FILE* file, uint64_t bytes) {
+  if (input.use.optional || bytes == 0 || FindAudio(input.use, file, bytes)) return "";
+  const std::string converted = input.path + ".16.wav";
+  return "input " + Name(input) + " is no WAVE file that can be read; to convert it: ffmpeg -i " +
+         Quoted(input.path) + " -c:a pcm_s16le " + Quoted(converted) + " && mv " +
+         Quoted(converted) + " " + Quoted(input.path);
+}
+
+// What is said of a file that is of another kind than declared; empty when it may well be of that.
 std::string WrongFormat(const FilePlace& input) {
-  if (input.use.container != Container::kHeaderless) return "";
+  if (input.use.container == Container::kOther) return "";
   FILE* const file = fopen(input.path.c_str(), "rbe");
   if (file == nullptr) return "";  // Judged as unreadable.
-  const std::string kind(ForeignAudio(file));
+  struct stat status = {};
+  fstat(fileno(file), &status);
+  const bool wave = input.use.container == Container::kWave;
+  const std::string noWave = wave ? NoWave(input, file, static_cast<uint64_t>(status.st_size)) : "";
+  const std::string kind(wave ? "" : ForeignAudio(file));
   fclose(file);
-  if (kind.empty()) return "";
+  if (kind.empty()) return noWave;
   const std::string converted = input.path + ".raw";
   return "input " + Name(input) + " is " + kind + ", not headerless samples; to convert it: " +
          Conversion(input.use, Quoted(input.path), converted) + " && mv " + Quoted(converted) +

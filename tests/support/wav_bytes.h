@@ -22,7 +22,7 @@ std::string Chunk(const std::string& id, const std::string& body);
 std::string PlainFormat(const WavFormat& format);
 std::string ExtensibleFormat(WavFormat format, uint16_t subformatTag);
 
-// The chunks behind "RIFF", their length and "WAVE".
+// The chunks after "RIFF", their length and "WAVE".
 std::string Riff(const std::string& chunks);
 
 // Little-endian bytes of the samples.

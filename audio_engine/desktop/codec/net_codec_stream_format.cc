@@ -66,8 +66,8 @@ NetCodecStreamFormat::NetCodecStreamFormat() {
   Fill(iNetAAC48KStereoFormat, 40000, {kAudioCodecAACHIGH, 48000, 2, 1024, 5, 0, 0, 1, 40});
   Fill(iNetAAC48KMonoFromat, 40000, {kAudioCodecAACHIGH, 48000, 1, 1024, 5, 0, 0, 1, 42});
 
-  // Deliberate: iNetAACSTDFormat gets no value at all. Filled in, it would be offered as a format,
-  // and no coder stands behind it.
+  // Deliberate: iNetAACSTDFormat gets no value at all. Filled in, it would be offered as a format
+  // for which there is no codec.
 
   Fill(iNetOPUS16KFormat, 18000, {kAudioCodecOPUS, 16000, 1, 320, 5, 0, 0, 1, 50});
   Fill(iNetOPUS48KFormat, 48000, {kAudioCodecOPUS, 48000, 1, 960, 5, 0, 0, 1, 51});

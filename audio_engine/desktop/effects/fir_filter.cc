@@ -67,7 +67,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     m_coefficients = std::move(newCoefficients);
   }
 
-  // Puts at most kPieceSamples samples behind the history and returns where they are.
+  // Appends at most kPieceSamples samples to the history and returns where they are.
   float* Append(const float* in, size_t samples) {
     const size_t history = HistorySamples(m_coefficients.size());
     float* start = m_samples.data();
@@ -83,7 +83,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
 
   std::vector<float> m_coefficients;
   std::vector<float> m_samples;
-  size_t m_end = 0;  // Where the next samples go, right behind the history.
+  size_t m_end = 0;  // Where the next samples go, right after the history.
 };
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-// How many floats behind the input Convolve may read, whatever they are.
+// How many floats after the end of the input Convolve may read; their values do not matter.
 inline constexpr size_t kConvolveOverread = 16;
 
 // The inner loop of a direct-form FIR filter, for the best vector instructions of the machine:
@@ -10,8 +10,8 @@ inline constexpr size_t kConvolveOverread = 16;
 // n = 0..length - 1. in: preceded by count - 1 earlier samples and followed by kConvolveOverread
 // readable floats. The arrays do not overlap.
 //
-// The order of the operations behind an output depends on `count` alone, not on where the output
-// stands: a signal that is cut into calls elsewhere gives the same bits. From one set of
-// instructions to another the last bits may differ, as sums are grouped by vector length and a
-// multiply-add is fused only where there is an instruction for it.
+// The order of the operations for an output sample depends on `count` alone, not on its position: a
+// signal that is cut into calls elsewhere gives the same bits. From one set of instructions to
+// another the last bits may differ, as sums are grouped by vector length and a multiply-add is
+// fused only where there is an instruction for it.
 void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out);

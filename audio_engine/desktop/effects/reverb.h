@@ -27,7 +27,7 @@ class Reverb {
   void Process(float* const* rows, int channels, int frames, int sampleRate);
 
  private:
-  // A number of samples behind the input.
+  // Delays its input by a number of samples.
   struct Line {
     std::vector<float> samples;
     size_t at = 0;

@@ -24,7 +24,7 @@ using testing::SizeIs;
 using zuwebrtc::WavReader;
 using zuwebrtc::WavWriter;
 
-// The samples behind the canonical header.
+// The samples after the canonical header.
 std::vector<short> SamplesOf(const std::string& name) {
   WavReader reader(name);
   std::vector<short> samples(reader.num_samples());

@@ -20,7 +20,7 @@ using testing::MatchesRegex;
 
 const std::string kTime = "[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9] ";
 
-// The line behind its time of day.
+// The line after its time of day.
 std::string Message(const std::string& line) { return line.substr(13); }
 
 TEST(OutputDebugInfo, PutsTheTimeBeforeTheFormattedText) {

@@ -75,6 +75,20 @@ TEST(TextReport, TellsWhyItIsNoPass) {
   EXPECT_EQ(TextReport(report), "skip  TestIt  not built yet\n");
 }
 
+TEST(TextReport, TellsAFewMoreProblems) {
+  RunReport report;
+  report.routine = "TestIt";
+  report.judgement = Judge({{Cause::kMissingInput, "no near end"},
+                            {Cause::kMissingInput, "no far end"},
+                            {Cause::kInputTooShort, "short"}});
+  EXPECT_EQ(TextReport(report),
+            "error  TestIt  no near end, and 2 more problems\n"
+            "  also    no far end\n"
+            "  also    short\n");
+  report.judgement = Judge(std::vector<Problem>(100, {Cause::kMissingInput, "missing"}));
+  EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 99 more problems\n");
+}
+
 TEST(JsonReport, GivesEveryFigureAUnit) {
   const json report = ParseReport(JsonReport(Example()));
   EXPECT_EQ(report["schema_version"], 2);

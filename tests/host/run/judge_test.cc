@@ -229,8 +229,22 @@ TEST_F(JudgeTest, SaysHowToConvertAFileThatIsNotHeaderless) {
             "input /my song (work/my song) is a WAVE file, not headerless samples; to convert it: "
             "ffmpeg -i 'work/my song' -f s16le -ar 44100 -ac 2 'work/my song.raw' && mv "
             "'work/my song.raw' 'work/my song'");
+}
+
+TEST_F(JudgeTest, SaysThatAFileIsNoWave) {
+  FilePlace input = Place("/in");
   input.use.container = Container::kWave;
-  EXPECT_EQ(Judge(InputProblems(std::vector{input})).verdict, Verdict::kPass);
+  WriteFile("work/in", "fLaC" + std::string(200, 'x'));
+  const Judgement judgement = Judge(InputProblems({input}));
+  EXPECT_EQ(judgement.exitCode, 1);
+  EXPECT_EQ(judgement.reason,
+            "input /in (work/in) is no WAVE file that can be read; to convert it: ffmpeg -i "
+            "work/in -c:a pcm_s16le work/in.16.wav && mv work/in.16.wav work/in");
+  WriteFile("work/in", "");
+  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass) << "as if it held no samples";
+  WriteFile("work/in", "fLaC");
+  input.use.optional = true;
+  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
 }
 
 TEST(Judge, NamesTheWorstProblemAndKeepsAll) {

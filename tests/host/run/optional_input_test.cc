@@ -50,9 +50,10 @@ TEST_F(RunTest, RunsOnAnInputThatIsTooShortAndFails) {
 TEST_F(RunTest, SaysWhatAMissingInputShouldBe) {
   const Finished run = Run({"Copy", "in", "out", "--json", "report.json"});
   EXPECT_EQ(run.exitCode, 3);
-  EXPECT_THAT(run.out, HasSubstr("No such file or directory; it takes 16-bit samples, 8000 Hz, "
-                                 "mono: ffmpeg -i YOUR_FILE -f s16le -ar 8000 -ac 1 "
-                                 "bench_work/in\n"));
+  EXPECT_THAT(run.out,
+              HasSubstr("No such file or directory; it takes 16-bit samples, 8000 Hz, "
+                        "mono: mkdir -p bench_work && ffmpeg -i YOUR_FILE -f s16le -ar 8000 -ac 1 "
+                        "bench_work/in\n"));
   const json report = ParseReport(ReadFile("report.json"));
   EXPECT_EQ(report["inputs"][0]["path"], "bench_work/in");
   EXPECT_EQ(report["inputs"][0]["problems"], json({"missing_input"}));

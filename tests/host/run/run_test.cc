@@ -26,7 +26,7 @@ TEST_F(RunTest, HandsArgumentsOn) {
   EXPECT_THAT(run.out, StartsWith("text=text with spaces more= flag=1 number=-5\npass  Echo  "));
 }
 
-TEST_F(RunTest, TakesOptionsBetweenArgumentsAndAnyWordBehindTwoDashes) {
+TEST_F(RunTest, TakesOptionsBetweenArgumentsAndAnyWordAfterTwoDashes) {
   const Finished run =
       Run({"Echo", "list", "--work", "w", "--timeout-s=5", "--", "--json", "false", "-2147483648"});
   EXPECT_EQ(run.exitCode, 0) << run.err;

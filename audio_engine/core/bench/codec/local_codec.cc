@@ -19,7 +19,7 @@ constexpr size_t kPacketBytes = 65536;  // More than the 16-bit length of a pack
 
 }  // namespace
 
-// Encodes "audio_test.pcm" into packets, each behind its length in 2 bytes, and decodes them again.
+// Encodes "audio_test.pcm" into packets, each after its length in 2 bytes, and decodes them again.
 void TestAudioEncode() {
   const AudioLocalCodec::AudioCodecType audioCodecType = AudioLocalCodec::AAC_ELD_CODEC;
   harness::StdioFile in("audio_test.pcm", "rb");
@@ -110,7 +110,7 @@ void TestEncodeFile(char* pSrcFileName, char* pDstFileName) {
   encoder->Destroy();
 }
 
-// Decodes packets behind their lengths in 2 bytes, as TestAudioEncode writes them, into headerless
+// Decodes packets, each after its length in 2 bytes, as TestAudioEncode writes them, to headerless
 // samples.
 // Deliberate: not the frame records of TestEncodeFile. Of those, the first bytes would be taken for
 // a length of 0.

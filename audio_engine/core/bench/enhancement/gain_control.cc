@@ -20,7 +20,7 @@
 using harness::ReadBlock;
 using harness::StdioFile;
 
-// Adaptive digital gain control of a 16 kHz mono WAVE file, behind a virtual microphone.
+// Adaptive digital gain control of a 16 kHz mono WAVE file, with a virtual microphone before it.
 void TestAGCProcess(const char* pSrcFileName, const char* pDstFileName) {
   StdioFile srcFile(pSrcFileName, "rb");
   StdioFile dstFile(pDstFileName, "wb");

@@ -24,7 +24,7 @@ struct WavHeader {
 };
 static_assert(sizeof(WavHeader) == 44);
 
-// Writes finished PCM bytes behind a canonical WAVE header. A file that cannot be opened or written
+// Writes finished PCM bytes after a canonical WAVE header. A file that cannot be opened or written
 // takes all bytes and keeps none, with one line in the engine's log. Belongs to one thread at a
 // time.
 class ENGINE_API CWavFileWriter {

@@ -7,7 +7,7 @@
 // 8, 16 kHz), -24 to 24.
 using EqGains = float[11];
 
-// A reverberation: a tail behind the sound itself.
+// A reverberation: a tail that follows the sound itself.
 struct NreverbFv3Parameter {
   float Factor;      // Size of the room: scales the echo paths; 1 = 9 to 23 ms each. 0.5 to 5.
   float Wet;         // Gain of the tail, dB: 0 = as much energy as the sound itself. -100 to 20.
