@@ -28,7 +28,8 @@ FileUse WaveWithHeaderOfInput(std::string name) {
 std::vector<FileUse> ReverbPresetOutputs() {
   std::vector<FileUse> outputs;
   for (int i = 0; i < 14; ++i) {
-    outputs.push_back(Wave("e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav"));
+    outputs.push_back(
+        WaveWithHeaderOfInput("e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav"));
     outputs.back().pattern = "e:\\reverb\\lumo_reverb_*.wav";
   }
   return outputs;
@@ -41,11 +42,11 @@ std::vector<CatalogueRow> EffectsRows() {
       {.declared = declared::TestIIREq,
        .exercises = "CreateEqualizer over a 44.1 kHz stereo WAVE file",
        .inputs = {Wave("c:\\44100_2_music.wav")},
-       .outputs = {Wave("c:\\44100_2_music_eq.wav")}},
+       .outputs = {WaveWithHeaderOfInput("c:\\44100_2_music_eq.wav")}},
       {.declared = declared::TestReverb,
        .exercises = "CAudioDspProcessor reverb with a preset",
        .inputs = {Wave("{pSrcFileName}")},
-       .outputs = {Wave("{pDstFileName}")}},
+       .outputs = {WaveWithHeaderOfInput("{pDstFileName}")}},
       {.declared = declared::TestReverbPreset,
        .exercises = "TestReverb over every preset, one output file each",
        .inputs = {Wave("e:\\lumo.wav")},
