@@ -38,8 +38,8 @@ Set FindSet(unsigned rate, unsigned diffused) {
   return {0, nullptr};
 }
 
-// Returns the measured position on the nearest ring of elevation, and there the one with the nearest
-// azimuth. On a tie, the smaller angle.
+// Returns the measured position on the nearest ring of elevation, and there the one with the
+// nearest azimuth. On a tie, the smaller angle.
 size_t NearestPosition(int azimuth, int elevation) {
   const auto rank = [&](const HrtfTable::Position& position) {
     const double apart = std::abs(std::remainder(position.azimuth - azimuth, 360.0));
