@@ -70,8 +70,9 @@ void FramePacker::Work() {
 void FramePacker::TakeBlock() {
   m_voice =
       Stronger(m_voice, m_detector.Detect(m_block.data(), static_cast<unsigned>(m_block.size())));
-  if (++m_blocks % kBlocksPerVolume == 0)
+  if (++m_blocks % kBlocksPerVolume == 0) {
     m_notify->OnAudioCaptureVolume(VolumeOf(m_block.data(), m_block.size()));
+  }
 
   const auto frames = static_cast<uint32_t>(m_block.size()) / static_cast<uint32_t>(m_channels);
   const size_t converted = m_resampler.Convert(m_block.data(), frames, m_converted.data()) *

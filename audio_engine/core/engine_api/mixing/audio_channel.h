@@ -7,19 +7,20 @@
 #include "audio_frame_player_notify.h"
 
 // One side of a call: packs what the microphone hears into coded frames, and plays coded frames
-// that it pulls from its owner. Belongs to one thread.
+// that it pulls from its owner. Belongs to one thread, which calls nothing of it from a notify.
 class ENGINE_API IAudioChannel {
  public:
   // A new channel, owned by the caller until Destroy; never null.
   static IAudioChannel* Create();
 
-  // Whether frames without voice are left out; off at first.
+  // Whether frames without voice are left out, from 200 ms after the last voice on; off at first.
   virtual void EnablePackerVad(bool enable) = 0;
 
   // Gives coded frames to `notify`: codecType is the raw codec id; captureRate and processRate in
-  // Hz, channels, and bytes of a captured sample. A frame is one packet of the codec as the encode
-  // drivers write it, without a length ahead of it, at most 1024 bytes; a longer one is dropped and
-  // counted. False, and no calls, for an id without a codec.
+  // Hz (8000 to 48000), channels (1 or 2), and bytes of a captured sample (2). A frame is one
+  // packet of the codec with the header that the encode drivers write, without a length ahead of
+  // it, at most 1024 bytes; a longer one is dropped and counted. The volume is told ten times a
+  // second, 0 to 100. False, and no calls, for anything else and for an id without a codec.
   virtual bool StartPacker(IAudioFramePackerNotify* notify, int codecType, int captureRate,
                            int processRate, int channels, int bytesPerSample) = 0;
 
@@ -30,8 +31,10 @@ class ENGINE_API IAudioChannel {
   // No packer notify is called afterwards.
   virtual void StopPacker() = 0;
 
-  // Plays the stream `stream` on the loudspeaker at this rate (Hz) and channel count. `notify` is
-  // asked for a frame while less than 80 ms wait; after a false, once per 10 ms.
+  // Plays the stream `stream` on the loudspeaker, which brings it to its own format; sampleRate
+  // (Hz) and channels say what the owner counts on and must be a format of a device. `notify` is
+  // asked for a frame while less than 80 ms wait; after a false, once per 10 ms. False for another
+  // format.
   virtual bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
                          uint32_t channels) = 0;
 

@@ -12,7 +12,7 @@ class ENGINE_API IAudioFramePackerNotify {
   virtual ~IAudioFramePackerNotify() = default;
 
   // One encoded frame of `len` bytes, the packer's own and valid for this call. voice: what the
-  // detector says of it; timeStamp in ms; flag is the engine's.
+  // detector says of it; timeStamp: of its start, ms; flag: 0.
   virtual void OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
                                 uint32_t timeStamp, uint8_t flag) = 0;
 

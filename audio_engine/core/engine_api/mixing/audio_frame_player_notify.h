@@ -10,21 +10,22 @@ struct AudioFrameData {
   uint16_t frameLength;  // Bytes. More than frameData holds: the frame is cut off and no good.
   uint32_t timestamp;
   uint32_t ssrc;
-  uint32_t frameIndex;  // Counts the frames of the stream.
+  uint32_t frameIndex;  // Counts the frames of the stream; where it jumps, the player conceals.
   uint8_t codecType;    // The low byte of the raw codec id.
   uint8_t keyFrame;
-  uint8_t discard;
+  uint8_t discard;  // Not 0: as good as lost.
 };
 
-// How a frame player is doing, for the owner that feeds it.
+// How a frame player is doing, for the owner that feeds it. The desktop's plays at the pace at
+// which it pulls: it neither accelerates nor stretches.
 struct FramePlayerFeedbackInfo {
   bool acceleratePlay;
   bool fasterPlayOn;
   bool stretchPlay;
-  bool isFakeAudioFrame;
+  bool isFakeAudioFrame;  // The frame before was made up.
   double accelerateMS;
   double stretchMS;
-  double playDelayMS;
+  double playDelayMS;  // From now until the next frame is heard.
 };
 
 // What a frame player asks of its owner. The calls come on a thread of the engine, never on the
