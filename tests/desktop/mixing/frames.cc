@@ -8,6 +8,7 @@
 void KeptFrames::OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
                                   uint32_t timeStamp, uint8_t /*flag*/) {
   frames.push_back({std::vector<uint8_t>(data, data + len), voice, timeStamp});
+  ++count;
 }
 
 FedFrames::FedFrames(int rawId, const std::vector<KeptFrames::Frame>& kept) : rawId(rawId) {

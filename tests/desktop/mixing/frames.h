@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -9,6 +10,10 @@
 // Keeps what a packer gives.
 class KeptFrames : public IAudioFramePackerNotify {
  public:
+  KeptFrames() = default;
+  KeptFrames(const KeptFrames& other) : frames(other.frames), volumes(other.volumes) {}
+  KeptFrames& operator=(const KeptFrames&) = delete;
+
   struct Frame {
     std::vector<uint8_t> bytes;
     VADResultKind voice;
@@ -21,6 +26,7 @@ class KeptFrames : public IAudioFramePackerNotify {
 
   std::vector<Frame> frames;
   std::vector<uint32_t> volumes;
+  std::atomic<int> count = 0;  // Of the frames, while they come on another thread.
 };
 
 // Feeds frames to a player. An empty one is a pull without an answer; `lost` ones are left out, and
@@ -39,7 +45,7 @@ class FedFrames : public IAudioFramePlayerNotify {
   std::vector<std::vector<uint8_t>> frames;
   std::vector<bool> lost;
   size_t next = 0;
-  int pulls = 0;
+  std::atomic<int> pulls = 0;
   int firstPulls = 0;
   std::vector<uint32_t> volumes;
   std::vector<uint32_t> times;

@@ -1,0 +1,181 @@
+#include "engine_api/mixing/audio_channel.h"
+
+#include <chrono>
+#include <exception>
+#include <map>
+#include <memory>
+
+#include "desktop/mixing/frame_packer.h"
+#include "desktop/mixing/frame_player.h"
+#include "desktop/mixing/loudspeaker.h"
+#include "desktop/mixing/microphone.h"
+#include "desktop/platform/ticker.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+using desktop::DeviceFormat;
+using desktop::Loudspeaker;
+using desktop::Microphone;
+using desktop::Resampler;
+
+// Packs what a microphone hears, on the thread of that.
+class PackedCapture : public desktop::CaptureListener {
+ public:
+  // Both formats have the same channels.
+  PackedCapture(std::unique_ptr<desktop::FramePacker> packer, DeviceFormat captured,
+                DeviceFormat processed)
+      : m_packer(std::move(packer)),
+        m_channels(captured.channels),
+        m_resampler(captured.rate, m_channels, processed.rate, m_channels,
+                    static_cast<uint32_t>(captured.BlockFrames())),
+        m_block(size_t{m_resampler.MostFramesFor(static_cast<uint32_t>(captured.BlockFrames()))} *
+                m_channels) {}
+
+  ~PackedCapture() override {
+    const desktop::FramePacker::Counts counts = m_packer->GetCounts();
+    OutputDebugInfo("packer: %u frames, %u left out, %u too long, %zu samples dropped",
+                    counts.packed, counts.leftOut, counts.tooLong, counts.droppedSamples);
+  }
+  PackedCapture(const PackedCapture&) = delete;
+  PackedCapture& operator=(const PackedCapture&) = delete;
+
+  void LeaveOutSilence(bool on) { m_packer->LeaveOutSilence(on); }
+
+  void OnCaptured(const desktop::CapturedBlock& block) override {
+    const uint32_t frames =
+        m_resampler.Convert(block.samples, static_cast<uint32_t>(block.frames), m_block.data());
+    m_packer->Put(m_block.data(), frames);
+    m_packer->Work();
+  }
+
+ private:
+  const std::unique_ptr<desktop::FramePacker> m_packer;
+  const uint32_t m_channels;
+  Resampler m_resampler;
+  std::vector<short> m_block;
+};
+
+// A stream on the loudspeaker, whose frames are pulled on a thread of its own.
+class PlayedStream final : public desktop::PlaySource {
+ public:
+  PlayedStream(IAudioFramePlayerNotify* notify, uint32_t stream)
+      : m_stream(stream),
+        m_player(notify, stream, Loudspeaker::kFormat.rate, Loudspeaker::kFormat.channels),
+        m_ticker(std::make_unique<desktop::Ticker>(std::chrono::milliseconds(10), [this] {
+          m_player.Work(Loudspeaker::Shared().Device().LatencyMs());
+        })) {
+    Loudspeaker::Shared().Add(this);
+  }
+
+  ~PlayedStream() override {
+    Loudspeaker::Shared().Remove(this);
+    m_ticker = nullptr;
+    const desktop::FramePlayer::Counts counts = m_player.GetCounts();
+    OutputDebugInfo("player: stream %u, %u frames, %u concealed, %u refused, %u underruns",
+                    m_stream, counts.played, counts.concealed, counts.refused, counts.underruns);
+  }
+  PlayedStream(const PlayedStream&) = delete;
+  PlayedStream& operator=(const PlayedStream&) = delete;
+
+  void FillBlock(short* samples, size_t frames) override { m_player.Render(samples, frames); }
+
+ private:
+  const uint32_t m_stream;
+  desktop::FramePlayer m_player;
+  std::unique_ptr<desktop::Ticker> m_ticker;
+};
+
+class AudioChannel : public IAudioChannel {
+ public:
+  ~AudioChannel() override {
+    AudioChannel::StopPacker();
+    AudioChannel::CloseCapture();
+  }
+
+  void EnablePackerVad(bool enable) override {
+    m_leavesOutSilence = enable;
+    if (m_packed != nullptr) m_packed->LeaveOutSilence(enable);
+  }
+
+  bool StartPacker(IAudioFramePackerNotify* notify, int codecType, int captureRate, int processRate,
+                   int channels, int bytesPerSample) override try {
+    StopPacker();
+    const auto sameChannels = static_cast<uint32_t>(channels);
+    const DeviceFormat captured = {static_cast<uint32_t>(captureRate), sameChannels};
+    const DeviceFormat processed = {static_cast<uint32_t>(processRate), sameChannels};
+    if (notify == nullptr || !captured.IsValid() || !processed.IsValid() ||
+        bytesPerSample != sizeof(short)) {
+      OutputDebugInfo("packer: cannot capture %d Hz, process %d Hz, %d channels, %d bytes",
+                      captureRate, processRate, channels, bytesPerSample);
+      return false;
+    }
+    auto packer = desktop::FramePacker::Create(notify, codecType, processRate, channels);
+    if (packer == nullptr) return false;
+    packer->LeaveOutSilence(m_leavesOutSilence);
+    m_packed = std::make_unique<PackedCapture>(std::move(packer), captured, processed);
+    const bool reopens = m_microphone != nullptr && (m_captured.rate != captured.rate ||
+                                                     m_captured.channels != captured.channels);
+    m_captured = captured;
+    if (reopens) return OpenCapture();
+    if (m_microphone != nullptr) m_microphone->Add(m_packed.get());
+    return true;
+  } catch (const std::exception& error) {
+    OutputDebugInfo("packer: does not start: %s", error.what());
+    return false;
+  }
+
+  bool OpenCapture() override try {
+    CloseCapture();
+    auto microphone = std::make_unique<Microphone>(m_captured);
+    if (m_packed != nullptr) microphone->Add(m_packed.get());
+    if (!microphone->Start()) return false;
+    m_microphone = std::move(microphone);
+    return true;
+  } catch (const std::exception& error) {
+    OutputDebugInfo("microphone: does not start: %s", error.what());
+    return false;
+  }
+
+  void CloseCapture() override {
+    if (m_microphone == nullptr) return;
+    m_microphone->Stop();
+    if (m_packed != nullptr) m_microphone->Remove(m_packed.get());
+    m_microphone = nullptr;
+  }
+
+  void StopPacker() override {
+    if (m_microphone != nullptr && m_packed != nullptr) m_microphone->Remove(m_packed.get());
+    m_packed = nullptr;
+  }
+
+  bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
+                 uint32_t channels) override try {
+    StopPlay(stream);
+    if (notify == nullptr || !DeviceFormat{sampleRate, channels}.IsValid()) {
+      OutputDebugInfo("player: stream %u cannot play at %u Hz with %u channels", stream, sampleRate,
+                      channels);
+      return false;
+    }
+    m_streams[stream] = std::make_unique<PlayedStream>(notify, stream);
+    return true;
+  } catch (const std::exception& error) {
+    OutputDebugInfo("player: stream %u does not start: %s", stream, error.what());
+    return false;
+  }
+
+  void StopPlay(uint32_t stream) override { m_streams.erase(stream); }
+
+  void Destroy() override { delete this; }
+
+ private:
+  bool m_leavesOutSilence = false;
+  DeviceFormat m_captured = {48000, 1};
+  std::unique_ptr<PackedCapture> m_packed;
+  std::unique_ptr<Microphone> m_microphone;  // Null while it is closed.
+  std::map<uint32_t, std::unique_ptr<PlayedStream>> m_streams;
+};
+
+}  // namespace
+
+IAudioChannel* IAudioChannel::Create() { return new AudioChannel; }

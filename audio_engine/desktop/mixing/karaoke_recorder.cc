@@ -1,0 +1,193 @@
+#include "engine_api/mixing/karaoke_recorder.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "desktop/mixing/converted_source.h"
+#include "desktop/mixing/file_player.h"
+#include "desktop/mixing/file_sink.h"
+#include "desktop/mixing/loudspeaker.h"
+#include "desktop/mixing/microphone.h"
+#include "desktop/mixing/note_scorer.h"
+#include "desktop/mixing/pitch_tracker.h"
+#include "desktop/mixing/sum_limiter.h"
+#include "engine_api/platform/log.h"
+
+namespace {
+
+using desktop::DeviceFormat;
+using desktop::FileSink;
+using desktop::PitchTracker;
+
+constexpr DeviceFormat kVoice = {44100, 1};
+constexpr DeviceFormat kMix = {44100, 2};
+constexpr size_t kBlock = kVoice.rate / 100;  // Frames of 10 ms.
+
+// What becomes of a voice, on the thread of the microphone: it is written, mixed with the song, and
+// compared with its notes.
+class Recording : public desktop::CaptureListener {
+ public:
+  struct Files {
+    std::unique_ptr<FileSink> voice;  // Null for none.
+    std::unique_ptr<FileSink> mix;
+    std::unique_ptr<desktop::ConvertedSource> song;  // For the mix; null for silence.
+  };
+
+  // player: plays the song, or null. scorer: null for no score.
+  Recording(Files files, const desktop::FilePlayer* player,
+            std::unique_ptr<desktop::NoteScorer> scorer)
+      : m_files(std::move(files)), m_player(player), m_scorer(std::move(scorer)) {}
+
+  // Nothing is captured any more. lines: of the song.
+  void Finish(size_t lines) {
+    if (m_scorer == nullptr) return;
+    m_scorer->Finish();
+    OutputDebugInfo("karaoke recorder: %zu lines, %zu notes, %zu sung, %zu within 50 cents", lines,
+                    m_scorer->NotesToSing(), m_scorer->NotesSung(), m_scorer->NotesHit());
+  }
+
+  void OnCaptured(const desktop::CapturedBlock& block) override {
+    if (m_files.voice != nullptr) m_files.voice->Write(block.samples, block.frames);
+    if (!m_songStartMs && m_player != nullptr && m_player->PlayedMs() > 0) FindStart(block);
+    if (m_files.mix != nullptr) Mix(block);
+    if (m_scorer != nullptr && m_songStartMs) Score(block);
+  }
+
+ private:
+  // When, by the microphone's time, the singer heard the song begin.
+  void FindStart(const desktop::CapturedBlock& block) {
+    m_songStartMs = block.timeMs + 10.0 - m_player->PlayedMs() +
+                    desktop::Loudspeaker::Shared().Device().LatencyMs();
+  }
+
+  void Mix(const desktop::CapturedBlock& block) {
+    short song[kBlock * kMix.channels] = {};
+    if (m_files.song != nullptr && m_songStartMs && block.timeMs >= *m_songStartMs) {
+      m_files.song->Read(song, kBlock);
+    }
+    int32_t sums[kBlock * kMix.channels];
+    for (size_t i = 0; i < std::size(sums); ++i) sums[i] = song[i] + block.samples[i / 2];
+    m_limiter.Process(sums, kBlock, kMix.channels, song);
+    m_files.mix->Write(song, kBlock);
+  }
+
+  void Score(const desktop::CapturedBlock& block) {
+    short samples[PitchTracker::kHop];
+    m_resampler.Convert(block.samples, kBlock, samples);
+    const double pitch = m_tracker.Track(samples);
+    m_scorer->Sing(block.timeMs + 10.0 - PitchTracker::kLagMs - *m_songStartMs, pitch);
+  }
+
+  const Files m_files;
+  const desktop::FilePlayer* const m_player;
+  const std::unique_ptr<desktop::NoteScorer> m_scorer;
+  std::optional<double> m_songStartMs;
+  desktop::SumLimiter m_limiter;
+  desktop::Resampler m_resampler{kBlock, 1, PitchTracker::kHop, 1, kBlock};
+  PitchTracker m_tracker;
+};
+
+class KaraokeRecorder : public IKaraokeRecorder {
+ public:
+  ~KaraokeRecorder() override { KaraokeRecorder::Stop(); }
+
+  bool OpenInputFile(char* guideFile, char* accompanyFile) override {
+    Stop();
+    m_songFile.clear();
+    for (const char* name : {accompanyFile, guideFile}) {
+      if (m_player.Open(name) != PLAYER_OPEN_SUCCESS) continue;
+      m_songFile = name;
+      return true;
+    }
+    return false;
+  }
+
+  bool OpenOutputFile(char* voiceFile, char* mixFile) override {
+    Stop();
+    const bool voice = OpenSink(voiceFile, kVoice, &m_files.voice);
+    const bool mix = OpenSink(mixFile, kMix, &m_files.mix);
+    return voice && mix;
+  }
+
+  void SetLineInfo(ScoreLineInfo* lines, int count) override {
+    m_lines.assign(lines, lines + std::max(count, 0));
+  }
+
+  void SetScoreTimeRange(ScoreTimeRange* notes, uint32_t count, int8_t* pitchVisual) override {
+    m_notes.assign(notes, notes + count);
+    m_pitchVisual = pitchVisual;
+  }
+
+  bool Start() override try {
+    if (m_recording != nullptr) return false;
+    if (m_files.voice == nullptr && m_files.mix == nullptr) {
+      OutputDebugInfo("karaoke recorder: there is no file to record into");
+      return false;
+    }
+    const bool hasSong = !m_songFile.empty();
+    auto scorer =
+        std::make_unique<desktop::NoteScorer>(m_notes.data(), m_notes.size(), m_pitchVisual);
+    if (!hasSong) scorer = nullptr;
+    if (hasSong && m_files.mix != nullptr) m_files.song = OpenSong();
+    m_recording = std::make_unique<Recording>(std::move(m_files), hasSong ? &m_player : nullptr,
+                                              std::move(scorer));
+    m_files = {};
+    m_microphone = std::make_unique<desktop::Microphone>(kVoice);
+    m_microphone->Add(m_recording.get());
+    if (!m_microphone->Start()) {
+      Stop();
+      return false;
+    }
+    if (hasSong) m_player.Play();
+    return true;
+  } catch (const std::exception& error) {
+    OutputDebugInfo("karaoke recorder: does not start: %s", error.what());
+    Stop();
+    return false;
+  }
+
+  void Stop() override {
+    m_player.Stop();
+    if (m_recording == nullptr) return;
+    m_microphone = nullptr;
+    m_recording->Finish(m_lines.size());
+    m_recording = nullptr;
+  }
+
+  void Destroy() override { delete this; }
+
+ private:
+  // True without a name too.
+  static bool OpenSink(const char* name, DeviceFormat format, std::unique_ptr<FileSink>* sink) {
+    *sink = nullptr;
+    if (name == nullptr || *name == '\0') return true;
+    *sink = FileSink::Create(name, format, false);
+    return *sink != nullptr;
+  }
+
+  std::unique_ptr<desktop::ConvertedSource> OpenSong() const {
+    std::unique_ptr<desktop::FileSource> source;
+    if (desktop::FileSource::Open(m_songFile.c_str(), &source) != PLAYER_OPEN_SUCCESS) {
+      return nullptr;
+    }
+    return desktop::ConvertedSource::Create(std::move(source), kMix);
+  }
+
+  desktop::FilePlayer m_player;
+  std::string m_songFile;  // Empty without one.
+  Recording::Files m_files;
+  std::vector<ScoreLineInfo> m_lines;
+  std::vector<ScoreTimeRange> m_notes;
+  int8_t* m_pitchVisual = nullptr;
+  std::unique_ptr<Recording> m_recording;
+  std::unique_ptr<desktop::Microphone> m_microphone;
+};
+
+}  // namespace
+
+void UseAndroidOpenSlEs(bool /*use*/) {}
+
+IKaraokeRecorder* IKaraokeRecorder::Create() { return new KaraokeRecorder; }

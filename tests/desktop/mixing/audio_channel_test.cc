@@ -1,0 +1,175 @@
+#include "engine_api/mixing/audio_channel.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <thread>
+
+#include "desktop/mixing/file_player.h"
+#include "desktop/platform/audio_device.h"
+#include "frames.h"
+#include "in_time.h"
+#include "played.h"
+#include "support/captured_stderr.h"
+#include "support/file_bytes.h"
+#include "support/signals.h"
+#include "support/talk.h"
+#include "support/temporary_directory.h"
+#include "support/voice.h"
+#include "support/wav_bytes.h"
+#include "wait.h"
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+namespace {
+
+void Sleep(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+class AudioChannel : public testing::Test {
+ protected:
+  AudioChannel() { desktop::UseNullDevices(1); }
+  ~AudioChannel() override { m_channel->Destroy(); }
+
+  bool StartPacker(IAudioFramePackerNotify* notify, int rawId) {
+    return m_channel->StartPacker(notify, rawId, 48000, 48000, 1, 2);
+  }
+
+  // Packs `count` frames, or a few more, of what a singer sings into the microphone path.
+  KeptFrames PackSinger(int rawId, int count) {
+    WriteFile("singer.wav", WavBytes({.rate = 48000}, SungNote(220, 48000, 4)));
+    desktop::FilePlayer singer;
+    singer.SetFeedBack(AudioSourceTypeOuterPCM);
+    EXPECT_EQ(singer.Open("singer.wav"), PLAYER_OPEN_SUCCESS);
+    singer.Play();
+    EXPECT_TRUE(WaitUntil([&] { return singer.PlayedMs() > 200; }));
+    KeptFrames kept;
+    EXPECT_TRUE(StartPacker(&kept, rawId));
+    EXPECT_TRUE(m_channel->OpenCapture());
+    EXPECT_TRUE(WaitUntil([&] { return kept.count >= count; }));
+    m_channel->StopPacker();
+    m_channel->CloseCapture();
+    return kept;
+  }
+
+  TemporaryDirectory m_directory;
+  IAudioChannel* const m_channel = IAudioChannel::Create();
+};
+
+}  // namespace
+
+TEST_F(AudioChannel, PacksWhatIsHeardAndPlaysItBack) {
+  std::vector<short> heard;
+  std::string log;
+  const bool inTime = RunInTime([&] {
+    const CapturedStderr lines;
+    const KeptFrames kept = PackSinger(51, 60);
+    FedFrames fed(51, kept.frames);
+    {
+      const Played played;
+      ASSERT_TRUE(m_channel->StartPlay(&fed, 0, 44100, 2));
+      ASSERT_TRUE(WaitUntil([&] { return played.Sound().size() > 2 * 44000; }));
+      m_channel->StopPlay(0);
+      heard = Channel(played.Sound(), 2, 0);
+    }
+    log = lines.Text();
+    fputs(log.c_str(), stderr);
+  });
+  if (!inTime) GTEST_SKIP() << "the machine is too busy";
+  ASSERT_GT(heard.size(), 44000U);
+  const std::vector<short> sung(heard.begin() + 24000, heard.begin() + 44000);
+  EXPECT_NEAR(CentsOff(sung, 220, 48000), 0, 3);
+  EXPECT_GT(FindLag(SungNote(220, 48000, 0.3), sung, 300).agreement, 0.9);
+  EXPECT_THAT(log, ContainsRegex("packer: .* frames, 0 left out, 0 too long, 0 samples dropped"));
+  EXPECT_THAT(log, ContainsRegex("player: stream 0, .* 0 concealed, 0 refused, 0 underruns"));
+}
+
+TEST_F(AudioChannel, OpensTheMicrophoneInTheFormatOfItsPacker) {
+  KeptFrames kept;
+  ASSERT_TRUE(m_channel->OpenCapture());
+  ASSERT_TRUE(m_channel->StartPacker(&kept, 50, 16000, 8000, 2, 2));
+  EXPECT_TRUE(WaitUntil([&] { return kept.count >= 15; }));
+  m_channel->StopPacker();
+  // As much of the microphone's time has passed as the frames say.
+  EXPECT_EQ(kept.frames[14].timeMs, 280U);
+}
+
+TEST_F(AudioChannel, RefusesWhatItCannotDo) {
+  KeptFrames kept;
+  FedFrames fed(50, {});
+  EXPECT_FALSE(StartPacker(&kept, -1));
+  EXPECT_FALSE(StartPacker(nullptr, 50));
+  EXPECT_FALSE(m_channel->StartPacker(&kept, 50, 96000, 48000, 1, 2));
+  EXPECT_FALSE(m_channel->StartPacker(&kept, 50, 48000, 0, 1, 2));
+  EXPECT_FALSE(m_channel->StartPacker(&kept, 50, 48000, 48000, 3, 2));
+  EXPECT_FALSE(m_channel->StartPacker(&kept, 50, 48000, 48000, 1, 4));
+  EXPECT_FALSE(m_channel->StartPlay(nullptr, 0, 44100, 2));
+  EXPECT_FALSE(m_channel->StartPlay(&fed, 0, 0, 2));
+  EXPECT_FALSE(m_channel->StartPlay(&fed, 0, 44100, 0));
+  m_channel->StopPacker();
+  m_channel->StopPlay(0);
+  m_channel->StopPlay(77);
+  m_channel->CloseCapture();
+}
+
+// The samples end with a codec that is not there: the capture runs on without calls.
+TEST_F(AudioChannel, PlaysSilenceWhileItsOwnerHasNothing) {
+  FedFrames nothing(255, {});
+  ASSERT_TRUE(m_channel->StartPlay(&nothing, 0, 44100, 2));
+  Sleep(300);
+  m_channel->StopPlay(0);
+  EXPECT_GT(nothing.pulls, 1);
+  EXPECT_LE(nothing.pulls, 40);
+}
+
+TEST_F(AudioChannel, PlaysSeveralStreams) {
+  FedFrames one(50, Pack(50, SungNote(220, 16000, 1), 16000).frames);
+  FedFrames other(0, Pack(0, SungNote(330, 16000, 1), 16000).frames);
+  const Played played;
+  ASSERT_TRUE(m_channel->StartPlay(&one, 1, 44100, 2));
+  ASSERT_TRUE(m_channel->StartPlay(&other, 2, 44100, 2));
+  ASSERT_TRUE(WaitUntil([&] { return played.Sound().size() > 2 * 24000; }));
+  m_channel->StopPlay(1);
+  m_channel->StopPlay(2);
+  const std::vector<short> heard = Channel(played.Sound(), 2, 0);
+  const std::vector<double> sound =
+      ToDoubles(std::vector<short>(heard.begin() + 9600, heard.begin() + 24000));
+  EXPECT_GT(AmplitudeAt(sound, 220, 48000), 0.02);
+  EXPECT_GT(AmplitudeAt(sound, 330, 48000), 0.02);
+}
+
+// What is freed right after a stop must not be called: the address or thread checkers see it.
+TEST_F(AudioChannel, CallsNobodyAfterItWasStopped) {
+  const KeptFrames kept = Pack(50, SungNote(220, 16000, 1), 16000);
+  ASSERT_TRUE(m_channel->OpenCapture());
+  std::atomic<bool> ends = false;
+  std::thread load([&] {
+    while (!ends) Pack(52, std::vector<short>(4800), 48000);
+  });
+  for (int i = 0; i < 12; ++i) {
+    auto packer = std::make_unique<KeptFrames>();
+    auto player = std::make_unique<FedFrames>(50, kept.frames);
+    ASSERT_TRUE(StartPacker(packer.get(), i % 2 == 0 ? 50 : 0));
+    ASSERT_TRUE(m_channel->StartPlay(player.get(), 0, 44100, 2));
+    Sleep(5 * i);
+    m_channel->StopPacker();
+    packer.reset();
+    m_channel->StopPlay(0);
+    player.reset();
+  }
+  auto packer = std::make_unique<KeptFrames>();
+  auto player = std::make_unique<FedFrames>(50, kept.frames);
+  IAudioChannel* const channel = IAudioChannel::Create();
+  ASSERT_TRUE(channel->StartPacker(packer.get(), 50, 48000, 48000, 1, 2));
+  ASSERT_TRUE(channel->OpenCapture());
+  ASSERT_TRUE(channel->StartPlay(player.get(), 0, 44100, 2));
+  Sleep(60);
+  channel->Destroy();
+  packer.reset();
+  player.reset();
+  ends = true;
+  load.join();
+}

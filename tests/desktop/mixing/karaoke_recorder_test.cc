@@ -1,0 +1,160 @@
+#include "engine_api/mixing/karaoke_recorder.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <thread>
+
+#include "desktop/mixing/file_player.h"
+#include "desktop/mixing/file_source.h"
+#include "desktop/platform/audio_device.h"
+#include "in_time.h"
+#include "support/captured_stderr.h"
+#include "support/file_bytes.h"
+#include "support/signals.h"
+#include "support/temporary_directory.h"
+#include "support/tone.h"
+#include "support/voice.h"
+#include "support/wav_bytes.h"
+#include "wait.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+void Sleep(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+class KaraokeRecorder : public testing::Test {
+ protected:
+  KaraokeRecorder() { desktop::UseNullDevices(1); }
+
+  static void WriteWave(const char* name, const std::vector<short>& samples) {
+    WriteFile(name, WavBytes({.rate = 44100}, samples));
+  }
+
+  bool OpenInput(const char* guide, const char* music) {
+    return m_recorder->OpenInputFile(const_cast<char*>(guide), const_cast<char*>(music));
+  }
+  bool OpenOutput(const char* voice, const char* mix) {
+    return m_recorder->OpenOutputFile(const_cast<char*>(voice), const_cast<char*>(mix));
+  }
+
+  static std::vector<short> Read(const char* name) {
+    std::unique_ptr<desktop::FileSource> source;
+    if (desktop::FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return {};
+    std::vector<short> samples(source->Frames() * source->Channels());
+    source->Read(samples.data(), source->Frames());
+    return samples;
+  }
+
+  TemporaryDirectory m_directory;
+  IKaraokeRecorder* m_recorder = IKaraokeRecorder::Create();
+};
+
+}  // namespace
+
+// The singer is fed into the microphone path: the first note right, the second a semitone flat,
+// the third not at all. The notes lie well inside of what is sung, because a busy machine starts
+// the singer late.
+TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
+  std::vector<short> song = SungNote(220, 44100, 1.2);
+  const std::vector<short> flat = SungNote(261.63 / 1.0595, 44100, 1.2);
+  song.insert(song.end(), flat.begin(), flat.end());
+  WriteWave("singer.wav", song);
+  WriteWave("music.wav", Tone(1000, 3000, 44100, 44100 * 4));
+  ScoreTimeRange notes[] = {{400, 1000, 1, 0, 57}, {1800, 2300, 1, 1, 60}, {3100, 3300, 2, 1, 60}};
+  ScoreLineInfo songLines[] = {{1, 0, 2500}, {2, 2500, 3500}};
+  auto visual = std::make_unique<int8_t[]>(3);
+  m_recorder->Destroy();
+
+  std::string log;
+  const bool inTime = RunInTime([&] {
+    const CapturedStderr lines;
+    m_recorder = IKaraokeRecorder::Create();
+    ASSERT_TRUE(OpenInput("missing.wav", "music.wav"));
+    ASSERT_TRUE(OpenOutput("voice.wav", "mix.wav"));
+    m_recorder->SetLineInfo(songLines, 2);
+    m_recorder->SetScoreTimeRange(notes, 3, visual.get());
+    desktop::FilePlayer singer;
+    singer.SetFeedBack(AudioSourceTypeOuterPCM);
+    ASSERT_EQ(singer.Open("singer.wav"), PLAYER_OPEN_SUCCESS);
+    ASSERT_TRUE(m_recorder->Start());
+    singer.Play();
+    EXPECT_EQ(std::atomic_ref(visual[2]).load(), 127);
+    constexpr uintmax_t kBytes = 44 + 35 * 8820;  // 3.5 s.
+    EXPECT_TRUE(WaitUntil([&] { return std::filesystem::file_size("voice.wav") >= kBytes; }));
+    m_recorder->Destroy();
+    log = lines.Text();
+    fputs(log.c_str(), stderr);
+  });
+  if (!inTime) GTEST_SKIP() << "the machine is too busy";
+
+  EXPECT_NEAR(visual[0], 0, 2);
+  EXPECT_NEAR(visual[1], -10, 2);
+  EXPECT_EQ(visual[2], 127);
+  EXPECT_THAT(log, HasSubstr("2 lines, 3 notes, 2 sung, 1 within 50 cents"));
+
+  const std::vector<short> voice = Read("voice.wav");
+  ASSERT_GE(voice.size(), 44100U * 3);
+  const std::vector<short> first(voice.begin() + 33075, voice.begin() + 48510);
+  EXPECT_NEAR(CentsOff(first, 220, 44100), 0, 5);
+  const std::vector<double> mix = ToDoubles(Channel(Read("mix.wav"), 2, 1));
+  EXPECT_EQ(mix.size(), voice.size());
+  const std::span<const double> middle(mix.data() + 88200, 22050);
+  EXPECT_NEAR(AmplitudeAt(middle, 1000, 44100), 3000 / 32768.0, 0.002);
+}
+
+TEST_F(KaraokeRecorder, PlaysTheGuideWhereThereIsNoAccompaniment) {
+  WriteWave("guide.wav", Tone(1000, 3000, 44100, 44100));
+  EXPECT_TRUE(OpenInput("guide.wav", "missing.wav"));
+  EXPECT_FALSE(OpenInput("missing.wav", ""));
+  m_recorder->Destroy();
+}
+
+TEST_F(KaraokeRecorder, RecordsTheVoiceWithoutASongAndFinishesItsFile) {
+  int8_t visual = 5;
+  ScoreTimeRange note = {0, 1000, 1, 1, 60};
+  EXPECT_FALSE(OpenInput("missing.wav", "missing too.wav"));
+  ASSERT_TRUE(OpenOutput("voice.wav", ""));
+  m_recorder->SetScoreTimeRange(&note, 1, &visual);
+  ASSERT_TRUE(m_recorder->Start());
+  EXPECT_FALSE(m_recorder->Start());  // It runs.
+  Sleep(100);
+  m_recorder->Destroy();
+  EXPECT_GT(Read("voice.wav").size(), 0U);
+  EXPECT_LT(Read("voice.wav").size(), 44100U);
+  EXPECT_EQ(visual, 127);
+  EXPECT_FALSE(std::filesystem::exists("mix.wav"));
+}
+
+TEST_F(KaraokeRecorder, DoesNotStartWithoutAFileToRecordInto) {
+  const CapturedStderr log;
+  EXPECT_FALSE(m_recorder->Start());
+  EXPECT_TRUE(OpenOutput("", ""));
+  EXPECT_FALSE(m_recorder->Start());
+  EXPECT_FALSE(OpenOutput("voice.mid", ""));
+  EXPECT_FALSE(m_recorder->Start());
+  m_recorder->Destroy();
+  EXPECT_THAT(log.Lines(), testing::SizeIs(4));
+}
+
+// The array is freed right after the end: the address or thread checkers see a write.
+TEST_F(KaraokeRecorder, TouchesNothingAfterDestroy) {
+  WriteWave("music.wav", SungNote(220, 44100, 1));
+  m_recorder->Destroy();
+  ScoreTimeRange note = {0, 1000, 1, 1, 57};
+  for (int i = 0; i < 6; ++i) {
+    auto visual = std::make_unique<int8_t>();
+    m_recorder = IKaraokeRecorder::Create();
+    OpenInput("", "music.wav");
+    OpenOutput("voice.wav", "");
+    m_recorder->SetScoreTimeRange(&note, 1, visual.get());
+    ASSERT_TRUE(m_recorder->Start());
+    Sleep(20 * i);
+    m_recorder->Destroy();
+    visual.reset();
+  }
+}
