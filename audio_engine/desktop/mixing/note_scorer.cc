@@ -50,7 +50,7 @@ void NoteScorer::Sing(double timeMs, double pitch) {
   if (note < 0 || pitch <= 0) return;
   const auto at = static_cast<size_t>(note);
   const int tenths = TenthsAbove(std::min(m_notes[at].midiValue, 127), pitch);
-  ++m_counts[static_cast<size_t>(tenths + kMostTenths)];
+  ++m_counts[static_cast<unsigned>(tenths + kMostTenths)];
   if (++m_heard < kFewest) return;
 
   uint32_t below = 0;
