@@ -15,7 +15,7 @@ using std::chrono::steady_clock;
 // How long the server may do nothing.
 constexpr milliseconds kPatience{800};
 constexpr int kWaitMicroseconds = 10'000;
-constexpr uint32_t kBufferedBlocks = 8;
+constexpr uint32_t kBufferedBlocks = 16;
 
 void CountFailure(pa_stream* /*stream*/, void* failures) { ++*static_cast<uint64_t*>(failures); }
 
