@@ -219,6 +219,25 @@ TEST(Catalogue, NamesNullableParametersThatExist) {
   }
 }
 
+TEST(Catalogue, FindsTheFilesOfARunInItsWords) {
+  const CatalogueRow& row = Row("TestNoizeusEx");
+  const std::string_view off[] = {"4", "1"};
+  const std::string_view light[] = {"1", "7"};
+  const auto noisy = Inputs(row, off);
+  ASSERT_THAT(noisy, SizeIs(30 + 960));
+  EXPECT_EQ(noisy.back().name, "NOIZEUS/in/train/15dB/sp30_train_sn15.pcm");
+  EXPECT_EQ(Outputs(row, off).front().name, "NOIZEUS/out/result_speech_snr_off_airport.txt");
+  EXPECT_EQ(Inputs(row, light).back().name, "NOIZEUS/out/sp30_train_sn15_denoise_light.pcm");
+  EXPECT_EQ(Outputs(row, light).front().name, "NOIZEUS/out/result__denoise_light_airport.txt");
+}
+
+TEST(Catalogue, RefusesWordsThatFitTheirTypesAlone) {
+  for (const std::string_view ns : {"-1", "5"}) {
+    const std::string_view words[] = {ns, "0"};
+    EXPECT_THAT(ArgumentFault(Row("TestNoizeusEx"), words), HasSubstr("must be 0 (aec), "));
+  }
+}
+
 TEST(Catalogue, NamesTheFilesOfTheSelectedTest) {
   for (const char* routine : {"RunTestCase", "TestHRTF"}) {
     const CatalogueRow& row = Row(routine);
