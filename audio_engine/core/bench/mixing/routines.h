@@ -6,11 +6,11 @@
 
 ROUTINE(void, TestAudioMixer);
 ROUTINE(void, TestRecordMixer);
-PLANNED(void, TestKaraokeFileMixer);
-PLANNED(void, TestKaraokeRecorder);
+ROUTINE(void, TestKaraokeFileMixer);
+ROUTINE(void, TestKaraokeRecorder);
 ROUTINE(void, TestFilePlayer);
 ROUTINE(void, TestAudioRecorder);
 ROUTINE(void, TestAudioSaver);
 ROUTINE(void, TestSpeechMsg);
-PLANNED(void, TestAudioChannel, int codecType);
+ROUTINE(void, TestAudioChannel, int codecType);
 ROUTINE(void, TestPushPcm);
