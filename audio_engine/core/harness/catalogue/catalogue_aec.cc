@@ -4,6 +4,7 @@
 
 #include "bench/aec/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/noizeus_files.h"
 
 namespace harness {
 
@@ -58,6 +59,20 @@ std::vector<FileUse> ForRecordings(const std::string& name) {
   return files;
 }
 
+// The files of a list of the corpus as WAVEs, in a folder of their own beneath it if that is given.
+std::vector<FileUse> AsWaves(std::vector<FileUse> files, const std::string& folder = "") {
+  const auto moved = [&folder](const std::string& name) {
+    const size_t end = folder.empty() ? 0 : name.rfind('/') + 1;
+    return name.substr(0, end) + folder + name.substr(end, name.size() - end - 4) + ".wav";
+  };
+  for (FileUse& file : files) {
+    const std::string pattern = moved(file.pattern);
+    file = Wave(moved(file.name));
+    file.pattern = pattern;
+  }
+  return files;
+}
+
 }  // namespace
 
 std::vector<CatalogueRow> AecRows() {
@@ -80,7 +95,9 @@ std::vector<CatalogueRow> AecRows() {
        .outputs = {Headerless("NSout.pcm", 8000, 0)}},
       {.declared = declared::TestAECNsNoizeus,
        .exercises = "runs TestZUAECNSProcess over the NOIZEUS corpus into "
-                    "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\""},
+                    "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\"",
+       .inputs = NoizeusNoisy(),
+       .outputs = NoizeusProcessed("aec")},
       {.declared = declared::TestZUAECProcess,
        .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
        .nullable = "pFarendFileName",
@@ -101,7 +118,9 @@ std::vector<CatalogueRow> AecRows() {
        .inputs = {Wave("{in}")},
        .outputs = {Wave("{out}")}},
       {.declared = declared::TestAecDenoiseNOIZEUS,
-       .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)"},
+       .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)",
+       .inputs = AsWaves(NoizeusNoisy()),
+       .outputs = AsWaves(NoizeusProcessed("denoise"), "rev3.2.50/")},
       {.declared = declared::TestAecDenoise,
        .exercises = "TestAecDenoiseInternal over a fixed list of named recordings",
        .inputs = ForRecordings("in/*.wav"),
