@@ -4,35 +4,12 @@
 
 #include "bench/aec/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/file_use.h"
 #include "harness/catalogue/noizeus_files.h"
 
 namespace harness {
 
 namespace {
-
-FileUse Wave(const std::string& name) { return {.name = name, .container = Container::kWave}; }
-
-// A file that begins with the header of another.
-FileUse WaveWithForeignHeader(const std::string& name) {
-  FileUse use = Wave(name);
-  use.foreignHeader = true;
-  return use;
-}
-
-// Mono.
-FileUse Headerless(const std::string& name, int rate, int blockBytes) {
-  return {.name = name,
-          .container = Container::kHeaderless,
-          .rate = rate,
-          .channels = 1,
-          .blockBytes = blockBytes};
-}
-
-// A file whose absence is an outcome of the routine.
-FileUse Optional(FileUse use) {
-  use.optional = true;
-  return use;
-}
 
 // What is as it should be without content.
 FileUse Empty(FileUse use) {
@@ -84,15 +61,15 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestEchoDelayEstAndAEC,
        .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed",
        .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")},
-       .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
       {.declared = declared::TestZUAECNSProcess,
        .calledBy = "TestTemp",
        .exercises = "the engine's mobile echo canceller (AecMobile_*) with band splitting through "
                     "zuwebrtc::AudioBuffer"},
       {.declared = declared::TestTemp,
        .exercises = "runs TestZUAECNSProcess on \"wrpcmin.pcm\" into \"NSout.pcm\"",
-       .inputs = {Headerless("wrpcmin.pcm", 8000, 160)},
-       .outputs = {Headerless("NSout.pcm", 8000, 0)}},
+       .inputs = {Headerless("wrpcmin.pcm", 8000, 1, 160)},
+       .outputs = {Headerless("NSout.pcm", 8000, 1)}},
       {.declared = declared::TestAECNsNoizeus,
        .exercises = "runs TestZUAECNSProcess over the NOIZEUS corpus into "
                     "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\"",
@@ -102,12 +79,12 @@ std::vector<CatalogueRow> AecRows() {
        .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
        .nullable = "pFarendFileName",
        .inputs = {Optional({.name = "{pFarendFileName}"}), Wave("{pNearendFileName}")},
-       .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
       {.declared = declared::TestAECProcess,
        .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay",
-       .inputs = {Headerless("{pFarendFileName}", 16000, 320),
-                  Headerless("{pNearendFileName}", 16000, 320)},
-       .outputs = {Headerless("{pOutFileName}", 16000, 0)}},
+       .inputs = {Headerless("{pFarendFileName}", 16000, 1, 320),
+                  Headerless("{pNearendFileName}", 16000, 1, 320)},
+       .outputs = {Headerless("{pOutFileName}", 16000, 1)}},
       {.declared = declared::TestZUAec,
        .exercises = "AecModule (software SoftwareAec or CreateHardwareAec) over WAVE files, with "
                     "resampling",
@@ -139,8 +116,8 @@ std::vector<CatalogueRow> AecRows() {
        .inputs = {Wave("C:\\aecfiles\\farend.wav"), Wave("C:\\aecfiles\\nearend.wav")}},
       {.declared = declared::TestRecord,
        .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
-       .inputs = {Headerless("F:\\sample\\test.pcm", 16000, 400),
-                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 0))},
+       .inputs = {Headerless("F:\\sample\\test.pcm", 16000, 1, 400),
+                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
        .outputs = {Wave("far.wav"),
                    Empty(Wave("near.wav")),
                    Wave("out.wav"),

@@ -4,28 +4,11 @@
 #include "engine_api/codec/codec_format.h"
 #include "harness/catalogue/catalogue_rows.h"
 #include "harness/catalogue/codec_needs.h"
+#include "harness/catalogue/file_use.h"
 
 namespace harness {
 
 namespace {
-
-FileUse Wave(const std::string& name) { return {.name = name, .container = Container::kWave}; }
-
-FileUse Headerless(const std::string& name, int rate, int channels) {
-  return {.name = name, .container = Container::kHeaderless, .rate = rate, .channels = channels};
-}
-
-// A file whose absence is an outcome of the routine.
-FileUse Optional(FileUse use) {
-  use.optional = true;
-  return use;
-}
-
-// A file that begins with the header of another.
-FileUse WithForeignHeader(FileUse use) {
-  use.foreignHeader = true;
-  return use;
-}
 
 FileUse PreprocessedSpeech() {
   FileUse use = Optional(Wave("{refFile}.preproc.wav"));

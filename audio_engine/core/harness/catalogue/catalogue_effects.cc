@@ -5,31 +5,18 @@
 
 #include "bench/effects/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/file_use.h"
 #include "harness/catalogue/hrtf_files.h"
 
 namespace harness {
 
 namespace {
 
-FileUse Wave(std::string name) { return {.name = std::move(name), .container = Container::kWave}; }
-
-FileUse Optional(FileUse use) {
-  use.optional = true;
-  return use;
-}
-
-// A WAVE that keeps the header of its input, whatever its length.
-FileUse WaveWithHeaderOfInput(std::string name) {
-  FileUse use = Wave(std::move(name));
-  use.foreignHeader = true;
-  return use;
-}
-
 std::vector<FileUse> ReverbPresetOutputs() {
   std::vector<FileUse> outputs;
   for (int i = 0; i < 14; ++i) {
     outputs.push_back(
-        WaveWithHeaderOfInput("e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav"));
+        WithForeignHeader(Wave("e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav")));
     outputs.back().pattern = "e:\\reverb\\lumo_reverb_*.wav";
   }
   return outputs;
@@ -42,11 +29,11 @@ std::vector<CatalogueRow> EffectsRows() {
       {.declared = declared::TestIIREq,
        .exercises = "CreateEqualizer over a 44.1 kHz stereo WAVE file",
        .inputs = {Wave("c:\\44100_2_music.wav")},
-       .outputs = {WaveWithHeaderOfInput("c:\\44100_2_music_eq.wav")}},
+       .outputs = {WithForeignHeader(Wave("c:\\44100_2_music_eq.wav"))}},
       {.declared = declared::TestReverb,
        .exercises = "CAudioDspProcessor reverb with a preset",
        .inputs = {Wave("{pSrcFileName}")},
-       .outputs = {WaveWithHeaderOfInput("{pDstFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pDstFileName}"))}},
       {.declared = declared::TestReverbPreset,
        .exercises = "TestReverb over every preset, one output file each",
        .inputs = {Wave("e:\\lumo.wav")},
@@ -54,7 +41,7 @@ std::vector<CatalogueRow> EffectsRows() {
       {.declared = declared::TestAudioAccelerate,
        .exercises = "CreateAudioAccelerate, timed with and without acceleration",
        .inputs = {Optional(Wave("F:\\44100_2_new1.wav"))},
-       .outputs = {WaveWithHeaderOfInput("F:\\44100_2_new1_out.wav")}},
+       .outputs = {WithForeignHeader(Wave("F:\\44100_2_new1_out.wav"))}},
       {.declared = declared::TestHRTF,
        .exercises = "FIR filtering with HRTF kernels (mit_hrtf_get); the selected test",
        .inputs = {kHrtfInput},

@@ -2,21 +2,13 @@
 
 #include "bench/enhancement/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
+#include "harness/catalogue/file_use.h"
 #include "harness/catalogue/noizeus_files.h"
 #include "harness/catalogue/vad_files.h"
 
 namespace harness {
 
 namespace {
-
-FileUse Wave(const std::string& name) { return {.name = name, .container = Container::kWave}; }
-
-// A file that begins with the header of another.
-FileUse WaveWithForeignHeader(const std::string& name) {
-  FileUse use = Wave(name);
-  use.foreignHeader = true;
-  return use;
-}
 
 constexpr const char* kAlgorithms[] = {"aec", "denoise_light", "denoise", "mcra2", "off"};
 constexpr int kOff = 4;
@@ -73,12 +65,6 @@ std::vector<FileUse> ScoredFilesOfAny() {
   return Join({NoizeusClean(), processed});
 }
 
-// A file whose absence is an outcome of the routine.
-FileUse Optional(FileUse use) {
-  use.optional = true;
-  return use;
-}
-
 }  // namespace
 
 std::vector<CatalogueRow> EnhancementRows() {
@@ -90,13 +76,13 @@ std::vector<CatalogueRow> EnhancementRows() {
       {.declared = declared::TestAGCProcess,
        .exercises = "WebRTC-style AGC (WebRtcAgc_*) with virtual microphone",
        .inputs = {Wave("{pSrcFileName}")},
-       .outputs = {WaveWithForeignHeader("{pDstFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pDstFileName}"))}},
       {.declared = declared::TestVADProcess,
        .exercises = "voice activity detection (CVoiceDetectionEx, WebRtcVad_*), writing gated "
                     "audio and per-frame results",
        .inputs = {Optional(Wave("{pSrcFileName}"))},
-       .outputs = {WaveWithForeignHeader("{pDstFileName}"),
-                   WaveWithForeignHeader("{pResultFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pDstFileName}")),
+                   WithForeignHeader(Wave("{pResultFileName}"))}},
       {.declared = declared::MeasureAverageSNR,
        .helper = true,
        .exercises = "average SNR of processed against clean raw PCM"},
@@ -113,7 +99,7 @@ std::vector<CatalogueRow> EnhancementRows() {
       {.declared = declared::TestZUAudioProcessing,
        .exercises = "SoftwareAec processing chain with VAD result logging",
        .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")},
-       .outputs = {WaveWithForeignHeader("{pOutFileName}")}},
+       .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
       {.declared = declared::TestHPFProcess,
        .exercises = "high-pass filter over a WAVE file",
        .inputs = {Wave("{pSrcFileName}")},

@@ -1,44 +1,54 @@
 // Mixing, recording, playback and whole engines.
 
+#include <string>
+#include <utility>
+
 #include "bench/mixing/routines.h"
 #include "harness/catalogue/catalogue_rows.h"
 #include "harness/catalogue/codec_needs.h"
+#include "harness/catalogue/file_use.h"
 
 namespace harness {
+
+namespace {
+
+// A file that a player of the engine opens, whatever its ending says.
+FileUse Recording(std::string name) {
+  return {.name = std::move(name), .remark = "WAVE, FLAC, Ogg, MP3 or AAC"};
+}
+
+}  // namespace
 
 std::vector<CatalogueRow> MixingRows() {
   return {
       {.declared = declared::TestAudioMixer,
        .exercises = "CAudioBlockMixer over one file, raw output",
-       .inputs = {{.name = "c:\\5.wav", .container = Container::kWave}},
+       .inputs = {Wave("c:\\5.wav")},
        .outputs = {{.name = "c:\\outmix.pcm",
                     .container = Container::kHeaderless,
                     .rate = 16000,
                     .channels = 1}}},
       {.declared = declared::TestRecordMixer,
        .exercises = "AudioRecordMixer of accompaniment and voice",
-       .inputs = {{.name = "record_acc.wav", .container = Container::kWave},
-                  {.name = "record_voice.wav", .container = Container::kWave}},
-       .outputs = {{.name = "record_out.wav", .container = Container::kWave}}},
+       .inputs = {Wave("record_acc.wav"), Wave("record_voice.wav")},
+       .outputs = {Wave("record_out.wav")}},
       {.declared = declared::TestKaraokeFileMixer,
        .exercises = "IKaraokeFileMixer with a FileMixerNotify, waits for the end",
-       .inputs = {{.name = "voice_record.wav", .container = Container::kWave},
-                  {.name = "music.wav", .container = Container::kWave}},
+       .inputs = {Recording("voice_record.wav"), Recording("music.wav")},
        .outputs = {{.name = "output.aac"}},
        .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestKaraokeRecorder,
        .exercises = "IKaraokeRecorder with line-information and score files",
-       .inputs =
-           {{.name = "/sdcard/dangni_mix.wav", .container = Container::kWave, .optional = true},
-            {.name = "/sdcard/dangni_acc.wav", .container = Container::kWave, .optional = true},
-            {.name = "/sdcard/dangni_line_info.txt", .optional = true},
-            {.name = "/sdcard/dangni_score_time_range.txt", .optional = true}},
-       .outputs = {{.name = "/sdcard/voice_record.wav", .container = Container::kWave}},
+       .inputs = {Optional(Recording("/sdcard/dangni_mix.wav")),
+                  Optional(Recording("/sdcard/dangni_acc.wav")),
+                  Optional({.name = "/sdcard/dangni_line_info.txt"}),
+                  Optional({.name = "/sdcard/dangni_score_time_range.txt"})},
+       .outputs = {Wave("/sdcard/voice_record.wav")},
        .device = Device::kBoth,
        .seconds = 0.1},
       {.declared = declared::TestFilePlayer,
        .exercises = "engine file player of \"music.wav\" with a CaptureFilePlayer",
-       .inputs = {{.name = "music.wav", .container = Container::kWave}},
+       .inputs = {Recording("music.wav")},
        .outputs = {{.name = "sdk_log.txt"}},
        .device = Device::kRender,
        .runsOn = 10},
@@ -51,8 +61,7 @@ std::vector<CatalogueRow> MixingRows() {
       {.declared = declared::TestAudioSaver,
        .exercises =
            "engine file player and saver: \"gangqin.wav\", \"saver.aac\", \"gangqin2.wav\"",
-       .inputs = {{.name = "gangqin.wav", .container = Container::kWave},
-                  {.name = "gangqin2.wav", .container = Container::kWave}},
+       .inputs = {Recording("gangqin.wav"), Recording("gangqin2.wav")},
        .outputs = {{.name = "saver.aac"}, {.name = "sdk_log.txt"}},
        .lacking = NeedsFamily<kAudioCodecAAC>,
        .device = Device::kBoth,
