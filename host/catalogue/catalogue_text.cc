@@ -54,6 +54,8 @@ std::string_view ContainerName(Container container) {
       return "headerless";
     case Container::kWave:
       return "wave";
+    case Container::kRecording:
+      return "recording";
   }
   return "";
 }
@@ -114,6 +116,7 @@ std::string Duration(const CatalogueRow& row) {
 std::string FileFormat(const FileUse& use) {
   if (use.container == Container::kOther) return "stream or text";
   if (use.container == Container::kWave) return "WAVE";
+  if (use.container == Container::kRecording) return "WAVE, FLAC, Ogg, MP3 or AAC";
   const std::string samples =
       use.samples == SampleType::kPcm16 ? "16-bit samples" : "32-bit float samples";
   return samples + ", " + Hertz(use.rate) + ", " + Channels(use.channels);

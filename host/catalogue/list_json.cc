@@ -15,7 +15,7 @@ Json FileJson(const FileGroup& group) {
   const FileUse& use = group.use;
   const bool headerless = use.container == Container::kHeaderless;
   const char* const elsewhere =
-      use.container == Container::kWave ? "stands in the header" : "not audio";
+      use.container == Container::kOther ? "not audio" : "stands in the header";
   const auto place = KnownPlace(use);
   return {{"name", use.name},
           {"pattern", use.pattern.empty() ? Json() : Json(use.pattern)},

@@ -37,7 +37,9 @@ double AudioLayout::Seconds() const {
 
 std::optional<AudioLayout> FindAudio(const FileUse& use, FILE* file, uint64_t fileBytes) {
   if (use.container == Container::kOther) return std::nullopt;
-  if (use.container == Container::kWave) return FindInWave(file, fileBytes);
+  if (use.container == Container::kWave || use.container == Container::kRecording) {
+    return FindInWave(file, fileBytes);
+  }
   const int sampleBytes = use.samples == SampleType::kPcm16 ? 2 : 4;
   AudioLayout layout = {.samples = use.samples,
                         .rate = use.rate,

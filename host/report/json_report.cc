@@ -41,6 +41,7 @@ std::string NoAudioReason(const FileReport& file) {
   if (file.absent) return "absent";
   if (!file.bytes) return "not looked at";
   if (file.place.use.container == Container::kOther) return "not audio";
+  if (!file.audio && file.place.use.container == Container::kRecording) return "not a WAVE file";
   if (!file.audio) return "not the audio that it should be";
   if (!file.figures) return "figures of a list are made with --figures";
   return file.unmeasured.empty() ? "not measured" : file.unmeasured;

@@ -52,6 +52,8 @@ std::string Remedy(const FilePlace& input) {
       return "; put a stream or text of yours there";
     case Container::kWave:
       return "; put a 16-bit WAVE file of yours there";
+    case Container::kRecording:
+      return "; put an audio file of yours there (" + FileFormat(input.use) + ")";
     case Container::kHeaderless:
       break;
   }
@@ -75,12 +77,13 @@ std::string NoWave(const FilePlace& input, FILE* file, uint64_t bytes) {
 
 // What is said of a file that is of another kind than declared; empty when it may well be of that.
 std::string WrongFormat(const FilePlace& input) {
-  if (input.use.container == Container::kOther) return "";
+  const Container container = input.use.container;
+  if (container == Container::kOther || container == Container::kRecording) return "";
   FILE* const file = fopen(input.path.c_str(), "rbe");
   if (file == nullptr) return "";  // Judged as unreadable.
   struct stat status = {};
   fstat(fileno(file), &status);
-  const bool wave = input.use.container == Container::kWave;
+  const bool wave = container == Container::kWave;
   const std::string noWave = wave ? NoWave(input, file, static_cast<uint64_t>(status.st_size)) : "";
   const std::string kind(wave ? "" : ForeignAudio(file));
   fclose(file);

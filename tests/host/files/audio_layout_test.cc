@@ -40,6 +40,14 @@ TEST_F(AudioLayoutTest, TakesHeaderlessAudioAsDeclared) {
   EXPECT_DOUBLE_EQ(layout->Seconds(), 1);
 }
 
+TEST_F(AudioLayoutTest, LooksIntoRecordingsThatAreWaves) {
+  const FileUse recording = {.container = Container::kRecording};
+  const auto layout = Find(recording, WavBytes({.rate = 8000}, {1, 2}));
+  ASSERT_TRUE(layout);
+  EXPECT_EQ(layout->rate, 8000);
+  EXPECT_EQ(Find(recording, "fLaC"), std::nullopt);
+}
+
 TEST_F(AudioLayoutTest, FindsNoAudioInOtherFiles) {
   EXPECT_EQ(Find({.container = Container::kOther}, "text"), std::nullopt);
 }

@@ -231,6 +231,13 @@ TEST_F(JudgeTest, SaysHowToConvertAFileThatIsNotHeaderless) {
             "'work/my song.raw' 'work/my song'");
 }
 
+TEST_F(JudgeTest, TakesARecordingOfAnyKind) {
+  FilePlace input = Place("/in");
+  input.use.container = Container::kRecording;
+  WriteFile("work/in", "fLaC" + std::string(200, 'x'));
+  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
+}
+
 TEST_F(JudgeTest, SaysThatAFileIsNoWave) {
   FilePlace input = Place("/in");
   input.use.container = Container::kWave;

@@ -20,7 +20,8 @@ enum class Group { kHarness, kAec, kEnhancement, kCodec, kEffects, kMixing };
 enum class Container {
   kOther,       // A stream or a text: only its length says something.
   kHeaderless,  // Interleaved samples and nothing else.
-  kWave         // WAVE; format, rate and channels stand in its header.
+  kWave,        // WAVE; format, rate and channels stand in its header.
+  kRecording    // What a player of the engine opens: WAVE, FLAC, Ogg, MP3 or AAC by its content.
 };
 
 // The samples of headerless audio.

@@ -12,9 +12,8 @@ namespace harness {
 
 namespace {
 
-// A file that a player of the engine opens, whatever its ending says.
 FileUse Recording(std::string name) {
-  return {.name = std::move(name), .remark = "WAVE, FLAC, Ogg, MP3 or AAC"};
+  return {.name = std::move(name), .container = Container::kRecording};
 }
 
 }  // namespace
