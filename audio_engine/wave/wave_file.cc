@@ -31,6 +31,8 @@ void Put(unsigned char* at, uint64_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) at[i] = static_cast<unsigned char>(value >> (8 * i));
 }
 
+void PutText(unsigned char* at, std::string_view text) { memcpy(at, text.data(), text.size()); }
+
 bool Is(const unsigned char* id, const char* expected) { return memcmp(id, expected, 4) == 0; }
 
 Coding CodingOf(const unsigned char* chunk) {
@@ -141,9 +143,9 @@ std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, int bits,
   const uint64_t frameBytes = static_cast<uint64_t>(channels) * static_cast<uint64_t>(bits) / 8;
   const uint64_t riffBytes = kHeaderBytes - 8 + dataBytes + dataBytes % 2;
   unsigned char* const at = header.data();
-  memcpy(at, "RIFF", 4);
+  PutText(at, "RIFF");
   Put(at + 4, std::min<uint64_t>(riffBytes, UINT32_MAX), 4);
-  memcpy(at + 8, "WAVEfmt ", 8);
+  PutText(at + 8, "WAVEfmt ");
   Put(at + 16, 16, 4);
   Put(at + 20, kPcmTag, 2);
   Put(at + 22, static_cast<uint64_t>(channels), 2);
@@ -151,7 +153,7 @@ std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, int bits,
   Put(at + 28, static_cast<uint64_t>(rate) * frameBytes, 4);
   Put(at + 32, frameBytes, 2);
   Put(at + 34, static_cast<uint64_t>(bits), 2);
-  memcpy(at + 36, "data", 4);
+  PutText(at + 36, "data");
   Put(at + 40, std::min<uint64_t>(dataBytes, UINT32_MAX), 4);
   return header;
 }
