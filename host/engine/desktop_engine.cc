@@ -4,9 +4,11 @@
 
 namespace host {
 
-void FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
+std::optional<DeviceGaps> FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
   desktop::FinishBackgroundWork(limit);
   desktop::StopAudioDevices();  // Each tells the log how it went.
+  const desktop::DeviceFailures failures = desktop::AllDeviceFailures();
+  return DeviceGaps{.underruns = failures.outputs, .overruns = failures.inputs};
 }
 
 }  // namespace host

@@ -4,8 +4,9 @@
 
 namespace host {
 
-void FinishEngineWork(std::chrono::milliseconds limit, bool runsOn) {
+std::optional<DeviceGaps> FinishEngineWork(std::chrono::milliseconds limit, bool runsOn) {
   if (runsOn) std::this_thread::sleep_for(limit);
+  return std::nullopt;
 }
 
 }  // namespace host

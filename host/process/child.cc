@@ -28,8 +28,9 @@ constexpr double kKeeperSeconds = 5;  // After which a keeper that does not end 
 struct Shared {
   FileActivity files;
   KeeperReport keeper;
-  std::atomic<double> routineEnd = 0;  // When the routine returned, see Now(); 0 for not yet.
-  std::atomic<bool> returned = false;  // All is done, and the files are flushed.
+  std::optional<DeviceGaps> deviceGaps;  // Complete once all is done.
+  std::atomic<double> routineEnd = 0;    // When the routine returned, see Now(); 0 for not yet.
+  std::atomic<bool> returned = false;    // All is done, and the files are flushed.
 };
 
 class SharedMemory {
@@ -64,7 +65,7 @@ class SharedMemory {
   MapOpenedFiles(&shared.files);
   work.routine();
   shared.routineEnd = Now();
-  work.afterwards();
+  shared.deviceGaps = work.afterwards();
   FlushOpenedFiles();  // A file that is left open is written all the same.
   shared.returned = true;
   _exit(0);
@@ -95,6 +96,7 @@ class Child {
     m_outcome.ranOn = end - routineEnd;
     m_outcome.cpu = shared.keeper.cpu;
     m_outcome.peakMemory = shared.keeper.peakMemory;
+    if (shared.returned) m_outcome.deviceGaps = shared.deviceGaps;
     m_outcome.interruption = m_limits.interruption();
     TakeFaults(shared.files);
     Judge(shared);

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/engine_work.h"
 #include "process/limits.h"
 #include "process/progress.h"
 
@@ -24,23 +26,24 @@ struct ChildOutcome {
   // A routine that never returns is stopped when its time is up, which is no time-out.
   enum class End { kReturned, kStopped, kCrashed, kTimedOut, kInterrupted };
   End end = End::kReturned;
-  std::string how = {};                      // How it crashed: "killed by signal 6 (Aborted)".
-  int crashSignal = 0;                       // That killed it; 0 for any other end.
-  int interruption = 0;                      // The signal that the host was told to end by.
-  FileProblem writeFault = {};               // The first file that could not be written whole.
-  FileProblem readFault = {};                // The first file that could not be read.
-  std::vector<FileProblem> openFaults = {};  // Named by their place in the workspace.
-  int logFault = 0;                          // errno when the log could not be written; else 0.
-  double elapsed = 0;                        // Seconds by the clock, until the routine's end.
-  double ranOn = 0;                          // Seconds that its process went on after it returned.
-  double cpu = 0;                            // Seconds of processing, user and system.
-  uint64_t peakMemory = 0;                   // Bytes
+  std::string how = {};                       // How it crashed: "killed by signal 6 (Aborted)".
+  int crashSignal = 0;                        // That killed it; 0 for any other end.
+  int interruption = 0;                       // The signal that the host was told to end by.
+  FileProblem writeFault = {};                // The first file that could not be written whole.
+  FileProblem readFault = {};                 // The first file that could not be read.
+  std::vector<FileProblem> openFaults = {};   // Named by their place in the workspace.
+  int logFault = 0;                           // errno when the log could not be written; else 0.
+  double elapsed = 0;                         // Seconds by the clock, until the routine's end.
+  double ranOn = 0;                           // Seconds that its process went on after it returned.
+  double cpu = 0;                             // Seconds of processing, user and system.
+  uint64_t peakMemory = 0;                    // Bytes
+  std::optional<DeviceGaps> deviceGaps = {};  // Known once the routine has returned.
 };
 
 // What a child does: the routine, and what is to be done in its process after it has returned.
 struct ChildWork {
   std::function<void()> routine;
-  std::function<void()> afterwards;
+  std::function<std::optional<DeviceGaps>()> afterwards;
 };
 
 // Does the work in a child with `workspace` as its current directory and its files mapped into it

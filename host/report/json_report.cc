@@ -120,6 +120,15 @@ void AddFigures(const RunReport& report, Json& json) {
   const bool returned = !outcome || outcome->end == ChildOutcome::End::kReturned;
   json["ran_on"] = returned ? seconds(&ChildOutcome::ranOn)
                             : Figure(std::nullopt, "s", "the routine did not return");
+  const auto gaps = [&](uint64_t DeviceGaps::*member, const char* unit) {
+    if (outcome && outcome->deviceGaps) return Count((*outcome->deviceGaps).*member, unit);
+    return Figure(std::nullopt, unit,
+                  !outcome   ? reason
+                  : returned ? "the engine does not tell"
+                             : "the routine did not return");
+  };
+  json["underruns"] = gaps(&DeviceGaps::underruns, "underruns");
+  json["overruns"] = gaps(&DeviceGaps::overruns, "overruns");
   json["rtf"] =
       Figure(RealTimeFactor(report), "1", returned ? reason : "the routine did not return");
   json["peak_memory"] =

@@ -136,8 +136,9 @@ ChildOutcome RunRoutineOfRow(const CatalogueRow& row, const RunOptions& options,
                              Progress& progress) {
   const double seconds = row.runsOn > 0 ? options.linger.value_or(row.runsOn) : kBackgroundSeconds;
   const std::chrono::milliseconds background(std::llround(seconds * 1000));
-  const ChildWork work = {.routine = [&] { harness::Run(row, words); },
-                          .afterwards = [&] { FinishEngineWork(background, row.runsOn > 0); }};
+  const ChildWork work = {
+      .routine = [&] { harness::Run(row, words); },
+      .afterwards = [&] { return FinishEngineWork(background, row.runsOn > 0); }};
   ChildOutcome outcome = RunInChild(work, options.work, *limits, log, progress);
   if (row.neverReturns && outcome.end == ChildOutcome::End::kTimedOut) {
     outcome.end = ChildOutcome::End::kStopped;

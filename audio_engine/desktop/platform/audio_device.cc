@@ -22,6 +22,7 @@ std::atomic<double> g_nullSpeed = 0;
 struct RunningDevices {
   std::mutex mutex;
   std::vector<AudioDevice*> devices;
+  DeviceFailures failures;  // Of those that have ended.
 };
 
 // Lives until the process ends, because devices may run as long.
@@ -42,6 +43,12 @@ void Unregister(AudioDevice* device) {
   std::erase(Running().devices, device);
 }
 
+void AddFailures(Direction direction, uint64_t failures) {
+  const std::scoped_lock lock(Running().mutex);
+  DeviceFailures& all = Running().failures;
+  (direction == Direction::kOutput ? all.outputs : all.inputs) += failures;
+}
+
 }  // namespace
 
 void StopAudioDevices() {
@@ -54,6 +61,11 @@ void StopAudioDevices() {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
+}
+
+DeviceFailures AllDeviceFailures() {
+  const std::scoped_lock lock(Running().mutex);
+  return Running().failures;
 }
 
 void UseNullDevices(double speed) { g_nullSpeed = speed; }
@@ -108,6 +120,7 @@ void AudioDevice::Run() {
                   static_cast<unsigned long long>(m_failures),
                   m_direction == Direction::kOutput ? "underruns" : "overruns",
                   static_cast<unsigned>(m_latencyMs));
+  AddFailures(m_direction, m_failures);
   Unregister(this);
 }
 

@@ -85,6 +85,13 @@ class AudioDevice {
 // well when the process returns from main.
 void StopAudioDevices();
 
+// What Failures has counted so far, over all devices of the process that have been stopped.
+struct DeviceFailures {
+  uint64_t outputs = 0;
+  uint64_t inputs = 0;
+};
+DeviceFailures AllDeviceFailures();
+
 // From now on every device that starts is the null device, and its time passes `speed` times as
 // fast as the clock. For tests.
 void UseNullDevices(double speed);

@@ -147,6 +147,7 @@ TEST_F(NullDevice, SaysWhatItIsAndHowItWent) {
 }
 
 TEST_F(NullDevice, CountsWhatABusyCallbackMakesItLose) {
+  const desktop::DeviceFailures before = desktop::AllDeviceFailures();
   std::atomic<int> calls = 0;
   AudioDevice device(Direction::kInput, {}, [&](short*, size_t) {
     if (++calls == 3) std::this_thread::sleep_for(milliseconds(200));
@@ -155,6 +156,8 @@ TEST_F(NullDevice, CountsWhatABusyCallbackMakesItLose) {
   while (calls < 10) std::this_thread::sleep_for(milliseconds(1));
   device.Stop();
   EXPECT_GE(device.Failures(), 1U);
+  EXPECT_EQ(desktop::AllDeviceFailures().inputs, before.inputs + device.Failures());
+  EXPECT_EQ(desktop::AllDeviceFailures().outputs, before.outputs);
 }
 
 TEST_F(NullDevice, DoesNotStartWithAFormatThatNoDeviceHas) {

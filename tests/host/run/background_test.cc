@@ -23,6 +23,8 @@ TEST_F(RunTest, LetsTheEngineFinishAfterTheRoutineHasReturned) {
   EXPECT_EQ(std::filesystem::file_size("bench_work/out.pcm"), 6U);
   EXPECT_LT(Report()["elapsed"]["value"], 0.25) << "the routine has returned at once";
   EXPECT_GT(Report()["ran_on"]["value"], 0.25);
+  EXPECT_EQ(Report()["underruns"]["value"], 3);
+  EXPECT_EQ(Report()["overruns"]["value"], 1);
 }
 
 TEST_F(RunTest, GivesTheEngineTwoSeconds) {
@@ -52,6 +54,7 @@ TEST_F(RunTest, StopsARoutineThatNeverReturnsAndJudgesItByItsFile) {
   EXPECT_THAT(run.out, HasSubstr("peak")) << "its file is measured";
   EXPECT_EQ(Report()["rtf"]["value"], nullptr);
   EXPECT_EQ(Report()["ran_on"]["value"], nullptr);
+  EXPECT_EQ(Report()["underruns"]["reason"], "the routine did not return");
 
   run = Run({"RecordForEver", "1", "--timeout-s", "0.5"});
   EXPECT_EQ(run.exitCode, 1);
