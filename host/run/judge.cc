@@ -84,7 +84,7 @@ std::string WrongFormat(const FilePlace& input) {
   struct stat status = {};
   fstat(fileno(file), &status);
   const bool wave = container == Container::kWave;
-  const std::string noWave = wave ? NoWave(input, file, static_cast<uint64_t>(status.st_size)) : "";
+  std::string noWave = wave ? NoWave(input, file, static_cast<uint64_t>(status.st_size)) : "";
   const std::string kind(wave ? "" : ForeignAudio(file));
   fclose(file);
   if (kind.empty()) return noWave;

@@ -157,7 +157,8 @@ TEST(TestHPFProcess, LeavesSilenceSilentAndRemovesDc) {
 TEST(TestHPFProcess, FollowsTheDesign) {
   for (const int rate : {8000, 16000}) {
     for (const double frequency : {20.0, 60.0, 120.0, 300.0, 1000.0, 3000.0}) {
-      const auto count = static_cast<size_t>(2 * rate);
+      const auto half = static_cast<size_t>(rate);
+      const size_t count = 2 * half;
       Samples tone(count);
       for (size_t i = 0; i < count; ++i) {
         tone[i] = static_cast<short>(
@@ -165,8 +166,8 @@ TEST(TestHPFProcess, FollowsTheDesign) {
       }
       const Samples out = Filtered(rate, 1, tone);
       double energy = 0;
-      for (size_t i = count / 2; i < count; ++i) energy += static_cast<double>(out[i]) * out[i];
-      const double gain = std::sqrt(2 * energy / static_cast<double>(count / 2)) / 10000;
+      for (size_t i = half; i < count; ++i) energy += static_cast<double>(out[i]) * out[i];
+      const double gain = std::sqrt(2 * energy / static_cast<double>(half)) / 10000;
       EXPECT_NEAR(20 * log10(gain), 20 * log10(DesignGain(rate, frequency)), 0.1)
           << rate << " " << frequency;
     }

@@ -81,7 +81,7 @@ TEST(AudioBuffer, PutsEachToneIntoItsBand) {
       zuwebrtc::AudioBuffer buffer(frames, 1, frames, 1, frames);
       const Samples tone = Tone(8000.0 * band + 3000, 8000, rate, rate);
       for (int block = 0; block < 20; ++block) {
-        zuwebrtc::AudioFrame frame = Frame(&tone[static_cast<size_t>(block * frames)], rate, 1);
+        zuwebrtc::AudioFrame frame = Frame(tone.data() + block * frames, rate, 1);
         buffer.DeinterleaveFrom(&frame);
       }
       for (int other = 0; other < rate / 16000; ++other) {
