@@ -265,6 +265,7 @@ TEST(HardwareAec, IsTheSameChainOnADesktop) {
 }
 
 TEST(AecModuleBase, DoesNothingAndSaysTrue) {
+  // NOLINTBEGIN(bugprone-parent-virtual-call): what the base does is the question.
   class Other : public SoftwareAec {
    public:
     bool SetFsAndCh(unsigned int rate, unsigned int channels, PlatFormFsChSel select) override {
@@ -273,6 +274,7 @@ TEST(AecModuleBase, DoesNothingAndSaysTrue) {
     bool EnableAGC(bool on) override { return AecModule::EnableAGC(on); }
     bool EnableDenoise(bool on) override { return AecModule::EnableDenoise(on); }
   };
+  // NOLINTEND(bugprone-parent-virtual-call)
   Other module;
   EXPECT_TRUE(module.SetFsAndCh(1, 99, APMFSCHSEL));
   EXPECT_TRUE(module.EnableAGC(true));
