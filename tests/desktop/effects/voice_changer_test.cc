@@ -188,10 +188,11 @@ TEST(VoiceChanger, SwitchesEffectsWithoutAClick) {
 // Zero crossings a second stand for the brightness of what is heard.
 double Brightness(const Shorts& samples) {
   double step = 0;
-  for (size_t i = samples.size() / 4; i < samples.size(); ++i) {
+  const size_t first = samples.size() / 4;
+  for (size_t i = first; i < samples.size(); ++i) {
     step += std::pow(samples[i] - samples[i - 1], 2);
   }
-  const auto count = static_cast<double>(samples.size() - samples.size() / 4);
+  const auto count = static_cast<double>(samples.size() - first);
   return std::log2(std::sqrt(step / count) / Level(samples));
 }
 

@@ -148,7 +148,7 @@ TEST(VoiceDetection, IsUnknownUntilTenMillisecondsAreThere) {
 TEST(VoiceDetection, AnswersForEveryFrameThatACallCompletes) {
   const Samples noisy = Mix(Speech(16000, 6, 1500), Noise(96000, 300, 9));
   const Kinds frames = Detect(16000, noisy, voiceDetectionLowLikelihood);
-  for (const size_t count : {1, 77, 160, 240, 256, 441, 480, 512, 1024, 4001}) {
+  for (const size_t count : {1U, 77U, 160U, 240U, 256U, 441U, 480U, 512U, 1024U, 4001U}) {
     CVoiceDetectionEx detector(16000, 1);
     const Kinds kinds = Detect(detector, noisy, count);
     VADResultKind last = vadResultIsUnknown;
