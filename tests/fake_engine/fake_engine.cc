@@ -8,7 +8,7 @@ namespace {
 
 FakeEngine* g_current = nullptr;
 
-std::string Formatted(const char* format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) std::string Formatted(const char* format, va_list arguments) {
   va_list again;
   va_copy(again, arguments);
   const int length = vsnprintf(nullptr, 0, format, again);

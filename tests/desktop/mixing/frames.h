@@ -33,7 +33,7 @@ class KeptFrames : public IAudioFramePackerNotify {
 // the index of the next one says so.
 class FedFrames : public IAudioFramePlayerNotify {
  public:
-  FedFrames(int rawId, const std::vector<KeptFrames::Frame>& frames);
+  FedFrames(int rawId, const std::vector<KeptFrames::Frame>& kept);
 
   bool OnPullAudioFrame(uint32_t streamId, AudioFrameData& frame, bool isFirst,
                         FramePlayerFeedbackInfo& feedback) override;
