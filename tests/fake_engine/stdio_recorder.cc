@@ -130,7 +130,7 @@ std::shared_ptr<std::string> FileFor(FakeEngine& engine, const std::string& name
   return engine.files[name] = std::make_shared<std::string>();
 }
 
-int Scan(FILE* stream, const char* format, va_list arguments) {
+__attribute__((format(scanf, 2, 0))) int Scan(FILE* stream, const char* format, va_list arguments) {
   const int read = __real_vfscanf(stream, format, arguments);
   const std::string name = NameOf(stream);
   if (!name.empty()) {
