@@ -18,8 +18,9 @@ enum AudioEngineFeature_t {
   TotalFeatureMode = 6
 };
 
-// What an audio saver records: the microphone path after what players feed back into it, what is
-// played, both mixed, or the microphone path before that feedback.
+// What an audio saver records: the microphone path after what players feed back into it; what is
+// played, always at 48000 Hz stereo; the microphone path before that feedback mixed with what is
+// played, so that nobody is in it twice; or the microphone path before that feedback.
 enum AudioSaverMode {
   AudioSaverOnlyCapture = 0,
   AudioSaverOnlyRender = 1,
@@ -27,7 +28,7 @@ enum AudioSaverMode {
   AusioSaverOnlyCaptureOri = 3
 };
 
-// Whether a saver goes on after what a file holds or replaces it.
+// Whether a saver goes on after what a file holds, in the format of that file, or replaces it.
 enum AudioSaverWfMode { AudioSaverFileAppend = 0, AudioSaverFileOverride = 1 };
 
 // The microphone. Owned by its engine; belongs to one thread.

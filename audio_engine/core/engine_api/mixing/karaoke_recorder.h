@@ -24,7 +24,7 @@ struct ScoreTimeRange {
 ENGINE_API void UseAndroidOpenSlEs(bool use);
 
 // Plays an accompaniment, records the voice that sings to it and compares its pitch with the notes
-// of the song. The object belongs to one thread.
+// of the song. The object belongs to one thread, and to none on which the engine calls a notify.
 class ENGINE_API IKaraokeRecorder {
  public:
   // A new recorder, owned by the caller until Destroy; never null.
