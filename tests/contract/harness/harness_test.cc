@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <iterator>
+#include <string>
+#include <vector>
+
 #include "fake_engine/fake_engine.h"
 #include "harness/block_samples.h"
 #include "harness/copy_wav_header.h"
@@ -226,8 +230,9 @@ TEST(CopyWavHeader, CopiesWhatThereIsOfAShortFile) {
 }
 
 TEST(NoizeusCases, NameTheCorpusInTheOrderOfTheBatches) {
-  EXPECT_THAT(kNoizeusNoises, ElementsAre("airport", "babble", "car", "exhibition", "restaurant",
-                                          "station", "street", "train"));
+  const std::vector<std::string> noises(std::begin(kNoizeusNoises), std::end(kNoizeusNoises));
+  EXPECT_THAT(noises, ElementsAre("airport", "babble", "car", "exhibition", "restaurant", "station",
+                                  "street", "train"));
   EXPECT_THAT(kNoizeusLevels, ElementsAre(0, 5, 10, 15));
   EXPECT_EQ(kNoizeusSentences, 30);
 }

@@ -26,7 +26,7 @@ Shorts Pass(RateChanger& changer, Shorts& in, size_t begin, size_t end, int rate
     changer.Process(&in[done], rate / 100, channels, bytes);
     const size_t length = bytes.size() / sizeof(short);
     out.resize(out.size() + length);
-    memcpy(out.data() + out.size() - length, bytes.data(), length * sizeof(short));
+    if (length > 0) memcpy(&out[out.size() - length], bytes.data(), length * sizeof(short));
   }
   return out;
 }

@@ -20,7 +20,7 @@ std::string Bytes(const std::vector<short>& samples) {
 
 std::vector<short> Samples(const std::string& bytes) {
   std::vector<short> samples(bytes.size() / 2);
-  memcpy(samples.data(), bytes.data(), samples.size() * 2);
+  if (!samples.empty()) memcpy(samples.data(), bytes.data(), samples.size() * 2);
   return samples;
 }
 

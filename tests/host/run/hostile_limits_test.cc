@@ -62,6 +62,8 @@ TEST_F(RunTest, FewDescriptorsAreAVerdict) {
   for (int count = 4; count < 24; ++count) {
     const Finished run = RunAfter("ulimit -n " + std::to_string(count), "WritePcm");
     if (run.exitCode == 127) continue;  // The program cannot even be loaded.
+    // A sanitizer looks at objects through a pipe, and takes them for broken where there is none.
+    if (kSanitized && run.out.empty()) continue;
     EXPECT_THAT(run.exitCode, AnyOf(0, 1, 2)) << count << run.out << run.err;
     if (run.exitCode == 2) {
       EXPECT_THAT(run.err, HasSubstr("audio_bench: ")) << count;

@@ -10,7 +10,10 @@
 #include "engine_api/platform/clock.h"
 #include "harness/audio_frame_packer_test_notify.h"
 #include "harness/audio_frame_player_test_notify.h"
+#include "harness/leave_alive.h"
 #include "harness/log_sinks.h"
+
+using harness::LeaveAlive;
 
 // Packs 10 s of the microphone into "pack.enc" and plays that file for 10 s.
 // Deliberate: the capture is not closed and neither channel nor engine is destroyed. Destroyed, a
@@ -36,4 +39,7 @@ void TestAudioChannel(int codecType) {
   SleepMs(10000);
   channel->StopPlay(0);
   delete playerNotify;  // Closes the file.
+
+  LeaveAlive(audioEngine);
+  LeaveAlive(channel);
 }

@@ -11,23 +11,29 @@
 #include "engine_api/mixing/speech_msg_player.h"
 #include "engine_api/platform/clock.h"
 #include "harness/capture_file_player.h"
+#include "harness/leave_alive.h"
 #include "harness/log_sinks.h"
 #include "harness/speech_msg_player_notify.h"
+
+using harness::LeaveAlive;
 
 // Starts to play "music.wav" and returns at once.
 // Deliberate: engine, capture and player are left running. Stopped here, nothing would be heard.
 void TestFilePlayer() {
   char fileName[] = "music.wav";
   IAudioEngine* const audioEngine = CreateAudioEngine(nullptr, 0, nullptr, PrintSdkLog);
-  audioEngine->CreateAudioCapture();
+  LeaveAlive(audioEngine);
+  LeaveAlive(audioEngine->CreateAudioCapture());
   // Deliberate: never handed to the capture and never freed. Handed over and started, it would
   // write "capture.pcm".
-  [[maybe_unused]] auto* const capture_file_player = new CaptureFilePlayer;
+  auto* const capture_file_player = new CaptureFilePlayer;
+  LeaveAlive(capture_file_player);
 
   IAudioFilePlayer* const audioPlayer = IAudioFilePlayer::Create();
   audioPlayer->Open(fileName);
   audioPlayer->Play();
   audioPlayer->SetFeedBackToMicMode(AudioSourceTypeMic);
+  LeaveAlive(audioPlayer);
 }
 
 // Records the microphone into "audiorecorder.aac".
@@ -35,6 +41,7 @@ void TestFilePlayer() {
 void TestAudioRecorder() {
   char fileName[] = "audiorecorder.aac";
   IAudioEngine* const audioEngine = CreateAudioEngine(nullptr, 0, nullptr, nullptr);
+  LeaveAlive(audioEngine);
   audioEngine->Start(AudioEngineFeatureVOIP);
   audioEngine->StartAudioSaver(fileName, AudioSaverOnlyCapture, AudioSaverFileAppend);
 
@@ -68,6 +75,10 @@ void TestAudioSaver() {
   SleepMs(5000);
 
   audioEngine->StopAudioSaver();
+  LeaveAlive(audioEngine);
+  LeaveAlive(audioPlayer);
+  LeaveAlive(capture);
+  LeaveAlive(audioPlayer2);
 }
 
 // Plays a speech message for 60 s, whatever its length, and says how long it is.
@@ -75,6 +86,7 @@ void TestSpeechMsg() {
   const int testTime = 60000;
   // Deliberate: never freed. Freed before the player has stopped, the player would call into it.
   auto* const notify = new SpeechMsgPlayerNotify;
+  LeaveAlive(notify);
   ISpeechMsgPlayer* const player = ISpeechMsgPlayer::CreateAudioPlayer("");
   player->Init();
   const int totalTime = static_cast<int>(player->GetRecordFileTime());

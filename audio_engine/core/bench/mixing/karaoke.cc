@@ -11,8 +11,10 @@
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "engine_api/platform/clock.h"
 #include "engine_api/platform/paths.h"
+#include "harness/leave_alive.h"
 #include "harness/stdio_file.h"
 
+using harness::LeaveAlive;
 using harness::StdioFile;
 
 namespace {
@@ -71,6 +73,7 @@ void TestKaraokeFileMixer() {
   IKaraokeFileMixer* const fileMixer = IKaraokeFileMixer::Create();
   // Deliberate: never deleted. The mixer's thread may still be in it when the flag is seen.
   auto* const mixerNotify = new FileMixerNotify;
+  LeaveAlive(mixerNotify);
   std::string voiceFileName = GetDebugPath() + "voice_record.wav";
   std::string accomFileName = GetDebugPath() + "music.wav";
   std::string outputFileName = GetDebugPath() + "output.aac";

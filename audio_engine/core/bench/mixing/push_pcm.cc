@@ -5,8 +5,10 @@
 
 #include "bench/mixing/routines.h"
 #include "engine_api/mixing/push_pcm_module.h"
+#include "harness/leave_alive.h"
 #include "harness/stdio_file.h"
 
+using harness::LeaveAlive;
 using harness::StdioFile;
 
 // Builds the head of pushed data for 20 ms of stereo at a time.
@@ -18,7 +20,7 @@ void TestPushPcm() {
   const unsigned dstCh = 2;
   const unsigned streamCount = 1;
   const unsigned size20ms0 = 3528;
-  IPushPcmModule::CreatePuchPcmModule(dstFs, dstCh, streamCount);
+  LeaveAlive(IPushPcmModule::CreatePuchPcmModule(dstFs, dstCh, streamCount));
   StdioFile fin("Fs44100_Ch2.pcm", "rb");
   StdioFile fout("out.pcm", "wb");
   unsigned fs_array[] = {44100};
