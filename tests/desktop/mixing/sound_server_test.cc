@@ -59,7 +59,7 @@ std::complex<double> ToneAt(const std::vector<short>& samples, size_t start) {
   std::complex<double> sum = 0;
   for (size_t i = start; i < start + 1200; ++i) {  // Eleven periods.
     const double phase = 2 * std::numbers::pi * kFrequency * static_cast<double>(i) / kRate;
-    sum += std::polar(static_cast<double>(samples[i]), -phase);
+    sum += static_cast<double>(samples[i]) * std::polar(1.0, -phase);
   }
   return sum * (2.0 / 1200);
 }
