@@ -10,7 +10,7 @@ build=$scratch/build
 "$cmake" --build "$4" --target fake_engine_shared >&2
 rm -rf "$scratch/prefix" "$scratch/workspace"
 "$cmake" -S "$here/../.." -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-  -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
+  -DCMAKE_BUILD_TYPE=None -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
 "$cmake" --build "$build" >&2
 "$cmake" --install "$build" --prefix "$scratch/prefix" >/dev/null
 
