@@ -5,7 +5,12 @@
 #include <type_traits>
 
 #include "engine_api/effects/audio_accelerate.h"
+#include "engine_api/effects/audio_dsp_processor.h"
+#include "engine_api/effects/audio_effect_module.h"
+#include "engine_api/effects/audio_karaoke_effect_module.h"
 #include "engine_api/effects/beat_track.h"
+#include "engine_api/effects/drc.h"
+#include "engine_api/effects/equalizer.h"
 #include "engine_api/effects/fir_filter.h"
 #include "engine_api/effects/mit_hrtf.h"
 #include "engine_api/effects/rate_changer.h"
@@ -33,6 +38,59 @@ static_assert(std::is_same_v<decltype(&FIRFilter::UpdateCoeffients),
 static_assert(
     std::is_same_v<decltype(FIRFilter::Create), FIRFilter*(const float*, size_t, size_t)>);
 
+// Initialisers with names have to keep the order of the fields; only floats are that small.
+static_assert(sizeof(NreverbFv3Parameter{.Factor = 0.5F,
+                                         .Wet = 0.5F,
+                                         .Dry = 0.5F,
+                                         .Feedback = 0.5F,
+                                         .Damp1 = 0.5F,
+                                         .Damp2 = 0.5F,
+                                         .Damp3 = 0.5F,
+                                         .ReverbTime = 0.5F,
+                                         .Width = 0.5F,
+                                         .Delay = 0.5F}) == 10 * sizeof(float));
+
+static_assert(sizeof(LimiterParam{.fCeiling = 0.5F,
+                                  .fThreshold = 0.5F,
+                                  .fPreGain = 0.5F,
+                                  .fRelease = 0.5F,
+                                  .fAttack = 0.5F,
+                                  .fLookahead = 0.5F,
+                                  .fLookaheadRatio = 0.5F,
+                                  .fRMS = 0.5F,
+                                  .fStLink = 0.5F}) == 9 * sizeof(float));
+
+static_assert(sizeof(LimiterParameter{.fCeiling = 0.5F,
+                                      .fThreshold = 0.5F,
+                                      .fPreGain = 0.5F,
+                                      .fRelease = 0.5F,
+                                      .fAttack = 0.5F,
+                                      .fLookahead = 0.5F,
+                                      .fLookaheadRatio = 0.5F,
+                                      .fRMS = 0.5F,
+                                      .fFactor = 0.5F,
+                                      .fStLink = 0.5F,
+                                      .fType = 0.5F}) == 11 * sizeof(float));
+
+static_assert(std::is_same_v<EqGains, float[11]>);
+
+static_assert(std::is_same_v<decltype(&AudioEffectModule::Process),
+                             uint32_t (AudioEffectModule::*)(zuwebrtc::AudioFrame&)>);
+
+static_assert(std::is_same_v<decltype(&AudioKaraokeEffectModule::Process),
+                             uint32_t (AudioKaraokeEffectModule::*)(zuwebrtc::AudioFrame&)>);
+
+static_assert(std::is_same_v<decltype(&AudioKaraokeEffectModule::SetReverbFv3Param),
+                             void (AudioKaraokeEffectModule::*)(NreverbFv3Parameter)>);
+
+static_assert(std::is_same_v<decltype(&AudioKaraokeEffectModule::SetLimiterParameter),
+                             void (AudioKaraokeEffectModule::*)(LimiterParameter)>);
+
+static_assert(std::is_same_v<decltype(&CAudioDspProcessor::Process),
+                             int (CAudioDspProcessor::*)(char*, int, int, int, int)>);
+
+static_assert(std::is_same_v<decltype(&Drc::Process), void (Drc::*)(short*, int, int)>);
+
 static_assert(mode1 == 0 && mode2 == 1 && mode3 == 2 && mode4 == 3 && mode5 == 4 && mode6 == 5);
 
 static_assert(VeoNone == 0 && VeoEthereal == 1 && VeoThriller == 2 && VeoLuBan == 3 &&
@@ -41,7 +99,9 @@ static_assert(VeoNone == 0 && VeoEthereal == 1 && VeoThriller == 2 && VeoLuBan =
               VeoTrappedBeast == 12 && VeoPowerCurrent == 13);
 
 static_assert(std::is_base_of_v<IDSP, IAudioVoiceBeautify> &&
-              std::is_base_of_v<IDSP, IAudioAccelerate>);
+              std::is_base_of_v<IDSP, IAudioAccelerate> && std::is_base_of_v<IDSP, IEqualizer>);
+
+static_assert(std::is_same_v<decltype(CreateEqualizer), IEqualizer*()>);
 
 static_assert(std::is_same_v<decltype(IAudioVoiceBeautify::Create), IAudioVoiceBeautify*()>);
 
@@ -82,6 +142,7 @@ TEST(EffectInterfaces, KeepTheirSlotsInOrder) {
   EXPECT_EQ(Slot(&IAudioVoiceBeautify::VoiceBeautifyProcess), 9U);
   EXPECT_EQ(Slot(&IAudioVoiceBeautify::SetVoiceBeautifyOption), 10U);
   EXPECT_EQ(Slot(&IAudioAccelerate::SetAccelerateRate), 9U);
+  EXPECT_EQ(Slot(&IEqualizer::SetEqGain), 9U);
   EXPECT_EQ(Slot(&IVoiceChangerToolbox::Process), 2U);
   EXPECT_EQ(Slot(&IVoiceChangerToolbox::SetVoiceEffectOption), 3U);
   EXPECT_EQ(Slot(&IBeatTrack::Destroy), 2U);

@@ -112,3 +112,12 @@ TEST(TestSpeechMsg, TakesAMinuteAlsoForNothing) {
   EXPECT_THAT(engine.CallsWith("printf"),
               ElementsAre("printf(\"Play Done, totalTime = %d.\\n\", 0)"));
 }
+
+// The address sanitizer sees a notify that is gone.
+TEST(TestSpeechMsg, LeavesItsNotifyAlive) {
+  FakeEngine engine;
+
+  TestSpeechMsg();
+
+  engine.script<SpeechMsgPlayerScript>().notify->OnStopPlayData(0, 0);
+}

@@ -4,6 +4,7 @@
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/mixing/karaoke_file_mixer.h"
 #include "fake_engine/mixing/karaoke_recorder.h"
+#include "fake_engine/platform/paths.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -63,6 +64,34 @@ TEST(TestKaraokeFileMixer, SetsEverythingStartsWaitsAndEnds) {
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
+// The folder as it is, with no separator added.
+TEST(TestKaraokeFileMixer, PutsTheDebugFolderInFrontOfEachName) {
+  FakeEngine engine;
+  engine.script<PathsScript>().debug = "/debug/of_";
+
+  TestKaraokeFileMixer();
+
+  EXPECT_THAT(engine.CallsWith("/debug"),
+              ElementsAre("IKaraokeFileMixer#1.Open(/debug/of_voice_record.wav, "
+                          "/debug/of_music.wav) = 1",
+                          "IKaraokeFileMixer#1.Start(/debug/of_output.aac)"));
+}
+
+// The address sanitizer sees a notify that is gone.
+TEST(TestKaraokeFileMixer, LeavesItsNotifyAlive) {
+  FakeEngine engine;
+  IKaraokeFileMixerNotify* given = nullptr;
+  engine.script<KaraokeFileMixerScript>().start = [&](IKaraokeFileMixerNotify* notify) {
+    given = notify;
+    notify->OnFinishMixer();
+    return true;
+  };
+
+  TestKaraokeFileMixer();
+
+  given->OnFileMixerState(100, 100);
+}
+
 TEST(TestKaraokeFileMixer, SleepsNotWhenTheMixHasFinishedBeforeStartReturns) {
   FakeEngine engine;
 
@@ -71,9 +100,13 @@ TEST(TestKaraokeFileMixer, SleepsNotWhenTheMixHasFinishedBeforeStartReturns) {
   EXPECT_THAT(engine.CallsWith("SleepMs"), IsEmpty());
 }
 
+// Also after an end that is told while it stops.
 TEST(TestKaraokeFileMixer, WaitsAgainInASecondRun) {
   for (int run = 0; run < 2; ++run) {
     FakeEngine engine;
+    engine.script<KaraokeFileMixerScript>().stop = [](IKaraokeFileMixerNotify* notify) {
+      notify->OnFinishMixer();
+    };
     IKaraokeFileMixerNotify* running = nullptr;
     engine.script<KaraokeFileMixerScript>().start = [&](IKaraokeFileMixerNotify* notify) {
       running = notify;

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "bench/mixing/routines.h"
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/mixing/audio_block_mixer.h"
@@ -210,4 +212,16 @@ TEST(TestRecordMixer, NeverWritesBeyondAFrame) {
   TestRecordMixer();
 
   EXPECT_THAT(engine.wavs["record_out.wav"].samples, SizeIs(5292));
+}
+
+TEST(TestRecordMixer, ReadsBlocksOfUpTo65536Samples) {
+  for (const auto& [rate, samples] : {std::pair(6553600, 65536U), {6553700, 0U}}) {
+    FakeEngine engine;
+    engine.wavs["record_acc.wav"] = {rate, 1, std::vector<short>(70000, 7)};
+    engine.wavs["record_voice.wav"] = {rate, 1, std::vector<short>(70000, 5)};
+
+    TestRecordMixer();
+
+    EXPECT_THAT(engine.wavs["record_out.wav"].samples, SizeIs(std::min(samples, 5292U))) << rate;
+  }
 }

@@ -72,7 +72,11 @@ class FakeKaraokeFileMixer : public IKaraokeFileMixer {
     return engine.script<KaraokeFileMixerScript>().start(m_notify);
   }
 
-  void Stop() override { FakeEngine::Current().Call(this, "Stop()"); }
+  void Stop() override {
+    FakeEngine& engine = FakeEngine::Current();
+    engine.Call(this, "Stop()");
+    engine.script<KaraokeFileMixerScript>().stop(m_notify);
+  }
 
   void Destroy() override {
     FakeEngine::Current().Call(this, "Destroy()");

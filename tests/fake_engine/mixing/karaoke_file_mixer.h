@@ -14,4 +14,6 @@ struct KaraokeFileMixerScript {
     if (notify != nullptr) notify->OnFinishMixer();
     return true;
   };
+  // What a stop does with it; nothing at first.
+  std::function<void(IKaraokeFileMixerNotify* notify)> stop = [](IKaraokeFileMixerNotify*) {};
 };

@@ -24,7 +24,9 @@ class FakeSpeechMsgPlayer : public ISpeechMsgPlayer {
   }
 
   bool Start(ISpeechMsgPlayerNotify* notify) override {
-    FakeEngine::Current().Call(this, "Start(%s)", notify != nullptr ? "notify" : "null");
+    FakeEngine& engine = FakeEngine::Current();
+    engine.script<SpeechMsgPlayerScript>().notify = notify;
+    engine.Call(this, "Start(%s)", notify != nullptr ? "notify" : "null");
     return true;
   }
 
