@@ -39,7 +39,9 @@ class Equalizer final : public IEqualizer {
 
   void SetEqGain(int band, float gain) override {
     if (band < 0 || band >= desktop::kEqualizerBands || std::isnan(gain)) {
-      if (!std::exchange(m_told, true)) OutputDebugInfo("IEqualizer: no band %d", band);
+      if (!std::exchange(m_told, true)) {
+        OutputDebugInfo("IEqualizer: cannot set band %d to %g dB", band, static_cast<double>(gain));
+      }
       return;
     }
     m_equalizer.SetGain(band, gain, true);

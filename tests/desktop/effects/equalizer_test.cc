@@ -269,6 +269,27 @@ TEST(AudioEffectModuleTest, EqualisesTheSamplesOfItsFrameAndNoMore) {
   EXPECT_EQ(frame.data_[440], 1000);
 }
 
+TEST(AudioEffectModuleTest, LeavesABandAsItWasForAGainThatIsNoNumber) {
+  std::vector<short> first;
+  for (const bool again : {false, true}) {
+    AudioEffectModule module;
+    Gains gains = kAllUp;
+    module.SetEqualizerEnable(true);
+    module.SetEqGains(gains.data(), false);
+    gains.fill(std::nanf(""));
+    if (again) module.SetEqGains(gains.data(), false);
+    zuwebrtc::AudioFrame frame;
+    frame.sample_rate_hz_ = 48000;
+    frame.num_channels_ = 1;
+    frame.samples_per_channel_ = 480;
+    std::fill_n(frame.data_, 480, short{100});
+    module.Process(frame);
+    if (!again) first.assign(frame.data_, frame.data_ + 480);
+    EXPECT_EQ(std::vector<short>(frame.data_, frame.data_ + 480), first);
+  }
+  EXPECT_GT(first[0], 200);
+}
+
 TEST(AudioEffectModuleTest, ChangesAtOnceOrSmoothly) {
   for (const bool smooth : {false, true}) {
     AudioEffectModule module;

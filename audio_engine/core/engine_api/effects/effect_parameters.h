@@ -4,7 +4,7 @@
 // nearest one in it; what is no number counts as the lowest.
 
 // Gains of the eleven equaliser bands in dB, band 0 first (16, 31.5, 63, 125, 250, 500 Hz, 1, 2, 4,
-// 8, 16 kHz), -24 to 24.
+// 8, 16 kHz), -24 to 24. One that is no number leaves its band as it was.
 using EqGains = float[11];
 
 // A reverberation: a tail that follows the sound itself.
