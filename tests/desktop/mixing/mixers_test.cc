@@ -209,6 +209,9 @@ TEST(IPushPcmModule, MakesAHeadThatCanBeReadBack) {
   memcpy(words, head.data(), sizeof words);
   EXPECT_THAT(words, testing::ElementsAre(1, 2, 44100, 2, 2, 3528, 8000, 1, 2, 320));
   EXPECT_EQ(IPushPcmModule::MakeStreamInfo(nullptr, ch, precision, length, 1), "");
+  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, nullptr, precision, length, 1), "");
+  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, ch, nullptr, length, 1), "");
+  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, ch, precision, nullptr, 1), "");
 }
 
 TEST(IPushPcmModule, LetsItsOwnFormatPassAndMixesAnother) {
