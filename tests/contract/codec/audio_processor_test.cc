@@ -195,6 +195,21 @@ TEST(TestZUAudioProcessor, ChangesRateAndChannelsOfThePcmRecordAlone) {
               ElementsAre(kAudioCodecAAC, 12, 44100, 2, 16, 24000, 2048, 29, 13, 14, 2, 1));
 }
 
+TEST(TestZUAudioProcessor, KeepsTheBlockLengthIn16BitsAndWithinItsArray) {
+  for (const auto& [samples, blocks] :
+       {std::pair(65536 + 5000, 2), {8192, 1}, {8193, 0}, {32768, 0}, {65536, 0}}) {
+    FakeEngine engine;
+    engine.script<NetCodecStreamFormatScript>().fill =
+        [length = samples](ZUAudio::NetCodecStreamFormat& formats) {
+          formats.iNetAACPlusFormat.iAudioFormat.iSamplesOfFrame = length;
+          formats.iNetAACPlusFormat.iAudioFormat.iNumOfFramesInPacket = 1;
+        };
+    engine.wavs["player.wav"] = {44100, 2, std::vector<short>(10001)};
+    TestZUAudioProcessor();
+    EXPECT_THAT(engine.CallsWith("ProcessData"), SizeIs(blocks)) << samples;
+  }
+}
+
 TEST(TestZUAudioProcessor, LeavesAnEmptyFileWhenTheInputIsMissing) {
   FakeEngine engine;
   FillFormats(engine);

@@ -3,15 +3,24 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include "engine_api/codec/audio_codec.h"
+#include "engine_api/codec/audio_processor.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/codec/local_codec.h"
 #include "engine_api/codec/net_codec_stream_format.h"
 #include "engine_api/codec/stream_format.h"
+#include "engine_api/codec/stream_to_aac.h"
+#include "engine_api/codec/two_byte_header.h"
 #include "fake_engine/fake_engine.h"
+#include "support/slot.h"
+
+using AudioLocalCodec::IAudioDecoder;
+using AudioLocalCodec::IAudioEncoder;
 
 static_assert(kAudioCodecUnknown == 0 && kAudioCodecSpeex == 1 && kAudioCodecAMRWB == 2 &&
               kAudioCodecSilk == 4 && kAudioCodecMP3 == 8 && kAudioCodecAAC == 16 &&
@@ -36,6 +45,52 @@ static_assert(AudioLocalCodec::UNKNOWN_CODEC == -1 && AudioLocalCodec::SPEEX_COD
 static_assert(kAudioLibraryDecoder == 0 && kAudioLibraryEncoder == 1);
 
 static_assert(std::is_same_v<decltype(FormatFromRawCodecId), AudioStreamFormat(int)>);
+
+static_assert(
+    std::is_same_v<decltype(CreateAudioCodec), CAudioCodec*(ZUAudioCodec, AudioLibraryCodecMode)>);
+
+static_assert(std::has_virtual_destructor_v<CAudioCodec> && std::is_abstract_v<CAudioCodec>);
+
+static_assert(std::is_same_v<decltype(TransZUStreamToAAC), int(const char*, int, unsigned char**)>);
+
+static_assert(std::is_same_v<decltype(ParseTwoByteHeader), int(unsigned short)>);
+
+static_assert(
+    std::is_same_v<decltype(&AudioProcessor::ProcessData),
+                   void (AudioProcessor::*)(const void*, uint32_t*, void*, uint32_t*, int, int)>);
+
+TEST(CodecInterfaces, KeepTheirSlotsInOrder) {
+  EXPECT_EQ(Slot(&CAudioCodec::Init), 2U);
+  EXPECT_EQ(Slot(&CAudioCodec::CalcBufSize), 3U);
+  EXPECT_EQ(Slot(&CAudioCodec::Process), 4U);
+  EXPECT_EQ(Slot(&CAudioCodec::GetAncData), 5U);
+  EXPECT_EQ(Slot(&CAudioCodec::CodecMode), 6U);
+  EXPECT_EQ(Slot(&CAudioCodec::CodecID), 7U);
+  EXPECT_EQ(Slot(&CAudioCodec::CodecLevel), 8U);
+  EXPECT_EQ(Slot(&CAudioCodec::DeInit), 9U);
+  EXPECT_EQ(Slot(&CAudioCodec::CodecDescribe), 10U);
+  EXPECT_EQ(Slot(&CAudioCodec::IsAvailable), 11U);
+  EXPECT_EQ(Slot(&CAudioCodec::CodecDelay), 12U);
+  EXPECT_EQ(Slot(&CAudioCodec::GetEncoderSize), 13U);
+  EXPECT_EQ(Slot(&CAudioCodec::GetDecodedSampleRate), 14U);
+  EXPECT_EQ(Slot(&CAudioCodec::GetDecodedChannel), 15U);
+  EXPECT_EQ(Slot(&IAudioEncoder::Destroy), 2U);
+  EXPECT_EQ(Slot(&IAudioEncoder::GetEncoderBytes), 3U);
+  EXPECT_EQ(Slot(&IAudioEncoder::Init), 4U);
+  EXPECT_EQ(Slot(&IAudioEncoder::Uninit), 5U);
+  EXPECT_EQ(Slot(&IAudioEncoder::Flush), 6U);
+  EXPECT_EQ(Slot(&IAudioEncoder::Encode), 7U);
+  EXPECT_EQ(Slot(&IAudioEncoder::EncodeLoss), 8U);
+  EXPECT_EQ(Slot(&IAudioEncoder::SetBitRate), 9U);
+  EXPECT_EQ(Slot(&IAudioEncoder::SetComplexity), 10U);
+  EXPECT_EQ(Slot(&IAudioDecoder::Destroy), 2U);
+  EXPECT_EQ(Slot(&IAudioDecoder::Init), 3U);
+  EXPECT_EQ(Slot(&IAudioDecoder::Uninit), 4U);
+  EXPECT_EQ(Slot(&IAudioDecoder::Flush), 5U);
+  EXPECT_EQ(Slot(&IAudioDecoder::Decode), 6U);
+  EXPECT_EQ(Slot(&IAudioDecoder::DecodeLoss), 7U);
+  EXPECT_EQ(Slot(&AudioProcessor::ProcessData), 2U);
+}
 
 // The records in their order; each follows the one before it without a gap.
 TEST(NetCodecStreamFormat, KeepsTheNamesAndOrderOfItsRecords) {

@@ -62,7 +62,7 @@ TEST(TestAudioEncode, EncodesThenDecodes) {
     return in[0] == 'b' ? std::string() : in.substr(0, 3);
   };
   engine.script<LocalCodecScript>().decode = [](const std::string& in) {
-    return in[0] == 'a' ? "" : in + "!";
+    return in[0] == 'c' ? "" : in + "!";
   };
 
   TestAudioEncode();
@@ -82,12 +82,13 @@ TEST(TestAudioEncode, EncodesThenDecodes) {
                   "fopen(out.enc, rb)", "fopen(dec.pcm, wb)",
                   "CreateAudioDecoder(4) = IAudioDecoder#1", "IAudioDecoder#1.Init()",
                   "fread(out.enc, 2, 1) = 1", "fread(out.enc, 3, 1) = 1",
-                  "IAudioDecoder#1.Decode(3, out of 0) = 0", "fread(out.enc, 2, 1) = 1",
-                  "fread(out.enc, 3, 1) = 1", "IAudioDecoder#1.Decode(3, out of 0) = 4",
-                  "fwrite(dec.pcm, 1, 4)", "fread(out.enc, 2, 1) = 0", "IAudioDecoder#1.Destroy()",
-                  "fclose(dec.pcm)", "fclose(out.enc)"));
+                  "IAudioDecoder#1.Decode(3, out of 0) = 4", "fwrite(dec.pcm, 1, 4)",
+                  "fread(out.enc, 2, 1) = 1", "fread(out.enc, 3, 1) = 1",
+                  "IAudioDecoder#1.Decode(3, out of 4) = 0",  // Again the same string.
+                  "fread(out.enc, 2, 1) = 0", "IAudioDecoder#1.Destroy()", "fclose(dec.pcm)",
+                  "fclose(out.enc)"));
   EXPECT_EQ(engine.Bytes("out.enc"), Packet("aaa") + Packet("ccc"));
-  EXPECT_EQ(engine.Bytes("dec.pcm"), "ccc!");
+  EXPECT_EQ(engine.Bytes("dec.pcm"), "aaa!");
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
@@ -146,12 +147,12 @@ TEST(TestAudioEncode, TakesThePacketsThatA16BitLengthCanSay) {
 }
 
 TEST(TestAudioEncode, EndsWhenTheEncoderWantsNothingOrTooMuch) {
-  for (const int bytes : {0, -1, 8193}) {
+  for (const auto& [bytes, blocks] : {std::pair(0, 0), {-1, 0}, {8192, 2}, {8193, 0}}) {
     FakeEngine engine;
     engine.PutFile("audio_test.pcm", std::string(20000, 'a'));
     engine.script<LocalCodecScript>().encoderBytes = bytes;
     TestAudioEncode();
-    EXPECT_THAT(engine.CallsWith("Encode("), IsEmpty()) << bytes;
+    EXPECT_THAT(engine.CallsWith("Encode("), SizeIs(blocks)) << bytes;
   }
 }
 
@@ -237,6 +238,18 @@ TEST(TestEncodeFile, ReturnsWithoutAnEncoderAndCountsNothing) {
   EXPECT_EQ(engine.CallsWith("Encoder").size(), 1U);
   EXPECT_THAT(engine.CallsWith("fclose"), SizeIs(2));
   EXPECT_EQ(FramesSoFar(), before + 1);
+}
+
+TEST(TestEncodeFile, EndsWhenTheEncoderWantsNothing) {
+  for (const int bytes : {0, -1}) {
+    FakeEngine engine;
+    engine.PutFile(g_in, Header(16000, 1) + "aa");
+    engine.script<LocalCodecScript>().encoderBytes = bytes;
+    TestEncodeFile(g_in, g_out);
+    EXPECT_THAT(engine.CallsWith("Encode("), IsEmpty()) << bytes;
+    EXPECT_EQ(engine.Bytes(g_out), "");
+    EXPECT_THAT(engine.live, IsEmpty());
+  }
 }
 
 TEST(TestEncodeFile, ReturnsForAHeaderThatIsCutShortAndForNoFile) {

@@ -249,13 +249,15 @@ TEST(TestVADCodecMosByVADResult, WritesTheMarksOfLongFramesInPieces) {
 }
 
 TEST(TestVADCodecMosByVADResult, ReadsNoFrameThatItsArrayDoesNotHold) {
-  FakeEngine engine;
-  engine.script<CodecFormatScript>().format = [](int id) {
-    return CodecFormat(id, 44100, 2, 4097);
-  };
-  engine.wavs["in.wav"] = {44100, 2, std::vector<short>(30000)};
-  TestVADCodecMosByVADResult("in.wav", "out.wav", "vad.wav", 35);
-  EXPECT_THAT(engine.CallsWith("Detect("), IsEmpty());
+  for (const auto& [samples, frames] : {std::pair(4096, 3), {4097, 0}}) {
+    FakeEngine engine;
+    engine.script<CodecFormatScript>().format = [length = samples](int id) {
+      return CodecFormat(id, 44100, 2, length);
+    };
+    engine.wavs["in.wav"] = {44100, 2, std::vector<short>(30000)};
+    TestVADCodecMosByVADResult("in.wav", "out.wav", "vad.wav", 35);
+    EXPECT_THAT(engine.CallsWith("Detect("), SizeIs(2 * frames)) << samples;
+  }
 }
 
 TEST(TestVADCodecMosByVADResult, WritesItsFilesWithoutACodec) {

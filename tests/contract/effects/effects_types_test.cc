@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <type_traits>
 
 #include "engine_api/effects/audio_accelerate.h"
 #include "engine_api/effects/audio_dsp_processor.h"
 #include "engine_api/effects/audio_effect_module.h"
 #include "engine_api/effects/audio_karaoke_effect_module.h"
+#include "engine_api/effects/audio_resampler_ex.h"
 #include "engine_api/effects/beat_track.h"
 #include "engine_api/effects/drc.h"
 #include "engine_api/effects/equalizer.h"
@@ -91,6 +93,16 @@ static_assert(std::is_same_v<decltype(&CAudioDspProcessor::Process),
 
 static_assert(std::is_same_v<decltype(&Drc::Process), void (Drc::*)(short*, int, int)>);
 
+static_assert(std::is_same_v<decltype(IAudioResamplerEx::Create),
+                             IAudioResamplerEx*(uint32_t, uint32_t, uint32_t, uint32_t, uint32_t,
+                                                uint32_t, const char*)>);
+
+static_assert(std::is_same_v<decltype(IAudioResamplerEx::Destroy), void(IAudioResamplerEx*&)>);
+
+static_assert(
+    std::is_same_v<decltype(&IAudioResamplerEx::Convert),
+                   bool (IAudioResamplerEx::*)(const short*, uint32_t, short*, uint32_t)>);
+
 static_assert(mode1 == 0 && mode2 == 1 && mode3 == 2 && mode4 == 3 && mode5 == 4 && mode6 == 5);
 
 static_assert(VeoNone == 0 && VeoEthereal == 1 && VeoThriller == 2 && VeoLuBan == 3 &&
@@ -132,6 +144,12 @@ static_assert(std::is_same_v<decltype(&RateChanger::SetFsAndCh), void (RateChang
 TEST(EffectInterfaces, KeepTheirSlotsInOrder) {
   using ProcessBytes = int (IDSP::*)(char*, int, int, int, int);
   using ProcessInts = int (IDSP::*)(int*, int, int, int, int, int);
+  EXPECT_EQ(Slot(&FIRFilter::Filter), 2U);
+  EXPECT_EQ(Slot(&FIRFilter::UpdateCoeffients), 3U);
+  EXPECT_EQ(Slot(&IAudioResamplerEx::Convert), 2U);
+  EXPECT_EQ(Slot(&IAudioResamplerEx::IsFormatChange), 3U);
+  EXPECT_EQ(Slot(&IAudioResamplerEx::GetDestSamples), 4U);
+  EXPECT_EQ(Slot(&IAudioResamplerEx::GetSrcSamples), 5U);
   EXPECT_EQ(Slot(&IDSP::Destroy), 2U);
   EXPECT_EQ(Slot<ProcessBytes>(&IDSP::Process), 3U);
   EXPECT_EQ(Slot<ProcessInts>(&IDSP::Process), 4U);

@@ -114,12 +114,18 @@ TEST(TestAudioResamplerEx, KeepsTheBlockLengthIn16Bits) {
 }
 
 TEST(TestAudioResamplerEx, ReadsNoBlockThatItsArrayDoesNotHold) {
-  FakeEngine engine;
-  engine.wavs["in.wav"] = {819300, 1, Ramp(20000)};
+  for (const auto& [samples, blocks] : {std::pair(8192, 2), {8193, 0}}) {
+    FakeEngine engine;
+    engine.wavs["in.wav"] = {100 * samples, 1, Ramp(20000)};
+    engine.wavs["niannujiao_44100_2.wav"] = engine.wavs["in.wav"];
 
-  TestAudioResamplerEx("in.wav", "out.wav", 8000, 1);
+    TestAudioResamplerEx("in.wav", "out.wav", 8000, 1);
+    TestSpeexConverter();
 
-  EXPECT_THAT(engine.CallsWith("ReadSamples"), IsEmpty());
+    EXPECT_THAT(engine.CallsWith("#1.Convert"), SizeIs(blocks)) << samples;
+    EXPECT_THAT(engine.CallsWith("#2.Convert"), SizeIs(blocks)) << samples;
+    EXPECT_THAT(engine.CallsWith("ReadSamples"), SizeIs(blocks == 0 ? 0 : 2 * (blocks + 1)));
+  }
 }
 
 TEST(TestAudioResamplerEx, WritesNoMoreThanItsArrayHolds) {

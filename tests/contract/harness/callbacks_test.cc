@@ -212,6 +212,18 @@ TEST(AudioFramePlayerTestNotify, IsSilentAtTheStartAndAfterAWhile) {
   EXPECT_EQ(runLength(true), 400 - 147);
 }
 
+// The clock of a run moves past the bounds in larger steps.
+TEST(AudioFramePlayerTestNotify, IsSilentToTheMillisecond) {
+  FakeEngine engine;
+  const auto player = Player(engine, Record(1, "a") + Record(1, "b") + Record(1, "c"), 2, true);
+  AudioFrameData frame = {};
+  for (const int timeMs : {0, 1639, 1640, 4579, 4580, 5979, 5980}) {
+    player->m_timeMs = timeMs;
+    const bool frameComes = timeMs == 1640 || timeMs == 4579 || timeMs == 5980;
+    EXPECT_EQ(Pull(*player, frame), frameComes) << timeMs;
+  }
+}
+
 TEST(AudioFramePlayerTestNotify, JudgesSilenceBeforeItsMissingFile) {
   FakeEngine engine;
   AudioFramePlayerTestNotify player(nullptr, g_name, 2, true);

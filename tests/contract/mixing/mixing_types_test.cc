@@ -2,18 +2,25 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <type_traits>
 
+#include "engine_api/effects/beat_track_notify.h"
 #include "engine_api/mixing/audio_block_mixer.h"
+#include "engine_api/mixing/audio_capture_notify.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/audio_file_player.h"
+#include "engine_api/mixing/audio_frame_packer_notify.h"
+#include "engine_api/mixing/audio_frame_player_notify.h"
 #include "engine_api/mixing/audio_record_mixer.h"
 #include "engine_api/mixing/audio_source.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
+#include "engine_api/mixing/karaoke_file_mixer_notify.h"
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "engine_api/mixing/push_pcm_module.h"
 #include "engine_api/mixing/speech_msg_player.h"
+#include "engine_api/mixing/speech_msg_player_notify.h"
 
 static_assert(AudioSourceTypeMic == 0 && AudioSourceTypeOuterPCM == 1 && AudioSourceTypeMix == 2);
 
@@ -116,3 +123,55 @@ static_assert(
 static_assert(std::is_same_v<decltype(ScoreTimeRange::lineID), uint32_t> &&
               std::is_same_v<decltype(ScoreTimeRange::lineEnd), uint8_t> &&
               std::is_same_v<decltype(ScoreTimeRange::midiValue), int>);
+
+namespace {
+
+// An operation of a callback interface, as an engine calls it.
+template <typename Class, typename Result, typename... Arguments>
+using Operation = Result (Class::*)(Arguments...);
+
+static_assert(std::is_same_v<decltype(&IAudioCaptureNotify::OnCaptureAudioData),
+                             Operation<IAudioCaptureNotify, void, const void*, uint32_t, uint8_t,
+                                       VADResultKind, uint32_t>>);
+static_assert(std::is_same_v<decltype(&IAudioCaptureNotify::OnCaptureVolumeVisual),
+                             Operation<IAudioCaptureNotify, bool, const uint32_t&>>);
+
+static_assert(
+    std::is_same_v<decltype(&ISpeechMsgPlayerNotify::OnAudioPlayStatus),
+                   Operation<ISpeechMsgPlayerNotify, void, uint32_t, uint32_t, uint32_t>>);
+static_assert(std::is_same_v<decltype(&ISpeechMsgPlayerNotify::OnAudioPlayError),
+                             Operation<ISpeechMsgPlayerNotify, void>>);
+static_assert(std::is_same_v<decltype(&ISpeechMsgPlayerNotify::OnFirstStartPlayData),
+                             Operation<ISpeechMsgPlayerNotify, void>>);
+static_assert(std::is_same_v<decltype(&ISpeechMsgPlayerNotify::OnStopPlayData),
+                             Operation<ISpeechMsgPlayerNotify, void, uint32_t, uint32_t>>);
+static_assert(std::is_same_v<decltype(&ISpeechMsgPlayerNotify::OnReachMaxPlayTime),
+                             Operation<ISpeechMsgPlayerNotify, void, uint32_t, uint32_t>>);
+
+static_assert(std::is_same_v<decltype(&IAudioFramePackerNotify::OnPackAudioFrame),
+                             Operation<IAudioFramePackerNotify, void, const uint8_t*, uint32_t,
+                                       VADResultKind, uint32_t, uint8_t>>);
+static_assert(std::is_same_v<decltype(&IAudioFramePackerNotify::OnAudioCaptureVolume),
+                             Operation<IAudioFramePackerNotify, void, uint32_t>>);
+
+static_assert(std::is_same_v<decltype(&IAudioFramePlayerNotify::OnPullAudioFrame),
+                             Operation<IAudioFramePlayerNotify, bool, uint32_t, AudioFrameData&,
+                                       bool, FramePlayerFeedbackInfo&>>);
+static_assert(std::is_same_v<decltype(&IAudioFramePlayerNotify::OnAudioVolume),
+                             Operation<IAudioFramePlayerNotify, bool, uint32_t, uint32_t>>);
+static_assert(std::is_same_v<decltype(&IAudioFramePlayerNotify::OnAudioRenderPTS),
+                             Operation<IAudioFramePlayerNotify, bool, uint32_t, uint32_t>>);
+static_assert(std::is_same_v<decltype(&IAudioFramePlayerNotify::OnAudioAncData),
+                             Operation<IAudioFramePlayerNotify, int, char**, int*, int>>);
+
+static_assert(std::is_same_v<decltype(&IKaraokeFileMixerNotify::OnFileMixerState),
+                             Operation<IKaraokeFileMixerNotify, void, uint32_t, uint32_t>>);
+static_assert(std::is_same_v<decltype(&IKaraokeFileMixerNotify::OnFinishMixer),
+                             Operation<IKaraokeFileMixerNotify, void>>);
+
+static_assert(std::is_same_v<decltype(&IBeatTrackNotify::NotifyBeat),
+                             Operation<IBeatTrackNotify, void, int, float>>);
+static_assert(std::is_same_v<decltype(&IBeatTrackNotify::NotifyStartFive),
+                             Operation<IBeatTrackNotify, void>>);
+
+}  // namespace

@@ -3,6 +3,7 @@
 
 #include "engine_api/codec/local_codec.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -86,7 +87,7 @@ void TestEncodeFile(char* pSrcFileName, char* pDstFileName) {
   if (encoder == nullptr) return;
 
   encoder->Init();
-  const int frameSize = encoder->GetEncoderBytes();
+  const int frameSize = std::max(encoder->GetEncoderBytes(), 0);
   auto pBuf = std::make_unique<char[]>(static_cast<size_t>(frameSize));
   while (harness::ReadBlock(src, pBuf.get(), static_cast<size_t>(frameSize))) {
     std::string encFrame;
