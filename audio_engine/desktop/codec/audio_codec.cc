@@ -1,6 +1,8 @@
 #include "engine_api/codec/audio_codec.h"
 
 #include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 
@@ -33,7 +35,7 @@ class DesktopCodec : public CAudioCodec {
         return true;
       }
     }
-    OutputDebugInfo("%s codec: no such format", CodecDescribe());
+    if (m_log.IsFirst()) OutputDebugInfo("%s codec: no such format", CodecDescribe());
     return false;
   }
 
@@ -71,6 +73,8 @@ class DesktopCodec : public CAudioCodec {
  protected:
   int RawId() const { return m_setup ? m_setup->variant->rawId : -1; }
 
+  desktop::LogOnce m_log;
+
  private:
   virtual bool Open(const CodecSetup& setup) = 0;
   virtual void Close() = 0;
@@ -86,7 +90,9 @@ class Encoder : public DesktopCodec {
 
   void CalcBufSize(int* bytes, int inLen) override {
     const int frame = FrameBytes();
-    *bytes = frame == 0 || inLen < 0 ? 0 : (inLen / frame + 1) * kMaxFrameBytes;
+    const int64_t room =
+        frame == 0 || inLen < 0 ? 0 : (int64_t{inLen} / frame + 1) * kMaxFrameBytes;
+    *bytes = static_cast<int>(std::min<int64_t>(room, INT_MAX));
   }
 
   void Process(const unsigned char* in, int inLen, unsigned char* out, int* outLen) override {
@@ -112,7 +118,7 @@ class Encoder : public DesktopCodec {
 
  private:
   bool Open(const CodecSetup& setup) override {
-    m_encoder = FrameEncoder::Create(setup);
+    m_encoder = FrameEncoder::Create(setup, &m_log);
     return m_encoder != nullptr;
   }
 
@@ -141,7 +147,6 @@ class Encoder : public DesktopCodec {
   std::unique_ptr<FrameEncoder> m_encoder;
   short m_pending[desktop::kMaxFrameSamples];
   int m_pendingBytes = 0;
-  desktop::LogOnce m_log;
 };
 
 class Decoder : public DesktopCodec {
@@ -169,7 +174,7 @@ class Decoder : public DesktopCodec {
 
  private:
   bool Open(const CodecSetup& setup) override {
-    m_decoder = FrameDecoder::Create(setup);
+    m_decoder = FrameDecoder::Create(setup, &m_log);
     return m_decoder != nullptr;
   }
 
@@ -182,7 +187,6 @@ class Decoder : public DesktopCodec {
 
   std::unique_ptr<FrameDecoder> m_decoder;
   short m_samples[desktop::kMaxFrameSamples];
-  desktop::LogOnce m_log;
 };
 
 }  // namespace

@@ -57,7 +57,7 @@ class Processor final : public AudioProcessor {
 
  private:
   bool Open(const CodecSetup& source, const CodecSetup& target) {
-    m_reader = desktop::StreamReader::Create(source);
+    m_reader = desktop::StreamReader::Create(source, &m_log);
     if (m_reader == nullptr || source.rate <= 0 || target.rate <= 0 || target.channels < 1) {
       return false;
     }
@@ -73,7 +73,7 @@ class Processor final : public AudioProcessor {
       m_queue.emplace(static_cast<size_t>(target.channels) * sizeof(short));
       return true;
     }
-    m_encoder = desktop::FrameEncoder::Create(target);
+    m_encoder = desktop::FrameEncoder::Create(target, &m_log);
     if (m_encoder == nullptr) return false;
     m_queue.emplace(desktop::FrameHeader(target));
     m_frame.resize(static_cast<size_t>(m_encoder->samplesPerFrame()));
@@ -98,11 +98,11 @@ class Processor final : public AudioProcessor {
   }
 
   void Add(const unsigned char* data, size_t bytes) {
-    if (m_queue->Add(data, bytes) || m_dropped) return;
-    m_dropped = true;
+    if (m_queue->Add(data, bytes) || !m_log.IsFirst()) return;
     OutputDebugInfo("audio processor: too much output waits, some is dropped");
   }
 
+  desktop::LogOnce m_log;
   std::unique_ptr<desktop::StreamReader> m_reader;  // Null when nothing can be converted.
   int m_sourceChannels = 0;
   int m_targetChannels = 0;
@@ -112,7 +112,6 @@ class Processor final : public AudioProcessor {
   std::vector<short> m_frame;                        // Fills up to one frame of the encoder.
   size_t m_filled = 0;
   std::optional<desktop::OutputQueue> m_queue;
-  bool m_dropped = false;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "desktop/codec/frame_header.h"
@@ -13,6 +14,9 @@ class LogOnce {
  public:
   void operator()(const char* what, int rawId);
 
+  // True the first time: for a line in other words.
+  bool IsFirst() { return !std::exchange(m_done, true); }
+
  private:
   bool m_done = false;
 };
@@ -20,8 +24,9 @@ class LogOnce {
 // Codes frames of interleaved samples into packets with their header. Allocates nothing per frame.
 class FrameEncoder {
  public:
-  // Null when this build does not code that.
-  static std::unique_ptr<FrameEncoder> Create(const CodecSetup& setup);
+  // Null when this build does not code that. log: of the object that this is a part of and that
+  // outlives it; null for one of its own.
+  static std::unique_ptr<FrameEncoder> Create(const CodecSetup& setup, LogOnce* log = nullptr);
 
   int samplesPerFrame() const { return m_samples; }  // All channels.
 
@@ -33,19 +38,20 @@ class FrameEncoder {
   bool SetComplexity(int complexity) { return m_encoder->SetComplexity(complexity); }
 
  private:
-  FrameEncoder(const CodecSetup& setup, std::unique_ptr<PacketEncoder> encoder);
+  FrameEncoder(const CodecSetup& setup, std::unique_ptr<PacketEncoder> encoder, LogOnce* log);
 
   const FrameHeader m_header;
   const int m_rawId;
   std::unique_ptr<PacketEncoder> m_encoder;
   const int m_samples;
-  LogOnce m_log;
+  LogOnce m_ownLog;
+  LogOnce& m_log;
 };
 
 // The reverse.
 class FrameDecoder {
  public:
-  static std::unique_ptr<FrameDecoder> Create(const CodecSetup& setup);
+  static std::unique_ptr<FrameDecoder> Create(const CodecSetup& setup, LogOnce* log = nullptr);
 
   int samplesPerFrame() const { return m_samples; }  // All channels.
 
@@ -63,13 +69,14 @@ class FrameDecoder {
   void Conceal(short* samples);
 
  private:
-  FrameDecoder(const CodecSetup& setup, std::unique_ptr<PacketDecoder> decoder);
+  FrameDecoder(const CodecSetup& setup, std::unique_ptr<PacketDecoder> decoder, LogOnce* log);
 
   const FrameHeader m_header;
   const int m_rawId;
   std::unique_ptr<PacketDecoder> m_decoder;
   const int m_samples;
-  LogOnce m_log;
+  LogOnce m_ownLog;
+  LogOnce& m_log;
 };
 
 }  // namespace desktop

@@ -83,7 +83,7 @@ class Core {
   bool Open() {
     Close();
     if (m_setup.codec.variant != nullptr) {
-      m_coder = FrameCoder::Create(m_setup.codec);
+      m_coder = FrameCoder::Create(m_setup.codec, &m_log);
       if (m_coder == nullptr) return false;
     }
     m_loss.emplace(m_setup.samples, m_setup.codec.channels);
@@ -107,6 +107,7 @@ class Core {
 
  private:
   const TypeSetup m_setup;
+  desktop::LogOnce m_log;
   std::unique_ptr<FrameCoder> m_coder;
   std::optional<desktop::FrameLoss> m_loss;
 };

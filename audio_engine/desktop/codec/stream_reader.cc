@@ -9,10 +9,10 @@ namespace desktop {
 
 static_assert(kMaxFrameBytes <= kMaxFrameSamples * sizeof(short), "a frame fits the buffer");
 
-std::unique_ptr<StreamReader> StreamReader::Create(const CodecSetup& setup) {
+std::unique_ptr<StreamReader> StreamReader::Create(const CodecSetup& setup, LogOnce* log) {
   std::unique_ptr<FrameDecoder> decoder;
   if (setup.variant != nullptr) {
-    decoder = FrameDecoder::Create(setup);
+    decoder = FrameDecoder::Create(setup, log);
     if (decoder == nullptr) return nullptr;
   }
   if (setup.channels < 1 || setup.channels > kMaxFrameSamples) return nullptr;

@@ -12,7 +12,8 @@ namespace desktop {
 class StreamReader {
  public:
   // `setup.variant` null: the stream is 16-bit samples. Null when this build does not decode that.
-  static std::unique_ptr<StreamReader> Create(const CodecSetup& setup);
+  // log: of the object that this is a part of and that outlives it.
+  static std::unique_ptr<StreamReader> Create(const CodecSetup& setup, LogOnce* log);
 
   // The next bytes, which must stay until Next has given 0.
   void Feed(const void* data, size_t size);

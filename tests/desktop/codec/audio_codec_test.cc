@@ -143,7 +143,13 @@ TEST_P(EachCodec, ProducesNothingWithoutRoom) {
   EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format) - 1), "");
   EXPECT_EQ(Process(*m_decoder, packet, 0), "");
   EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format)).size(), FrameBytes());
-  EXPECT_EQ(log.Lines().size(), 2U) << log.Text();  // One an object.
+  // One an object, also for a further reason and after a new start.
+  EXPECT_EQ(Process(*m_decoder, packet.substr(0, 5)), "");
+  AudioStreamFormat format = m_format;
+  EXPECT_TRUE(m_decoder->Init(&format));
+  EXPECT_EQ(Process(*m_decoder, packet.substr(0, 5)), "");
+  EXPECT_FALSE(m_decoder->Init(nullptr));
+  EXPECT_EQ(log.Lines().size(), 2U) << log.Text();
 }
 
 TEST_P(EachCodec, RefusesAFrameOfAnotherId) {
@@ -212,6 +218,10 @@ TEST_P(EachCodec, SaysWhatItIs) {
   EXPECT_EQ(room, 2 * FrameSamples(m_format));
   m_encoder->CalcBufSize(&room, 2 * FrameSamples(m_format));
   EXPECT_GE(room, 1025);
+  m_encoder->CalcBufSize(&room, INT_MAX);
+  EXPECT_GE(room, INT_MAX / (2 * FrameSamples(m_format)));
+  m_encoder->CalcBufSize(&room, -1);
+  EXPECT_EQ(room, 0);
 }
 
 TEST_P(EachCodec, AllocatesNothingPerFrame) {

@@ -116,6 +116,20 @@ TEST_P(EachId, PassesOverWhatIsNoFrame) {
   EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
 }
 
+// The ids that CreateAudioCodec has no family for, or no test of.
+TEST(AudioProcessor, BringsTheSignalBackAsLateAsDocumented) {
+  for (const auto& [id, lag] :
+       {std::pair(0, 80), {21, 80}, {23, 80}, {3, 95}, {52, 312}, {54, 312}}) {
+    const AudioStreamFormat format = FormatFromRawCodecId(id);
+    const AudioStreamFormat pcm = Pcm(format.iSampleRate, format.iNumOfChannels);
+    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 2);
+    const std::string stream = Processor(pcm, format).InPieces(BytesOf(voice), 4000);
+    const Samples decoded = SamplesOf(Processor(format, pcm).InPieces(stream, 300));
+    EXPECT_NEAR(BestLag(voice, decoded, format.iNumOfChannels, lag), lag, 1) << id;
+    EXPECT_GE(SnrDb(voice, decoded, format.iNumOfChannels, lag), 6) << id;
+  }
+}
+
 TEST(AudioProcessor, ConvertsSamplesAlone) {
   Processor same(Pcm(16000, 1), Pcm(16000, 1));
   const std::string voice = BytesOf(Voice(16000, 1, 0.3));
@@ -165,6 +179,17 @@ TEST(AudioProcessor, DropsWhatWaitsForTooLong) {
   for (int i = 0; i < 100; ++i) EXPECT_EQ(processor.Process(second, 0), "");
   EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
   EXPECT_EQ(processor.Process("", 3000000).size(), 1U << 20);
+}
+
+TEST(AudioProcessor, LogsOneLineHoweverMuchGoesWrong) {
+  const CapturedStderr log;
+  Processor processor(FormatFromRawCodecId(2), Pcm(48000, 2));
+  EXPECT_EQ(processor.Process(std::string(5000, '\x55')), "");
+  const std::string voice = BytesOf(Voice(16000, 1, 4));
+  const std::string stream = Processor(Pcm(16000, 1), FormatFromRawCodecId(2)).Process(voice);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(processor.Process(stream, 0), "");
+  EXPECT_GT(processor.Process("", 3000000).size(), 1000000U);
+  EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
 }
 
 TEST(AudioProcessor, IsNeverNull) {
