@@ -105,7 +105,12 @@ TEST_P(EachCodec, DelimitsEachPacketByItsHeader) {
     if (HasAdts(m_id)) {
       EXPECT_EQ(byte(0), 0xff);
       EXPECT_EQ(byte(1), 0xf1);
+      // LC at 22050 Hz, one channel with parametric stereo, in one block of untold fullness.
+      EXPECT_EQ(byte(2), 0x5c);
+      EXPECT_EQ(byte(3), m_id == 46 ? 0x80 : 0x40);
       EXPECT_EQ(byte(4) << 3 | byte(5) >> 5, packet.size());
+      EXPECT_EQ(byte(5) & 0x1f, 0x1f);
+      EXPECT_EQ(byte(6), 0xfc);
     } else {
       EXPECT_EQ(byte(1) & 0xfc, 0xfc);
       EXPECT_EQ(((byte(0) | byte(1) << 8) & 0x3ff) + 2, packet.size());

@@ -125,6 +125,12 @@ TEST(AudioProcessor, BringsTheSignalBackAsLateAsDocumented) {
     const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 2);
     const std::string stream = Processor(pcm, format).InPieces(BytesOf(voice), 4000);
     const Samples decoded = SamplesOf(Processor(format, pcm).InPieces(stream, 300));
+    if (format.iBytesOfCodedFrame != 0) {  // In packets of one length.
+      const int coded = format.iBytesOfCodedFrame;
+      EXPECT_EQ(stream.size(), static_cast<size_t>(100 * (3 + coded))) << id;
+      EXPECT_EQ(stream.substr(0, 3),
+                (std::string{static_cast<char>(1 + coded), '\xfc', static_cast<char>(id)}));
+    }
     EXPECT_NEAR(BestLag(voice, decoded, format.iNumOfChannels, lag), lag, 1) << id;
     EXPECT_GE(SnrDb(voice, decoded, format.iNumOfChannels, lag), 6) << id;
   }
