@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <vector>
 
-struct SpeexResamplerState_;
+#include "desktop/common/polyphase_filter.h"
 
 namespace desktop {
 
@@ -19,7 +19,6 @@ class Resampler {
   // (samples per channel).
   Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
             uint32_t targetChannels, uint32_t maxFrames);
-  ~Resampler();
   Resampler(const Resampler&) = delete;
   Resampler& operator=(const Resampler&) = delete;
 
@@ -39,19 +38,22 @@ class Resampler {
   uint32_t LagFrames() const;
 
  private:
-  struct Close {
-    void operator()(SpeexResamplerState_* state) const;
-  };
+  float* Channel(uint32_t channel) { return &m_samples[channel * (m_history + m_maxFrames)]; }
+  void Take(const short* source, uint32_t frames);
+  short* Give(short* target);
 
-  const uint32_t m_sourceRate;
-  const uint32_t m_sourceChannels;
+  const uint32_t m_sourceRate;  // Both without a common divisor.
   const uint32_t m_targetRate;
+  const uint32_t m_sourceChannels;
   const uint32_t m_targetChannels;
   const uint32_t m_maxFrames;
-  const uint32_t m_channels;  // While the rate is changed: the fewer of both.
-  std::unique_ptr<SpeexResamplerState_, Close> m_state;  // Null for equal rates.
-  std::vector<float> m_before;                           // Ahead of the change of rate,
-  std::vector<float> m_after;                            // and after it.
+  const uint32_t m_channels;                // While the rate is changed: the fewer of both.
+  std::optional<PolyphaseFilter> m_filter;  // None for equal rates.
+  std::vector<float> m_samples;             // Channel after channel: m_history earlier ones
+  size_t m_history = 0;                     // and
+  size_t m_taken = 0;                       // the new ones of the last call.
+  size_t m_next = 0;     // The next target frame follows this one of the new frames
+  uint32_t m_phase = 0;  // by m_phase / m_targetRate of a frame.
   bool m_open = false;
 };
 

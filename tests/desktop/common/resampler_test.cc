@@ -42,6 +42,47 @@ TEST(Resampler, SaysHowLateItIs) {
   EXPECT_EQ(Resampler(16000, 2, 16000, 1, 160).LagFrames(), 0U);
 }
 
+// To a part of a sample: as good as the tone that was made at the other rate.
+TEST(Resampler, IsAsLateAsItSays) {
+  for (const auto& [source, target] : {std::pair(44100U, 48000U),
+                                       {48000U, 44100U},
+                                       {44100U, 16000U},
+                                       {16000U, 44100U},
+                                       {44099U, 48000U}}) {
+    const Samples out = InPieces(
+        Tone(997, 20000, static_cast<int>(source), static_cast<int>(source)), source, target, 1024);
+    const Samples ideal = Tone(997, 20000, static_cast<int>(target), static_cast<int>(target));
+    const size_t lag = Resampler(source, 1, target, 1, 1024).LagFrames();
+    for (size_t i = target / 2; i < target; ++i) {
+      ASSERT_NEAR(out[i], ideal[i - lag], 2) << source << " to " << target << ", " << i;
+    }
+  }
+}
+
+TEST(Resampler, KeepsAConstant) {
+  for (const auto& [source, target] :
+       {std::pair(44100U, 48000U), {48000U, 8000U}, {8000U, 44100U}, {44099U, 48000U}}) {
+    const Samples out = InPieces(Samples(source, 32001), source, target, 441);
+    for (size_t i = target / 2; i < target; ++i) ASSERT_EQ(out[i], 32001) << source << " " << i;
+  }
+}
+
+// Ratios with too many places for a table of filters.
+TEST(Resampler, ChangesOddRatesAsWell) {
+  for (const auto& [source, target] :
+       {std::pair(44099, 48000), {48000, 44099}, {11025, 32000}, {767999, 48000}, {47952, 480}}) {
+    const double half = std::min(source, target) / 2.0;
+    for (const double part : {0.1, 0.5, 0.9}) {
+      const Samples out =
+          InPieces(Tone(part * half, 30000, source, source), static_cast<uint32_t>(source),
+                   static_cast<uint32_t>(target), 1024);
+      const ToneFit fit = FitTone(out, part * half, target);
+      EXPECT_NEAR(fit.amplitude, 30000, 15) << source << " to " << target << " " << part;
+      EXPECT_LT(fit.residualDb, -86) << source << " to " << target << " " << part;
+    }
+  }
+}
+
 TEST(Resampler, TakesNoMoreThanAnnounced) {
   Resampler resampler(16000, 1, 8000, 1, 100);
   const Samples in(101, 5);
@@ -55,7 +96,8 @@ TEST(Resampler, IsNotOpenWithoutAFormat) {
   EXPECT_TRUE(Resampler(48000, 1, 8000, 1, 1).IsOpen());
   for (const Resampler& resampler :
        {Resampler(0, 1, 1, 1, 1), Resampler(1, 0, 1, 1, 1), Resampler(1, 1, 0, 1, 1),
-        Resampler(1, 1, 1, 0, 1), Resampler(1, 1, 1, 1, 0), Resampler(1, 1, 1000000, 1, 2)}) {
+        Resampler(1, 1, 1, 0, 1), Resampler(1, 1, 1, 1, 0), Resampler(1, 1, 1000000, 1, 2),
+        Resampler(48000, 1, 48, 1, 1)}) {
     EXPECT_FALSE(resampler.IsOpen());
     EXPECT_EQ(resampler.LagFrames(), 0U);
   }
