@@ -71,13 +71,19 @@ class AacFile : public FileSource {
       m_at += part;
       done += part;
     }
+    m_read += done;
+    m_ended = done < frames;
     return done;
   }
+
+  bool Failed() const override { return m_ended && m_read < Frames(); }
 
   bool Rewind() override {
     m_frames = std::make_unique<AdtsReader>(m_file.get());
     m_decoder = OpenDecoder(m_layout.channels);
     m_at = m_waiting = 0;
+    m_read = 0;
+    m_ended = false;
     return m_decoder != nullptr;
   }
 
@@ -114,6 +120,8 @@ class AacFile : public FileSource {
   uint64_t m_count = 0;  // AAC frames in the file.
   std::unique_ptr<AdtsReader> m_frames;
   Decoder m_decoder;
+  uint64_t m_read = 0;   // Frames of samples since the start.
+  bool m_ended = false;  // There are no more.
   size_t m_at = 0;       // The next frame of samples in m_samples
   size_t m_waiting = 0;  // of so many.
   INT_PCM m_samples[kMostSamples];

@@ -41,6 +41,7 @@ class PackedCapture : public desktop::CaptureListener {
   PackedCapture& operator=(const PackedCapture&) = delete;
 
   void LeaveOutSilence(bool on) { m_packer->LeaveOutSilence(on); }
+  uint32_t DelayMs() const { return m_packer->DelayMs(); }
 
   void OnCaptured(const desktop::CapturedBlock& block) override {
     const uint32_t frames =
@@ -69,14 +70,20 @@ class PlayedStream final : public desktop::PlaySource {
   }
 
   ~PlayedStream() override {
-    Loudspeaker::Shared().Remove(this);
-    m_ticker = nullptr;
+    PlayedStream::Stop();
     const desktop::FramePlayer::Counts counts = m_player.GetCounts();
     OutputDebugInfo("player: stream %u, %u frames, %u concealed, %u refused, %u underruns",
                     m_stream, counts.played, counts.concealed, counts.refused, counts.underruns);
   }
   PlayedStream(const PlayedStream&) = delete;
   PlayedStream& operator=(const PlayedStream&) = delete;
+
+  // No frame is pulled afterwards. From a pull until the frame is heard, ms, the mean.
+  uint32_t Stop() {
+    Loudspeaker::Shared().Remove(this);
+    m_ticker = nullptr;
+    return m_player.GetCounts().delayMs;
+  }
 
   void FillBlock(short* samples, size_t frames) override { m_player.Render(samples, frames); }
 
@@ -145,6 +152,7 @@ class AudioChannel : public IAudioChannel {
   }
 
   void StopPacker() override {
+    NotePackDelay();
     if (m_microphone != nullptr && m_packed != nullptr) m_microphone->Remove(m_packed.get());
     m_packed = nullptr;
   }
@@ -164,14 +172,29 @@ class AudioChannel : public IAudioChannel {
     return false;
   }
 
-  void StopPlay(uint32_t stream) override { m_streams.erase(stream); }
+  void StopPlay(uint32_t stream) override {
+    const auto found = m_streams.find(stream);
+    if (found == m_streams.end()) return;
+    const uint32_t playDelayMs = found->second->Stop();
+    m_streams.erase(found);
+    NotePackDelay();
+    if (m_packDelayMs == 0 || playDelayMs == 0) return;
+    OutputDebugInfo("channel: loop delay %u ms: %u to a packed frame, %u from there until heard",
+                    m_packDelayMs + playDelayMs, m_packDelayMs, playDelayMs);
+  }
 
   void Destroy() override { delete this; }
 
  private:
+  void NotePackDelay() {
+    if (m_microphone == nullptr || m_packed == nullptr) return;
+    m_packDelayMs = m_microphone->LatencyMs() + m_packed->DelayMs();
+  }
+
   bool m_leavesOutSilence = false;
   DeviceFormat m_captured = {48000, 1};
   std::unique_ptr<PackedCapture> m_packed;
+  uint32_t m_packDelayMs = 0;  // From the microphone to a packed frame; 0 as long as it is unknown.
   std::unique_ptr<Microphone> m_microphone;  // Null while it is closed.
   std::map<uint32_t, std::unique_ptr<PlayedStream>> m_streams;
 };

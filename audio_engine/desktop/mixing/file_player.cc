@@ -61,7 +61,7 @@ void FilePlayer::Stop() {
   m_stop = true;
   m_wake.Post();
   m_thread.join();
-  m_stop = m_read = m_over = m_paused = false;
+  m_stop = m_read = m_failed = m_over = m_paused = false;
   m_playedFrames = 0;
   m_volume = 0;
   m_ring.Clear();
@@ -87,11 +87,16 @@ void FilePlayer::Run() {
 
 void FilePlayer::ReadAhead() {
   if (!m_source->Rewind()) {
+    m_failed = true;
     OutputDebugInfo("player: cannot go back to the start of the file");
     return;
   }
   while (const size_t frames = m_source->Read(m_piece.data(), kPieceFrames)) {
     if (!Convert(m_piece.data(), frames)) return;
+  }
+  if (m_source->Failed()) {
+    m_failed = true;
+    OutputDebugInfo("player: the file cannot be read to its end");
   }
   // What the resampler still holds.
   const uint64_t lag = uint64_t{m_resampler->LagFrames()} * m_source->Rate() / kFormat.rate;

@@ -46,6 +46,9 @@ class FilePlayer : public PlaySource {
   }
   uint32_t Volume() const { return m_volume; }
 
+  // Whether the latest play could not go on to the end of the file. Any thread.
+  bool Failed() const { return m_failed; }
+
   // How often the reading came too late. Any thread.
   uint64_t Underruns() const { return m_underruns; }
 
@@ -74,6 +77,7 @@ class FilePlayer : public PlaySource {
   std::atomic<bool> m_stop = false;
   std::atomic<bool> m_plays = false;
   std::atomic<bool> m_read = false;  // All of the file is in the ring.
+  std::atomic<bool> m_failed = false;
   std::atomic<bool> m_over = false;  // All of it went to the loudspeaker.
   std::atomic<uint64_t> m_playedFrames = 0;
   std::atomic<uint32_t> m_volume = 0;

@@ -35,6 +35,10 @@ class FileSource {
   // Reads the next `frames` frames; fewer at the end, and 0 after it.
   virtual size_t Read(short* samples, size_t frames) = 0;
 
+  // Whether reading ended before the end of the file that Frames tells: the file was cut off, or
+  // the disk failed.
+  virtual bool Failed() const = 0;
+
   // Back to the start. False when that fails; nothing more can be read then.
   virtual bool Rewind() = 0;
 

@@ -110,6 +110,12 @@ void FramePacker::Pack() {
   }
 }
 
+uint32_t FramePacker::DelayMs() const {
+  const auto rate = static_cast<uint32_t>(m_setup.rate);
+  const auto frames = static_cast<uint32_t>(m_encoder->samplesPerFrame() / m_setup.channels);
+  return (frames + m_resampler.LagFrames()) * 1000 / rate;
+}
+
 FramePacker::Counts FramePacker::GetCounts() const {
   Counts counts = m_counts;
   counts.droppedSamples = m_dropped;

@@ -31,6 +31,10 @@ class FramePacker {
   // Codes what waits.
   void Work();
 
+  // How long the first sample of a frame waits for it to be packed, ms: until the frame is full,
+  // and for the change of rate.
+  uint32_t DelayMs() const;
+
   // What happened so far, in frames of the codec; samples of all channels.
   struct Counts {
     uint32_t packed;

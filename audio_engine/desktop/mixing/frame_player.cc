@@ -1,6 +1,7 @@
 #include "desktop/mixing/frame_player.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "desktop/mixing/volume.h"
 #include "engine_api/platform/log.h"
@@ -48,7 +49,10 @@ bool FramePlayer::Pull(uint32_t deviceMs) {
   FramePlayerFeedbackInfo feedback = {};
   feedback.isFakeAudioFrame = m_decoder != nullptr && m_decoder->IsMadeUp();
   feedback.playDelayMS = WaitingMs() + static_cast<double>(deviceMs);
+  const double delayMs = feedback.playDelayMS;
   if (!m_notify->OnPullAudioFrame(m_stream, m_frame, m_first, feedback)) return false;
+  ++m_pulled;
+  m_delaysMs += delayMs;
   TakeFrame();
   m_first = false;
   return true;
@@ -136,6 +140,7 @@ void FramePlayer::Render(short* samples, size_t frames) {
 FramePlayer::Counts FramePlayer::GetCounts() const {
   Counts counts = m_counts;
   counts.underruns = m_underruns;
+  counts.delayMs = m_pulled > 0 ? static_cast<uint32_t>(std::lround(m_delaysMs / m_pulled)) : 0;
   return counts;
 }
 

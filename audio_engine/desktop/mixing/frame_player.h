@@ -32,6 +32,7 @@ class FramePlayer {
     uint32_t concealed;  // Lost, damaged, or not there in time.
     uint32_t refused;    // Of a codec that is not here.
     uint32_t underruns;  // Rendered blocks that found too little, while frames came.
+    uint32_t delayMs;    // From the pull of a frame until it is heard, the mean.
   };
   Counts GetCounts() const;
 
@@ -68,6 +69,8 @@ class FramePlayer {
   std::vector<short> m_converted;
   BlockRing m_queue;
   uint32_t m_volume = 0;  // Of the frame that was queued last.
+  uint32_t m_pulled = 0;  // Frames,
+  double m_delaysMs = 0;  // and the sum of their delays.
   std::atomic<State> m_state = State::kFilling;
   std::atomic<uint32_t> m_underruns = 0;
   Counts m_counts = {};

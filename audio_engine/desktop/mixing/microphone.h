@@ -46,6 +46,7 @@ class Microphone {
   void CatchUp() const { m_worker.CatchUp(); }
 
   DeviceFormat Format() const { return m_device.Format(); }
+  uint32_t LatencyMs() const { return m_device.LatencyMs(); }
 
   // The listener is not called any more after Remove has returned. Neither is called by a listener.
   void Add(CaptureListener* listener);

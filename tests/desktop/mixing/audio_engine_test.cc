@@ -248,7 +248,9 @@ TEST_F(AudioEngineTest, StopsASaverWhoseCaptureIsClosed) {
   IAudioCapture* capture = m_engine->CreateAudioCapture();
   ASSERT_TRUE(capture->Open(16000, 1, 16));
   ASSERT_TRUE(Save("a.wav", AudioSaverOnlyCapture, AudioSaverFileOverride));
-  std::this_thread::sleep_for(milliseconds(50));
+  CaptureNotes notes;
+  ASSERT_TRUE(capture->Start(&notes));
+  ASSERT_TRUE(WaitUntil([&] { return notes.blocks > 10; }));
   capture->Close();
   const auto size = std::filesystem::file_size("a.wav");
   EXPECT_GT(size, 2000U);

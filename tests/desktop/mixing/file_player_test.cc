@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <mutex>
 #include <string>
 
@@ -21,6 +22,7 @@ namespace {
 using desktop::FilePlayer;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 
 class FilePlayerTest : public testing::Test {
  protected:
@@ -229,6 +231,19 @@ TEST_F(FilePlayerTest, TellsOfASpeechMessageInOrder) {
   player->Stop();
   player->Destroy();
   EXPECT_EQ(notes.Calls().size(), 3U);
+}
+
+TEST_F(FilePlayerTest, TellsThatASpeechMessageCannotBePlayedOn) {
+  Write("a.wav", Tone(300, 5000, 16000, 48000), 16000, 1);
+  ISpeechMsgPlayer* player = ISpeechMsgPlayer::CreateAudioPlayer("a.wav");
+  std::filesystem::resize_file("a.wav", 44 + 2 * 16000);  // One second of three is left.
+  SpeechNotes notes;
+  ASSERT_TRUE(player->Start(&notes));
+  EXPECT_TRUE(WaitUntil([&] { return notes.Calls().size() == 4; }));
+  EXPECT_THAT(notes.Calls(),
+              ElementsAre("start", "status", "error", MatchesRegex("stop 10.. of 3000")));
+  player->Destroy();
+  EXPECT_EQ(notes.Calls().size(), 4U);
 }
 
 TEST_F(FilePlayerTest, CallsNothingAfterASpeechMessageWasStopped) {

@@ -75,6 +75,7 @@ TEST_F(FileSourceTest, ReadsWaveSamplesBitForBit) {
   EXPECT_EQ(source->Frames(), 44100U);
   EXPECT_EQ(source->LengthMs(), 1000U);
   EXPECT_EQ(ReadAll(*source), m_tone);
+  EXPECT_FALSE(source->Failed());
   short more[2];
   EXPECT_EQ(source->Read(more, 1), 0U);
 
@@ -93,6 +94,7 @@ TEST_F(FileSourceTest, ReadsLossyFilesAsTheTonesThatTheyHold) {
   for (const char* name : {"a.ogg", "a.mp3"}) {
     const auto source = Opened(name);
     const std::vector<short> samples = ReadAll(*source);
+    EXPECT_FALSE(source->Failed()) << name;
     EXPECT_NEAR(static_cast<double>(samples.size()), 88200, 2 * 2304) << name;
     const ToneFit fit = FitTone(samples, 440, 44100, 2);
     EXPECT_NEAR(fit.amplitude, 12000, 120) << name;
@@ -135,6 +137,21 @@ TEST_F(FileSourceTest, ReadsAacWithItsLengthFromItsFrames) {
 
   ASSERT_TRUE(source->Rewind());
   EXPECT_EQ(ReadAll(*source, 5000), samples);
+  EXPECT_FALSE(source->Failed());
+}
+
+TEST_F(FileSourceTest, KnowsThatItCouldNotReadToTheEnd) {
+  WriteFile("a.wav", WavBytes({.channels = 2, .rate = 44100}, m_tone));
+  if (kHasAac) desktop::FileSink::Create("a.aac", {44100, 2}, false)->Write(m_tone.data(), 44100);
+  for (const char* name : {"a.wav", "a.aac"}) {
+    if (!std::filesystem::exists(name)) continue;
+    const auto source = Opened(name);
+    std::filesystem::resize_file(name, std::filesystem::file_size(name) / 2);
+    EXPECT_NEAR(static_cast<double>(ReadAll(*source).size()), 44100, 4096) << name;
+    EXPECT_TRUE(source->Failed()) << name;
+    ASSERT_TRUE(source->Rewind());
+    EXPECT_FALSE(source->Failed()) << name;
+  }
 }
 
 TEST_F(FileSourceTest, ReadsDamagedAacToItsEnd) {

@@ -145,6 +145,17 @@ TEST(FramePlayer, TellsItsOwnerHowItIsDoing) {
   EXPECT_EQ(counts.played, fed.next - 1);
   EXPECT_EQ(counts.concealed, 1U);
   EXPECT_EQ(counts.underruns, 0U);
+  EXPECT_NEAR(counts.delayMs, 25 + 65, 5);  // 60 or 70 ms wait.
+}
+
+// What comes late is heard whole: the wait is taken from what lies ahead, without a hole.
+TEST(FramePlayer, WaitsForAFrameThatIsLate) {
+  const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
+  FedFrames late(50, kept.frames);
+  late.frames.insert(late.frames.begin() + 40, 3, {});  // Three pulls without an answer.
+  late.lost.resize(late.frames.size());
+  FedFrames whole(50, kept.frames);
+  EXPECT_EQ(Play(late, 1500, 16000), Play(whole, 1500, 16000));
 }
 
 TEST(FramePlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {

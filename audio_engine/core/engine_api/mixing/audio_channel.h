@@ -38,7 +38,8 @@ class ENGINE_API IAudioChannel {
   virtual bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
                          uint32_t channels) = 0;
 
-  // No player notify of the stream is called afterwards.
+  // No player notify of the stream is called afterwards. One line in the log tells the delay of the
+  // loop from the microphone to the loudspeaker, the codec's own left out, once both were in use.
   virtual void StopPlay(uint32_t stream) = 0;
 
   // Stops everything and deletes the object.

@@ -6,8 +6,8 @@
 #include "audio_capture_notify.h"
 
 // What an engine is started for. VOIP and HDVOIP clean what is captured: high-pass, noise
-// suppression, gain control, and echo cancellation while something plays. The others leave it
-// alone.
+// suppression, gain control, and echo cancellation while something plays; at 16000 Hz and in mono
+// inside, so that nothing above 8 kHz is left. The others leave it alone.
 enum AudioEngineFeature_t {
   AudioEngineFeatureVOIP = 0,
   AudioEngineFeatureCommon = 1,

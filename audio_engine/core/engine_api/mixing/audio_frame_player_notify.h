@@ -35,8 +35,9 @@ class ENGINE_API IAudioFramePlayerNotify {
   virtual ~IAudioFramePlayerNotify() = default;
 
   // Fills `frame` with the next encoded frame of the stream `streamId`. The fields that the owner
-  // leaves keep what they held at the last pull. False: there is none now. The player has filled in
-  // `feedback`.
+  // leaves keep what they held at the last pull. False: there is none now; it may come late, and is
+  // waited for while other sound waits to be heard. One that never comes is told by a jump of the
+  // next one's index. The player has filled in `feedback`.
   virtual bool OnPullAudioFrame(uint32_t streamId, AudioFrameData& frame, bool isFirst,
                                 FramePlayerFeedbackInfo& feedback) = 0;
 

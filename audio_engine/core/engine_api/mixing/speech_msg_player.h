@@ -18,8 +18,9 @@ class ENGINE_API ISpeechMsgPlayer {
   // The length of the message, ms; 0 when there is nothing to play.
   virtual uint32_t GetRecordFileTime() = 0;
 
-  // Plays, and tells `notify` in the order start, status, stop. Null for nobody. False, and no
-  // calls, when there is nothing to play.
+  // Plays, and tells `notify` in the order start, status, stop; an error comes ahead of the stop.
+  // Start and status are left out when nothing was heard. Null for nobody. False, and no calls,
+  // when there is nothing to play.
   virtual bool Start(ISpeechMsgPlayerNotify* notify) = 0;
 
   // No notify is called afterwards.

@@ -13,7 +13,7 @@ class ENGINE_API ISpeechMsgPlayerNotify {
   // Every so often while it plays.
   virtual void OnAudioPlayStatus(uint32_t playedTime, uint32_t totalTime, uint32_t volume) = 0;
 
-  // The message cannot be played on.
+  // The message cannot be played on: what could be read of its file has been heard.
   virtual void OnAudioPlayError() = 0;
 
   // The first samples go to the device.
@@ -22,6 +22,7 @@ class ENGINE_API ISpeechMsgPlayerNotify {
   // The message has ended or was stopped.
   virtual void OnStopPlayData(uint32_t playedTime, uint32_t totalTime) = 0;
 
-  // The longest time that was asked for is over.
+  // The longest time that was asked for is over. The desktop's player is never asked for one, and
+  // never calls this.
   virtual void OnReachMaxPlayTime(uint32_t playedTime, uint32_t totalTime) = 0;
 };
