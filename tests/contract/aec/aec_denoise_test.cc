@@ -48,6 +48,16 @@ TEST(TestAecDenoiseInternal, ReadsTenMillisecondsOfAnyFormat) {
   }
 }
 
+// 10 ms of 768 kHz with nine channels are 69120 samples, of which 16 bits keep 3584.
+TEST(TestAecDenoiseInternal, CountsABlockIn16Bits) {
+  FakeEngine engine;
+  engine.wavs["in.wav"] = {768000, 9, Ramp(3584)};
+
+  TestAecDenoiseInternal("in.wav", "out.wav");
+
+  EXPECT_THAT(engine.CallsWith("WriteSamples"), ElementsAre("WavWriter#1.WriteSamples(3584)"));
+}
+
 TEST(TestAecDenoiseInternal, StopsAtOnceWhenTheInputIsMissing) {
   FakeEngine engine;
 

@@ -31,9 +31,9 @@ std::vector<short> SamplesOf(const FakeEngine& engine, const std::string& name) 
   return samples;
 }
 
-std::vector<short> Ramp(int samples) {
+std::vector<short> Ramp(int samples, short start = 1) {
   std::vector<short> ramp(static_cast<size_t>(samples));
-  std::iota(ramp.begin(), ramp.end(), static_cast<short>(1));
+  std::iota(ramp.begin(), ramp.end(), start);
   return ramp;
 }
 
@@ -160,7 +160,11 @@ TEST(TestWebrtcAgc, StopsAtOnceWhenTheInputIsMissing) {
 TEST(TestZUAudioProcessing, CancelsFrameByFrameAndKeepsTheFarEndsHeader) {
   FakeEngine engine;
   engine.PutFile("far.wav", HeaderAndSamples('f', Ramp(3 * 160)));
-  engine.PutFile("near.wav", HeaderAndSamples('n', Ramp(160 + 160 + 159)));
+  engine.PutFile("near.wav", HeaderAndSamples('n', Ramp(160 + 160 + 159, 5001)));
+  std::vector<short> rendered;
+  engine.script<AecModuleScript>().render = [&rendered](zuwebrtc::AudioFrame& frame) {
+    rendered.insert(rendered.end(), frame.data_, frame.data_ + 160);
+  };
   engine.script<AecModuleScript>().capture = [](zuwebrtc::AudioFrame& frame) {
     for (short& sample : frame.data_) sample = static_cast<short>(-sample);
   };
@@ -185,7 +189,8 @@ TEST(TestZUAudioProcessing, CancelsFrameByFrameAndKeepsTheFarEndsHeader) {
                     "fclose(near.wav)", "fclose(out.wav)", "~SoftwareAec#1"});
   EXPECT_THAT(engine.calls, ElementsAreArray(expected));
   EXPECT_EQ(engine.Bytes("out.wav").substr(0, 44), std::string(44, 'f'));
-  std::vector<short> negated = Ramp(320);
+  EXPECT_EQ(rendered, Ramp(320));
+  std::vector<short> negated = Ramp(320, 5001);
   for (short& sample : negated) sample = static_cast<short>(-sample);
   EXPECT_EQ(SamplesOf(engine, "out.wav"), negated);
   EXPECT_THAT(engine.live, IsEmpty());
@@ -233,6 +238,21 @@ TEST(TestZUAudioProcessing, KeepsTheSameTwoFramesOverAllBlocks) {
                           render + ", used, false)", capture + ", used, false, false)"));
   EXPECT_THAT(engine.CallsWith("OutputDebugInfo"),
               ElementsAre("OutputDebugInfo(\"Vad result: %d, %d, %d\", 0, 4, 0)"));
+}
+
+// Samples per channel count, not channels.
+TEST(TestZUAudioProcessing, WritesAsManySamplesAsTheModuleLeavesPerChannel) {
+  FakeEngine engine;
+  engine.PutFile("far.wav", HeaderAndSamples('f', Ramp(160)));
+  engine.PutFile("near.wav", HeaderAndSamples('n', Ramp(160)));
+  engine.script<AecModuleScript>().capture = [](zuwebrtc::AudioFrame& frame) {
+    frame.samples_per_channel_ = 80;
+    frame.num_channels_ = 2;
+  };
+
+  TestZUAudioProcessing("far.wav", "near.wav", "out.wav");
+
+  EXPECT_EQ(SamplesOf(engine, "out.wav"), Ramp(80));
 }
 
 TEST(TestZUAudioProcessing, StopsAtTheEndOfTheFarEndWithoutReadingTheNearEnd) {

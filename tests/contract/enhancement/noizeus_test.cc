@@ -158,8 +158,28 @@ TEST(TestNoizeusEx, WritesFourLinesOfThirtyFigures) {
       "68.945572 69.349640 69.735741 70.105408 70.459984 70.800652 71.128456 71.444344 71.749146 "
       "72.043610 \n";
   EXPECT_EQ(engine.Bytes("NOIZEUS/out/result_avg_snr_off_car.txt"), line + line + line + line);
+  // The end of a line is written by itself, after the 30th figure.
+  const std::vector<std::string> writes = engine.CallsWith("_off_car.txt");
+  ASSERT_THAT(writes, SizeIs(1 + 4 * 31 + 1));
+  EXPECT_EQ(writes[30], "fprintf(NOIZEUS/out/result_avg_snr_off_car.txt, \"%f \", 72.043610)");
+  EXPECT_EQ(writes[31], "fprintf(NOIZEUS/out/result_avg_snr_off_car.txt, \"\\n\")");
   EXPECT_THAT(engine.Bytes("NOIZEUS/out/result_avg_snr_off_train.txt"),
               MatchesRegex("(((-nan|nan) )+\n)+"));
+}
+
+TEST(TestNoizeusEx, ClosesEachResultBeforeTheNextIsOpened) {
+  FakeEngine engine;
+  TestNoizeusEx(4, 2);
+  std::vector<std::string> expected;
+  for (const std::string& noise : kNoises) {
+    expected.push_back("fopen(NOIZEUS/out/result__off_" + noise + ".txt, wt)");
+    expected.push_back("fclose(NOIZEUS/out/result__off_" + noise + ".txt)");
+  }
+  std::vector<std::string> calls;
+  for (const std::string& call : engine.CallsWith("NOIZEUS/out/result__off_")) {
+    if (call.find("fprintf") != 0) calls.push_back(call);
+  }
+  EXPECT_EQ(calls, expected);
 }
 
 TEST(TestNoizeusEx, WritesZerosForAMeasureThatIsNone) {

@@ -35,8 +35,8 @@ int32_t WebRtcAec_set_config(void* handle, AecConfig config) {
 
 int32_t WebRtcAec_BufferFarend(void* handle, const float* farend, int16_t samples) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.Record("WebRtcAec_BufferFarend(%s, %.1f.., %d)", engine.HandleOf(handle).c_str(),
-                static_cast<double>(farend[0]), samples);
+  engine.Record("WebRtcAec_BufferFarend(%s, %.1f..%.1f, %d)", engine.HandleOf(handle).c_str(),
+                static_cast<double>(farend[0]), static_cast<double>(farend[samples - 1]), samples);
   return 0;
 }
 
