@@ -1,8 +1,8 @@
 #include "engine_api/aec/aec_file_writer.h"
 
+#include <exception>
 #include <new>
 #include <string>
-#include <system_error>
 
 #include "desktop/aec/aec_recorder.h"
 #include "engine_api/platform/log.h"
@@ -29,8 +29,8 @@ CAecFileWriter::CAecFileWriter(int sampleRate, int channels, const char* farTag,
     m_recorder = std::make_unique<Recorder>(sampleRate, channels, names);
   } catch (const std::bad_alloc&) {
     OutputDebugInfo("no memory for a recorder");
-  } catch (const std::system_error& error) {
-    OutputDebugInfo("no thread for a recorder: %s", error.what());
+  } catch (const std::exception& error) {  // No thread, or a tag that is null.
+    OutputDebugInfo("no recorder: %s", error.what());
   }
 }
 

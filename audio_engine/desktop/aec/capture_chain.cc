@@ -20,6 +20,7 @@ uint32_t Unsigned(int value) { return static_cast<uint32_t>(value); }
 CaptureChain::CaptureChain() { SetRate(m_rate); }
 
 void CaptureChain::SetRate(int rate) {
+  if (rate != m_rate) m_recorder.reset();  // Its files are of the rate before.
   m_rate = rate;
   m_canceller = std::make_unique<EchoCanceller>(rate, EchoCanceller::Delay::kFound);
   m_canceller->SetSuppression(EchoCanceller::Suppression::kHigh);
@@ -33,7 +34,11 @@ void CaptureChain::SetRate(int rate) {
 }
 
 bool CaptureChain::SetVadMode(VoiceDetectionMode mode) {
-  if (mode == voiceDetectionUnknown || !m_voice->SetVoiceDetectionMode(mode)) return false;
+  if (mode == voiceDetectionUnknown) {
+    OutputDebugInfo("no voice detection in an unknown mode");
+    return false;
+  }
+  if (!m_voice->SetVoiceDetectionMode(mode)) return false;
   m_vadMode = mode;
   return true;
 }

@@ -115,7 +115,11 @@ int Ns_Init(void* handle, unsigned int rate) {
 
 int Ns_set_policy(void* handle, int policy) {
   auto* const suppressor = static_cast<Suppressor*>(handle);
-  if (suppressor == nullptr || suppressor->rate == 0 || policy < 0 || policy > 2) return -1;
+  if (suppressor == nullptr || suppressor->rate == 0) return -1;
+  if (policy < 0 || policy > 2) {
+    OutputDebugInfo("noise cannot be suppressed by policy %d", policy);
+    return -1;
+  }
   suppressor->policy = policy;
   ApplyPolicy(*suppressor);
   return 0;

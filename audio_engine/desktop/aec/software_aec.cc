@@ -65,7 +65,10 @@ int SoftwareAec::GetKalaokDelay() { return 0; }
 void SoftwareAec::NotifySpeekerRouting() { m_chain->capture.ForgetEchoPath(); }
 
 bool SoftwareAec::ResetPreProc(unsigned int rate) {
-  if (rate < 8000 || rate > 48000) return false;
+  if (rate < 8000 || rate > 48000) {
+    OutputDebugInfo("the echo canceller cannot prepare for %u Hz", rate);
+    return false;
+  }
   m_chain->capture.SetRate(static_cast<int>(m_apmFs));
   return true;
 }

@@ -52,8 +52,9 @@ int32_t WebRtcAec_Init(void* handle, int32_t rate, int32_t cardRate) {
 
 int32_t WebRtcAec_set_config(void* handle, AecConfig config) {
   desktop::EchoCanceller* const canceller = Canceller(handle);
-  if (canceller == nullptr || config.nlpMode < kAecNlpConservative ||
-      config.nlpMode > kAecNlpAggressive) {
+  if (canceller == nullptr) return -1;
+  if (config.nlpMode < kAecNlpConservative || config.nlpMode > kAecNlpAggressive) {
+    OutputDebugInfo("the echo canceller has no suppression %d", config.nlpMode);
     return -1;
   }
   canceller->SetSuppression(static_cast<desktop::EchoCanceller::Suppression>(config.nlpMode));

@@ -88,9 +88,11 @@ int WebRtcAgc_Init(void* handle, int32_t minLevel, int32_t maxLevel, int16_t mod
 
 int WebRtcAgc_set_config(void* handle, WebRtcAgcConfig config) {
   auto* const agc = static_cast<Agc*>(handle);
-  if (agc == nullptr || agc->rate == 0 || config.targetLevelDbfs < 0 ||
-      config.targetLevelDbfs > 31 || config.compressionGaindB < 0 ||
+  if (agc == nullptr || agc->rate == 0) return -1;
+  if (config.targetLevelDbfs < 0 || config.targetLevelDbfs > 31 || config.compressionGaindB < 0 ||
       config.compressionGaindB > 90) {
+    OutputDebugInfo("no gain control to -%d dB by up to %d dB", config.targetLevelDbfs,
+                    config.compressionGaindB);
     return -1;
   }
   agc->config = config;

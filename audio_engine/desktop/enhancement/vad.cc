@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "engine_api/platform/log.h"
+
 namespace {
 
 struct Detector {
@@ -25,7 +27,11 @@ int WebRtcVad_Init(void* handle) {
 
 int WebRtcVad_set_mode(void* handle, int mode) {
   auto* detector = static_cast<Detector*>(handle);
-  if (detector == nullptr || !detector->ready || mode < 0 || mode > 3) return -1;
+  if (detector == nullptr || !detector->ready) return -1;
+  if (mode < 0 || mode > 3) {
+    OutputDebugInfo("no voice detection in mode %d", mode);
+    return -1;
+  }
   detector->mode = mode;
   return 0;
 }

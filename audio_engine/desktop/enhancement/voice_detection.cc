@@ -70,6 +70,7 @@ CVoiceDetectionEx::~CVoiceDetectionEx() = default;
 bool CVoiceDetectionEx::SetVoiceDetectionMode(VoiceDetectionMode mode) {
   const int number = mode == voiceDetectionUnknown ? voiceDetectionLowLikelihood : mode;
   if (number < voiceDetectionVeryLowLikelihood || number > voiceDetectionHighLikelihood) {
+    OutputDebugInfo("CVoiceDetectionEx: no mode %d", number);
     return false;
   }
   if (m_impl) m_impl->activity.SetThreshold(kThresholds[number]);

@@ -170,4 +170,13 @@ TEST_F(AecFileWriter, RecordsNothingInAFormatThatItDoesNotKnow) {
   EXPECT_EQ(m_log.Lines().size(), 1u);
 }
 
+TEST_F(AecFileWriter, RecordsNothingUnderATagThatIsNull) {
+  const Samples far = Talk(16000, 0.1, 11);
+  CAecFileWriter writer(16000, 1, "far", nullptr, "out", "delay", "log", 0);
+  writer.RecordFarendData(far.data(), Bytes(far));
+  writer.EchoDetectionEnd();
+  EXPECT_EQ(ReadFile("far.wav"), "");
+  EXPECT_EQ(m_log.Lines().size(), 1u);
+}
+
 }  // namespace

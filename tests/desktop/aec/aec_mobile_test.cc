@@ -216,7 +216,12 @@ TEST(AecMobile, SaysWhatIsWrong) {
   EXPECT_EQ(process(handle, 2, 160), AECMOBILE_BAD_PARAMETER);
   EXPECT_EQ(process(handle, 1, 80), AECMOBILE_BAD_PARAMETER);
   EXPECT_EQ(process(handle, 1, 160), AECMOBILE_NO_ERROR);
+  EXPECT_EQ(AecMobile_GetEchoState(handle, nullptr), AECMOBILE_BAD_PARAMETER);
   EXPECT_EQ(process(nullptr, 1, 160), AECMOBILE_BAD_PARAMETER);
+  EXPECT_EQ(AecMobile_Init(nullptr, 16000, 16000, 16000), AECMOBILE_BAD_PARAMETER);
+  EXPECT_EQ(AecMobile_BufferFarend(nullptr, samples, 160), AECMOBILE_BAD_PARAMETER);
+  EXPECT_EQ(AecMobile_BufferFarend(handle, nullptr, 160), AECMOBILE_BAD_PARAMETER);
+  EXPECT_EQ(AecMobile_GetEchoState(nullptr, &status), AECMOBILE_BAD_PARAMETER);
   EXPECT_EQ(AecMobile_SetAecNewOn(nullptr, true), AECMOBILE_BAD_PARAMETER);
   EXPECT_EQ(AecMobile_getDelay(nullptr), -1);
   EXPECT_EQ(AecMobile_Free(handle), AECMOBILE_NO_ERROR);

@@ -81,9 +81,18 @@ TEST(EchoDetection, AnswersNothingWithoutADetector) {
   CapturedStderr log;
   EXPECT_EQ(echo_detection_create(nullptr, 0, 500), nullptr);
   EXPECT_EQ(log.Lines().size(), 1u);
+  for (const int rate : {-1, 7999, 48001}) {
+    EXPECT_EQ(echo_detection_create(nullptr, rate, 500), nullptr);
+  }
   EXPECT_EQ(echo_detection_process(nullptr, &sample, &sample, 1), -1);
   EXPECT_EQ(get_echo_detection_result(nullptr), 0);
   echo_detection_free(nullptr);
+
+  void* const detector = echo_detection_create(nullptr, 16000, 500);
+  EXPECT_EQ(echo_detection_process(detector, nullptr, &sample, 1), -1);
+  EXPECT_EQ(echo_detection_process(detector, &sample, nullptr, 1), -1);
+  EXPECT_EQ(get_echo_detection_result(detector), 0);
+  echo_detection_free(detector);
 }
 
 }  // namespace

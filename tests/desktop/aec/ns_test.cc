@@ -90,11 +90,21 @@ TEST(Ns, RefusesWhatIsNotAsSaid) {
   EXPECT_EQ(Ns_set_policy(handle, 1), -1);
   {
     CapturedStderr log;
-    EXPECT_EQ(Ns_Init(handle, 4000), -1);
-    EXPECT_EQ(log.Lines().size(), 1u);
+    EXPECT_EQ(Ns_Init(handle, 7999), -1);
+    EXPECT_EQ(Ns_Init(handle, 48001), -1);
+    EXPECT_EQ(log.Lines().size(), 2u);
   }
   EXPECT_EQ(Ns_Init(handle, 16000), 0);
-  EXPECT_EQ(Ns_set_policy(handle, 3), -1);
+  {
+    CapturedStderr log;
+    EXPECT_EQ(Ns_set_policy(handle, 3), -1);
+    EXPECT_EQ(Ns_set_policy(handle, -1), -1);
+    EXPECT_EQ(log.Lines().size(), 2u);
+  }
+  EXPECT_EQ(Ns_set_policy(nullptr, 1), -1);
+  EXPECT_EQ(Ns_Process2(handle, nullptr, block, 1), -1);
+  EXPECT_EQ(Ns_Process2(handle, block, nullptr, 1), -1);
+  EXPECT_EQ(Ns_Process2(handle, block, block, 0), -1);
   EXPECT_EQ(Ns_Process2(handle, block, block, 3), -1);
   EXPECT_EQ(Ns_Process2(nullptr, block, block, 1), -1);
   EXPECT_EQ(Ns_Init(nullptr, 16000), -1);

@@ -7,6 +7,7 @@
 
 #include "engine_api/common/wav_reader.h"
 #include "support/captured_stderr.h"
+#include "support/file_bytes.h"
 #include "support/talk.h"
 #include "support/temporary_directory.h"
 
@@ -225,7 +226,11 @@ TEST(SoftwareAec, LearnsTheEchoPathAnewWhenToldTo) {
   module.NotifySpeekerRouting();
   EXPECT_GT(Erle(module, kMono16, kMono16), 30);
   EXPECT_TRUE(module.ResetPreProc(16000));
-  EXPECT_FALSE(module.ResetPreProc(0));
+  {
+    CapturedStderr refusal;
+    EXPECT_FALSE(module.ResetPreProc(0));
+    EXPECT_EQ(refusal.Lines().size(), 1u);
+  }
   EXPECT_GT(Erle(module, kMono16, kMono16), 30);
 }
 
@@ -247,6 +252,12 @@ TEST(SoftwareAec, RecordsWhatItGetsAndGives) {
   EXPECT_EQ(content("call_far.wav"), far);
   EXPECT_EQ(content("call_near.wav"), near);
   EXPECT_EQ(content("call_out.wav"), out);
+
+  // A file has one rate.
+  EXPECT_TRUE(module.EnableLogSoftAecData(true, "call"));
+  EXPECT_TRUE(module.SetFsAndCh(8000, 1, APMFSCHSEL));
+  Process(module, far, kMono16, near, kMono16);
+  EXPECT_EQ(ReadFile("call_far.wav").size(), 44u);
 }
 
 TEST(SoftwareAec, RepeatsItself) {

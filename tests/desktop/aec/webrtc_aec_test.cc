@@ -143,11 +143,14 @@ TEST_F(WebRtcAec, RefusesWhatIsNotAsSaid) {
   EXPECT_EQ(WebRtcAec_Process(m_handle, &place, 2, &place, kBlock, 0, 0), -1);
   EXPECT_EQ(WebRtcAec_Process(m_handle, &place, 1, &place, 80, 0, 0), -1);
   AecConfig config = {};
-  config.nlpMode = 3;
-  EXPECT_EQ(WebRtcAec_set_config(m_handle, config), -1);
   CapturedStderr log;
+  for (const int16_t mode : {int16_t{-1}, int16_t{3}}) {
+    config.nlpMode = mode;
+    EXPECT_EQ(WebRtcAec_set_config(m_handle, config), -1);
+  }
   EXPECT_EQ(WebRtcAec_Init(m_handle, 48000, 48000), -1);
-  EXPECT_EQ(log.Lines().size(), 1u);
+  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, 48000), -1);
+  EXPECT_EQ(log.Lines().size(), 4u);
 }
 
 TEST(WebRtcAecHandle, GivesMinus1WhenNullOrNotInitialised) {

@@ -176,7 +176,14 @@ TEST(Agc, RefusesWhatIsNotAsSaid) {
     EXPECT_EQ(log.Lines().size(), 3u);
   }
   EXPECT_EQ(WebRtcAgc_Init(handle, 0, 255, kAgcModeAdaptiveDigital, kRate), 0);
-  EXPECT_EQ(WebRtcAgc_set_config(handle, {40, 0, 1}), -1);
+  {
+    CapturedStderr log;
+    EXPECT_EQ(WebRtcAgc_set_config(handle, {40, 0, 1}), -1);
+    EXPECT_EQ(WebRtcAgc_set_config(handle, {3, 91, 1}), -1);
+    EXPECT_EQ(log.Lines().size(), 2u);
+  }
+  EXPECT_EQ(WebRtcAgc_set_config(nullptr, {3, 0, 1}), -1);
+  EXPECT_EQ(WebRtcAgc_VirtualMic(handle, &band, 1, kBlock, 0, nullptr), -1);
   EXPECT_EQ(process(handle, 2, kBlock), -1);
   EXPECT_EQ(process(handle, 1, 80), -1);
   EXPECT_EQ(process(nullptr, 1, kBlock), -1);

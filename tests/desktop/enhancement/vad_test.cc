@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine_api/enhancement/signal_processing.h"
+#include "support/captured_stderr.h"
 
 namespace {
 
@@ -16,8 +17,12 @@ TEST(WebRtcVad, LivesAndDiesUnfed) {
   EXPECT_EQ(WebRtcVad_set_mode(detector, 2), -1) << "before it is made ready";
   EXPECT_EQ(WebRtcVad_Init(detector), 0);
   for (int mode = 0; mode <= 3; ++mode) EXPECT_EQ(WebRtcVad_set_mode(detector, mode), 0);
-  EXPECT_EQ(WebRtcVad_set_mode(detector, -1), -1);
-  EXPECT_EQ(WebRtcVad_set_mode(detector, 4), -1);
+  {
+    CapturedStderr log;
+    EXPECT_EQ(WebRtcVad_set_mode(detector, -1), -1);
+    EXPECT_EQ(WebRtcVad_set_mode(detector, 4), -1);
+    EXPECT_EQ(log.Lines().size(), 2u);
+  }
   EXPECT_EQ(WebRtcVad_Init(detector), 0);
   EXPECT_EQ(WebRtcVad_Free(detector), 0);
 

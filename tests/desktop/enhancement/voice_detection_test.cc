@@ -191,6 +191,9 @@ TEST(VoiceDetection, RefusesOtherModes) {
   CVoiceDetectionEx detector(16000, 1);
   EXPECT_TRUE(detector.SetVoiceDetectionMode(voiceDetectionUnknown));
   EXPECT_TRUE(detector.SetVoiceDetectionMode(voiceDetectionHighLikelihood));
+  CapturedStderr log;
+  EXPECT_FALSE(detector.SetVoiceDetectionMode(static_cast<VoiceDetectionMode>(-2)));
+  EXPECT_EQ(log.Lines().size(), 1u);
 }
 
 TEST(VoiceDetection, KnowsNothingOfAFormatThatItDoesNotTake) {

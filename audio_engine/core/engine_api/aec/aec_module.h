@@ -53,7 +53,7 @@ class ENGINE_API AecModule {
   virtual bool SetNewNsOn(bool on) = 0;
 
   // Records what the canceller gets and gives into "<tag>_far.wav", "<tag>_near.wav" and
-  // "<tag>_out.wav" until switched off.
+  // "<tag>_out.wav" until switched off or set to another rate.
   virtual bool EnableLogSoftAecData(bool on, const char* tag) = 0;
 
  protected:
