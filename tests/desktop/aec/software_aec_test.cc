@@ -266,6 +266,8 @@ TEST(SoftwareAec, RepeatsItself) {
   SoftwareAec one;
   SoftwareAec other;
   EXPECT_EQ(Process(one, far, kMono16, near, kMono16), Process(other, far, kMono16, near, kMono16));
+  one.NotifySpeekerRouting();  // Another echo path is learnt from here on.
+  EXPECT_NE(Process(one, far, kMono16, near, kMono16), Process(other, far, kMono16, near, kMono16));
 }
 
 TEST(HardwareAec, IsTheSameChainOnADesktop) {

@@ -14,7 +14,8 @@ enum AECMOBILE_ERROR_CODE {
 // The echo canceller for handheld devices, mono, on the bands of zuwebrtc::AudioBuffer: 8 and
 // 16 kHz in one band, 32 and 48 kHz in two and three. It finds the echo's delay by itself. Per
 // 10 ms first the far end, then the near end. All operations that return a code accept no null
-// handle: AECMOBILE_BAD_PARAMETER. One thread at a time.
+// handle: AECMOBILE_BAD_PARAMETER. Before AecMobile_Init no audio is taken and no state is known:
+// AECMOBILE_NOT_INITIALIZED. One thread at a time.
 
 // A new handle, owned by the caller until AecMobile_Free; null without memory. *error says which.
 ENGINE_API void* AecMobile_Creat(AECMOBILE_ERROR_CODE* error);
@@ -48,5 +49,6 @@ ENGINE_API AECMOBILE_ERROR_CODE AecMobile_Process_Bands(void* handle,
 // *status: 1 when the last frame held echo, 0 when it did not.
 ENGINE_API AECMOBILE_ERROR_CODE AecMobile_GetEchoState(void* handle, int* status);
 
-// The estimate of the echo's delay in ms, 0 until known; -1 for a null handle.
+// The estimate of the echo's delay in ms, 0 until known; -1 for a null handle and before
+// AecMobile_Init.
 ENGINE_API int AecMobile_getDelay(void* handle);
