@@ -23,12 +23,14 @@ FILE* RealFopen64(const char* name, const char* mode) __asm__("__real_fopen64");
 size_t RealFread(void* items, size_t size, size_t count, FILE* file) __asm__("__real_fread");
 size_t RealFwrite(const void* items, size_t size, size_t count,
                   FILE* file) __asm__("__real_fwrite");
+int RealFflush(FILE* file) __asm__("__real_fflush");
 int RealFclose(FILE* file) __asm__("__real_fclose");
 FILE* WrapFopen(const char* name, const char* mode) __asm__("__wrap_fopen");
 FILE* WrapFopen64(const char* name, const char* mode) __asm__("__wrap_fopen64");
 size_t WrapFread(void* items, size_t size, size_t count, FILE* file) __asm__("__wrap_fread");
 size_t WrapFwrite(const void* items, size_t size, size_t count,
                   FILE* file) __asm__("__wrap_fwrite");
+int WrapFflush(FILE* file) __asm__("__wrap_fflush");
 int WrapFclose(FILE* file) __asm__("__wrap_fclose");
 }
 
@@ -171,12 +173,12 @@ void FlushOpenedFiles() {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);  // None of them is closed meanwhile.
   for (const auto& [file, name] : files.names) {
-    if (__fwritable(file) != 0 && fflush(file) != 0) {
+    if (__fwritable(file) != 0 && RealFflush(file) != 0) {
       NoteFault(g_activity->writeFault, name, errno);
     }
     NoteErrorFlag(file, name);
   }
-  fflush(nullptr);  // Standard output too.
+  RealFflush(nullptr);  // Standard output too.
 }
 
 }  // namespace host
@@ -207,6 +209,16 @@ size_t WrapFwrite(const void* items, size_t size, size_t count, FILE* file) {
     errno = error;
   }
   return done;
+}
+
+int WrapFflush(FILE* file) {
+  const int result = RealFflush(file);
+  if (result != 0 && file != nullptr && host::g_activity != nullptr) {
+    const int error = errno;
+    host::NoteFault(host::g_activity->writeFault, host::NameOf(file), error);
+    errno = error;
+  }
+  return result;
 }
 
 // A routine does not look at what becomes of its reads and writes; a full disk shows here.

@@ -12,7 +12,7 @@ CWavFileWriter::CWavFileWriter(int sampleRate, int channels, int bitsPerSample,
                                const std::string& fileName)
     : m_wavHeader(desktop::EmptyWavHeader(sampleRate, channels, bitsPerSample)),
       m_FileName(fileName) {
-  m_ofs = desktop::CreateWav(m_FileName.c_str(), m_wavHeader);
+  m_ofs = desktop::CreateWav(m_FileName.c_str(), m_wavHeader, desktop::WavBuffer::kNone);
   m_notWav = m_ofs == nullptr ? 1 : 0;
 }
 

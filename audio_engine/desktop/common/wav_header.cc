@@ -27,29 +27,32 @@ FILE* OpenWav(const char* name, const char* mode) {
   return fopen(name, mode);
 }
 
-FILE* CreateWav(const char* name, const WavHeader& header) {
+FILE* CreateWav(const char* name, const WavHeader& header, WavBuffer buffer) {
   FILE* file = OpenWav(name, "wb");
   if (file != nullptr) {
-    setvbuf(file, nullptr, _IONBF, 0);
-    if (fwrite(&header, sizeof(header), 1, file) == 1) return file;
+    if (buffer == WavBuffer::kNone) setvbuf(file, nullptr, _IONBF, 0);
+    if (fwrite(&header, sizeof(header), 1, file) == 1 && fflush(file) == 0) return file;
   }
   OutputDebugInfo("%s: cannot write a WAVE file: %s", name, strerror(errno));
   if (file != nullptr) fclose(file);
   return nullptr;
 }
 
-void FinishWav(FILE* file, WavHeader header) {
-  if (file == nullptr) return;
+uint64_t FinishWav(FILE* file, WavHeader header) {
+  if (file == nullptr) return 0;
+  uint64_t dataBytes = 0;
   if (fseeko(file, 0, SEEK_END) == 0) {
     const auto fileBytes = static_cast<uint64_t>(std::max<off_t>(ftello(file), sizeof(header)));
-    const uint64_t dataBytes = fileBytes - sizeof(header);
-    // Chunks have even lengths; the pad byte counts for the file but not for the data.
-    if (dataBytes % 2 != 0) fputc(0, file);
+    dataBytes = fileBytes - sizeof(header);
     header = std::bit_cast<WavHeader>(wave::Header(
         static_cast<int>(header.sampleRate), header.channels, header.bitsPerSample, dataBytes));
     if (fseeko(file, 0, SEEK_SET) == 0) fwrite(&header, sizeof(header), 1, file);
+    // Chunks have even lengths; the pad byte counts for the file but not for the data. It comes
+    // last, because on a full disk it is what does not fit.
+    if (dataBytes % 2 != 0 && fseeko(file, 0, SEEK_END) == 0) fputc(0, file);
   }
   fclose(file);
+  return dataBytes;
 }
 
 }  // namespace desktop

@@ -16,12 +16,17 @@ WavHeader EmptyWavHeader(int sampleRate, int channels, int bitsPerSample);
 // its other end, perhaps for ever.
 FILE* OpenWav(const char* name, const char* mode);
 
-// Truncates `name` and writes the header. The stream is not buffered, so that what a write returns
-// is in the file. Null, with one line in the log, on failure.
-FILE* CreateWav(const char* name, const WavHeader& header);
+enum class WavBuffer {
+  kNone,  // What a write returns is in the file.
+  kStdio  // Stdio's own, for many small writes; fflush says whether all of it fits.
+};
 
-// Finishes a stream of CreateWav with the number of data bytes that the file holds, and closes it;
-// null is ignored. Data of 4 GiB and more are announced as 0xffffffff bytes.
-void FinishWav(FILE* file, WavHeader header);
+// Truncates `name` and writes the header, which is in the file at once. Null, with one line in the
+// log, on failure.
+FILE* CreateWav(const char* name, const WavHeader& header, WavBuffer buffer);
+
+// Finishes a stream of CreateWav with the number of data bytes that the file holds, closes it and
+// returns that number; null is ignored. Data of 4 GiB and more are announced as 0xffffffff bytes.
+uint64_t FinishWav(FILE* file, WavHeader header);
 
 }  // namespace desktop

@@ -12,6 +12,13 @@ namespace {
 
 WavHeader Header(int rate, int channels) { return desktop::EmptyWavHeader(rate, channels, 16); }
 
+// Finishes a file that is not whole because of an error.
+void FinishShort(FILE* file, const WavHeader& header, uint32_t given, int error) {
+  const uint64_t kept = desktop::FinishWav(file, header) / sizeof(short);
+  OutputDebugInfo("A WAVE file ends after %llu of %u samples: %s",
+                  static_cast<unsigned long long>(kept), given, strerror(error));
+}
+
 // The nearest 16-bit sample; 0 for what is not a number.
 short ToSample(float value) {
   if (std::isnan(value)) return 0;
@@ -24,21 +31,27 @@ namespace zuwebrtc {
 
 WavWriter::WavWriter(const std::string& filename, int sample_rate, int num_channels)
     : sample_rate_(sample_rate), num_channels_(num_channels) {
-  file_handle_ = desktop::CreateWav(filename.c_str(), Header(sample_rate_, num_channels_));
+  file_handle_ = desktop::CreateWav(filename.c_str(), Header(sample_rate_, num_channels_),
+                                    desktop::WavBuffer::kStdio);
 }
 
-WavWriter::~WavWriter() { desktop::FinishWav(file_handle_, Header(sample_rate_, num_channels_)); }
+WavWriter::~WavWriter() {
+  if (file_handle_ == nullptr) return;
+  const WavHeader header = Header(sample_rate_, num_channels_);
+  if (fflush(file_handle_) == 0) {
+    desktop::FinishWav(file_handle_, header);
+  } else {
+    FinishShort(file_handle_, header, num_samples_, errno);
+  }
+}
 
 void WavWriter::WriteSamples(const short* samples, unsigned count) {
   if (file_handle_ == nullptr || count == 0) return;
 
-  const auto kept = static_cast<unsigned>(fwrite(samples, sizeof(short), count, file_handle_));
-  num_samples_ += std::min(kept, UINT32_MAX - num_samples_);
-  if (kept < count) {
-    OutputDebugInfo("A WAVE file ends after %u samples: %s", num_samples_, strerror(errno));
-    desktop::FinishWav(file_handle_, Header(sample_rate_, num_channels_));
-    file_handle_ = nullptr;
-  }
+  num_samples_ += std::min(count, UINT32_MAX - num_samples_);
+  if (fwrite(samples, sizeof(short), count, file_handle_) == count) return;
+  FinishShort(file_handle_, Header(sample_rate_, num_channels_), num_samples_, errno);
+  file_handle_ = nullptr;
 }
 
 void WavWriter::WriteSamples(const float* samples, unsigned count) {

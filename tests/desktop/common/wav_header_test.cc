@@ -18,7 +18,7 @@ namespace {
 WavHeader FinishedHeader(off_t dataBytes) {
   const TemporaryDirectory directory;
   const WavHeader header = desktop::EmptyWavHeader(16000, 1, 16);
-  FILE* file = desktop::CreateWav("out.wav", header);
+  FILE* file = desktop::CreateWav("out.wav", header, desktop::WavBuffer::kNone);
   EXPECT_EQ(ftruncate(fileno(file), 44 + dataBytes), 0);
   desktop::FinishWav(file, header);
   WavHeader finished = {};
@@ -40,6 +40,15 @@ TEST(FinishWav, LimitsLengthsOfFourGiB) {
   EXPECT_EQ(FinishedHeader(off_t{1} << 32).dataBytes, UINT32_MAX);
   EXPECT_EQ(FinishedHeader(off_t{5} << 30).dataBytes, UINT32_MAX);
   EXPECT_EQ(FinishedHeader(off_t{5} << 30).riffBytes, UINT32_MAX);
+}
+
+TEST(FinishWav, ReturnsTheLengthOfTheData) {
+  const TemporaryDirectory directory;
+  const WavHeader header = desktop::EmptyWavHeader(16000, 1, 8);
+  FILE* const file = desktop::CreateWav("out.wav", header, desktop::WavBuffer::kStdio);
+  EXPECT_EQ(fwrite("abc", 1, 3, file), 3U);
+  EXPECT_EQ(desktop::FinishWav(file, header), 3U) << "without the pad byte";
+  EXPECT_EQ(desktop::FinishWav(nullptr, header), 0U);
 }
 
 TEST(EmptyWavHeader, IsCanonical) {

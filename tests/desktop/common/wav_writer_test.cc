@@ -118,16 +118,50 @@ TEST_F(WavWriterTest, FinishesWhatFitsOnAFullDisk) {
     WavWriter writer("out.wav", 16000, 1);
     for (int i = 0; i < 10; ++i) writer.WriteSamples(block.data(), 160);
   }
-  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("500 samples")));
+  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("500 of 1600 samples: File too large")));
   EXPECT_EQ(SamplesOf("out.wav"), std::vector<short>(500, 9));
 }
 
-// A run that ends before its time leaves all that was written so far in the file.
-TEST_F(WavWriterTest, HoldsNoSamplesBack) {
+TEST_F(WavWriterTest, KeepsNoMoreOnceTheDiskIsFull) {
+  const std::vector<short> block(100000, 9);
+  const CapturedStderr log;
+  {
+    WavWriter writer("out.wav", 16000, 1);
+    {
+      const FileSizeLimit limit(44 + 1000);
+      writer.WriteSamples(block.data(), 100000);
+    }
+    writer.WriteSamples(block.data(), 100000);
+  }
+  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("500 of 100000 samples: File too large")));
+  EXPECT_EQ(ReadFile("out.wav"), WavBytes({}, std::vector<short>(500, 9)));
+}
+
+TEST_F(WavWriterTest, GathersSmallWrites) {
+  constexpr int kSamples = 65536;
+  int growths = 0;
+  struct stat before = {};
+  stat("out.wav", &before);
   WavWriter writer("out.wav", 16000, 1);
+  for (int i = 0; i < kSamples; ++i) {
+    const auto sample = static_cast<short>(i);
+    writer.WriteSamples(&sample, 1);
+    struct stat now = {};
+    ASSERT_EQ(stat("out.wav", &now), 0);
+    if (now.st_size != before.st_size) ++growths;
+    before = now;
+  }
+  EXPECT_LE(growths, kSamples / 1000);
+}
+
+// As at the end of a process whose routine has left its files open.
+TEST_F(WavWriterTest, HoldsNoSamplesBackFromAFlushOfAllStreams) {
+  WavWriter writer("out.wav", 16000, 1);
+  EXPECT_EQ(ReadFile("out.wav"), WavBytes({}, {}));
   const short samples[] = {1, 2, 3};
   writer.WriteSamples(samples, 3);
-  EXPECT_EQ(ReadFile("out.wav").substr(44), SampleBytes({1, 2, 3}));
+  fflush(nullptr);
+  EXPECT_EQ(ReadFile("out.wav"), WavBytes({}, {}) + SampleBytes({1, 2, 3}));
 }
 
 }  // namespace

@@ -81,6 +81,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::WriteEmpty, .outputs = {kPcmOutput}},
           {.declared = declared::WritePcm, .outputs = {kPcmOutput}},
           {.declared = declared::WriteTooMuch, .outputs = {kPcmOutput}},
+          {.declared = declared::FlushTooMuch, .outputs = {kPcmOutput}},
           {.declared = declared::WriteNotFinite, .outputs = {kFloatOutput}},
           {.declared = declared::WriteLoud, .outputs = {kFloatOutput}},
           {.declared = declared::WriteNoWave, .outputs = {kWaveOutput}},

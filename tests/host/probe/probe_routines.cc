@@ -28,6 +28,13 @@ void WriteFile(const char* name, const std::vector<T>& values) {
   fclose(file);
 }
 
+// From now on no file grows beyond so many bytes.
+void LimitFiles(rlim_t bytes) {
+  signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit = {.rlim_cur = bytes, .rlim_max = bytes};
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
 }  // namespace
 
 void Nothing() {}
@@ -74,10 +81,17 @@ void WriteEmpty() { WriteFile<short>("out.pcm", {}); }
 void WritePcm() { WriteFile<short>("out.pcm", {0, 16384, -8192, 0}); }
 
 void WriteTooMuch() {
-  signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit = {.rlim_cur = 1000, .rlim_max = 1000};
-  setrlimit(RLIMIT_FSIZE, &limit);
+  LimitFiles(1000);
   WriteFile("out.pcm", std::vector<short>(1000, 1));
+}
+
+void FlushTooMuch() {
+  LimitFiles(1000);
+  FILE* const file = fopen("out.pcm", "wb");
+  const std::vector<short> samples(1000, 1);
+  fwrite(samples.data(), sizeof(short), samples.size(), file);
+  fflush(file);
+  fclose(file);
 }
 
 void WriteNotFinite() {

@@ -17,6 +17,7 @@ ROUTINE(void, WriteNothing);
 ROUTINE(void, WriteEmpty);
 ROUTINE(void, WritePcm);
 ROUTINE(void, WriteTooMuch);  // More than the process may write to a file.
+ROUTINE(void, FlushTooMuch);  // The same, and closes the file later.
 ROUTINE(void, WriteNotFinite);
 ROUTINE(void, WriteLoud);  // Up to twice full scale.
 ROUTINE(void, WriteNoWave);

@@ -151,6 +151,12 @@ TEST_F(RunTest, FailsOnAnOutputThatIsCutShort) {
   EXPECT_THAT(run.out, HasSubstr("out.pcm could not be written whole: File too large"));
 }
 
+TEST_F(RunTest, SaysWhatAFlushFailedOf) {
+  const Finished run = Run({"FlushTooMuch"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("out.pcm could not be written whole: File too large"));
+}
+
 TEST_F(RunTest, FailsOnSamplesThatAreNotFinite) {
   const Finished run = Run({"WriteNotFinite"});
   EXPECT_EQ(run.exitCode, 1);

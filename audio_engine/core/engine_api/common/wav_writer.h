@@ -9,8 +9,9 @@
 namespace zuwebrtc {
 
 // Writes a 16-bit PCM WAVE file with the canonical 44-byte header. A file that cannot be opened or
-// written takes all samples and keeps none, with one line in the engine's log. Belongs to one
-// thread at a time.
+// written further takes all samples and keeps none, with one line in the engine's log. Samples wait
+// in a stdio buffer, commonly of 4 KiB: a process that crashes or is killed loses what is in it.
+// Belongs to one thread at a time.
 class ENGINE_API WavWriter {
  public:
   // Truncates `filename`. sample_rate: Hz.
@@ -27,7 +28,7 @@ class ENGINE_API WavWriter {
  private:
   int sample_rate_;
   int num_channels_;
-  uint32_t num_samples_ = 0;
+  uint32_t num_samples_ = 0;  // Given so far.
   FILE* file_handle_ = nullptr;
 };
 
