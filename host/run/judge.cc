@@ -35,13 +35,18 @@ std::string Quoted(const std::string& word) {
   return quoted + "'";
 }
 
+// The options of ffmpeg for those that are given.
+std::string RateAndChannels(const FileUse& use) {
+  std::string options;
+  if (use.rate > 0) options += " -ar " + std::to_string(use.rate);
+  if (use.channels > 0) options += " -ac " + std::to_string(use.channels);
+  return options;
+}
+
 // How to make headerless samples of an audio file.
 std::string Conversion(const FileUse& use, const std::string& from, const std::string& to) {
-  std::string command = "ffmpeg -i " + from;
-  command += use.samples == SampleType::kPcm16 ? " -f s16le" : " -f f32le";
-  if (use.rate > 0) command += " -ar " + std::to_string(use.rate);
-  if (use.channels > 0) command += " -ac " + std::to_string(use.channels);
-  return command + " " + Quoted(to);
+  return "ffmpeg -i " + from + (use.samples == SampleType::kPcm16 ? " -f s16le" : " -f f32le") +
+         RateAndChannels(use) + " " + Quoted(to);
 }
 
 // What to do about an input that is missing.
@@ -65,13 +70,23 @@ std::string Remedy(const FilePlace& input) {
          Conversion(input.use, "YOUR_FILE", input.path);
 }
 
-// What is said of a file that should be a WAVE and is none; empty when it is one, or when a routine
-// has an outcome for it: without content, or optional.
+// What is said of a file that should be a WAVE that the routine takes and is none; empty when it is
+// one, or when a routine has an outcome for it: without content, or optional.
 std::string NoWave(const FilePlace& input, FILE* file, uint64_t bytes) {
-  if (input.use.optional || bytes == 0 || FindAudio(input.use, file, bytes)) return "";
+  const FileUse& use = input.use;
+  if (use.optional || bytes == 0) return "";
+  const std::optional<AudioLayout> found = FindAudio(use, file, bytes);
+  const bool anyFormat = use.rate == 0;
+  if (found && (anyFormat || (found->rate == use.rate && found->channels == use.channels))) {
+    return "";
+  }
+  const std::string fault = found ? "is " + Hertz(found->rate) + ", " + Channels(found->channels) +
+                                        ", where only " + Hertz(use.rate) + ", " +
+                                        Channels(use.channels) + " is taken"
+                                  : "is no WAVE file that can be read";
   const std::string converted = input.path + ".16.wav";
-  return "input " + Name(input) + " is no WAVE file that can be read; to convert it: ffmpeg -i " +
-         Quoted(input.path) + " -c:a pcm_s16le " + Quoted(converted) + " && mv " +
+  return "input " + Name(input) + " " + fault + "; to convert it: ffmpeg -i " + Quoted(input.path) +
+         " -c:a pcm_s16le" + RateAndChannels(use) + " " + Quoted(converted) + " && mv " +
          Quoted(converted) + " " + Quoted(input.path);
 }
 

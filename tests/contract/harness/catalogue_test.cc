@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "fake_engine/codec/codec_format.h"
+#include "fake_engine/fake_engine.h"
+
 using harness::Catalogue;
 using harness::CatalogueRow;
 using harness::Container;
@@ -229,6 +232,26 @@ TEST(Catalogue, FindsTheFilesOfARunInItsWords) {
   EXPECT_EQ(Outputs(row, off).front().name, "NOIZEUS/out/result_speech_snr_off_airport.txt");
   EXPECT_EQ(Inputs(row, light).back().name, "NOIZEUS/out/sp30_train_sn15_denoise_light.pcm");
   EXPECT_EQ(Outputs(row, light).front().name, "NOIZEUS/out/result__denoise_light_airport.txt");
+}
+
+TEST(Catalogue, FindsTheFormatOfAFileInTheCodecOfARun) {
+  FakeEngine engine;
+  engine.script<CodecFormatScript>().format = [](int rawCodecId) {
+    AudioStreamFormat format = {};
+    format.iSampleRate = rawCodecId == 2 ? 16000 : 0;
+    format.iNumOfChannels = rawCodecId == 2 ? 1 : 0;
+    return format;
+  };
+  const CatalogueRow& judged = Row("TestVADCodecMosByVADResult");
+  const auto input = [&](std::string_view id) {
+    const std::string_view words[] = {"in.wav", "out.wav", "vad.wav", id};
+    return Inputs(judged, words).at(0);
+  };
+  EXPECT_EQ(input("2").rate, 16000);
+  EXPECT_EQ(input("2").channels, 1);
+  EXPECT_EQ(input("99").rate, 0) << "no codec, any format";
+  const std::string_view words[] = {"in.wav", "out.wav", "2", "64000", "0"};
+  EXPECT_EQ(Outputs(Row("calAACMos"), words).at(0).name, "16000_1_{bitRate}.res.wav");
 }
 
 TEST(Catalogue, RefusesWordsThatFitTheirTypesAlone) {

@@ -9,6 +9,7 @@
 
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
+#include "support/wav_bytes.h"
 
 namespace host {
 namespace {
@@ -252,6 +253,26 @@ TEST_F(JudgeTest, SaysThatAFileIsNoWave) {
   WriteFile("work/in", "fLaC");
   input.use.optional = true;
   EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
+}
+
+TEST_F(JudgeTest, SaysThatAWaveIsInAFormatThatIsNotTaken) {
+  FilePlace input = Place("/in");
+  input.use.container = Container::kWave;
+  WriteFile("work/in", WavBytes({.rate = 16000}, {1, 2, 3}));
+  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass) << "any format";
+  input.use.rate = 16000;
+  input.use.channels = 1;
+  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
+  for (const auto& [rate, channels] : {std::pair(16000, 2), std::pair(44100, 1)}) {
+    input.use.rate = rate;
+    input.use.channels = channels;
+    EXPECT_EQ(Judge(InputProblems({input})).exitCode, 1) << rate << " Hz, " << channels;
+  }
+  input.use.channels = 2;
+  EXPECT_EQ(Judge(InputProblems({input})).reason,
+            "input /in (work/in) is 16000 Hz, mono, where only 44100 Hz, stereo is taken; to "
+            "convert it: ffmpeg -i work/in -c:a pcm_s16le -ar 44100 -ac 2 work/in.16.wav && mv "
+            "work/in.16.wav work/in");
 }
 
 TEST(Judge, NamesTheWorstProblemAndKeepsAll) {

@@ -32,8 +32,9 @@ struct FileUse {
   std::string name = {};  // As the routine opens it; "{parameter}" where an argument names it.
   Container container = Container::kOther;
   SampleType samples = SampleType::kPcm16;  // Headerless audio only, full scale of floats at 1.
-  int rate = 0;                             // Hz; headerless audio only.
-  int channels = 0;                         // Headerless audio only.
+  // Of headerless audio, Hz; of a WAVE input the only ones that the routine takes, 0 when any.
+  int rate = 0;
+  int channels = 0;
   // What an input must hold for one pass of the loop. 0 when anything will do, or when the block
   // follows from the header.
   int blockBytes = 0;

@@ -24,12 +24,26 @@ std::vector<FileUse> QualityCase(const std::string& name) {
           Wave(name + ".dec.wav")};
 }
 
-std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
+// Of the codec whose id is word number `index`, counted from 0.
+AudioStreamFormat FormatOfWord(ArgumentWords words, size_t index) {
   Argument<int> codecId;
-  codecId.Parse(words[2]);
-  const AudioStreamFormat format = FormatFromRawCodecId(codecId.Value());
+  codecId.Parse(words[index]);
+  return FormatFromRawCodecId(codecId.Value());
+}
+
+std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
+  const AudioStreamFormat format = FormatOfWord(words, 2);
   return QualityCase(std::to_string(format.iSampleRate) + "_" +
                      std::to_string(format.iNumOfChannels) + "_{bitRate}");
+}
+
+// The routine ends without a word when its input is in another format than the codec.
+std::vector<FileUse> InputInFormatOfCodec(ArgumentWords words) {
+  const AudioStreamFormat format = FormatOfWord(words, 3);
+  FileUse input = Wave("{pSrcFileName}");
+  input.rate = format.iSampleRate;
+  input.channels = format.iNumOfChannels;
+  return {input};
 }
 
 }  // namespace
@@ -80,6 +94,7 @@ std::vector<CatalogueRow> CodecRows() {
        .exercises = "encode/decode gated by VAD results, for MOS",
        .inputs = {Wave("{pSrcFileName}")},
        .outputs = {Wave("{pDstFileName}"), Wave("{pVadResultFile}")},
+       .inputsFor = InputInFormatOfCodec,
        .lacking = NeedsRawIdOfWord<3>},
       {.declared = declared::TestZUAudioProcessor,
        .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
