@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cstring>
+
 #include "bench/codec/routines.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/fake_engine.h"
@@ -20,6 +22,25 @@ std::string Adts(size_t bytes) {
   frame[4] = static_cast<char>(bytes >> 3);
   frame[5] = static_cast<char>((bytes & 7) << 5);
   return frame;
+}
+
+// Leaves `fill` in all memory below the caller's frame: what a routine that is called next leaves
+// unset holds it.
+__attribute__((noinline)) void FillStack(unsigned char fill) {
+  volatile unsigned char memory[65536];
+  for (volatile unsigned char& byte : memory) byte = fill;
+}
+
+// The bit rate that a codec is started with when memory was full of `fill`, as its bytes.
+std::vector<unsigned char> BitRateOver(unsigned char fill, void (*routine)()) {
+  FakeEngine engine;
+  std::vector<unsigned char> bytes(sizeof(int));
+  engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
+    memcpy(bytes.data(), &format.iBitRate, bytes.size());
+  };
+  FillStack(fill);
+  routine();
+  return bytes;
 }
 
 // The encoder gives `aac` for its first block, and the decoder what it gets.
@@ -75,6 +96,7 @@ TEST(TestZUEAACCodec, FillsInAllOfTheFormatButTheBitRate) {
   engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
     formats.push_back(format);
   };
+  FillStack(0x11);
 
   TestZUEAACCodec();
 
@@ -90,6 +112,10 @@ TEST(TestZUEAACCodec, FillsInAllOfTheFormatButTheBitRate) {
   }
 }
 
+TEST(TestZUEAACCodec, LeavesTheBitRateUnset) {
+  EXPECT_NE(BitRateOver(0x11, TestZUEAACCodec), BitRateOver(0x22, TestZUEAACCodec));
+}
+
 TEST(TestZUEAACCodec, EndsAtALengthThatIsShorterThanAHeader) {
   for (const size_t bytes : {0U, 1U, 6U, 7U}) {
     FakeEngine engine;
@@ -100,6 +126,11 @@ TEST(TestZUEAACCodec, EndsAtALengthThatIsShorterThanAHeader) {
     TestZUEAACCodec();
     EXPECT_THAT(engine.CallsWith("#2.Process"),
                 ElementsAre("CAudioCodec#2.Process(9, room 8192) = 9"))
+        << bytes;
+    // Nothing is read of a frame without a length, and no byte of one that is all header.
+    EXPECT_EQ(engine.CallsWith("fread(F:\\44100_2_out.aac").back(),
+              bytes == 7 ? "fread(F:\\44100_2_out.aac, 0, 1) = 0"
+                         : "fread(F:\\44100_2_out.aac, 7, 1) = 1")
         << bytes;
   }
 }
@@ -175,6 +206,7 @@ TEST(TestZUEldCodec, FillsInAllOfTheFormatButTheBitRate) {
   engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
     formats.push_back(format);
   };
+  FillStack(0x11);
 
   TestZUEldCodec();
 
@@ -186,6 +218,10 @@ TEST(TestZUEldCodec, FillsInAllOfTheFormatButTheBitRate) {
   EXPECT_EQ(formats[0].iQuality, 0);
   EXPECT_EQ(formats[0].iBytesOfCodedFrame, 0);
   EXPECT_EQ(formats[0].iNumOfFramesInPacket, 1);
+}
+
+TEST(TestZUEldCodec, LeavesTheBitRateUnset) {
+  EXPECT_NE(BitRateOver(0x11, TestZUEldCodec), BitRateOver(0x22, TestZUEldCodec));
 }
 
 TEST(TestZUEldCodec, EndsAtOnceWithACodecThatKeepsTheInterfacesOwnSize) {

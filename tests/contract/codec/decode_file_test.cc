@@ -101,6 +101,11 @@ TEST(TestZUDecode, TakesAdtsOf55And1) {
   }
 }
 
+// No frame of a codec is this short, but its length and what is there agree.
+TEST(TestZUDecode, LooksAtSixBytesOfAnAdtsHeader) {
+  EXPECT_THAT(Decoded(Adts(9) + Adts(6), 55, false), ElementsAre(Adts(9), Adts(6)));
+}
+
 TEST(TestZUDecode, TakesMarkedFramesOfEveryOtherId) {
   for (const int id : {2, 22, 35, 38, 46, 50, 51, 53}) {
     EXPECT_THAT(Decoded(Marked("ab") + Marked("c"), id, false),
@@ -246,6 +251,19 @@ TEST(NewTestZUDecode, TakesPrefixedFramesOfEveryId) {
         << id;
   }
   EXPECT_THAT(NewDecoded(Prefixed(1, "a") + Prefixed(-4, "bcdefghi"), 2, true), ElementsAre("a"));
+}
+
+TEST(NewTestZUDecode, HandsTheCodecTheFormatOfTheIdAsItIs) {
+  FakeEngine engine;
+  engine.script<CodecFormatScript>().format = DistinctFormat;
+  int codecs = 0;
+  engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
+    EXPECT_TRUE(SameFormat(format, DistinctFormat(44)));
+    ++codecs;
+  };
+  newTestZUDecode("in.enc", "out.wav", 44, 48000, false);
+  TestZUDecode("in.enc", "out.wav", 44, false);
+  EXPECT_EQ(codecs, 2);
 }
 
 TEST(NewTestZUDecode, LogsNothingWithoutACodec) {

@@ -206,6 +206,20 @@ TEST(NewTestZUEncode, TakesNeitherItsBitRateNorItsRate) {
   EXPECT_EQ(calls[0], calls[1]);
 }
 
+TEST(NewTestZUEncode, HandsTheCodecTheFormatOfTheIdAsItIs) {
+  FakeEngine engine;
+  PutWav(engine, 5);
+  engine.script<CodecFormatScript>().format = DistinctFormat;
+  int codecs = 0;
+  engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
+    EXPECT_TRUE(SameFormat(format, DistinctFormat(44)));
+    ++codecs;
+  };
+  newTestZUEncode("in.wav", "out.enc", 44, 32000, 48000, false);
+  TestZUEncode("in.wav", "out.enc", 44, false);
+  EXPECT_EQ(codecs, 2);
+}
+
 TEST(NewTestZUEncode, LogsNothingWithoutACodec) {
   FakeEngine engine;
   UseFrames(engine);

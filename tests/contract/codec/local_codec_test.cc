@@ -212,6 +212,18 @@ TEST(TestEncodeFile, OpensReadsEncodesAndCloses) {
                           "fclose(in.wav)"));
 }
 
+TEST(TestEncodeFile, CutsTheFrameTo16BitsOfItsLength) {
+  const uint32_t before = FramesSoFar();
+  FakeEngine engine;
+  engine.PutFile(g_in, Header(16000, 1) + "a");
+  engine.script<LocalCodecScript>().encoderBytes = 1;
+  engine.script<LocalCodecScript>().encode = [](const std::string&) {
+    return std::string(65536 + 3, 'x');
+  };
+  TestEncodeFile(g_in, g_out);
+  EXPECT_EQ(engine.Bytes(g_out), FrameRecord(before + 1, 2, "xxx"));
+}
+
 TEST(TestEncodeFile, ReturnsForEveryOtherFormat) {
   const uint32_t before = FramesSoFar();
   for (const auto& [rate, channels] :

@@ -137,6 +137,13 @@ TEST(TestAudioMusicDetector, WritesNoMoreThanItsTracksHold) {
   EXPECT_THAT(engine.CallsWith("WriteSamples"), ElementsAre("WavWriter#1.WriteSamples(8192)"));
 }
 
+TEST(TestAudioMusicDetector, TakesABlockThatFillsItsArray) {
+  FakeEngine engine;
+  engine.wavs["music.wav"] = {819200, 1, Shorts(8192, 9)};
+  TestAudioMusicDetector();
+  EXPECT_THAT(engine.CallsWith("WriteSamples"), SizeIs(1));
+}
+
 TEST(TestAudioMusicDetector, EndsAtOnceForABlockBeyondItsArray) {
   FakeEngine engine;
   engine.wavs["music.wav"] = {768000, 2, Shorts(20000, 9)};

@@ -139,6 +139,8 @@ TEST(TestHPFProcess, ClampsWhatLeaves16Bits) {
 TEST(TestHPFProcess, SharesOneStateAmongChannels) {
   const Samples pairs = Noise(320 * 10, 3);
   EXPECT_EQ(Filtered(16000, 2, pairs), Reference(false, pairs));
+  EXPECT_EQ(Filtered(8000, 2, pairs), Reference(true, pairs));
+  EXPECT_EQ(Filtered(4000, 2, pairs), Reference(false, pairs)) << "8000 samples a second";
 }
 
 TEST(TestHPFProcess, BlocksAreTruncated) {

@@ -114,6 +114,15 @@ TEST(MeasureAverageSNR, SumsInSinglePrecision) {
   EXPECT_NE(tenfold / 2000.0F, static_cast<float>(exact * 10 / 2000)) << "the signal tells nothing";
 }
 
+// After a loud sample each of the soft ones is too small to change a single-precision sum.
+TEST(MeasureAverageSNR, LosesSoftSamplesAfterALoudOne) {
+  Samples clean = Constant(160, 7);
+  clean[0] = -32768;
+  const Samples silence(160);
+  ASSERT_EQ(TermInSteps(clean, silence, 0), log10(0.25 / (0.25 + 1e-7) + 1));
+  EXPECT_EQ(Average(clean, silence), static_cast<float>(TermInSteps(clean, silence, 0)) * 10.0F);
+}
+
 TEST(MeasureAverageSNR, CountsSilentFramesWithZeroDecibels) {
   Samples clean = Constant(160, 256);
   clean.resize(480);

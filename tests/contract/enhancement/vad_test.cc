@@ -213,6 +213,17 @@ TEST(TestVADProcessRefined, LetsTheLastStartedOfOverlappingSegmentsDecide) {
   EXPECT_EQ(track, expected);
 }
 
+TEST(TestVADProcessRefined, MarksNothingOfASegmentThatEndsBeforeTheFile) {
+  FakeEngine engine;
+  int segments[] = {-2147483647 - 1, 10, -20, 25, -1};
+  const Samples track = Channel(Refine(engine, 8000, Samples(80), segments, 0), 2, 3);
+  Samples expected(80);
+  std::fill_n(expected.begin(), 6, short{30000});  // Of the second one, which starts 20 before it.
+  EXPECT_EQ(track, expected);
+  int early[] = {-2147483647 - 1, 10, -1};
+  EXPECT_EQ(Channel(Refine(engine, 8000, Samples(80), early, 0), 2, 3), Samples(80));
+}
+
 TEST(TestVADProcessRefined, CountsPositionsAfterTheShift) {
   FakeEngine engine;
   int segments[] = {0, 0, -1};

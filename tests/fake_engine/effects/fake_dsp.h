@@ -9,10 +9,7 @@ class FakeDsp : public Interface {
  public:
   using Interface::Process;
 
-  void Destroy() override {
-    FakeEngine::Current().Died(this);
-    delete this;
-  }
+  void Destroy() override { delete this; }
 
   int Process(int*, int samplesPerChannel, int, int, int, int) override {
     FakeEngine::Current().Call(this, "Process(ints, %d)", samplesPerChannel);
@@ -36,5 +33,5 @@ class FakeDsp : public Interface {
   }
 
  protected:
-  ~FakeDsp() override = default;
+  ~FakeDsp() override { FakeEngine::Current().Died(this); }
 };

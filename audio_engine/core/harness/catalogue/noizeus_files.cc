@@ -25,6 +25,7 @@ std::vector<FileUse> NoizeusClean() {
   for (int i = 1; i <= kNoizeusSentences; ++i) {
     files.push_back(Sentence(FormatName("NOIZEUS/in/clean/sp%02d.pcm", i),
                              "NOIZEUS/in/clean/sp<sentence>.pcm"));
+    files.back().beside = true;
   }
   return files;
 }

@@ -1,0 +1,286 @@
+// The files of every routine, written apart from the rows.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "fake_engine/codec/codec_format.h"
+#include "fake_engine/fake_engine.h"
+#include "harness/catalogue/catalogue.h"
+
+using harness::Catalogue;
+using harness::CatalogueRow;
+using harness::Container;
+using harness::FileUse;
+using harness::SampleType;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+namespace {
+
+std::string Number(int number) { return std::to_string(number); }
+
+// What is declared of a file but its name: " s16 16000x1 block 400".
+std::string Facts(const FileUse& use) {
+  std::string text;
+  if (use.container == Container::kWave) text += " wave";
+  if (use.container == Container::kRecording) text += " recording";
+  if (use.container == Container::kHeaderless) {
+    text += use.samples == SampleType::kPcm16 ? " s16 " : " f32 ";
+    text += Number(use.rate) + "x" + Number(use.channels);
+  }
+  if (use.blockBytes > 0) text += " block " + Number(use.blockBytes);
+  if (use.optional) text += " optional";
+  if (use.mayBeEmpty) text += " may be empty";
+  if (use.beside) text += " beside";
+  if (use.foreignHeader) text += " foreign header";
+  if (!use.remark.empty()) text += " (" + use.remark + ")";
+  return text;
+}
+
+// A text for each file, and one for each list in place of its files: pattern, number, what is
+// declared.
+std::vector<std::string> Texts(const std::vector<FileUse>& uses) {
+  std::map<std::string, int> counts;
+  for (const FileUse& use : uses) ++counts[use.pattern];
+  std::vector<std::string> texts;
+  for (const FileUse& use : uses) {
+    const std::string count = use.pattern.empty() ? "" : " " + Number(counts[use.pattern]) + "x";
+    std::string text = (use.pattern.empty() ? use.name : use.pattern) + count + Facts(use);
+    if (use.pattern.empty() || texts.empty() || texts.back() != text) texts.push_back(text);
+  }
+  return texts;
+}
+
+struct RowFiles {
+  const char* routine;
+  std::vector<std::string> inputs;
+  std::vector<std::string> outputs;
+};
+
+const RowFiles kRows[] = {
+    {"RunTestCase",
+     {"/sdcard/ZUAudioDemo/44100_2.pcm s16 44100x2 block 1764"},
+     {"/sdcard/ZUAudioDemo/44100_2_out_902.pcm f32 44100x2"}},
+    {"TestEchoDelayEst", {"{pFarendFileName} wave", "{pNearendFileName} wave"}, {}},
+    {"TestEchoDelayEstAndAEC",
+     {"{pFarendFileName} wave", "{pNearendFileName} wave"},
+     {"{pOutFileName} wave foreign header"}},
+    {"TestTemp", {"wrpcmin.pcm s16 8000x1 block 160"}, {"NSout.pcm s16 8000x1"}},
+    {"TestAECNsNoizeus",
+     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160"},
+     {"NOIZEUS/out/sp<sentence>_<noise>_sn<level>_aec.pcm 960x s16 8000x1 block 160"}},
+    {"TestZUAECProcess",
+     {"{pFarendFileName} optional", "{pNearendFileName} wave"},
+     {"{pOutFileName} wave foreign header"}},
+    {"TestAECProcess",
+     {"{pFarendFileName} s16 16000x1 block 320", "{pNearendFileName} s16 16000x1 block 320"},
+     {"{pOutFileName} s16 16000x1"}},
+    {"TestZUAec", {"{inNearFile} wave", "{inFarFile} wave"}, {"{outNearFile} wave"}},
+    {"TestAecDenoiseInternal", {"{in} wave"}, {"{out} wave"}},
+    {"TestAecDenoiseNOIZEUS",
+     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.wav 960x wave"},
+     {"NOIZEUS/out/rev3.2.50/sp<sentence>_<noise>_sn<level>_denoise.wav 960x wave"}},
+    {"TestAecDenoise",
+     {"in/<recording>.wav 10x wave"},
+     {"out/rev3.2.250/<recording>_out_rev3.2.250.wav 10x wave"}},
+    {"TestHardwareAec", {"noise_in.wav wave"}, {"out.wav wave"}},
+    {"TestSoftAec",
+     {"music_delay/findcap.wav wave", "music_delay/findreceive.wav wave"},
+     {"music_delay/out.wav wave", "music_delay/echo_metrics.txt may be empty"}},
+    {"TestEchoDetection", {"C:\\aecfiles\\farend.wav wave", "C:\\aecfiles\\nearend.wav wave"}, {}},
+    {"TestRecord",
+     {"F:\\sample\\test.pcm s16 16000x1 block 400", "F:\\sample\\test2.pcm s16 16000x1 optional"},
+     {"far.wav wave", "near.wav wave may be empty", "out.wav wave", "delay.txt may be empty",
+      "log.txt"}},
+    {"TestNoizeus",
+     {"NOIZEUS/in/clean/sp<sentence>.pcm 30x s16 8000x1 block 160 beside",
+      "NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_aec.pcm 960x s16 8000x1 block 160",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise_light.pcm 960x s16 8000x1 block 160",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise.pcm 960x s16 8000x1 block 160",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 (nothing in "
+      "the bench writes these)"},
+     {"NOIZEUS/out/result_avg_snr_aec_<noise>.txt 8x",
+      "NOIZEUS/out/result_speech_snr_aec_<noise>.txt 8x",
+      "NOIZEUS/out/result_avg_snr_denoise_light_<noise>.txt 8x",
+      "NOIZEUS/out/result_speech_snr_denoise_light_<noise>.txt 8x",
+      "NOIZEUS/out/result_avg_snr_denoise_<noise>.txt 8x",
+      "NOIZEUS/out/result_speech_snr_denoise_<noise>.txt 8x",
+      "NOIZEUS/out/result_avg_snr_mcra2_<noise>.txt 8x",
+      "NOIZEUS/out/result_speech_snr_mcra2_<noise>.txt 8x",
+      "NOIZEUS/out/result_avg_snr_off_<noise>.txt 8x",
+      "NOIZEUS/out/result_speech_snr_off_<noise>.txt 8x"}},
+    {"TestAGCProcess", {"{pSrcFileName} wave"}, {"{pDstFileName} wave foreign header"}},
+    {"TestVADProcess",
+     {"{pSrcFileName} wave optional"},
+     {"{pDstFileName} wave foreign header", "{pResultFileName} wave foreign header"}},
+    {"TestNoizeusEx",
+     {"NOIZEUS/in/clean/sp<sentence>.pcm 30x s16 8000x1 block 160 beside",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_<algorithm>.pcm 960x s16 8000x1 block 160 (for "
+      "\"off\" the noisy sentences of NOIZEUS/in instead)",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_<algorithm>.pcm 960x s16 8000x1 block 160"},
+     {"NOIZEUS/out/result_<measure>_<algorithm>_<noise>.txt 8x"}},
+    {"TestZUAudioProcessing",
+     {"{pFarendFileName} wave", "{pNearendFileName} wave"},
+     {"{pOutFileName} wave foreign header"}},
+    {"TestHPFProcess", {"{pSrcFileName} wave"}, {"{pDstFileName} wave"}},
+    {"TestVADProcessRefined", {"{in} wave"}, {"{out} wave"}},
+    {"TestVadResult", {"swb_ref_16kHz.wav wave"}, {"vad_out.wav wave", "vad_result.wav wave"}},
+    {"TestVAD",
+     {"F:/Stream/vad/input/vad_input_description.txt optional"},
+     {"F:/Stream/vad/output/report_{version}.txt"}},
+    {"TestSpeexAgc", {"music.wav wave"}, {"agc_out.wav wave"}},
+    {"TestWebrtcAgc", {"niannujiao_44100_1.wav wave"}, {"agc_out.wav wave"}},
+    {"TestDenoiseProcessNoizeus",
+     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160"},
+     {"NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise.pcm 960x s16 8000x1 block 160",
+      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise_light.pcm 960x s16 8000x1 block 160"}},
+    {"TestDenoiseProcess", {"ns_in.wav wave"}, {"ns_out.wav wave"}},
+    {"TestZUStreamToAAC", {"packer.48k.aac optional"}, {"48k.aac"}},
+    {"TestAudioEncode",
+     {"audio_test.pcm s16 44100x2 optional"},
+     {"out.enc", "dec.pcm s16 44100x2"}},
+    {"TestZUEAACCodec",
+     {"F:\\44100_2_new1.wav wave"},
+     {"F:\\44100_2_out.aac", "F:\\44100_2_out.pcm s16 44100x2"}},
+    {"TestZUEldCodec", {"yedegangqinqu_Fs32000_Ch1.pcm s16 32000x1"}, {"eld_out.aac"}},
+    {"TestEncodeFile", {"{pSrcFileName} wave"}, {"{pDstFileName}"}},
+    {"TestDecodeFile", {"{pSrcFileName}"}, {"{pDstFileName}"}},
+    {"TestSilkPackerOut", {"packer.out optional"}, {"packer.pcm s16 16000x1"}},
+    {"TestAACStreamToAAC", {"packer.48k.aac optional"}, {"48k.aac"}},
+    {"TestVADCodecMosByVADResult",
+     {"{pSrcFileName} wave"},
+     {"{pDstFileName} wave", "{pVadResultFile} wave"}},
+    {"TestZUAudioProcessor", {"player.wav wave"}, {"player.aac"}},
+    {"TestZUEncode", {"{wavInFileName} wave"}, {"{encodedFileName}"}},
+    {"TestZUDecode", {"{encodedFileName}"}, {"{decodedWavFileName} wave"}},
+    {"newTestZUEncode", {"{wavInFileName} wave"}, {"{encodedFileName}"}},
+    {"newTestZUDecode", {"{encodedFileName}"}, {"{decodedWavFileName} wave"}},
+    {"TestZUCodecNew",
+     {"{wavInFileName} wave"},
+     {"{wavOutFileName}.enc", "{wavOutFileName}.dec.wav wave", "{wavOutFileName} wave"}},
+    {"TestMockVADMos",
+     {"{refFile} wave",
+      "{refFile}.preproc.wav wave optional (16000 Hz mono; nothing in the bench writes it)"},
+     {"{refFile}.resample.wav wave", "{refFile}.codec.wav.enc", "{refFile}.codec.wav.dec.wav wave",
+      "{refFile}.codec.wav wave", "{refFile}.vad.wav wave foreign header",
+      "{refFile}.vadresult.wav wave foreign header", "{refFile}.vadCodec.wav.enc",
+      "{refFile}.vadCodec.wav.dec.wav wave", "{refFile}.vadCodec.wav wave"}},
+    {"calAACMos",
+     {"{wavInFileName} wave"},
+     {"{rate}_{channels}_{bitRate}.res.wav wave", "{rate}_{channels}_{bitRate}.ref.wav wave",
+      "{rate}_{channels}_{bitRate}.enc.wav", "{rate}_{channels}_{bitRate}.dec.wav wave"}},
+    {"TestIIREq", {"c:\\44100_2_music.wav wave"}, {"c:\\44100_2_music_eq.wav wave foreign header"}},
+    {"TestReverb", {"{pSrcFileName} wave"}, {"{pDstFileName} wave foreign header"}},
+    {"TestReverbPreset",
+     {"e:\\lumo.wav wave"},
+     {"e:\\reverb\\lumo_reverb_*.wav 14x wave foreign header"}},
+    {"TestAudioAccelerate",
+     {"F:\\44100_2_new1.wav wave optional"},
+     {"F:\\44100_2_new1_out.wav wave foreign header"}},
+    {"TestHRTF",
+     {"/sdcard/ZUAudioDemo/44100_2.pcm s16 44100x2 block 1764"},
+     {"/sdcard/ZUAudioDemo/44100_2_out_902.pcm f32 44100x2"}},
+    {"TestAudioMusicDetector", {"music.wav wave"}, {"music_det.wav wave"}},
+    {"TestMdrc", {"voice.wav wave"}, {"mdrc.wav wave"}},
+    {"TestVoiceBeautify", {"f:\\4.wav wave"}, {"f:\\4_out6.wav wave"}},
+    {"TestVoiceChangerEx", {"voice.wav wave"}, {"voice_changer_out.wav wave"}},
+    {"TestSpeexConverter", {"niannujiao_44100_2.wav wave optional"}, {"resampler.wav wave"}},
+    {"TestAudioResamplerEx", {"{inFile} wave optional"}, {"{outFile} wave"}},
+    {"TestDrc", {"music.wav wave"}, {"drc_out.wav wave"}},
+    {"TestBeatTrack", {"yedegangqinqu_Fs44100_Ch1.wav wave"}, {"BeatTrack.txt may be empty"}},
+    {"AccelerateTest", {"whenold_8000_1.wav wave"}, {"out.wav wave"}},
+    {"StretchTest", {"whenold_8000_1.wav wave"}, {"out.wav wave"}},
+    {"TestEqReverb", {"voice_record.wav wave"}, {"eqreverb.wav wave"}},
+    {"TestAudioEffectModule", {"input.wav wave"}, {"effect_out.wav wave"}},
+    {"TestRateChanger", {"test.wav wave"}, {"rate.wav wave"}},
+    {"TestSoundTouchBpm", {"yedegangqinqu_Fs44100_Ch1.wav wave"}, {}},
+    {"TestSoundTouch", {"input.wav wave"}, {"out.wav wave"}},
+    {"TestAudioMixer", {"c:\\5.wav wave"}, {"c:\\outmix.pcm s16 16000x1"}},
+    {"TestRecordMixer", {"record_acc.wav wave", "record_voice.wav wave"}, {"record_out.wav wave"}},
+    {"TestKaraokeFileMixer", {"voice_record.wav recording", "music.wav recording"}, {"output.aac"}},
+    {"TestKaraokeRecorder",
+     {"/sdcard/dangni_mix.wav recording optional", "/sdcard/dangni_acc.wav recording optional",
+      "/sdcard/dangni_line_info.txt optional", "/sdcard/dangni_score_time_range.txt optional"},
+     {"/sdcard/voice_record.wav wave"}},
+    {"TestFilePlayer", {"music.wav recording"}, {"sdk_log.txt"}},
+    {"TestAudioRecorder", {}, {"audiorecorder.aac"}},
+    {"TestAudioSaver",
+     {"gangqin.wav recording", "gangqin2.wav recording"},
+     {"saver.aac", "sdk_log.txt"}},
+    {"TestAudioChannel", {}, {"pack.enc", "sdk_log.txt"}},
+    {"TestPushPcm",
+     {"Fs44100_Ch2.pcm s16 44100x2 block 3528"},
+     {"out.pcm s16 44100x2 may be empty"}},
+};
+
+std::vector<std::string> Names(const std::vector<FileUse>& uses) {
+  std::vector<std::string> names;
+  for (const FileUse& use : uses) names.push_back(use.name);
+  return names;
+}
+
+const CatalogueRow& Row(std::string_view routine) {
+  const auto rows = Catalogue();
+  return *std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& row) {
+    return row.declared.words.name == routine;
+  });
+}
+
+}  // namespace
+
+TEST(CatalogueFiles, DeclareWhatEachRoutineReadsAndWrites) {
+  auto expected = std::begin(kRows);
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.inputs.empty() && row.outputs.empty()) continue;
+    ASSERT_NE(expected, std::end(kRows));
+    EXPECT_EQ(row.declared.words.name, expected->routine);
+    EXPECT_THAT(Texts(row.inputs), ElementsAreArray(expected->inputs)) << expected->routine;
+    EXPECT_THAT(Texts(row.outputs), ElementsAreArray(expected->outputs)) << expected->routine;
+    ++expected;
+  }
+  EXPECT_EQ(expected, std::end(kRows));
+}
+
+TEST(CatalogueFiles, NameEachFileOfALongListOnce) {
+  const std::vector<std::string> in = Names(Row("TestAecDenoiseNOIZEUS").inputs);
+  const std::vector<std::string> out = Names(Row("TestAecDenoiseNOIZEUS").outputs);
+  EXPECT_EQ(std::set<std::string>(in.begin(), in.end()).size(), 960U);
+  EXPECT_EQ(in[31], "NOIZEUS/in/airport/5dB/sp02_airport_sn5.wav");
+  EXPECT_EQ(std::set<std::string>(out.begin(), out.end()).size(), 960U);
+  EXPECT_EQ(out[31], "NOIZEUS/out/rev3.2.50/sp02_airport_sn5_denoise.wav");
+  EXPECT_EQ(Names(Row("TestAECNsNoizeus").outputs)[31], "NOIZEUS/out/sp02_airport_sn5_aec.pcm");
+  EXPECT_EQ(Names(Row("TestNoizeus").inputs)[1], "NOIZEUS/in/clean/sp02.pcm");
+  EXPECT_EQ(Names(Row("TestReverbPreset").outputs)[13], "e:\\reverb\\lumo_reverb_13.wav");
+  EXPECT_EQ(Names(Row("TestNoizeus").outputs)[1], "NOIZEUS/out/result_avg_snr_aec_babble.txt");
+}
+
+TEST(CatalogueFiles, NameTheTenRecordings) {
+  EXPECT_THAT(Names(Row("TestAecDenoise").inputs),
+              ElementsAre("in/ns_in_32000.wav", "in/ns_step_32000.wav", "in/sp01_airport_sn5.wav",
+                          "in/sp22_street_sn10.wav", "in/sp22_train_sn10.wav",
+                          "in/sp22_train_sn5.wav", "in/mirela_ns_off.wav", "in/wrpcmin32000.wav",
+                          "in/wrpcmin_ka.wav", "in/after_aec.wav"));
+  EXPECT_EQ(Names(Row("TestAecDenoise").outputs)[8],
+            "out/rev3.2.250/wrpcmin_ka_out_rev3.2.250.wav");
+}
+
+TEST(CatalogueFiles, FollowFromTheFormatOfTheCodec) {
+  FakeEngine engine;
+  engine.script<CodecFormatScript>().format = [](int id) {
+    AudioStreamFormat format = {};
+    format.iSampleRate = 1000 * id;
+    format.iNumOfChannels = id + 1;
+    return format;
+  };
+  const std::string_view words[] = {"in.wav", "out.wav", "7", "3", "4"};
+  EXPECT_THAT(Names(Outputs(Row("calAACMos"), words)),
+              ElementsAre("7000_8_{bitRate}.res.wav", "7000_8_{bitRate}.ref.wav",
+                          "7000_8_{bitRate}.enc.wav", "7000_8_{bitRate}.dec.wav"));
+}
