@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <cstring>
-
 #include "bench/codec/routines.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/fake_engine.h"
@@ -24,23 +22,10 @@ std::string Adts(size_t bytes) {
   return frame;
 }
 
-// Leaves `fill` in all memory below the caller's frame: what a routine that is called next leaves
-// unset holds it.
-__attribute__((noinline)) void FillStack(unsigned char fill) {
+// Leaves no zeros below the caller's frame, so that what a routine leaves unset is seldom 0.
+__attribute__((noinline)) void SpoilStack() {
   volatile unsigned char memory[65536];
-  for (volatile unsigned char& byte : memory) byte = fill;
-}
-
-// The bit rate that a codec is started with when memory was full of `fill`, as its bytes.
-std::vector<unsigned char> BitRateOver(unsigned char fill, void (*routine)()) {
-  FakeEngine engine;
-  std::vector<unsigned char> bytes(sizeof(int));
-  engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
-    memcpy(bytes.data(), &format.iBitRate, bytes.size());
-  };
-  FillStack(fill);
-  routine();
-  return bytes;
+  for (volatile unsigned char& byte : memory) byte = 0x11;
 }
 
 // The encoder gives `aac` for its first block, and the decoder what it gets.
@@ -96,7 +81,7 @@ TEST(TestZUEAACCodec, FillsInAllOfTheFormatButTheBitRate) {
   engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
     formats.push_back(format);
   };
-  FillStack(0x11);
+  SpoilStack();
 
   TestZUEAACCodec();
 
@@ -110,10 +95,6 @@ TEST(TestZUEAACCodec, FillsInAllOfTheFormatButTheBitRate) {
     EXPECT_EQ(format.iBytesOfCodedFrame, 0);
     EXPECT_EQ(format.iNumOfFramesInPacket, 2);
   }
-}
-
-TEST(TestZUEAACCodec, LeavesTheBitRateUnset) {
-  EXPECT_NE(BitRateOver(0x11, TestZUEAACCodec), BitRateOver(0x22, TestZUEAACCodec));
 }
 
 TEST(TestZUEAACCodec, EndsAtALengthThatIsShorterThanAHeader) {
@@ -206,7 +187,7 @@ TEST(TestZUEldCodec, FillsInAllOfTheFormatButTheBitRate) {
   engine.script<AudioCodecScript>().onInit = [&](const AudioStreamFormat& format) {
     formats.push_back(format);
   };
-  FillStack(0x11);
+  SpoilStack();
 
   TestZUEldCodec();
 
@@ -218,10 +199,6 @@ TEST(TestZUEldCodec, FillsInAllOfTheFormatButTheBitRate) {
   EXPECT_EQ(formats[0].iQuality, 0);
   EXPECT_EQ(formats[0].iBytesOfCodedFrame, 0);
   EXPECT_EQ(formats[0].iNumOfFramesInPacket, 1);
-}
-
-TEST(TestZUEldCodec, LeavesTheBitRateUnset) {
-  EXPECT_NE(BitRateOver(0x11, TestZUEldCodec), BitRateOver(0x22, TestZUEldCodec));
 }
 
 TEST(TestZUEldCodec, EndsAtOnceWithACodecThatKeepsTheInterfacesOwnSize) {

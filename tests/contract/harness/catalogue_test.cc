@@ -232,6 +232,9 @@ TEST(Catalogue, FindsTheFilesOfARunInItsWords) {
   EXPECT_EQ(Outputs(row, off).front().name, "NOIZEUS/out/result_speech_snr_off_airport.txt");
   EXPECT_EQ(Inputs(row, light).back().name, "NOIZEUS/out/sp30_train_sn15_denoise_light.pcm");
   EXPECT_EQ(Outputs(row, light).front().name, "NOIZEUS/out/result__denoise_light_airport.txt");
+  const std::string_view average[] = {"0", "0"};
+  EXPECT_EQ(Inputs(row, average).back().name, "NOIZEUS/out/sp30_train_sn15_aec.pcm");
+  EXPECT_EQ(Outputs(row, average).back().name, "NOIZEUS/out/result_avg_snr_aec_train.txt");
 }
 
 TEST(Catalogue, FindsTheFormatOfAFileInTheCodecOfARun) {

@@ -117,6 +117,23 @@ TEST_F(InvokeTest, TakesEnumeratorsByNameAndByValue) {
   }
 }
 
+TEST_F(InvokeTest, KnowsEveryEnumeratorOfTheLocalCodecs) {
+  const std::pair<const char*, const char*> codecs[] = {
+      {"UNKNOWN_CODEC", "-1"}, {"SPEEX_CODEC_8", "0"}, {"AAC_PLUS_CODEC", "1"},
+      {"SILK_CODEC", "2"},     {"AAC_ELD_CODEC", "4"}, {"SPEEX_CODEC_4", "21"},
+      {"SPEEX_CODEC_2", "23"}, {"AAC_LC_CODEC", "35"}, {"AAC_AUDIT_CODEC", "36"},
+      {"WAV_CODEC", "255"}};
+  std::string all;
+  for (const auto& [name, value] : codecs) {
+    g_calls.clear();
+    Invoke<Codec>(Words({name}));
+    Invoke<Codec>(Words({value}));
+    EXPECT_THAT(g_calls, ElementsAre(value, value)) << name;
+    all += std::string(name) + " (" + value + ")" + (std::string(value) == "255" ? "" : ", ");
+  }
+  EXPECT_THAT(ArgumentFault<Codec>(Words({"MP3"})), HasSubstr(all));
+}
+
 TEST_F(InvokeTest, TakesAListOfSegmentsOrNone) {
   Invoke<Segments>(Words({"none", "3"}));
   Invoke<Segments>(Words({"1200,5000,9000,4000", "0"}));
