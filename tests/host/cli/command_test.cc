@@ -52,6 +52,11 @@ TEST_F(CommandTest, TellsUsageErrorsInOneLine) {
                                              {"run", "--timeout-s", "nan"},
                                              {"run", "--timeout-s", "x"},
                                              {"run", "--timeout-s"},
+                                             {"run", "--timeout-s", "1000001"},
+                                             {"run", "--linger-s", "0"},
+                                             {"run", "--linger-s", "-1"},
+                                             {"list", "--", "x"},
+                                             {"demo", "--work", ""},
                                              {"run", "--work", "a", "--work", "b"},
                                              {"demo", "--", "x"}}) {
     const Finished command = Bench(words);
@@ -100,9 +105,14 @@ TEST_F(CommandTest, NamesTheArgumentsInUsageLines) {
 TEST_F(CommandTest, HelpsOnRequest) {
   const Finished help = Bench({"--help"});
   EXPECT_EQ(help.exitCode, 0);
-  EXPECT_THAT(help.out, HasSubstr("Exit codes: 0 pass"));
+  EXPECT_THAT(help.out,
+              HasSubstr("Exit codes: 0 pass, 1 fail, 2 not run as asked (usage) or results not "
+                        "delivered, 3 an input\nis missing or unreadable, 4 crash or time-out, 77 "
+                        "skip."));
   EXPECT_EQ(Bench({"run", "--help"}).exitCode, 0);
-  EXPECT_EQ(Bench({"--version"}).exitCode, 0);
+  const Finished version = Bench({"--version"});
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_THAT(version.out, testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
 TEST_F(CommandTest, ListsTheCatalogue) {
