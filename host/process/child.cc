@@ -171,7 +171,7 @@ ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Lim
   }
   relay.BecomeHost();
   ChildOutcome outcome = Child(keeper, relay, limits, progress).Watch(start, *shared);
-  relay.Drain(limits);
+  outcome.delivered = relay.Drain(limits);
   outcome.logFault = relay.logFailure();
   return outcome;
 }

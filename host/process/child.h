@@ -33,6 +33,7 @@ struct ChildOutcome {
   FileProblem readFault = {};                 // The first file that could not be read.
   std::vector<FileProblem> openFaults = {};   // Named by their place in the workspace.
   int logFault = 0;                           // errno when the log could not be written; else 0.
+  bool delivered = true;                      // Whether stdout has taken all that it printed.
   double elapsed = 0;                         // Seconds by the clock, until the routine's end.
   double ranOn = 0;                           // Seconds that its process went on after it returned.
   double cpu = 0;                             // Seconds of processing, user and system.

@@ -62,7 +62,7 @@ bool Progress::Deliver(Limits& limits) {
   const double start = Now();
   while (m_output.waiting() + m_error.waiting() > 0) {
     const bool stopped = limits.Check() != Limits::Stop::kNone;
-    if (stopped && Now() > start + kPatience) return false;
+    if (stopped && Now() > start + kPatience) return m_output.waiting() == 0;
     pollfd watched[] = {
         {.fd = m_output.waiting() > 0 ? m_output.descriptor() : -1,
          .events = POLLOUT,

@@ -77,13 +77,13 @@ void Relay::Wait(int other, double seconds) {
   if (error.waiting() == 0) CarryLog();
 }
 
-void Relay::Drain(Limits& limits) {
+bool Relay::Drain(Limits& limits) {
   for (int i = 0; i < 16 && CarryOutput(); ++i) {
   }
   for (int i = 0; i < 16 && CarryLog(); ++i) {
   }
   if (m_lastOutput != '\n') m_progress.PrintOutput("\n");
-  m_progress.Deliver(limits);
+  return m_progress.Deliver(limits);
 }
 
 void Relay::Close(int& descriptor) {

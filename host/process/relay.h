@@ -27,8 +27,9 @@ class Relay {
   void Wait(int other, double seconds);
 
   // Forwards what remains of a child that has ended, without waiting for processes that inherited
-  // the pipe, and for as long as the limits allow. A line that was begun is ended.
-  void Drain(Limits& limits);
+  // the pipe, and for as long as the limits allow. A line that was begun is ended. False when
+  // stdout has not taken everything.
+  bool Drain(Limits& limits);
 
   // errno of the first write to the log file that failed; 0 for none.
   int logFailure() const { return m_logFailure; }

@@ -274,6 +274,10 @@ std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout
     problems.push_back(
         {Cause::kWriteError, fault.name + " could not be written whole: " + strerror(fault.error)});
   }
+  if (!outcome.delivered) {
+    problems.push_back(
+        {Cause::kNotDelivered, "what the routine printed could not be written to standard output"});
+  }
   if (outcome.logFault != 0) {
     problems.push_back({Cause::kLogIncomplete, std::string("the log file is not complete: ") +
                                                    strerror(outcome.logFault)});

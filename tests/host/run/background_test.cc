@@ -34,6 +34,11 @@ TEST_F(RunTest, GivesTheEngineTwoSeconds) {
   EXPECT_NEAR(Report()["ran_on"]["value"], 2, 0.5);
 }
 
+TEST_F(RunTest, GivesTheEngineItsTwoSecondsHoweverLongAPlayerMayRunOn) {
+  const Finished run = Run({"WorkOn", "600", "--linger-s", "0.1"});
+  EXPECT_EQ(run.exitCode, 0) << run.out;
+}
+
 TEST_F(RunTest, LetsAPlayerRunOnToItsEnd) {
   const Finished run = Run({"PlayOn", "2500", "--json", "report.json"});
   EXPECT_EQ(run.exitCode, 0) << run.out;

@@ -118,6 +118,14 @@ TEST_F(JudgeTest, EndsWithTwoWhenTheLogIsIncomplete) {
   EXPECT_EQ(judgement.reason, "the log file is not complete: No space left on device");
 }
 
+TEST_F(JudgeTest, EndsWithTwoWhenWhatWasPrintedIsNotTaken) {
+  ChildOutcome outcome;
+  outcome.delivered = false;
+  const Judgement judgement = Judge(OutcomeProblems(outcome, 1));
+  EXPECT_EQ(judgement.exitCode, 2);
+  EXPECT_EQ(judgement.reason, "what the routine printed could not be written to standard output");
+}
+
 // The report of a routine that returned and left one output.
 RunReport WithOutput(Container container) {
   RunReport report;

@@ -24,6 +24,9 @@ TEST_F(RunTest, HandsArgumentsOn) {
   const Finished run = Run({"Echo", "text with spaces", "", "true", "-5"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_THAT(run.out, StartsWith("text=text with spaces more= flag=1 number=-5\npass  Echo  "));
+  EXPECT_THAT(Run({"Echo", "-.5", "-", "false", "-0"}).out,
+              StartsWith("text=-.5 more=- flag=0 number=0\n"))
+      << "neither numbers nor a dash alone are options";
 }
 
 TEST_F(RunTest, TakesOptionsBetweenArgumentsAndAnyWordAfterTwoDashes) {

@@ -75,6 +75,9 @@ TEST_F(UnreadOutputTest, ResultsThatNobodyTakesAreNoPass) {
   const json report = json::parse(ReadFile("report.json"));
   EXPECT_EQ(report["exit_code"], 2);
   EXPECT_TRUE(report["elapsed"]["value"].is_number()) << "the routine has returned";
+  EXPECT_EQ(report["problems"][0]["text"],
+            "what the routine printed could not be written to standard output")
+      << "also when the end of the pipe has room for the report";
 }
 
 TEST_F(UnreadOutputTest, TheLogIsCompleteAlthoughNobodyReadsIt) {
