@@ -63,6 +63,10 @@ struct RowFiles {
   std::vector<std::string> outputs;
 };
 
+constexpr const char* kUnwritten =
+    "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 (nothing in "
+    "the bench writes these)";
+
 const RowFiles kRows[] = {
     {"RunTestCase",
      {"/sdcard/ZUAudioDemo/44100_2.pcm s16 44100x2 block 1764"},
@@ -104,8 +108,7 @@ const RowFiles kRows[] = {
       "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_aec.pcm 960x s16 8000x1 block 160",
       "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise_light.pcm 960x s16 8000x1 block 160",
       "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise.pcm 960x s16 8000x1 block 160",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 (nothing in "
-      "the bench writes these)"},
+      kUnwritten},
      {"NOIZEUS/out/result_avg_snr_aec_<noise>.txt 8x",
       "NOIZEUS/out/result_speech_snr_aec_<noise>.txt 8x",
       "NOIZEUS/out/result_avg_snr_denoise_light_<noise>.txt 8x",
