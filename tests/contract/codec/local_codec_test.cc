@@ -218,10 +218,10 @@ TEST(TestEncodeFile, CutsTheFrameTo16BitsOfItsLength) {
   engine.PutFile(g_in, Header(16000, 1) + "a");
   engine.script<LocalCodecScript>().encoderBytes = 1;
   engine.script<LocalCodecScript>().encode = [](const std::string&) {
-    return std::string(65536 + 3, 'x');
+    return std::string(65536 + 3, 'y');
   };
   TestEncodeFile(g_in, g_out);
-  EXPECT_EQ(engine.Bytes(g_out), FrameRecord(before + 1, 2, "xxx"));
+  EXPECT_EQ(engine.Bytes(g_out), FrameRecord(before + 1, 2, "yyy"));
 }
 
 TEST(TestEncodeFile, ReturnsForEveryOtherFormat) {
