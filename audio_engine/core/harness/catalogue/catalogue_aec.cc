@@ -116,7 +116,7 @@ std::vector<CatalogueRow> AecRows() {
        .inputs = {Wave("C:\\aecfiles\\farend.wav"), Wave("C:\\aecfiles\\nearend.wav")}},
       {.declared = declared::TestRecord,
        .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
-       .inputs = {Headerless("F:\\sample\\test.pcm", 16000, 1, 400),
+       .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400)),
                   Optional(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
        .outputs = {Wave("far.wav"),
                    Empty(Wave("near.wav")),
