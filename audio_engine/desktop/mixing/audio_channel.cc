@@ -1,5 +1,6 @@
 #include "engine_api/mixing/audio_channel.h"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <map>
@@ -188,7 +189,8 @@ class AudioChannel : public IAudioChannel {
  private:
   void NotePackDelay() {
     if (m_microphone == nullptr || m_packed == nullptr) return;
-    m_packDelayMs = m_microphone->LatencyMs() + m_packed->DelayMs();
+    // The block of 10 ms that the microphone's latency holds is a part of the frame.
+    m_packDelayMs = std::max(m_microphone->LatencyMs(), 10U) - 10 + m_packed->DelayMs();
   }
 
   bool m_leavesOutSilence = false;

@@ -15,6 +15,9 @@ class CaptureCleaner {
   CaptureCleaner(const CaptureCleaner&) = delete;
   CaptureCleaner& operator=(const CaptureCleaner&) = delete;
 
+  // Hears what the loudspeaker plays, which the object itself takes care of.
+  PlayListener& FarEnd() { return m_played; }
+
   // One block of the format. Answers whether there is voice in it.
   VADResultKind Process(short* samples, size_t frames);
 

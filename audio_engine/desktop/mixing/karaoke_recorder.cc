@@ -51,16 +51,18 @@ class Recording : public desktop::CaptureListener {
 
   void OnCaptured(const desktop::CapturedBlock& block) override {
     if (m_files.voice != nullptr) m_files.voice->Write(block.samples, block.frames);
-    if (!m_songStartMs && m_player != nullptr && m_player->PlayedMs() > 0) FindStart(block);
+    if (!m_songStartMs && m_player != nullptr) FindStart(block);
     if (m_files.mix != nullptr) Mix(block);
     if (m_scorer != nullptr && m_songStartMs) Score(block);
   }
 
  private:
-  // When, by the microphone's time, the singer heard the song begin.
+  // When, by the microphone's time, the singer heard the song begin: found as soon as it is heard,
+  // which is some time after it was handed to the loudspeaker.
   void FindStart(const desktop::CapturedBlock& block) {
-    m_songStartMs = block.timeMs + 10.0 - m_player->PlayedMs() +
-                    desktop::Loudspeaker::Shared().Device().LatencyMs();
+    const double heardMs = static_cast<double>(m_player->PlayedMs()) -
+                           desktop::Loudspeaker::Shared().Device().LatencyMs();
+    if (heardMs > 0) m_songStartMs = block.timeMs + block.latencyMs - heardMs;
   }
 
   void Mix(const desktop::CapturedBlock& block) {

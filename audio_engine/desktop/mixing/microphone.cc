@@ -54,9 +54,13 @@ void Microphone::Work(short* samples, size_t frames) {
   const auto count = static_cast<unsigned>(m_mixed.size());
   const auto timeMs = static_cast<uint32_t>(m_blocks++ * frames * 1000 / Format().rate);
   const VADResultKind voice = m_voice.Detect(m_mixed.data(), count);
-  const CapturedBlock block = {
-      m_mixed.data(), samples, frames, voice, static_cast<uint8_t>(VolumeOf(m_mixed.data(), count)),
-      timeMs};
+  const CapturedBlock block = {m_mixed.data(),
+                               samples,
+                               frames,
+                               voice,
+                               static_cast<uint8_t>(VolumeOf(m_mixed.data(), count)),
+                               timeMs,
+                               LatencyMs()};
   const std::scoped_lock lock(m_mutex);
   for (CaptureListener* listener : m_listeners) listener->OnCaptured(block);
 }

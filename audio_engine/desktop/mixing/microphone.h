@@ -20,7 +20,8 @@ struct CapturedBlock {
   size_t frames;
   VADResultKind voice;  // Of `samples`.
   uint8_t volume;       // The level of `samples`: 0 for -60 dBFS (RMS) and below, 100 for 0 dBFS.
-  uint32_t timeMs;      // Since the start.
+  uint32_t timeMs;      // Of the first sample, since the start,
+  uint32_t latencyMs;   // and how long ago it was heard.
 };
 
 // Hears every block, on a thread of its own and never the device's.

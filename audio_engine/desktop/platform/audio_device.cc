@@ -156,10 +156,12 @@ bool AudioDevice::Exchange(PulseStream& stream) {
     while (!m_stop && stream.WantsBlock()) {
       CallBlock();
       if (!stream.Give(m_samples.data())) return false;
+      m_latencyMs = stream.LatencyMs();
     }
   }
   m_failures = stream.Failures();
-  m_latencyMs = stream.LatencyMs();
+  // A sample of an input waits for its block to be whole as well.
+  m_latencyMs = stream.LatencyMs() + (m_direction == Direction::kInput ? 10 : 0);
   return true;
 }
 

@@ -40,6 +40,9 @@ class PulseStream {
   const std::string& Fault() const { return m_fault; }
 
   uint64_t Failures() const { return m_failures; }  // Gaps in what was played or heard.
+
+  // Output: how long the next block takes until it is heard; all that was given, as long as the
+  // server has not told. Input: how long ago what it gives next was heard.
   uint32_t LatencyMs() const;
 
  private:
@@ -60,6 +63,7 @@ class PulseStream {
   std::chrono::steady_clock::time_point m_progress;  // The latest.
   std::vector<char> m_heard;                         // The first m_heardBytes count.
   size_t m_heardBytes = 0;
+  uint64_t m_givenBlocks = 0;
   uint64_t m_failures = 0;
   std::string m_fault;
 };

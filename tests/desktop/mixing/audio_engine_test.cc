@@ -321,11 +321,4 @@ TEST_F(AudioEngineTest, EndsCleanlyWithAProgramThatLeavesItRunning) {
                                            HasSubstr("loudspeaker: stopped after")}));
 }
 
-TEST(CaptureCleaner, TakesAnOffsetAway) {
-  desktop::CaptureCleaner cleaner({16000, 1});
-  std::vector<short> samples(32000, 3000);
-  for (size_t at = 0; at < samples.size(); at += 160) cleaner.Process(&samples[at], 160);
-  for (size_t i = 16000; i < samples.size(); ++i) ASSERT_NEAR(samples[i], 0, 3);
-}
-
 }  // namespace

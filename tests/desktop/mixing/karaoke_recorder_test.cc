@@ -12,6 +12,7 @@
 #include "desktop/mixing/file_source.h"
 #include "desktop/platform/audio_device.h"
 #include "in_time.h"
+#include "played.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/signals.h"
@@ -57,17 +58,23 @@ class KaraokeRecorder : public testing::Test {
 }  // namespace
 
 // The singer is fed into the microphone path: the first note right, the second a semitone flat,
-// the third not at all. The notes lie well inside of what is sung, because a busy machine starts
-// the singer late.
+// the third not at all, the fourth right and still sung at the end. The notes lie well inside of
+// what is sung, because a busy machine starts the singer late.
 TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
   std::vector<short> song = SungNote(220, 44100, 1.2);
   const std::vector<short> flat = SungNote(261.63 / 1.0595, 44100, 1.2);
   song.insert(song.end(), flat.begin(), flat.end());
+  song.resize(song.size() + 44100);
+  const std::vector<short> last = SungNote(220, 44100, 1.6);
+  song.insert(song.end(), last.begin(), last.end());
   WriteWave("singer.wav", song);
-  WriteWave("music.wav", Tone(1000, 3000, 44100, 44100 * 4));
-  ScoreTimeRange notes[] = {{400, 1000, 1, 0, 57}, {1800, 2300, 1, 1, 60}, {3100, 3300, 2, 1, 60}};
+  WriteWave("music.wav", Tone(1000, 3000, 44100, 44100 * 5));
+  ScoreTimeRange notes[] = {{400, 1000, 1, 0, 57},
+                            {1800, 2300, 1, 1, 60},
+                            {3000, 3200, 2, 1, 60},
+                            {3800, 9000, 2, 1, 57}};
   ScoreLineInfo songLines[] = {{1, 0, 2500}, {2, 2500, 3500}};
-  auto visual = std::make_unique<int8_t[]>(3);
+  auto visual = std::make_unique<int8_t[]>(4);
   m_recorder->Destroy();
 
   std::string log;
@@ -77,14 +84,14 @@ TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
     ASSERT_TRUE(OpenInput("missing.wav", "music.wav"));
     ASSERT_TRUE(OpenOutput("voice.wav", "mix.wav"));
     m_recorder->SetLineInfo(songLines, 2);
-    m_recorder->SetScoreTimeRange(notes, 3, visual.get());
+    m_recorder->SetScoreTimeRange(notes, 4, visual.get());
     desktop::FilePlayer singer;
     singer.SetFeedBack(AudioSourceTypeOuterPCM);
     ASSERT_EQ(singer.Open("singer.wav"), PLAYER_OPEN_SUCCESS);
     ASSERT_TRUE(m_recorder->Start());
     singer.Play();
     EXPECT_EQ(std::atomic_ref(visual[2]).load(), 127);
-    constexpr uintmax_t kBytes = 44 + 35 * 8820;  // 3.5 s.
+    constexpr uintmax_t kBytes = 44 + 43 * 8820;  // 4.3 s.
     EXPECT_TRUE(WaitUntil([&] { return std::filesystem::file_size("voice.wav") >= kBytes; }));
     m_recorder->Destroy();
     log = lines.Text();
@@ -95,7 +102,8 @@ TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
   EXPECT_NEAR(visual[0], 0, 2);
   EXPECT_NEAR(visual[1], -10, 2);
   EXPECT_EQ(visual[2], 127);
-  EXPECT_THAT(log, HasSubstr("2 lines, 3 notes, 2 sung, 1 within 50 cents"));
+  EXPECT_NEAR(visual[3], 0, 2);
+  EXPECT_THAT(log, HasSubstr("2 lines, 4 notes, 3 sung, 2 within 50 cents"));
 
   const std::vector<short> voice = Read("voice.wav");
   ASSERT_GE(voice.size(), 44100U * 3);
@@ -105,12 +113,27 @@ TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
   EXPECT_EQ(mix.size(), voice.size());
   const std::span<const double> middle(mix.data() + 88200, 22050);
   EXPECT_NEAR(AmplitudeAt(middle, 1000, 44100), 3000 / 32768.0, 0.002);
+  const std::span<const double> sung(mix.data() + 33075, first.size());
+  const double alone = AmplitudeAt(ToDoubles(first), 220, 44100);
+  EXPECT_GT(alone, 0.01);
+  EXPECT_NEAR(AmplitudeAt(sung, 220, 44100), alone, 0.1 * alone);
 }
 
 TEST_F(KaraokeRecorder, PlaysTheGuideWhereThereIsNoAccompaniment) {
   WriteWave("guide.wav", Tone(1000, 3000, 44100, 44100));
   EXPECT_TRUE(OpenInput("guide.wav", "missing.wav"));
   EXPECT_FALSE(OpenInput("missing.wav", ""));
+  m_recorder->Destroy();
+}
+
+TEST_F(KaraokeRecorder, PlaysTheAccompanimentAndNotTheGuideWhereItHasBoth) {
+  WriteWave("guide.wav", std::vector<short>(44100 * 10, 500));
+  WriteWave("music.wav", std::vector<short>(44100 * 10, 900));
+  ASSERT_TRUE(OpenInput("guide.wav", "music.wav"));
+  ASSERT_TRUE(OpenOutput("voice.wav", ""));
+  const Played played;
+  ASSERT_TRUE(m_recorder->Start());
+  EXPECT_TRUE(WaitUntil([&] { return played.Last() == 900; }));
   m_recorder->Destroy();
 }
 

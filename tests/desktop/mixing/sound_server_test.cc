@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <mutex>
@@ -9,11 +10,18 @@
 #include <string>
 
 #include "desktop/mixing/adts_reader.h"
+#include "desktop/mixing/file_player.h"
 #include "desktop/mixing/file_source.h"
+#include "desktop/mixing/microphone.h"
 #include "desktop/platform/audio_device.h"
 #include "engine_api/mixing/audio_engine.h"
+#include "engine_api/mixing/karaoke_recorder.h"
 #include "support/captured_stderr.h"
+#include "support/file_bytes.h"
+#include "support/signals.h"
 #include "support/temporary_directory.h"
+#include "support/tone.h"
+#include "support/wav_bytes.h"
 #include "wait.h"
 
 namespace {
@@ -120,6 +128,82 @@ TEST_F(SoundServerTest, GivesBackWhatIsPlayedWithoutGapsOrRepeats) {
     EXPECT_NEAR(std::arg(tone / first) * 180 / std::numbers::pi, 0, 8) << at;
   }
   EXPECT_GT(windows, 70U);
+}
+
+std::vector<short> ReadSound(const char* name) {
+  std::unique_ptr<desktop::FileSource> source;
+  if (desktop::FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return {};
+  std::vector<short> samples(source->Frames() * source->Channels());
+  source->Read(samples.data(), source->Frames());
+  return samples;
+}
+
+// Keeps the microphone path.
+class Path : public desktop::CaptureListener {
+ public:
+  void OnCaptured(const desktop::CapturedBlock& block) override {
+    samples.insert(samples.end(), block.samples, block.samples + block.frames);
+  }
+  std::vector<short> samples;
+};
+
+// The microphone hears both players; what is fed back stands in its place.
+TEST_F(SoundServerTest, HearsNothingOfAMicrophoneThatIsReplaced) {
+  WriteFile("heard.wav", WavBytes({.rate = 48000}, Tone(1000, 8000, kRate, kRate * 4)));
+  WriteFile("fed.wav", WavBytes({.rate = 48000}, Tone(500, 8000, kRate, kRate * 4)));
+  desktop::FilePlayer heard;
+  desktop::FilePlayer fed;
+  fed.SetFeedBack(AudioSourceTypeOuterPCM);
+  Path path;
+  desktop::Microphone microphone({kRate, 1});
+  microphone.Add(&path);
+  ASSERT_TRUE(microphone.Start());
+  ASSERT_EQ(heard.Open("heard.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(fed.Open("fed.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_TRUE(heard.Play());
+  ASSERT_TRUE(fed.Play());
+  std::this_thread::sleep_for(milliseconds(1200));
+  microphone.Stop();
+  microphone.Remove(&path);
+  ASSERT_GT(path.samples.size(), 48000U);
+  const std::vector<double> late =
+      ToDoubles(std::vector<short>(path.samples.end() - 24000, path.samples.end()));
+  EXPECT_NEAR(AmplitudeAt(late, 500, kRate), 8000 / 32768.0, 0.01);
+  EXPECT_LT(AmplitudeAt(late, 1000, kRate), 0.001);
+}
+
+// Where the first sample beyond half the level of a burst is, s.
+double Onset(const std::vector<int>& samples) {
+  const auto loud = [](int sample) { return std::abs(sample) > 3000; };
+  return static_cast<double>(std::find_if(samples.begin(), samples.end(), loud) - samples.begin()) /
+         44100;
+}
+
+// The microphone hears the accompaniment as a singer does: in the mix both are at the same time,
+// however long the way through the server is.
+TEST_F(SoundServerTest, MixesTheVoiceWithWhatTheSingerHeard) {
+  std::vector<short> music = Tone(1000, 6000, 44100, 44100 * 3);
+  std::fill_n(music.begin(), 44100, short{0});
+  WriteFile("music.wav", WavBytes({.rate = 44100}, music));
+  char none[] = "";
+  char song[] = "music.wav";
+  char voice[] = "voice.wav";
+  char mixed[] = "mix.wav";
+  IKaraokeRecorder* recorder = IKaraokeRecorder::Create();
+  ASSERT_TRUE(recorder->OpenInputFile(none, song));
+  ASSERT_TRUE(recorder->OpenOutputFile(voice, mixed));
+  ASSERT_TRUE(recorder->Start());
+  std::this_thread::sleep_for(milliseconds(1700));
+  recorder->Destroy();
+
+  const std::vector<short> heard = ReadSound(voice);
+  const std::vector<short> mix = ReadSound(mixed);
+  ASSERT_EQ(mix.size(), 2 * heard.size());
+  std::vector<int> sung(heard.begin(), heard.end());
+  std::vector<int> played(heard.size());
+  for (size_t i = 0; i < heard.size(); ++i) played[i] = mix[2 * i] - heard[i];
+  ASSERT_LT(Onset(sung), 1.6);
+  EXPECT_NEAR(Onset(sung), Onset(played), 0.03);
 }
 
 TEST_F(SoundServerTest, GoesOnWithoutAServerThatDied) {
