@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "support/tone.h"
 
@@ -79,6 +80,19 @@ TEST(Resampler, ChangesOddRatesAsWell) {
       const ToneFit fit = FitTone(out, part * half, target);
       EXPECT_NEAR(fit.amplitude, 30000, 15) << source << " to " << target << " " << part;
       EXPECT_LT(fit.residualDb, -86) << source << " to " << target << " " << part;
+    }
+  }
+}
+
+// From the half of the target rate on: 92 dB down, which leaves the last bit.
+TEST(Resampler, LeavesNothingOfWhatTheTargetCannotHold) {
+  for (const int target : {8000, 16000, 44100}) {
+    for (const double part : {1.001, 1.02, 1.08}) {
+      const Samples out = InPieces(Tone(part * target / 2, 30000, 48000, 48000), 48000,
+                                   static_cast<uint32_t>(target), 480);
+      const size_t start = out.size() / 2;
+      for (size_t i = start; i < out.size(); ++i)
+        ASSERT_LE(std::abs(out[i]), 1) << target << " " << part;
     }
   }
 }
