@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <random>
 #include <string>
 #include <vector>
@@ -36,6 +37,63 @@ TEST(ForeignAudio, KnowsStreamsByTwoFrames) {
   EXPECT_EQ(Kind(Frames("\xFF\xFD\x84\x04", 384)), "an MP3 file") << "layer II, 128 kbit/s, 48 kHz";
   const std::string adts = "\xFF\xF1\x50\x80\x2E\x7F\xFC"s;  // 371 bytes, 44.1 kHz stereo.
   EXPECT_EQ(Kind(Frames(adts, 371)), "an AAC file");
+}
+
+// kbit/s by ISO/IEC 11172-3 and 13818-3: MPEG-1 layers I, II and III, the others' layers I, and II
+// and III.
+constexpr size_t kRates[5][14] = {
+    {32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448},
+    {32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384},
+    {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320},
+    {32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256},
+    {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160}};
+
+std::string MpegHeader(unsigned version, unsigned layer, unsigned rate, unsigned frequency,
+                       unsigned padding) {
+  return {'\xFF', static_cast<char>(0xE1 | version << 3 | (4 - layer) << 1),
+          static_cast<char>(rate << 4 | frequency << 2 | padding << 1), '\x64'};
+}
+
+TEST(ForeignAudio, KnowsTheFramesOfEveryMpegFormat) {
+  for (int format = 0; format < 3 * 3 * 14 * 3 * 2; ++format) {
+    const unsigned version = std::vector<unsigned>{3, 2, 0}[static_cast<size_t>(format % 3)];
+    const auto layer = static_cast<unsigned>(1 + format / 3 % 3);
+    const auto rateIndex = static_cast<unsigned>(1 + format / 9 % 14);
+    const auto frequencyIndex = static_cast<unsigned>(format / 126 % 3);
+    const auto padding = static_cast<unsigned>(format / 378);
+    const bool first = version == 3;
+    const size_t rate = kRates[first ? layer - 1 : layer == 1 ? 3 : 4][rateIndex - 1] * 1000;
+    const size_t frequency =
+        std::vector<size_t>{44100, 48000, 32000}[frequencyIndex] / (first          ? 1
+                                                                    : version == 2 ? 2
+                                                                                   : 4);
+    const size_t samples = layer == 1 ? 384 : layer == 2 || first ? 1152 : 576;
+    const size_t bytes = layer == 1 ? 4 * (samples / 32 * rate / frequency + padding)
+                                    : samples / 8 * rate / frequency + padding;
+    const std::string header = MpegHeader(version, layer, rateIndex, frequencyIndex, padding);
+    EXPECT_EQ(Kind(Frames(header, bytes)), "an MP3 file") << format;
+    EXPECT_EQ(Kind(Frames(header, bytes + 1)), "") << format;
+  }
+}
+
+TEST(ForeignAudio, KnowsWhatMayChangeFromFrameToFrame) {
+  std::string frames = Frames("\xFF\xFB\x90\x64", 417);
+  frames[417 + 2] |= 1;  // The private bit.
+  frames[417 + 3] = '\x44';
+  EXPECT_EQ(Kind(frames), "an MP3 file");
+  std::string adts = Frames("\xFF\xF1\x50\x82\x0E\x7F\xFC"s, 4096 + 115);
+  EXPECT_EQ(Kind(adts), "an AAC file") << "4211 bytes";
+  adts[4211 + 1] = '\xF0';
+  EXPECT_EQ(Kind(adts), "") << "one with a checksum and one without";
+}
+
+TEST(ForeignAudio, LooksAtTheHeadOfAFileThatIsLonger) {
+  FILE* const file = tmpfile();
+  const std::string bytes = Frames("\xFF\xFB\x90\x64", 417) + std::string(50000, 'x');
+  fwrite(bytes.data(), 1, bytes.size(), file);
+  EXPECT_EQ(ForeignAudio(file), "an MP3 file");
+  EXPECT_EQ(ftell(file), 0);
+  fclose(file);
 }
 
 TEST(ForeignAudio, LeavesSamplesAlone) {

@@ -53,8 +53,21 @@ TEST(RealTimeFactor, ComparesWithTheLongestInput) {
   report.inputs.push_back(report.inputs[0]);
   report.inputs[1].audio->bytes *= 2;
   EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.125);
+  report.inputs[0].audio.reset();
+  EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.125);
+  report.inputs[1].audio.reset();
+  EXPECT_EQ(RealTimeFactor(report), std::nullopt) << "no audio";
   report.inputs.clear();
   EXPECT_EQ(RealTimeFactor(report), std::nullopt);
+}
+
+TEST(RealTimeFactor, ComparesWithAllOfAListButWhatIsReadBesideIt) {
+  RunReport report = Example();
+  report.inputs.resize(3, report.inputs[0]);
+  report.inputs[2].place.use.pattern = "in<n>.pcm";
+  EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.5 / 6);
+  report.inputs[0].place.use.beside = true;
+  EXPECT_DOUBLE_EQ(*RealTimeFactor(report), 0.5 / 4);
 }
 
 TEST(TextReport, TellsTheVerdictThenTheFiles) {
