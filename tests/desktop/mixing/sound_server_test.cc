@@ -189,6 +189,12 @@ TEST_F(SoundServerTest, MixesTheVoiceWithWhatTheSingerHeard) {
   char song[] = "music.wav";
   char voice[] = "voice.wav";
   char mixed[] = "mix.wav";
+  // The loudspeaker runs already: what it is given from now on is heard a tenth of a second later.
+  WriteFile("silence.wav", WavBytes({.rate = 48000}, std::vector<short>(kRate * 4)));
+  desktop::FilePlayer silence;
+  ASSERT_EQ(silence.Open("silence.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_TRUE(silence.Play());
+  std::this_thread::sleep_for(milliseconds(300));
   IKaraokeRecorder* recorder = IKaraokeRecorder::Create();
   ASSERT_TRUE(recorder->OpenInputFile(none, song));
   ASSERT_TRUE(recorder->OpenOutputFile(voice, mixed));
