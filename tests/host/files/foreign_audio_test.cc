@@ -83,6 +83,11 @@ TEST(ForeignAudio, KnowsWhatMayChangeFromFrameToFrame) {
   EXPECT_EQ(Kind(frames), "an MP3 file");
   std::string adts = Frames("\xFF\xF1\x50\x82\x0E\x7F\xFC"s, 4096 + 115);
   EXPECT_EQ(Kind(adts), "an AAC file") << "4211 bytes";
+  for (const auto& [rate, kind] : {std::pair('\x70', "an AAC file"), std::pair('\x74', "")}) {
+    std::string other = adts;
+    other[2] = other[4211 + 2] = rate;
+    EXPECT_EQ(Kind(other), kind) << "13 and more are no rates";
+  }
   adts[4211 + 1] = '\xF0';
   EXPECT_EQ(Kind(adts), "") << "one with a checksum and one without";
 }

@@ -98,6 +98,12 @@ TEST(TextReport, TellsAFewMoreProblems) {
             "error  TestIt  no near end, and 2 more problems\n"
             "  also    no far end\n"
             "  also    short\n");
+  report.judgement = Judge(std::vector<Problem>(5, {Cause::kMissingInput, "missing"}));
+  EXPECT_EQ(TextReport(report),
+            "error  TestIt  missing, and 4 more problems\n"
+            "  also    missing\n  also    missing\n  also    missing\n  also    missing\n");
+  report.judgement = Judge(std::vector<Problem>(6, {Cause::kMissingInput, "missing"}));
+  EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 5 more problems\n");
   report.judgement = Judge(std::vector<Problem>(100, {Cause::kMissingInput, "missing"}));
   EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 99 more problems\n");
 }
