@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <string>
 
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
@@ -18,6 +19,13 @@ namespace fs = std::filesystem;
 class FileStateTest : public testing::Test {
  protected:
   FileStateTest() { WriteFile("file", "bytes"); }
+
+  // Writes into the file that is there; WriteFile makes a new one.
+  static void Overwrite(const char* path, const std::string& bytes) {
+    const int file = open(path, O_WRONLY | O_TRUNC);
+    EXPECT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    close(file);
+  }
 
   // Dates a file as it was in `state`.
   static void DateBack(const FileState& state, const char* path) {
@@ -40,11 +48,11 @@ TEST_F(FileStateTest, IsTheSameUntilSomethingHappens) {
 TEST_F(FileStateTest, TellsAnotherSizeAnotherDateAndAnotherFile) {
   const FileState before("file");
   before.WaitForClockTick();
-  WriteFile("file", "more bytes");
+  Overwrite("file", "more bytes");
   DateBack(before, "file");
   EXPECT_FALSE(before.SameContent(FileState("file"))) << "of the same date";
 
-  WriteFile("file", "bytes");
+  Overwrite("file", "bytes");
   DateBack(before, "file");
   EXPECT_TRUE(before.SameContent(FileState("file")));
   EXPECT_FALSE(before.Untouched(FileState("file"))) << "but written";
