@@ -186,10 +186,11 @@ TEST_F(FileSourceTest, SaysWhyAFileCannotBePlayed) {
   EXPECT_EQ(Refused("unknown.wav"), PLAYER_CREATE_FILE_DECODER_FAILED);
 }
 
+#if !AUDIO_ENGINE_HAS_AAC
 TEST_F(FileSourceTest, HasNoDecoderForAacWithoutTheLibrary) {
-  if (kHasAac) GTEST_SKIP() << "libfdk-aac is there";
   WriteFile("a.aac", std::string("\xff\xf1\x50\x80\x01\x1f\xfc", 7) + "x");
   EXPECT_EQ(Refused("a.aac"), PLAYER_CREATE_FILE_DECODER_FAILED);
 }
+#endif
 
 }  // namespace
