@@ -11,6 +11,8 @@ const char* VerdictName(Verdict verdict) {
   switch (verdict) {
     case Verdict::kPass:
       return "pass";
+    case Verdict::kWarn:
+      return "warn";
     case Verdict::kFail:
       return "fail";
     case Verdict::kError:
@@ -31,6 +33,8 @@ struct CauseFacts {
 };
 
 constexpr CauseFacts kCauses[] = {
+    {Cause::kInputAsItIs, "input_as_it_is", Verdict::kWarn, exit_code::kPass},
+    {Cause::kInputNotWhole, "input_not_whole", Verdict::kWarn, exit_code::kPass},
     {Cause::kNotDelivered, "not_delivered", Verdict::kError, exit_code::kUsage},
     {Cause::kNotRunnable, "not_runnable", Verdict::kSkip, exit_code::kSkip},
     {Cause::kLogIncomplete, "log_incomplete", Verdict::kError, exit_code::kUsage},
@@ -63,6 +67,8 @@ const CauseFacts& Facts(Cause cause) { return kCauses[static_cast<size_t>(cause)
 }  // namespace
 
 const char* CauseName(Cause cause) { return Facts(cause).name; }
+
+bool IsWarning(Cause cause) { return Facts(cause).verdict == Verdict::kWarn; }
 
 const Problem* Judgement::Worst() const {
   const auto worst =

@@ -7,13 +7,15 @@
 namespace host {
 
 // What comes of a run.
-enum class Verdict { kPass, kFail, kError, kSkip };
+enum class Verdict { kPass, kWarn, kFail, kError, kSkip };
 
-const char* VerdictName(Verdict verdict);  // "pass", "fail", "error", "skip"
+const char* VerdictName(Verdict verdict);  // "pass", "warn", "fail", "error", "skip"
 
-// What kind of problem keeps a run from passing. The worse of two decides about the verdict; they
-// are listed from bad to worse.
+// What kind of problem keeps a run from plainly passing. The worse of two decides about the
+// verdict; they are listed from bad to worse.
 enum class Cause {
+  kInputAsItIs,  // From here on warn, exit code 0.
+  kInputNotWhole,
   kNotDelivered,   // Error, exit code 2.
   kNotRunnable,    // Skipped.
   kLogIncomplete,  // Error, exit code 2.
@@ -44,6 +46,9 @@ enum class Cause {
 // The cause as a word for programs: "missing_input".
 const char* CauseName(Cause cause);
 
+// Whether a run with nothing worse than this is a `warn`.
+bool IsWarning(Cause cause);
+
 // One thing that keeps a run from passing.
 struct Problem {
   Cause cause;
@@ -51,7 +56,7 @@ struct Problem {
   int signal = 0;    // Which ended the routine (kCrash) or the run (kInterrupted); 0 for none.
 };
 
-// A verdict, its exit code, and why it is no pass.
+// A verdict, its exit code, and why it is no plain pass.
 struct Judgement {
   Verdict verdict = Verdict::kPass;
   int exitCode = 0;

@@ -29,6 +29,7 @@
 #include "report/report.h"
 #include "report/result_file.h"
 #include "run/examine.h"
+#include "run/input_problem.h"
 #include "run/judge.h"
 #include "run/shared_files.h"
 

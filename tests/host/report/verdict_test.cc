@@ -17,7 +17,9 @@ struct Expected {
 };
 
 // From the least to the worst.
-const Expected kExpected[] = {{Cause::kNotDelivered, "not_delivered", "error", 2},
+const Expected kExpected[] = {{Cause::kInputAsItIs, "input_as_it_is", "warn", 0},
+                              {Cause::kInputNotWhole, "input_not_whole", "warn", 0},
+                              {Cause::kNotDelivered, "not_delivered", "error", 2},
                               {Cause::kNotRunnable, "not_runnable", "skip", 77},
                               {Cause::kLogIncomplete, "log_incomplete", "error", 2},
                               {Cause::kCopyFailed, "copy_failed", "fail", 1},

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <set>
 
+#include "run/input_problem.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/wav_bytes.h"
