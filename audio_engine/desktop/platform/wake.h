@@ -24,14 +24,14 @@ class Wake {
     }
   }
 
-  // Waits for one Post, but no longer than `limit`.
+  // Waits for one Post, but no longer than `limit`, whatever becomes of the time of day.
   void WaitFor(std::chrono::milliseconds limit) {
     timespec until;
-    clock_gettime(CLOCK_REALTIME, &until);
+    clock_gettime(CLOCK_MONOTONIC, &until);
     const auto nanoseconds = until.tv_nsec + limit.count() % 1000 * 1'000'000;
     until.tv_sec += limit.count() / 1000 + nanoseconds / 1'000'000'000;
     until.tv_nsec = nanoseconds % 1'000'000'000;
-    while (sem_timedwait(&m_semaphore, &until) != 0 && errno == EINTR) {
+    while (sem_clockwait(&m_semaphore, CLOCK_MONOTONIC, &until) != 0 && errno == EINTR) {
     }
   }
 
