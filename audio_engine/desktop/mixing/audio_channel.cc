@@ -73,8 +73,10 @@ class PlayedStream final : public desktop::PlaySource {
   ~PlayedStream() override {
     PlayedStream::Stop();
     const desktop::FramePlayer::Counts counts = m_player.GetCounts();
-    OutputDebugInfo("player: stream %u, %u frames, %u concealed, %u refused, %u underruns",
-                    m_stream, counts.played, counts.concealed, counts.refused, counts.underruns);
+    OutputDebugInfo(
+        "player: stream %u, %u frames, %u concealed, %u refused, %u dropped, %u underruns",
+        m_stream, counts.played, counts.concealed, counts.refused, counts.dropped,
+        counts.underruns);
   }
   PlayedStream(const PlayedStream&) = delete;
   PlayedStream& operator=(const PlayedStream&) = delete;

@@ -53,9 +53,10 @@ bool FramePlayer::Pull(uint32_t deviceMs) {
   if (!m_notify->OnPullAudioFrame(m_stream, m_frame, m_first, feedback)) return false;
   ++m_pulled;
   m_delaysMs += delayMs;
+  const uint64_t before = m_queued;
   TakeFrame();
   m_first = false;
-  return true;
+  return m_queued > before;
 }
 
 void FramePlayer::TakeFrame() {
@@ -119,7 +120,12 @@ void FramePlayer::Queue(const short* samples, bool madeUp) {
   m_volume = VolumeOf(samples, frames * static_cast<size_t>(m_decoder->Channels()));
   const uint32_t converted =
       m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
-  m_queue.Write(m_converted.data(), size_t{converted} * m_channels);
+  const size_t count = size_t{converted} * m_channels;
+  if (m_queue.Write(m_converted.data(), count)) {
+    m_queued += count;
+  } else {
+    ++m_counts.dropped;
+  }
 }
 
 void FramePlayer::Report() {

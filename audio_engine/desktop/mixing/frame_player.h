@@ -19,8 +19,9 @@ class FramePlayer {
   // stream: as it is handed to the notify. rate (Hz) and channels of what is rendered.
   FramePlayer(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t rate, uint32_t channels);
 
-  // Pulls frames while less than kTargetMs wait, at most until the notify has none. To be called
-  // every 10 ms. deviceMs: how long a rendered sample takes to the loudspeaker.
+  // Pulls frames while less than kTargetMs wait, at most until the notify has none or gives one
+  // without sound. To be called every 10 ms. deviceMs: how long a rendered sample takes to the
+  // loudspeaker.
   void Work(uint32_t deviceMs);
 
   // Takes the next samples, interleaved; silence where there are none.
@@ -31,6 +32,7 @@ class FramePlayer {
     uint32_t played;
     uint32_t concealed;  // Lost, damaged, or not there in time.
     uint32_t refused;    // Of a codec that is not here.
+    uint32_t dropped;    // More in one pull than there is room for.
     uint32_t underruns;  // Rendered blocks that found too little, while frames came.
     uint32_t delayMs;    // From the pull of a frame until it is heard, the mean.
   };
@@ -43,6 +45,7 @@ class FramePlayer {
   // had nothing for so long that all was played. Starving: what is played was made up for that.
   enum class State { kFilling, kPlaying, kStarving };
 
+  // Whether there is more to be heard than before.
   bool Pull(uint32_t deviceMs);
   void TakeFrame();
   bool SetCodec(uint8_t codecType);
@@ -69,6 +72,7 @@ class FramePlayer {
   std::vector<short> m_converted;
   BlockRing m_queue;
   uint32_t m_volume = 0;  // Of the frame that was queued last.
+  uint64_t m_queued = 0;  // Samples so far.
   uint32_t m_pulled = 0;  // Frames,
   double m_delaysMs = 0;  // and the sum of their delays.
   std::atomic<State> m_state = State::kFilling;

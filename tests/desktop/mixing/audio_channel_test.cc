@@ -84,7 +84,8 @@ TEST_F(AudioChannel, PacksWhatIsHeardAndPlaysItBack) {
   EXPECT_NEAR(CentsOff(sung, 220, 48000), 0, 3);
   EXPECT_GT(FindLag(SungNote(220, 48000, 0.3), sung, 300).agreement, 0.9);
   EXPECT_THAT(log, ContainsRegex("packer: .* frames, 0 left out, 0 too long, 0 samples dropped"));
-  EXPECT_THAT(log, ContainsRegex("player: stream 0, .* 0 concealed, 0 refused, 0 underruns"));
+  EXPECT_THAT(log,
+              ContainsRegex("player: stream 0, .* 0 concealed, 0 refused, 0 dropped, 0 underruns"));
   // A frame of 20 ms; then what waits in the player.
   EXPECT_THAT(log,
               ContainsRegex("channel: loop delay [0-9]+ ms: 20 to a packed frame, [4-9][0-9] "));

@@ -122,6 +122,33 @@ TEST(FramePlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
   EXPECT_EQ(nothing.pulls, 10);
 }
 
+// A frame without sound is no reason to ask for the next one at once: there is no end to them.
+TEST(FramePlayer, PullsOncePer10MsWhileFramesHoldNoSound) {
+  const CapturedStderr log;
+  FedFrames empty(50, std::vector<KeptFrames::Frame>(1000, {{0xfc}, vadResultIsUnknown, 0}));
+  empty.emptyTo = 1000;
+  Play(empty, 100, 16000);
+  EXPECT_EQ(empty.pulls, 10);
+
+  FedFrames unknown(9, std::vector<KeptFrames::Frame>(1000, {{0xfc}, vadResultIsUnknown, 0}));
+  Play(unknown, 100, 16000);
+  EXPECT_EQ(unknown.pulls, 10);
+}
+
+// What came without sound is ridden over as what did not come, and then the sound goes on.
+TEST(FramePlayer, GoesOnAfterFramesWithoutSound) {
+  const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
+  FedFrames fed(50, kept.frames);
+  FedFrames late(50, kept.frames);
+  late.frames.insert(late.frames.begin() + 40, 3, {});
+  late.lost.resize(late.frames.size());
+  fed.frames.insert(fed.frames.begin() + 40, 3, {0xfc});
+  fed.lost.resize(fed.frames.size());
+  fed.emptyFrom = 40;
+  fed.emptyTo = 43;
+  EXPECT_EQ(Play(fed, 1500, 16000), Play(late, 1500, 16000));
+}
+
 TEST(FramePlayer, TellsItsOwnerHowItIsDoing) {
   FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
   fed.lost[20] = true;

@@ -26,10 +26,11 @@ bool FedFrames::OnPullAudioFrame(uint32_t, AudioFrameData& frame, bool isFirst,
     ++frame.frameIndex;
   }
   if (next >= frames.size()) return false;
+  const bool isEmpty = next >= emptyFrom && next < emptyTo;
   const std::vector<uint8_t>& bytes = frames[next++];
   if (bytes.empty()) return false;
   std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof frame.frameData), frame.frameData);
-  frame.frameLength = static_cast<uint16_t>(bytes.size());
+  frame.frameLength = isEmpty ? uint16_t{0} : static_cast<uint16_t>(bytes.size());
   frame.codecType = static_cast<uint8_t>(rawId);
   frame.timestamp = static_cast<uint32_t>(next);
   ++frame.frameIndex;

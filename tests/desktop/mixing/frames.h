@@ -45,6 +45,8 @@ class FedFrames : public IAudioFramePlayerNotify {
   std::vector<std::vector<uint8_t>> frames;
   std::vector<bool> lost;
   size_t next = 0;
+  size_t emptyFrom = 0;  // From this frame on
+  size_t emptyTo = 0;    // to this one their length is told as 0.
   std::atomic<int> pulls = 0;
   int firstPulls = 0;
   std::vector<uint32_t> volumes;

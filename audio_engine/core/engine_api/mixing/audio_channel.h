@@ -33,8 +33,8 @@ class ENGINE_API IAudioChannel {
 
   // Plays the stream `stream` on the loudspeaker, which brings it to its own format; sampleRate
   // (Hz) and channels say what the owner counts on and must be a format of a device. `notify` is
-  // asked for a frame while less than 80 ms wait; after a false, once per 10 ms. False for another
-  // format.
+  // asked for a frame while less than 80 ms wait; after a false, and after a frame in which nothing
+  // is to be heard (of no known codec, of no bytes), once per 10 ms. False for another format.
   virtual bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
                          uint32_t channels) = 0;
 
