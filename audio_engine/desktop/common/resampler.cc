@@ -57,6 +57,11 @@ Resampler::Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targ
   }
 }
 
+uint32_t Resampler::PieceFrames(uint32_t sourceRate, uint32_t targetRate) {
+  const uint64_t frames = uint64_t{4096} * sourceRate / std::max(targetRate, 1U);
+  return static_cast<uint32_t>(std::clamp<uint64_t>(frames, 1, 1024));
+}
+
 uint32_t Resampler::MostFramesFor(uint32_t frames) const {
   return static_cast<uint32_t>(MostFrames(frames, m_sourceRate, m_targetRate));
 }

@@ -26,6 +26,10 @@ class Resampler {
   // then gives nothing.
   bool IsOpen() const { return m_open; }
 
+  // How many frames of a source to convert at once where pieces are as well: at most 1024, and
+  // fewer at low rates, so that no more than 4096 frames of the target come out, or a second of it.
+  static uint32_t PieceFrames(uint32_t sourceRate, uint32_t targetRate);
+
   // The most frames that one call can give for `frames` frames.
   uint32_t MostFramesFor(uint32_t frames) const;
 

@@ -6,8 +6,6 @@ namespace desktop {
 
 namespace {
 
-constexpr uint32_t kPieceFrames = 1024;
-
 // The length of `frames` frames at another rate, rounded.
 uint64_t AtRate(uint64_t frames, uint32_t rate, uint32_t newRate) {
   return (frames * newRate + rate / 2) / rate;
@@ -24,11 +22,12 @@ std::unique_ptr<ConvertedSource> ConvertedSource::Create(std::unique_ptr<FileSou
 ConvertedSource::ConvertedSource(std::unique_ptr<FileSource> source, DeviceFormat format)
     : m_source(std::move(source)),
       m_format(format),
+      m_pieceFrames(Resampler::PieceFrames(m_source->Rate(), format.rate)),
       m_resampler(m_source->Rate(), m_source->Channels(), format.rate, format.channels,
-                  kPieceFrames),
-      m_piece(size_t{kPieceFrames} * m_source->Channels()),
+                  m_pieceFrames),
+      m_piece(size_t{m_pieceFrames} * m_source->Channels()),
       m_converted(m_resampler.IsOpen()
-                      ? size_t{m_resampler.MostFramesFor(kPieceFrames)} * format.channels
+                      ? size_t{m_resampler.MostFramesFor(m_pieceFrames)} * format.channels
                       : 0),
       m_toDrop(m_resampler.IsOpen() ? m_resampler.LagFrames() : 0) {}
 
@@ -52,14 +51,14 @@ size_t ConvertedSource::Read(short* samples, size_t frames) {
 bool ConvertedSource::Refill() {
   m_at = m_end = 0;
   while (m_end == 0) {
-    size_t got = m_ended ? 0 : m_source->Read(m_piece.data(), kPieceFrames);
+    size_t got = m_ended ? 0 : m_source->Read(m_piece.data(), m_pieceFrames);
     m_sourceRead += got;
-    m_ended = m_ended || got < kPieceFrames;
+    m_ended = m_ended || got < m_pieceFrames;
     const uint64_t whole = AtRate(m_sourceRead, m_source->Rate(), m_format.rate);
     if (m_ended && m_made >= whole) return false;
     if (got == 0) {  // Silence moves the last samples out of the resampler.
       std::fill(m_piece.begin(), m_piece.end(), short{0});
-      got = kPieceFrames;
+      got = m_pieceFrames;
     }
     size_t made =
         m_resampler.Convert(m_piece.data(), static_cast<uint32_t>(got), m_converted.data());

@@ -11,6 +11,13 @@ namespace desktop {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+namespace {
+
+// Hz. What has a lower rate holds nothing that anybody could hear.
+constexpr uint32_t kLowestRate = 100;
+
+}  // namespace
+
 FilePlayer::FilePlayer() : m_ring(kAhead) {}
 
 FilePlayer::~FilePlayer() { Stop(); }
@@ -20,18 +27,23 @@ FilePlayerOpenStatus FilePlayer::Open(const char* file) {
   m_resampler = nullptr;
   const FilePlayerOpenStatus status = FileSource::Open(file, &m_source);
   if (status != PLAYER_OPEN_SUCCESS) return status;
-  try {
-    m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
-                                              kFormat.channels, kPieceFrames);
-    m_piece.resize(size_t{kPieceFrames} * m_source->Channels());
-    m_converted.resize(size_t{m_resampler->MostFramesFor(kPieceFrames)} * kFormat.channels);
-  } catch (const std::exception&) {
-    m_resampler = nullptr;
-  }
-  if (m_resampler != nullptr && m_resampler->IsOpen()) return status;
+  if (m_source->Rate() >= kLowestRate && MakeResampler()) return status;
+  m_resampler = nullptr;
   m_source = nullptr;
   OutputDebugInfo("%s: its rate cannot be played", file);
   return PLAYER_CREATE_FILE_DECODER_FAILED;
+}
+
+bool FilePlayer::MakeResampler() try {
+  m_pieceFrames = Resampler::PieceFrames(m_source->Rate(), kFormat.rate);
+  m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
+                                            kFormat.channels, m_pieceFrames);
+  if (!m_resampler->IsOpen()) return false;
+  m_piece.resize(size_t{m_pieceFrames} * m_source->Channels());
+  m_converted.resize(size_t{m_resampler->MostFramesFor(m_pieceFrames)} * kFormat.channels);
+  return true;
+} catch (const std::exception&) {  // Memory is short.
+  return false;
 }
 
 bool FilePlayer::Play() {
@@ -39,6 +51,7 @@ bool FilePlayer::Play() {
   m_paused = false;
   if (m_plays) return true;
   Stop();
+  m_underruns = 0;
   try {
     m_plays = true;
     m_thread = std::thread(&FilePlayer::Run, this);
@@ -91,7 +104,7 @@ void FilePlayer::ReadAhead() {
     OutputDebugInfo("player: cannot go back to the start of the file");
     return;
   }
-  while (const size_t frames = m_source->Read(m_piece.data(), kPieceFrames)) {
+  while (const size_t frames = m_source->Read(m_piece.data(), m_pieceFrames)) {
     if (!Convert(m_piece.data(), frames)) return;
   }
   if (m_source->Failed()) {
@@ -101,7 +114,11 @@ void FilePlayer::ReadAhead() {
   // What the resampler still holds.
   const uint64_t lag = uint64_t{m_resampler->LagFrames()} * m_source->Rate() / kFormat.rate;
   std::fill(m_piece.begin(), m_piece.end(), short{0});
-  if (lag > 0) Convert(m_piece.data(), std::min<size_t>(lag + 1, kPieceFrames));
+  for (uint64_t left = lag > 0 ? lag + 1 : 0; left > 0;) {
+    const uint64_t part = std::min<uint64_t>(left, m_pieceFrames);
+    if (!Convert(m_piece.data(), part)) return;
+    left -= part;
+  }
 }
 
 // False when the player is to stop.
@@ -109,7 +126,15 @@ bool FilePlayer::Convert(const short* samples, size_t frames) {
   const uint32_t got =
       m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
   const size_t count = size_t{got} * kFormat.channels;
-  while (!m_ring.Write(m_converted.data(), count)) {
+  for (size_t at = 0; at < count; at += kAhead / 4) {
+    if (!Queue(&m_converted[at], std::min(count - at, kAhead / 4))) return false;
+  }
+  return !m_stop;
+}
+
+// Waits for room. False when the player is to stop.
+bool FilePlayer::Queue(const short* samples, size_t count) {
+  while (!m_ring.Write(samples, count)) {
     if (m_stop) return false;
     Loudspeaker::Shared().Add(this);
     m_wake.WaitFor(milliseconds(1000));

@@ -49,7 +49,7 @@ class FilePlayer : public PlaySource {
   // Whether the latest play could not go on to the end of the file. Any thread.
   bool Failed() const { return m_failed; }
 
-  // How often the reading came too late. Any thread.
+  // How often the reading came too late since the latest Play. Any thread.
   uint64_t Underruns() const { return m_underruns; }
 
   void FillBlock(short* samples, size_t frames) override;
@@ -58,15 +58,17 @@ class FilePlayer : public PlaySource {
  private:
   static constexpr DeviceFormat kFormat = Loudspeaker::kFormat;
   static constexpr size_t kAhead = kFormat.rate * kFormat.channels / 2;  // Samples.
-  static constexpr uint32_t kPieceFrames = 1024;
 
+  bool MakeResampler();  // For the file that is open. False when there is none to be had.
   void Run();
   void ReadAhead();
   bool Convert(const short* samples, size_t frames);
+  bool Queue(const short* samples, size_t count);
   bool WaitUntilOver();
 
   std::unique_ptr<FileSource> m_source;
   std::unique_ptr<Resampler> m_resampler;
+  uint32_t m_pieceFrames = 0;  // Of the file, converted at once.
   std::vector<short> m_piece;
   std::vector<short> m_converted;
   BlockRing m_ring;

@@ -79,20 +79,21 @@ class PushPcmModule : public IPushPcmModule {
 
   // Adds one stream's samples, in the module's format, to the sums.
   void Add(Converter& converter, const Stream& stream, const char* bytes) {
-    constexpr uint32_t kPiece = 4800;  // Frames
+    const uint32_t pieceFrames = desktop::Resampler::PieceFrames(stream.rate, m_rate);  // Frames
     const bool same = converter.stream.rate == stream.rate &&
                       converter.stream.channels == stream.channels && converter.resampler;
     if (!same) {
       converter.stream = stream;
       converter.resampler = std::make_unique<desktop::Resampler>(stream.rate, stream.channels,
-                                                                 m_rate, m_channels, kPiece);
+                                                                 m_rate, m_channels, pieceFrames);
     }
     if (!converter.resampler->IsOpen()) return;
     size_t at = 0;
-    std::vector<short> piece(size_t{kPiece} * stream.channels);
-    std::vector<short> converted(size_t{converter.resampler->MostFramesFor(kPiece)} * m_channels);
+    std::vector<short> piece(size_t{pieceFrames} * stream.channels);
+    std::vector<short> converted(size_t{converter.resampler->MostFramesFor(pieceFrames)} *
+                                 m_channels);
     for (uint32_t left = stream.bytes / (2 * stream.channels); left > 0;) {
-      const uint32_t frames = std::min(left, kPiece);
+      const uint32_t frames = std::min(left, pieceFrames);
       const size_t pieceBytes = size_t{frames} * stream.channels * sizeof(short);
       memcpy(piece.data(), bytes, pieceBytes);
       const uint32_t got = converter.resampler->Convert(piece.data(), frames, converted.data());

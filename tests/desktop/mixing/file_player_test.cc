@@ -99,6 +99,48 @@ TEST_F(FilePlayerTest, ChangesTheRateWithoutDistortion) {
   }
 }
 
+// Of a low rate one piece of the file is long.
+TEST_F(FilePlayerTest, PlaysLowRatesToTheEnd) {
+  desktop::UseNullDevices(20);
+  for (const int rate : {100, 1000, 2000, 2047, 2048}) {
+    Write("a.wav", Tone(rate / 8.0, 10000, rate, rate), rate, 1);
+    const Played played;
+    FilePlayer player;
+    ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS) << rate;
+    ASSERT_TRUE(player.Play());
+    ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); })) << rate;
+    EXPECT_GE(player.PlayedMs(), 1000U) << rate;
+    std::vector<short> sound = played.Sound();
+    EXPECT_NEAR(*std::max_element(sound.begin(), sound.end()), 10000, 700) << rate;
+  }
+}
+
+TEST_F(FilePlayerTest, RefusesRatesOfWhichNothingCanBeHeard) {
+  for (const int rate : {1, 99}) {
+    Write("a.wav", std::vector<short>(100, 1), rate, 1);
+    FilePlayer player;
+    EXPECT_EQ(player.Open("a.wav"), PLAYER_CREATE_FILE_DECODER_FAILED);
+    EXPECT_FALSE(player.Play());
+  }
+  EXPECT_THAT(m_log.Lines(), ElementsAre(testing::HasSubstr("a.wav: its rate cannot be played"),
+                                         testing::HasSubstr("a.wav: its rate cannot be played")));
+}
+
+TEST_F(FilePlayerTest, CountsTheUnderrunsOfEachPlay) {
+  Write("a.wav", Noise(960));
+  FilePlayer player;
+  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_TRUE(player.Play());
+  ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
+  player.Stop();
+  short block[960];
+  player.FillBlock(block, 480);  // There is nothing, and more to come.
+  EXPECT_EQ(player.Underruns(), 1U);
+  ASSERT_TRUE(player.Play());
+  ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
+  EXPECT_EQ(player.Underruns(), 0U);
+}
+
 TEST_F(FilePlayerTest, GoesOnWhereItPaused) {
   const std::vector<short> noise = Noise(96000);
   Write("a.wav", noise);

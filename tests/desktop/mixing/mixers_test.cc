@@ -233,6 +233,23 @@ TEST(IPushPcmModule, LetsItsOwnFormatPassAndMixesAnother) {
   module->Destroy();
 }
 
+TEST(IPushPcmModule, MixesLowRates) {
+  for (const int rate : {100, 200, 2000}) {
+    IPushPcmModule* const module = IPushPcmModule::CreatePuchPcmModule(48000, 1, 1);
+    unsigned fs[] = {static_cast<unsigned>(rate)};
+    unsigned ch[] = {1};
+    unsigned precision[] = {2};
+    unsigned length[] = {static_cast<unsigned>(4 * rate)};
+    const std::string head = IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 1);
+    std::string out;
+    ASSERT_TRUE(module->Process(head + Bytes(Tone(rate / 8.0, 8000, rate, 2 * rate)), out));
+    const std::vector<short> mixed = Samples(out);
+    ASSERT_EQ(mixed.size(), 96000U);
+    EXPECT_NEAR(*std::max_element(mixed.begin(), mixed.end()), 8000, 500) << rate;
+    module->Destroy();
+  }
+}
+
 TEST(IPushPcmModule, RefusesDataThatAreNoneOrCutShort) {
   IPushPcmModule* const module = IPushPcmModule::CreatePuchPcmModule(16000, 1, 1);
   unsigned fs[] = {16000};
