@@ -1,13 +1,12 @@
 // One codec over a whole file of encoded frames, into a WAVE file. The stream is read up to the
 // first frame that is none; what was decoded until then is written.
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "bench/codec/decode_frames.h"
 #include "bench/codec/routines.h"
-#include "bench/codec/whole_frame.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/common/wav_file_writer.h"
 #include "engine_api/platform/clock.h"
@@ -23,27 +22,6 @@ Bytes ReadAll(const char* name) {
   Bytes bytes(static_cast<size_t>(file.Size()));
   bytes.resize(file.Read(bytes.data(), 1, bytes.size()));
   return bytes;
-}
-
-// Decodes frame after frame; headerLen is the header style, and a length of 4 bytes ahead of a
-// frame is not given to the decoder.
-Bytes DecodeFrames(CAudioCodec& decoder, const AudioStreamFormat& format, Bytes& encodedToTalData,
-                   int headerLen) {
-  Bytes wavOutFrameData(20 * static_cast<size_t>(format.iNumOfChannels) *
-                        static_cast<size_t>(format.iSamplesOfFrame));
-  Bytes decodedPcmData;
-  const size_t prefix = headerLen == 4 ? 4 : 0;
-  for (size_t offset = 0; offset < encodedToTalData.size();) {
-    const int frameLen =
-        WholeFrameLength(encodedToTalData.data(), encodedToTalData.size(), offset, headerLen);
-    if (frameLen == 0) break;
-    int outLen = static_cast<int>(wavOutFrameData.size());
-    decoder.Process(&encodedToTalData[offset] + prefix, frameLen, wavOutFrameData.data(), &outLen);
-    decodedPcmData.insert(decodedPcmData.end(), wavOutFrameData.begin(),
-                          wavOutFrameData.begin() + outLen);
-    offset += prefix + static_cast<size_t>(frameLen);
-  }
-  return decodedPcmData;
 }
 
 void WriteWav(const char* name, const AudioStreamFormat& format, const Bytes& decodedPcmData) {
