@@ -61,7 +61,7 @@ bool SetVariant(AACENCODER* encoder, const CodecSetup& setup, bool sbr) {
   switch (setup.variant->coder) {
     case Coder::kAacLc: {
       // No access unit may outgrow its frame: two channels could reach 1536 bytes.
-      const int peak = kMaxPacketBytes * 8 * setup.rate / 1024;
+      const int peak = kMaxEncodedBytes * 8 * setup.rate / 1024;
       return setup.channels == 1 || Set(encoder, AACENC_PEAK_BITRATE, peak);
     }
     case Coder::kAacEld:
@@ -94,7 +94,7 @@ Encoder OpenWith(const CodecSetup& setup, bool sbr) {
 // At low rates a packet of ordinary length already would not fit its frame.
 bool FitsFrame(const CodecSetup& setup, const AACENC_InfoStruct& info) {
   const auto samples = static_cast<int64_t>(info.frameLength);
-  return setup.variant->bitRate / 8 * samples <= int64_t{kMaxPacketBytes} * setup.rate;
+  return setup.variant->bitRate / 8 * samples <= int64_t{kMaxEncodedBytes} * setup.rate;
 }
 
 Encoder Open(const CodecSetup& setup, AACENC_InfoStruct* info) {
@@ -128,7 +128,7 @@ class AacEncoder : public PacketEncoder {
     const AACENC_InArgs given = {m_frame * m_channels, 0};
     AACENC_OutArgs made = {};
     if (aacEncEncode(m_encoder.get(), &source, &target, &given, &made) != AACENC_OK) return 0;
-    if (made.numOutBytes > kMaxPacketBytes) return 0;
+    if (made.numOutBytes > kMaxEncodedBytes) return 0;
     memcpy(packet, m_unit, static_cast<size_t>(made.numOutBytes));
     return made.numOutBytes;
   }
@@ -226,12 +226,6 @@ std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup) {
   if (!ready) return nullptr;
   return std::make_unique<AacDecoder>(std::move(decoder), setup,
                                       static_cast<int>(info.frameLength));
-}
-
-bool AacHasSbr(const CodecSetup& setup) {
-  const bool always =
-      setup.variant->coder == Coder::kAacHe || setup.variant->coder == Coder::kAacHeV2;
-  return always || (setup.variant->coder == Coder::kAacEldSbr && OpenWith(setup, true) != nullptr);
 }
 
 }  // namespace desktop

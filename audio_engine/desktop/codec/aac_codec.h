@@ -10,7 +10,4 @@ namespace desktop {
 std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& setup);
 std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup);
 
-// Whether ELD with band replication has it at this rate and channel count: low rates do without.
-bool AacHasSbr(const CodecSetup& setup);
-
 }  // namespace desktop

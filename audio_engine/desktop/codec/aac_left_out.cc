@@ -8,6 +8,4 @@ std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& /*setup*/) { r
 
 std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& /*setup*/) { return nullptr; }
 
-bool AacHasSbr(const CodecSetup& /*setup*/) { return false; }
-
 }  // namespace desktop

@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kFrame = 320;
 constexpr int kBytesOfMode[] = {18, 24, 33, 37, 41, 47, 51, 59, 61};
-constexpr unsigned char kNoData = 15 << 3 | 4;
 
 // A frame of good quality, RFC 4867, section 5.3.
 constexpr unsigned char ModeOctet(int mode) { return static_cast<unsigned char>(mode << 3 | 4); }
@@ -59,20 +58,22 @@ class AmrWbDecoder : public PacketDecoder {
     if (bytes != kBytesOfMode[m_mode] || packet[0] != ModeOctet(m_mode)) return false;
     D_IF_decode(m_state.get(), packet, frame, _good_frame);
     std::copy_n(packet, bytes, m_last);
+    m_hasLast = true;
     return true;
   }
 
   // The last packet again. Told that there is none, the library falls by 12 dB at once and needs
   // 300 ms of good packets to come back.
   bool Conceal(short* frame) override {
-    D_IF_decode(m_state.get(), m_last, frame, _good_frame);
-    return true;
+    if (m_hasLast) D_IF_decode(m_state.get(), m_last, frame, _good_frame);
+    return m_hasLast;
   }
 
  private:
   const int m_mode;
   std::unique_ptr<void, ExitDecoder> m_state;
-  unsigned char m_last[61] = {kNoData};  // The last packet.
+  unsigned char m_last[61];  // The last packet.
+  bool m_hasLast = false;
 };
 
 bool IsWideBand(const CodecSetup& setup) {

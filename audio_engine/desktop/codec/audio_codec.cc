@@ -66,11 +66,20 @@ class DesktopCodec : public CAudioCodec {
   }
 
   bool IsAvailable() override { return m_setup.has_value(); }
-  int CodecDelay() override { return m_setup ? desktop::PacketCodecLag(*m_setup) : 0; }
+
+  int CodecDelay() override {
+    if (!m_setup) return 0;
+    return desktop::PacketCodecLag(*m_setup, SamplesPerFrame() / m_setup->channels);
+  }
+
   int GetDecodedSampleRate() override { return m_setup ? m_setup->rate : 0; }
   int GetDecodedChannel() override { return m_setup ? m_setup->channels : 0; }
 
  protected:
+  // Of all channels; 0 before Init.
+  virtual int SamplesPerFrame() const = 0;
+
+  int FrameBytes() const { return SamplesPerFrame() * static_cast<int>(sizeof(short)); }
   int RawId() const { return m_setup ? m_setup->variant->rawId : -1; }
 
   desktop::LogOnce m_log;
@@ -127,9 +136,8 @@ class Encoder : public DesktopCodec {
     m_pendingBytes = 0;
   }
 
-  int FrameBytes() const {
-    return m_encoder == nullptr ? 0
-                                : m_encoder->samplesPerFrame() * static_cast<int>(sizeof(short));
+  int SamplesPerFrame() const override {
+    return m_encoder == nullptr ? 0 : m_encoder->samplesPerFrame();
   }
 
   void EncodePending(unsigned char* out, int room, int* outLen) {
@@ -180,9 +188,8 @@ class Decoder : public DesktopCodec {
 
   void Close() override { m_decoder.reset(); }
 
-  int FrameBytes() const {
-    return m_decoder == nullptr ? 0
-                                : m_decoder->samplesPerFrame() * static_cast<int>(sizeof(short));
+  int SamplesPerFrame() const override {
+    return m_decoder == nullptr ? 0 : m_decoder->samplesPerFrame();
   }
 
   std::unique_ptr<FrameDecoder> m_decoder;

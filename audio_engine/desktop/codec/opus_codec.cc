@@ -22,7 +22,7 @@ class OpusPacketEncoder : public PacketEncoder {
   int frameSamples() const override { return m_frame; }
 
   int Encode(const short* frame, unsigned char* packet) override {
-    const int bytes = opus_encode(m_encoder.get(), frame, m_frame, packet, kMaxPacketBytes);
+    const int bytes = opus_encode(m_encoder.get(), frame, m_frame, packet, kMaxEncodedBytes);
     return bytes > 0 ? bytes : 0;
   }
 

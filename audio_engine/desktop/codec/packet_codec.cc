@@ -36,7 +36,7 @@ std::unique_ptr<PacketDecoder> CreatePacketDecoder(const CodecSetup& setup) {
   }
 }
 
-int PacketCodecLag(const CodecSetup& setup) {
+int PacketCodecLag(const CodecSetup& setup, int frameSamples) {
   switch (setup.variant->coder) {
     case Coder::kAacLc:
       return 3072;
@@ -47,11 +47,8 @@ int PacketCodecLag(const CodecSetup& setup) {
     case Coder::kAacEld:
       return 256;
     case Coder::kAacEldSbr:
-      return AacHasSbr(setup) ? 579 : 256;
-    case Coder::kSpeex:
-      return 80;
-    case Coder::kAmrWb:
-      return 95;
+      // Low rates do without band replication. Where it is, a frame is twice as long.
+      return frameSamples == 1024 ? 579 : 256;
     default:
       return OpusLag(setup);
   }

@@ -6,9 +6,13 @@ namespace desktop {
 
 struct CodecVariant;
 
-// The longest packet that an encoder gives: a 2-byte header has 10 bits for its length and that of
+// The longest packet that a decoder takes: a 2-byte header has 10 bits for its length and that of
 // the raw id.
 constexpr int kMaxPacketBytes = 1022;
+
+// The longest packet that an encoder gives: with its 2-byte header and the raw id it fits the 1024
+// bytes that callers have room for.
+constexpr int kMaxEncodedBytes = 1021;
 
 // The longest frame of any codec, all channels.
 constexpr int kMaxFrameSamples = 2048 * 2;
@@ -27,8 +31,8 @@ class PacketEncoder {
 
   virtual int frameSamples() const = 0;  // Per channel.
 
-  // Codes one frame into `packet`, which has room for kMaxPacketBytes. Returns the packet's bytes;
-  // 0 when it failed or the packet would be longer.
+  // Codes one frame into `packet`, which has room for kMaxEncodedBytes. Returns the packet's
+  // bytes; 0 when it failed or the packet would be longer.
   virtual int Encode(const short* frame, unsigned char* packet) = 0;
 
   virtual bool SetBitRate(int bitRate) = 0;        // bit/s. False when the codec refuses it.
@@ -53,7 +57,8 @@ class PacketDecoder {
 std::unique_ptr<PacketEncoder> CreatePacketEncoder(const CodecSetup& setup);
 std::unique_ptr<PacketDecoder> CreatePacketDecoder(const CodecSetup& setup);
 
-// By how many samples per channel a signal is late after encoder and decoder. Measured.
-int PacketCodecLag(const CodecSetup& setup);
+// By how many samples per channel a signal is late after an encoder and a decoder of one of the
+// codec families. Measured. frameSamples: of one frame, per channel.
+int PacketCodecLag(const CodecSetup& setup, int frameSamples);
 
 }  // namespace desktop

@@ -1,0 +1,128 @@
+#include "desktop/codec/frame_codec.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "codec_material.h"
+#include "desktop/codec/codec_table.h"
+#include "engine_api/codec/audio_processor.h"
+#include "engine_api/codec/codec_format.h"
+#include "engine_api/codec/stream_to_aac.h"
+#include "support/captured_stderr.h"
+
+namespace desktop {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::Ge;
+using testing::Le;
+
+// White noise, which no codec makes smaller.
+Samples Noise(int count) {
+  Samples samples;
+  unsigned state = 1;
+  for (int i = 0; i < count; ++i) {
+    state = state * 1664525 + 1013904223;
+    samples.push_back(static_cast<short>(state >> 16));
+  }
+  return samples;
+}
+
+// The lengths of the frames that a codec at `bitRate` makes of noise.
+std::vector<int> FrameLengths(Coder coder, int rate, int bitRate) {
+  const CodecVariant variant = {51, kAudioCodecUnknown, coder, 0, bitRate, Framing::kTwoByteHeader};
+  const auto encoder = FrameEncoder::Create({&variant, rate, 2});
+  std::vector<int> lengths;
+  if (encoder == nullptr) return lengths;
+  const Samples noise = Noise(encoder->samplesPerFrame() * 40);
+  for (size_t at = 0; at < noise.size(); at += static_cast<size_t>(encoder->samplesPerFrame())) {
+    unsigned char frame[kMaxFrameBytes];
+    lengths.push_back(encoder->Encode(&noise[at], frame));
+  }
+  return lengths;
+}
+
+// A frame of id 51 with the longest packet that a 2-byte header can tell: Opus filled up as RFC
+// 6716, section 3.2.5, has it.
+std::string LongestFrame() {
+  const std::string frame = Process(*OpenCodec(51, kAudioLibraryEncoder), std::string(1920, '\0'));
+  const std::string coded = frame.substr(4);
+  std::string packet = {static_cast<char>(frame[3] | 3), '\x41'};
+  size_t padding = kMaxPacketBytes - packet.size() - coded.size();
+  for (; padding > 255; padding -= 255) packet += '\xff';
+  packet += static_cast<char>(padding - 1);
+  packet += coded;
+  packet.resize(kMaxPacketBytes, '\0');
+  return "\xff\xff\x33" + packet;
+}
+
+}  // namespace
+
+// What a caller with room for 1024 bytes counts on.
+TEST(FrameEncoder, GivesAtMost1024BytesBehindA2ByteHeader) {
+  EXPECT_THAT(FrameLengths(Coder::kOpus, 48000, 510000), Each(1024));
+  if (AUDIO_ENGINE_HAS_AAC == 0) return;
+  const CapturedStderr log;
+  std::vector<int> lengths = FrameLengths(Coder::kAacLc, 44100, 351000);
+  ASSERT_EQ(lengths.size(), 40U);
+  std::sort(lengths.begin(), lengths.end());
+  EXPECT_GT(lengths[20], 1000);
+  EXPECT_LE(lengths.back(), 1024);
+  EXPECT_EQ(log.Text(), "");
+}
+
+// Bit rates at which ordinary packets fit, and at which they do not.
+TEST(FrameEncoder, IsNoneWhereAPacketOfOrdinaryLengthWouldNotFit) {
+  if (AUDIO_ENGINE_HAS_AAC == 0) GTEST_SKIP() << "built without AAC";
+  EXPECT_FALSE(FrameLengths(Coder::kAacLc, 32000, 8 * 1021 * 32000 / 1024 - 8).empty());
+  EXPECT_TRUE(FrameLengths(Coder::kAacLc, 32000, 8 * 1021 * 32000 / 1024 + 8).empty());
+}
+
+TEST(FrameDecoder, TakesThe1025BytesThatA2ByteHeaderCanTell) {
+  const std::string frame = LongestFrame();
+  ASSERT_EQ(frame.size(), 1025U);
+  EXPECT_EQ(Process(*OpenCodec(51, kAudioLibraryDecoder), frame).size(), 1920U);
+
+  AudioStreamFormat pcm = FormatFromRawCodecId(-1);
+  pcm.iSampleRate = 48000;
+  pcm.iNumOfChannels = 1;
+  AudioProcessor* processor = nullptr;
+  AudioProcessor::Create(FormatFromRawCodecId(51), pcm, processor);
+  std::vector<char> out(8000);
+  auto taken = static_cast<uint32_t>(frame.size());
+  auto bytes = static_cast<uint32_t>(out.size());
+  processor->ProcessData(frame.data(), &taken, out.data(), &bytes, 0, 0);
+  AudioProcessor::Release(processor);
+  EXPECT_EQ(bytes, 1920U);
+
+  if (AUDIO_ENGINE_HAS_AAC == 0) return;
+  const std::string two = frame + frame;
+  unsigned char* aac = nullptr;
+  EXPECT_GT(TransZUStreamToAAC(two.data(), static_cast<int>(two.size()), &aac), 0);
+  free(aac);
+}
+
+// Band replication doubles the frame of id 38, and that alone tells whether it is there.
+TEST(PacketCodecLag, OfId38GoesByTheLengthOfTheFrame) {
+  EXPECT_EQ(PacketCodecLag({FindVariant(38), 44100, 2}, 1024), 579);
+  EXPECT_EQ(PacketCodecLag({FindVariant(38), 44100, 2}, 512), 256);
+}
+
+// A frame before the first one is silence for every codec, also where the library has none to give.
+TEST(FrameDecoder, ConcealsWithSilenceBeforeTheFirstFrame) {
+  for (int id = 0; id <= 55; ++id) {
+    const AudioStreamFormat format = FormatFromRawCodecId(id);
+    const CodecVariant* variant = FindVariant(id);
+    if (variant == nullptr || !IsBuiltIn(variant->coder)) continue;
+    const auto decoder = FrameDecoder::Create({variant, format.iSampleRate, format.iNumOfChannels});
+    ASSERT_NE(decoder, nullptr) << id;
+    Samples frame(static_cast<size_t>(decoder->samplesPerFrame()), 0x5a5a);
+    decoder->Conceal(frame.data());
+    EXPECT_THAT(frame, Each(AllOf(Ge(-1), Le(1)))) << id;
+  }
+}
+
+}  // namespace desktop
