@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "files/regular_file.h"
+
 namespace host {
 
 namespace {
@@ -110,14 +112,20 @@ FILE* WorkFile::Create() const {
   if (CreateParentsBeneath(root, place) == 0) {
     file = OpenBeneath(root, place, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0666);
   }
-  const int error = errno;
+  int error = errno;
+  struct stat status;
+  if (file >= 0 && (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))) {
+    close(file);
+    file = -1;
+    error = kNotRegular;
+  }
   close(root);
   errno = error;
   return file < 0 ? nullptr : fdopen(file, "wb");
 }
 
 std::string WriteFault(int error) {
-  return error == EXDEV ? "leads out of the workspace by a symbolic link" : strerror(error);
+  return error == EXDEV ? "leads out of the workspace by a symbolic link" : FaultText(error);
 }
 
 }  // namespace host

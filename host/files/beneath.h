@@ -27,7 +27,8 @@ struct WorkFile {
 
   std::string Path() const { return folder + "/" + place; }
 
-  // Creates it, or empties it; null and errno when that is not to be done.
+  // Creates it, or empties it; null and errno when that is not to be done, or when something else
+  // than a regular file is there. Never waits.
   FILE* Create() const;
 };
 

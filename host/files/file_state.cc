@@ -3,6 +3,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <cstdint>
+
 namespace host {
 
 namespace {
@@ -24,15 +26,24 @@ FileState::FileState(int descriptor) {
 }
 
 // A file system dates changes by a clock that ticks a few hundred times a second. A file that was
-// written in this very tick would look untouched if it were written again in it.
-void FileState::WaitForClockTick() const {
-  if (!m_status) return;
+// written in this very tick would look untouched if it were written again in it. A date that is
+// further ahead was given while the clock was set otherwise, and no change from now on gets it.
+bool FileState::MayBeDatedAlikeAt(const timespec& now) const {
+  if (!m_status) return false;
+  constexpr int64_t kTickNanoseconds = 20'000'000;  // At least; of every kernel.
   const timespec& changed = m_status->st_ctim;
-  for (int i = 0; i < 50; ++i) {  // For a file from the future there is no use in waiting.
+  const int64_t seconds = changed.tv_sec - now.tv_sec;
+  if (seconds < -1 || seconds > 1) return false;
+  const int64_t ahead = seconds * 1'000'000'000 + changed.tv_nsec - now.tv_nsec;
+  return ahead >= 0 && ahead <= kTickNanoseconds;
+}
+
+void FileState::WaitForClockTick() const {
+  constexpr int kMostMilliseconds = 50;  // Should the clock be set back again and again.
+  for (int i = 0; i < kMostMilliseconds; ++i) {
     timespec now;
     clock_gettime(CLOCK_REALTIME_COARSE, &now);
-    if (now.tv_sec > changed.tv_sec) return;
-    if (now.tv_sec == changed.tv_sec && now.tv_nsec > changed.tv_nsec) return;
+    if (!MayBeDatedAlikeAt(now)) return;
     usleep(1000);
   }
 }

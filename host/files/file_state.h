@@ -16,6 +16,9 @@ class FileState {
   // Waits for a clock tick, so that a change from now on changes the time stamp.
   void WaitForClockTick() const;
 
+  // Whether a change at this time by the clock of files may get the date of the last one.
+  bool MayBeDatedAlikeAt(const timespec& now) const;
+
   // The same file, with content that nobody has written to in between; or none both times.
   bool SameContent(const FileState& later) const;
 

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdio_ext.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,6 +26,7 @@ size_t RealFwrite(const void* items, size_t size, size_t count,
                   FILE* file) __asm__("__real_fwrite");
 int RealFflush(FILE* file) __asm__("__real_fflush");
 int RealFclose(FILE* file) __asm__("__real_fclose");
+int RealStat(const char* name, struct stat* status) __asm__("__real_stat");
 FILE* WrapFopen(const char* name, const char* mode) __asm__("__wrap_fopen");
 FILE* WrapFopen64(const char* name, const char* mode) __asm__("__wrap_fopen64");
 size_t WrapFread(void* items, size_t size, size_t count, FILE* file) __asm__("__wrap_fread");
@@ -32,6 +34,7 @@ size_t WrapFwrite(const void* items, size_t size, size_t count,
                   FILE* file) __asm__("__wrap_fwrite");
 int WrapFflush(FILE* file) __asm__("__wrap_fflush");
 int WrapFclose(FILE* file) __asm__("__wrap_fclose");
+int WrapStat(const char* name, struct stat* status) __asm__("__wrap_stat");
 }
 
 namespace host {
@@ -189,6 +192,16 @@ FILE* WrapFopen(const char* name, const char* mode) {
 
 FILE* WrapFopen64(const char* name, const char* mode) {
   return host::OpenMapped(RealFopen64, name, mode);
+}
+
+// Asks for the file that opening the name would open. To refuse one that leads out of the workspace
+// aloud is left to that.
+int WrapStat(const char* name, struct stat* status) {
+  if (host::g_activity == nullptr || name == nullptr) return RealStat(name, status);
+  const std::optional<std::string> place = host::PlaceInWorkspace(name);
+  if (place) return RealStat(place->c_str(), status);
+  errno = EACCES;
+  return -1;
 }
 
 size_t WrapFread(void* items, size_t size, size_t count, FILE* file) {

@@ -8,9 +8,10 @@
 
 namespace host {
 
-// The names that routines open, mapped into the workspace. fopen and fopen64 are wrapped at link
-// time, and fread, fwrite, fflush and fclose to notice what cannot be read or written, so neither
-// the unit nor the engine knows of it. Code in shared libraries is not reached.
+// The names that routines open, mapped into the workspace. fopen, fopen64 and stat are wrapped at
+// link time, and fread, fwrite, fflush and fclose to notice what cannot be read or written, so
+// neither the unit nor the engine knows of it. Nothing else that takes the name of a file may be
+// called there. Code in shared libraries is not reached.
 
 // Where a file of this name is, relative to the workspace: "sdcard/x" for "/sdcard/x", "C/x/y" for
 // "c:\x\y"; a relative name is its own place. Nothing for a name with a ".." in it, which would

@@ -1,6 +1,5 @@
 #include "files/workspace.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +7,7 @@
 #include <cstring>
 
 #include "files/path_map.h"
+#include "files/regular_file.h"
 
 namespace host {
 
@@ -62,8 +62,8 @@ std::optional<InputFault> FindInputFault(const FilePlace& input) {
   }
   if (S_ISDIR(status.st_mode)) return InputFault{.text = strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return InputFault{.text = "Not a regular file"};
-  const int file = open(input.path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return InputFault{.text = strerror(errno)};
+  const int file = OpenRegularDescriptor(input.path);
+  if (file < 0) return InputFault{.text = FaultText(errno)};
   close(file);
   return std::nullopt;
 }

@@ -1,7 +1,5 @@
 #include "run/examine.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -11,6 +9,7 @@
 #include "base/units.h"
 #include "files/audio_figures.h"
 #include "files/audio_layout.h"
+#include "files/regular_file.h"
 #include "files/wave_copy.h"
 
 namespace host {
@@ -45,13 +44,13 @@ FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) 
 }
 
 void Examiner::Look(FileReport& report, bool copy) {
-  const std::unique_ptr<FILE, CloseFile> file(fopen(report.place.path.c_str(), "rbe"));
+  const std::unique_ptr<FILE, CloseFile> file(OpenRegular(report.place.path));
   if (file == nullptr) {
-    report.unreadable = strerror(errno);
+    report.unreadable = FaultText(errno);
     return;
   }
   const FileState state(fileno(file.get()));
-  if (!state.status() || !S_ISREG(state.status()->st_mode)) return;
+  if (!state.status()) return;
   report.bytes = static_cast<uint64_t>(state.status()->st_size);
   report.audio = FindAudio(report.place.use, file.get(), *report.bytes);
   if (ferror(file.get()) != 0) report.unreadable = strerror(EIO);

@@ -10,6 +10,7 @@
 #include "files/audio_layout.h"
 #include "files/beneath.h"
 #include "files/foreign_audio.h"
+#include "files/regular_file.h"
 #include "run/remedy.h"
 
 namespace host {
@@ -37,7 +38,7 @@ std::string NoWave(const FilePlace& input, FILE* file, uint64_t bytes) {
 std::string WrongFormat(const FilePlace& input) {
   const Container container = input.use.container;
   if (container == Container::kOther || container == Container::kRecording) return "";
-  FILE* const file = fopen(input.path.c_str(), "rbe");
+  FILE* const file = OpenRegular(input.path);
   if (file == nullptr) return "";  // Judged as unreadable.
   struct stat status = {};
   fstat(fileno(file), &status);

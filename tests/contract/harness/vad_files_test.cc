@@ -33,6 +33,23 @@ TEST(VadRecordings, EndsWhereTheBatchEnds) {
               ElementsAre("F:/Stream/vad/input/a.wav"));
 }
 
+// As fscanf reads numbers and words: with a sign, over the ends of lines, and no more of a name
+// than the batch has room for.
+TEST(VadRecordings, ReadsAsTheBatchDoes) {
+  EXPECT_THAT(Names(" +2 a.wav +1, -7,\n9,b.wav\n0,"), SizeIs(2));
+  EXPECT_THAT(Names("-1 a.wav 0,"), IsEmpty());
+  EXPECT_THAT(Names("99999999999999999999 a.wav 0,"), IsEmpty()) << "all bits set: -1";
+  EXPECT_THAT(Names("+-1 a.wav 0,"), IsEmpty());
+  const std::string name(255, 'n');
+  EXPECT_THAT(Names("1 " + name + "more 0,"), ElementsAre("F:/Stream/vad/input/" + name));
+}
+
+TEST(VadRecordings, ReadsEachByteOnce) {
+  std::string description = "80000\n";
+  for (int i = 0; i < 80000; ++i) description += "a.wav 1,2,3,\n";
+  EXPECT_THAT(Names(description), SizeIs(80000));
+}
+
 // A number that cannot be read is left for what is read next.
 TEST(VadRecordings, ReadsOnWhereANumberIsMissing) {
   EXPECT_THAT(Names("2\na.wav 1,7,b.wav 0,\n"),

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -43,6 +44,22 @@ TEST_F(FileStateTest, IsTheSameUntilSomethingHappens) {
   const int file = open("file", O_RDONLY);
   EXPECT_TRUE(before.Untouched(FileState(file))) << "by its descriptor too";
   close(file);
+}
+
+// A clock that was set back an hour is behind every file for an hour: there is no use in waiting.
+TEST_F(FileStateTest, WaitsOnlyWhileAChangeMayGetTheSameDate) {
+  const FileState state("file");
+  timespec changed = state.status()->st_ctim;
+  changed.tv_nsec = std::min(changed.tv_nsec, 999'000'000L);
+  EXPECT_TRUE(state.MayBeDatedAlikeAt(state.status()->st_ctim));
+  for (const int seconds : {-3600, -2, 2, 3600}) {
+    const timespec now = {changed.tv_sec + seconds, changed.tv_nsec};
+    EXPECT_FALSE(state.MayBeDatedAlikeAt(now)) << seconds;
+  }
+  timespec after = state.status()->st_ctim;
+  after.tv_nsec += 1;
+  EXPECT_FALSE(state.MayBeDatedAlikeAt(after));
+  EXPECT_FALSE(FileState("absent").MayBeDatedAlikeAt(changed));
 }
 
 TEST_F(FileStateTest, TellsAnotherSizeAnotherDateAndAnotherFile) {

@@ -96,6 +96,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::ReadAll, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::ReadAndLeaveOpen, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::ReadBoth, .inputs = {{.name = "{first}"}, {.name = "{second}"}}},
+          {.declared = declared::StatOf},
           {.declared = declared::Spoil, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::WriteBytes, .outputs = {kPcmOutput}},
           {.declared = declared::WriteHugeFloats, .outputs = {kFloatOutput}},

@@ -156,6 +156,16 @@ void ReadAndLeaveOpen(const char* inFile) {
   fgetc(in);
 }
 
+void StatOf(const char* name) {
+  struct stat status;
+  const bool there = stat(name, &status) == 0;
+  printf("%s: %s\n", name,
+         !there                     ? strerror(errno)
+         : S_ISREG(status.st_mode)  ? "a file"
+         : S_ISFIFO(status.st_mode) ? "a FIFO"
+                                    : "something else");
+}
+
 void Spoil(const char* how, const char* inFile) {
   const std::string change = how;
   const std::string path = inFile;
@@ -166,6 +176,7 @@ void Spoil(const char* how, const char* inFile) {
   }
   if (change == "shrink" && truncate(inFile, 1) != 0) abort();
   if (change == "vanish") remove(inFile);
+  if (change == "fifo" && (remove(inFile) != 0 || mkfifo(inFile, 0600) != 0)) abort();
   if (change == "replace") rename((path + ".new").c_str(), inFile);
 }
 

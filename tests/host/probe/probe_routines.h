@@ -30,6 +30,7 @@ ROUTINE(void, OpenOutside);
 ROUTINE(void, ReadAll, const char* inFile);
 ROUTINE(void, ReadAndLeaveOpen, const char* inFile);
 ROUTINE(void, ReadBoth, const char* first, const char* second);
+ROUTINE(void, StatOf, const char* name);                    // Says what is there.
 ROUTINE(void, Spoil, const char* how, const char* inFile);  // Changes its own input.
 ROUTINE(void, WriteBytes, int count);
 ROUTINE(void, WriteHugeFloats, int megabytes);           // Zeros that take no room on the disk.

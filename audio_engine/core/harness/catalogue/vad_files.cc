@@ -1,46 +1,89 @@
 #include "harness/catalogue/vad_files.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <climits>
+#include <cstddef>
 #include <string>
 
 namespace harness {
 
 namespace {
 
-constexpr int kMostSegments = 15;  // With more of them the batch ends.
+constexpr int kMostSegments = 15;     // With more of them the batch ends.
+constexpr size_t kMostOfAName = 255;  // What follows is taken for something else.
 
-// Reads a number and the comma after it, as the batch does: each may be missing.
-bool ReadNumber(const char*& text, int& number) {
-  int length = 0;
-  if (sscanf(text, "%d%n", &number, &length) != 1) return false;
-  text += length;
-  if (*text != ',') return false;
-  ++text;
-  return true;
-}
+// Reads a text as the batch reads its file by fscanf, each byte once.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view text) : m_left(text) {}
+
+  // As "%d".
+  bool ReadInteger(int& number) {
+    SkipSpace();
+    std::string_view digits = m_left;
+    const bool plus = digits.starts_with('+');
+    if (plus) digits.remove_prefix(1);
+    if (plus && digits.starts_with('-')) return false;
+    long long value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [last, error] = std::from_chars(digits.data(), end, value);
+    if (last == digits.data()) return false;
+    // The C library stops at the greatest long and keeps its low bits.
+    if (error != std::errc()) value = digits.starts_with('-') ? LLONG_MIN : LLONG_MAX;
+    number = static_cast<int>(value);
+    m_left.remove_prefix(static_cast<size_t>(last - m_left.data()));
+    return true;
+  }
+
+  // As "%255s".
+  bool ReadWord(std::string_view& word) {
+    SkipSpace();
+    const auto isSpace = [](unsigned char letter) { return std::isspace(letter) != 0; };
+    const auto end = std::find_if(m_left.begin(), m_left.end(), isSpace);
+    const auto length = static_cast<size_t>(end - m_left.begin());
+    word = m_left.substr(0, std::min(length, kMostOfAName));
+    m_left.remove_prefix(word.size());
+    return !word.empty();
+  }
+
+  // Reads a number and the comma after it: each may be missing.
+  bool ReadNumber(int& number) {
+    if (!ReadInteger(number) || !m_left.starts_with(',')) return false;
+    m_left.remove_prefix(1);
+    return true;
+  }
+
+ private:
+  void SkipSpace() {
+    while (!m_left.empty() && std::isspace(static_cast<unsigned char>(m_left.front())) != 0) {
+      m_left.remove_prefix(1);
+    }
+  }
+
+  std::string_view m_left;
+};
 
 }  // namespace
 
 std::vector<FileUse> VadRecordings(std::string_view description) {
-  const std::string whole(description);
-  const char* text = whole.c_str();
+  Scanner scanner(description.substr(0, description.find('\0')));
   std::vector<FileUse> recordings;
   int count = 0;
-  int length = 0;
-  if (sscanf(text, "%d%n", &count, &length) == 1) text += length;
+  scanner.ReadInteger(count);
   for (int i = 0; i < count; ++i) {
-    char name[256];
-    if (sscanf(text, "%255s%n", name, &length) != 1) break;
-    text += length;
+    std::string_view name;
+    if (!scanner.ReadWord(name)) break;
     int segments = 0;
-    ReadNumber(text, segments);
+    scanner.ReadNumber(segments);
     if (segments > kMostSegments) break;
     recordings.push_back(
         {.name = "F:/Stream/vad/input/" + std::string(name), .container = Container::kWave});
     for (int pair = 0; pair < segments; ++pair) {
       int start = 0;
       int samples = 0;
-      if (ReadNumber(text, start)) ReadNumber(text, samples);
+      if (scanner.ReadNumber(start)) scanner.ReadNumber(samples);
     }
   }
   return recordings;
