@@ -11,9 +11,12 @@
 
 #include "desktop/effects/beat_follower.h"
 #include "desktop/effects/onset_envelope.h"
+#include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
 namespace {
+
+using desktop::RefusesInCallback;
 
 constexpr int kMaxChannels = 8;
 
@@ -26,9 +29,12 @@ class BeatTrack final : public IBeatTrack {
     }
   }
 
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "IBeatTrack::Destroy")) delete this;
+  }
 
   void Start(int mode, IBeatTrackNotify* notify, int delayDecision) override {
+    if (RefusesInCallback(this, "IBeatTrack::Start")) return;
     if (mode != 0) OutputDebugInfo("IBeatTrack: mode %d is taken as 0", mode);
     m_notify = notify;
     m_delay = int64_t{m_rate} * std::clamp(delayDecision, 0, 10000) / 1000;
@@ -47,6 +53,7 @@ class BeatTrack final : public IBeatTrack {
   }
 
   int Detectbeat(short* block, int samples) override {
+    if (RefusesInCallback(this, "IBeatTrack::Detectbeat")) return kBeatTrackBadBlock;
     if (!m_formatIsGood) return kBeatTrackBadFormat;
     if (!m_follower) return kBeatTrackNotStarted;
     if (block == nullptr || samples < 0) return kBeatTrackBadBlock;
@@ -61,6 +68,7 @@ class BeatTrack final : public IBeatTrack {
   }
 
   void Stop() override {
+    if (RefusesInCallback(this, "IBeatTrack::Stop")) return;
     while (!m_pending.empty()) Tell();
     m_follower.reset();
     m_notify = nullptr;
@@ -95,6 +103,7 @@ class BeatTrack final : public IBeatTrack {
     m_pending.pop_front();
     ++m_told;
     if (m_notify == nullptr) return;
+    const desktop::CallbackScope scope(this);
     if (m_told == 5) m_notify->NotifyStartFive();
     m_notify->NotifyBeat(beat.bpm, beat.power);
   }

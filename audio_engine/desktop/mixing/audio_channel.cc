@@ -1,6 +1,7 @@
 #include "engine_api/mixing/audio_channel.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <exception>
 #include <map>
@@ -10,6 +11,7 @@
 #include "desktop/mixing/frame_player.h"
 #include "desktop/mixing/loudspeaker.h"
 #include "desktop/mixing/microphone.h"
+#include "desktop/platform/callback_scope.h"
 #include "desktop/platform/ticker.h"
 #include "engine_api/platform/log.h"
 
@@ -18,15 +20,20 @@ namespace {
 using desktop::DeviceFormat;
 using desktop::Loudspeaker;
 using desktop::Microphone;
+using desktop::RefusesInCallback;
 using desktop::Resampler;
 
 // Packs what a microphone hears, on the thread of that.
 class PackedCapture : public desktop::CaptureListener {
  public:
-  // Both formats have the same channels.
+  // Both formats have the same channels. leavesOutSilence: looked at in every block. channel: the
+  // object in whose name the notify is called.
   PackedCapture(std::unique_ptr<desktop::FramePacker> packer, DeviceFormat captured,
-                DeviceFormat processed)
+                DeviceFormat processed, const std::atomic<bool>& leavesOutSilence,
+                const IAudioChannel* channel)
       : m_packer(std::move(packer)),
+        m_leavesOutSilence(leavesOutSilence),
+        m_channel(channel),
         m_channels(captured.channels),
         m_resampler(captured.rate, m_channels, processed.rate, m_channels,
                     static_cast<uint32_t>(captured.BlockFrames())),
@@ -41,10 +48,11 @@ class PackedCapture : public desktop::CaptureListener {
   PackedCapture(const PackedCapture&) = delete;
   PackedCapture& operator=(const PackedCapture&) = delete;
 
-  void LeaveOutSilence(bool on) { m_packer->LeaveOutSilence(on); }
   uint32_t DelayMs() const { return m_packer->DelayMs(); }
 
   void OnCaptured(const desktop::CapturedBlock& block) override {
+    const desktop::CallbackScope scope(m_channel);
+    m_packer->LeaveOutSilence(m_leavesOutSilence);
     const uint32_t frames =
         m_resampler.Convert(block.samples, static_cast<uint32_t>(block.frames), m_block.data());
     m_packer->Put(m_block.data(), frames);
@@ -53,6 +61,8 @@ class PackedCapture : public desktop::CaptureListener {
 
  private:
   const std::unique_ptr<desktop::FramePacker> m_packer;
+  const std::atomic<bool>& m_leavesOutSilence;
+  const IAudioChannel* const m_channel;
   const uint32_t m_channels;
   Resampler m_resampler;
   std::vector<short> m_block;
@@ -61,10 +71,12 @@ class PackedCapture : public desktop::CaptureListener {
 // A stream on the loudspeaker, whose frames are pulled on a thread of its own.
 class PlayedStream final : public desktop::PlaySource {
  public:
-  PlayedStream(IAudioFramePlayerNotify* notify, uint32_t stream)
+  // channel: the object in whose name the notify is called.
+  PlayedStream(IAudioFramePlayerNotify* notify, uint32_t stream, const IAudioChannel* channel)
       : m_stream(stream),
         m_player(notify, stream, Loudspeaker::kFormat.rate, Loudspeaker::kFormat.channels),
-        m_ticker(std::make_unique<desktop::Ticker>(std::chrono::milliseconds(10), [this] {
+        m_ticker(std::make_unique<desktop::Ticker>(std::chrono::milliseconds(10), [this, channel] {
+          const desktop::CallbackScope scope(channel);
           m_player.Work(Loudspeaker::Shared().Device().LatencyMs());
         })) {
     Loudspeaker::Shared().Add(this);
@@ -103,13 +115,11 @@ class AudioChannel : public IAudioChannel {
     AudioChannel::CloseCapture();
   }
 
-  void EnablePackerVad(bool enable) override {
-    m_leavesOutSilence = enable;
-    if (m_packed != nullptr) m_packed->LeaveOutSilence(enable);
-  }
+  void EnablePackerVad(bool enable) override { m_leavesOutSilence = enable; }
 
   bool StartPacker(IAudioFramePackerNotify* notify, int codecType, int captureRate, int processRate,
                    int channels, int bytesPerSample) override try {
+    if (RefusesInCallback(this, "IAudioChannel::StartPacker")) return false;
     StopPacker();
     const auto sameChannels = static_cast<uint32_t>(channels);
     const DeviceFormat captured = {static_cast<uint32_t>(captureRate), sameChannels};
@@ -122,8 +132,8 @@ class AudioChannel : public IAudioChannel {
     }
     auto packer = desktop::FramePacker::Create(notify, codecType, processRate, channels);
     if (packer == nullptr) return false;
-    packer->LeaveOutSilence(m_leavesOutSilence);
-    m_packed = std::make_unique<PackedCapture>(std::move(packer), captured, processed);
+    m_packed = std::make_unique<PackedCapture>(std::move(packer), captured, processed,
+                                               m_leavesOutSilence, this);
     const bool reopens = m_microphone != nullptr && (m_captured.rate != captured.rate ||
                                                      m_captured.channels != captured.channels);
     m_captured = captured;
@@ -136,6 +146,7 @@ class AudioChannel : public IAudioChannel {
   }
 
   bool OpenCapture() override try {
+    if (RefusesInCallback(this, "IAudioChannel::OpenCapture")) return false;
     CloseCapture();
     auto microphone = std::make_unique<Microphone>(m_captured);
     if (m_packed != nullptr) microphone->Add(m_packed.get());
@@ -148,6 +159,7 @@ class AudioChannel : public IAudioChannel {
   }
 
   void CloseCapture() override {
+    if (RefusesInCallback(this, "IAudioChannel::CloseCapture")) return;
     if (m_microphone == nullptr) return;
     m_microphone->Stop();
     if (m_packed != nullptr) m_microphone->Remove(m_packed.get());
@@ -155,6 +167,7 @@ class AudioChannel : public IAudioChannel {
   }
 
   void StopPacker() override {
+    if (RefusesInCallback(this, "IAudioChannel::StopPacker")) return;
     NotePackDelay();
     if (m_microphone != nullptr && m_packed != nullptr) m_microphone->Remove(m_packed.get());
     m_packed = nullptr;
@@ -162,13 +175,14 @@ class AudioChannel : public IAudioChannel {
 
   bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
                  uint32_t channels) override try {
+    if (RefusesInCallback(this, "IAudioChannel::StartPlay")) return false;
     StopPlay(stream);
     if (notify == nullptr || !DeviceFormat{sampleRate, channels}.IsValid()) {
       OutputDebugInfo("player: stream %u cannot play at %u Hz with %u channels", stream, sampleRate,
                       channels);
       return false;
     }
-    m_streams[stream] = std::make_unique<PlayedStream>(notify, stream);
+    m_streams[stream] = std::make_unique<PlayedStream>(notify, stream, this);
     return true;
   } catch (const std::exception& error) {
     OutputDebugInfo("player: stream %u does not start: %s", stream, error.what());
@@ -176,6 +190,7 @@ class AudioChannel : public IAudioChannel {
   }
 
   void StopPlay(uint32_t stream) override {
+    if (RefusesInCallback(this, "IAudioChannel::StopPlay")) return;
     const auto found = m_streams.find(stream);
     if (found == m_streams.end()) return;
     const uint32_t playDelayMs = found->second->Stop();
@@ -186,7 +201,9 @@ class AudioChannel : public IAudioChannel {
                     m_packDelayMs + playDelayMs, m_packDelayMs, playDelayMs);
   }
 
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "IAudioChannel::Destroy")) delete this;
+  }
 
  private:
   void NotePackDelay() {
@@ -195,7 +212,7 @@ class AudioChannel : public IAudioChannel {
     m_packDelayMs = std::max(m_microphone->LatencyMs(), 10U) - 10 + m_packed->DelayMs();
   }
 
-  bool m_leavesOutSilence = false;
+  std::atomic<bool> m_leavesOutSilence = false;
   DeviceFormat m_captured = {48000, 1};
   std::unique_ptr<PackedCapture> m_packed;
   uint32_t m_packDelayMs = 0;  // From the microphone to a packed frame; 0 as long as it is unknown.

@@ -10,6 +10,7 @@
 #include "desktop/mixing/audio_saver.h"
 #include "desktop/mixing/engine_feature.h"
 #include "desktop/mixing/microphone.h"
+#include "desktop/platform/callback_scope.h"
 #include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
@@ -33,6 +34,7 @@ using desktop::DeviceFormat;
 using desktop::FileSink;
 using desktop::Loudspeaker;
 using desktop::Microphone;
+using desktop::RefusesInCallback;
 
 constexpr DeviceFormat kSaverFormat = {44100, 1};  // Of a saver without an open capture.
 
@@ -50,10 +52,11 @@ class AudioEngine;
 class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
  public:
   explicit AudioCapture(AudioEngine& engine) : m_engine(engine) {}
-  ~AudioCapture() override { AudioCapture::Close(); }
+  ~AudioCapture() override { CloseDevice(); }
 
   bool Open(uint32_t sampleRate, uint32_t channels, uint32_t bitsPerSample) override {
-    Close();
+    if (RefusesInCallback(this, "IAudioCapture::Open")) return false;
+    CloseDevice();
     const DeviceFormat format = {sampleRate, channels};
     if (!format.IsValid() || bitsPerSample != 16) {
       OutputDebugInfo("microphone: cannot be opened with %u Hz, %u channels, %u bits", sampleRate,
@@ -65,8 +68,8 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
   }
 
   bool Start(IAudioCaptureNotify* notify) override {
-    if (m_microphone == nullptr) return false;
-    Stop();
+    if (RefusesInCallback(this, "IAudioCapture::Start") || m_microphone == nullptr) return false;
+    EndCalls();
     m_notify = notify;
     m_showsVolume = true;
     if (notify != nullptr) m_microphone->Add(this);
@@ -74,13 +77,18 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
   }
 
   void Stop() override {
-    if (m_microphone != nullptr) m_microphone->Remove(this);
+    if (!RefusesInCallback(this, "IAudioCapture::Stop")) EndCalls();
   }
 
-  void Close() override;
+  void Close() override {
+    if (!RefusesInCallback(this, "IAudioCapture::Close")) CloseDevice();
+  }
+
   void Destroy() override;
 
   void OnCaptured(const desktop::CapturedBlock& block) override {
+    const desktop::CallbackScope ofEngine(&m_engine);
+    const desktop::CallbackScope ofCapture(this);
     const size_t bytes = block.frames * m_microphone->Format().channels * sizeof(short);
     m_notify->OnCaptureAudioData(block.samples, static_cast<uint32_t>(bytes), block.volume,
                                  block.voice, block.timeMs);
@@ -90,6 +98,11 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
   Microphone* OpenOne() const { return m_microphone.get(); }
 
  private:
+  void EndCalls() {
+    if (m_microphone != nullptr) m_microphone->Remove(this);
+  }
+  void CloseDevice();
+
   AudioEngine& m_engine;
   std::unique_ptr<Microphone> m_microphone;  // Null while it is not open.
   IAudioCaptureNotify* m_notify = nullptr;
@@ -98,7 +111,7 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
 
 class AudioEngine : public IAudioEngine {
  public:
-  ~AudioEngine() override { StopAudioSaver(); }
+  ~AudioEngine() override { EndSaver(); }
 
   bool Start(AudioEngineFeature_t feature) override {
     if (feature < AudioEngineFeatureVOIP || feature >= TotalFeatureMode) {
@@ -110,12 +123,14 @@ class AudioEngine : public IAudioEngine {
   }
 
   IAudioCapture* CreateAudioCapture() override {
+    const std::scoped_lock lock(m_capturesMutex);
     m_captures.push_back(std::make_unique<AudioCapture>(*this));
     return m_captures.back().get();
   }
 
   bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) override try {
-    StopAudioSaver();
+    if (RefusesInCallback(this, "IAudioEngine::StartAudioSaver")) return false;
+    EndSaver();
     const bool append = writing == AudioSaverFileAppend;
     if (mode == AudioSaverOnlyRender) {
       auto sink = FileSink::Create(file, Loudspeaker::kFormat, append);
@@ -137,36 +152,48 @@ class AudioEngine : public IAudioEngine {
     return true;
   } catch (const std::exception& error) {
     OutputDebugInfo("saver: does not start: %s", error.what());
-    StopAudioSaver();
+    EndSaver();
     return false;
   }
 
   void StopAudioSaver() override {
-    m_renderSaver = nullptr;
-    m_captureSaver = nullptr;
-    m_ownMicrophone = nullptr;
-    m_savedMicrophone = nullptr;
+    if (!RefusesInCallback(this, "IAudioEngine::StopAudioSaver")) EndSaver();
   }
 
   void Destroy() override;
 
   // A microphone is going to be closed.
   void Leave(const Microphone* microphone) {
-    if (microphone != nullptr && microphone == m_savedMicrophone) StopAudioSaver();
+    if (microphone != nullptr && microphone == m_savedMicrophone) EndSaver();
   }
 
   void Delete(const AudioCapture* capture) {
-    std::erase_if(m_captures, [&](const auto& own) { return own.get() == capture; });
+    // Closed after the lock is given back, because closing waits for callbacks.
+    std::unique_ptr<AudioCapture> deleted;
+    const std::scoped_lock lock(m_capturesMutex);
+    const auto found = std::find_if(m_captures.begin(), m_captures.end(),
+                                    [&](const auto& own) { return own.get() == capture; });
+    deleted = std::move(*found);
+    m_captures.erase(found);
   }
 
  private:
-  Microphone* OpenCapture() const {
+  void EndSaver() {
+    m_renderSaver = nullptr;
+    m_captureSaver = nullptr;
+    m_ownMicrophone = nullptr;
+    m_savedMicrophone = nullptr;
+  }
+
+  Microphone* OpenCapture() {
+    const std::scoped_lock lock(m_capturesMutex);
     for (const auto& capture : m_captures) {
       if (capture->OpenOne() != nullptr) return capture->OpenOne();
     }
     return nullptr;
   }
 
+  std::mutex m_capturesMutex;  // A notify may ask for one more.
   std::vector<std::unique_ptr<AudioCapture>> m_captures;
   std::unique_ptr<Microphone> m_ownMicrophone;  // Of a saver without an open capture.
   Microphone* m_savedMicrophone = nullptr;
@@ -174,23 +201,31 @@ class AudioEngine : public IAudioEngine {
   std::unique_ptr<desktop::RenderSaver> m_renderSaver;
 };
 
-void AudioCapture::Close() {
+void AudioCapture::CloseDevice() {
   if (m_microphone == nullptr) return;
   m_engine.Leave(m_microphone.get());
-  Stop();
+  EndCalls();
   m_microphone = nullptr;
 }
 
-void AudioCapture::Destroy() { m_engine.Delete(this); }
+void AudioCapture::Destroy() {
+  if (!RefusesInCallback(this, "IAudioCapture::Destroy")) m_engine.Delete(this);
+}
 
 // The engine of the process; it may stay alive to the end.
 std::mutex g_mutex;
 AudioEngine* g_engine = nullptr;
 
 void AudioEngine::Destroy() {
-  const std::scoped_lock lock(g_mutex);
-  g_engine = nullptr;
+  if (RefusesInCallback(this, "IAudioEngine::Destroy")) return;
+  {
+    const std::scoped_lock lock(g_mutex);
+    g_engine = nullptr;
+  }
+  // Waits for callbacks, which may make the next engine.
   delete this;
+  const std::scoped_lock lock(g_mutex);
+  if (g_engine != nullptr) return;
   desktop::SetEngineFeature(AudioEngineFeatureCommon);
   desktop::SetLogListener(nullptr);
 }
@@ -201,6 +236,9 @@ IAudioEngine* CreateAudioEngine(const char* /*path*/, int /*flags*/, const char*
                                 void (*log)(const char*)) {
   const std::scoped_lock lock(g_mutex);
   desktop::SetLogListener(log);
-  if (g_engine == nullptr) g_engine = new AudioEngine;
+  if (g_engine == nullptr) {
+    g_engine = new AudioEngine;
+    desktop::SetEngineFeature(AudioEngineFeatureCommon);
+  }
   return g_engine;
 }

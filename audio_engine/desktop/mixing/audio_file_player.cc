@@ -1,17 +1,29 @@
 #include "engine_api/mixing/audio_file_player.h"
 
 #include "desktop/mixing/file_player.h"
+#include "desktop/platform/callback_scope.h"
 
 namespace {
 
+using desktop::RefusesInCallback;
+
 class AudioFilePlayer : public IAudioFilePlayer {
  public:
-  FilePlayerOpenStatus Open(char* file) override { return m_player.Open(file); }
-  void Play() override { m_player.Play(); }
+  FilePlayerOpenStatus Open(char* file) override {
+    if (RefusesInCallback(this, "IAudioFilePlayer::Open")) return PLAYER_OPEN_FILE_PATH_ERROR;
+    return m_player.Open(file);
+  }
+  void Play() override {
+    if (!RefusesInCallback(this, "IAudioFilePlayer::Play")) m_player.Play();
+  }
   void Pause() override { m_player.Pause(); }
-  void Stop() override { m_player.Stop(); }
+  void Stop() override {
+    if (!RefusesInCallback(this, "IAudioFilePlayer::Stop")) m_player.Stop();
+  }
   void SetFeedBackToMicMode(AudioSourceType mode) override { m_player.SetFeedBack(mode); }
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "IAudioFilePlayer::Destroy")) delete this;
+  }
 
  private:
   desktop::FilePlayer m_player;

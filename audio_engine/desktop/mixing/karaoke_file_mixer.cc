@@ -9,6 +9,7 @@
 
 #include "desktop/mixing/file_sink.h"
 #include "desktop/mixing/karaoke_mix.h"
+#include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -17,6 +18,7 @@ using desktop::DeviceFormat;
 using desktop::FileSink;
 using desktop::FileSource;
 using desktop::KaraokeMix;
+using desktop::RefusesInCallback;
 using std::chrono::steady_clock;
 
 constexpr auto kBetweenReports = std::chrono::milliseconds(100);
@@ -37,7 +39,9 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
  public:
   ~KaraokeFileMixer() override { KaraokeFileMixer::Stop(); }
 
-  void SetKaraokeFileMixerNotify(IKaraokeFileMixerNotify* notify) override { m_notify = notify; }
+  void SetKaraokeFileMixerNotify(IKaraokeFileMixerNotify* notify) override {
+    if (!RefusesInCallback(this, "IKaraokeFileMixer::SetKaraokeFileMixerNotify")) m_notify = notify;
+  }
 
   bool Open(char* voiceFile, char* accompanyFile) override {
     std::unique_ptr<FileSource> source;
@@ -64,6 +68,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
   void SetLimiterParam(LimiterParam parameter) override { m_settings.limiterParameter = parameter; }
 
   bool Start(char* outputFile) override {
+    if (RefusesInCallback(this, "IKaraokeFileMixer::Start")) return false;
     Stop();
     m_stop = false;
     Run run;
@@ -74,17 +79,20 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
       return mixes;
     } catch (const std::exception& error) {
       OutputDebugInfo("karaoke mixer: cannot start: %s", error.what());
-      if (m_notify != nullptr) m_notify->OnFinishMixer();
+      TellEnd();
       return false;
     }
   }
 
   void Stop() override {
+    if (RefusesInCallback(this, "IKaraokeFileMixer::Stop")) return;
     m_stop = true;
     if (m_thread.joinable()) m_thread.join();
   }
 
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "IKaraokeFileMixer::Destroy")) delete this;
+  }
 
  private:
   // Without a mix when something is missing; the log has a line then.
@@ -121,6 +129,11 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
       OutputDebugInfo("karaoke mixer: stopped: %s", error.what());
     }
     run = {};
+    TellEnd();
+  }
+
+  void TellEnd() const {
+    const desktop::CallbackScope scope(this);
     if (m_notify != nullptr) m_notify->OnFinishMixer();
   }
 
@@ -143,6 +156,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
 
   void Report(uint64_t done, DeviceFormat format, uint32_t total) const {
     const auto doneMs = static_cast<uint32_t>(done * 1000 / format.rate);
+    const desktop::CallbackScope scope(this);
     if (m_notify != nullptr) m_notify->OnFileMixerState(std::min(doneMs, total), total);
   }
 

@@ -14,6 +14,7 @@
 #include "desktop/mixing/note_scorer.h"
 #include "desktop/mixing/pitch_tracker.h"
 #include "desktop/mixing/sum_limiter.h"
+#include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -21,6 +22,7 @@ namespace {
 using desktop::DeviceFormat;
 using desktop::FileSink;
 using desktop::PitchTracker;
+using desktop::RefusesInCallback;
 
 constexpr DeviceFormat kVoice = {44100, 1};
 constexpr DeviceFormat kMix = {44100, 2};
@@ -97,6 +99,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
   ~KaraokeRecorder() override { KaraokeRecorder::Stop(); }
 
   bool OpenInputFile(char* guideFile, char* accompanyFile) override {
+    if (RefusesInCallback(this, "IKaraokeRecorder::OpenInputFile")) return false;
     Stop();
     m_songFile.clear();
     for (const char* name : {accompanyFile, guideFile}) {
@@ -108,6 +111,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
   bool OpenOutputFile(char* voiceFile, char* mixFile) override {
+    if (RefusesInCallback(this, "IKaraokeRecorder::OpenOutputFile")) return false;
     Stop();
     const bool voice = OpenSink(voiceFile, kVoice, &m_files.voice);
     const bool mix = OpenSink(mixFile, kMix, &m_files.mix);
@@ -124,6 +128,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
   bool Start() override try {
+    if (RefusesInCallback(this, "IKaraokeRecorder::Start")) return false;
     if (m_recording != nullptr) return false;
     if (m_files.voice == nullptr && m_files.mix == nullptr) {
       OutputDebugInfo("karaoke recorder: there is no file to record into");
@@ -152,6 +157,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
   void Stop() override {
+    if (RefusesInCallback(this, "IKaraokeRecorder::Stop")) return;
     m_player.Stop();
     if (m_recording == nullptr) return;
     m_microphone = nullptr;
@@ -159,7 +165,9 @@ class KaraokeRecorder : public IKaraokeRecorder {
     m_recording = nullptr;
   }
 
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "IKaraokeRecorder::Destroy")) delete this;
+  }
 
  private:
   // True without a name too.

@@ -27,7 +27,7 @@ class NoteScorer {
 
   size_t NotesToSing() const;
   size_t NotesSung() const { return m_sung; }
-  size_t NotesHit() const { return m_hit; }  // Within 50 cents.
+  size_t NotesHit() const { return m_hit; }  // Within 50 cents, octaves folded.
 
  private:
   int FindNote(double timeMs) const;

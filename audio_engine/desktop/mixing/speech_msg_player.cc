@@ -5,22 +5,25 @@
 #include <thread>
 
 #include "desktop/mixing/file_player.h"
+#include "desktop/platform/callback_scope.h"
 #include "desktop/platform/wake.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
+using desktop::RefusesInCallback;
 using std::chrono::milliseconds;
 
 class SpeechMsgPlayer : public ISpeechMsgPlayer {
  public:
   explicit SpeechMsgPlayer(const char* file) { m_player.Open(file); }
-  ~SpeechMsgPlayer() override { Stop(); }
+  ~SpeechMsgPlayer() override { SpeechMsgPlayer::Stop(); }
 
   bool Init() override { return GetRecordFileTime() > 0; }
   uint32_t GetRecordFileTime() override { return m_player.LengthMs(); }
 
   bool Start(ISpeechMsgPlayerNotify* notify) override {
+    if (RefusesInCallback(this, "ISpeechMsgPlayer::Start")) return false;
     Stop();
     if (!Init() || !m_player.Play()) return false;
     try {
@@ -35,6 +38,7 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
   }
 
   void Stop() override {
+    if (RefusesInCallback(this, "ISpeechMsgPlayer::Stop")) return;
     if (m_thread.joinable()) {
       m_stop = true;
       m_wake.Post();
@@ -44,7 +48,9 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
     m_player.Stop();
   }
 
-  void Destroy() override { delete this; }
+  void Destroy() override {
+    if (!RefusesInCallback(this, "ISpeechMsgPlayer::Destroy")) delete this;
+  }
 
  private:
   static constexpr milliseconds kLookEvery{10};
@@ -53,6 +59,7 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
   bool Goes() const { return m_player.IsPlaying() && !m_stop; }
 
   void Notify() {
+    const desktop::CallbackScope scope(this);
     const uint32_t total = m_player.LengthMs();
     while (m_player.PlayedMs() == 0 && Goes()) m_wake.WaitFor(kLookEvery);
     if (m_player.PlayedMs() > 0) TellHowItPlays(total);

@@ -12,6 +12,7 @@
 namespace {
 
 std::atomic<void (*)(const char*)> g_listener = nullptr;
+thread_local bool t_inListener = false;
 
 // The local time of day, as in "12:34:56.789 ".
 std::string TimeOfDay() {
@@ -49,14 +50,18 @@ void OutputDebugInfo(const char* format, ...) {
   if (line.back() != '\n') line += '\n';
   // One call, so that the lines of several threads stay whole.
   fwrite(line.data(), 1, line.size(), stderr);
-  if (const auto listener = g_listener.load(); listener != nullptr) {
+  if (const auto listener = g_listener.load(); listener != nullptr && !t_inListener) {
     line.pop_back();
+    t_inListener = true;
     listener(line.c_str());
+    t_inListener = false;
   }
 }
 
 namespace desktop {
 
 void SetLogListener(void (*listener)(const char* line)) { g_listener = listener; }
+
+bool IsInLogListener() { return t_inListener; }
 
 }  // namespace desktop

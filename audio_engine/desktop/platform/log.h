@@ -6,4 +6,7 @@ namespace desktop {
 // any thread, several at once perhaps; null for nobody. Any thread.
 void SetLogListener(void (*listener)(const char* line));
 
+// Whether the calling thread is in the listener. Lines that it writes itself do not go to it again.
+bool IsInLogListener();
+
 }  // namespace desktop

@@ -74,6 +74,8 @@ TEST_F(NoteScorerTest, TakesTheMedianAndFoldsOctaves) {
   Sing(1100, 1500, 69 - 24 + 0.3);
   Sing(1500, 2000, 57 + 12 - 0.4);
   EXPECT_THAT(m_visual, testing::ElementsAre(3, -4, 127, 127));
+  m_scorer.Finish();
+  EXPECT_EQ(m_scorer.NotesHit(), 2U);  // In another octave, and hit all the same.
 }
 
 TEST_F(NoteScorerTest, ShowsANoteOnceThirtyMillisecondsOfItWereSung) {

@@ -3,7 +3,8 @@
 #include "../common/visibility.h"
 
 // What a beat tracker tells its owner, on the thread that calls the tracker and before that call
-// returns. The slot order is fixed.
+// returns. The slot order is fixed. From them every operation of that tracker is refused with one
+// line in the log; Detectbeat returns kBeatTrackBadBlock then.
 class ENGINE_API IBeatTrackNotify {
  public:
   virtual ~IBeatTrackNotify() = default;

@@ -6,7 +6,8 @@
 #include "../enhancement/voice_detection.h"
 
 // What a capture hands to its owner. The calls come on a thread of the engine; the slot order is
-// fixed.
+// fixed. From them Open, Start, Stop, Close and Destroy of that capture, and StartAudioSaver,
+// StopAudioSaver and Destroy of its engine, are refused with one line in the log; the rest works.
 class ENGINE_API IAudioCaptureNotify {
  public:
   virtual ~IAudioCaptureNotify() = default;

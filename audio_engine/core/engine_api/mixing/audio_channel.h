@@ -7,7 +7,9 @@
 #include "audio_frame_player_notify.h"
 
 // One side of a call: packs what the microphone hears into coded frames, and plays coded frames
-// that it pulls from its owner. Belongs to one thread, which calls nothing of it from a notify.
+// that it pulls from its owner. Belongs to one thread. Its notifies may call EnablePackerVad; what
+// else they call of their own channel is refused: false, or nothing happens, and one line in the
+// log.
 class ENGINE_API IAudioChannel {
  public:
   // A new channel, owned by the caller until Destroy; never null.

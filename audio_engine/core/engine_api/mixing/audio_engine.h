@@ -68,7 +68,8 @@ class ENGINE_API IAudioEngine {
   virtual bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) = 0;
   virtual void StopAudioSaver() = 0;
 
-  // Ends everything of the engine and deletes it.
+  // Ends everything of the engine and deletes it. A callback that it waits for may call
+  // CreateAudioEngine, which makes the next engine then.
   virtual void Destroy() = 0;
 
  protected:
@@ -77,6 +78,7 @@ class ENGINE_API IAudioEngine {
 
 // The engine of this process, made by the first call; never null. The first three arguments are not
 // used on a desktop. Every line of the engine's log also goes to `log`, from any thread; null for
-// nobody.
+// nobody. What `log` writes to the log does not reach it again. In `log`, operations that start,
+// stop or destroy an object of the engine are refused with one line. Any thread.
 ENGINE_API IAudioEngine* CreateAudioEngine(const char* path, int flags, const char* device,
                                            void (*log)(const char*));

@@ -6,7 +6,8 @@
 #include "../enhancement/voice_detection.h"
 
 // What a frame packer hands to its owner. The calls come on a thread of the engine, never on the
-// device's; the slot order is fixed.
+// device's; the slot order is fixed. From them EnablePackerVad of the channel works; all else of it
+// is refused with one line in the log.
 class ENGINE_API IAudioFramePackerNotify {
  public:
   virtual ~IAudioFramePackerNotify() = default;

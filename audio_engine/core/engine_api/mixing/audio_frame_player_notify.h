@@ -29,7 +29,8 @@ struct FramePlayerFeedbackInfo {
 };
 
 // What a frame player asks of its owner. The calls come on a thread of the engine, never on the
-// device's; the slot order is fixed.
+// device's; the slot order is fixed. From them EnablePackerVad of the channel works; all else of it
+// is refused with one line in the log.
 class ENGINE_API IAudioFramePlayerNotify {
  public:
   virtual ~IAudioFramePlayerNotify() = default;

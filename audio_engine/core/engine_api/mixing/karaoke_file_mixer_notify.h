@@ -5,7 +5,8 @@
 #include "../common/visibility.h"
 
 // What a karaoke file mixer tells its owner. The calls come on the mixer's thread; the slot order
-// is fixed.
+// is fixed. From them Start, Stop, Destroy and SetKaraokeFileMixerNotify of that mixer are refused
+// with one line in the log; the rest works.
 class ENGINE_API IKaraokeFileMixerNotify {
  public:
   virtual ~IKaraokeFileMixerNotify() = default;

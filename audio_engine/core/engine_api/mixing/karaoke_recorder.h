@@ -43,8 +43,9 @@ class ENGINE_API IKaraokeRecorder {
   virtual void SetLineInfo(ScoreLineInfo* lines, int count) = 0;
 
   // Copies the notes. pitchVisual[i] shows how note i was sung, from Start to Destroy: 127 = not
-  // yet, else tenths of the cents above the note, octaves folded, -60 to 60. The array is the
-  // caller's and is not touched after Destroy.
+  // yet, else tenths of the cents above the note, -60 to 60. Octaves are folded, so that a note
+  // sung an octave higher or lower shows 0, and counts as a hit in the log line that ends a
+  // recording. The array is the caller's and is not touched after Destroy.
   virtual void SetScoreTimeRange(ScoreTimeRange* notes, uint32_t count, int8_t* pitchVisual) = 0;
 
   // Starts to play and to record. False when no file can be written.

@@ -5,7 +5,8 @@
 #include "../common/visibility.h"
 
 // What the player of a speech message tells its owner. The calls come on a thread of the engine;
-// the slot order is fixed. Times in ms.
+// the slot order is fixed. Times in ms. From them Start, Stop and Destroy of that player are
+// refused with one line in the log; the rest works.
 class ENGINE_API ISpeechMsgPlayerNotify {
  public:
   virtual ~ISpeechMsgPlayerNotify() = default;
