@@ -94,10 +94,10 @@ bool Audio::IsFloat32() const { return Packed(*this, Coding::kFloat, 32); }
 
 Parsed Find(FILE* file, uint64_t fileBytes) {
   unsigned char head[12];
-  if (fseeko(file, 0, SEEK_SET) != 0 || fread(head, 1, 12, file) < 4 || !Is(head, "RIFF")) {
-    return {{}, "not RIFF"};
-  }
-  if (!Is(head + 8, "WAVE")) return {{}, "not WAVE"};
+  if (fseeko(file, 0, SEEK_SET) != 0) return {{}, "not RIFF"};
+  const size_t headBytes = fread(head, 1, sizeof head, file);
+  if (headBytes < 4 || !Is(head, "RIFF")) return {{}, "not RIFF"};
+  if (headBytes < sizeof head || !Is(head + 8, "WAVE")) return {{}, "not WAVE"};
 
   Audio audio;
   const char* fault = "no format ahead of the samples";
@@ -125,7 +125,7 @@ Parsed Find(FILE* file, uint64_t fileBytes) {
 
 std::string LengthFault(FILE* file, const Audio& audio, uint64_t fileBytes) {
   const uint64_t samples = NumberAt(file, audio.offset - 4);
-  const uint64_t there = fileBytes - audio.offset;
+  const uint64_t there = fileBytes - std::min(fileBytes, audio.offset);
   if (samples > there ||
       Padded(EndOfChunks(file, audio.offset + Padded(samples), fileBytes)) != Padded(fileBytes)) {
     return "its header announces " + std::to_string(samples) + " bytes of samples, there are " +
