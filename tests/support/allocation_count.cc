@@ -7,19 +7,29 @@
 namespace {
 
 std::atomic<size_t> g_allocations = 0;
+std::atomic<size_t> g_largest = 0;
+
+void Count(size_t bytes) {
+  ++g_allocations;
+  size_t largest = g_largest;
+  while (bytes > largest && !g_largest.compare_exchange_weak(largest, bytes)) {
+  }
+}
 
 }  // namespace
 
 size_t AllocationCount() { return g_allocations; }
 
+size_t LargestAllocation() { return g_largest.exchange(0); }
+
 void* operator new(size_t bytes) {
-  ++g_allocations;
+  Count(bytes);
   if (void* memory = std::malloc(bytes)) return memory;
   throw std::bad_alloc();
 }
 
 void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
-  ++g_allocations;
+  Count(bytes);
   return std::malloc(bytes);
 }
 

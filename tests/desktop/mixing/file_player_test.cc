@@ -10,6 +10,7 @@
 #include "engine_api/mixing/speech_msg_player.h"
 #include "in_time.h"
 #include "played.h"
+#include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/signals.h"
@@ -213,6 +214,19 @@ TEST_F(FilePlayerTest, AnswersWhyItCannotPlayAndPlaysNothing) {
     EXPECT_EQ(desktop::Loudspeaker::Shared().Device().Blocks(), blocks);
     player->Destroy();
   }
+}
+
+TEST_F(FilePlayerTest, RefusesARateThatCannotBePlayedBeforeItTakesRoomForIt) {
+  FilePlayer player;
+  for (const int rate : {1, 2, 7, 40}) {
+    Write("slow.wav", Noise(5000), rate);
+    LargestAllocation();
+    EXPECT_EQ(player.Open("slow.wav"), PLAYER_CREATE_FILE_DECODER_FAILED) << rate;
+    EXPECT_LT(LargestAllocation(), size_t{4} << 20) << rate;
+    EXPECT_FALSE(player.IsOpen()) << rate;
+  }
+  EXPECT_THAT(m_log.Lines(),
+              testing::Each(testing::EndsWith("slow.wav: its rate cannot be played")));
 }
 
 TEST_F(FilePlayerTest, PlaysSeveralAtOnce) {
