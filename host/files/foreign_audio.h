@@ -6,10 +6,13 @@
 
 namespace host {
 
-// What kind of audio file these are the first bytes of: "a WAVE file", "a FLAC file", "an MP3
-// file", "an Ogg file", "an AAC file", "an MP4 file"; empty when they may well be headerless
-// samples. MPEG and ADTS are recognised by two frame headers at the right distance, because samples
-// look like one by chance.
+// The two kinds that hold no audio.
+inline constexpr std::string_view kText = "a text";
+inline constexpr std::string_view kProgram = "a program";
+
+// What kind of file these are the first bytes of ("a WAVE file", "an MP3 file", kText); empty when
+// they may well be headerless samples. A kind is recognised by four bytes at least, or by what
+// follows them, so that samples are not taken for it by chance.
 std::string_view ForeignAudio(std::span<const unsigned char> head);
 
 // The same of an open file, which is read from its beginning.

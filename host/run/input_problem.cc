@@ -47,6 +47,10 @@ std::string WrongFormat(const FilePlace& input) {
   const std::string kind(wave ? "" : ForeignAudio(file));
   fclose(file);
   if (kind.empty()) return noWave;
+  if (kind == kText || kind == kProgram) {
+    return "input " + FileName(input) + " is " + kind + ", not headerless samples" +
+           MissingInputRemedy(input);
+  }
   return "input " + FileName(input) + " is " + kind +
          ", not headerless samples; to convert it: " + HeaderlessConversion(input);
 }

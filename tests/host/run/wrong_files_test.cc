@@ -50,6 +50,21 @@ TEST_F(RunTest, RefusesAnInputOfAnotherKindAndSaysHowToConvertIt) {
   EXPECT_FALSE(fs::exists("bench_work/out"));
 }
 
+TEST_F(RunTest, RefusesATextOrAProgramAsSamples) {
+  std::string list;
+  for (int i = 0; i < 100; ++i) list += "recordings/number" + std::to_string(i) + ".wav\n";
+  for (const auto& [bytes, kind] :
+       {std::pair(list, "a text"), {ReadFile(AUDIO_BENCH_PROBE), "a program"}}) {
+    Put("in", bytes);
+    const Finished run = Run({"Copy", "in", "out"});
+    EXPECT_EQ(run.exitCode, 1) << kind;
+    EXPECT_THAT(run.out, HasSubstr(std::string("input in (bench_work/in) is ") + kind +
+                                   ", not headerless samples; it takes 16-bit samples, 8000 Hz"));
+    EXPECT_THAT(run.out, HasSubstr("ffmpeg -i YOUR_FILE -f s16le -ar 8000 -ac 1 bench_work/in"));
+    EXPECT_FALSE(fs::exists("bench_work/out"));
+  }
+}
+
 TEST_F(RunTest, FailsOnAnOutputThatIsNotWhole) {
   EXPECT_EQ(Run({"WriteBytes", "4"}).exitCode, 0);
   Finished run = Run({"WriteBytes", "5"});
