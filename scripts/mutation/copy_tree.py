@@ -1,0 +1,105 @@
+"""A copy of the working tree that is broken, built and tested in place of the tree itself."""
+
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import time
+
+# The groups whose tests also exercise what stands in a group.
+BUILT_ON = {"platform": ["mixing"], "common": ["codec", "mixing"], "enhancement": ["aec"], "wave": ["common"],
+            "base": ["report", "run", "cli"], "files": ["run"], "process": ["run", "cli"], "report": ["run", "cli"],
+            "catalogue": ["cli", "run"], "cli": ["run"], "run": ["cli", "process"], "harness": []}
+STATIONS = {"audio_engine/core": "contract", "audio_engine/desktop": "desktop", "audio_engine/wave": "desktop",
+            "host": "host"}
+LEAST_SECONDS = 60  # That a test program may take; a busy machine is no killed mutant.
+
+
+class CopyTree:
+    def __init__(self, root, folder):
+        self.folder = folder
+        self.build = folder / "build" / "mutate"
+        self._inputs = {}
+        self._seconds = {}
+        folder.mkdir(parents=True, exist_ok=True)
+        listed = subprocess.run(["git", "-C", str(root), "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
+                                check=True, capture_output=True).stdout.decode().split("\0")
+        for name in filter(None, listed):
+            source, target = root / name, folder / name
+            if not source.is_file():
+                target.unlink(missing_ok=True)
+            elif not target.is_file() or source.read_bytes() != target.read_bytes():
+                target.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(source, target)
+        self._call(["cmake", "-S", str(folder), "-B", str(self.build), "-G", "Ninja", "-DBUILD_TESTING=ON",
+                    "-DCMAKE_BUILD_TYPE=Release"])
+        shown = self._call(["ctest", "--test-dir", str(self.build), "--show-only=json-v1"])
+        targets = self._call(["ninja", "-C", str(self.build), "-t", "targets", "all"])
+        targets = {line.split(":")[0] for line in targets.split("\n")}
+        # A test program of the project has the name of its test.
+        self.programs = [test["name"] for test in json.loads(shown)["tests"]
+                         if test["name"] in targets and "fuzz" not in test["name"]]
+
+    def _call(self, command):
+        done = subprocess.run(command, capture_output=True, text=True)
+        if done.returncode != 0:
+            raise SystemExit("mutate: " + " ".join(command) + "\n" + done.stdout[-3000:] + done.stderr[-3000:])
+        return done.stdout
+
+    def _tests_of(self, program):
+        """The folders under tests/ that the sources of a program stand in."""
+        if program not in self._inputs:
+            lines = self._call(["ninja", "-C", str(self.build), "-t", "inputs", program]).split("\n")
+            names = {os.path.relpath(line, self.folder) if os.path.isabs(line) else line for line in lines}
+            self._inputs[program] = {str(pathlib.PurePath(n).parent) for n in names if n.startswith("tests/")}
+        return self._inputs[program]
+
+    def covering(self, source):
+        """Names of the tests that exercise a source: those of its group, then of what builds on it."""
+        station = next(s for prefix, s in STATIONS.items() if source.startswith(prefix))
+        group = next(g for g in (pathlib.PurePath(source).parent.name, pathlib.PurePath(source).parts[-3])
+                     if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing", "demo"))
+        names = []
+        for wanted in [group, *BUILT_ON.get(group, [])]:
+            folder = f"tests/{station}/{wanted}"
+            for name in self.programs:
+                if name not in names and any(f == folder or f.startswith(folder + "/") for f in self._tests_of(name)):
+                    names.append(name)
+        return names
+
+    def compile(self, names):
+        """Builds the programs of these tests and what they start; whether that worked."""
+        targets = list(names)
+        if any(folder.startswith("tests/host") for name in names for folder in self._tests_of(name)):
+            targets += ["audio_bench", "audio_bench_probe"]
+        return subprocess.run(["ninja", "-C", str(self.build), *targets],
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+
+    def fails(self, name, case=None):
+        """Whether a test fails, or takes ten times as long as it took at first."""
+        command = ["ctest", "--test-dir", str(self.build), "-R", f"^{name}$"]
+        environment = dict(os.environ, **({"GTEST_FILTER": case} if case else {}))
+        environment.setdefault("GTEST_FAIL_FAST", "1")
+        most = max(LEAST_SECONDS, 10 * self._seconds.get(name, 100))
+        start = time.monotonic()
+        with subprocess.Popen(command, env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              start_new_session=True) as process:
+            try:
+                failed = process.wait(most) != 0
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                return True
+        if case is None and not failed:
+            self._seconds.setdefault(name, time.monotonic() - start)
+        return failed
+
+    def code_of(self, source):
+        """The machine code that stands for a source at the moment; empty for a header."""
+        objects = list(self.build.rglob(pathlib.PurePath(source).name + ".o"))
+        code = b""
+        for place in sorted(o for o in objects if str(pathlib.PurePath(source).parent.name) in str(o)):
+            dump = subprocess.run(["objdump", "-d", "-s", "--no-show-raw-insn", str(place)], capture_output=True).stdout
+            code += dump[dump.find(b"\n\n"):]
+        return code
