@@ -54,7 +54,7 @@ bool FilePlayer::Play() {
   m_underruns = 0;
   try {
     m_plays = true;
-    m_thread = std::thread(&FilePlayer::Run, this);
+    m_thread = StartThread([this] { Run(); });
     m_background.emplace([this](steady_clock::time_point deadline) {
       while (m_plays && !m_paused && steady_clock::now() < deadline) {
         std::this_thread::sleep_for(milliseconds(5));
@@ -87,8 +87,8 @@ void FilePlayer::Run() {
   if (WaitUntilOver()) {
     // The last samples are on their way to the loudspeaker.
     const milliseconds latency(Loudspeaker::Shared().Device().LatencyMs());
-    const auto heard = steady_clock::now() + latency;
-    while (!m_stop && steady_clock::now() < heard) m_wake.WaitFor(latency);
+    const Time heard = Now() + latency;
+    while (!m_stop && Now() < heard) m_wake.WaitUntil(heard);
   }
   Loudspeaker::Shared().Remove(this);
   if (m_underruns > 0) {

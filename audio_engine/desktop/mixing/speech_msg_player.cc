@@ -28,7 +28,7 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
     if (!Init() || !m_player.Play()) return false;
     try {
       m_notify = notify;
-      if (notify != nullptr) m_thread = std::thread(&SpeechMsgPlayer::Notify, this);
+      if (notify != nullptr) m_thread = desktop::StartThread([this] { Notify(); });
       return true;
     } catch (const std::system_error& error) {
       OutputDebugInfo("speech message: %s", error.what());

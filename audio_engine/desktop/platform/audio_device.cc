@@ -57,7 +57,10 @@ void StopAudioDevices() {
     {
       const std::scoped_lock lock(Running().mutex);
       if (Running().devices.empty()) return;
-      for (AudioDevice* device : Running().devices) device->m_stop = true;
+      for (AudioDevice* device : Running().devices) {
+        device->m_stop = true;
+        device->m_wake.Post();
+      }
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
@@ -97,7 +100,7 @@ bool AudioDevice::Start() {
   try {
     m_samples.assign(m_format.BlockFrames() * m_format.channels, 0);
     Register(this);
-    m_thread = std::thread(&AudioDevice::Run, this);
+    m_thread = StartThread([this] { Run(); });
   } catch (const std::exception& error) {
     Unregister(this);
     OutputDebugInfo("%s: does not start: %s", Name(), error.what());
@@ -109,11 +112,12 @@ bool AudioDevice::Start() {
 void AudioDevice::Stop() {
   if (!m_thread.joinable()) return;
   m_stop = true;
+  m_wake.Post();
   m_thread.join();
 }
 
 void AudioDevice::Run() {
-  const auto start = steady_clock::now();
+  const Time start = Now();
   if (!RunOnServer()) RunOnClock(start);
   OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s, latency %u ms", Name(),
                   static_cast<unsigned long long>(m_blocks),
@@ -165,14 +169,14 @@ bool AudioDevice::Exchange(PulseStream& stream) {
   return true;
 }
 
-void AudioDevice::RunOnClock(steady_clock::time_point start) {
+void AudioDevice::RunOnClock(Time start) {
   const double speed = g_nullSpeed > 0 ? g_nullSpeed.load() : 1;
   ClockPacer pacer(m_direction, m_format, speed, start, m_blocks);
   m_latencyMs = m_direction == Direction::kInput ? 10 : 0;
   while (true) {
-    std::this_thread::sleep_until(pacer.Due());
+    while (!m_stop && Now() < pacer.Due()) m_wake.WaitUntil(pacer.Due());
     if (m_stop) return;
-    if (pacer.Pass(steady_clock::now())) ++m_failures;
+    if (pacer.Pass(Now())) ++m_failures;
     if (m_direction == Direction::kInput) std::fill(m_samples.begin(), m_samples.end(), short{0});
     CallBlock();
   }

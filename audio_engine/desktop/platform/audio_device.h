@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "desktop/platform/wake.h"
+
 // The loudspeaker and the microphone of the machine, in blocks of 10 ms.
 
 namespace desktop {
@@ -66,7 +68,7 @@ class AudioDevice {
 
   bool RunOnServer();
   bool Exchange(PulseStream& stream);
-  void RunOnClock(std::chrono::steady_clock::time_point start);
+  void RunOnClock(Time start);
   void CallBlock();
 
   const Direction m_direction;
@@ -75,6 +77,7 @@ class AudioDevice {
   std::vector<short> m_samples;  // One block.
   std::thread m_thread;
   std::atomic<bool> m_stop = false;
+  Wake m_wake;  // From the wait for the null device's next block, in order to stop.
   std::atomic<uint64_t> m_blocks = 0;
   std::atomic<uint64_t> m_failures = 0;
   std::atomic<uint32_t> m_latencyMs = 0;

@@ -9,7 +9,7 @@ BlockWorker::BlockWorker(DeviceFormat format, Work work)
       m_work(std::move(work)),
       m_ring(200 * format.BlockFrames() * format.channels),
       m_block(format.BlockFrames() * format.channels),
-      m_thread(&BlockWorker::Run, this) {}
+      m_thread(StartThread([this] { Run(); })) {}
 
 BlockWorker::~BlockWorker() { Stop(); }
 

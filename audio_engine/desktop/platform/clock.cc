@@ -1,14 +1,15 @@
 #include "engine_api/platform/clock.h"
 
 #include <chrono>
-#include <thread>
+
+#include "desktop/platform/wake.h"
 
 void SleepMs(int milliseconds) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  if (milliseconds > 0) desktop::Wake().WaitFor(std::chrono::milliseconds(milliseconds));
 }
 
 uint32_t GetExactTickCount() {
   using std::chrono::milliseconds;
-  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+  const auto sinceStart = desktop::Now().time_since_epoch();
   return static_cast<uint32_t>(std::chrono::duration_cast<milliseconds>(sinceStart).count());
 }

@@ -9,7 +9,7 @@ using std::chrono::nanoseconds;
 ClockPacer::ClockPacer(Direction direction, DeviceFormat format, double speed, Time start,
                        uint64_t blocksDone)
     : m_nanosecondsPerBlock(1e9 * static_cast<double>(format.BlockFrames()) / format.rate / speed),
-      m_start(std::chrono::steady_clock::now()) {
+      m_start(Now()) {
   if (direction == Direction::kInput) {
     m_start = start + DurationOf(static_cast<double>(blocksDone + 1));
   }

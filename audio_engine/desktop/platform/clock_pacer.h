@@ -12,8 +12,6 @@ namespace desktop {
 // than two seconds it is given up.
 class ClockPacer {
  public:
-  using Time = std::chrono::steady_clock::time_point;
-
   // A block of an output is due when it begins, the first one now. A block of an input is due when
   // it is over: the first at `start`, after which `blocksDone` were handed over already.
   ClockPacer(Direction direction, DeviceFormat format, double speed, Time start,

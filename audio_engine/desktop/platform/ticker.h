@@ -1,10 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <thread>
+
+#include "desktop/platform/wake.h"
 
 namespace desktop {
 
@@ -27,9 +28,8 @@ class Ticker {
 
   const std::chrono::milliseconds m_period;
   const std::function<void()> m_step;
-  std::mutex m_mutex;
-  std::condition_variable m_changed;
-  bool m_ends = false;
+  Wake m_wake;
+  std::atomic<bool> m_ends = false;
   std::thread m_thread;
 };
 

@@ -2,9 +2,9 @@
 
 #include <semaphore.h>
 
-#include <cerrno>
 #include <chrono>
-#include <ctime>
+
+#include "desktop/platform/step_clock.h"
 
 namespace desktop {
 
@@ -16,27 +16,19 @@ class Wake {
   Wake(const Wake&) = delete;
   Wake& operator=(const Wake&) = delete;
 
-  void Post() { sem_post(&m_semaphore); }
+  void Post();
 
   // Waits for one Post.
-  void Wait() {
-    while (sem_wait(&m_semaphore) != 0 && errno == EINTR) {
-    }
-  }
+  void Wait();
 
-  // Waits for one Post, but no longer than `limit`, whatever becomes of the time of day.
-  void WaitFor(std::chrono::milliseconds limit) {
-    timespec until;
-    clock_gettime(CLOCK_MONOTONIC, &until);
-    const auto nanoseconds = until.tv_nsec + limit.count() % 1000 * 1'000'000;
-    until.tv_sec += limit.count() / 1000 + nanoseconds / 1'000'000'000;
-    until.tv_nsec = nanoseconds % 1'000'000'000;
-    while (sem_clockwait(&m_semaphore, CLOCK_MONOTONIC, &until) != 0 && errno == EINTR) {
-    }
-  }
+  // Waits for one Post, but no longer than `limit`, or until a time, whatever becomes of the time
+  // of day.
+  void WaitFor(std::chrono::milliseconds limit) { WaitUntil(Now() + limit); }
+  void WaitUntil(Time until);
 
  private:
   sem_t m_semaphore;
+  StepClock::Waiter m_waiter;  // Instead of the semaphore while there is such a clock.
 };
 
 }  // namespace desktop

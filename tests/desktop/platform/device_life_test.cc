@@ -1,0 +1,83 @@
+// What a device and a worker leave behind when they end, start anew, or do not start.
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "desktop/platform/audio_device.h"
+#include "desktop/platform/block_worker.h"
+#include "desktop/platform/step_clock.h"
+#include "engine_api/platform/clock.h"
+#include "support/child_process.h"
+
+namespace {
+
+using desktop::AudioDevice;
+using desktop::Direction;
+
+TEST(DeviceLife, CountsAnewWithEachStart) {
+  const desktop::StepClock clock;
+  desktop::UseNullDevices(1);
+  AudioDevice device(Direction::kInput, {}, [](short*, size_t) {});
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(device.Start());
+    SleepMs(1005);
+    EXPECT_EQ(device.Blocks(), 100U);
+    EXPECT_EQ(device.LatencyMs(), 10U);
+    device.Stop();
+    EXPECT_EQ(device.Blocks(), 100U);
+  }
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+// A stack of more than there are addresses.
+void AllowNoThread() {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, size_t{1} << 47);
+  pthread_setattr_default_np(&attributes);
+}
+
+// Those that wait for all devices to end would wait for one that has never run.
+TEST(DeviceLife, IsForgottenWhenItDoesNotStart) {
+  const int status = RunInChild([] {
+    desktop::UseNullDevices(1);
+    AudioDevice device(Direction::kInput, {}, [](short*, size_t) {});
+    AllowNoThread();
+    if (device.Start()) _exit(2);
+    rusage before = {};
+    rusage after = {};
+    getrusage(RUSAGE_THREAD, &before);
+    desktop::StopAudioDevices();
+    getrusage(RUSAGE_THREAD, &after);
+    // It sleeps between two looks.
+    _exit(after.ru_nvcsw - before.ru_nvcsw < 5 ? 0 : 1);
+  });
+  EXPECT_EQ(status, 0);
+}
+
+#endif
+
+TEST(BlockWorker, WorksOnWhatWaitsWhenItIsStopped) {
+  std::atomic<bool> goesOn = false;
+  std::atomic<int> worked = 0;
+  desktop::BlockWorker worker({16000, 1}, [&](short*, size_t) {
+    while (!goesOn) std::this_thread::yield();
+    ++worked;
+  });
+  const std::vector<short> block(160);
+  for (int i = 0; i < 50; ++i) worker.Put(block.data());
+  std::thread stopper([&] { worker.Stop(); });
+  // The worker is in its first block when it is told to stop.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  goesOn = true;
+  stopper.join();
+  EXPECT_EQ(worked, 50);
+  EXPECT_EQ(worker.Dropped(), 0U);
+}
+
+}  // namespace
