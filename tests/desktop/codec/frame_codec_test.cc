@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <tuple>
 
 #include "codec_material.h"
 #include "desktop/codec/codec_table.h"
@@ -122,6 +123,69 @@ TEST(FrameDecoder, ConcealsWithSilenceBeforeTheFirstFrame) {
     Samples frame(static_cast<size_t>(decoder->samplesPerFrame()), 0x5a5a);
     decoder->Conceal(frame.data());
     EXPECT_THAT(frame, Each(AllOf(Ge(-1), Le(1)))) << id;
+  }
+}
+
+// The octet ahead of an AMR-WB frame: another mode, a frame of bad quality, or padding that is set.
+TEST(FrameDecoder, TakesAmrWbOfItsModeAndGoodQualityAlone) {
+  const CodecSetup setup = {FindVariant(3), 16000, 1};
+  const auto encoder = FrameEncoder::Create(setup);
+  const auto decoder = FrameDecoder::Create(setup);
+  const Samples noise = Noise(320);
+  unsigned char frame[kMaxFrameBytes];
+  const int bytes = encoder->Encode(noise.data(), frame);
+  ASSERT_EQ(bytes, 3 + 41);
+  const CapturedStderr log;
+  for (int octet = 0; octet < 256; ++octet) {
+    frame[3] = static_cast<unsigned char>(octet);
+    short samples[320];
+    const FrameSpan span = decoder->Find(frame, bytes);
+    EXPECT_EQ(decoder->Decode(frame, span, samples), octet == 0x24) << octet;
+  }
+  EXPECT_EQ(log.Lines().size(), 1U) << log.Text();
+}
+
+// The same length, and not a byte less or more.
+TEST(FrameDecoder, TakesPacketsOfTheLengthOfTheirMode) {
+  const CapturedStderr log;
+  for (const auto& [id, bytes] : {std::pair(0, 38), {21, 20}, {23, 15}, {3, 41}}) {
+    const AudioStreamFormat format = FormatFromRawCodecId(id);
+    const CodecSetup setup = {FindVariant(id), format.iSampleRate, 1};
+    const auto encoder = FrameEncoder::Create(setup);
+    const auto decoder = FrameDecoder::Create(setup);
+    unsigned char frame[kMaxFrameBytes + 1] = {};
+    const Samples noise = Noise(encoder->samplesPerFrame());
+    ASSERT_EQ(encoder->Encode(noise.data(), frame), 3 + bytes) << id;
+    short samples[320];
+    for (const int more : {-1, 0, 1}) {
+      EXPECT_EQ(
+          decoder->Decode(frame, {FrameSpan::kWhole, 3 + bytes + more, 3, bytes + more}, samples),
+          more == 0)
+          << id << ", " << more;
+    }
+  }
+}
+
+// Rates and channels that these two have not.
+TEST(FrameEncoder, IsNoneForSpeechCodecsAtOtherRates) {
+  for (const auto& [id, rate, channels] :
+       {std::tuple(3, 8000, 1), {3, 16000, 2}, {0, 16000, 1}, {0, 8000, 2}}) {
+    EXPECT_EQ(FrameEncoder::Create({FindVariant(id), rate, channels}), nullptr) << id;
+    EXPECT_EQ(FrameDecoder::Create({FindVariant(id), rate, channels}), nullptr) << id;
+  }
+  for (const int mode : {-1, 9}) {
+    const CodecVariant amr = {3, kAudioCodecUnknown,     Coder::kAmrWb, mode,
+                              0, Framing::kTwoByteHeader};
+    EXPECT_EQ(FrameEncoder::Create({&amr, 16000, 1}), nullptr) << mode;
+    EXPECT_EQ(FrameDecoder::Create({&amr, 16000, 1}), nullptr) << mode;
+  }
+  for (const int mode : {0, 8}) {
+    const CodecVariant amr = {3, kAudioCodecUnknown,     Coder::kAmrWb, mode,
+                              0, Framing::kTwoByteHeader};
+    const auto encoder = FrameEncoder::Create({&amr, 16000, 1});
+    ASSERT_NE(encoder, nullptr);
+    unsigned char frame[kMaxFrameBytes];
+    EXPECT_EQ(encoder->Encode(Noise(320).data(), frame), 3 + (mode == 0 ? 18 : 61));
   }
 }
 
