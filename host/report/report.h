@@ -27,8 +27,10 @@ struct FileReport {
   std::optional<WaveCopy> copy = {};
   std::string unreadable = {};  // Why it could not be read; empty when it could.
   std::string unmeasured = {};  // Why there are no figures of its channels, where there might be.
-  bool changed = false;         // An input during the run, an output while it was looked at.
-  bool figures = true;          // Whether those of its channels were asked for.
+  bool givenUp =
+      false;  // The limits of the run ended the look at it, which is no fault of the file.
+  bool changed = false;  // An input during the run, an output while it was looked at.
+  bool figures = true;   // Whether those of its channels were asked for.
 };
 
 struct RunReport {
@@ -42,8 +44,8 @@ struct RunReport {
   std::string log = {};                      // Its path; empty when the routine was not run.
   std::vector<FileReport> inputs = {};
   std::vector<FileReport> outputs = {};
-  // What kept files of a routine that returned from being measured.
-  std::optional<Problem> cut = {};
+  // What ended the look at the files before all were measured; nothing when nothing did.
+  std::optional<Problem> lookEnded = {};
 };
 
 // Processing time / audio time, which is that of the longest input; for a run over lists of files,

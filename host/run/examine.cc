@@ -64,25 +64,26 @@ void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
   if (GoOn()) measured = MeasureAudio(file, *report.audio, goOn);
   report.channels = std::move(measured.channels);
   if (!report.channels) {
-    report.unmeasured = measured.fault == kStopped ? Cut() : measured.fault;
+    report.unmeasured = measured.fault == kStopped ? GiveUp(report) : measured.fault;
     return;
   }
   if (!copy || report.place.use.container != Container::kHeaderless) return;
   report.copy = WriteWaveCopy(file, *report.audio, Peak(*report.channels),
                               {m_wishes.copies, report.place.place + ".wav"}, goOn);
-  if (report.copy->problem == kStopped) report.copy->problem = Cut();
+  if (report.copy->problem == kStopped) report.copy->problem = GiveUp(report);
 }
 
-// Notes what cut the look at the files short, and says it in words.
-std::string Examiner::Cut() {
+// Notes what ended the look at the files, and says it in words.
+std::string Examiner::GiveUp(FileReport& report) {
+  report.givenUp = true;
   if (const int signal = m_limits.interruption(); signal != 0) {
-    m_cut = Problem{
+    m_lookEnded = Problem{
         Cause::kInterrupted,
         std::string("interrupted (") + strsignal(signal) + ") while measuring its files", signal};
     return "the run was interrupted";
   }
-  m_cut = Problem{Cause::kTimeout,
-                  "timed out after " + Seconds(m_seconds) + " while measuring its files"};
+  m_lookEnded = Problem{Cause::kTimeout,
+                        "timed out after " + Seconds(m_seconds) + " while measuring its files"};
   return "the time was up";
 }
 

@@ -28,19 +28,19 @@ class Examiner {
 
   FileReport Output(const FilePlace& place, const OutputBefore& before);
 
-  // What kept files from being measured or copied; nothing when nothing did.
-  const std::optional<Problem>& cut() const { return m_cut; }
+  // What ended the look at the files before all were measured and copied; nothing when nothing did.
+  const std::optional<Problem>& lookEnded() const { return m_lookEnded; }
 
  private:
   bool GoOn() const { return m_limits.Check() == Limits::Stop::kNone; }
   void Look(FileReport& report, bool copy);
   void Measure(FILE* file, FileReport& report, bool copy);
-  std::string Cut();
+  std::string GiveUp(FileReport& report);
 
   Limits& m_limits;
   double m_seconds;
   Wishes m_wishes;
-  std::optional<Problem> m_cut;
+  std::optional<Problem> m_lookEnded;
 };
 
 }  // namespace host

@@ -45,21 +45,21 @@ std::optional<Problem> NotWritten(const FileReport& output, const ChildOutcome& 
 }
 
 // What is wrong with an output because it could not be looked at whole.
-void AddLookProblems(const FileReport& output, bool cut, std::vector<Problem>& problems) {
+void AddLookProblems(const FileReport& output, std::vector<Problem>& problems) {
   const std::string name = "output " + FileName(output.place);
   if (output.changed) {
     problems.push_back({Cause::kOutputChanged, name + " changed while it was measured"});
   } else if (!output.unreadable.empty()) {
     problems.push_back(
         {Cause::kOutputUnreadable, name + " cannot be read back: " + output.unreadable});
-  } else if (!output.unmeasured.empty() && !cut) {
+  } else if (!output.unmeasured.empty() && !output.givenUp) {
     problems.push_back(
         {Cause::kOutputNotMeasured, name + " could not be measured: " + output.unmeasured});
   }
 }
 
 // What is wrong with the content of an output that was written.
-void AddContentProblems(const FileReport& output, bool cut, std::vector<Problem>& problems) {
+void AddContentProblems(const FileReport& output, std::vector<Problem>& problems) {
   const std::string name = "output " + FileName(output.place);
   if (output.place.use.container == Container::kWave) {
     if (!output.audio) {
@@ -79,7 +79,7 @@ void AddContentProblems(const FileReport& output, bool cut, std::vector<Problem>
     problems.push_back({Cause::kSamplesNotFinite,
                         std::to_string(notFinite) + " samples are not finite in " + name});
   }
-  if (output.copy && !output.copy->problem.empty() && !cut) {
+  if (output.copy && !output.copy->problem.empty() && !output.givenUp) {
     problems.push_back(
         {Cause::kCopyFailed, "no copy " + output.copy->path + ": " + output.copy->problem});
   }
@@ -95,7 +95,7 @@ std::optional<Problem> InputProblemAfter(const FileReport& input, const RunRepor
   }
   if (!fault.empty()) return Problem{Cause::kReadError, name + " could not be opened: " + fault};
   const bool unmeasured =
-      !input.unmeasured.empty() && !report.cut && input.audio && input.audio->samples;
+      !input.unmeasured.empty() && !input.givenUp && input.audio && input.audio->samples;
   const std::string& reason =
       input.unreadable.empty() && unmeasured ? input.unmeasured : input.unreadable;
   if (reason.empty()) return std::nullopt;
@@ -106,8 +106,8 @@ void JudgeOutput(const RunReport& report, FileReport& output) {
   if (const auto problem = NotWritten(output, *report.outcome)) {
     output.problems.push_back(*problem);
   } else {
-    AddLookProblems(output, report.cut.has_value(), output.problems);
-    AddContentProblems(output, report.cut.has_value(), output.problems);
+    AddLookProblems(output, output.problems);
+    AddContentProblems(output, output.problems);
   }
 }
 
@@ -168,7 +168,7 @@ std::vector<Problem> RunProblems(RunReport& report, double timeout) {
   std::vector<Problem> problems = OutcomeProblems(outcome, timeout);
   using End = ChildOutcome::End;
   if (outcome.end == End::kReturned || outcome.end == End::kStopped) {
-    if (report.cut) problems.push_back(*report.cut);
+    if (report.lookEnded) problems.push_back(*report.lookEnded);
     for (FileReport& output : report.outputs) JudgeOutput(report, output);
   }
   const std::vector<Problem> more = FileProblems(report);

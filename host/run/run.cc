@@ -172,9 +172,7 @@ void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Wor
   for (size_t i = 0; i < files.outputs.size(); ++i) {
     report.outputs.push_back(examiner.Output(files.outputs[i], outputsBefore[i]));
   }
-  using End = ChildOutcome::End;
-  const End end = report.outcome->end;
-  if (end == End::kReturned || end == End::kStopped) report.cut = examiner.cut();
+  report.lookEnded = examiner.lookEnded();
   report.judgement = Judge(RunProblems(report, report.timeout));
 }
 

@@ -123,6 +123,7 @@ std::vector<CatalogueRow> AllRows() {
            .inputs = {kOptionalInput},
            .outputs = {kPcmOutput}},
           {.declared = declared::CopyList, .inputs = ListInputs(), .outputs = List("list/out")},
+          {.declared = declared::HangOn, .inputs = {kPcmInput}, .outputs = {kPcmOutput}},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

@@ -49,5 +49,6 @@ ROUTINE(void, RecordForEver, int bytes);  // Writes so many bytes again and agai
 ROUTINE(void, GoWithout, const char* inFile);
 ROUTINE(void, CopyList,
         int milliseconds);  // Copies those of its 40 files that are there, one by one.
+ROUTINE(void, HangOn, const char* inFile);
 PLANNED(void, NotBuilt, const char* inFile);
 HELPER(void, Helper);

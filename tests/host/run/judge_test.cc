@@ -199,10 +199,11 @@ TEST_F(JudgeTest, FailsOnOutputsThatCouldNotBeLookedAt) {
   FileReport& output = report.outputs[0];
   output.unmeasured = "it has become shorter";
   EXPECT_EQ(Reason(report), "output /out (work/out) could not be measured: it has become shorter");
-  report.cut = Problem{Cause::kTimeout, "late"};
+  report.lookEnded = Problem{Cause::kTimeout, "late"};
+  output.givenUp = true;
   EXPECT_EQ(Reason(report), "late") << "the time is to blame, not the output";
   EXPECT_EQ(JudgeRun(report).exitCode, 4);
-  report.cut.reset();
+  report.lookEnded.reset();
   output.unreadable = "Too many open files";
   EXPECT_EQ(Reason(report), "output /out (work/out) cannot be read back: Too many open files");
   output.changed = true;

@@ -1,0 +1,16 @@
+// Routines whose runs end badly for a reason that is not in their files, or in one of them alone.
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "probe_routines.h"
+
+void HangOn(const char* inFile) {
+  FILE* const in = fopen(inFile, "rb");
+  while (fgetc(in) != EOF) {
+  }
+  fclose(in);
+  fprintf(stderr, "hanging\n");
+  while (true) pause();
+}
