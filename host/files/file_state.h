@@ -12,6 +12,7 @@ class FileState {
  public:
   explicit FileState(const std::string& path);
   explicit FileState(int descriptor);
+  explicit FileState(const struct stat& status) : m_status(status) {}
 
   // Waits for a clock tick, so that a change from now on changes the time stamp.
   void WaitForClockTick() const;
@@ -22,7 +23,10 @@ class FileState {
   // The same file, with content that nobody has written to in between; or none both times.
   bool SameContent(const FileState& later) const;
 
-  // As SameContent, and the file was not given the same content or another name either.
+  // Whether its file system seems to date files by whole seconds.
+  bool HasWholeSeconds() const;
+
+  // As SameContent, and neither was the file written and dated back, nor its rights changed.
   bool Untouched(const FileState& later) const;
 
   const std::optional<struct stat>& status() const { return m_status; }

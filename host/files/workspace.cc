@@ -68,16 +68,14 @@ std::optional<InputFault> FindInputFault(const FilePlace& input) {
   return std::nullopt;
 }
 
-OutputBefore::OutputBefore(const FilePlace& output) : m_path(output.path), m_before(output.path) {
-  m_before.WaitForClockTick();
-}
+OutputBefore::OutputBefore(const FilePlace& output) : m_path(output.path), m_before(output.path) {}
 
 OutputState OutputBefore::StateNow() const {
   if (m_path.empty()) return OutputState::kOutside;
   const FileState now(m_path);
   if (!now.status()) return OutputState::kAbsent;
   if (!S_ISREG(now.status()->st_mode)) return OutputState::kNotAFile;
-  if (m_before.Untouched(now)) return OutputState::kStale;
+  if (m_before.IsSameNow()) return OutputState::kStale;
   return now.status()->st_size == 0 ? OutputState::kEmpty : OutputState::kWritten;
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/catalogue.h"
-#include "files/file_state.h"
+#include "files/file_before.h"
 
 namespace host {
 
@@ -41,14 +41,14 @@ enum class OutputState { kWritten, kOutside, kAbsent, kNotAFile, kStale, kEmpty 
 // What an output was before a run.
 class OutputBefore {
  public:
-  // Waits for a clock tick so that a rewrite changes the time stamp.
+  // Waits and reads as FileBefore does.
   explicit OutputBefore(const FilePlace& output);
 
   OutputState StateNow() const;
 
  private:
   std::string m_path;
-  FileState m_before;
+  FileBefore m_before;
 };
 
 }  // namespace host

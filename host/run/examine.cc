@@ -25,11 +25,11 @@ struct CloseFile {
 Examiner::Examiner(Limits& limits, double seconds, Wishes wishes)
     : m_limits(limits), m_seconds(seconds), m_wishes(std::move(wishes)) {}
 
-void Examiner::LookAtInput(FileReport& input, const FileState& before) {
-  input.absent = !before.status();
+void Examiner::LookAtInput(FileReport& input, const FileBefore& before) {
+  input.absent = !before.WasThere();
   if (input.absent) return;
   Look(input, false);
-  input.changed = !before.SameContent(FileState(input.place.path));
+  input.changed = !before.IsSameNow();
 }
 
 FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "files/file_state.h"
+#include "files/file_before.h"
 #include "files/workspace.h"
 #include "process/limits.h"
 #include "report/report.h"
@@ -24,7 +24,7 @@ class Examiner {
   Examiner(Limits& limits, double seconds, Wishes wishes);
 
   // Fills in what is known of an input; `before` is what it was before the run.
-  void LookAtInput(FileReport& input, const FileState& before);
+  void LookAtInput(FileReport& input, const FileBefore& before);
 
   FileReport Output(const FilePlace& place, const OutputBefore& before);
 

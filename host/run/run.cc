@@ -152,9 +152,8 @@ ChildOutcome RunRoutineOfRow(const CatalogueRow& row, const RunOptions& options,
 void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const Words& words,
                    const Files& files, RunReport& report) {
   const Log log(files.log);
-  std::vector<FileState> inputsBefore;
+  std::vector<FileBefore> inputsBefore;
   for (const FilePlace& input : files.inputs) inputsBefore.emplace_back(input.path);
-  for (const FileState& state : inputsBefore) state.WaitForClockTick();
   std::vector<OutputBefore> outputsBefore;
   for (const FilePlace& output : files.outputs) outputsBefore.emplace_back(output);
 

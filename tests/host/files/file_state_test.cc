@@ -88,6 +88,36 @@ TEST_F(FileStateTest, TellsAnotherSizeAnotherDateAndAnotherFile) {
   EXPECT_FALSE(before.SameContent(FileState("file"))) << "of the same size and date";
 }
 
+// A file with a date of these seconds, and the nanoseconds of its change and of its writing.
+FileState Dated(time_t changed, long changedNanoseconds, long writtenNanoseconds) {
+  struct stat status = {};
+  status.st_ctim = {.tv_sec = changed, .tv_nsec = changedNanoseconds};
+  status.st_mtim = {.tv_sec = changed, .tv_nsec = writtenNanoseconds};
+  return FileState(status);
+}
+
+TEST_F(FileStateTest, KnowsWhereOnlyWholeSecondsAreKept) {
+  EXPECT_TRUE(Dated(1001, 0, 0).HasWholeSeconds());
+  EXPECT_FALSE(Dated(1001, 0, 1).HasWholeSeconds());
+  EXPECT_FALSE(Dated(1001, 1, 0).HasWholeSeconds());
+  EXPECT_FALSE(FileState("missing").HasWholeSeconds());
+  EXPECT_FALSE(FileState("missing").MayBeDatedAlikeAt({.tv_sec = 1001, .tv_nsec = 0}));
+}
+
+TEST_F(FileStateTest, WaitsForTheNextSecondWhereOnlyWholeOnesAreKept) {
+  const FileState odd = Dated(1001, 0, 0);
+  EXPECT_TRUE(odd.MayBeDatedAlikeAt({.tv_sec = 1000, .tv_nsec = 999'999'999}));
+  EXPECT_TRUE(odd.MayBeDatedAlikeAt({.tv_sec = 1001, .tv_nsec = 0}));
+  EXPECT_TRUE(odd.MayBeDatedAlikeAt({.tv_sec = 1001, .tv_nsec = 999'999'999}));
+  EXPECT_FALSE(odd.MayBeDatedAlikeAt({.tv_sec = 1002, .tv_nsec = 0}));
+  EXPECT_FALSE(odd.MayBeDatedAlikeAt({.tv_sec = 999, .tv_nsec = 0})) << "the clock was set back";
+  const FileState even = Dated(1000, 0, 0);
+  EXPECT_TRUE(even.MayBeDatedAlikeAt({.tv_sec = 1001, .tv_nsec = 999'999'999}))
+      << "may be of a file system of every other second";
+  EXPECT_FALSE(even.MayBeDatedAlikeAt({.tv_sec = 1002, .tv_nsec = 0}));
+  EXPECT_FALSE(Dated(1000, 1, 0).MayBeDatedAlikeAt({.tv_sec = 1000, .tv_nsec = 30'000'000}));
+}
+
 TEST_F(FileStateTest, TellsThereFromNotThere) {
   const FileState there("file");
   const FileState missing("missing");

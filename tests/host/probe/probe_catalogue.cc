@@ -102,6 +102,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::WriteHugeFloats, .outputs = {kFloatOutput}},
           {.declared = declared::WriteWave, .outputs = {kWaveOutput}},
           {.declared = declared::WriteTo, .outputs = {{.name = "{outFile}"}}},
+          {.declared = declared::ChangeRights, .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::OpenAs},
           {.declared = declared::PrintForEver},
           {.declared = declared::LogForEver},

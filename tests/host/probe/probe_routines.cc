@@ -35,6 +35,18 @@ void LimitFiles(rlim_t bytes) {
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
+// Puts other bytes in the place of the first ones, and sets the date of the file as it was.
+void Overwrite(const char* name) {
+  struct stat before;
+  FILE* const file = fopen(name, "r+b");
+  if (file == nullptr || fstat(fileno(file), &before) != 0) abort();
+  fputs("SOME", file);
+  fflush(file);
+  const timespec times[] = {before.st_atim, before.st_mtim};
+  if (futimens(fileno(file), times) != 0) abort();
+  fclose(file);
+}
+
 }  // namespace
 
 void Nothing() {}
@@ -175,6 +187,8 @@ void Spoil(const char* how, const char* inFile) {
     fclose(file);
   }
   if (change == "shrink" && truncate(inFile, 1) != 0) abort();
+  if (change == "overwrite") Overwrite(inFile);
+  if (change == "forbid" && chmod(inFile, 0400) != 0) abort();
   if (change == "vanish") remove(inFile);
   if (change == "fifo" && (remove(inFile) != 0 || mkfifo(inFile, 0600) != 0)) abort();
   if (change == "replace") rename((path + ".new").c_str(), inFile);
@@ -208,6 +222,10 @@ void WriteTo(const char* outFile) {
   if (file == nullptr) return;
   fputs("12", file);
   fclose(file);
+}
+
+void ChangeRights(const char* outFile) {
+  if (chmod(outFile, 0600) != 0) abort();
 }
 
 void OpenAs(const char* mode, const char* file) {

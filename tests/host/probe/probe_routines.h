@@ -36,6 +36,7 @@ ROUTINE(void, WriteBytes, int count);
 ROUTINE(void, WriteHugeFloats, int megabytes);           // Zeros that take no room on the disk.
 ROUTINE(void, WriteWave, int dataBytes, int riffBytes);  // 8 bytes of samples, whatever they say.
 ROUTINE(void, WriteTo, const char* outFile);
+ROUTINE(void, ChangeRights, const char* outFile);           // And writes nothing.
 ROUTINE(void, OpenAs, const char* mode, const char* file);  // Not declared in its row.
 ROUTINE(void, PrintForEver);
 ROUTINE(void, LogForEver);

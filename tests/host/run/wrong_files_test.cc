@@ -28,7 +28,7 @@ TEST_F(RunTest, CallsAReadErrorAnErrorOfTheInput) {
 }
 
 TEST_F(RunTest, CallsAnInputThatChangesAnError) {
-  for (const char* how : {"grow", "shrink", "vanish", "replace"}) {
+  for (const char* how : {"grow", "shrink", "vanish", "replace", "overwrite"}) {
     Put("in", "some bytes");
     Put("in.new", "some bytes");
     const Finished run = Run({"Spoil", how, "in"});
@@ -39,6 +39,7 @@ TEST_F(RunTest, CallsAnInputThatChangesAnError) {
   }
   Put("in", "some bytes");
   EXPECT_EQ(Run({"Spoil", "not at all", "in"}).exitCode, 0);
+  EXPECT_EQ(Run({"Spoil", "forbid", "in"}).exitCode, 0) << "nobody has written to it";
 }
 
 TEST_F(RunTest, RefusesAnInputOfAnotherKindAndSaysHowToConvertIt) {
@@ -78,6 +79,14 @@ TEST_F(RunTest, FailsOnAnOutputThatIsNotWhole) {
   run = Run({"WriteWave", "6", "44"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, HasSubstr("announces 6 bytes of samples, there are 8"));
+}
+
+TEST_F(RunTest, FailsOnAnOutputWhoseRightsChangedOnly) {
+  Put("out", "older");
+  Finished run = Run({"ChangeRights", "out"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("out (bench_work/out) was not written; what is there is from"));
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(Run({"WriteTo", "out"}).exitCode, 0) << "the same bytes";
 }
 
 TEST_F(RunTest, FailsOnAnOutputThatChangesWhileItIsMeasured) {

@@ -1,0 +1,19 @@
+#include "files/file_before.h"
+
+#include "files/fingerprint.h"
+
+namespace host {
+
+FileBefore::FileBefore(const std::string& path)
+    : m_path(path), m_state(path), m_fingerprint(WasThere() ? Fingerprint(path) : 0) {
+  m_state.WaitForClockTick();
+}
+
+bool FileBefore::IsSameNow() const {
+  const FileState now(m_path);
+  if (!m_state.SameContent(now)) return false;
+  const bool datesTell = !m_state.HasWholeSeconds();
+  return (datesTell && m_state.Untouched(now)) || m_fingerprint == Fingerprint(m_path);
+}
+
+}  // namespace host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "files/file_state.h"
+
+namespace host {
+
+// What a file was before a run.
+class FileBefore {
+ public:
+  // Waits until the clock of the file system has gone on, so that whatever is written from now on
+  // gets another date, and reads the file, see Fingerprint.
+  explicit FileBefore(const std::string& path);
+
+  // Whether there was a file.
+  bool WasThere() const { return m_state.status().has_value(); }
+
+  // Whether there is the same file with the same content, or none as before. The dates tell, as far
+  // as they can; where they cannot, the content does: a change of its rights moves one of them, and
+  // whoever overwrites a file may set the other one back.
+  bool IsSameNow() const;
+
+ private:
+  std::string m_path;
+  FileState m_state;
+  uint64_t m_fingerprint;
+};
+
+}  // namespace host
