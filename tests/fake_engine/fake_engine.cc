@@ -8,17 +8,19 @@ namespace {
 
 FakeEngine* g_current = nullptr;
 
-__attribute__((format(printf, 1, 0))) std::string Formatted(const char* format, va_list arguments) {
+}  // namespace
+
+std::string Formatted(const char* format, va_list arguments) {
   va_list again;
   va_copy(again, arguments);
   const int length = vsnprintf(nullptr, 0, format, again);
   va_end(again);
   std::string text(static_cast<size_t>(length), '\0');
-  vsnprintf(text.data(), text.size() + 1, format, arguments);
+  va_copy(again, arguments);
+  vsnprintf(text.data(), text.size() + 1, format, again);
+  va_end(again);
   return text;
 }
-
-}  // namespace
 
 FakeEngine::FakeEngine() : m_before(g_current) { g_current = this; }
 

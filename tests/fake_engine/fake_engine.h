@@ -74,6 +74,14 @@ class FakeEngine {
   // address asked for, "@2" for the next new one.
   std::string Buffer(const void* data);
 
+  // `answer`, or `failure` in its place when operations fail.
+  template <typename T>
+  T Answer(T answer, T failure) const {
+    return failing == Failing::kNothing ? answer : failure;
+  }
+  bool Fails() const { return failing != Failing::kNothing; }
+  bool HasNone() const { return failing == Failing::kEverything; }
+
   // The calls that contain `part`.
   std::vector<std::string> CallsWith(const std::string& part) const;
 
@@ -90,8 +98,17 @@ class FakeEngine {
   std::vector<T> Values(const std::string& name) const;
 
   std::vector<std::string> calls;
+
+  // What fails: nothing, every operation that can, or also every factory and every question that
+  // has an answer for "none". A failed operation says so and changes nothing. Delays and verdicts
+  // cannot fail.
+  enum class Failing { kNothing, kOperations, kEverything };
+  Failing failing = Failing::kNothing;
+
   std::map<std::string, std::shared_ptr<std::string>> files;
   std::set<std::string> unwritable;  // Names that cannot be opened for writing.
+  bool diskFull = false;             // Whether fwrite writes nothing, to any file.
+  std::string printed;               // What has been printed on stdout.
   // WAVE files for the engine's readers; what its writers wrote is also in `files` once finished.
   std::map<std::string, FakeWav> wavs;
   std::map<std::string, int> live;  // Objects alive by class; classes without any are not in it.
@@ -118,6 +135,9 @@ void RequireOrDie(bool condition, const char* rule);
 
 // A text in quotes, with its line ends and tabs written as \n and \t.
 std::string Quoted(const char* text);
+
+// What printf makes of its arguments.
+std::string Formatted(const char* format, va_list arguments) __attribute__((format(printf, 1, 0)));
 
 // A printf format in quotes and its arguments, as recorded: `"%d, %s\n", 5, near`.
 std::string FormatAndArguments(const char* format, va_list arguments)

@@ -178,6 +178,7 @@ size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream) 
   const std::string name = NameOf(stream);
   if (!name.empty()) {
     FakeEngine::Current().Record("fwrite(%s, %zu, %zu)", name.c_str(), size, count);
+    if (FakeEngine::Current().diskFull) return 0;
   }
   return __real_fwrite(data, size, count, stream);
 }
@@ -287,6 +288,7 @@ int __wrap_printf(const char* format, ...) {
   va_start(arguments, format);
   if (FakeEngine::HasCurrent()) {
     FakeEngine::Current().Record("printf(%s)", FormatAndArguments(format, arguments).c_str());
+    FakeEngine::Current().printed += Formatted(format, arguments);
   }
   const int written = __real_vfprintf(stdout, format, arguments);
   va_end(arguments);
@@ -294,7 +296,10 @@ int __wrap_printf(const char* format, ...) {
 }
 
 int __wrap_puts(const char* text) {
-  if (FakeEngine::HasCurrent()) FakeEngine::Current().Record("puts(%s)", Quoted(text).c_str());
+  if (FakeEngine::HasCurrent()) {
+    FakeEngine::Current().Record("puts(%s)", Quoted(text).c_str());
+    FakeEngine::Current().printed += std::string(text) + "\n";
+  }
   return __real_puts(text);
 }
 

@@ -22,7 +22,7 @@ void CAecFileWriter::EchoDetectionEnd() { FakeEngine::Current().Call(this, "Echo
 
 int CAecFileWriter::EchoDetect() {
   FakeEngine::Current().Call(this, "EchoDetect");
-  return 0;
+  return FakeEngine::Current().Answer(0, -1);
 }
 
 void CAecFileWriter::RecordFarendData(const void* data, int bytes) {

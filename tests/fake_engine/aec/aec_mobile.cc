@@ -18,27 +18,27 @@ AECMOBILE_ERROR_CODE AecMobile_Free(void* handle) {
   engine.Record("AecMobile_Free(%s)", engine.HandleOf(handle).c_str());
   engine.Forget(handle);
   delete static_cast<char*>(handle);
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 AECMOBILE_ERROR_CODE AecMobile_Init(void* handle, int nearRate, int farRate, int outRate) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("AecMobile_Init(%s, %d, %d, %d)", engine.HandleOf(handle).c_str(), nearRate,
                 farRate, outRate);
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 AECMOBILE_ERROR_CODE AecMobile_SetAecNewOn(void* handle, bool on) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("AecMobile_SetAecNewOn(%s, %d)", engine.HandleOf(handle).c_str(), on);
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 AECMOBILE_ERROR_CODE AecMobile_BufferFarend(void* handle, const int16_t* farend, int frames) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("AecMobile_BufferFarend(%s, %d..%d, %d)", engine.HandleOf(handle).c_str(),
                 farend[0], farend[frames - 1], frames);
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 AECMOBILE_ERROR_CODE AecMobile_Process_Bands(void* handle, const int16_t* const* nearBands,
@@ -52,18 +52,19 @@ AECMOBILE_ERROR_CODE AecMobile_Process_Bands(void* handle, const int16_t* const*
   engine.Record("AecMobile_Process_Bands(%s, %d.., %d, %d, %s, %d, %d, %d)",
                 engine.HandleOf(handle).c_str(), nearBands[0][0], bands, framesPerBand,
                 cleared ? "cleared" : "as left", newNlp, aec, ns);
+  if (engine.Fails()) return AECMOBILE_BAD_PARAMETER;
   engine.script<AecMobileScript>().process(nearBands[0], outBands[0], framesPerBand);
   alignedFar[0] = alignedFar[1] = outBands[0];
   alignedNear[0] = alignedNear[1] = outBands[0];
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 AECMOBILE_ERROR_CODE AecMobile_GetEchoState(void* handle, int* status) {
   FakeEngine& engine = FakeEngine::Current();
-  const int state = engine.script<AecMobileScript>().echoState();
+  const int state = engine.Answer(engine.script<AecMobileScript>().echoState(), -1);
   if (state >= 0) *status = state;
   engine.Record("AecMobile_GetEchoState(%s) = %d", engine.HandleOf(handle).c_str(), *status);
-  return AECMOBILE_NO_ERROR;
+  return engine.Answer(AECMOBILE_NO_ERROR, AECMOBILE_BAD_PARAMETER);
 }
 
 int AecMobile_getDelay(void* handle) {

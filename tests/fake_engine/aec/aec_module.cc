@@ -14,26 +14,26 @@ int Capture(AecModule* module, zuwebrtc::AudioFrame& frame, bool played, bool se
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(module, "ProcessCaptureAudio(%s, %s, %s)", FrameText(frame).c_str(), Word(played),
               Word(sent));
-  engine.script<AecModuleScript>().capture(frame);
-  return 0;
+  if (!engine.Fails()) engine.script<AecModuleScript>().capture(frame);
+  return engine.Answer(0, -1);
 }
 
 int Render(AecModule* module, zuwebrtc::AudioFrame& frame, bool played) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(module, "ProcessRenderAudio(%s, %s)", FrameText(frame).c_str(), Word(played));
-  engine.script<AecModuleScript>().render(frame);
-  return 0;
+  if (!engine.Fails()) engine.script<AecModuleScript>().render(frame);
+  return engine.Answer(0, -1);
 }
 
 bool SetFsAndChOf(AecModule* module, unsigned rate, unsigned channels, PlatFormFsChSel select) {
   FakeEngine::Current().Call(module, "SetFsAndCh(%u, %u, %d)", rate, channels,
                              static_cast<int>(select));
-  return true;
+  return !FakeEngine::Current().Fails();
 }
 
 bool Enable(AecModule* module, const char* what, bool on) {
   FakeEngine::Current().Call(module, "Enable%s(%s)", what, Word(on));
-  return true;
+  return !FakeEngine::Current().Fails();
 }
 
 // The operations of a module that no routine calls.

@@ -16,12 +16,12 @@ CEchoDelayEst::~CEchoDelayEst() { FakeEngine::Current().Died(this); }
 // With the first sample, which tells the two ends apart.
 int CEchoDelayEst::ProcessFar(const short* samples, int count) {
   FakeEngine::Current().Call(this, "ProcessFar(%d.., %d)", samples[0], count);
-  return 0;
+  return FakeEngine::Current().Answer(0, -1);
 }
 
 int CEchoDelayEst::ProcessNear(const short* samples, int count) {
   FakeEngine::Current().Call(this, "ProcessNear(%d.., %d)", samples[0], count);
-  return 0;
+  return FakeEngine::Current().Answer(0, -1);
 }
 
 int CEchoDelayEst::GetDelay() {

@@ -8,7 +8,8 @@
 void* echo_detection_create(const void* config, int rate, int maxDelayMs) {
   FakeEngine& engine = FakeEngine::Current();
   const std::string given = engine.NameOf(config);
-  void* const handle = engine.script<EchoDetectionScript>().create ? new char : nullptr;
+  const bool makes = engine.script<EchoDetectionScript>().create && !engine.HasNone();
+  void* const handle = makes ? new char : nullptr;
   const std::string name = handle != nullptr ? engine.Identify(handle, "EchoDetection") : "null";
   engine.Record("echo_detection_create(%s, %d, %d) = %s", given.c_str(), rate, maxDelayMs,
                 name.c_str());
@@ -20,7 +21,7 @@ int echo_detection_process(void* detector, const short* farend, const short* nea
   engine.script<EchoDetectionScript>().process(farend, nearend, count);
   engine.Record("echo_detection_process(%s, %d.., %d.., %d)", engine.HandleOf(detector).c_str(),
                 farend[0], nearend[0], count);
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int get_echo_detection_result(void* detector) {

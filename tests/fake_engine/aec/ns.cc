@@ -9,7 +9,7 @@ int Ns_Create(void** handle) {
   FakeEngine& engine = FakeEngine::Current();
   *handle = new char;
   engine.Record("Ns_Create() = %s", engine.Identify(*handle, "Ns").c_str());
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int Ns_Free(void* handle) {
@@ -17,27 +17,27 @@ int Ns_Free(void* handle) {
   engine.Record("Ns_Free(%s)", engine.HandleOf(handle).c_str());
   engine.Forget(handle);
   delete static_cast<char*>(handle);
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int Ns_Init(void* handle, unsigned int rate) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("Ns_Init(%s, %u)", engine.HandleOf(handle).c_str(), rate);
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int Ns_set_policy(void* handle, int policy) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("Ns_set_policy(%s, %d)", engine.HandleOf(handle).c_str(), policy);
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int Ns_Process2(void* handle, const short* in, short* out, int16_t channels) {
   FakeEngine& engine = FakeEngine::Current();
   const std::string from = engine.Buffer(in);
   const std::string to = engine.Buffer(out);
-  engine.script<NsScript>().process(in, out);
+  if (!engine.Fails()) engine.script<NsScript>().process(in, out);
   engine.Record("Ns_Process2(%s, %s, %s, %d)", engine.HandleOf(handle).c_str(), from.c_str(),
                 to.c_str(), channels);
-  return 0;
+  return engine.Answer(0, -1);
 }

@@ -30,15 +30,17 @@ class FakeCodec : public CAudioCodec {
 
   bool Init(AudioStreamFormat* format) override {
     Script().onInit(*format);
+    const bool answer = FakeEngine::Current().Answer(Script().initAnswer, false);
     FakeEngine::Current().Call(this, "Init(id %d, %d Hz x %d, %d) = %d", format->iRawCodecId,
                                format->iSampleRate, format->iNumOfChannels, format->iSamplesOfFrame,
-                               Script().initAnswer);
-    return Script().initAnswer;
+                               answer);
+    return answer;
   }
 
   void Process(const unsigned char* in, int inLen, unsigned char* out, int* outLen) override {
-    const std::string made = Script().process(
-        m_number, std::string(reinterpret_cast<const char*>(in), static_cast<size_t>(inLen)));
+    const std::string given(reinterpret_cast<const char*>(in), static_cast<size_t>(inLen));
+    const std::string made =
+        FakeEngine::Current().Fails() ? std::string() : Script().process(m_number, given);
     RequireOrDie(made.size() <= static_cast<size_t>(*outLen), "output within the caller's room");
     FakeEngine::Current().Call(this, "Process(%d, room %d) = %zu", inLen, *outLen, made.size());
     made.copy(reinterpret_cast<char*>(out), made.size());
@@ -46,7 +48,9 @@ class FakeCodec : public CAudioCodec {
   }
 
   int GetEncoderSize() override {
-    const int size = Script().encoderSize ? *Script().encoderSize : CAudioCodec::GetEncoderSize();
+    const bool none = FakeEngine::Current().HasNone();
+    const int size =
+        Script().encoderSize && !none ? *Script().encoderSize : CAudioCodec::GetEncoderSize();
     FakeEngine::Current().Call(this, "GetEncoderSize() = %d", size);
     return size;
   }
@@ -72,7 +76,8 @@ class FakeCodec : public CAudioCodec {
 CAudioCodec* CreateAudioCodec(ZUAudioCodec family, AudioLibraryCodecMode mode) {
   FakeEngine& engine = FakeEngine::Current();
   FakeCodec* codec = nullptr;
-  if (Script().isAvailable(family, mode)) codec = new FakeCodec;
+  const bool none = engine.HasNone();
+  if (!none && Script().isAvailable(family, mode)) codec = new FakeCodec;
   std::string name = "null";
   if (codec != nullptr) {
     name = engine.Identify(codec, "CAudioCodec");

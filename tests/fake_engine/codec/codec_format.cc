@@ -6,5 +6,8 @@
 AudioStreamFormat FormatFromRawCodecId(int rawCodecId) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("FormatFromRawCodecId(%d)", rawCodecId);
+  if (engine.HasNone()) {
+    return CodecFormatScript().format(rawCodecId);  // As of an id that is not known.
+  }
   return engine.script<CodecFormatScript>().format(rawCodecId);
 }

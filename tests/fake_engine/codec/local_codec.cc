@@ -12,7 +12,8 @@ void Code(Codec* codec, const char* operation,
           const std::function<std::string(const std::string&)>& answer, const char* in, int len,
           std::string& out) {
   const size_t before = out.size();
-  out = answer(std::string(in, static_cast<size_t>(len)));
+  const std::string given(in, static_cast<size_t>(len));
+  if (!FakeEngine::Current().Fails()) out = answer(given);
   FakeEngine::Current().Call(codec, "%s(%d, out of %zu) = %zu", operation, len, before, out.size());
 }
 
@@ -25,13 +26,15 @@ class FakeEncoder : public AudioLocalCodec::IAudioEncoder {
   }
 
   int GetEncoderBytes() override {
-    FakeEngine::Current().Call(this, "GetEncoderBytes() = %d", Script().encoderBytes);
-    return Script().encoderBytes;
+    const bool none = FakeEngine::Current().HasNone();
+    const int bytes = none ? -1 : Script().encoderBytes;
+    FakeEngine::Current().Call(this, "GetEncoderBytes() = %d", bytes);
+    return bytes;
   }
 
   bool Init() override {
     FakeEngine::Current().Call(this, "Init()");
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   void Encode(const char* in, int len, std::string& out) override {
@@ -55,7 +58,7 @@ class FakeDecoder : public AudioLocalCodec::IAudioDecoder {
 
   bool Init() override {
     FakeEngine::Current().Call(this, "Init()");
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   void Decode(const char* in, int len, std::string& out) override {
@@ -71,7 +74,8 @@ template <typename Codec>
 Codec* Create(const char* factory, const char* what, AudioLocalCodec::AudioCodecType type) {
   FakeEngine& engine = FakeEngine::Current();
   Codec* codec = nullptr;
-  if (Script().isAvailable(type)) codec = new Codec;
+  const bool none = engine.HasNone();
+  if (!none && Script().isAvailable(type)) codec = new Codec;
   const std::string name = codec != nullptr ? engine.Identify(codec, what) : "null";
   engine.Record("%s(%d) = %s", factory, static_cast<int>(type), name.c_str());
   return codec;

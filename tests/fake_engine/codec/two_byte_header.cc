@@ -5,7 +5,8 @@
 
 int ParseTwoByteHeader(unsigned short header) {
   FakeEngine& engine = FakeEngine::Current();
-  const int length = engine.script<TwoByteHeaderScript>().parse(header);
+  const bool none = engine.HasNone();
+  const int length = none ? -1 : engine.script<TwoByteHeaderScript>().parse(header);
   engine.Record("ParseTwoByteHeader(0x%04x) = %d", header, length);
   return length;
 }

@@ -13,8 +13,10 @@ class FakeAccelerate final : public FakeDsp<IAudioAccelerate> {
               int sampleSize) override {
     FakeEngine& engine = FakeEngine::Current();
     const std::string buffer = engine.Buffer(samples);
-    const int left = engine.script<AudioAccelerateScript>().process(
-        reinterpret_cast<short*>(samples), samplesPerChannel, channels);
+    auto* const values = reinterpret_cast<short*>(samples);
+    const int left = engine.Fails() ? -1
+                                    : engine.script<AudioAccelerateScript>().process(
+                                          values, samplesPerChannel, channels);
     engine.Call(this, "Process(%s, %d, %d, %d, %d) = %d", buffer.c_str(), samplesPerChannel,
                 sampleRate, channels, sampleSize, left);
     return left;

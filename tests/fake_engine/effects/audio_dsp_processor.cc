@@ -19,6 +19,7 @@ int CAudioDspProcessor::Process(char* samples, int samplesPerChannel, int sample
                                 int sampleSize) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(this, "Process(%d, %d, %d, %d)", samplesPerChannel, sampleRate, channels, sampleSize);
+  if (engine.Fails()) return -1;
   engine.script<AudioDspProcessorScript>().process(reinterpret_cast<short*>(samples),
                                                    samplesPerChannel * channels);
   return samplesPerChannel;

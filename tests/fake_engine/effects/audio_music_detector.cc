@@ -19,12 +19,12 @@ void AudioMusicDetector::Process(zuwebrtc::AudioFrame& frame) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(this, "Process(%d Hz, %d, %d)", frame.sample_rate_hz_, frame.num_channels_,
               frame.samples_per_channel_);
-  engine.script<AudioMusicDetectorScript>().process(frame);
+  if (!engine.Fails()) engine.script<AudioMusicDetectorScript>().process(frame);
 }
 
 bool AudioMusicDetector::IsMusic() const {
   FakeEngine& engine = FakeEngine::Current();
-  const bool music = engine.script<AudioMusicDetectorScript>().isMusic();
+  const bool music = engine.Answer(engine.script<AudioMusicDetectorScript>().isMusic(), false);
   engine.Call(this, "IsMusic() = %s", music ? "true" : "false");
   return music;
 }

@@ -19,9 +19,9 @@ class FakeResampler : public IAudioResamplerEx {
     FakeEngine& engine = FakeEngine::Current();
     const std::string from = engine.Buffer(source);
     const std::string to = engine.Buffer(target);
-    const bool answer =
-        m_targetSamples <= targetRoom && engine.script<AudioResamplerExScript>().convert(
-                                             source, sourceSamples, target, m_targetSamples);
+    const bool answer = !engine.Fails() && m_targetSamples <= targetRoom &&
+                        engine.script<AudioResamplerExScript>().convert(source, sourceSamples,
+                                                                        target, m_targetSamples);
     engine.Call(this, "Convert(%s, %u, %s, %u) = %d", from.c_str(), sourceSamples, to.c_str(),
                 targetRoom, answer);
     return answer;
@@ -30,7 +30,8 @@ class FakeResampler : public IAudioResamplerEx {
   bool IsFormatChange(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
                       uint32_t targetChannels) override {
     FakeEngine& engine = FakeEngine::Current();
-    const bool answer = engine.script<AudioResamplerExScript>().isFormatChange();
+    const bool answer =
+        engine.Answer(engine.script<AudioResamplerExScript>().isFormatChange(), false);
     engine.Call(this, "IsFormatChange(%u, %u, %u, %u) = %d", sourceRate, sourceChannels, targetRate,
                 targetChannels, answer);
     return answer;

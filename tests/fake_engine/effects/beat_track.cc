@@ -21,14 +21,15 @@ class FakeBeatTrack final : public IBeatTrack {
   int Detectbeat(short* block, int samples) override {
     FakeEngine& engine = FakeEngine::Current();
     const std::string from = engine.Buffer(block);
-    const int status = engine.script<BeatTrackScript>().detect(m_notify, block, samples);
+    const int status =
+        engine.Fails() ? -1 : engine.script<BeatTrackScript>().detect(m_notify, block, samples);
     engine.Call(this, "Detectbeat(%s, %d) = %d", from.c_str(), samples, status);
     return status;
   }
 
   void Stop() override {
     FakeEngine& engine = FakeEngine::Current();
-    engine.script<BeatTrackScript>().stop(m_notify);
+    if (!engine.Fails()) engine.script<BeatTrackScript>().stop(m_notify);
     engine.Call(this, "Stop()");
   }
 

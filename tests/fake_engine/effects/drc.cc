@@ -12,5 +12,5 @@ Drc::~Drc() { FakeEngine::Current().Died(this); }
 void Drc::Process(short* samples, int channels, int samplesPerChannel) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(this, "Process(%d, %d)", channels, samplesPerChannel);
-  engine.script<DrcScript>().process(samples, channels * samplesPerChannel);
+  if (!engine.Fails()) engine.script<DrcScript>().process(samples, channels * samplesPerChannel);
 }

@@ -15,6 +15,7 @@ class FakeEqualizer final : public FakeDsp<IEqualizer> {
     const std::string buffer = engine.Buffer(samples);
     engine.Call(this, "Process(%s, %d, %d, %d, %d)", buffer.c_str(), samplesPerChannel, sampleRate,
                 channels, sampleSize);
+    if (engine.Fails()) return -1;
     engine.script<EqualizerScript>().process(reinterpret_cast<short*>(samples),
                                              samplesPerChannel * channels);
     return samplesPerChannel;

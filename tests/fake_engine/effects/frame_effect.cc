@@ -16,7 +16,7 @@ uint32_t ProcessFakeFrame(const void* object, zuwebrtc::AudioFrame& frame) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(object, "Process(%d Hz, %d, %d)", frame.sample_rate_hz_, frame.num_channels_,
               frame.samples_per_channel_);
-  return engine.script<FrameEffectScript>().process(frame);
+  return engine.Fails() ? 0 : engine.script<FrameEffectScript>().process(frame);
 }
 
 void RecordEqGains(const void* object, const float* gains, bool flag) {

@@ -27,7 +27,9 @@ void RateChanger::Process(short* samples, int samplesPerChannel, int channels, s
   FakeEngine& engine = FakeEngine::Current();
   const std::string from = engine.Buffer(samples);
   const size_t before = out.size();
-  engine.script<RateChangerScript>().process(samples, samplesPerChannel * channels, out);
+  if (!engine.Fails()) {
+    engine.script<RateChangerScript>().process(samples, samplesPerChannel * channels, out);
+  }
   engine.Call(this, "Process(%s, %d, %d, %zu bytes) = %zu bytes", from.c_str(), samplesPerChannel,
               channels, before, out.size());
 }

@@ -12,7 +12,9 @@ int Answer(const char* function, unsigned rate, unsigned channels, const short* 
   const std::string from = engine.Buffer(in);
   const std::string to = engine.Buffer(out);
   const unsigned room = *outSamples;
-  const int code = engine.script<SoundProcessScript>().process(in, inSamples, out, outSamples);
+  const int code =
+      engine.Fails() ? -1
+                     : engine.script<SoundProcessScript>().process(in, inSamples, out, outSamples);
   engine.Record("%s(%u, %u, %s, %u, %s, %u%s) = %d, %u", function, rate, channels, from.c_str(),
                 inSamples, to.c_str(), room, flag, code, *outSamples);
   return code;

@@ -104,8 +104,9 @@ unsigned __wrap__ZN10soundtouch10SoundTouch14receiveSamplesEPfj(SoundTouch* self
   const std::string buffer = engine.Buffer(out);
   const auto& script = engine.script<SoundTouchScript>();
   const unsigned frames =
-      script.receive ? script.receive(out, room)
-                     : __real__ZN10soundtouch10SoundTouch14receiveSamplesEPfj(self, out, room);
+      engine.Fails()   ? 0
+      : script.receive ? script.receive(out, room)
+                       : __real__ZN10soundtouch10SoundTouch14receiveSamplesEPfj(self, out, room);
   engine.Call(self, "receiveSamples(%s, %u) = %u", buffer.c_str(), room, frames);
   return frames;
 }
@@ -136,7 +137,9 @@ void __wrap__ZN10soundtouch9BPMDetect12inputSamplesEPKfi(BPMDetect* self, const 
 float __wrap__ZN10soundtouch9BPMDetect6getBpmEv(BPMDetect* self) {
   FakeEngine& engine = FakeEngine::Current();
   const auto& script = engine.script<SoundTouchScript>();
-  const float bpm = script.bpm ? script.bpm() : __real__ZN10soundtouch9BPMDetect6getBpmEv(self);
+  const float bpm = engine.Fails() ? 0
+                    : script.bpm   ? script.bpm()
+                                   : __real__ZN10soundtouch9BPMDetect6getBpmEv(self);
   engine.Call(self, "getBpm()");
   return bpm;
 }

@@ -17,8 +17,9 @@ class FakeVoiceBeautify final : public FakeDsp<IAudioVoiceBeautify> {
   int VoiceBeautifyProcess(unsigned short* samples, int count, int rate, int channels) override {
     FakeEngine& engine = FakeEngine::Current();
     const std::string buffer = engine.Buffer(samples);
+    auto* const values = reinterpret_cast<short*>(samples);
     const int answer =
-        engine.script<VoiceBeautifyScript>().process(reinterpret_cast<short*>(samples), count);
+        engine.Fails() ? -1 : engine.script<VoiceBeautifyScript>().process(values, count);
     engine.Call(this, "VoiceBeautifyProcess(%s, %d, %d, %d) = %d", buffer.c_str(), count, rate,
                 channels, answer);
     return answer;

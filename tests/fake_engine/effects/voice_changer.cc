@@ -13,7 +13,8 @@ class FakeVoiceChanger final : public IVoiceChangerToolbox {
     FakeEngine& engine = FakeEngine::Current();
     const std::string buffer = engine.Buffer(samples);
     const int before = *count;
-    const int answer = engine.script<VoiceChangerScript>().process(samples, count);
+    const int answer =
+        engine.Fails() ? -1 : engine.script<VoiceChangerScript>().process(samples, count);
     engine.Call(this, "Process(%s, %d) = %d, %d", buffer.c_str(), before, answer, *count);
     return answer;
   }

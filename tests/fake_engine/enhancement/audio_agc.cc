@@ -17,6 +17,6 @@ void ZUAudio::AudioAgc::EnableAGC(bool on) {
 
 void ZUAudio::AudioAgc::Process(short* samples) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.script<BlockGainScript>().process(samples);
+  if (!engine.Fails()) engine.script<BlockGainScript>().process(samples);
   engine.Call(this, "Process");
 }

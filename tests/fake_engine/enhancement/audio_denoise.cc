@@ -21,5 +21,5 @@ void CAudioDenoise::EnableLightDenoise(bool enable) {
 void CAudioDenoise::Process(short* samples) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Call(this, "Process");
-  engine.script<DenoiseScript>().process(samples, m_impl->samples);
+  if (!engine.Fails()) engine.script<DenoiseScript>().process(samples, m_impl->samples);
 }

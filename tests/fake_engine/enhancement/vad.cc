@@ -7,19 +7,19 @@ int WebRtcVad_Create(void** handle) {
   *handle = new char;
   engine.Identify(*handle, "WebRtcVad");
   engine.Record("WebRtcVad_Create() = %s", engine.HandleOf(*handle).c_str());
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int WebRtcVad_Init(void* handle) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("WebRtcVad_Init(%s)", engine.HandleOf(handle).c_str());
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int WebRtcVad_set_mode(void* handle, int mode) {
   FakeEngine& engine = FakeEngine::Current();
   engine.Record("WebRtcVad_set_mode(%s, %d)", engine.HandleOf(handle).c_str(), mode);
-  return 0;
+  return engine.Answer(0, -1);
 }
 
 int WebRtcVad_Free(void* handle) {
@@ -27,5 +27,5 @@ int WebRtcVad_Free(void* handle) {
   engine.Record("WebRtcVad_Free(%s)", engine.HandleOf(handle).c_str());
   engine.Forget(handle);
   delete static_cast<char*>(handle);
-  return 0;
+  return engine.Answer(0, -1);
 }

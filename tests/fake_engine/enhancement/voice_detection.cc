@@ -12,12 +12,13 @@ CVoiceDetectionEx::~CVoiceDetectionEx() { FakeEngine::Current().Died(this); }
 
 bool CVoiceDetectionEx::SetVoiceDetectionMode(VoiceDetectionMode mode) {
   FakeEngine::Current().Call(this, "SetVoiceDetectionMode(%d)", static_cast<int>(mode));
-  return true;
+  return !FakeEngine::Current().Fails();
 }
 
 VADResultKind CVoiceDetectionEx::Detect(short* samples, unsigned int count) {
   FakeEngine& engine = FakeEngine::Current();
-  const VADResultKind answer = engine.script<VoiceDetectionScript>().detect(samples, count);
+  const VADResultKind answer = engine.Answer(
+      engine.script<VoiceDetectionScript>().detect(samples, count), vadResultIsUnknown);
   engine.Call(this, "Detect(%u) = %d", count, static_cast<int>(answer));
   return answer;
 }

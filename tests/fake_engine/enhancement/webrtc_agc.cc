@@ -17,6 +17,6 @@ void ZUAudio::WebrtcAgc::EnableAGC(bool on) {
 
 void ZUAudio::WebrtcAgc::ProcessCapture(short* samples, bool echo) {
   FakeEngine& engine = FakeEngine::Current();
-  engine.script<BlockGainScript>().process(samples);
+  if (!engine.Fails()) engine.script<BlockGainScript>().process(samples);
   engine.Call(this, "ProcessCapture(%s)", echo ? "true" : "false");
 }

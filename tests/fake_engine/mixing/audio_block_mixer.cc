@@ -15,7 +15,7 @@ void CAudioBlockMixer::Process(const AudioBlockList& blocks, std::string& outMix
   std::string sizes;
   for (const std::string* block : blocks) sizes += " " + std::to_string(block->size());
   const std::string before = outMix;
-  outMix = engine.script<BlockMixerScript>().process(blocks);
+  if (!engine.Fails()) outMix = engine.script<BlockMixerScript>().process(blocks);
   engine.Call(this, "Process(%s%s) = %s", sizes.empty() ? "" : sizes.c_str() + 1,
               before.empty() ? "" : ", into what is not empty", outMix.c_str());
 }

@@ -16,15 +16,16 @@ class FakeAudioChannel : public IAudioChannel {
                    int channels, int bytesPerSample) override {
     FakeEngine& engine = FakeEngine::Current();
     const AudioChannelScript& script = engine.script<AudioChannelScript>();
+    const bool started = engine.Answer(script.packer, false);
     engine.Call(this, "StartPacker(notify, %d, %d, %d, %d, %d) = %d", codecType, captureRate,
-                processRate, channels, bytesPerSample, script.packer);
-    engine.onSleep = [notify, &script] { script.pack(*notify); };
-    return script.packer;
+                processRate, channels, bytesPerSample, started);
+    if (!engine.Fails()) engine.onSleep = [notify, &script] { script.pack(*notify); };
+    return started;
   }
 
   bool OpenCapture() override {
     FakeEngine::Current().Call(this, "OpenCapture()");
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   void CloseCapture() override { FakeEngine::Current().Call(this, "CloseCapture()"); }
@@ -38,10 +39,10 @@ class FakeAudioChannel : public IAudioChannel {
                  uint32_t channels) override {
     FakeEngine& engine = FakeEngine::Current();
     const AudioChannelScript& script = engine.script<AudioChannelScript>();
-    engine.Call(this, "StartPlay(notify, %u, %u, %u) = %d", stream, sampleRate, channels,
-                script.play);
-    engine.onSleep = [notify, &script] { script.pull(*notify); };
-    return script.play;
+    const bool started = engine.Answer(script.play, false);
+    engine.Call(this, "StartPlay(notify, %u, %u, %u) = %d", stream, sampleRate, channels, started);
+    if (!engine.Fails()) engine.onSleep = [notify, &script] { script.pull(*notify); };
+    return started;
   }
 
   void StopPlay(uint32_t stream) override {

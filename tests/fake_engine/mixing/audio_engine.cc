@@ -11,12 +11,12 @@ class FakeAudioCapture : public IAudioCapture {
 
   bool Open(uint32_t sampleRate, uint32_t channels, uint32_t bitsPerSample) override {
     FakeEngine::Current().Call(this, "Open(%u, %u, %u)", sampleRate, channels, bitsPerSample);
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   bool Start(IAudioCaptureNotify* notify) override {
     FakeEngine::Current().Call(this, "Start(%s)", notify != nullptr ? "notify" : "null");
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   void Stop() override { FakeEngine::Current().Call(this, "Stop()"); }
@@ -35,7 +35,7 @@ class FakeAudioEngine : public IAudioEngine {
 
   bool Start(AudioEngineFeature_t feature) override {
     FakeEngine::Current().Call(this, "Start(%d)", feature);
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   IAudioCapture* CreateAudioCapture() override {
@@ -48,7 +48,7 @@ class FakeAudioEngine : public IAudioEngine {
 
   bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) override {
     FakeEngine& engine = FakeEngine::Current();
-    const bool started = engine.script<AudioEngineScript>().saver;
+    const bool started = engine.Answer(engine.script<AudioEngineScript>().saver, false);
     engine.Call(this, "StartAudioSaver(%s, %d, %d) = %d", file, mode, writing, started);
     return started;
   }

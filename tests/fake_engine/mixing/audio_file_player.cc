@@ -11,7 +11,7 @@ class FakeAudioFilePlayer : public IAudioFilePlayer {
 
   FilePlayerOpenStatus Open(char* file) override {
     FakeEngine& engine = FakeEngine::Current();
-    const int status = engine.script<AudioEngineScript>().openPlayer;
+    const int status = engine.Answer(engine.script<AudioEngineScript>().openPlayer, -1);
     engine.Call(this, "Open(%s) = %d", file, status);
     return static_cast<FilePlayerOpenStatus>(status);
   }

@@ -27,7 +27,7 @@ class FakeKaraokeFileMixer : public IKaraokeFileMixer {
 
   bool Open(char* voiceFile, char* accompanyFile) override {
     FakeEngine& engine = FakeEngine::Current();
-    const bool open = engine.script<KaraokeFileMixerScript>().open;
+    const bool open = engine.Answer(engine.script<KaraokeFileMixerScript>().open, false);
     engine.Call(this, "Open(%s, %s) = %d", voiceFile, accompanyFile, open);
     return open;
   }
@@ -69,13 +69,13 @@ class FakeKaraokeFileMixer : public IKaraokeFileMixer {
   bool Start(char* outputFile) override {
     FakeEngine& engine = FakeEngine::Current();
     engine.Call(this, "Start(%s)", outputFile);
-    return engine.script<KaraokeFileMixerScript>().start(m_notify);
+    return !engine.Fails() && engine.script<KaraokeFileMixerScript>().start(m_notify);
   }
 
   void Stop() override {
     FakeEngine& engine = FakeEngine::Current();
     engine.Call(this, "Stop()");
-    engine.script<KaraokeFileMixerScript>().stop(m_notify);
+    if (!engine.Fails()) engine.script<KaraokeFileMixerScript>().stop(m_notify);
   }
 
   void Destroy() override {

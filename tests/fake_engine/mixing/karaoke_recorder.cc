@@ -10,12 +10,12 @@ class FakeKaraokeRecorder : public IKaraokeRecorder {
 
   bool OpenInputFile(char* guideFile, char* accompanyFile) override {
     FakeEngine::Current().Call(this, "OpenInputFile(%s, %s)", guideFile, accompanyFile);
-    return false;
+    return !FakeEngine::Current().Fails();
   }
 
   bool OpenOutputFile(char* voiceFile, char* mixFile) override {
     FakeEngine::Current().Call(this, "OpenOutputFile(%s, %s)", voiceFile, mixFile);
-    return false;
+    return !FakeEngine::Current().Fails();
   }
 
   void SetLineInfo(ScoreLineInfo* lines, int count) override {
@@ -34,7 +34,7 @@ class FakeKaraokeRecorder : public IKaraokeRecorder {
 
   bool Start() override {
     FakeEngine::Current().Call(this, "Start()");
-    return false;
+    return !FakeEngine::Current().Fails();
   }
 
   void Stop() override { FakeEngine::Current().Call(this, "Stop()"); }

@@ -10,7 +10,7 @@ class FakePushPcmModule : public IPushPcmModule {
 
   bool Process(const std::string& data, std::string&) override {
     FakeEngine::Current().Call(this, "Process(%zu)", data.size());
-    return false;
+    return !FakeEngine::Current().Fails();
   }
 
   void Destroy() override {
@@ -35,5 +35,5 @@ std::string IPushPcmModule::MakeStreamInfo(unsigned* fs, unsigned* ch, unsigned*
                                            unsigned* length, unsigned count) {
   FakeEngine::Current().Record("IPushPcmModule::MakeStreamInfo(%u, %u, %u, %u, %u)", *fs, *ch,
                                *precision, *length, count);
-  return "head";
+  return FakeEngine::Current().HasNone() ? "" : "head";
 }

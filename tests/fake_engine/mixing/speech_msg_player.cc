@@ -11,14 +11,15 @@ class FakeSpeechMsgPlayer : public ISpeechMsgPlayer {
 
   bool Init() override {
     FakeEngine& engine = FakeEngine::Current();
-    const bool ready = engine.script<SpeechMsgPlayerScript>().init;
+    const bool ready = engine.Answer(engine.script<SpeechMsgPlayerScript>().init, false);
     engine.Call(this, "Init() = %d", ready);
     return ready;
   }
 
   uint32_t GetRecordFileTime() override {
     FakeEngine& engine = FakeEngine::Current();
-    const uint32_t time = engine.script<SpeechMsgPlayerScript>().recordFileTime;
+    const uint32_t time =
+        engine.Answer(engine.script<SpeechMsgPlayerScript>().recordFileTime, uint32_t{0});
     engine.Call(this, "GetRecordFileTime() = %u", time);
     return time;
   }
@@ -27,7 +28,7 @@ class FakeSpeechMsgPlayer : public ISpeechMsgPlayer {
     FakeEngine& engine = FakeEngine::Current();
     engine.script<SpeechMsgPlayerScript>().notify = notify;
     engine.Call(this, "Start(%s)", notify != nullptr ? "notify" : "null");
-    return true;
+    return !FakeEngine::Current().Fails();
   }
 
   void Stop() override { FakeEngine::Current().Call(this, "Stop()"); }
