@@ -89,6 +89,7 @@ class PlayedStream final : public desktop::PlaySource {
         "player: stream %u, %u frames, %u concealed, %u refused, %u dropped, %u underruns",
         m_stream, counts.played, counts.concealed, counts.refused, counts.dropped,
         counts.underruns);
+    desktop::AddDeviceFailures(desktop::Direction::kOutput, counts.underruns);
   }
   PlayedStream(const PlayedStream&) = delete;
   PlayedStream& operator=(const PlayedStream&) = delete;

@@ -2,11 +2,13 @@
 
 #include <utility>
 
+#include "engine_api/platform/log.h"
+
 namespace desktop {
 
 CaptureSaver::CaptureSaver(AudioSaverMode mode, Microphone& microphone,
                            std::unique_ptr<FileSink> sink)
-    : m_mode(mode), m_microphone(microphone), m_sink(std::move(sink)) {
+    : m_mode(mode), m_microphone(microphone), m_file(std::move(sink), microphone.Format()) {
   if (mode == AudioSaverBoth) {
     m_played = std::make_unique<PlayFeed>(PlayFeed::What::kPlayed, microphone.Format());
     m_block.resize(microphone.Format().BlockFrames() * microphone.Format().channels);
@@ -17,7 +19,10 @@ CaptureSaver::CaptureSaver(AudioSaverMode mode, Microphone& microphone,
 }
 
 CaptureSaver::~CaptureSaver() {
-  m_microphone.CatchUp();
+  if (!m_microphone.CatchUp(RecordedFile::kPatience)) {
+    OutputDebugInfo(
+        "saver: what the microphone heard last is lost: its other listeners stand still");
+  }
   m_microphone.Remove(this);
   if (m_played != nullptr) Loudspeaker::Shared().Remove(m_played.get());
 }
@@ -29,20 +34,18 @@ void CaptureSaver::OnCaptured(const CapturedBlock& block) {
       for (size_t i = 0; i < m_sums.size(); ++i) m_sums[i] = m_block[i] + block.microphone[i];
       m_limiter.Process(m_sums.data(), block.frames, m_microphone.Format().channels,
                         m_block.data());
-      m_sink->Write(m_block.data(), block.frames);
+      m_file.Put(m_block.data());
       break;
     case AusioSaverOnlyCaptureOri:
-      m_sink->Write(block.microphone, block.frames);
+      m_file.Put(block.microphone);
       break;
     default:
-      m_sink->Write(block.samples, block.frames);
+      m_file.Put(block.samples);
   }
 }
 
 RenderSaver::RenderSaver(std::unique_ptr<FileSink> sink)
-    : m_sink(std::move(sink)),
-      m_worker(Loudspeaker::kFormat,
-               [this](short* samples, size_t frames) { m_sink->Write(samples, frames); }) {
+    : m_file(std::move(sink), Loudspeaker::kFormat) {
   Loudspeaker::Shared().Add(this);
 }
 

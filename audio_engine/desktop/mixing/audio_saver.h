@@ -2,20 +2,20 @@
 
 #include <memory>
 
-#include "desktop/mixing/file_sink.h"
 #include "desktop/mixing/microphone.h"
 #include "desktop/mixing/play_feed.h"
+#include "desktop/mixing/recorded_file.h"
 #include "engine_api/mixing/audio_engine.h"
 
 namespace desktop {
 
 // Records the microphone path, before or after what players feed back into it, or with all that is
-// played. Called on the microphone's own thread.
+// played.
 class CaptureSaver : public CaptureListener {
  public:
   // sink: of the microphone's format. The microphone outlives the saver.
   CaptureSaver(AudioSaverMode mode, Microphone& microphone, std::unique_ptr<FileSink> sink);
-  ~CaptureSaver() override;  // Finishes the file.
+  ~CaptureSaver() override;  // Finishes the file: all that was captured until now is in it.
   CaptureSaver(const CaptureSaver&) = delete;
   CaptureSaver& operator=(const CaptureSaver&) = delete;
 
@@ -24,7 +24,7 @@ class CaptureSaver : public CaptureListener {
  private:
   const AudioSaverMode m_mode;
   Microphone& m_microphone;
-  const std::unique_ptr<FileSink> m_sink;
+  RecordedFile m_file;
   std::unique_ptr<PlayFeed> m_played;  // For AudioSaverBoth.
   std::vector<short> m_block;
   std::vector<int32_t> m_sums;
@@ -40,12 +40,11 @@ class RenderSaver : public PlayListener {
   RenderSaver(const RenderSaver&) = delete;
   RenderSaver& operator=(const RenderSaver&) = delete;
 
-  void OnPlayed(const PlayedBlock& block) override { m_worker.Put(block.played); }
+  void OnPlayed(const PlayedBlock& block) override { m_file.Put(block.played); }
   bool HearsSilence() const override { return true; }
 
  private:
-  const std::unique_ptr<FileSink> m_sink;
-  BlockWorker m_worker;
+  RecordedFile m_file;
 };
 
 }  // namespace desktop

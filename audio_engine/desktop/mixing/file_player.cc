@@ -94,6 +94,7 @@ void FilePlayer::Run() {
   if (m_underruns > 0) {
     OutputDebugInfo("player: %llu blocks of 10 ms came too late",
                     static_cast<unsigned long long>(m_underruns));
+    AddDeviceFailures(Direction::kOutput, m_underruns);
   }
   m_plays = false;
 }

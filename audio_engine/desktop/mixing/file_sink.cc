@@ -47,7 +47,7 @@ std::unique_ptr<FileSink> FileSink::Create(const char* name, DeviceFormat format
                     errno != 0 ? strerror(errno) : "not a file or not a format to go on with");
     return nullptr;
   }
-  return std::unique_ptr<FileSink>(new FileSink(name, format, std::move(writer)));
+  return std::make_unique<FileSink>(name, format, std::move(writer));
 }
 
 FileSink::FileSink(const char* name, DeviceFormat format, std::unique_ptr<FrameWriter> writer)

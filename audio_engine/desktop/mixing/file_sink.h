@@ -43,7 +43,12 @@ class FileSink {
   // whatever `format` is. Null, with one line in the log, when the file cannot be written.
   static std::unique_ptr<FileSink> Create(const char* name, DeviceFormat format, bool append);
 
+  // For any writer of that name.
+  FileSink(const char* name, DeviceFormat format, std::unique_ptr<FrameWriter> writer);
+
   ~FileSink();  // Finishes.
+
+  const std::string& Name() const { return m_name; }
 
   // False, after one line in the log, once something could not be written; nothing more is then.
   bool Write(const short* samples, size_t frames);
@@ -52,7 +57,6 @@ class FileSink {
   bool Finish();
 
  private:
-  FileSink(const char* name, DeviceFormat format, std::unique_ptr<FrameWriter> writer);
   bool Note(bool good);
 
   static constexpr uint32_t kPieceFrames = 4800;

@@ -13,6 +13,7 @@
 #include "desktop/mixing/microphone.h"
 #include "desktop/mixing/note_scorer.h"
 #include "desktop/mixing/pitch_tracker.h"
+#include "desktop/mixing/recorded_file.h"
 #include "desktop/mixing/sum_limiter.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
@@ -41,7 +42,10 @@ class Recording : public desktop::CaptureListener {
   // player: plays the song, or null. scorer: null for no score.
   Recording(Files files, const desktop::FilePlayer* player,
             std::unique_ptr<desktop::NoteScorer> scorer)
-      : m_files(std::move(files)), m_player(player), m_scorer(std::move(scorer)) {}
+      : m_song(std::move(files.song)), m_player(player), m_scorer(std::move(scorer)) {
+    if (files.voice != nullptr) m_voice.emplace(std::move(files.voice), kVoice);
+    if (files.mix != nullptr) m_mix.emplace(std::move(files.mix), kMix);
+  }
 
   // Nothing is captured any more. lines: of the song.
   void Finish(size_t lines) {
@@ -52,9 +56,9 @@ class Recording : public desktop::CaptureListener {
   }
 
   void OnCaptured(const desktop::CapturedBlock& block) override {
-    if (m_files.voice != nullptr) m_files.voice->Write(block.samples, block.frames);
+    if (m_voice) m_voice->Put(block.samples);
     if (!m_songStartMs && m_player != nullptr) FindStart(block);
-    if (m_files.mix != nullptr) Mix(block);
+    if (m_mix) Mix(block);
     if (m_scorer != nullptr && m_songStartMs) Score(block);
   }
 
@@ -69,13 +73,13 @@ class Recording : public desktop::CaptureListener {
 
   void Mix(const desktop::CapturedBlock& block) {
     short song[kBlock * kMix.channels] = {};
-    if (m_files.song != nullptr && m_songStartMs && block.timeMs >= *m_songStartMs) {
-      m_files.song->Read(song, kBlock);
+    if (m_song != nullptr && m_songStartMs && block.timeMs >= *m_songStartMs) {
+      m_song->Read(song, kBlock);
     }
     int32_t sums[kBlock * kMix.channels];
     for (size_t i = 0; i < std::size(sums); ++i) sums[i] = song[i] + block.samples[i / 2];
     m_limiter.Process(sums, kBlock, kMix.channels, song);
-    m_files.mix->Write(song, kBlock);
+    m_mix->Put(song);
   }
 
   void Score(const desktop::CapturedBlock& block) {
@@ -85,7 +89,9 @@ class Recording : public desktop::CaptureListener {
     m_scorer->Sing(block.timeMs + 10.0 - PitchTracker::kLagMs - *m_songStartMs, pitch);
   }
 
-  const Files m_files;
+  std::optional<desktop::RecordedFile> m_voice;
+  std::optional<desktop::RecordedFile> m_mix;
+  const std::unique_ptr<desktop::ConvertedSource> m_song;
   const desktop::FilePlayer* const m_player;
   const std::unique_ptr<desktop::NoteScorer> m_scorer;
   std::optional<double> m_songStartMs;

@@ -7,14 +7,23 @@
 
 namespace desktop {
 
+namespace {
+
+// The listeners.
+constexpr std::chrono::seconds kMostLate{2};
+
+}  // namespace
+
 Microphone::Microphone(DeviceFormat format)
     : m_feedback(PlayFeed::What::kFeedback, format),
       m_voice(format.rate, format.channels),
       m_mixed(format.BlockFrames() * format.channels),
       m_sums(m_mixed.size()),
-      m_worker(format, [this](short* samples, size_t frames) { Work(samples, frames); }),
-      m_device(Direction::kInput, format,
-               [this](short* samples, size_t /*frames*/) { m_worker.Put(samples); }) {}
+      m_worker(
+          format, [this](short* samples, size_t frames) { Work(samples, frames); }, kMostLate),
+      m_device(Direction::kInput, format, [this](short* samples, size_t /*frames*/) {
+        if (!m_worker.Put(samples)) m_device.CountFailure();
+      }) {}
 
 Microphone::~Microphone() { Stop(); }
 
@@ -38,8 +47,10 @@ void Microphone::Add(CaptureListener* listener) {
 }
 
 void Microphone::Remove(CaptureListener* listener) {
-  const std::scoped_lock lock(m_mutex);
+  std::unique_lock lock(m_mutex);
   std::erase(m_listeners, listener);
+  if (m_caller == std::this_thread::get_id()) return;
+  m_returned.wait(lock, [&] { return m_called != listener; });
 }
 
 void Microphone::Work(short* samples, size_t frames) {
@@ -61,8 +72,24 @@ void Microphone::Work(short* samples, size_t frames) {
                                static_cast<uint8_t>(VolumeOf(m_mixed.data(), count)),
                                timeMs,
                                LatencyMs()};
-  const std::scoped_lock lock(m_mutex);
-  for (CaptureListener* listener : m_listeners) listener->OnCaptured(block);
+  Tell(block);
+}
+
+// Whoever is removed meanwhile is not called.
+void Microphone::Tell(const CapturedBlock& block) {
+  std::unique_lock lock(m_mutex);
+  m_toCall = m_listeners;
+  m_caller = std::this_thread::get_id();
+  for (CaptureListener* listener : m_toCall) {
+    if (std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end()) continue;
+    m_called = listener;
+    lock.unlock();
+    listener->OnCaptured(block);
+    lock.lock();
+    m_called = nullptr;
+    m_returned.notify_all();
+  }
+  m_caller = {};
 }
 
 void Microphone::MixFeedback(const short* microphone, size_t frames) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "desktop/mixing/capture_cleaner.h"
@@ -43,19 +45,23 @@ class Microphone {
   bool Start();  // Opens the device. False, with one line in the log, when that fails.
   void Stop();   // What was captured reaches the listeners before it returns.
 
-  // Waits until what was captured has reached the listeners, but no longer than a second.
-  void CatchUp() const { m_worker.CatchUp(); }
+  // Waits until what was captured has reached the listeners. False when they do not get on with it:
+  // no block within `patience`.
+  bool CatchUp(std::chrono::milliseconds patience) const { return m_worker.CatchUp(patience); }
 
+  const AudioDevice& Device() const { return m_device; }
   DeviceFormat Format() const { return m_device.Format(); }
   uint32_t LatencyMs() const { return m_device.LatencyMs(); }
 
-  // The listener is not called any more after Remove has returned. Neither is called by a listener.
+  // The listener is not called any more after Remove has returned, or, where it removes itself,
+  // after the call that it is in. Any thread.
   void Add(CaptureListener* listener);
   void Remove(CaptureListener* listener);
 
  private:
   void Work(short* samples, size_t frames);
   void MixFeedback(const short* microphone, size_t frames);
+  void Tell(const CapturedBlock& block);
 
   PlayFeed m_feedback;
   std::unique_ptr<CaptureCleaner> m_cleaner;  // Null while nothing is cleaned.
@@ -65,8 +71,12 @@ class Microphone {
   std::vector<int32_t> m_sums;
   uint64_t m_blocks = 0;
   bool m_listens = false;  // To the loudspeaker.
-  std::mutex m_mutex;      // Of the listeners; held while they are called.
+  std::mutex m_mutex;      // Of the three that follow; never held while a listener is called.
   std::vector<CaptureListener*> m_listeners;
+  const CaptureListener* m_called = nullptr;  // The listener that is being called,
+  std::thread::id m_caller;                   // and on which thread.
+  std::condition_variable m_returned;
+  std::vector<CaptureListener*> m_toCall;  // Of the thread that calls them.
   BlockWorker m_worker;
   AudioDevice m_device;
 };

@@ -43,12 +43,6 @@ void Unregister(AudioDevice* device) {
   std::erase(Running().devices, device);
 }
 
-void AddFailures(Direction direction, uint64_t failures) {
-  const std::scoped_lock lock(Running().mutex);
-  DeviceFailures& all = Running().failures;
-  (direction == Direction::kOutput ? all.outputs : all.inputs) += failures;
-}
-
 }  // namespace
 
 void StopAudioDevices() {
@@ -69,6 +63,12 @@ void StopAudioDevices() {
 DeviceFailures AllDeviceFailures() {
   const std::scoped_lock lock(Running().mutex);
   return Running().failures;
+}
+
+void AddDeviceFailures(Direction direction, uint64_t count) {
+  const std::scoped_lock lock(Running().mutex);
+  DeviceFailures& all = Running().failures;
+  (direction == Direction::kOutput ? all.outputs : all.inputs) += count;
 }
 
 void UseNullDevices(double speed) { g_nullSpeed = speed; }
@@ -124,7 +124,7 @@ void AudioDevice::Run() {
                   static_cast<unsigned long long>(m_failures),
                   m_direction == Direction::kOutput ? "underruns" : "overruns",
                   static_cast<unsigned>(m_latencyMs));
-  AddFailures(m_direction, m_failures);
+  AddDeviceFailures(m_direction, m_failures);
   Unregister(this);
 }
 
@@ -136,6 +136,7 @@ bool AudioDevice::RunOnServer() {
     return false;
   }
   PulseStream stream(m_direction, m_format);
+  m_streamFailures = 0;
   if (!stream.Connect(m_stop)) {
     OutputDebugInfo("%s: %u Hz, %u channels, null device: no sound server: %s", Name(),
                     m_format.rate, m_format.channels, stream.Fault().c_str());
@@ -163,7 +164,8 @@ bool AudioDevice::Exchange(PulseStream& stream) {
       m_latencyMs = stream.LatencyMs();
     }
   }
-  m_failures = stream.Failures();
+  m_failures += stream.Failures() - m_streamFailures;
+  m_streamFailures = stream.Failures();
   // A sample of an input waits for its block to be whole as well.
   m_latencyMs = stream.LatencyMs() + (m_direction == Direction::kInput ? 10 : 0);
   return true;

@@ -57,6 +57,9 @@ class AudioDevice {
   uint64_t Blocks() const { return m_blocks; }
   uint64_t Failures() const { return m_failures; }
 
+  // Counts one more, for a callback that could not keep what an input heard. Any thread.
+  void CountFailure() { ++m_failures; }
+
   // How long a sample takes from the callback to the loudspeaker, or from the microphone to the
   // callback, ms. Any thread.
   uint32_t LatencyMs() const { return m_latencyMs; }
@@ -80,6 +83,7 @@ class AudioDevice {
   Wake m_wake;  // From the wait for the null device's next block, in order to stop.
   std::atomic<uint64_t> m_blocks = 0;
   std::atomic<uint64_t> m_failures = 0;
+  uint64_t m_streamFailures = 0;  // Those of the sound server's that are counted already.
   std::atomic<uint32_t> m_latencyMs = 0;
 };
 
@@ -88,12 +92,14 @@ class AudioDevice {
 // well when the process returns from main.
 void StopAudioDevices();
 
-// What Failures has counted so far, over all devices of the process that have been stopped.
+// What Failures has counted so far, over all devices of the process that have been stopped, and
+// what was added: blocks that were lost on the way to an output or from an input.
 struct DeviceFailures {
   uint64_t outputs = 0;
   uint64_t inputs = 0;
 };
 DeviceFailures AllDeviceFailures();
+void AddDeviceFailures(Direction direction, uint64_t count);
 
 // From now on every device that starts is the null device, and its time passes `speed` times as
 // fast as the clock. For tests.

@@ -1,50 +1,52 @@
 #pragma once
 
-#include <atomic>
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <thread>
 #include <vector>
 
 #include "desktop/platform/audio_device.h"
-#include "desktop/platform/block_ring.h"
-#include "desktop/platform/wake.h"
 
 namespace desktop {
 
 // Takes blocks from a device's thread and works on them on a thread of its own, which may allocate,
-// wait and write files, and be late by two seconds.
+// wait and write files, and be late by some seconds.
 class BlockWorker {
  public:
   using Work = std::function<void(short* samples, size_t frames)>;
 
-  // Starts the thread; throws std::system_error when there is none to be had.
-  BlockWorker(DeviceFormat format, Work work);
+  // Starts the thread; throws std::system_error when there is none to be had. The work is destroyed
+  // on it.
+  BlockWorker(DeviceFormat format, Work work, std::chrono::seconds mostLate);
   ~BlockWorker();  // Stops.
   BlockWorker(const BlockWorker&) = delete;
   BlockWorker& operator=(const BlockWorker&) = delete;
 
-  // Takes one block of the format's BlockFrames; drops and counts it when two seconds wait. One
-  // thread, which never waits here.
-  void Put(const short* samples);
+  // Takes one block of the format's BlockFrames. False, and one more is lost, when the work is too
+  // late. One thread, which never waits here.
+  bool Put(const short* samples);
 
-  // Works on what waits and ends the thread. To be called once nothing is put any more.
+  // Works on what waits and ends the thread, however long that takes. To be called once nothing is
+  // put any more.
   void Stop();
 
-  // Waits until what was put is worked on, but no longer than a second. Not from the work.
-  void CatchUp() const;
+  // The same, but leaves the thread behind when no block is done for `patience`; it ends once the
+  // work returns, without another block. For work that owns what it uses. False then.
+  bool StopOrLeave(std::chrono::milliseconds patience);
 
-  uint64_t Dropped() const { return m_dropped; }  // Blocks. Any thread.
+  // Waits until all that was put so far is worked on; false when no block is done for `patience`.
+  // True at once in the work itself.
+  bool CatchUp(std::chrono::milliseconds patience) const;
+
+  // Blocks that were put and that nobody has worked on, nor will. Any thread.
+  uint64_t Lost() const;
 
  private:
-  void Run();
+  struct State;
+  static void Run(const std::shared_ptr<State>& state);
 
-  const DeviceFormat m_format;
-  const Work m_work;
-  BlockRing m_ring;
-  std::vector<short> m_block;
-  Wake m_wake;
-  std::atomic<bool> m_stop = false;
-  std::atomic<uint64_t> m_dropped = 0;
+  const std::shared_ptr<State> m_state;
   std::thread m_thread;
 };
 

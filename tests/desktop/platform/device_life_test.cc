@@ -65,10 +65,13 @@ TEST(DeviceLife, IsForgottenWhenItDoesNotStart) {
 TEST(BlockWorker, WorksOnWhatWaitsWhenItIsStopped) {
   std::atomic<bool> goesOn = false;
   std::atomic<int> worked = 0;
-  desktop::BlockWorker worker({16000, 1}, [&](short*, size_t) {
-    while (!goesOn) std::this_thread::yield();
-    ++worked;
-  });
+  desktop::BlockWorker worker(
+      {16000, 1},
+      [&](short*, size_t) {
+        while (!goesOn) std::this_thread::yield();
+        ++worked;
+      },
+      std::chrono::seconds(2));
   const std::vector<short> block(160);
   for (int i = 0; i < 50; ++i) worker.Put(block.data());
   std::thread stopper([&] { worker.Stop(); });
@@ -77,7 +80,7 @@ TEST(BlockWorker, WorksOnWhatWaitsWhenItIsStopped) {
   goesOn = true;
   stopper.join();
   EXPECT_EQ(worked, 50);
-  EXPECT_EQ(worker.Dropped(), 0U);
+  EXPECT_EQ(worker.Lost(), 0U);
 }
 
 }  // namespace
