@@ -1,0 +1,105 @@
+#include "files/new_file.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <filesystem>
+
+#include "support/file_bytes.h"
+#include "support/temporary_directory.h"
+
+namespace {
+
+bool g_knowsNameless = true;  // Whether the file system does.
+
+}  // namespace
+
+// In place of the library's.
+extern "C" int openat(int folder, const char* name, int flags, ...) {
+  if (!g_knowsNameless && (flags & O_TMPFILE) == O_TMPFILE) {
+    errno = EOPNOTSUPP;
+    return -1;
+  }
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+  va_end(arguments);
+  return static_cast<int>(syscall(SYS_openat, folder, name, flags, mode));
+}
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// With and without files that have no name.
+class NewFileTest : public testing::TestWithParam<bool> {
+ protected:
+  NewFileTest() : m_folder(open(".", O_PATH | O_DIRECTORY)) { g_knowsNameless = GetParam(); }
+  ~NewFileTest() override {
+    close(m_folder);
+    g_knowsNameless = true;
+  }
+
+  TemporaryDirectory m_directory;
+  int m_folder;
+};
+
+TEST_P(NewFileTest, AppearsWhole) {
+  {
+    NewFile file(m_folder, "a", 0640);
+    ASSERT_GE(file.descriptor(), 0);
+    EXPECT_TRUE(WriteAll(file.descriptor(), "bytes", 5));
+    EXPECT_FALSE(fs::exists("a"));
+    EXPECT_TRUE(file.Publish(false));
+  }
+  EXPECT_EQ(ReadFile("a"), "bytes");
+  EXPECT_EQ(fs::status("a").permissions(), fs::perms(0640));
+  EXPECT_EQ(fs::hard_link_count("a"), 1U);
+}
+
+TEST_P(NewFileTest, LeavesNothingWhenItIsNotPublished) {
+  NewFile(m_folder, "a", 0600);
+  EXPECT_TRUE(fs::is_empty("."));
+}
+
+TEST_P(NewFileTest, DoesNotAppearWhenItsProcessIsKilled) {
+  const pid_t process = fork();
+  if (process == 0) {
+    NewFile file(m_folder, "a", 0600);
+    WriteAll(file.descriptor(), "byt", 3);
+    raise(SIGKILL);
+  }
+  waitpid(process, nullptr, 0);
+  EXPECT_FALSE(fs::exists("a"));
+  EXPECT_EQ(fs::is_empty("."), GetParam());
+}
+
+TEST_P(NewFileTest, ReplacesOnlyWhenAskedTo) {
+  WriteFile("target", "target");
+  fs::create_symlink("target", "a");
+  {
+    NewFile file(m_folder, "a", 0600);
+    EXPECT_FALSE(file.Publish(false));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_TRUE(fs::is_symlink("a"));
+    EXPECT_TRUE(WriteAll(file.descriptor(), "bytes", 5));
+    EXPECT_TRUE(file.Publish(true));
+  }
+  EXPECT_FALSE(fs::is_symlink("a"));
+  EXPECT_EQ(ReadFile("a"), "bytes");
+  EXPECT_EQ(ReadFile("target"), "target");
+  EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(FileSystems, NewFileTest, testing::Bool());
+
+}  // namespace
+}  // namespace host
