@@ -86,6 +86,22 @@ int OpenBeneath(int folder, const std::string& place, int flags, mode_t mode) {
   return OpenByWalk(folder, real, flags, mode);
 }
 
+int OpenToWriteBeneath(int folder, const std::string& place, int flags, mode_t mode) {
+  const int file = OpenBeneath(folder, place, flags & ~O_TRUNC, mode);
+  if (file < 0) return -1;
+  struct stat status;
+  int error = fstat(file, &status) == 0 ? 0 : errno;
+  if (error == 0 && S_ISREG(status.st_mode)) {
+    if (status.st_nlink > 1) error = EMLINK;
+    // Dates the file anew even if it is empty, as O_TRUNC does.
+    if (error == 0 && (flags & O_TRUNC) != 0 && ftruncate(file, 0) != 0) error = errno;
+  }
+  if (error == 0) return file;
+  close(file);
+  errno = error;
+  return -1;
+}
+
 int CreateParentsBeneath(int folder, const std::string& place) {
   for (size_t slash = place.find('/', 1); slash != std::string::npos;
        slash = place.find('/', slash + 1)) {
@@ -110,7 +126,8 @@ FILE* WorkFile::Create() const {
   if (root < 0) return nullptr;
   int file = -1;
   if (CreateParentsBeneath(root, place) == 0) {
-    file = OpenBeneath(root, place, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0666);
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC;
+    file = OpenToWriteBeneath(root, place, flags, 0666);
   }
   int error = errno;
   struct stat status;
@@ -124,8 +141,27 @@ FILE* WorkFile::Create() const {
   return file < 0 ? nullptr : fdopen(file, "wb");
 }
 
+int WorkFile::Remove() const {
+  const int root = OpenFolder(folder);
+  if (root < 0) return errno == ENOENT ? 0 : errno;
+  const fs::path path(place);
+  const std::string above = path.has_parent_path() ? path.parent_path().string() : ".";
+  const std::string name = path.filename();
+  const int parent = OpenBeneath(root, above, O_PATH | O_DIRECTORY | O_CLOEXEC, 0);
+  struct stat status;
+  int error = parent < 0 ? errno : 0;
+  if (error == 0 && fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) error = errno;
+  if (error == 0 && S_ISREG(status.st_mode) && unlinkat(parent, name.c_str(), 0) != 0) {
+    error = errno;
+  }
+  if (parent >= 0) close(parent);
+  close(root);
+  return error == ENOENT || error == ENOTDIR ? 0 : error;
+}
+
 std::string WriteFault(int error) {
-  return error == EXDEV ? "leads out of the workspace by a symbolic link" : FaultText(error);
+  if (error == EXDEV) return "leads out of the workspace by a symbolic link";
+  return error == EMLINK ? "has another name, a hard link" : FaultText(error);
 }
 
 }  // namespace host

@@ -17,6 +17,10 @@ int OpenFolder(const std::string& path);
 // As openat; `place` is relative to the folder.
 int OpenBeneath(int folder, const std::string& place, int flags, mode_t mode);
 
+// As OpenBeneath, to write to the file. EMLINK for one that has another name as well, by a hard
+// link: who writes it writes what may be somewhere else. Nothing is changed then.
+int OpenToWriteBeneath(int folder, const std::string& place, int flags, mode_t mode);
+
 // Creates the folders above `place` that are missing. 0, or -1 and errno.
 int CreateParentsBeneath(int folder, const std::string& place);
 
@@ -30,6 +34,9 @@ struct WorkFile {
   // Creates it, or empties it; null and errno when that is not to be done, or when something else
   // than a regular file is there. Never waits.
   FILE* Create() const;
+
+  // Removes it, if it is there and is a regular file. 0, or errno.
+  int Remove() const;
 };
 
 // errno of a file that could not be opened for writing, in words.

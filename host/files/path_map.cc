@@ -92,7 +92,7 @@ int Flags(std::string_view mode) {
 
 FILE* OpenForWriting(const std::string& place, const char* mode) {
   if (mode[0] != 'r' && CreateParentsBeneath(g_workspace, place) != 0) return nullptr;
-  const int descriptor = OpenBeneath(g_workspace, place, Flags(mode), 0666);
+  const int descriptor = OpenToWriteBeneath(g_workspace, place, Flags(mode), 0666);
   if (descriptor < 0) return nullptr;
   FILE* const file = fdopen(descriptor, mode);
   if (file == nullptr) close(descriptor);
@@ -101,9 +101,8 @@ FILE* OpenForWriting(const std::string& place, const char* mode) {
 
 using Open = FILE* (*)(const char* name, const char* mode);
 
-FILE* Refuse(const char* name) {
-  fprintf(stderr, "not opened, because it leads out of the workspace: %s\n",
-          Printable(name).c_str());
+FILE* Refuse(const char* name, const char* reason = "it leads out of the workspace") {
+  fprintf(stderr, "not opened, because %s: %s\n", reason, Printable(name).c_str());
   errno = EACCES;
   return nullptr;
 }
@@ -117,6 +116,7 @@ FILE* OpenMapped(Open open, const char* name, const char* mode) {
     const int error = errno;
     if (Writes(mode) || error != ENOENT) g_activity->NoteOpenFault(*place, error);
     errno = error;
+    if (error == EMLINK) return Refuse(name, "it has another name, a hard link");
     return error == EXDEV ? Refuse(name) : nullptr;
   }
   ++g_activity->opened;

@@ -196,6 +196,7 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const Words& wor
   CreateFolder(options.work);
   if (!lock) lock.emplace(options.work, options.wait);
   RefuseOutputs(files.outputs, options.work);
+  if (options.wav) RemoveCopies(files.outputs, options.work);
   report.log = files.log.Path();
   if (json != nullptr) json->Replace(JsonReport(Unfinished(report)));
   RunAndExamine(row, options, words, files, report);

@@ -83,11 +83,13 @@ void RefuseOutputs(std::span<const FilePlace> outputs, const std::string& worksp
   for (const FilePlace& output : outputs) {
     if (output.path.empty()) continue;
     const int there = OpenBeneath(folder, output.place, O_PATH | O_CLOEXEC, 0);
-    struct stat status;
+    struct stat status = {};
     if (there < 0 && errno == EXDEV) {
       fault = WriteFault(EXDEV);
     } else if (there >= 0 && fstat(there, &status) == 0 && !S_ISREG(status.st_mode)) {
       fault = "is not a regular file";
+    } else if (there >= 0 && status.st_nlink > 1) {
+      fault = WriteFault(EMLINK);
     }
     if (there >= 0) close(there);
     if (fault.empty()) continue;
@@ -95,6 +97,16 @@ void RefuseOutputs(std::span<const FilePlace> outputs, const std::string& worksp
     throw UsageError{"output " + output.name + " (" + output.path + ") " + fault};
   }
   close(folder);
+}
+
+void RemoveCopies(std::span<const FilePlace> outputs, const std::string& workspace) {
+  for (const FilePlace& output : outputs) {
+    if (output.path.empty() || output.use.container != Container::kHeaderless) continue;
+    const WorkFile copy = {workspace, output.place + ".wav"};
+    if (const int error = copy.Remove(); error != 0) {
+      throw UsageError{"cannot remove " + copy.Path() + ": " + WriteFault(error)};
+    }
+  }
 }
 
 }  // namespace host

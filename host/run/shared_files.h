@@ -16,8 +16,12 @@ namespace host {
 void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
                        const WorkFile& log, const RunOptions& options);
 
-// Refuses outputs in whose place something else than a file is, or a symbolic link that leads out
-// of the workspace.
+// Refuses outputs in whose place something else than a file is, a file that has another name as
+// well, or a symbolic link that leads out of the workspace.
 void RefuseOutputs(std::span<const FilePlace> outputs, const std::string& workspace);
+
+// Removes the WAVE copies that an earlier run has made of these outputs: a copy that is there after
+// a run is of that run.
+void RemoveCopies(std::span<const FilePlace> outputs, const std::string& workspace);
 
 }  // namespace host

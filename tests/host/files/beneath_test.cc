@@ -69,6 +69,33 @@ TEST_F(BeneathTest, FollowsNoLinkThatLeadsOut) {
   EXPECT_FALSE(fs::exists("nothing"));
 }
 
+TEST_F(BeneathTest, WritesToNoFileThatHasAnotherName) {
+  WriteFile("victim", "precious");
+  fs::create_hard_link("victim", "work/a");
+  fs::create_symlink("a", "work/link");
+  EXPECT_EQ(Write("a"), EMLINK);
+  EXPECT_EQ(Write("link"), EMLINK);
+  EXPECT_EQ(ReadFile("victim"), "precious");
+  fs::remove("victim");
+  EXPECT_EQ(Write("link"), 0);
+  EXPECT_EQ(ReadFile("work/a"), "x");
+}
+
+TEST_F(BeneathTest, RemovesRegularFilesOnly) {
+  WriteFile("work/real/a", "older");
+  fs::create_hard_link("work/real/a", "other");
+  fs::create_symlink("../other", "work/link");
+  fs::create_symlink("..", "work/out");
+  for (const char* place : {"real/a", "real/a", "missing", "none/a", "other/b", "link", "real"}) {
+    EXPECT_EQ((WorkFile{"work", place}.Remove()), 0) << place;
+  }
+  EXPECT_EQ((WorkFile{"missing", "a"}.Remove()), 0);
+  EXPECT_EQ((WorkFile{"work", "out/other"}.Remove()), EXDEV);
+  EXPECT_FALSE(fs::exists("work/real/a"));
+  EXPECT_TRUE(fs::is_symlink("work/link"));
+  EXPECT_EQ(ReadFile("other"), "older");
+}
+
 TEST_F(BeneathTest, TakesAFolderThatIsALink) {
   fs::rename("work", "moved");
   fs::create_directory_symlink("moved", "work");

@@ -100,6 +100,51 @@ TEST_F(OneFileTest, RefusesToOpenAnUndeclaredFileThroughALinkThatLeadsOut) {
   EXPECT_FALSE(fs::exists("new"));
 }
 
+TEST_F(OneFileTest, WritesToNoFileThatHasAnotherName) {
+  WriteFile("victim", "precious");
+  fs::create_hard_link("victim", "bench_work/out");
+  ExpectRefused({"Copy", "in", "out"}, "output out (bench_work/out) has another name, a hard link");
+  ExpectRefused({"WriteTo", "out"}, "output out (bench_work/out) has another name, a hard link");
+  for (const char* mode : {"wb", "ab", "r+b", "w+b", "a+b"}) {
+    const Finished run = Run({"OpenAs", mode, "out"});
+    EXPECT_THAT(run.out, StartsWith("Permission denied\n")) << mode;
+    EXPECT_EQ(run.err, "not opened, because it has another name, a hard link: out\n");
+  }
+  EXPECT_THAT(Run({"OpenAs", "rb", "out"}).out, StartsWith("opened\n"));
+  fs::remove("bench_work/logs/Copy.log");
+  fs::create_hard_link("victim", "bench_work/logs/Copy.log");
+  ExpectRefused({"Copy", "in", "new"},
+                "cannot write bench_work/logs/Copy.log: has another name, a hard link");
+  EXPECT_EQ(ReadFile("victim"), "precious");
+}
+
+TEST_F(OneFileTest, LeavesTheOtherNamesOfReportsAndCopies) {
+  WriteFile("report.json", "");
+  fs::create_hard_link("report.json", "report");
+  Put("out.wav", "precious");
+  fs::create_hard_link("bench_work/out.wav", "copy");
+  EXPECT_EQ(Run({"Copy", "in", "out", "--wav", "--json", "report.json"}).exitCode, 0);
+  EXPECT_EQ(ReadFile("report"), "");
+  EXPECT_EQ(ReadFile("copy"), "precious");
+  EXPECT_GT(fs::file_size("report.json"), 100U);
+  EXPECT_EQ(fs::file_size("bench_work/out.wav"), 44 + kSamples.size());
+}
+
+TEST_F(OneFileTest, LeavesNoCopyOfAnEarlierRun) {
+  const fs::path copy = "bench_work/out.pcm.wav";
+  for (const char* routine : {"WriteEmpty", "WriteNothing", "ExitEarly"}) {
+    EXPECT_EQ(Run({"WritePcm", "--wav"}).exitCode, 0);
+    EXPECT_TRUE(fs::exists(copy));
+    EXPECT_NE(Run({routine}).exitCode, 0);
+    EXPECT_TRUE(fs::exists(copy)) << "copies were not asked for";
+    EXPECT_NE(Run({routine, "--wav"}).exitCode, 0);
+    EXPECT_EQ(fs::exists(copy), routine == std::string("ExitEarly")) << "which has no outputs";
+  }
+  fs::remove(copy);
+  fs::create_directories(copy / "folder");
+  EXPECT_EQ(Run({"WritePcm", "--wav"}).exitCode, 1) << "there can be no copy";
+}
+
 TEST_F(OneFileTest, TakesAWorkspaceThatIsALink) {
   fs::rename("bench_work", "moved");
   fs::create_directory_symlink("moved", "bench_work");
