@@ -75,6 +75,11 @@ FileProblem ToProblem(const FileFault* fault) {
   return fault == nullptr ? FileProblem() : FileProblem{fault->error, fault->name};
 }
 
+// "signal 6 (Aborted)"
+std::string Signal(int number) {
+  return "signal " + std::to_string(number) + " (" + strsignal(number) + ")";
+}
+
 // In the host: a running child, by way of its keeper.
 class Child {
  public:
@@ -87,15 +92,21 @@ class Child {
       m_relay.Wait(m_limits.signals().descriptor(), std::min(kTick, m_limits.Left()));
       m_progress.Show(Now() - start, shared.files);
       const Limits::Stop stop = m_limits.Check();
+      if (stop == Limits::Stop::kTimedOut && m_killed == 0) {
+        m_outcome.stopSignal = shared.keeper.stopSignal;
+      }
       if (stop == Limits::Stop::kInterrupted) Kill(ChildOutcome::End::kInterrupted);
       if (stop == Limits::Stop::kTimedOut) Kill(ChildOutcome::End::kTimedOut);
+      if (stop == Limits::Stop::kNone && m_killed != 0) Kill(m_outcome.end);
     }
     const double end = shared.keeper.ended ? shared.keeper.time : Now();
     const double routineEnd = shared.routineEnd > 0 ? shared.routineEnd.load() : end;
     m_outcome.elapsed = routineEnd - start;
     m_outcome.ranOn = end - routineEnd;
-    m_outcome.cpu = shared.keeper.cpu;
-    m_outcome.peakMemory = shared.keeper.peakMemory;
+    if (shared.keeper.ended) {
+      m_outcome.cpu = shared.keeper.cpu;
+      m_outcome.peakMemory = shared.keeper.peakMemory;
+    }
     if (shared.returned) m_outcome.deviceGaps = shared.deviceGaps;
     m_outcome.interruption = m_limits.interruption();
     TakeFaults(shared.files);
@@ -115,7 +126,18 @@ class Child {
     usleep(1000);  // The limits do not make anybody wait any more.
   }
 
-  bool Ended() const { return waitpid(m_keeper, nullptr, WNOHANG) == m_keeper; }
+  // Whether the keeper has ended. One that was stopped watches nothing any more: it is told to end.
+  bool Ended() {
+    int status = 0;
+    if (waitpid(m_keeper, &status, WNOHANG | WUNTRACED) != m_keeper) return false;
+    if (!WIFSTOPPED(status)) return true;
+    if (m_killed == 0) {
+      m_outcome.how = "the process that watches it was stopped by " + Signal(WSTOPSIG(status));
+      Kill(ChildOutcome::End::kCrashed);
+    }
+    kill(m_keeper, SIGCONT);
+    return false;
+  }
 
   void TakeFaults(const FileActivity& files) {
     m_outcome.writeFault = ToProblem(files.writeFault.Get());
@@ -130,11 +152,11 @@ class Child {
     if (m_killed != 0) return;
     const int status = shared.keeper.status;
     if (!shared.keeper.ended) {
-      m_outcome.how = "its process could not be started or watched";
+      m_outcome.how = "its process could not be started, or watched to its end";
     } else if (WIFSIGNALED(status)) {
       const int signal = WTERMSIG(status);
       m_outcome.crashSignal = signal;
-      m_outcome.how = "killed by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
+      m_outcome.how = "killed by " + Signal(signal);
     } else if (!shared.returned || WEXITSTATUS(status) != 0) {
       m_outcome.how = "ended its process with exit status " + std::to_string(WEXITSTATUS(status)) +
                       " instead of returning";

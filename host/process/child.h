@@ -28,6 +28,7 @@ struct ChildOutcome {
   End end = End::kReturned;
   std::string how = {};                       // How it crashed: "killed by signal 6 (Aborted)".
   int crashSignal = 0;                        // That killed it; 0 for any other end.
+  int stopSignal = 0;                         // By which it stood still when its time was up.
   int interruption = 0;                       // The signal that the host was told to end by.
   FileProblem writeFault = {};                // The first file that could not be written whole.
   FileProblem readFault = {};                 // The first file that could not be read.
@@ -36,8 +37,8 @@ struct ChildOutcome {
   bool delivered = true;                      // Whether stdout has taken all that it printed.
   double elapsed = 0;                         // Seconds by the clock, until the routine's end.
   double ranOn = 0;                           // Seconds that its process went on after it returned.
-  double cpu = 0;                             // Seconds of processing, user and system.
-  uint64_t peakMemory = 0;                    // Bytes
+  std::optional<double> cpu = {};             // Seconds of processing, user and system.
+  std::optional<uint64_t> peakMemory = {};    // Bytes
   std::optional<DeviceGaps> deviceGaps = {};  // Known once the routine has returned.
 };
 

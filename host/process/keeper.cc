@@ -54,13 +54,15 @@ class Keeper {
  public:
   Keeper(pid_t routine, KeeperReport& report) : m_routine(routine), m_report(report) {}
 
-  // Takes note of the children that have ended. False when there are none left.
+  // Takes note of the children that have ended, or were stopped. False when there are none left.
   bool Reap() {
     int status = 0;
     rusage usage;
     pid_t ended = 0;
-    while ((ended = wait4(-1, &status, WNOHANG, &usage)) > 0) {
+    while ((ended = wait4(-1, &status, WNOHANG | WUNTRACED | WCONTINUED, &usage)) > 0) {
       if (ended != m_routine) continue;
+      m_report.stopSignal = WIFSTOPPED(status) ? WSTOPSIG(status) : 0;
+      if (WIFSTOPPED(status) || WIFCONTINUED(status)) continue;
       m_report.status = status;
       m_report.time = Now();
       m_report.cpu = ToSeconds(usage.ru_utime) + ToSeconds(usage.ru_stime);

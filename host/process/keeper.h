@@ -14,7 +14,8 @@ namespace host {
 
 // What it tells the host, in memory that they share.
 struct KeeperReport {
-  std::atomic<bool> ended = false;  // Of the routine's process; what follows is known then.
+  std::atomic<bool> ended = false;  // Of the routine's process; all below the next is known then.
+  std::atomic<int> stopSignal = 0;  // That has stopped the routine's process; 0 while it goes on.
   int status = 0;                   // As wait gives it.
   double time = 0;                  // Seconds, see Now().
   double cpu = 0;                   // Seconds of processing, user and system.

@@ -116,7 +116,8 @@ void AddFigures(const RunReport& report, Json& json) {
                    : Figure(std::nullopt, "s", reason);
   };
   json["elapsed"] = seconds(&ChildOutcome::elapsed);
-  json["cpu"] = seconds(&ChildOutcome::cpu);
+  const char* const unwatched = outcome ? "the end of its process was not seen" : reason;
+  json["cpu"] = Figure(outcome ? outcome->cpu : std::nullopt, "s", unwatched);
   const bool returned = !outcome || outcome->end == ChildOutcome::End::kReturned;
   json["ran_on"] = returned ? seconds(&ChildOutcome::ranOn)
                             : Figure(std::nullopt, "s", "the routine did not return");
@@ -131,8 +132,8 @@ void AddFigures(const RunReport& report, Json& json) {
   json["overruns"] = gaps(&DeviceGaps::overruns, "overruns");
   json["rtf"] =
       Figure(RealTimeFactor(report), "1", returned ? reason : "the routine did not return");
-  json["peak_memory"] =
-      outcome ? Count(outcome->peakMemory, "bytes") : Figure(std::nullopt, "bytes", reason);
+  json["peak_memory"] = outcome && outcome->peakMemory ? Count(*outcome->peakMemory, "bytes")
+                                                       : Figure(std::nullopt, "bytes", unwatched);
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ std::string VerdictLine(const RunReport& report) {
   if (report.outcome) {
     line += "  " + Seconds(report.outcome->elapsed);
     if (const auto factor = RealTimeFactor(report)) line += "  RTF " + Ratio(*factor);
-    line += "  CPU " + Seconds(report.outcome->cpu);
-    line += "  memory " + Bytes(report.outcome->peakMemory);
+    if (report.outcome->cpu) line += "  CPU " + Seconds(*report.outcome->cpu);
+    if (report.outcome->peakMemory) line += "  memory " + Bytes(*report.outcome->peakMemory);
   }
   return line + "\n";
 }

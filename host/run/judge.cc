@@ -111,6 +111,12 @@ void JudgeOutput(const RunReport& report, FileReport& output) {
   }
 }
 
+// What is added to a time-out of a process that stood still.
+std::string Stopped(const ChildOutcome& outcome) {
+  if (outcome.stopSignal == 0) return "";
+  return std::string(", while its process was stopped (") + strsignal(outcome.stopSignal) + ")";
+}
+
 }  // namespace
 
 std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout) {
@@ -120,7 +126,8 @@ std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout
       problems.push_back({Cause::kCrash, outcome.how, outcome.crashSignal});
       break;
     case ChildOutcome::End::kTimedOut:
-      problems.push_back({Cause::kTimeout, "timed out after " + Seconds(timeout)});
+      problems.push_back(
+          {Cause::kTimeout, "timed out after " + Seconds(timeout) + Stopped(outcome)});
       break;
     case ChildOutcome::End::kInterrupted:
       problems.push_back({Cause::kInterrupted,

@@ -141,7 +141,9 @@ ChildOutcome RunRoutineOfRow(const CatalogueRow& row, const RunOptions& options,
       .routine = [&] { harness::Run(row, words); },
       .afterwards = [&] { return FinishEngineWork(background, row.runsOn > 0); }};
   ChildOutcome outcome = RunInChild(work, options.work, *limits, log, progress);
-  if (row.neverReturns && outcome.end == ChildOutcome::End::kTimedOut) {
+  // One that stood still, or whose end was not seen, did not go on for all of its time.
+  const bool wentOn = outcome.stopSignal == 0 && outcome.cpu;
+  if (row.neverReturns && wentOn && outcome.end == ChildOutcome::End::kTimedOut) {
     outcome.end = ChildOutcome::End::kStopped;
     limits.emplace(limits->signals(), timeout);
   }

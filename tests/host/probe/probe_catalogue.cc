@@ -118,6 +118,7 @@ std::vector<CatalogueRow> AllRows() {
            .lacking = LackingWord},
           {.declared = declared::WorkOn, .outputs = {kPcmOutput}},
           {.declared = declared::PlayOn, .outputs = {kPcmOutput}, .runsOn = 10},
+          {.declared = declared::StandStill, .outputs = {kPcmOutput}, .neverReturns = true},
           {.declared = declared::RecordForEver, .outputs = {kPcmOutput}, .neverReturns = true},
           {.declared = declared::GoWithout,
            .nullable = "inFile",

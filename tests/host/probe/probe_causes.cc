@@ -2,9 +2,17 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 
 #include "probe_routines.h"
+
+void StandStill() {
+  FILE* const file = fopen("out.pcm", "wb");
+  fputs("some", file);
+  fclose(file);
+  raise(SIGSTOP);
+}
 
 void HangOn(const char* inFile) {
   FILE* const in = fopen(inFile, "rb");

@@ -46,6 +46,7 @@ ROUTINE(void, LeaveDaemon, bool hang);    // Leaves a process that has cut all t
 ROUTINE(void, Allocate);                  // 4 GiB
 ROUTINE(void, WorkOn, int milliseconds);  // Writes its output only after it has returned.
 ROUTINE(void, PlayOn, int milliseconds);  // The same, and its row says so.
+ROUTINE(void, StandStill);                // Once it has written its output.
 ROUTINE(void, RecordForEver, int bytes);  // Writes so many bytes again and again.
 ROUTINE(void, GoWithout, const char* inFile);
 ROUTINE(void, CopyList,
