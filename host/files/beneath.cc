@@ -78,6 +78,10 @@ int OpenBeneath(int folder, const std::string& place, int flags, mode_t mode) {
   const int opened = OpenByKernel(folder, place, flags, mode);
   // The kernel also refuses a link to an absolute place in the folder.
   if (opened >= 0 || (errno != ENOSYS && errno != EPERM && errno != EXDEV)) return opened;
+  // It follows nobody else's link where everybody may put one; nor does what follows here.
+  const int allowed = openat(folder, place.c_str(), O_PATH | O_CLOEXEC);
+  if (allowed < 0 && errno == EACCES) return -1;
+  if (allowed >= 0) close(allowed);
   const std::string real = RealPlace(folder, place);
   if (real.empty()) {
     errno = EXDEV;

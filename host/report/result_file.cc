@@ -35,17 +35,35 @@ bool WriteAll(int descriptor, const std::string& text) {
   return true;
 }
 
-// The file that a path names after all symbolic links, whether it exists or not. Empty, and errno
-// set, when the links go round in a circle.
-std::string FollowLinks(const std::string& path) {
-  fs::path target = path;
+// The place of an open file. Empty, and errno set, when it has none any more.
+std::string PlaceOf(int file) {
   std::error_code error;
-  for (int i = 0; i < 40 && fs::is_symlink(target, error); ++i) {
-    target = target.parent_path() / fs::read_symlink(target, error);
-  }
-  if (!fs::is_symlink(target, error)) return target;
-  errno = ELOOP;
-  return "";
+  const fs::path place = fs::read_symlink("/proc/self/fd/" + std::to_string(file), error);
+  struct stat there;
+  struct stat opened;
+  errno = ENOENT;
+  if (error || lstat(place.c_str(), &there) != 0 || fstat(file, &opened) != 0) return "";
+  errno = ENOENT;
+  return there.st_dev == opened.st_dev && there.st_ino == opened.st_ino ? place.string() : "";
+}
+
+// The file that a path names after all symbolic links, whether it exists or not. Only the kernel
+// follows them, as it does for those who write there: where everybody may put links, it follows
+// nobody else's. Empty, and errno set, when it does not.
+std::string FollowLinks(const std::string& path) {
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+  constexpr int kFlags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  int file = open(path.c_str(), kFlags);
+  const bool leadsNowhere = file < 0 && errno == ENOENT;
+  if (leadsNowhere) file = open(path.c_str(), kFlags | O_CREAT, 0666);
+  if (file < 0) return "";
+  std::string place = PlaceOf(file);
+  const int error = errno;
+  if (leadsNowhere) unlink(place.c_str());
+  close(file);
+  errno = error;
+  return place;
 }
 
 bool IsStandardOutput(const struct stat& file) {

@@ -72,6 +72,37 @@ TEST_F(ResultFileTest, WritesThroughASymbolicLink) {
               HasSubstr("cannot write round: Too many levels of symbolic links"));
 }
 
+TEST_F(ResultFileTest, FollowsALinkOfSomebodyElseAsTheKernelDoes) {
+  fs::create_directory("shared");
+  ASSERT_EQ(chmod("shared", 01777), 0);
+  WriteFile("report", "");
+  chmod("report", 0600);
+  fs::create_symlink(fs::absolute("report"), "shared/link");
+  EXPECT_EQ(lchown("shared/link", 65534, 65534) == 0, geteuid() == 0);
+  const int opened = open("shared/link", O_WRONLY);
+  const bool allowed = opened >= 0;
+  if (allowed) close(opened);
+  EXPECT_EQ(Run({"Nothing", "--json", "shared/link"}).exitCode, allowed ? 0 : 2);
+  EXPECT_EQ(ReadFile("report").empty(), !allowed);
+}
+
+TEST_F(ResultFileTest, FollowsNoLinkThatTheKernelDoesNotFollow) {
+  WriteFile("victim", "");
+  const Finished run = RunProcess({"/bin/sh", "-c",
+                                   "exec unshare -rm /bin/sh -c 'mkdir m && "
+                                   "mount -t tmpfs -o nosymfollow none m || exit 99; "
+                                   "ln -s ../victim m/link && ln -s ../new m/dangling || exit 99; "
+                                   "\"$0\" run Nothing --json m/link; \"$0\" run Nothing --json "
+                                   "m/dangling' " AUDIO_BENCH_PROBE});
+  if (run.err.find("m/link") == std::string::npos) GTEST_SKIP() << "no mounts here: " << run.err;
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.err,
+            "audio_bench: cannot write m/link: Too many levels of symbolic links\n"
+            "audio_bench: cannot write m/dangling: Too many levels of symbolic links\n");
+  EXPECT_EQ(ReadFile("victim"), "");
+  EXPECT_FALSE(fs::exists("new"));
+}
+
 TEST_F(ResultFileTest, WritesToStandardOutputAndAllElseToStderr) {
   const Finished run = Run({"PrintAndLog", "--json", "-"});
   EXPECT_EQ(run.exitCode, 0);
