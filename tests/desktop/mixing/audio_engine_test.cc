@@ -6,11 +6,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "desktop/mixing/file_player.h"
 #include "desktop/mixing/microphone.h"
+#include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_file_player.h"
+#include "engine_api/platform/clock.h"
 #include "engine_api/platform/log.h"
 #include "played.h"
 #include "support/captured_stderr.h"
@@ -26,7 +29,6 @@ namespace {
 using desktop::FilePlayer;
 using desktop::FileSource;
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::SizeIs;
@@ -88,7 +90,7 @@ class AudioEngineTest : public testing::Test {
   // Records a second of the device's time or so, and reads the file.
   std::vector<short> Saved(const char* name, AudioSaverMode mode, int* rate, int* channels) {
     EXPECT_TRUE(Save(name, mode, AudioSaverFileOverride));
-    std::this_thread::sleep_for(milliseconds(250));
+    SleepMs(250);
     m_engine->StopAudioSaver();
     std::unique_ptr<FileSource> source;
     EXPECT_EQ(FileSource::Open(name, &source), PLAYER_OPEN_SUCCESS);
@@ -100,6 +102,7 @@ class AudioEngineTest : public testing::Test {
     return samples;
   }
 
+  std::optional<desktop::StepClock> m_clock{std::in_place};
   const TemporaryDirectory m_directory;
   const CapturedStderr m_log;
   IAudioEngine* m_engine = nullptr;
@@ -141,20 +144,21 @@ TEST_F(AudioEngineTest, CapturesBlocksOf10MsWithExactByteCounts) {
     ASSERT_TRUE(capture->Open(format.rate, format.channels, 16));
     CaptureNotes notes;
     ASSERT_TRUE(capture->Start(&notes));
-    const auto start = steady_clock::now();
+    const auto start = desktop::Now();
     ASSERT_TRUE(WaitUntil([&] { return notes.blocks >= 20; }));
-    const std::chrono::duration<double, std::milli> took = steady_clock::now() - start;
+    const std::chrono::duration<double, std::milli> took = desktop::Now() - start;
     capture->Stop();
     EXPECT_EQ(notes.bytes, format.bytes);
     EXPECT_EQ(notes.level, 0);
-    EXPECT_GT(took.count(), 150);
-    EXPECT_LT(took.count(), 1000);
+    EXPECT_GE(took.count(), 200);
+    EXPECT_LE(took.count(), 220);
     EXPECT_EQ(notes.volumes, 3);  // Until it had said that it wants no more.
     EXPECT_NEAR(notes.timeMs, 10 * (notes.blocks - 1), 50);
   }
 }
 
 TEST_F(AudioEngineTest, CallsNoCaptureNotifyAfterStopOrDestroy) {
+  m_clock.reset();  // One that stands still would keep threads from meeting.
   desktop::UseNullDevices(50);
   IAudioCapture* capture = m_engine->CreateAudioCapture();
   ASSERT_TRUE(capture->Open(16000, 1, 16));
@@ -198,7 +202,7 @@ TEST_F(AudioEngineTest, SavesTheMicrophonePathWithAndWithoutFeedback) {
   EXPECT_FALSE(without.empty());
 
   player.SetFeedBack(AudioSourceTypeMic);
-  std::this_thread::sleep_for(milliseconds(50));
+  SleepMs(50);
   const auto off = Saved("a.wav", AudioSaverOnlyCapture, &rate, &channels);
   EXPECT_EQ(BestFit(off, 1000, 44100, 2).amplitude, 0);
 }
@@ -227,7 +231,7 @@ TEST_F(AudioEngineTest, SavesWhatIsPlayedAndBoth) {
 TEST_F(AudioEngineTest, AppendsOrReplaces) {
   WriteFile("a.wav", WavBytes({.rate = 44100}, std::vector<short>(1'000'000)));
   ASSERT_TRUE(Save("a.wav", AudioSaverOnlyCapture, AudioSaverFileAppend));
-  std::this_thread::sleep_for(milliseconds(100));
+  SleepMs(100);
   m_engine->StopAudioSaver();
   EXPECT_GT(std::filesystem::file_size("a.wav"), 2'005'000U);
   int rate = 0;
@@ -303,6 +307,7 @@ TEST_F(AudioEngineTest, CleansWhatACallHearsWhileItPlays) {
 // A program may leave everything alive and return from main; the preset of the thread sanitizer
 // therefore lets threads be left.
 TEST_F(AudioEngineTest, EndsCleanlyWithAProgramThatLeavesItRunning) {
+  m_clock.reset();
   WriteFile("tone.wav", WavBytes({}, Tone(500, 900, 16000, 160000)));
   const int status = RunInChild([] {
     CreateAudioEngine(nullptr, 0, nullptr, nullptr)->CreateAudioCapture()->Open(16000, 1, 16);

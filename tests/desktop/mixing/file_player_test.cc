@@ -4,11 +4,12 @@
 
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 
+#include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_file_player.h"
 #include "engine_api/mixing/speech_msg_player.h"
-#include "in_time.h"
 #include "played.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
@@ -44,6 +45,7 @@ class FilePlayerTest : public testing::Test {
                              samples));
   }
 
+  std::optional<desktop::StepClock> m_clock{std::in_place};
   const TemporaryDirectory m_directory;
   const CapturedStderr m_log;
 };
@@ -60,10 +62,8 @@ TEST_F(FilePlayerTest, PlaysAllSamplesBitForBitAndEndsByItself) {
   EXPECT_TRUE(player.IsPlaying());
   ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
   EXPECT_EQ(player.PlayedMs(), 2001U);
-  // Only a machine that is too busy makes gaps, and they are counted.
-  std::vector<short> sound = played.Sound();
-  EXPECT_EQ(std::erase(sound, short{0}) > 0, player.Underruns() > 0);
-  EXPECT_EQ(sound, noise);
+  EXPECT_EQ(played.Sound(), noise);
+  EXPECT_EQ(player.Underruns(), 0U);
 }
 
 TEST_F(FilePlayerTest, PlaysAgainFromTheStart) {
@@ -82,16 +82,12 @@ TEST_F(FilePlayerTest, PlaysAgainFromTheStart) {
 TEST_F(FilePlayerTest, ChangesTheRateWithoutDistortion) {
   for (const int rate : {44100, 16000}) {
     Write("a.wav", Tone(997, 10000, rate, rate * 2), rate, 1);
-    std::vector<short> sound;
-    const bool inTime = RunInTime([&] {
-      const Played played;
-      FilePlayer player;
-      ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
-      ASSERT_TRUE(player.Play());
-      ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
-      sound = played.Sound();
-    });
-    ASSERT_TRUE(inTime) << "the player was late in each run";
+    const Played played;
+    FilePlayer player;
+    ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+    ASSERT_TRUE(player.Play());
+    ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
+    const std::vector<short> sound = played.Sound();
     EXPECT_NEAR(static_cast<double>(sound.size()), 2 * 96000, 700);
     EXPECT_GE(sound.size(), 2U * 96000);  // The last samples, too.
     const ToneFit fit = FitTone(sound, 997, 48000, 2);
@@ -151,7 +147,7 @@ TEST_F(FilePlayerTest, GoesOnWhereItPaused) {
   ASSERT_TRUE(player.Play());
   ASSERT_TRUE(WaitUntil([&] { return player.PlayedMs() > 200; }));
   player.Pause();
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  SleepMs(50);
   EXPECT_LT(player.PlayedMs(), 1900U);
   ASSERT_TRUE(player.Play());
   ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
@@ -178,6 +174,7 @@ TEST_F(FilePlayerTest, IsSilentAfterStop) {
 }
 
 TEST_F(FilePlayerTest, IsFinishedAsBackgroundWork) {
+  m_clock.reset();  // Others wait for it by the machine's clock.
   Write("a.wav", Noise(48000));
   FilePlayer player;
   ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);

@@ -124,6 +124,49 @@ TEST_F(FileSinkTest, LeavesAFileAloneThatItCannotGoOnWith) {
   }
 }
 
+// A header that was written over would run into the samples where those do not start at byte 44.
+TEST_F(FileSinkTest, LeavesAWaveAloneWhoseHeaderIsLonger) {
+  const std::string bytes = Riff(PlainFormat({}) + Chunk("LIST", "INFOISFTabcdefgh") +
+                                 Chunk("data", SampleBytes(std::vector<short>(100, 7))));
+  WriteFile("a.wav", bytes);
+  const CapturedStderr log;
+  EXPECT_EQ(FileSink::Create("a.wav", {16000, 1}, true), nullptr);
+  EXPECT_THAT(log.Lines(), SizeIs(1));
+  EXPECT_EQ(ReadFile("a.wav"), bytes);
+}
+
+// Two LC frames that hold nothing.
+std::string AdtsBytes(unsigned rateIndex, unsigned channels) {
+  constexpr size_t kBytes = 20;
+  std::string frame(kBytes, '\0');
+  const unsigned char header[7] = {0xff,
+                                   0xf1,
+                                   static_cast<unsigned char>(1 << 6 | rateIndex << 2),
+                                   static_cast<unsigned char>(channels << 6),
+                                   static_cast<unsigned char>(kBytes >> 3),
+                                   static_cast<unsigned char>((kBytes & 7) << 5 | 0x1f),
+                                   0xfc};
+  std::copy_n(header, 7, frame.begin());
+  return frame + frame;
+}
+
+TEST_F(FileSinkTest, LeavesAFileAloneWhoseFormatNoDeviceHas) {
+  const std::vector<std::pair<const char*, std::string>> files = {
+      {"a.wav", WavBytes({.channels = 1, .rate = 96000}, std::vector<short>(100))},
+      {"a.wav", WavBytes({.channels = 1, .rate = 7999}, std::vector<short>(100))},
+      {"a.wav", WavBytes({.channels = 3, .rate = 48000}, std::vector<short>(99))},
+      {"a.aac", AdtsBytes(0, 1)},  // 96000 Hz
+      {"a.aac", AdtsBytes(3, 3)}};
+  for (const auto& [name, bytes] : files) {
+    WriteFile(name, bytes);
+    EXPECT_EQ(FileSink::Create(name, {16000, 1}, true), nullptr) << name;
+    EXPECT_EQ(ReadFile(name), bytes);
+  }
+  if (!kHasAac) return;
+  WriteFile("a.aac", AdtsBytes(3, 2));
+  EXPECT_NE(FileSink::Create("a.aac", {16000, 1}, true), nullptr);
+}
+
 TEST_F(FileSinkTest, ReplacesAFile) {
   WriteFile("a.wav", "something else");
   Written("a.wav", {16000, 1}, false, 160);

@@ -118,3 +118,19 @@ TEST(FramePacker, DropsFramesThatAreTooLongAndCountsThem) {
   EXPECT_EQ(counts.packed + counts.tooLong, 86U);
   for (const KeptFrames::Frame& frame : kept.frames) EXPECT_LE(frame.bytes.size(), 1024U);
 }
+
+// From 200 ms after the last voice on: ten frames of 20 ms still come.
+TEST(FramePacker, PacksTenMoreFramesAfterTheLastVoice) {
+  KeptFrames kept;
+  const auto packer = desktop::FramePacker::Create(&kept, 50, 16000, 1);
+  packer->LeaveOutSilence(true);
+  std::vector<short> sound = Babble(16000, 1);
+  sound.resize(32000);
+  packer->Put(sound.data(), 32000);
+  packer->Work();
+  int sinceVoice = 0;
+  for (const KeptFrames::Frame& frame : kept.frames) {
+    sinceVoice = frame.voice == vadResultIsActive ? 0 : sinceVoice + 1;
+  }
+  EXPECT_EQ(sinceVoice, 10);
+}

@@ -264,3 +264,24 @@ TEST_F(KaraokeFileMixer, WritesAacThatOthersDecode) {
   EXPECT_EQ(decoded.channels, 2);
   EXPECT_NEAR(decoded.seconds, 3, 0.12);
 }
+
+// As the accompaniment, as far as a file is written like that.
+TEST_F(KaraokeFileMixer, WritesTheNearestFormatThatAFileHas) {
+  struct Format {
+    uint32_t rate;
+    uint16_t channels;
+  };
+  const std::pair<Format, Format> formats[] = {
+      {{96000, 1}, {48000, 1}}, {{4000, 1}, {8000, 1}}, {{16000, 3}, {16000, 2}}};
+  for (const auto& [music, expected] : formats) {
+    WriteWave("voice.wav", Shorts(1600), 16000, 1);
+    WriteWave("music.wav", Shorts(size_t{music.rate} / 10 * music.channels), music.rate,
+              music.channels);
+    Mix();
+    std::unique_ptr<desktop::FileSource> source;
+    ASSERT_EQ(desktop::FileSource::Open("out.wav", &source), PLAYER_OPEN_SUCCESS);
+    EXPECT_EQ(source->Rate(), expected.rate);
+    EXPECT_EQ(source->Channels(), expected.channels);
+    EXPECT_EQ(source->LengthMs(), 100U);
+  }
+}

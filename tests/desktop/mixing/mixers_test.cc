@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <thread>
 
 #include "engine_api/mixing/audio_block_mixer.h"
 #include "engine_api/mixing/audio_record_mixer.h"
@@ -198,6 +200,25 @@ TEST(AudioRecordMixer, SurvivesFramesThatAreNone) {
   EXPECT_THAT(Fetch(mixer, {9}, 8000, 1), Each(9));
 }
 
+// Every frame that was pushed comes out once, while another thread fetches.
+TEST(AudioRecordMixer, LosesNothingBetweenTwoThreads) {
+  constexpr int kFrames = 30'000;
+  AudioRecordMixer mixer;
+  mixer.SetMixerMode(AudioSourceTypeOuterPCM);
+  std::atomic<int> pushed = 0;
+  std::atomic<int> fetched = 0;
+  std::thread pusher([&] {
+    while (pushed < kFrames) {
+      if (pushed - fetched > 40) continue;  // More than fifty would be dropped.
+      Push(mixer, {1}, 8000, 1);
+      ++pushed;
+    }
+  });
+  while (fetched < kFrames) fetched += Fetch(mixer, {0}, 8000, 1)[0];
+  pusher.join();
+  EXPECT_EQ(Fetch(mixer, {0}, 8000, 1)[0], 0);
+}
+
 TEST(IPushPcmModule, MakesAHeadThatCanBeReadBack) {
   unsigned fs[] = {44100, 8000};
   unsigned ch[] = {2, 1};
@@ -266,6 +287,8 @@ TEST(IPushPcmModule, RefusesDataThatAreNoneOrCutShort) {
   std::string other = whole;
   other[0] = 2;  // Another version.
   EXPECT_FALSE(module->Process(other, out));
+  EXPECT_FALSE(module->Process(whole + "x", out));  // More than it announces.
+  EXPECT_EQ(out, "");
   EXPECT_TRUE(module->Process(whole, out));
   module->Destroy();
 }

@@ -7,6 +7,8 @@
 
 #include "desktop/platform/block_ring.h"
 #include "desktop/platform/clock_pacer.h"
+#include "desktop/platform/step_clock.h"
+#include "engine_api/platform/clock.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 
@@ -67,6 +69,17 @@ TEST(ClockPacer, GivesUpWhatWasMissedInASuspendedMachine) {
   EXPECT_EQ(pacer.Due(), later + milliseconds(10));
 }
 
+TEST(ClockPacer, CatchesUpWithTwoSecondsAndNotWithMore) {
+  ClockPacer two(Direction::kOutput, {48000, 2}, 1, {}, 0);
+  auto later = two.Due() + milliseconds(2000);
+  EXPECT_TRUE(two.Pass(later));
+  EXPECT_EQ(two.Due(), later + milliseconds(5));
+  ClockPacer more(Direction::kOutput, {48000, 2}, 1, {}, 0);
+  later = more.Due() + milliseconds(2000) + std::chrono::nanoseconds(1);
+  EXPECT_TRUE(more.Pass(later));
+  EXPECT_EQ(more.Due(), later + milliseconds(10));
+}
+
 TEST(ClockPacer, CatchesUpWithTheBlocksThatAnInputLacks) {
   const auto start = steady_clock::now() - milliseconds(500);
   ClockPacer pacer(Direction::kInput, {16000, 1}, 1, start, 20);
@@ -76,21 +89,21 @@ TEST(ClockPacer, CatchesUpWithTheBlocksThatAnInputLacks) {
 class NullDevice : public testing::Test {
  protected:
   void SetUp() override { desktop::UseNullDevices(1); }
+
+  const desktop::StepClock m_clock;
 };
 
-TEST_F(NullDevice, AsksForBlocksOf10MsInRealTime) {
+TEST_F(NullDevice, AsksForBlocksOf10Ms) {
   size_t frames = 0;
   AudioDevice device(Direction::kOutput, {44100, 2}, [&](short* samples, size_t count) {
     std::fill_n(samples, 2 * count, short{1});
     frames += count;
   });
-  const auto start = steady_clock::now();
   ASSERT_TRUE(device.Start());
-  std::this_thread::sleep_for(milliseconds(500));
+  SleepMs(505);
   device.Stop();
-  const std::chrono::duration<double> took = steady_clock::now() - start;
-  EXPECT_NEAR(static_cast<double>(frames) / 44100, took.count(), 0.05);
-  EXPECT_EQ(frames, 441 * device.Blocks());
+  EXPECT_EQ(device.Blocks(), 51U);  // The first one is due at once.
+  EXPECT_EQ(frames, 441U * 51);
 }
 
 TEST_F(NullDevice, HearsSilence) {
@@ -100,36 +113,31 @@ TEST_F(NullDevice, HearsSilence) {
     heard.insert(heard.end(), samples, samples + count);
     std::fill_n(samples, count, short{99});  // A callback may use the block up.
   });
-  desktop::UseNullDevices(10);
   ASSERT_TRUE(device.Start());
-  std::this_thread::sleep_for(milliseconds(50));
+  SleepMs(505);
   device.Stop();
-  EXPECT_GT(heard.size(), 8000 / 4U);
-  EXPECT_EQ(heard, std::vector<short>(heard.size()));
+  EXPECT_EQ(heard, std::vector<short>(4000));
 }
 
 TEST_F(NullDevice, PassesItsTimeAsFastAsATestWants) {
   desktop::UseNullDevices(20);
   AudioDevice device(Direction::kInput, {}, [](short*, size_t) {});
-  const auto start = steady_clock::now();
   ASSERT_TRUE(device.Start());
-  std::this_thread::sleep_for(milliseconds(300));
+  SleepMs(300);
   device.Stop();
-  const std::chrono::duration<double> took = steady_clock::now() - start;
-  EXPECT_NEAR(static_cast<double>(device.Blocks()), took.count() * 2000, 200);
+  EXPECT_NEAR(static_cast<double>(device.Blocks()), 600, 1);
 }
 
 TEST_F(NullDevice, CallsNothingAfterStop) {
   std::atomic<int> calls = 0;
-  desktop::UseNullDevices(100);
   AudioDevice device(Direction::kOutput, {}, [&](short*, size_t) { ++calls; });
   ASSERT_TRUE(device.Start());
   EXPECT_FALSE(device.Start());  // It runs already.
-  std::this_thread::sleep_for(milliseconds(20));
+  SleepMs(20);
   device.Stop();
   const int after = calls;
   EXPECT_GT(after, 0);
-  std::this_thread::sleep_for(milliseconds(20));
+  SleepMs(1000);
   EXPECT_EQ(calls, after);
   device.Stop();
   EXPECT_TRUE(device.Start());
@@ -140,22 +148,23 @@ TEST_F(NullDevice, SaysWhatItIsAndHowItWent) {
   {
     AudioDevice device(Direction::kOutput, {48000, 2}, [](short*, size_t) {});
     ASSERT_TRUE(device.Start());
-    while (device.Blocks() < 3) std::this_thread::sleep_for(milliseconds(1));
+    SleepMs(25);
   }
   EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("loudspeaker: 48000 Hz, 2 channels, null device"),
-                                       HasSubstr(" blocks of 10 ms, 0 underruns")));
+                                       HasSubstr("stopped after 3 blocks of 10 ms, 0 underruns")));
 }
 
 TEST_F(NullDevice, CountsWhatABusyCallbackMakesItLose) {
   const desktop::DeviceFailures before = desktop::AllDeviceFailures();
   std::atomic<int> calls = 0;
   AudioDevice device(Direction::kInput, {}, [&](short*, size_t) {
-    if (++calls == 3) std::this_thread::sleep_for(milliseconds(200));
+    if (++calls == 3) SleepMs(200);
   });
   ASSERT_TRUE(device.Start());
-  while (calls < 10) std::this_thread::sleep_for(milliseconds(1));
+  SleepMs(1005);
   device.Stop();
-  EXPECT_GE(device.Failures(), 1U);
+  EXPECT_EQ(device.Failures(), 1U);
+  EXPECT_EQ(device.Blocks(), 100U);  // It has caught up.
   EXPECT_EQ(desktop::AllDeviceFailures().inputs, before.inputs + device.Failures());
   EXPECT_EQ(desktop::AllDeviceFailures().outputs, before.outputs);
 }
@@ -180,8 +189,9 @@ TEST_F(NullDevice, AllocatesNothingPerBlock) {
     ++calls;
   });
   ASSERT_TRUE(device.Start());
-  while (calls < 50) std::this_thread::sleep_for(milliseconds(1));
+  SleepMs(100);
   device.Stop();
+  EXPECT_GT(calls, 50);
   EXPECT_EQ(atLast, atFirst);
 }
 
