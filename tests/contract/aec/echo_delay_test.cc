@@ -197,6 +197,22 @@ TEST(TestAECProcess, CancelsHeaderlessFilesWithTheDefaultsAndTheGivenDelay) {
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
+// An engine may write its output while it still reads the near end.
+TEST(TestAECProcess, HandsOverAnOutputThatIsNotTheNearEndLikeItsNeighbour) {
+  FakeEngine engine;
+  PutPair(engine, 320, 320);
+  int blocks = 0;
+  engine.script<WebrtcAecScript>().process = [&](const float* near, float* out, int count) {
+    ++blocks;
+    EXPECT_TRUE(out + count <= near || near + count <= out);
+  };
+
+  TestAECProcess("far.wav", "near.wav", "out.pcm", 0);
+  TestEchoDelayEstAndAEC("far.wav", "near.wav", "out.wav");
+
+  EXPECT_GE(blocks, 4);
+}
+
 TEST(TestAECProcess, NarrowsTheDelayTo16Bits) {
   FakeEngine engine;
   engine.PutSamples("far.pcm", Ramp(160));

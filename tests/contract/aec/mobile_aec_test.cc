@@ -3,6 +3,7 @@
 #include "bench/aec/routines.h"
 #include "contract/aec/pcm_files.h"
 #include "fake_engine/aec/aec_mobile.h"
+#include "fake_engine/aec/audio_buffer.h"
 #include "fake_engine/fake_engine.h"
 
 using testing::Contains;
@@ -179,6 +180,23 @@ TEST(TestTemp, SuppressesTheNoiseOfOneSignalOnBothEnds) {
   EXPECT_THAT(engine.calls, ElementsAreArray(expected));
   EXPECT_EQ(engine.Values<short>("NSout.pcm"), Negated(Ramp(160)));
   EXPECT_THAT(engine.live, ElementsAre(Pair("AudioBuffer", 3)));
+}
+
+// As many samples as the frame says once the output is in it, of all its channels.
+TEST(TestTemp, WritesWhatTheBufferLeavesInTheFrameLikeItsNeighbour) {
+  FakeEngine engine;
+  engine.PutSamples("wrpcmin.pcm", Ramp(80));
+  engine.PutFile("near.wav", HeaderAndSamples('n', Ramp(160)));
+  engine.script<AudioBufferScript>().interleave = [](zuwebrtc::AudioFrame& frame) {
+    frame.samples_per_channel_ = 30;
+    frame.num_channels_ = 2;
+  };
+
+  TestTemp();
+  TestZUAECProcess(nullptr, "near.wav", "out.wav", 0);
+
+  EXPECT_EQ(engine.Values<short>("NSout.pcm"), Ramp(60));
+  EXPECT_EQ(SamplesFrom(engine, "out.wav", 44), Ramp(60));
 }
 
 TEST(TestTemp, GoesThroughWithoutItsFiles) {

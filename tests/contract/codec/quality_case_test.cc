@@ -129,6 +129,22 @@ TEST(CalAACMos, NamesItsFilesAfterTheBitRateAndNothingElse) {
   EXPECT_EQ(streams[0], streams[1]);
 }
 
+TEST(CalAACMos, MakesAReferenceAlsoForAMonoCodec) {
+  FakeEngine engine;
+  UseCodec(engine);
+  engine.wavs["in.wav"] = {16000, 1, std::vector<short>(320, 7)};
+  char in[] = "in.wav";
+  char out[] = "x";
+
+  calAACMos(in, out, 2, 9, 0);
+
+  EXPECT_EQ(engine.wavs["16000_1_9.ref.wav"].channels, 1);
+  EXPECT_EQ(engine.wavs["16000_1_9.ref.wav"].samples, std::vector<short>(320, 7));
+  EXPECT_EQ(engine.Bytes("16000_1_9.enc.wav"),
+            "\x02\xFC\a" + std::string(1, '\0') + "\x02\xFC\a" + std::string(1, '\0'))
+      << "frame after frame, without lengths ahead of them";
+}
+
 TEST(CalAACMos, Decodes50And51As51ThroughTheOtherDriver) {
   for (const int id : {50, 51}) {
     FakeEngine engine;

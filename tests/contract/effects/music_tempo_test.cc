@@ -134,6 +134,16 @@ TEST(TestSoundTouchBpm, FeedsFramesOfWholeBlocksAndPrintsTheTempo) {
                   "printf(\"bpm=%f\\n\", 123.456001)", "~BPMDetect#1", "~WavReader#1"));
 }
 
+TEST(TestSoundTouchBpm, PrintsATempoAlsoOfNothing) {
+  FakeEngine engine;
+  engine.wavs[kInput] = {44100, 1, {}};
+
+  TestSoundTouchBpm();
+
+  EXPECT_THAT(engine.CallsWith("inputSamples"), IsEmpty());
+  EXPECT_THAT(engine.CallsWith("printf"), ElementsAre("printf(\"bpm=%f\\n\", 0.000000)"));
+}
+
 TEST(TestSoundTouchBpm, PrintsWhatTheLibraryMeasures) {
   FakeEngine engine;
   Shorts clicks(10 * 44100);  // 120 a minute.

@@ -74,6 +74,15 @@ TEST(TestRateChanger, StaysAtOneInLessThanFiveSeconds) {
   EXPECT_THAT(Ratios(engine), ElementsAre("0 SetRatio(1)"));
 }
 
+TEST(TestRateChanger, SetsTheRatioAlsoAfterTheLastBlock) {
+  FakeEngine engine;
+  engine.wavs["test.wav"] = {8000, 1, Shorts(500 * 80)};
+
+  TestRateChanger();
+
+  EXPECT_THAT(Ratios(engine), ElementsAre("0 SetRatio(1)", "500 SetRatio(2)"));
+}
+
 TEST(TestRateChanger, WritesWhatIsReadyWhichMayBeNothing) {
   FakeEngine engine;
   engine.wavs["test.wav"] = {16000, 1, Shorts(3 * 160)};

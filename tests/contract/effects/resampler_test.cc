@@ -68,6 +68,21 @@ TEST(TestAudioResamplerEx, TruncatesTheBlockAndNotTheChannel) {
   EXPECT_THAT(engine.wavs["out.wav"].samples, SizeIs(220));
 }
 
+// The other way round: 220 of each channel are asked for, 441 samples are written.
+TEST(TestAudioResamplerEx, TruncatesTheBlockOfTheOutputToo) {
+  FakeEngine engine;
+  engine.wavs["in.wav"] = {16000, 1, Ramp(160)};
+
+  TestAudioResamplerEx("in.wav", "out.wav", 22050, 2);
+
+  EXPECT_THAT(engine.CallsWith("Create"),
+              ElementsAre("IAudioResamplerEx::Create(160, 16000, 1, 220, 22050, 2, the place) = "
+                          "IAudioResamplerEx#1"));
+  EXPECT_THAT(engine.CallsWith("Convert"),
+              ElementsAre("IAudioResamplerEx#1.Convert(@1, 160, @2, 441) = 1"));
+  EXPECT_THAT(engine.wavs["out.wav"].samples, SizeIs(441));
+}
+
 TEST(TestAudioResamplerEx, WritesABlockThatCouldNotBeConverted) {
   FakeEngine engine;
   engine.wavs["in.wav"] = {16000, 1, Ramp(3 * 160)};

@@ -1,6 +1,8 @@
 // The measures of a voice activity detector and their report.
 
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <cmath>
 
@@ -240,4 +242,20 @@ TEST(TestVADDeathTest, AbortsOnMoreSegmentsAndOnAFileThatIsMissing) {
   EXPECT_EXIT(report("1\na.wav 16,"), testing::KilledBySignal(SIGABRT), "");
   EXPECT_EXIT(report("1\nmissing.wav 0,\n"), testing::KilledBySignal(SIGABRT), "");
   EXPECT_EXIT(report("0\n"), testing::ExitedWithCode(0), "");
+}
+
+// The report is there, and nothing of it has arrived: what was written is lost with the program.
+TEST(TestVADDeathTest, LeavesAnEmptyReportWhenItAborts) {
+  const auto report = [] {
+    FakeEngine engine;
+    engine.PutFile(kDescription, "2\na.wav 0,\na.wav 16,");
+    engine.wavs["F:/Stream/vad/input/a.wav"] = {8000, 1, Samples(80)};
+    signal(SIGABRT, [](int) {
+      const FakeEngine& engine = FakeEngine::Current();
+      const char* const name = "F:/Stream/vad/output/report_x.txt";
+      _exit(engine.HasFile(name) && engine.Bytes(name).empty() ? 7 : 8);
+    });
+    TestVAD("x");
+  };
+  EXPECT_EXIT(report(), testing::ExitedWithCode(7), "");
 }

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <memory>
 
 #include "engine_api/effects/beat_track_notify.h"
@@ -185,6 +186,34 @@ TEST(AudioFramePlayerTestNotify, LeavesTheFeedbackAlone) {
   EXPECT_TRUE(feedback.acceleratePlay && !feedback.fasterPlayOn && feedback.stretchPlay &&
               !feedback.isFakeAudioFrame);
   EXPECT_EQ(feedback.accelerateMS + feedback.stretchMS + feedback.playDelayMS, 7.5);
+
+  const auto another = Player(engine, Record(1, "a"));
+  feedback = {false, true, false, true, 1.5, 2.5, 3.5};
+  ASSERT_TRUE(another->OnPullAudioFrame(7, frame, true, feedback));
+  EXPECT_TRUE(!feedback.acceleratePlay && feedback.fasterPlayOn && !feedback.stretchPlay &&
+              feedback.isFakeAudioFrame);
+}
+
+// Neither in a silence, nor without a file, nor at its end.
+TEST(AudioFramePlayerTestNotify, LeavesFrameAndFeedbackAloneWhenItHasNoFrame) {
+  FakeEngine engine;
+  const auto silent = Player(engine, Record(1, "a"), 2, true);
+  const auto ended = Player(engine, "");
+  AudioFramePlayerTestNotify without(nullptr, g_name, 2, false);
+  for (IAudioFramePlayerNotify* const player :
+       std::initializer_list<IAudioFramePlayerNotify*>{silent.get(), ended.get(), &without}) {
+    AudioFrameData frame;
+    memset(&frame, 0x5A, sizeof frame);
+    AudioFrameData before;
+    memcpy(&before, &frame, sizeof frame);
+    FramePlayerFeedbackInfo feedback = {true, true, true, true, 1.5, 2.5, 3.5};
+    EXPECT_FALSE(player->OnPullAudioFrame(7, frame, true, feedback));
+    EXPECT_EQ(memcmp(&frame, &before, sizeof frame), 0);
+    EXPECT_TRUE(feedback.acceleratePlay && feedback.fasterPlayOn && feedback.stretchPlay &&
+                feedback.isFakeAudioFrame);
+    EXPECT_EQ(feedback.accelerateMS + feedback.stretchMS + feedback.playDelayMS, 7.5);
+  }
+  EXPECT_EQ(ftell(silent->fid), 0) << "nothing was read either";
 }
 
 TEST(AudioFramePlayerTestNotify, IsSilentAtTheStartAndAfterAWhile) {

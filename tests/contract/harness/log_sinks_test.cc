@@ -1,6 +1,7 @@
 #include "harness/log_sinks.h"
 
 #include <gmock/gmock.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/wait.h>
 
@@ -30,6 +31,10 @@ int __wrap_fprintf(FILE* stream, const char* format, ...) __attribute__((format(
 int __wrap_fputs(const char* text, FILE* stream);
 int __wrap_fputc(int character, FILE* stream);
 size_t __wrap_fwrite(const void* data, size_t size, size_t count, FILE* stream);
+int __real_fclose(FILE* stream);
+int __wrap_fclose(FILE* stream);
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
 }
 
 namespace {
@@ -38,6 +43,8 @@ std::atomic<int> g_opens = 0;
 std::atomic<int> g_wrongModes = 0;
 std::atomic<int> g_formatted = 0;    // Calls of fprintf
 std::atomic<int> g_otherWrites = 0;  // and of whatever else writes to a stream.
+std::atomic<int> g_closes = 0;
+std::atomic<int> g_locks = 0;
 
 std::string Content(const char* name) {
   std::ifstream file(name, std::ios::binary);
@@ -71,6 +78,35 @@ int __wrap_fputs(const char*, FILE*) { return ++g_otherWrites; }
 int __wrap_fputc(int, FILE*) { return ++g_otherWrites; }
 size_t __wrap_fwrite(const void*, size_t, size_t, FILE*) {
   return static_cast<size_t>(++g_otherWrites);
+}
+
+int __wrap_fclose(FILE* stream) {
+  ++g_closes;
+  return __real_fclose(stream);
+}
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  ++g_locks;
+  return __real_pthread_mutex_lock(mutex);
+}
+
+// Whoever logs on the thread of a device must not wait for another one, and a stream that is closed
+// after a line would be opened anew for the next one.
+TEST(LogSinks, NeitherLockNorClose) {
+  const TemporaryDirectory directory;
+
+  const int status = RunInChild([] {
+    const int locksBefore = g_locks;
+    const int closesBefore = g_closes;
+    for (int line = 0; line < 3; ++line) {
+      PrintSdkLog("sdk");
+      DebugLogFunction("debug");
+    }
+    _exit(g_locks - locksBefore + 10 * (g_closes - closesBefore));
+  });
+
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(Content("sdk_log.txt"), "sdk\nsdk\nsdk\n");
 }
 
 TEST(PrintSdkLog, KeepsEveryLineOfAProcessThatIsKilled) {

@@ -120,6 +120,49 @@ TEST(TestKaraokeFileMixer, WaitsAgainInASecondRun) {
   }
 }
 
+// An end that is told after a run has returned is there at once for the next one: the flag is taken
+// back at the end of a run and not at the start of the next.
+TEST(TestKaraokeFileMixer, TakesAnEndThatWasToldAfterTheRunBeforeForItsOwn) {
+  FakeEngine engine;
+  IKaraokeFileMixerNotify* given = nullptr;
+  engine.script<KaraokeFileMixerScript>().start = [&](IKaraokeFileMixerNotify* notify) {
+    given = notify;
+    notify->OnFinishMixer();
+    return true;
+  };
+  TestKaraokeFileMixer();
+  given->OnFinishMixer();
+  engine.script<KaraokeFileMixerScript>().start = [](IKaraokeFileMixerNotify*) { return true; };
+  engine.onSleep = [&] { given->OnFinishMixer(); };
+
+  TestKaraokeFileMixer();
+  EXPECT_THAT(engine.CallsWith("SleepMs"), IsEmpty());
+
+  TestKaraokeFileMixer();
+  EXPECT_THAT(engine.CallsWith("SleepMs"), SizeIs(1));
+}
+
+// An hour and more, also for a mixer that says that it has not started.
+TEST(TestKaraokeFileMixer, WaitsForTheEndHoweverLongItTakes) {
+  constexpr int kSleeps = 100 * 3700;
+  for (const bool started : {true, false}) {
+    FakeEngine engine;
+    IKaraokeFileMixerNotify* given = nullptr;
+    engine.script<KaraokeFileMixerScript>().start = [&](IKaraokeFileMixerNotify* notify) {
+      given = notify;
+      return started;
+    };
+    int sleeps = 0;
+    engine.onSleep = [&] {
+      if (++sleeps == kSleeps) given->OnFinishMixer();
+    };
+
+    TestKaraokeFileMixer();
+
+    EXPECT_EQ(sleeps, kSleeps);
+  }
+}
+
 TEST(TestKaraokeFileMixer, GoesOnWhateverFails) {
   FakeEngine engine;
   engine.script<KaraokeFileMixerScript>().open = false;

@@ -24,5 +24,8 @@ extern const std::string_view kWhenEverythingFails;
 extern const std::string_view kWhenOutputsAreUnwritable;
 extern const std::string_view kWhenTheDiskIsFull;
 
+// What is done with the first block of WAVE inputs of some formats.
+extern const std::string_view kFirstBlocks;
+
 using LinesOfRoutines = std::map<std::string, std::vector<std::string>, std::less<>>;
 LinesOfRoutines Lines(std::string_view table);

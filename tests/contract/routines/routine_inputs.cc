@@ -9,7 +9,6 @@
 #include "fake_engine/codec/net_codec_stream_format.h"
 #include "fake_engine/codec/stream_to_aac.h"
 #include "fake_engine/enhancement/voice_detection.h"
-#include "support/wav_bytes.h"
 
 using harness::CatalogueRow;
 using harness::Container;
@@ -83,23 +82,24 @@ std::vector<std::string> Names(const std::vector<FileUse>& files, const Catalogu
   return names;
 }
 
-// Two blocks of 10 ms at 16 kHz mono and a part of one, or more.
-std::vector<short> Samples(std::string_view name) {
-  size_t count = 350;
+// Two blocks of 10 ms and a part of one, or more.
+std::vector<short> Samples(std::string_view name, const WavFormat& format) {
+  size_t count = format.rate == 16000 ? 350 : 3000;
   for (const std::string_view longer : kLongInputs) count = name == longer ? 5000 : count;
   std::vector<short> samples(count);
   for (size_t i = 0; i < count; ++i) samples[i] = static_cast<short>(i * 37 % 2000);
   return samples;
 }
 
-void Put(FakeEngine& engine, const std::string& name, Container container) {
+void Put(FakeEngine& engine, const std::string& name, Container container,
+         const WavFormat& format) {
   const auto known = kContents.find(name);
   if (known != kContents.end()) {
     engine.PutFile(name, known->second);
   } else if (container == Container::kWave) {
-    engine.PutFile(name, WavBytes({}, Samples(name)));
+    engine.PutFile(name, WavBytes(format, Samples(name, format)));
   } else if (container == Container::kHeaderless) {
-    engine.PutSamples(name, Samples(name));
+    engine.PutSamples(name, Samples(name, format));
   } else {
     engine.PutFile(name, kFrame + kFrame + kFrame);
   }
@@ -158,13 +158,13 @@ void SetAnswers(FakeEngine& engine) {
   };
 }
 
-void PutInputs(FakeEngine& engine, const CatalogueRow& row) {
+void PutInputs(FakeEngine& engine, const CatalogueRow& row, const WavFormat& format) {
   for (const FileUse& file : harness::Inputs(row, WordsOf(row))) {
     const std::string name = Filled(file.name, row);
-    Put(engine, name, file.container);
+    Put(engine, name, file.container, format);
     if (row.listed == nullptr) continue;
     for (const FileUse& listed : row.listed(engine.Bytes(name))) {
-      Put(engine, listed.name, listed.container);
+      Put(engine, listed.name, listed.container, format);
     }
   }
 }

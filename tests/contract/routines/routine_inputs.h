@@ -6,6 +6,7 @@
 
 #include "fake_engine/fake_engine.h"
 #include "harness/catalogue/catalogue.h"
+#include "support/wav_bytes.h"
 
 // One run of each routine: the words, and files and answers with which it goes through its loops a
 // few times.
@@ -24,5 +25,5 @@ std::vector<std::string> OutputsOf(const harness::CatalogueRow& row);
 // Answers as of an engine that works.
 void SetAnswers(FakeEngine& engine);
 
-// Puts all inputs in place.
-void PutInputs(FakeEngine& engine, const harness::CatalogueRow& row);
+// Puts all inputs in place, WAVE files in this format.
+void PutInputs(FakeEngine& engine, const harness::CatalogueRow& row, const WavFormat& format = {});

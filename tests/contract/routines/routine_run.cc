@@ -75,14 +75,9 @@ void Prepare(FakeEngine& engine, const CatalogueRow& row, Situation situation) {
   for (const std::string& name : OutputsOf(row)) engine.unwritable.insert(name);
 }
 
-}  // namespace
-
-RoutineRun RunRoutine(const CatalogueRow& row, Situation situation) {
-  static const bool opened = OpenWhatIsOpenedOnce();
-  static_cast<void>(opened);
+// Runs the routine with what has been prepared.
+RoutineRun Run(const CatalogueRow& row, FakeEngine& engine) {
   const TemporaryDirectory folder;
-  FakeEngine engine;
-  Prepare(engine, row, situation);
   RoutineRun run;
   run.declared = OutputsOf(row);
   std::sort(run.declared.begin(), run.declared.end());
@@ -106,6 +101,24 @@ RoutineRun RunRoutine(const CatalogueRow& row, Situation situation) {
     run.strays.push_back(entry.path().filename());
   }
   return run;
+}
+
+}  // namespace
+
+RoutineRun RunRoutine(const CatalogueRow& row, Situation situation) {
+  static const bool opened = OpenWhatIsOpenedOnce();
+  static_cast<void>(opened);
+  FakeEngine engine;
+  Prepare(engine, row, situation);
+  return Run(row, engine);
+}
+
+RoutineRun RunRoutineOn(const CatalogueRow& row, int rate, int channels) {
+  FakeEngine engine;
+  Prepare(engine, row, Situation::kNoInputs);
+  PutInputs(engine, row,
+            {.channels = static_cast<uint16_t>(channels), .rate = static_cast<uint32_t>(rate)});
+  return Run(row, engine);
 }
 
 std::vector<std::string> Said(const RoutineRun& run) {

@@ -29,6 +29,9 @@ enum class Situation {
 // which the last call then tells; what it throws is the last call, too.
 RoutineRun RunRoutine(const harness::CatalogueRow& row, Situation situation);
 
+// Runs it with WAVE inputs of this format (Hz, channels).
+RoutineRun RunRoutineOn(const harness::CatalogueRow& row, int rate, int channels);
+
 // The calls with which something is said, on stdout or in the log, and how it ended if it did not
 // return.
 std::vector<std::string> Said(const RoutineRun& run);

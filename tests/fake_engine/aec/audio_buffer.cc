@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fake_engine/aec/aec_frame_text.h"
+#include "fake_engine/aec/audio_buffer.h"
 #include "fake_engine/fake_engine.h"
 
 // One band, which is the whole signal of one channel.
@@ -35,6 +36,7 @@ void zuwebrtc::AudioBuffer::InterleaveTo(AudioFrame* frame, bool data_changed) {
   FakeEngine::Current().Call(this, "InterleaveTo(%s, %s)", FrameText(*frame).c_str(),
                              data_changed ? "true" : "false");
   if (data_changed) std::copy(m_bands->samples.begin(), m_bands->samples.end(), frame->data_);
+  FakeEngine::Current().script<AudioBufferScript>().interleave(*frame);
 }
 
 int zuwebrtc::AudioBuffer::num_frames() const { return static_cast<int>(m_bands->samples.size()); }
