@@ -7,8 +7,15 @@ namespace host {
 // Thrown when what was asked for cannot be done, before anything is run. audio_bench prints the
 // message as one line on stderr and ends with exit code kUsage.
 struct UsageError {
+  // What becomes of the report that was asked for.
+  enum class Report {
+    kWritten,   // It says this.
+    kReplaced,  // Only where an earlier one is: its file is also one that the run would write.
+    kLeft       // Its file is also one that the run would read.
+  };
+
   std::string message;
-  bool touchNothing = false;  // Not even a report is written: its file is one of the others.
+  Report report = Report::kWritten;
 };
 
 }  // namespace host

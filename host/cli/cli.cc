@@ -62,12 +62,12 @@ int Execute(const Request& request) {
 Request Parse(const std::vector<std::string>& words) {
   try {
     return ParseRequest(words);
-  } catch (const UsageError& error) {
-    const std::string path = ReportPath(words);
-    if (path.empty()) throw;
-    try {
-      ReportRefusal(path, error.message);
-    } catch (const UsageError&) {  // The first error is reported.
+  } catch (const RefusedRequest& error) {
+    for (const std::string& path : error.reports) {
+      try {
+        ReportRefusal(path, error.message);
+      } catch (const UsageError&) {  // The first error is reported.
+      }
     }
     throw;
   }

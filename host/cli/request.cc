@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <iterator>
 #include <memory>
@@ -13,6 +12,7 @@
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "cli/words.h"
 
 namespace host {
 
@@ -85,6 +85,13 @@ class CommandLine {
     m_app.add_subcommand("help", "Help on a command");
   }
 
+  // The options of a command; null when there is no such command.
+  const CLI::App* Command(const std::string& name) const {
+    const auto isIt = [&name](const CLI::App* each) { return each->get_name() == name; };
+    const auto found = m_app.get_subcommands(isIt);
+    return found.empty() ? nullptr : found.front();
+  }
+
   // Throws UsageError.
   void Parse(std::vector<std::string> words) {
     const std::string command = words.empty() ? "" : words.front();
@@ -104,9 +111,6 @@ class CommandLine {
     Take();
   }
 
-  // The words after `run` that are not options of it.
-  std::vector<std::string> Free() const { return m_run->remaining(); }
-
  private:
   void AddList() {
     m_list = m_app.add_subcommand("list", "The catalogue of all routines, or of some");
@@ -120,31 +124,27 @@ class CommandLine {
 
   void AddRun() {
     RunOptions& options = m_request.run;
-    m_run = m_app.add_subcommand("run", "Run one routine in a process of its own");
-    m_run->footer(
+    CLI::App& run = *m_app.add_subcommand("run", "Run one routine in a process of its own");
+    run.footer(
         "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"
         "declared order; after \"--\" every word is an argument.");
-    AddWork(*m_run, options.work);
-    m_run
-        ->add_option("--timeout-s", options.timeout,
-                     "End a run that takes longer, in seconds (600; a routine that never returns "
-                     "is stopped after 10)")
+    AddWork(run, options.work);
+    run.add_option("--timeout-s", options.timeout,
+                   "End a run that takes longer, in seconds (600; a routine that never returns "
+                   "is stopped after 10)")
         ->type_name("N")
         ->check(SecondsProblem);
-    m_run
-        ->add_option("--linger-s", options.linger,
-                     "How long a player may run on after its routine has returned (describe says "
-                     "what is usual)")
+    run.add_option("--linger-s", options.linger,
+                   "How long a player may run on after its routine has returned (describe says "
+                   "what is usual)")
         ->type_name("N")
         ->check(SecondsProblem);
-    m_run->add_option("--json", options.json, "Also write the report to this file; - is stdout")
+    run.add_option("--json", options.json, "Also write the report to this file; - is stdout")
         ->type_name("FILE")
         ->check(EmptyProblem);
-    m_run->add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
-    m_run->add_flag("--figures", options.figures, "Also measure the files of lists");
-    m_run->add_flag("--wav", options.wav,
-                    "Also write headerless audio outputs as NAME.wav, 16-bit");
-    m_run->allow_extras();  // Routine and arguments: CLI11 would take -1 for an option.
+    run.add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
+    run.add_flag("--figures", options.figures, "Also measure the files of lists");
+    run.add_flag("--wav", options.wav, "Also write headerless audio outputs as NAME.wav, 16-bit");
   }
 
   // Fills in what the options do not set by themselves.
@@ -162,7 +162,6 @@ class CommandLine {
   Request& m_request;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
   CLI::App* m_list = nullptr;
-  CLI::App* m_run = nullptr;
   bool m_json = false;
   bool m_markdown = false;
 };
@@ -192,67 +191,49 @@ void TurnHelpIntoOption(std::vector<std::string>& words) {
   if (words.back() == "help") words.back() = "--help";
 }
 
-// Refuses words that CLI11 would misread or report badly. Throws UsageError.
-void CheckWords(const std::vector<std::string>& words) {
-  if (!words.empty() && !words.front().starts_with('-')) CheckCommand(words.front());
-  for (const std::string& word : words) {
-    if (word.starts_with("--") && word.ends_with('=')) {  // The next word would be its value.
-      throw UsageError{word.substr(0, word.size() - 1) + " is empty"};
-    }
+// Fills in what the words after a command ask for. Throws UsageError.
+void Take(const std::string& command, const Words& words, CommandLine& line, Request& request) {
+  if (!words.fault().empty()) {
+    throw UsageError{words.fault()};
   }
-}
-
-// Words that start with '-' are options, except for numbers.
-bool IsOption(const std::string& word) {
-  return word.size() > 1 && word[0] == '-' && word[1] != '.' &&
-         std::isdigit(static_cast<unsigned char>(word[1])) == 0;
-}
-
-// Takes routine and arguments from the words that are not options.
-void TakeArguments(const std::vector<std::string>& free, std::span<const std::string> literal,
-                   RunOptions& options) {
-  for (const std::string& word : free) {
-    if (IsOption(word)) throw UsageError{"unknown option " + word};
+  std::vector<std::string> read = {command};
+  read.insert(read.end(), words.options().begin(), words.options().end());
+  if (command != "run") {
+    if (!words.literal().empty()) throw UsageError{"unexpected " + words.literal().front()};
+    read.insert(read.end(), words.free().begin(), words.free().end());
+    line.Parse(read);
+    return;
   }
-  std::vector<std::string> words = free;
-  words.insert(words.end(), literal.begin(), literal.end());
-  if (words.empty()) return;
-  options.routine = words.front();
-  options.arguments.assign(std::next(words.begin()), words.end());
+  line.Parse(read);
+  std::vector<std::string> routine = words.free();
+  routine.insert(routine.end(), words.literal().begin(), words.literal().end());
+  if (routine.empty()) return;
+  request.run.routine = routine.front();
+  request.run.arguments.assign(std::next(routine.begin()), routine.end());
 }
 
 }  // namespace
 
 Request ParseRequest(std::span<const std::string> words) {
-  const auto mark = std::find(words.begin(), words.end(), "--");
-  std::vector<std::string> read(words.begin(), mark);
-  const std::span<const std::string> literal(mark == words.end() ? mark : std::next(mark),
-                                             words.end());
+  std::vector<std::string> read(words.begin(), words.end());
   TurnHelpIntoOption(read);
-  CheckWords(read);
+  if (!read.empty() && !read.front().starts_with('-')) CheckCommand(read.front());
 
   Request request;
   CommandLine line(request);
-  line.Parse(read);
-  if (!literal.empty() && request.command != Request::Command::kRun) {
-    throw UsageError{"unexpected " + literal.front()};
+  const CLI::App* const command = read.empty() ? nullptr : line.Command(read.front());
+  if (command == nullptr) {
+    line.Parse(read);
+    return request;
   }
-  if (request.command == Request::Command::kRun) {
-    TakeArguments(line.Free(), literal, request.run);
+  const Words told(*command, std::span(read).subspan(1));
+  try {
+    Take(read.front(), told, line, request);
+  } catch (const UsageError& error) {
+    if (read.front() != "run") throw;
+    throw RefusedRequest{error, told.Values("--json")};
   }
   return request;
-}
-
-std::string ReportPath(std::span<const std::string> words) {
-  constexpr std::string_view kOption = "--json";
-  if (words.empty() || words.front() != "run") return "";
-  for (size_t i = 1; i < words.size() && words[i] != "--"; ++i) {
-    const std::string_view word = words[i];
-    if (!word.starts_with(kOption)) continue;
-    if (word == kOption) return i + 1 < words.size() ? words[i + 1] : "";
-    if (word[kOption.size()] == '=') return words[i].substr(kOption.size() + 1);
-  }
-  return "";
 }
 
 }  // namespace host

@@ -2,7 +2,9 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
+#include "base/usage_error.h"
 #include "catalogue/list.h"
 #include "run/run.h"
 
@@ -21,10 +23,13 @@ struct Request {
   std::string routine;      // kDescribe
 };
 
-// The request in the words of a command line, the program's name left out. Throws UsageError.
-Request ParseRequest(std::span<const std::string> words);
+// Why the words of a command line ask for nothing that can be done.
+struct RefusedRequest : UsageError {
+  std::vector<std::string> reports;  // Where they ask for the report of a run.
+};
 
-// Where a command line that cannot be parsed asks for the report of a run; empty for nowhere.
-std::string ReportPath(std::span<const std::string> words);
+// The request in the words of a command line, the program's name left out. Throws UsageError; a
+// RefusedRequest where the words ask for a run.
+Request ParseRequest(std::span<const std::string> words);
 
 }  // namespace host

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/units.h"
 #include "files/audio_figures.h"
 
 namespace host {
@@ -49,7 +50,7 @@ TextRead ReadText(const std::string& path, size_t mostBytes, const std::function
     errno = 0;
     const size_t count = fread(read.text.data() + before, 1, kBlockBytes, file.get());
     read.text.resize(before + count);
-    if (read.text.size() > mostBytes) return {.fault = FaultText(EFBIG)};
+    if (read.text.size() > mostBytes) return {.fault = "longer than " + Bytes(mostBytes)};
     if (count == kBlockBytes) continue;
     if (ferror(file.get()) != 0) read.fault = strerror(errno);
     return read;

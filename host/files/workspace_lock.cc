@@ -49,22 +49,23 @@ std::string Describe(int folder) {
   return "process " + std::to_string(holder) + (command.empty() ? "" : " (" + command + ")");
 }
 
+int OpenWorkspace(const std::string& workspace) {
+  const int folder = OpenFolder(workspace);
+  if (folder >= 0) return folder;
+  throw UsageError{"cannot open the folder " + workspace + ": " + strerror(errno)};
+}
+
 }  // namespace
 
-WorkspaceLock::WorkspaceLock(const std::string& workspace, bool wait)
-    : m_folder(OpenFolder(workspace)) {
-  if (m_folder < 0)
-    throw UsageError{"cannot open the folder " + workspace + ": " + strerror(errno)};
-  if (flock(m_folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-  if (wait) {
-    while (flock(m_folder, LOCK_EX) != 0 && errno == EINTR) {
+WorkspaceLock::WorkspaceLock(const std::string& workspace, const std::function<void()>& wait)
+    : WorkspaceLock(OpenWorkspace(workspace)) {
+  while (flock(m_folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (!wait) {
+      throw UsageError{"the workspace " + workspace + " is in use by " + Describe(m_folder) +
+                       "; --wait waits for its end"};
     }
-    return;
+    wait();
   }
-  const std::string holder = Describe(m_folder);
-  close(m_folder);
-  throw UsageError{"the workspace " + workspace + " is in use by " + holder +
-                   "; --wait waits for its end"};
 }
 
 WorkspaceLock::~WorkspaceLock() { close(m_folder); }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,6 +61,12 @@ class SharedMemory {
     perror(workspace.c_str());
     _exit(1);
   }
+
+  // A crash is a verdict; a core dump of it would stay in the workspace.
+  rlimit core = {};
+  getrlimit(RLIMIT_CORE, &core);
+  core.rlim_cur = 0;
+  setrlimit(RLIMIT_CORE, &core);
 
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   MapOpenedFiles(&shared.files);

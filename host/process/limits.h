@@ -16,8 +16,14 @@ class Limits {
   // The time starts now.
   Limits(const HostSignals& signals, double seconds);
 
+  // Gives this much time from now on, to a run whose time was up as well.
+  void Restart(double seconds);
+
   // Remembers the first reason to stop.
   Stop Check();
+
+  // As Check, whatever time is left.
+  bool Interrupted();
 
   // Something that ends more than `seconds` from now is late; never less than 0.
   double Left() const;

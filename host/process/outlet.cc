@@ -9,8 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
-
-#include "process/limits.h"
+#include <iterator>
 
 namespace host {
 
@@ -64,15 +63,21 @@ long Outlet::Write(std::string_view text) const {
   return write(m_descriptor, text.data(), std::min<size_t>(text.size(), PIPE_BUF));
 }
 
-bool WriteUntil(int descriptor, const std::string& text, double until) {
+bool WriteWithin(Limits& limits, int descriptor, std::string_view text) {
+  const double patience = Now() + kPatience;
   Outlet outlet(descriptor);
   outlet.Add(text);
-  while (outlet.waiting() > 0 && Now() < until) {
-    pollfd ready = {.fd = outlet.descriptor(), .events = POLLOUT, .revents = 0};
-    poll(&ready, 1, 100);
+  while (outlet.waiting() > 0) {
+    const bool stopped = limits.Check() != Limits::Stop::kNone;
+    if (stopped && Now() > patience) break;
+    pollfd watched[] = {
+        {.fd = outlet.descriptor(), .events = POLLOUT, .revents = 0},
+        {.fd = stopped ? -1 : limits.signals().descriptor(), .events = POLLIN, .revents = 0}};
+    poll(watched, std::size(watched), stopped ? 50 : 250);
     outlet.Send();
   }
-  return outlet.waiting() == 0 && outlet.error() == 0;
+  errno = outlet.waiting() > 0 ? EAGAIN : outlet.error();
+  return errno == 0;
 }
 
 }  // namespace host

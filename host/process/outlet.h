@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "process/limits.h"
+
 namespace host {
 
 // One of the host's own standard streams, written without ever waiting for its reader: what the
@@ -40,8 +42,11 @@ class Outlet {
   std::string m_text;  // Not yet sent.
 };
 
-// Writes the text and waits for its reader until Now() is `until`. False when it was not taken by
-// then, or cannot be written.
-bool WriteUntil(int descriptor, const std::string& text, double until);
+// Seconds that a reader has to take what is printed, also when the limits are reached.
+inline constexpr double kPatience = 2;
+
+// Writes the text and waits for its reader for as long as the limits allow, and for kPatience in
+// any case. False and errno when it cannot be written, EAGAIN when it was not taken in that time.
+bool WriteWithin(Limits& limits, int descriptor, std::string_view text);
 
 }  // namespace host

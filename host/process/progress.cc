@@ -15,7 +15,6 @@ namespace {
 
 constexpr double kPeriod = 0.25;  // Seconds
 constexpr uint64_t kMany = 20;    // Files from which on what is done tells more than what is open.
-constexpr double kPatience = 2;   // Seconds that a reader has when the limits are reached.
 
 }  // namespace
 

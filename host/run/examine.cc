@@ -6,11 +6,11 @@
 #include <memory>
 #include <utility>
 
-#include "base/units.h"
 #include "files/audio_figures.h"
 #include "files/audio_layout.h"
 #include "files/regular_file.h"
 #include "files/wave_copy.h"
+#include "run/stopped.h"
 
 namespace host {
 
@@ -76,15 +76,8 @@ void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
 // Notes what ended the look at the files, and says it in words.
 std::string Examiner::GiveUp(FileReport& report) {
   report.givenUp = true;
-  if (const int signal = m_limits.interruption(); signal != 0) {
-    m_lookEnded = Problem{
-        Cause::kInterrupted,
-        std::string("interrupted (") + strsignal(signal) + ") while measuring its files", signal};
-    return "the run was interrupted";
-  }
-  m_lookEnded = Problem{Cause::kTimeout,
-                        "timed out after " + Seconds(m_seconds) + " while measuring its files"};
-  return "the time was up";
+  m_lookEnded = Stopped(m_limits, m_seconds, "measuring its files");
+  return m_limits.interruption() != 0 ? "the run was interrupted" : "the time was up";
 }
 
 }  // namespace host

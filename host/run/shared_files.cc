@@ -63,16 +63,21 @@ std::vector<std::string> Identities(const std::string& path) {
 }  // namespace
 
 void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
-                       const WorkFile& log, const RunOptions& options) {
+                       const WorkFile& log, const RunOptions& options,
+                       const std::function<void()>& goOn) {
   const std::vector<Role> roles = Roles(inputs, outputs, log, options);
   std::map<std::string, const Role*> owners;
   for (const Role& role : roles) {
+    goOn();
     for (const std::string& identity : Identities(role.path)) {
       const auto [owner, first] = owners.emplace(identity, &role);
       const Role& other = *owner->second;
       if (first || &other == &role || (!role.written && !other.written)) continue;
+      using Report = UsageError::Report;
       throw UsageError{.message = other.name + " and " + role.name + " are one file: " + role.path,
-                       .touchNothing = other.report};
+                       .report = !other.report  ? Report::kWritten
+                                 : role.written ? Report::kReplaced
+                                                : Report::kLeft};
     }
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 
@@ -12,9 +13,11 @@ namespace host {
 // Both throw UsageError, before anything is written.
 
 // Refuses a run in which a file that is written (an output, a copy, the log, the report) is at the
-// same time another one of its files, by its name or by links.
+// same time another one of its files, by its name or by links. Calls `goOn` again and again, which
+// may throw.
 void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
-                       const WorkFile& log, const RunOptions& options);
+                       const WorkFile& log, const RunOptions& options,
+                       const std::function<void()>& goOn);
 
 // Refuses outputs in whose place something else than a file is, a file that has another name as
 // well, or a symbolic link that leads out of the workspace.

@@ -45,7 +45,7 @@ TEST_F(RegularFileTest, ReadsATextUpToABound) {
   WriteFile("text", text);
   EXPECT_EQ(ReadText("text", text.size(), Always).text, text);
   EXPECT_EQ(ReadText("text", text.size(), Always).fault, "");
-  EXPECT_EQ(ReadText("text", text.size() - 1, Always).fault, "File too large");
+  EXPECT_EQ(ReadText("text", text.size() - 1, Always).fault, "longer than 100.0 kB");
   EXPECT_EQ(ReadText("absent", 1, Always).fault, "No such file or directory");
   EXPECT_EQ(ReadText("/dev/zero", 1, Always).fault, "Not a regular file");
   int blocks = 0;

@@ -28,6 +28,16 @@ std::vector<FileUse> OutputFor(ArgumentWords words) {
   return {{.name = "for-" + std::string(words[0])}};
 }
 
+// Each line is the name of a file.
+std::vector<FileUse> LinesOf(std::string_view text) {
+  std::vector<FileUse> files;
+  for (size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
+    files.push_back({.name = std::string(text.substr(0, end))});
+    text.remove_prefix(end + 1);
+  }
+  return files;
+}
+
 std::string LackingWord(ArgumentWords words) {
   return words[0] == "gold" ? "this engine has no gold" : "";
 }
@@ -96,6 +106,10 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::ReadAll, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::ReadAndLeaveOpen, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::ReadBoth, .inputs = {{.name = "{first}"}, {.name = "{second}"}}},
+          {.declared = declared::PrintCoreLimit},
+          {.declared = declared::ReadList,
+           .inputs = {{.name = "list.txt", .optional = true}},
+           .listed = LinesOf},
           {.declared = declared::StatOf},
           {.declared = declared::Spoil, .inputs = {{.name = "{inFile}"}}},
           {.declared = declared::WriteBytes, .outputs = {kPcmOutput}},

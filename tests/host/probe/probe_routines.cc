@@ -168,6 +168,14 @@ void ReadAndLeaveOpen(const char* inFile) {
   fgetc(in);
 }
 
+void PrintCoreLimit() {
+  rlimit limit;
+  getrlimit(RLIMIT_CORE, &limit);
+  printf("core limit %llu\n", static_cast<unsigned long long>(limit.rlim_cur));
+}
+
+void ReadList() {}
+
 void StatOf(const char* name) {
   struct stat status;
   const bool there = stat(name, &status) == 0;

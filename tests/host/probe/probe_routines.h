@@ -30,6 +30,8 @@ ROUTINE(void, OpenOutside);
 ROUTINE(void, ReadAll, const char* inFile);
 ROUTINE(void, ReadAndLeaveOpen, const char* inFile);
 ROUTINE(void, ReadBoth, const char* first, const char* second);
+ROUTINE(void, PrintCoreLimit);
+ROUTINE(void, ReadList);  // Does not, but its row says that it lists further inputs.
 ROUTINE(void, StatOf, const char* name);                    // Says what is there.
 ROUTINE(void, Spoil, const char* how, const char* inFile);  // Changes its own input.
 ROUTINE(void, WriteBytes, int count);

@@ -187,9 +187,9 @@ TEST_F(ResultFileTest, DoesNotReplaceSomethingElseByTheReportOfARefusal) {
 TEST_F(ResultFileTest, RefusesWhatItCannotWriteBeforeItRuns) {
   fs::create_directory("folder");
   EXPECT_THAT(Run({"WritePcm", "--json", "folder"}).err, HasSubstr("folder: Is a directory"));
-  EXPECT_THAT(Run({"WritePcm", "--json", ""}).err, StartsWith("audio_bench: --json: is empty"));
+  EXPECT_THAT(Run({"WritePcm", "--json", ""}).err, StartsWith("audio_bench: --json is empty"));
   EXPECT_THAT(Run({"WritePcm", "--json="}).err, StartsWith("audio_bench: --json is empty"));
-  EXPECT_THAT(Run({"WritePcm", "--work", ""}).err, StartsWith("audio_bench: --work: is empty"));
+  EXPECT_THAT(Run({"WritePcm", "--work", ""}).err, StartsWith("audio_bench: --work is empty"));
   EXPECT_EQ(Run({"--json=", "WritePcm"}).exitCode, 2) << "the next word is not its value";
   EXPECT_EQ(Shell("run WritePcm --json - >&-").exitCode, 2);
   EXPECT_THAT(Names(), testing::ElementsAre("folder"));

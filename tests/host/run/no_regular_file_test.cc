@@ -24,7 +24,7 @@ TEST_F(RunTest, AnInputThatBecomesAFifoIsChanged) {
 TEST_F(RunTest, ACopyDoesNotGoIntoAFifo) {
   std::filesystem::create_directory("bench_work");
   ASSERT_EQ(mkfifo("bench_work/out.pcm.wav", 0600), 0);
-  const int reader = open("bench_work/out.pcm.wav", O_RDWR);
+  const int reader = open("bench_work/out.pcm.wav", O_RDWR | O_CLOEXEC);
   const Finished run = Run({"WritePcm", "--wav"});
   close(reader);
   EXPECT_EQ(run.exitCode, 1);
@@ -34,7 +34,7 @@ TEST_F(RunTest, ACopyDoesNotGoIntoAFifo) {
 TEST_F(RunTest, TheLogDoesNotGoIntoAFifo) {
   std::filesystem::create_directories("bench_work/logs");
   ASSERT_EQ(mkfifo("bench_work/logs/Nothing.log", 0600), 0);
-  const int reader = open("bench_work/logs/Nothing.log", O_RDWR);
+  const int reader = open("bench_work/logs/Nothing.log", O_RDWR | O_CLOEXEC);
   const Finished run = Run({"Nothing"});
   close(reader);
   EXPECT_EQ(run.exitCode, 2);
