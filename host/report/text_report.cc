@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <set>
+#include <string_view>
 #include <vector>
 
 #include "base/printable.h"
@@ -25,15 +27,29 @@ std::string VerdictLine(const RunReport& report) {
   return line + "\n";
 }
 
-// The problems that the first line does not name, where they are few; those of lists of files are
-// many, and are summed up with them.
-std::string FurtherProblems(const Judgement& judgement) {
-  constexpr size_t kMost = 5;
-  std::string lines;
-  if (judgement.problems.size() > kMost) return lines;
-  for (const Problem& problem : judgement.problems) {
-    if (&problem != judgement.Worst()) lines += "  also    " + Printable(problem.text) + "\n";
+// The texts of the problems of lists of files, which are many and are summed up with their list.
+std::set<std::string_view> SummedUp(const RunReport& report) {
+  std::set<std::string_view> texts;
+  for (const std::vector<FileReport>* files : {&report.inputs, &report.outputs}) {
+    for (const FileReport& file : *files) {
+      if (file.place.use.pattern.empty()) continue;
+      for (const Problem& problem : file.problems) texts.insert(problem.text);
+    }
   }
+  return texts;
+}
+
+// The problems that neither the first line names nor the lines of a list sum up.
+std::string FurtherProblems(const RunReport& report) {
+  constexpr size_t kMost = 10;
+  const std::set<std::string_view> summedUp = SummedUp(report);
+  std::string lines;
+  size_t count = 0;
+  for (const Problem& problem : report.judgement.problems) {
+    if (&problem == report.judgement.Worst() || summedUp.contains(problem.text)) continue;
+    if (++count <= kMost) lines += "  also    " + Printable(problem.text) + "\n";
+  }
+  if (count > kMost) lines += "          and " + std::to_string(count - kMost) + " more\n";
   return lines;
 }
 
@@ -62,9 +78,11 @@ std::string CopyLine(const WaveCopy& copy) {
   return line + "\n";
 }
 
-std::string FileLines(const char* kind, const FileReport& file) {
+// Only a run that did what it should shows that a file may be absent.
+std::string FileLines(const char* kind, const FileReport& file, bool absentAsItMayBe) {
   if (file.absent && file.problems.empty()) {
-    return std::string("  ") + kind + Printable(file.place.path) + "  absent, as it may be\n";
+    return std::string("  ") + kind + Printable(file.place.path) +
+           (absentAsItMayBe ? "  absent, as it may be\n" : "  absent\n");
   }
   if (!file.bytes) return "";
   std::string lines = std::string("  ") + kind + Printable(file.place.path) + "  ";
@@ -81,14 +99,14 @@ std::string FileLines(const char* kind, const FileReport& file) {
 }
 
 // The files one by one, each list in the place of its first file.
-std::string AllLines(const char* kind, const std::vector<FileReport>& files) {
+std::string AllLines(const char* kind, const std::vector<FileReport>& files, bool absentAsItMayBe) {
   std::map<std::string, std::vector<const FileReport*>> lists;
   for (const FileReport& file : files) lists[file.place.use.pattern].push_back(&file);
   std::string lines;
   for (const FileReport& file : files) {
     const std::string& pattern = file.place.use.pattern;
     if (pattern.empty()) {
-      lines += FileLines(kind, file);
+      lines += FileLines(kind, file, absentAsItMayBe);
     } else if (lists[pattern].front() == &file) {
       lines += ListLines(kind, lists[pattern]);
     }
@@ -117,8 +135,10 @@ std::optional<double> RealTimeFactor(const RunReport& report) {
 }
 
 std::string TextReport(const RunReport& report) {
-  std::string text = VerdictLine(report) + FurtherProblems(report.judgement);
-  text += AllLines("input   ", report.inputs) + AllLines("output  ", report.outputs);
+  std::string text = VerdictLine(report) + FurtherProblems(report);
+  const Verdict verdict = report.judgement.verdict;
+  const bool good = verdict == Verdict::kPass || verdict == Verdict::kWarn;
+  text += AllLines("input   ", report.inputs, good) + AllLines("output  ", report.outputs, good);
   if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
   return text;
 }

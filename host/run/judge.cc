@@ -6,6 +6,7 @@
 
 #include "base/units.h"
 #include "files/beneath.h"
+#include "run/absence.h"
 #include "run/remedy.h"
 
 namespace host {
@@ -177,6 +178,7 @@ std::vector<Problem> RunProblems(RunReport& report, double timeout) {
   if (outcome.end == End::kReturned || outcome.end == End::kStopped) {
     if (report.lookEnded) problems.push_back(*report.lookEnded);
     for (FileReport& output : report.outputs) JudgeOutput(report, output);
+    JudgeAbsence(report);
   }
   const std::vector<Problem> more = FileProblems(report);
   problems.insert(problems.end(), more.begin(), more.end());

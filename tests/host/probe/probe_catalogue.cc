@@ -140,6 +140,12 @@ std::vector<CatalogueRow> AllRows() {
            .outputs = {kPcmOutput}},
           {.declared = declared::CopyList, .inputs = ListInputs(), .outputs = List("list/out")},
           {.declared = declared::HangOn, .inputs = {kPcmInput}, .outputs = {kPcmOutput}},
+          {.declared = declared::CopyIfThere,
+           .inputs = {{.name = "fixed.in", .optional = true}},
+           .outputs = {{.name = "{outFile}"}}},
+          {.declared = declared::ReportOnList,
+           .inputs = {{.name = "list.txt", .optional = true, .needed = true}},
+           .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

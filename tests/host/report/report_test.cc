@@ -102,10 +102,44 @@ TEST(TextReport, TellsAFewMoreProblems) {
   EXPECT_EQ(TextReport(report),
             "error  TestIt  missing, and 4 more problems\n"
             "  also    missing\n  also    missing\n  also    missing\n  also    missing\n");
-  report.judgement = Judge(std::vector<Problem>(6, {Cause::kMissingInput, "missing"}));
-  EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 5 more problems\n");
+  std::string lines;
+  for (int i = 0; i < 10; ++i) lines += "  also    missing\n";
+  report.judgement = Judge(std::vector<Problem>(11, {Cause::kMissingInput, "missing"}));
+  EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 10 more problems\n" + lines);
   report.judgement = Judge(std::vector<Problem>(100, {Cause::kMissingInput, "missing"}));
-  EXPECT_EQ(TextReport(report), "error  TestIt  missing, and 99 more problems\n");
+  EXPECT_EQ(TextReport(report),
+            "error  TestIt  missing, and 99 more problems\n" + lines + "          and 89 more\n");
+}
+
+TEST(TextReport, LeavesTheProblemsOfListsToTheirLines) {
+  RunReport report;
+  report.routine = "TestIt";
+  report.inputs.resize(2);
+  report.inputs[0].place = {.use = {.pattern = "in<n>"}, .name = "in0", .path = "work/in0"};
+  report.inputs[0].problems = {{Cause::kMissingInput, "no in0"}};
+  report.inputs[1].place = {.use = {}, .name = "far", .path = "work/far"};
+  report.inputs[1].problems = {{Cause::kInputTooShort, "far is short"}};
+  report.judgement = Judge(
+      {{Cause::kTimeout, "late"}, report.inputs[0].problems[0], report.inputs[1].problems[0]});
+  EXPECT_EQ(TextReport(report),
+            "error  TestIt  late, and 2 more problems\n"
+            "  also    far is short\n"
+            "  input   in<n>  0 of 1 there, 1 missing input\n"
+            "          missing input  work/in0\n");
+}
+
+TEST(TextReport, SaysThatAnInputMayBeAbsentOnlyWhereTheRunIsGood) {
+  RunReport report;
+  report.routine = "TestIt";
+  report.inputs.resize(1);
+  report.inputs[0].place = {.use = {}, .name = "in", .path = "work/in"};
+  report.inputs[0].absent = true;
+  EXPECT_EQ(TextReport(report), "pass  TestIt\n  input   work/in  absent, as it may be\n");
+  report.judgement = Judge({{Cause::kInputAsItIs, "as it is"}});
+  EXPECT_EQ(TextReport(report),
+            "warn  TestIt  as it is\n  input   work/in  absent, as it may be\n");
+  report.judgement = Judge({{Cause::kCrash, "killed"}});
+  EXPECT_EQ(TextReport(report), "error  TestIt  killed\n  input   work/in  absent\n");
 }
 
 TEST(JsonReport, GivesEveryFigureAUnit) {

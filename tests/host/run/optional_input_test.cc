@@ -12,16 +12,20 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-TEST_F(RunTest, RunsWithoutAnOptionalInput) {
-  Finished run = Run({"GoWithout", "in", "--json", "report.json"});
-  EXPECT_EQ(run.exitCode, 0) << run.out;
-  EXPECT_THAT(run.out, HasSubstr("  input   bench_work/in  absent, as it may be\n"));
-  const json input = ParseReport(ReadFile("report.json"))["inputs"][0];
-  EXPECT_EQ(input["size"]["reason"], "absent");
+TEST_F(RunTest, RunsWithoutAnOptionalInputAndMissesItWhereAnArgumentNamesIt) {
+  const Finished run = Run({"GoWithout", "in", "--json", "report.json"});
+  EXPECT_EQ(run.exitCode, 3) << run.out;
+  EXPECT_THAT(run.out, StartsWith("in\nerror  GoWithout  input in (bench_work/in): No such file or "
+                                  "directory; it takes 16-bit samples"));
+  const json report = ParseReport(ReadFile("report.json"));
+  EXPECT_EQ(report["inputs"][0]["size"]["reason"], "absent");
+  EXPECT_EQ(report["inputs"][0]["problems"], json({"missing_input"}));
+  EXPECT_EQ(report["outputs"][0]["size"]["value"], 6) << "it ran all the same";
   for (const char* bytes : {"", "short"}) {
     Put("in", bytes);
     EXPECT_EQ(Run({"GoWithout", "in"}).exitCode, 0);
@@ -36,6 +40,39 @@ TEST_F(RunTest, HandsNoneOnAsNoName) {
   EXPECT_EQ(run.exitCode, 0) << run.out;
   EXPECT_THAT(run.out, StartsWith("no name\npass"));
   EXPECT_EQ(ParseReport(ReadFile("report.json"))["inputs"], json::array());
+}
+
+TEST_F(RunTest, MissesAnInputWithoutWhichAnOutputIsEmpty) {
+  for (const char* output : {"out", "unwritten"}) {
+    const Finished run = Run({"CopyIfThere", output, "--json", "report.json"});
+    EXPECT_EQ(run.exitCode, 3) << run.out;
+    EXPECT_THAT(run.out, StartsWith("error  CopyIfThere  input fixed.in (bench_work/fixed.in): No "
+                                    "such file or directory; put "));
+    EXPECT_THAT(run.out, HasSubstr(std::string("  also    output ") + output));
+    EXPECT_THAT(run.out, Not(HasSubstr("as it may be")));
+    EXPECT_EQ(ParseReport(ReadFile("report.json"))["cause"], "missing_input");
+  }
+  Put("fixed.in", "");
+  EXPECT_EQ(Run({"CopyIfThere", "out"}).exitCode, 1) << "it is there";
+  Put("fixed.in", "x");
+  EXPECT_EQ(Run({"CopyIfThere", "out"}).exitCode, 0);
+  EXPECT_EQ(Run({"CopyIfThere", "unwritten"}).exitCode, 1);
+}
+
+TEST_F(RunTest, BlamesNoAbsentInputForAnOutputThatCouldNotBeWritten) {
+  Put("folder", "a file where a folder should be");
+  const Finished run = Run({"CopyIfThere", "folder/out"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("  input   bench_work/fixed.in  absent\n"));
+}
+
+TEST_F(RunTest, MissesAnInputThatItsRowNeeds) {
+  const Finished run = Run({"ReportOnList", "out"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_THAT(run.out, HasSubstr("input list.txt (bench_work/list.txt): No such file"));
+  EXPECT_THAT(run.out, HasSubstr("  output  bench_work/out  12 bytes")) << "it ran all the same";
+  Put("list.txt", "");
+  EXPECT_EQ(Run({"ReportOnList", "out"}).exitCode, 0);
 }
 
 TEST_F(RunTest, RunsOnAnInputThatIsTooShortAndFails) {

@@ -41,6 +41,7 @@ struct FileUse {
   // An input without which, or with less than a block of which, the routine has an outcome of its
   // own.
   bool optional = false;
+  bool needed = false;  // An optional input without which the outputs are there and say nothing.
   bool mayBeEmpty = false;  // An output that is as it should be without content.
   // An input that is read alongside another one, as a far end with its near end, so that in lists
   // of files their duration counts once.

@@ -19,6 +19,13 @@ int Number(std::string_view word) {
   return number.Value();
 }
 
+// A file whose absence ends in outputs that say nothing.
+FileUse Needed(FileUse use) {
+  use.optional = true;
+  use.needed = true;
+  return use;
+}
+
 // What algorithm `ns` is scored by.
 std::vector<FileUse> ScoredFiles(int ns) {
   return Join({NoizeusClean(), ns == kOff ? NoizeusNoisy() : NoizeusProcessed(kAlgorithms[ns])});
@@ -117,7 +124,7 @@ std::vector<CatalogueRow> EnhancementRows() {
        .exercises = "VAD quality measures (bandwidth saving, PESQ, false and faulty alarm)"},
       {.declared = declared::TestVAD,
        .exercises = "batch VAD evaluation writing a tab-separated results table",
-       .inputs = {Optional({.name = "F:/Stream/vad/input/vad_input_description.txt"})},
+       .inputs = {Needed({.name = "F:/Stream/vad/input/vad_input_description.txt"})},
        .outputs = {{.name = "F:/Stream/vad/output/report_{version}.txt"}},
        .listed = VadRecordings},
       {.declared = declared::TestSpeexAgc,
