@@ -1,14 +1,18 @@
+#include "desktop/mixing/refused_files.h"
 #include "desktop/platform/audio_device.h"
 #include "desktop/platform/background.h"
 #include "engine/engine_work.h"
 
 namespace host {
 
-std::optional<DeviceGaps> FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
+EngineFindings FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
   desktop::FinishBackgroundWork(limit);
   desktop::StopAudioDevices();  // Each tells the log how it went.
   const desktop::DeviceFailures failures = desktop::AllDeviceFailures();
-  return DeviceGaps{.underruns = failures.outputs, .overruns = failures.inputs};
+  EngineFindings findings;
+  findings.gaps = DeviceGaps{.underruns = failures.outputs, .overruns = failures.inputs};
+  for (const auto& [name, reason] : desktop::RefusedFiles()) findings.Refuse(name, reason);
+  return findings;
 }
 
 }  // namespace host

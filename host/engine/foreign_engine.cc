@@ -4,9 +4,9 @@
 
 namespace host {
 
-std::optional<DeviceGaps> FinishEngineWork(std::chrono::milliseconds limit, bool runsOn) {
+EngineFindings FinishEngineWork(std::chrono::milliseconds limit, bool runsOn) {
   if (runsOn) std::this_thread::sleep_for(limit);
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace host

@@ -29,9 +29,9 @@ constexpr double kKeeperSeconds = 5;  // After which a keeper that does not end 
 struct Shared {
   FileActivity files;
   KeeperReport keeper;
-  std::optional<DeviceGaps> deviceGaps;  // Complete once all is done.
-  std::atomic<double> routineEnd = 0;    // When the routine returned, see Now(); 0 for not yet.
-  std::atomic<bool> returned = false;    // All is done, and the files are flushed.
+  EngineFindings findings;             // Complete once all is done.
+  std::atomic<double> routineEnd = 0;  // When the routine returned, see Now(); 0 for not yet.
+  std::atomic<bool> returned = false;  // All is done, and the files are flushed.
 };
 
 class SharedMemory {
@@ -72,7 +72,7 @@ class SharedMemory {
   MapOpenedFiles(&shared.files);
   work.routine();
   shared.routineEnd = Now();
-  shared.deviceGaps = work.afterwards();
+  shared.findings = work.afterwards();
   FlushOpenedFiles();  // A file that is left open is written all the same.
   shared.returned = true;
   _exit(0);
@@ -114,7 +114,7 @@ class Child {
       m_outcome.cpu = shared.keeper.cpu;
       m_outcome.peakMemory = shared.keeper.peakMemory;
     }
-    if (shared.returned) m_outcome.deviceGaps = shared.deviceGaps;
+    if (shared.returned) TakeFindings(shared.findings);
     m_outcome.interruption = m_limits.interruption();
     TakeFaults(shared.files);
     Judge(shared);
@@ -144,6 +144,14 @@ class Child {
     }
     kill(m_keeper, SIGCONT);
     return false;
+  }
+
+  void TakeFindings(const EngineFindings& findings) {
+    m_outcome.deviceGaps = findings.gaps;
+    for (size_t i = 0; i < findings.refusedCount; ++i) {
+      const auto& [name, reason] = findings.refused[i];
+      m_outcome.refusals.push_back({PlaceInWorkspace(name).value_or(""), reason});
+    }
   }
 
   void TakeFaults(const FileActivity& files) {

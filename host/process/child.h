@@ -22,6 +22,12 @@ struct FileProblem {
   std::string name = {};
 };
 
+// A file that the engine could not use, and why.
+struct EngineRefusal {
+  std::string place = {};  // In the workspace.
+  std::string reason = {};
+};
+
 struct ChildOutcome {
   // A routine that never returns is stopped when its time is up, which is no time-out.
   enum class End { kReturned, kStopped, kCrashed, kTimedOut, kInterrupted };
@@ -40,12 +46,13 @@ struct ChildOutcome {
   std::optional<double> cpu = {};             // Seconds of processing, user and system.
   std::optional<uint64_t> peakMemory = {};    // Bytes
   std::optional<DeviceGaps> deviceGaps = {};  // Known once the routine has returned.
+  std::vector<EngineRefusal> refusals = {};   // The same.
 };
 
 // What a child does: the routine, and what is to be done in its process after it has returned.
 struct ChildWork {
   std::function<void()> routine;
-  std::function<std::optional<DeviceGaps>()> afterwards;
+  std::function<EngineFindings()> afterwards;
 };
 
 // Does the work in a child with `workspace` as its current directory and its files mapped into it

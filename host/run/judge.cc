@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/units.h"
+#include "catalogue/catalogue_text.h"
 #include "files/beneath.h"
 #include "run/absence.h"
 #include "run/remedy.h"
@@ -17,6 +18,14 @@ namespace {
 std::string OpenFault(const FilePlace& place, const ChildOutcome& outcome) {
   for (const FileProblem& fault : outcome.openFaults) {
     if (fault.name == place.place) return WriteFault(fault.error);
+  }
+  return "";
+}
+
+// Why the engine could not use a file; empty when it could, or did not say.
+std::string Refusal(const FilePlace& place, const ChildOutcome& outcome) {
+  for (const EngineRefusal& refusal : outcome.refusals) {
+    if (refusal.place == place.place) return refusal.reason;
   }
   return "";
 }
@@ -95,6 +104,11 @@ std::optional<Problem> InputProblemAfter(const FileReport& input, const RunRepor
     return std::nullopt;  // Nothing new.
   }
   if (!fault.empty()) return Problem{Cause::kReadError, name + " could not be opened: " + fault};
+  if (const std::string refusal = Refusal(input.place, *report.outcome);
+      !refusal.empty() && !input.absent) {
+    return Problem{Cause::kInputFormat, name + " could not be opened by the engine: " + refusal +
+                                            "; it takes " + FileFormat(input.place.use)};
+  }
   const bool unmeasured =
       !input.unmeasured.empty() && !input.givenUp && input.audio && input.audio->samples;
   const std::string& reason =

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "desktop/mixing/refused_files.h"
 #include "desktop/mixing/volume.h"
 #include "engine_api/platform/log.h"
 
@@ -30,7 +31,7 @@ FilePlayerOpenStatus FilePlayer::Open(const char* file) {
   if (m_source->Rate() >= kLowestRate && MakeResampler()) return status;
   m_resampler = nullptr;
   m_source = nullptr;
-  OutputDebugInfo("%s: its rate cannot be played", file);
+  RefuseFile(file, "cannot play the audio file", "its rate cannot be played");
   return PLAYER_CREATE_FILE_DECODER_FAILED;
 }
 

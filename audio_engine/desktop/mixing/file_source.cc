@@ -6,7 +6,7 @@
 
 #include "desktop/common/wav_header.h"
 #include "desktop/mixing/adts_reader.h"
-#include "engine_api/platform/log.h"
+#include "desktop/mixing/refused_files.h"
 
 namespace desktop {
 
@@ -41,12 +41,12 @@ FilePlayerOpenStatus FileSource::Open(const char* name, std::unique_ptr<FileSour
   // A folder can be opened but not read.
   const bool isReadable = file != nullptr && (fgetc(file.get()) != EOF || ferror(file.get()) == 0);
   if (!isReadable) {
-    OutputDebugInfo("%s: cannot open the audio file: %s", name, strerror(errno));
+    RefuseFile(name, "cannot open the audio file", strerror(errno));
     return PLAYER_OPEN_FILE_PATH_ERROR;
   }
   const FilePlayerOpenStatus status = OpenByContent(std::move(file), source);
   if (status != PLAYER_OPEN_SUCCESS) {
-    OutputDebugInfo("%s: cannot read the audio file: %s", name, Reason(status));
+    RefuseFile(name, "cannot read the audio file", Reason(status));
   }
   return status;
 }

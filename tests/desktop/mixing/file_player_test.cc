@@ -119,8 +119,11 @@ TEST_F(FilePlayerTest, RefusesRatesOfWhichNothingCanBeHeard) {
     EXPECT_EQ(player.Open("a.wav"), PLAYER_CREATE_FILE_DECODER_FAILED);
     EXPECT_FALSE(player.Play());
   }
-  EXPECT_THAT(m_log.Lines(), ElementsAre(testing::HasSubstr("a.wav: its rate cannot be played"),
-                                         testing::HasSubstr("a.wav: its rate cannot be played")));
+  EXPECT_THAT(
+      m_log.Lines(),
+      ElementsAre(
+          testing::HasSubstr("a.wav: cannot play the audio file: its rate cannot be played"),
+          testing::HasSubstr("a.wav: cannot play the audio file: its rate cannot be played")));
 }
 
 TEST_F(FilePlayerTest, CountsTheUnderrunsOfEachPlay) {
@@ -223,7 +226,8 @@ TEST_F(FilePlayerTest, RefusesARateThatCannotBePlayedBeforeItTakesRoomForIt) {
     EXPECT_FALSE(player.IsOpen()) << rate;
   }
   EXPECT_THAT(m_log.Lines(),
-              testing::Each(testing::EndsWith("slow.wav: its rate cannot be played")));
+              testing::Each(testing::EndsWith(
+                  "slow.wav: cannot play the audio file: its rate cannot be played")));
 }
 
 TEST_F(FilePlayerTest, PlaysSeveralAtOnce) {

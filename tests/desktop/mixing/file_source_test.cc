@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "desktop/mixing/file_sink.h"
+#include "desktop/mixing/refused_files.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
@@ -187,6 +188,19 @@ TEST_F(FileSourceTest, SaysWhyAFileCannotBePlayed) {
 }
 
 #if !AUDIO_ENGINE_HAS_AAC
+TEST_F(FileSourceTest, RemembersWhatItRefused) {
+  WriteFile("noise", std::string(100, 'x'));
+  const size_t before = desktop::RefusedFiles().size();
+  Refused("noise");
+  Refused("nowhere");
+  const std::vector<desktop::RefusedFile> refused = desktop::RefusedFiles();
+  ASSERT_EQ(refused.size(), before + 2);
+  EXPECT_EQ(refused[before].name, "noise");
+  EXPECT_EQ(refused[before].reason, "it holds no audio");
+  EXPECT_EQ(refused[before + 1].name, "nowhere");
+  EXPECT_EQ(refused[before + 1].reason, "No such file or directory");
+}
+
 TEST_F(FileSourceTest, HasNoDecoderForAacWithoutTheLibrary) {
   WriteFile("a.aac", std::string("\xff\xf1\x50\x80\x01\x1f\xfc", 7) + "x");
   EXPECT_EQ(Refused("a.aac"), PLAYER_CREATE_FILE_DECODER_FAILED);

@@ -146,6 +146,8 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::ReportOnList,
            .inputs = {{.name = "list.txt", .optional = true, .needed = true}},
            .outputs = {{.name = "{outFile}"}}},
+          {.declared = declared::PlayWhatIsNone,
+           .inputs = {{.name = "{inFile}", .container = Container::kRecording}}},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

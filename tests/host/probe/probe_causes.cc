@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "probe_routines.h"
@@ -39,3 +40,13 @@ void ReportOnList(const char* outFile) {
   fputs("file\tfigure\n", out);
   fclose(out);
 }
+
+namespace {
+
+std::string g_refused;
+
+}  // namespace
+
+void PlayWhatIsNone(const char* inFile) { g_refused = inFile; }
+
+const std::string& RefusedByTheEngine() { return g_refused; }

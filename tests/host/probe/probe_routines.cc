@@ -329,9 +329,12 @@ void CopyList(int milliseconds) {
 
 // The probe's engine: what WorkOn has started is what it does in the background, and its devices
 // have gaps.
-std::optional<host::DeviceGaps> host::FinishEngineWork(std::chrono::milliseconds limit,
-                                                       bool /*runsOn*/) {
+host::EngineFindings host::FinishEngineWork(std::chrono::milliseconds limit, bool /*runsOn*/) {
   const auto end = std::chrono::steady_clock::now() + limit;
   while (g_working && std::chrono::steady_clock::now() < end) usleep(1000);
-  return DeviceGaps{.underruns = 3, .overruns = 1};
+  EngineFindings findings;
+  findings.gaps = DeviceGaps{.underruns = 3, .overruns = 1};
+  const std::string& refused = RefusedByTheEngine();
+  if (!refused.empty()) findings.Refuse(refused, "it holds no audio");
+  return findings;
 }

@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <nlohmann/json.hpp>
+#include <random>
 
 #include "report_schema.h"
 #include "run/run_fixture.h"
@@ -13,6 +14,7 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 TEST_F(RunTest, ATimeOutIsNoFaultOfAnInput) {
   Put("in", std::string(160, 'x'));
@@ -33,6 +35,40 @@ TEST_F(RunTest, AnInterruptionIsNoFaultOfAnInput) {
   const json report = ParseReport(ReadFile("report.json"));
   EXPECT_EQ(report["reason"], "interrupted (Interrupt)");
   EXPECT_EQ(report["inputs"][0]["problems"], json::array());
+}
+
+TEST_F(RunTest, FailsOnWhatTheEngineCannotOpenWithItsReason) {
+  Put("sdcard/in.wav", "bytes");
+  const Finished run = Run({"PlayWhatIsNone", "/sdcard/in.wav", "--json", "report.json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, StartsWith("fail  PlayWhatIsNone  input /sdcard/in.wav "
+                                  "(bench_work/sdcard/in.wav) could not be opened by the engine: "
+                                  "it holds no audio; it takes WAVE, FLAC, Ogg, MP3 or AAC"));
+  const json report = ParseReport(ReadFile("report.json"));
+  EXPECT_EQ(report["inputs"][0]["problems"], json({"input_format"}));
+}
+
+// What the program with its own engine says of a file that its players are given.
+TEST_F(RunTest, PlayersPassOnNoFileThatIsNoRecording) {
+  std::mt19937 generator(1);
+  std::string random(50000, ' ');
+  for (char& byte : random) byte = static_cast<char>(generator());
+  const std::string program = ReadFile("/proc/self/exe").substr(0, 100000);
+  for (const std::string& bytes : {random, std::string(), program}) {
+    Put("music.wav", bytes);
+    Put("voice_record.wav", bytes);
+    for (const char* routine : {"TestFilePlayer", "TestKaraokeFileMixer"}) {
+      const Finished run = RunProcess({AUDIO_BENCH, "run", routine, "--json", "report.json"});
+      if (run.exitCode == 77) continue;  // The engine at hand lacks a codec.
+      const json report = ParseReport(ReadFile("report.json"));
+      // Another engine says nothing of its files, and is run on them all the same.
+      if (report["engine"]["name"] != "desktop engine") continue;
+      EXPECT_EQ(run.exitCode, 1) << run.out;
+      EXPECT_THAT(run.out, HasSubstr(") could not be opened by the engine: it holds no audio; it "
+                                     "takes WAVE, FLAC, Ogg, MP3 or AAC"));
+      EXPECT_EQ(report["cause"], "input_format");
+    }
+  }
 }
 
 }  // namespace
