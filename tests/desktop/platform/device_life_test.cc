@@ -21,14 +21,18 @@ using desktop::Direction;
 TEST(DeviceLife, CountsAnewWithEachStart) {
   const desktop::StepClock clock;
   desktop::UseNullDevices(1);
-  AudioDevice device(Direction::kInput, {}, [](short*, size_t) {});
+  AudioDevice input(Direction::kInput, {}, [](short*, size_t) {});
+  AudioDevice output(Direction::kOutput, {}, [](short*, size_t) {});
   for (int i = 0; i < 2; ++i) {
-    ASSERT_TRUE(device.Start());
+    ASSERT_TRUE(input.Start());
+    ASSERT_TRUE(output.Start());
     SleepMs(1005);
-    EXPECT_EQ(device.Blocks(), 100U);
-    EXPECT_EQ(device.LatencyMs(), 10U);
-    device.Stop();
-    EXPECT_EQ(device.Blocks(), 100U);
+    EXPECT_EQ(input.Blocks(), 100U);
+    EXPECT_EQ(output.Blocks(), 101U);  // The first one is due at once.
+    EXPECT_EQ(input.LatencyMs(), 10U);
+    input.Stop();
+    output.Stop();
+    EXPECT_EQ(input.Blocks(), 100U);
   }
 }
 
