@@ -4,7 +4,7 @@ tests/deliberate/<group>.txt holds blocks that blank lines part:
 
     file: audio_engine/core/bench/aec/echo_delay.cc
     - the line, or lines, as they stand
-    + what a reader who takes the oddity for a mistake would write
+    + what a reader who takes the oddity for a mistake would write; further pairs may follow
     test: contract_aec_test EchoDelay.FeedsTheHeader
 
 A block with `none: REASON` in place of lines and test says why nothing can notice. A file has as
@@ -18,11 +18,15 @@ import sys
 from mutation.copy_tree import CopyTree
 
 
+def lines(texts):
+    return "".join(text + "\n" for text in texts)
+
+
 class Oddity:
     def __init__(self, place):
         self.place = place  # "aec.txt:12", for messages.
         self.file = self.program = self.case = self.none = ""
-        self.old, self.new = [], []
+        self.hunks = []  # Pairs of lists of lines: as they stand, as they are mended.
 
     def fault(self, root):
         """What is wrong with the block itself; empty when it can be tried."""
@@ -31,13 +35,18 @@ class Oddity:
             return f"{self.place}: no such file: {self.file!r}"
         if self.none:
             return ""
-        if not self.old or not self.case:
+        if not self.hunks or not self.case:
             return f"{self.place}: a block has lines and a test, or says none"
-        times = path.read_text(encoding="utf-8").count("\n".join(self.old) + "\n")
-        return "" if times == 1 else f"{self.place}: its lines stand {times} times in {self.file}"
+        text = path.read_text(encoding="utf-8")
+        for old, _ in self.hunks:
+            if (times := text.count(lines(old))) != 1:
+                return f"{self.place}: its lines stand {times} times in {self.file}"
+        return ""
 
     def mend(self, text):
-        return text.replace("\n".join(self.old) + "\n", "".join(line + "\n" for line in self.new), 1)
+        for old, new in self.hunks:
+            text = text.replace(lines(old), lines(new), 1)
+        return text
 
 
 def read_lists(folder):
@@ -50,9 +59,11 @@ def read_lists(folder):
                 current.file = line[len("file: "):]
                 oddities.append(current)
             elif line.startswith("- ") or line == "-":
-                current.old.append(line[2:])
+                if not current.hunks or current.hunks[-1][1]:
+                    current.hunks.append(([], []))
+                current.hunks[-1][0].append(line[2:])
             elif line.startswith("+ ") or line == "+":
-                current.new.append(line[2:])
+                current.hunks[-1][1].append(line[2:])
             elif line.startswith("test: "):
                 current.program, current.case = line[len("test: "):].split(" ", 1)
             elif line.startswith("none: "):
