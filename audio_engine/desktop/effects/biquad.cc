@@ -36,21 +36,11 @@ void Biquad::Design(const BiquadShape& shape, int rate) {
     a1 = s * -2 * (a - 1 + s * (a + 1) * c);
     a2 = a + 1 + s * (a - 1) * c - slope;
   }
-  m_b0 = b0 / a0;
-  m_b1 = b1 / a0;
-  m_b2 = b2 / a0;
-  m_a1 = a1 / a0;
-  m_a2 = a2 / a0;
+  m_filter = {b0 / a0, b1 / a0, b2 / a0, a1 / a0, a2 / a0};
 }
 
 void Biquad::Process(float* samples, int count) {
-  for (int i = 0; i < count; ++i) {
-    const double in = samples[i];
-    const double out = m_b0 * in + m_state1;
-    m_state1 = m_b1 * in - m_a1 * out + m_state2;
-    m_state2 = m_b2 * in - m_a2 * out;
-    samples[i] = static_cast<float>(out);
-  }
+  for (int i = 0; i < count; ++i) samples[i] = static_cast<float>(Run(samples[i]));
 }
 
 }  // namespace desktop

@@ -18,38 +18,40 @@ Corner CornerAt(double corner, double sampleRate) {
 }
 
 // Scales so that a0 is 1.
-Biquad Scaled(double b0, double b1, double b2, const Corner& corner) {
+BiquadCoefficients Scaled(double b0, double b1, double b2, const Corner& corner) {
   const double a0 = 1 + corner.alpha;
   return {b0 / a0, b1 / a0, b2 / a0, -2 * corner.cosine / a0, (1 - corner.alpha) / a0};
 }
 
 }  // namespace
 
-Biquad ButterworthLowPass(double corner, double sampleRate) {
+BiquadCoefficients ButterworthLowPass(double corner, double sampleRate) {
   const Corner c = CornerAt(corner, sampleRate);
   const double b = (1 - c.cosine) / 2;
   return Scaled(b, 2 * b, b, c);
 }
 
-Biquad ButterworthHighPass(double corner, double sampleRate) {
+BiquadCoefficients ButterworthHighPass(double corner, double sampleRate) {
   const Corner c = CornerAt(corner, sampleRate);
   const double b = (1 + c.cosine) / 2;
   return Scaled(b, -2 * b, b, c);
 }
 
-Biquad ButterworthAllPass(double corner, double sampleRate) {
+BiquadCoefficients ButterworthAllPass(double corner, double sampleRate) {
   const Corner c = CornerAt(corner, sampleRate);
   return Scaled(1 - c.alpha, -2 * c.cosine, 1 + c.alpha, c);
 }
 
 void ThreeBandSplit::Reset(double lowEdge, double highEdge, double sampleRate) {
+  Channel channel;
   for (int i = 0; i < 2; ++i) {
-    m_low[i] = ButterworthLowPass(lowEdge, sampleRate);
-    m_rest[i] = ButterworthHighPass(lowEdge, sampleRate);
-    m_middle[i] = ButterworthLowPass(highEdge, sampleRate);
-    m_high[i] = ButterworthHighPass(highEdge, sampleRate);
+    channel.low[i] = Biquad(ButterworthLowPass(lowEdge, sampleRate));
+    channel.rest[i] = Biquad(ButterworthHighPass(lowEdge, sampleRate));
+    channel.middle[i] = Biquad(ButterworthLowPass(highEdge, sampleRate));
+    channel.high[i] = Biquad(ButterworthHighPass(highEdge, sampleRate));
   }
-  m_turn = ButterworthAllPass(highEdge, sampleRate);
+  channel.turn = Biquad(ButterworthAllPass(highEdge, sampleRate));
+  for (Channel& each : m_channels) each = channel;
 }
 
 }  // namespace desktop
