@@ -11,9 +11,16 @@
 #include <thread>
 #include <vector>
 
+#include "desktop/mixing/engine_feature.h"
+#include "desktop/mixing/file_player.h"
+#include "desktop/mixing/microphone.h"
 #include "desktop/platform/audio_device.h"
+#include "desktop/platform/step_clock.h"
 #include "support/captured_stderr.h"
+#include "support/file_bytes.h"
 #include "support/sound_server.h"
+#include "support/temporary_directory.h"
+#include "support/wav_bytes.h"
 
 namespace {
 
@@ -131,6 +138,52 @@ TEST_F(PulseStreamTest, CountsAnUnderflowThatTheServerTells) {
   ASSERT_TRUE(Comes([&] { return output.Blocks() > before + 20; }));
   EXPECT_GE(output.Failures(), 1U);
   output.Stop();
+}
+
+// Keeps the latest sample of the microphone path.
+class LatestSample : public desktop::CaptureListener {
+ public:
+  void OnCaptured(const desktop::CapturedBlock& block) override {
+    sample = block.samples[block.frames - 1];
+    ++blocks;
+  }
+  std::atomic<int> sample = 0;
+  std::atomic<int> blocks = 0;
+};
+
+// Cleaning takes the offset away that the server gives; it ends when the engine is started for
+// something that is not cleaned.
+TEST_F(PulseStreamTest, HearsTheMicrophoneAsItIsOnceTheEngineDoesNotCleanAnyMore) {
+  desktop::SetEngineFeature(AudioEngineFeatureVOIP);
+  LatestSample latest;
+  desktop::Microphone microphone({48000, 1});
+  microphone.Add(&latest);
+  ASSERT_TRUE(microphone.Start());
+  EXPECT_TRUE(Comes([&] { return latest.blocks > 50; }));
+  EXPECT_NE(latest.sample, kHeard);
+  desktop::SetEngineFeature(AudioEngineFeatureCommon);
+  const int before = latest.blocks;
+  EXPECT_TRUE(Comes([&] { return latest.blocks > before + 5; }));
+  EXPECT_EQ(latest.sample, kHeard);
+  microphone.Stop();
+  microphone.Remove(&latest);
+}
+
+// On a clock that stands still the latency never passes, and a player whose last block was taken
+// still plays.
+TEST_F(PulseStreamTest, PlaysUntilTheLastBlockIsHeard) {
+  const TemporaryDirectory directory;
+  const desktop::StepClock clock;
+  WriteFile("short.wav", WavBytes({.channels = 2, .rate = 48000}, std::vector<short>(9600, 5)));
+  desktop::FilePlayer player;
+  ASSERT_EQ(player.Open("short.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_TRUE(player.Play());
+  EXPECT_TRUE(Comes([&] { return player.PlayedMs() == 100; }));
+  const desktop::AudioDevice& device = desktop::Loudspeaker::Shared().Device();
+  const uint64_t before = device.Blocks();
+  EXPECT_TRUE(Comes([&] { return !player.IsPlaying() || device.Blocks() > before + 30; }));
+  EXPECT_TRUE(player.IsPlaying());
+  player.Stop();
 }
 
 }  // namespace
