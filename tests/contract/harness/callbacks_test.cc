@@ -204,11 +204,10 @@ TEST(AudioFramePlayerTestNotify, LeavesFrameAndFeedbackAloneWhenItHasNoFrame) {
        std::initializer_list<IAudioFramePlayerNotify*>{silent.get(), ended.get(), &without}) {
     AudioFrameData frame;
     memset(&frame, 0x5A, sizeof frame);
-    AudioFrameData before;
-    memcpy(&before, &frame, sizeof frame);
+    const std::string before(reinterpret_cast<const char*>(&frame), sizeof frame);
     FramePlayerFeedbackInfo feedback = {true, true, true, true, 1.5, 2.5, 3.5};
     EXPECT_FALSE(player->OnPullAudioFrame(7, frame, true, feedback));
-    EXPECT_EQ(memcmp(&frame, &before, sizeof frame), 0);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&frame), sizeof frame), before);
     EXPECT_TRUE(feedback.acceleratePlay && feedback.fasterPlayOn && feedback.stretchPlay &&
                 feedback.isFakeAudioFrame);
     EXPECT_EQ(feedback.accelerateMS + feedback.stretchMS + feedback.playDelayMS, 7.5);
