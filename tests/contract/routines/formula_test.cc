@@ -16,8 +16,10 @@ using testing::ElementsAreArray;
 
 namespace {
 
-// At the last one, which only a broken header has, a count of 16 bits is that of 16 kHz.
-constexpr int kFormats[][2] = {{22050, 2}, {22050, 1}, {11025, 2}, {14700, 1}, {6569600, 1}};
+// Only broken headers have the last three: a count of 16 bits is that of 16 kHz, a block fills the
+// usual array, and is one sample longer than that.
+constexpr int kFormats[][2] = {{22050, 2},   {22050, 1},  {11025, 2}, {14700, 1},
+                               {6569600, 1}, {819200, 1}, {819300, 1}};
 
 // End the program unless the input is mono.
 constexpr std::string_view kMonoOnly[] = {"TestVADProcessRefined", "TestVAD"};
