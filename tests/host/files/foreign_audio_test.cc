@@ -268,6 +268,10 @@ std::vector<int16_t> GeneratedSamples() {
   const auto repeat = [](const auto& next) {
     for (int i = 0; i < 20000; ++i) next(i);
   };
+  // -1, which quiet noise has often, is half of an MPEG header.
+  for (double level = 16; level < 50; level *= 1.1) {
+    repeat([&](int) { add(level * normal(random)); });
+  }
   for (double level = 2; level < 40000; level *= 2.6) {
     double slow = 0;
     repeat([&](int) { add(level * normal(random)); });
