@@ -22,6 +22,7 @@ bool g_knowsNameless = true;  // Whether the file system does.
 }  // namespace
 
 // In place of the library's.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): its are reserved ones
 extern "C" int openat(int folder, const char* name, int flags, ...) {
   if (!g_knowsNameless && (flags & O_TMPFILE) == O_TMPFILE) {
     errno = EOPNOTSUPP;
@@ -66,7 +67,7 @@ TEST_P(NewFileTest, AppearsWhole) {
 }
 
 TEST_P(NewFileTest, LeavesNothingWhenItIsNotPublished) {
-  NewFile(m_folder, "a", 0600);
+  { const NewFile file(m_folder, "a", 0600); }
   EXPECT_TRUE(fs::is_empty("."));
 }
 
