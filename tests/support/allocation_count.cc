@@ -1,16 +1,28 @@
 #include "support/allocation_count.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
 
 std::atomic<size_t> g_allocations = 0;
 std::atomic<size_t> g_largest = 0;
+std::atomic<const char*> g_watched = nullptr;
+std::atomic<size_t> g_ofWatched = 0;
+
+bool IsCalled(const char* thread) {
+  char name[16] = {};
+  pthread_getname_np(pthread_self(), name, sizeof name);
+  return strcmp(name, thread) == 0;
+}
 
 void Count(size_t bytes) {
   ++g_allocations;
+  if (const char* const watched = g_watched; watched != nullptr && IsCalled(watched)) ++g_ofWatched;
   size_t largest = g_largest;
   while (bytes > largest && !g_largest.compare_exchange_weak(largest, bytes)) {
   }
@@ -21,6 +33,13 @@ void Count(size_t bytes) {
 size_t AllocationCount() { return g_allocations; }
 
 size_t LargestAllocation() { return g_largest.exchange(0); }
+
+void WatchAllocationsOf(const char* thread) {
+  g_watched = thread;
+  g_ofWatched = 0;
+}
+
+size_t WatchedAllocations() { return g_ofWatched; }
 
 void* operator new(size_t bytes) {
   Count(bytes);

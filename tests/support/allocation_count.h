@@ -7,3 +7,7 @@ size_t AllocationCount();
 
 // The most bytes that one call of operator new has asked for since the call of this before.
 size_t LargestAllocation();
+
+// Counts from now on how often the threads of that name call operator new; null for none.
+void WatchAllocationsOf(const char* thread);
+size_t WatchedAllocations();

@@ -1,12 +1,13 @@
 #include "desktop/platform/audio_device.h"
 
-#include <algorithm>
+#include <pthread.h>
+
 #include <cstdlib>
 #include <exception>
 #include <mutex>
 #include <utility>
+#include <vector>
 
-#include "desktop/platform/clock_pacer.h"
 #include "desktop/platform/pulse_stream.h"
 #include "engine_api/platform/log.h"
 
@@ -16,6 +17,10 @@ namespace {
 
 using std::chrono::steady_clock;
 
+// When a server that is not there is looked for.
+constexpr std::chrono::seconds kFirstLook{1};
+constexpr std::chrono::seconds kNextLook{5};
+
 // 0: the sound server is asked first.
 std::atomic<double> g_nullSpeed = 0;
 
@@ -23,6 +28,7 @@ struct RunningDevices {
   std::mutex mutex;
   std::vector<AudioDevice*> devices;
   DeviceFailures failures;  // Of those that have ended.
+  MakeStream makeStream;
 };
 
 // Lives until the process ends, because devices may run as long.
@@ -43,6 +49,11 @@ void Unregister(AudioDevice* device) {
   std::erase(Running().devices, device);
 }
 
+MakeStream StreamMaker() {
+  const std::scoped_lock lock(Running().mutex);
+  return Running().makeStream;
+}
+
 }  // namespace
 
 void StopAudioDevices() {
@@ -51,10 +62,7 @@ void StopAudioDevices() {
     {
       const std::scoped_lock lock(Running().mutex);
       if (Running().devices.empty()) return;
-      for (AudioDevice* device : Running().devices) {
-        device->m_stop = true;
-        device->m_wake.Post();
-      }
+      for (AudioDevice* device : Running().devices) device->AskToStop();
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
@@ -73,12 +81,15 @@ void AddDeviceFailures(Direction direction, uint64_t count) {
 
 void UseNullDevices(double speed) { g_nullSpeed = speed; }
 
-bool DeviceFormat::IsValid() const {
-  return rate >= 8000 && rate <= 48000 && (channels == 1 || channels == 2);
+void UseSoundStreams(MakeStream make) {
+  const std::scoped_lock lock(Running().mutex);
+  Running().makeStream = std::move(make);
 }
 
 AudioDevice::AudioDevice(Direction direction, DeviceFormat format, DeviceBlock block)
-    : m_direction(direction), m_format(format), m_block(std::move(block)) {}
+    : m_direction(direction),
+      m_format(format),
+      m_pump(direction, format, std::move(block), m_wake) {}
 
 AudioDevice::~AudioDevice() { Stop(); }
 
@@ -93,15 +104,16 @@ bool AudioDevice::Start() {
                     m_format.channels);
     return false;
   }
-  m_stop = false;
-  m_blocks = 0;
-  m_failures = 0;
-  m_latencyMs = 0;
+  m_stop = m_onServer = m_suspended = false;
+  m_asksServer = g_nullSpeed <= 0;
   try {
-    m_samples.assign(m_format.BlockFrames() * m_format.channels, 0);
+    m_pump.Reset();
     Register(this);
+    m_blocks = StartThread([this] { RunBlocks(); });
     m_thread = StartThread([this] { Run(); });
   } catch (const std::exception& error) {
+    AskToStop();
+    if (m_blocks.joinable()) m_blocks.join();
     Unregister(this);
     OutputDebugInfo("%s: does not start: %s", Name(), error.what());
     return false;
@@ -109,84 +121,95 @@ bool AudioDevice::Start() {
   return true;
 }
 
+void AudioDevice::AskToStop() {
+  m_stop = true;
+  m_pump.Stop();
+  m_wake.Post();
+}
+
 void AudioDevice::Stop() {
   if (!m_thread.joinable()) return;
-  m_stop = true;
-  m_wake.Post();
+  AskToStop();
   m_thread.join();
 }
 
+void AudioDevice::RunBlocks() {
+  pthread_setname_np(pthread_self(), Name());
+  const double speed = g_nullSpeed;
+  m_pump.Run(speed > 0 ? speed : 1);
+}
+
 void AudioDevice::Run() {
-  const Time start = Now();
-  if (!RunOnServer()) RunOnClock(start);
+  std::string fault;
+  auto stream = m_asksServer ? Connect(&fault) : nullptr;
+  m_onServer = stream != nullptr;
+  OutputDebugInfo("%s: %u Hz, %u channels, %s%s", Name(), m_format.rate, m_format.channels,
+                  m_onServer      ? "sound server"
+                  : !m_asksServer ? "null device"
+                                  : "null device: no sound server: ",
+                  fault.c_str());
+  m_pump.Offer(std::move(stream));
+
+  Time look = Now() + kFirstLook;
+  while (!m_stop) {
+    if (m_asksServer && !m_onServer) {
+      m_wake.WaitUntil(look);
+    } else {
+      m_wake.Wait();
+    }
+    TellSuspension();
+    if (TellLoss()) look = Now() + kFirstLook;
+    if (m_stop || !m_asksServer || m_onServer || Now() < look) continue;
+    if (!LooksForServer()) look = Now() + kNextLook;
+  }
+  while (!m_pump.HasEnded()) m_wake.Wait();
+  m_blocks.join();
+  TellLoss();
   OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s, latency %u ms", Name(),
-                  static_cast<unsigned long long>(m_blocks),
-                  static_cast<unsigned long long>(m_failures),
+                  static_cast<unsigned long long>(Blocks()),
+                  static_cast<unsigned long long>(Failures()),
                   m_direction == Direction::kOutput ? "underruns" : "overruns",
-                  static_cast<unsigned>(m_latencyMs));
-  AddDeviceFailures(m_direction, m_failures);
+                  static_cast<unsigned>(LatencyMs()));
+  AddDeviceFailures(m_direction, Failures());
   Unregister(this);
 }
 
-// True when it ran until Stop.
-bool AudioDevice::RunOnServer() {
-  if (g_nullSpeed > 0) {
-    OutputDebugInfo("%s: %u Hz, %u channels, null device", Name(), m_format.rate,
-                    m_format.channels);
-    return false;
-  }
-  PulseStream stream(m_direction, m_format);
-  m_streamFailures = 0;
-  if (!stream.Connect(m_stop)) {
-    OutputDebugInfo("%s: %u Hz, %u channels, null device: no sound server: %s", Name(),
-                    m_format.rate, m_format.channels, stream.Fault().c_str());
-    return false;
-  }
-  OutputDebugInfo("%s: %u Hz, %u channels, sound server", Name(), m_format.rate, m_format.channels);
-  while (!m_stop) {
-    if (!stream.Wait() || !Exchange(stream)) {
-      OutputDebugInfo("%s: the sound server is lost, null device from now on: %s", Name(),
-                      stream.Fault().c_str());
-      return false;
-    }
-  }
+// Null when there is none.
+std::unique_ptr<SoundStream> AudioDevice::Connect(std::string* fault) {
+  const MakeStream make = StreamMaker();
+  auto stream =
+      make ? make(m_direction, m_format) : std::make_unique<PulseStream>(m_direction, m_format);
+  if (stream->Connect(m_stop)) return stream;
+  *fault = stream->Fault();
+  return nullptr;
+}
+
+bool AudioDevice::LooksForServer() {
+  std::string fault;
+  auto stream = Connect(&fault);
+  if (stream == nullptr) return false;
+  m_onServer = true;
+  OutputDebugInfo("%s: on the sound server from now on", Name());
+  m_pump.Offer(std::move(stream));
   return true;
 }
 
-// Hands over all blocks that are due. False when the server is lost.
-bool AudioDevice::Exchange(PulseStream& stream) {
-  if (m_direction == Direction::kInput) {
-    while (!m_stop && stream.Take(m_samples.data())) CallBlock();
-  } else {
-    while (!m_stop && stream.WantsBlock()) {
-      CallBlock();
-      if (!stream.Give(m_samples.data())) return false;
-      m_latencyMs = stream.LatencyMs();
-    }
-  }
-  m_failures += stream.Failures() - m_streamFailures;
-  m_streamFailures = stream.Failures();
-  // A sample of an input waits for its block to be whole as well.
-  m_latencyMs = stream.LatencyMs() + (m_direction == Direction::kInput ? 10 : 0);
+// True when the server was lost.
+bool AudioDevice::TellLoss() {
+  const auto lost = m_pump.TakeLost();
+  if (lost == nullptr) return false;
+  m_onServer = m_suspended = false;
+  OutputDebugInfo("%s: the sound server is lost, null device from now on: %s", Name(),
+                  lost->Fault().c_str());
   return true;
 }
 
-void AudioDevice::RunOnClock(Time start) {
-  const double speed = g_nullSpeed > 0 ? g_nullSpeed.load() : 1;
-  ClockPacer pacer(m_direction, m_format, speed, start, m_blocks);
-  m_latencyMs = m_direction == Direction::kInput ? 10 : 0;
-  while (true) {
-    while (!m_stop && Now() < pacer.Due()) m_wake.WaitUntil(pacer.Due());
-    if (m_stop) return;
-    if (pacer.Pass(Now())) ++m_failures;
-    if (m_direction == Direction::kInput) std::fill(m_samples.begin(), m_samples.end(), short{0});
-    CallBlock();
-  }
-}
-
-void AudioDevice::CallBlock() {
-  m_block(m_samples.data(), m_format.BlockFrames());
-  ++m_blocks;
+void AudioDevice::TellSuspension() {
+  const bool suspended = m_pump.IsSuspended();
+  if (std::exchange(m_suspended, suspended) == suspended || !m_onServer) return;
+  OutputDebugInfo("%s: %s", Name(),
+                  suspended ? "suspended by the sound server, null device meanwhile"
+                            : "the sound server goes on");
 }
 
 }  // namespace desktop

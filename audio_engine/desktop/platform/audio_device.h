@@ -1,41 +1,25 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <string>
 #include <thread>
-#include <vector>
 
+#include "desktop/platform/block_pump.h"
+#include "desktop/platform/device_format.h"
 #include "desktop/platform/wake.h"
 
 // The loudspeaker and the microphone of the machine, in blocks of 10 ms.
 
 namespace desktop {
 
-class PulseStream;
-
-enum class Direction { kOutput, kInput };
-
-struct DeviceFormat {
-  uint32_t rate = 48000;  // Hz, 8000 to 48000.
-  uint32_t channels = 2;  // 1 or 2, interleaved.
-
-  bool IsValid() const;
-
-  // Frames (samples per channel) of a block of 10 ms, a fraction of a frame left out.
-  size_t BlockFrames() const { return rate / 100; }
-};
-
-// Called on the device's own thread with one block: an output fills it, an input reads it. It
-// neither allocates nor waits nor touches files; a BlockRing hands blocks to and from a thread that
-// may.
-using DeviceBlock = std::function<void(short* samples, size_t frames)>;
-
 // One stream to or from a device: the sound server's where there is one, else the null device,
-// which hears silence, swallows what it is given, and is paced by the clock. The log says which in
-// one line at the start, and counts in one line at the end. Belongs to one thread.
+// which hears silence, swallows what it is given, and is paced by the clock. A server that is lost,
+// or was not there, is looked for 1 s later and then every 5 s; while it suspends the device the
+// null device stands in. The log has a line at the start, at each such change, and at the end with
+// the counts. Belongs to one thread.
 class AudioDevice {
  public:
   AudioDevice(Direction direction, DeviceFormat format, DeviceBlock block);
@@ -54,37 +38,37 @@ class AudioDevice {
 
   // Blocks since the start, and how often an output had nothing to play or an input lost
   // something. Any thread.
-  uint64_t Blocks() const { return m_blocks; }
-  uint64_t Failures() const { return m_failures; }
+  uint64_t Blocks() const { return m_pump.Blocks(); }
+  uint64_t Failures() const { return m_pump.Failures(); }
 
   // Counts one more, for a callback that could not keep what an input heard. Any thread.
-  void CountFailure() { ++m_failures; }
+  void CountFailure() { m_pump.CountFailure(); }
 
   // How long a sample takes from the callback to the loudspeaker, or from the microphone to the
   // callback, ms. Any thread.
-  uint32_t LatencyMs() const { return m_latencyMs; }
+  uint32_t LatencyMs() const { return m_pump.LatencyMs(); }
 
  private:
   const char* Name() const;
   void Run();
+  void RunBlocks();
+  void TellSuspension();
+  bool TellLoss();
+  bool LooksForServer();
+  std::unique_ptr<SoundStream> Connect(std::string* fault);
+  void AskToStop();
   friend void StopAudioDevices();
-
-  bool RunOnServer();
-  bool Exchange(PulseStream& stream);
-  void RunOnClock(Time start);
-  void CallBlock();
 
   const Direction m_direction;
   const DeviceFormat m_format;
-  const DeviceBlock m_block;
-  std::vector<short> m_samples;  // One block.
-  std::thread m_thread;
+  std::thread m_thread;  // Opens streams and writes to the log,
+  std::thread m_blocks;  // which the thread of the blocks does not.
   std::atomic<bool> m_stop = false;
-  Wake m_wake;  // From the wait for the null device's next block, in order to stop.
-  std::atomic<uint64_t> m_blocks = 0;
-  std::atomic<uint64_t> m_failures = 0;
-  uint64_t m_streamFailures = 0;  // Those of the sound server's that are counted already.
-  std::atomic<uint32_t> m_latencyMs = 0;
+  bool m_asksServer = true;
+  bool m_onServer = false;
+  bool m_suspended = false;  // By the latest line in the log.
+  Wake m_wake;
+  BlockPump m_pump;
 };
 
 // Ends all devices that run, for a process that is about to end and leaves them behind: each still
@@ -102,7 +86,12 @@ DeviceFailures AllDeviceFailures();
 void AddDeviceFailures(Direction direction, uint64_t count);
 
 // From now on every device that starts is the null device, and its time passes `speed` times as
-// fast as the clock. For tests.
+// fast as the clock; with 0 the sound server is asked first, as at the beginning. For tests.
 void UseNullDevices(double speed);
+
+// From now on every device that starts takes its streams from `make`, one for each attempt to
+// connect; null for the sound server's. For tests.
+using MakeStream = std::function<std::unique_ptr<SoundStream>(Direction, DeviceFormat)>;
+void UseSoundStreams(MakeStream make);
 
 }  // namespace desktop

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "desktop/platform/audio_device.h"
+#include "desktop/platform/device_format.h"
 
 namespace desktop {
 

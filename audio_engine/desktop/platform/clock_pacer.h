@@ -3,7 +3,8 @@
 #include <chrono>
 #include <cstdint>
 
-#include "desktop/platform/audio_device.h"
+#include "desktop/platform/device_format.h"
+#include "desktop/platform/step_clock.h"
 
 namespace desktop {
 

@@ -9,12 +9,14 @@ namespace desktop {
 
 namespace {
 
+using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// How long the server may do nothing.
+// How long the server may leave a question without an answer, and how often it is asked.
 constexpr milliseconds kPatience{800};
-constexpr int kWaitMicroseconds = 10'000;
+constexpr milliseconds kBetweenQuestions{200};
+constexpr microseconds kMostWait{10'000};
 constexpr uint32_t kBufferedBlocks = 16;
 
 void CountFailure(pa_stream* /*stream*/, void* failures) { ++*static_cast<uint64_t*>(failures); }
@@ -25,9 +27,14 @@ PulseStream::PulseStream(Direction direction, DeviceFormat format)
     : m_direction(direction),
       m_format(format),
       m_blockBytes(format.BlockFrames() * format.channels * sizeof(short)),
+      m_patience(kPatience, steady_clock::now()),
       m_heard(200 * m_blockBytes) {}
 
 PulseStream::~PulseStream() {
+  if (m_question != nullptr) {
+    pa_operation_cancel(m_question);
+    pa_operation_unref(m_question);
+  }
   if (m_stream != nullptr) {
     pa_stream_set_underflow_callback(m_stream, nullptr, nullptr);
     pa_stream_set_overflow_callback(m_stream, nullptr, nullptr);
@@ -54,12 +61,11 @@ bool PulseStream::Connect(const std::atomic<bool>& stop) {
 }
 
 bool PulseStream::WaitFor(const std::atomic<bool>& stop, bool (PulseStream::*isReady)()) {
-  m_progress = steady_clock::now();
-  while (!stop && Wait()) {
-    if ((this->*isReady)()) {
-      m_progress = steady_clock::now();
-      return true;
-    }
+  m_patience.Renew(steady_clock::now());
+  while (!stop && Wait(Time::max())) {
+    if (!(this->*isReady)()) continue;
+    m_patience.Renew(steady_clock::now());
+    return true;
   }
   return m_fault.empty() ? Fail("stopped before it answered") : false;
 }
@@ -89,22 +95,43 @@ bool PulseStream::ConnectStream() {
   return error >= 0 || Fail(pa_strerror(pa_context_errno(m_context)));
 }
 
-bool PulseStream::Wait() {
-  if (!Iterate()) return Fail("its connection broke");
+bool PulseStream::Wait(Time until) {
+  if (!Iterate(until)) return Fail("its connection broke");
   if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(m_context)) ||
       (m_stream != nullptr && pa_stream_get_state(m_stream) != PA_STREAM_UNCONNECTED &&
        !PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream)))) {
     return Fail(pa_strerror(pa_context_errno(m_context)));
   }
   if (m_direction == Direction::kInput && m_stream != nullptr) Collect();
-  if (steady_clock::now() - m_progress < kPatience) return true;
-  return Fail("it does not answer");
+  AskWhetherItIsThere();
+  return !m_patience.IsOver(steady_clock::now()) || Fail("it does not answer");
 }
 
-bool PulseStream::Iterate() {
-  return pa_mainloop_prepare(m_loop, kWaitMicroseconds) >= 0 && pa_mainloop_poll(m_loop) >= 0 &&
-         pa_mainloop_dispatch(m_loop) >= 0;
+bool PulseStream::Iterate(Time until) {
+  const auto left = std::chrono::ceil<microseconds>(until - steady_clock::now());
+  const microseconds wait = std::clamp(left, microseconds(0), kMostWait);
+  return pa_mainloop_prepare(m_loop, static_cast<int>(wait.count())) >= 0 &&
+         pa_mainloop_poll(m_loop) >= 0 && pa_mainloop_dispatch(m_loop) >= 0;
 }
+
+void PulseStream::AskWhetherItIsThere() {
+  const Time now = steady_clock::now();
+  if (m_stream == nullptr || !IsStreamReady() || m_question != nullptr ||
+      now - m_asked < kBetweenQuestions) {
+    return;
+  }
+  m_asked = now;
+  m_question = pa_stream_update_timing_info(m_stream, OnAnswer, this);
+}
+
+void PulseStream::OnAnswer(pa_stream* /*stream*/, int /*success*/, void* self) {
+  auto* const own = static_cast<PulseStream*>(self);
+  own->m_patience.Renew(steady_clock::now());
+  pa_operation_unref(own->m_question);
+  own->m_question = nullptr;
+}
+
+bool PulseStream::IsSuspended() const { return pa_stream_is_suspended(m_stream) == 1; }
 
 bool PulseStream::Fail(const char* reason) {
   m_fault = reason;
@@ -117,7 +144,6 @@ bool PulseStream::WantsBlock() {
 }
 
 bool PulseStream::Give(const short* samples) {
-  m_progress = steady_clock::now();
   ++m_givenBlocks;
   return pa_stream_write(m_stream, samples, m_blockBytes, nullptr, 0, PA_SEEK_RELATIVE) >= 0 ||
          Fail(pa_strerror(pa_context_errno(m_context)));
@@ -137,7 +163,7 @@ void PulseStream::Collect() {
     if (data == nullptr || kept < bytes) ++m_failures;
     m_heardBytes += kept;
     pa_stream_drop(m_stream);
-    m_progress = steady_clock::now();
+    m_patience.Renew(steady_clock::now());
   }
 }
 
