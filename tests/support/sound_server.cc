@@ -53,6 +53,10 @@ SoundServer::SoundServer() {
   for (const char* variable : kVariables) setenv(variable, m_folder.c_str(), 1);
   setenv("PULSE_SERVER", ("unix:" + (m_folder / "native").string()).c_str(), 1);
   setenv("PULSE_COOKIE", (m_folder / "cookie").c_str(), 1);
+  Begin();
+}
+
+void SoundServer::Begin() {
   m_process = fork();
   if (m_process == 0) Become(m_folder);
 
@@ -78,6 +82,15 @@ void SoundServer::Kill() {
 
 void SoundServer::Pause() {
   if (m_process > 0) kill(m_process, SIGSTOP);
+}
+
+void SoundServer::GoOn() {
+  if (m_process > 0) kill(m_process, SIGCONT);
+}
+
+bool SoundServer::StartAgain() {
+  Begin();
+  return IsRunning();
 }
 
 // The script was run to its end when the sinks are there; the socket comes first.

@@ -19,9 +19,14 @@ class SoundServer {
   bool IsRunning() const { return m_process > 0; }
 
   void Kill();   // As a crash does.
-  void Pause();  // It hangs.
+  void Pause();  // It hangs,
+  void GoOn();   // and goes on.
+
+  // Runs again after Kill, at the same place. False where it does not.
+  bool StartAgain();
 
  private:
+  void Begin();
   bool Answers() const;
 
   std::filesystem::path m_folder;

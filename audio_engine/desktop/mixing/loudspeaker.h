@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -49,26 +51,44 @@ class Loudspeaker {
   static Loudspeaker& Shared();
 
   Loudspeaker();
+  ~Loudspeaker();
   Loudspeaker(const Loudspeaker&) = delete;
   Loudspeaker& operator=(const Loudspeaker&) = delete;
 
   void Add(PlaySource* source);
   void Add(PlayListener* listener);
 
-  // It is not called any more afterwards. One that was not added, or is removed already, is fine.
+  // It is not called any more afterwards: waits for a block in which it is being called. One that
+  // was not added, or is removed already, is fine.
   void Remove(PlaySource* source);
   void Remove(PlayListener* listener);
 
   const AudioDevice& Device() const { return m_device; }
 
  private:
+  struct Parts {
+    std::vector<PlaySource*> sources;
+    std::vector<PlayListener*> listeners;
+  };
+  // Parts that were replaced in a turn of the device, which may be going through them until its
+  // end.
+  struct Retired {
+    std::unique_ptr<const Parts> parts;
+    uint64_t turn;
+  };
+
+  template <typename Edit>
+  uint64_t Change(const Edit& edit);
+  bool IsOver(uint64_t turn) const;
+  void WaitForTheEndOf(uint64_t turn) const;
   void MixBlock(short* samples, size_t frames);
+  void MixParts(const Parts& parts, short* samples, size_t frames);
   void StartOrStop();
 
-  std::mutex m_control;  // Of the device. Taken before m_mutex.
-  std::mutex m_mutex;    // Of the lists. The device's thread holds it while it mixes.
-  std::vector<PlaySource*> m_sources;
-  std::vector<PlayListener*> m_listeners;
+  std::mutex m_mutex;  // Of what changes the parts and the device; the device's thread has none.
+  std::atomic<const Parts*> m_parts;
+  std::atomic<uint64_t> m_turn = 0;  // Odd while the device's thread mixes a block.
+  std::vector<Retired> m_retired;
   bool m_runs = false;
   SumLimiter m_limiter;
   SumLimiter m_feedbackLimiter;

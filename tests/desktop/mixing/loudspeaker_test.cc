@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <latch>
+#include <memory>
+#include <thread>
 
 #include "desktop/mixing/play_feed.h"
 #include "played.h"
@@ -44,6 +47,43 @@ class LoudspeakerTest : public testing::Test {
  protected:
   void SetUp() override { desktop::UseNullDevices(20); }
 };
+
+// Does not return from a block until it is let go.
+class HeldSource : public desktop::PlaySource {
+ public:
+  void FillBlock(short* samples, size_t frames) override {
+    std::fill_n(samples, 2 * frames, short{0});
+    called = true;
+    goes.wait();
+  }
+  std::atomic<bool> called = false;
+  std::latch goes{1};
+};
+
+// Nobody waits for a block that is being mixed but who removes what is in it.
+TEST_F(LoudspeakerTest, TakesASourceWhileAnotherOneFillsItsBlock) {
+  HeldSource held;
+  Loudspeaker::Shared().Add(&held);
+  EXPECT_TRUE(WaitUntil([&] { return held.called.load(); }));
+  std::atomic<bool> added = false;
+  std::atomic<bool> removed = false;
+  std::unique_ptr<Level> other;
+  std::thread adds([&] {
+    other = std::make_unique<Level>(short{1000});
+    added = true;
+  });
+  EXPECT_TRUE(WaitUntil([&] { return added.load(); }));
+  std::thread removes([&] {
+    Loudspeaker::Shared().Remove(&held);
+    removed = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(removed);
+  held.goes.count_down();
+  adds.join();
+  removes.join();
+  EXPECT_TRUE(WaitUntil([&] { return other->calls() > 0; }));
+}
 
 TEST_F(LoudspeakerTest, MixesItsSourcesWhileTheyAreThere) {
   const Played played;

@@ -1,5 +1,3 @@
-#include "support/sound_server.h"
-
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -16,6 +14,7 @@
 #include "desktop/platform/audio_device.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_recorder.h"
+#include "sound_server_fixture.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/real_time.h"
@@ -73,25 +72,8 @@ std::complex<double> ToneAt(const std::vector<short>& samples, size_t start) {
   return sum * (2.0 / 1200);
 }
 
-class SoundServerTest : public testing::Test {
+class RecordedServer : public SoundServerTest {
  protected:
-  void SetUp() override {
-    if (!m_server.IsRunning()) GTEST_SKIP() << "pulseaudio is not installed";
-    desktop::UseNullDevices(0);
-    setenv("PULSE_SINK", "mic", 1);  // The microphone hears the loudspeaker.
-  }
-  void TearDown() override {
-    m_time.Judge();
-    unsetenv("PULSE_SINK");
-    desktop::UseNullDevices(1);
-  }
-
-  int LinesWith(const char* text) const {
-    int count = 0;
-    for (const std::string& line : m_log.Lines()) count += line.find(text) != std::string::npos;
-    return count;
-  }
-
   // Records for `total` and does `what` to the server after 500 ms.
   template <typename What>
   void RecordWhile(milliseconds total, const What& what) {
@@ -112,11 +94,6 @@ class SoundServerTest : public testing::Test {
     const auto off = static_cast<int64_t>(source->LengthMs()) - total.count();
     m_time.Expect(std::abs(off) < 150, "a recording is " + std::to_string(off) + " ms too long");
   }
-
-  InRealTime m_time;
-  SoundServer m_server;
-  const TemporaryDirectory m_directory;
-  const CapturedStderr m_log;
 };
 
 TEST_F(SoundServerTest, GivesBackWhatIsPlayedWithoutGapsOrRepeats) {
@@ -220,17 +197,17 @@ TEST_F(SoundServerTest, MixesTheVoiceWithWhatTheSingerHeard) {
                 "voice and song are " + std::to_string(apart) + " s apart");
 }
 
-TEST_F(SoundServerTest, GoesOnWithoutAServerThatDied) {
+TEST_F(RecordedServer, GoesOnWithoutAServerThatDied) {
   RecordWhile(milliseconds(2000), [&] { m_server.Kill(); });
   EXPECT_EQ(LinesWith("the sound server is lost"), 1);
 }
 
-TEST_F(SoundServerTest, GoesOnWithoutAServerThatHangs) {
+TEST_F(RecordedServer, GoesOnWithoutAServerThatHangs) {
   RecordWhile(milliseconds(3500), [&] { m_server.Pause(); });
   EXPECT_EQ(LinesWith("the sound server is lost"), 1);
 }
 
-TEST_F(SoundServerTest, TakesTheNullDeviceWhenTheServerHangsFromTheStart) {
+TEST_F(RecordedServer, TakesTheNullDeviceWhenTheServerHangsFromTheStart) {
   m_server.Pause();
   RecordWhile(milliseconds(2500), [] {});
   EXPECT_EQ(LinesWith("no sound server: it does not answer"), 1);
