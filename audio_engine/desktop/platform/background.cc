@@ -1,6 +1,7 @@
 #include "desktop/platform/background.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -12,14 +13,21 @@ namespace desktop {
 namespace {
 
 struct Registry {
-  std::mutex mutex;
+  std::mutex mutex;  // Of both; not held while work is being finished.
   std::vector<BackgroundWork::Finish*> work;
+  std::vector<BackgroundWork::Finish*> called;  // That are being finished.
+  std::condition_variable returned;
 };
 
 // Lives until the process ends, because objects with a static lifetime may still be registered.
 Registry& AllWork() {
   static auto* const registry = new Registry;
   return *registry;
+}
+
+bool Contains(const std::vector<BackgroundWork::Finish*>& work,
+              const BackgroundWork::Finish* finish) {
+  return std::find(work.begin(), work.end(), finish) != work.end();
 }
 
 }  // namespace
@@ -30,17 +38,27 @@ BackgroundWork::BackgroundWork(Finish finish) : m_finish(std::move(finish)) {
 }
 
 BackgroundWork::~BackgroundWork() {
-  const std::scoped_lock lock(AllWork().mutex);
-  std::erase(AllWork().work, &m_finish);
+  Registry& all = AllWork();
+  std::unique_lock lock(all.mutex);
+  std::erase(all.work, &m_finish);
+  all.returned.wait(lock, [&] { return !Contains(all.called, &m_finish); });
 }
 
 bool FinishBackgroundWork(std::chrono::milliseconds limit) {
   const auto deadline = std::chrono::steady_clock::now() + limit;
-  const std::scoped_lock lock(AllWork().mutex);
+  Registry& all = AllWork();
+  std::unique_lock lock(all.mutex);
   bool finished = true;
-  for (const BackgroundWork::Finish* finish : AllWork().work) {
+  for (BackgroundWork::Finish* const finish : std::vector(all.work)) {
+    if (!Contains(all.work, finish)) continue;  // It has ended meanwhile.
+    all.called.push_back(finish);
+    lock.unlock();
     finished = (*finish)(deadline) && finished;
+    lock.lock();
+    all.called.erase(std::find(all.called.begin(), all.called.end(), finish));
+    all.returned.notify_all();
   }
+  lock.unlock();
   if (!finished) {
     OutputDebugInfo("background work is not finished after %lld ms",
                     static_cast<long long>(limit.count()));

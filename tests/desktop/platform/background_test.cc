@@ -53,6 +53,25 @@ TEST(FinishBackgroundWork, AsksTheOthersAlsoAfterOneThatDidNotFinish) {
   EXPECT_THAT(log.Text(), testing::EndsWith("background work is not finished after 50 ms\n"));
 }
 
+TEST(BackgroundWork, ComesAndGoesWhileOtherWorkIsBeingFinished) {
+  std::atomic<bool> called = false;
+  std::atomic<bool> gone = false;
+  const BackgroundWork waiting([&](steady_clock::time_point deadline) {
+    called = true;
+    while (!gone && steady_clock::now() < deadline) std::this_thread::yield();
+    return gone.load();
+  });
+  std::thread other([&] {
+    while (!called) std::this_thread::yield();
+    {
+      const BackgroundWork brief([](auto) { return false; });
+    }
+    gone = true;
+  });
+  EXPECT_TRUE(FinishBackgroundWork(milliseconds(20'000)));
+  other.join();
+}
+
 TEST(BackgroundWork, IsNotDestroyedWhileItIsBeingFinished) {
   std::atomic<bool> called = false;
   std::atomic<bool> alive = true;

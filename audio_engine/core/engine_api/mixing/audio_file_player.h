@@ -5,7 +5,7 @@
 
 enum FilePlayerOpenStatus {
   PLAYER_OPEN_SUCCESS = 0,
-  PLAYER_CREATE_FILE_DECODER_FAILED = -1,    // There is no decoder for it, or no memory.
+  PLAYER_CREATE_FILE_DECODER_FAILED = -1,    // No decoder for it, no memory, or below 100 Hz.
   PLAYER_OPEN_FILE_DECODER_FAILED = -2,      // Known by its first bytes, but damaged.
   PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT = -3,  // No audio that the engine knows.
   PLAYER_OPEN_FILE_PATH_ERROR = -4           // It cannot be opened.
