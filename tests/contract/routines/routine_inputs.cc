@@ -129,6 +129,7 @@ std::vector<std::string> OutputsOf(const CatalogueRow& row) {
 }
 
 void SetAnswers(FakeEngine& engine) {
+  engine.nowMs = 1000;  // A time is no duration.
   engine.script<CodecFormatScript>().format = [](int id) {
     AudioStreamFormat format = {};
     format.iRawCodecId = id;
