@@ -108,7 +108,8 @@ bool CanBeRun(const CatalogueRow& row) {
 std::string Duration(const CatalogueRow& row) {
   if (row.neverReturns) return "until it is stopped: after 10 s, or --timeout-s";
   if (row.runsOn > 0) {
-    return "returns at once, and runs on for up to " + Seconds(row.runsOn) + ", or --linger-s";
+    return "what it starts runs on after it has returned: for up to " + Seconds(row.runsOn) +
+           ", or --linger-s";
   }
   return row.seconds > 0 ? Seconds(row.seconds) : "as fast as its input is processed";
 }

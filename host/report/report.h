@@ -44,6 +44,7 @@ struct RunReport {
   std::string log = {};                      // Its path; empty when the routine was not run.
   std::vector<FileReport> inputs = {};
   std::vector<FileReport> outputs = {};
+  std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};
 };

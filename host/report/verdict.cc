@@ -51,6 +51,7 @@ constexpr CauseFacts kCauses[] = {
     {Cause::kWriteError, "write_error", Verdict::kFail, exit_code::kFail},
     {Cause::kInputFormat, "input_format", Verdict::kFail, exit_code::kFail},
     {Cause::kInputTooShort, "input_too_short", Verdict::kFail, exit_code::kFail},
+    {Cause::kArgument, "argument", Verdict::kFail, exit_code::kFail},
     {Cause::kInputChanged, "input_changed", Verdict::kError, exit_code::kInput},
     {Cause::kReadError, "read_error", Verdict::kError, exit_code::kInput},
     {Cause::kUnreadableInput, "unreadable_input", Verdict::kError, exit_code::kInput},

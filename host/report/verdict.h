@@ -32,6 +32,7 @@ enum class Cause {
   kWriteError,
   kInputFormat,
   kInputTooShort,
+  kArgument,
   kInputChanged,  // From here on error; of inputs exit code 3.
   kReadError,
   kUnreadableInput,

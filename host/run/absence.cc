@@ -39,6 +39,8 @@ bool CouldNotBeWritten(const FileReport& output, const ChildOutcome& outcome) {
                      [&](const FileProblem& fault) { return fault.name == place; });
 }
 
+}  // namespace
+
 bool LeftNothing(const RunReport& report) {
   return std::any_of(report.outputs.begin(), report.outputs.end(), [&](const FileReport& output) {
     return !CouldNotBeWritten(output, *report.outcome) &&
@@ -47,14 +49,13 @@ bool LeftNothing(const RunReport& report) {
   });
 }
 
-}  // namespace
-
 void JudgeAbsence(RunReport& report) {
   const bool leftNothing = LeftNothing(report);
   for (FileReport& input : report.inputs) {
     const FileUse& use = input.place.use;
     if (!input.absent || !input.problems.empty()) continue;
-    if (!leftNothing && !use.needed && !IsNamedByArgument(use)) continue;
+    const bool isCause = leftNothing && !use.dispensable;
+    if (!isCause && !use.needed && !IsNamedByArgument(use)) continue;
     input.problems.push_back({Cause::kMissingInput, "input " + FileName(input.place) + ": " +
                                                         strerror(ENOENT) +
                                                         MissingInputRemedy(input.place)});

@@ -10,4 +10,7 @@ namespace host {
 // absent or without content, for no reason of its own.
 void JudgeAbsence(RunReport& report);
 
+// Whether an output was left absent or without content, for no reason of its own.
+bool LeftNothing(const RunReport& report);
+
 }  // namespace host

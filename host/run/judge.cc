@@ -81,6 +81,12 @@ void AddContentProblems(const FileReport& output, std::vector<Problem>& problems
   if (output.audio && !output.audio->flaw.empty() && !output.place.use.foreignHeader) {
     problems.push_back({Cause::kOutputNotWhole, name + " is not whole: " + output.audio->flaw});
   }
+  const uint64_t bytes = output.audio ? output.audio->bytes : output.bytes.value_or(0);
+  if (const uint64_t full = output.place.use.fullBytes; full > 0 && bytes >= full) {
+    problems.push_back(
+        {Cause::kOutputNotWhole, name + " is full with " + Bytes(bytes) +
+                                     ": the routine leaves out what more there was in its input"});
+  }
   uint64_t notFinite = 0;
   if (output.channels) {
     for (const ChannelFigures& figures : *output.channels) notFinite += figures.notFinite;
@@ -193,6 +199,9 @@ std::vector<Problem> RunProblems(RunReport& report, double timeout) {
     if (report.lookEnded) problems.push_back(*report.lookEnded);
     for (FileReport& output : report.outputs) JudgeOutput(report, output);
     JudgeAbsence(report);
+    if (!report.fruitless.empty() && LeftNothing(report)) {
+      problems.push_back({Cause::kArgument, report.fruitless});
+    }
   }
   const std::vector<Problem> more = FileProblems(report);
   problems.insert(problems.end(), more.begin(), more.end());

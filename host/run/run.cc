@@ -147,6 +147,7 @@ void RunRoutine(const RunOptions& options, Limits& limits, ResultFile* json, Run
   // From here on it may take long, and what is killed then must not leave an earlier report.
   if (json != nullptr) json->ReplaceEarlier(JsonReport(Unfinished(report)));
   try {
+    report.fruitless = harness::Fruitless(row, words);
     RunRow(row, options, words, files, limits, json, report);
   } catch (const Ended& ended) {
     report.judgement = Judge({ended.problem});

@@ -148,6 +148,13 @@ std::vector<CatalogueRow> AllRows() {
            .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::PlayWhatIsNone,
            .inputs = {{.name = "{inFile}", .container = Container::kRecording}}},
+          {.declared = declared::WriteUnless,
+           .inputs = {{.name = "spare.in", .optional = true, .dispensable = true}},
+           .outputs = {{.name = "out", .fullBytes = 100}},
+           .fruitless =
+               [](ArgumentWords words) {
+                 return std::string(words[0] == "nothing" ? "argument 1 of 2 is nothing" : "");
+               }},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

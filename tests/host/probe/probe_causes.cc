@@ -50,3 +50,11 @@ std::string g_refused;
 void PlayWhatIsNone(const char* inFile) { g_refused = inFile; }
 
 const std::string& RefusedByTheEngine() { return g_refused; }
+
+void WriteUnless(const char* word, int bytes) {
+  FILE* const out = fopen("out", "wb");
+  if (std::string_view(word) != "nothing") {
+    for (int i = 0; i < bytes; ++i) fputc('x', out);
+  }
+  fclose(out);
+}

@@ -56,9 +56,10 @@ ROUTINE(void, GoWithout, const char* inFile);
 ROUTINE(void, CopyList,
         int milliseconds);  // Copies those of its 40 files that are there, one by one.
 ROUTINE(void, HangOn, const char* inFile);
-ROUTINE(void, CopyIfThere, const char* outFile);    // "fixed.in", or nothing.
-ROUTINE(void, ReportOnList, const char* outFile);   // Has a first line whatever is there.
-ROUTINE(void, PlayWhatIsNone, const char* inFile);  // Its engine says so.
-const std::string& RefusedByTheEngine();            // Empty for nothing.
+ROUTINE(void, CopyIfThere, const char* outFile);          // "fixed.in", or nothing.
+ROUTINE(void, ReportOnList, const char* outFile);         // Has a first line whatever is there.
+ROUTINE(void, PlayWhatIsNone, const char* inFile);        // Its engine says so.
+const std::string& RefusedByTheEngine();                  // Empty for nothing.
+ROUTINE(void, WriteUnless, const char* word, int bytes);  // Nothing for "nothing".
 PLANNED(void, NotBuilt, const char* inFile);
 HELPER(void, Helper);

@@ -8,6 +8,7 @@
 
 #include "report_schema.h"
 #include "run/run_fixture.h"
+#include "support/wav_bytes.h"
 
 namespace {
 
@@ -69,6 +70,41 @@ TEST_F(RunTest, PlayersPassOnNoFileThatIsNoRecording) {
       EXPECT_EQ(report["cause"], "input_format");
     }
   }
+}
+
+TEST_F(RunTest, NamesTheArgumentThatNothingComesOutOf) {
+  const Finished run = Run({"WriteUnless", "nothing", "5", "--json", "report.json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, StartsWith("fail  WriteUnless  argument 1 of 2 is nothing, and 1 more"));
+  EXPECT_THAT(run.out, HasSubstr("  also    output out (bench_work/out) is empty\n"));
+  const json report = ParseReport(ReadFile("report.json"));
+  EXPECT_EQ(report["cause"], "argument");
+  EXPECT_EQ(report["inputs"][0]["problems"], json::array()) << "an input that is dispensable";
+  EXPECT_EQ(Run({"WriteUnless", "something", "5"}).exitCode, 0);
+}
+
+TEST_F(RunTest, NamesTheIdOfNoCodec) {
+  Put("in.wav", WavBytes({.rate = 16000}, std::vector<short>(16000, 1)));
+  const Finished run =
+      RunProcess({AUDIO_BENCH, "run", "TestZUCodecNew", "in.wav", "out.wav", "999"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, StartsWith("fail  TestZUCodecNew  argument 3 of 3 is the id of no codec: "
+                                  "999, and "));
+}
+
+TEST_F(RunTest, SaysThatAnOutputIsFull) {
+  EXPECT_EQ(Run({"WriteUnless", "something", "99"}).exitCode, 0);
+  const Finished run = Run({"WriteUnless", "something", "100"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, StartsWith("fail  WriteUnless  output out (bench_work/out) is full with 100 "
+                                  "bytes: the routine leaves out what more there was"));
+}
+
+TEST_F(RunTest, SaysWhatIsWrongWithTheNameOfAWorkspace) {
+  const Finished run = Run({"Nothing", "--work", std::string(300, 'x')});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err, StartsWith("audio_bench: cannot create the folder xxx"));
+  EXPECT_THAT(run.err, Not(HasSubstr("filesystem error")));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,10 +43,14 @@ struct FileUse {
   // own.
   bool optional = false;
   bool needed = false;  // An optional input without which the outputs are there and say nothing.
-  bool mayBeEmpty = false;  // An output that is as it should be without content.
+  bool dispensable = false;  // An optional input without which the outputs are as they should be.
+  bool mayBeEmpty = false;   // An output that is as it should be without content.
   // An input that is read alongside another one, as a far end with its near end, so that in lists
   // of files their duration counts once.
   bool beside = false;
+  // An output with so many bytes of samples, or of content where it is no audio, is full: the
+  // routine leaves out what more there would be. 0: it never is.
+  uint64_t fullBytes = 0;
   // An output whose WAVE header is on purpose that of another file: its lengths need not fit.
   bool foreignHeader = false;
   std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
@@ -94,6 +99,9 @@ struct CatalogueRow {
   // Why the engine at hand cannot do what the words ask for, a codec without its library for
   // example; empty when it can. Null: it always can.
   std::string (*lacking)(ArgumentWords words) = nullptr;
+  // Why nothing comes out of words that the routine takes all the same, a codec id that stands for
+  // no codec for example; empty when something does. Null: it always does.
+  std::string (*fruitless)(ArgumentWords words) = nullptr;
   Device device = Device::kNone;
   double seconds = 0;  // How long a run takes by the clock; 0: as fast as its input is processed.
   // How long what the routine has started may run on after it has returned, in seconds, such as a
@@ -116,6 +124,9 @@ std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words);
 
 // Why the engine at hand cannot do what words that fit ask for; empty when it can.
 std::string Lacking(const CatalogueRow& row, ArgumentWords words);
+
+// Why nothing comes out of a run with words that fit; empty when something does.
+std::string Fruitless(const CatalogueRow& row, ArgumentWords words);
 
 // Runs a row with words that fit.
 void Run(const CatalogueRow& row, ArgumentWords words);

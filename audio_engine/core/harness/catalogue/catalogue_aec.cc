@@ -117,7 +117,7 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestRecord,
        .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
        .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400)),
-                  Optional(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
+                  Dispensable(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
        .outputs = {Wave("far.wav"),
                    Empty(Wave("near.wav")),
                    Wave("out.wav"),

@@ -1,5 +1,7 @@
 // Codecs and the preparation of quality scoring.
 
+#include <climits>
+
 #include "bench/codec/routines.h"
 #include "engine_api/codec/codec_format.h"
 #include "harness/catalogue/catalogue_rows.h"
@@ -9,6 +11,13 @@
 namespace harness {
 
 namespace {
+
+// Samples or frames of which the routine keeps at most so many bytes as an int counts, in whole
+// frames: with room for less than the longest, 120 ms of 48 kHz stereo, it may be full.
+FileUse Full(FileUse use) {
+  use.fullBytes = INT_MAX - 120 * 48 * 2 * 2 + 1;
+  return use;
+}
 
 FileUse PreprocessedSpeech() {
   FileUse use = Optional(Wave("{refFile}.preproc.wav"));
@@ -21,7 +30,7 @@ std::vector<FileUse> QualityCase(const std::string& name) {
   return {Wave(name + ".res.wav"),
           Wave(name + ".ref.wav"),
           {.name = name + ".enc.wav"},
-          Wave(name + ".dec.wav")};
+          Full(Wave(name + ".dec.wav"))};
 }
 
 // Of the codec whose id is word number `index`, counted from 0.
@@ -53,7 +62,7 @@ std::vector<CatalogueRow> CodecRows() {
       {.declared = declared::TestZUStreamToAAC,
        .exercises = "wrapper: calls TestAACStreamToAAC",
        .inputs = {Optional({.name = "packer.48k.aac"})},
-       .outputs = {{.name = "48k.aac"}},
+       .outputs = {Full({.name = "48k.aac"})},
        .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestAudioEncode,
        .exercises = "AudioLocalCodec encoder then decoder: \"audio_test.pcm\" to \"out.enc\" to "
@@ -88,14 +97,15 @@ std::vector<CatalogueRow> CodecRows() {
       {.declared = declared::TestAACStreamToAAC,
        .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\"",
        .inputs = {Optional({.name = "packer.48k.aac"})},
-       .outputs = {{.name = "48k.aac"}},
+       .outputs = {Full({.name = "48k.aac"})},
        .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestVADCodecMosByVADResult,
        .exercises = "encode/decode gated by VAD results, for MOS",
        .inputs = {Wave("{pSrcFileName}")},
        .outputs = {Wave("{pDstFileName}"), Wave("{pVadResultFile}")},
        .inputsFor = InputInFormatOfCodec,
-       .lacking = NeedsRawIdOfWord<3>},
+       .lacking = NeedsRawIdOfWord<3>,
+       .fruitless = NoCodecOfWord<3>},
       {.declared = declared::TestZUAudioProcessor,
        .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
        .inputs = {Wave("player.wav")},
@@ -105,42 +115,48 @@ std::vector<CatalogueRow> CodecRows() {
        .exercises = "encode a WAVE file with a raw codec id, timed",
        .inputs = {Wave("{wavInFileName}")},
        .outputs = {{.name = "{encodedFileName}"}},
-       .lacking = NeedsRawIdOfWord<2>},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestZUDecode,
        .exercises = "decode a stream file to WAVE (CWavFileWriter), timed",
        .inputs = {{.name = "{encodedFileName}"}},
-       .outputs = {Wave("{decodedWavFileName}")},
-       .lacking = NeedsRawIdOfWord<2>},
+       .outputs = {Full(Wave("{decodedWavFileName}"))},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::newTestZUEncode,
        .exercises = "encode with bit rate and sample rate",
        .inputs = {Wave("{wavInFileName}")},
        .outputs = {{.name = "{encodedFileName}"}},
-       .lacking = NeedsRawIdOfWord<2>},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::newTestZUDecode,
        .exercises = "decode at a given sample rate",
        .inputs = {{.name = "{encodedFileName}"}},
-       .outputs = {Wave("{decodedWavFileName}")},
-       .lacking = NeedsRawIdOfWord<2>},
+       .outputs = {Full(Wave("{decodedWavFileName}"))},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestZUCodecNew,
        .exercises = "resample, encode, decode chain for MOS",
        .inputs = {Wave("{wavInFileName}")},
        .outputs = {{.name = "{wavOutFileName}.enc"},
-                   Wave("{wavOutFileName}.dec.wav"),
+                   Full(Wave("{wavOutFileName}.dec.wav")),
                    Wave("{wavOutFileName}")},
-       .lacking = NeedsRawIdOfWord<2>},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestMockVADMos,
        .exercises = "resample, VAD, codec chain for MOS",
        .inputs = {Wave("{refFile}"), PreprocessedSpeech()},
        .outputs = {Wave("{refFile}.resample.wav"),
                    {.name = "{refFile}.codec.wav.enc"},
-                   Wave("{refFile}.codec.wav.dec.wav"),
+                   Full(Wave("{refFile}.codec.wav.dec.wav")),
                    Wave("{refFile}.codec.wav"),
                    WithForeignHeader(Wave("{refFile}.vad.wav")),
                    WithForeignHeader(Wave("{refFile}.vadresult.wav")),
                    {.name = "{refFile}.vadCodec.wav.enc"},
-                   Wave("{refFile}.vadCodec.wav.dec.wav"),
+                   Full(Wave("{refFile}.vadCodec.wav.dec.wav")),
                    Wave("{refFile}.vadCodec.wav")},
-       .lacking = NeedsRawIdOfWord<1>},
+       .lacking = NeedsRawIdOfWord<1>,
+       .fruitless = NoCodecOfWord<1>},
       {.declared = declared::calAACMos,
        .exercises =
            "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "
@@ -148,7 +164,8 @@ std::vector<CatalogueRow> CodecRows() {
        .inputs = {Wave("{wavInFileName}")},
        .outputs = QualityCase("{rate}_{channels}_{bitRate}"),
        .outputsFor = QualityCaseFor,
-       .lacking = NeedsRawIdOfWord<2>},
+       .lacking = NeedsRawIdOfWord<2>,
+       .fruitless = NoCodecOfWord<2>},
       {.declared = declared::GetCodecFrameLength,
        .helper = true,
        .exercises = "frame length from a stream header"},

@@ -38,6 +38,13 @@ std::string LackingRawId(int codecId) {
          ": it was built without that codec's library";
 }
 
+std::string UnknownRawId(ArgumentWords words, size_t index) {
+  Argument<int> codecId;
+  if (!codecId.Parse(words[index]) || CodecFamily(codecId.Value()) != kAudioCodecUnknown) return "";
+  return "argument " + std::to_string(index + 1) + " of " + std::to_string(words.size()) +
+         " is the id of no codec: " + std::string(words[index]);
+}
+
 std::string LackingType(AudioLocalCodec::AudioCodecType type) {
   if (HasType(type)) return "";
   return "this engine has no local codec of type " + std::to_string(static_cast<int>(type));

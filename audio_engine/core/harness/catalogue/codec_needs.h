@@ -19,6 +19,10 @@ std::string LackingRawId(int codecId);
 
 std::string LackingType(AudioLocalCodec::AudioCodecType type);
 
+// What is to be said of an id that no engine has a codec for, as word number `index`, counted from
+// 0; empty when it stands for a codec.
+std::string UnknownRawId(ArgumentWords words, size_t index);
+
 // For rows that always need the same codec.
 template <ZUAudioCodec family>
 std::string NeedsFamily(ArgumentWords) {
@@ -35,6 +39,11 @@ template <size_t index>
 std::string NeedsRawIdOfWord(ArgumentWords words) {
   Argument<int> codecId;
   return codecId.Parse(words[index]) ? LackingRawId(codecId.Value()) : "";
+}
+
+template <size_t index>
+std::string NoCodecOfWord(ArgumentWords words) {
+  return UnknownRawId(words, index);
 }
 
 template <size_t index>

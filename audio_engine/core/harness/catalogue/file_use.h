@@ -28,6 +28,12 @@ inline FileUse Optional(FileUse use) {
   return use;
 }
 
+// The same, where the outputs are as good without it.
+inline FileUse Dispensable(FileUse use) {
+  use.dispensable = true;
+  return Optional(std::move(use));
+}
+
 // A file that begins with the header of another.
 inline FileUse WithForeignHeader(FileUse use) {
   use.foreignHeader = true;

@@ -35,6 +35,10 @@ std::string Lacking(const CatalogueRow& row, ArgumentWords words) {
   return row.lacking != nullptr ? row.lacking(words) : "";
 }
 
+std::string Fruitless(const CatalogueRow& row, ArgumentWords words) {
+  return row.fruitless != nullptr ? row.fruitless(words) : "";
+}
+
 void Run(const CatalogueRow& row, ArgumentWords words) { row.declared.run(WithNull(row, words)); }
 
 std::vector<Parameter> Parameters(const Words& words) {
