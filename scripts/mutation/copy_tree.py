@@ -62,7 +62,8 @@ class CopyTree:
         group = next(g for g in (pathlib.PurePath(source).parent.name, pathlib.PurePath(source).parts[-3])
                      if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing", "demo"))
         names = []
-        for wanted in [group, *BUILT_ON.get(group, [])]:
+        everywhere = ["routines"] if station == "contract" else []
+        for wanted in [group, *BUILT_ON.get(group, []), *everywhere]:
             folder = f"tests/{station}/{wanted}"
             for name in self.programs:
                 if name not in names and any(f == folder or f.startswith(folder + "/") for f in self._tests_of(name)):
