@@ -32,7 +32,7 @@ allow audio_engine/core/harness/catalogue "$library|\"($api|harness|harness/cata
 allow audio_engine/desktop "$library|<webrtc/[a-z/_]+>|$beside|\"($api|desktop/[a-z]+|wave)/$name\""
 # Of the host, each folder may include itself and the ones named before it; only one file of it
 # knows the desktop engine.
-allow host/engine "$standard|\"(engine/engine_work|desktop/platform/(audio_device|background))\.h\""
+allow host/engine "$standard|\"(engine/engine_work|desktop/(platform/(audio_device|background)|mixing/refused_files))\.h\""
 below='base|engine'
 for folder in base files process catalogue report demo run cli; do
   below+="|$folder"
