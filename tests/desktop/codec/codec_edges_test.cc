@@ -15,7 +15,8 @@ struct Material {
   explicit Material(int rawId) : format(FormatFromRawCodecId(rawId)) {
     const auto frame =
         static_cast<size_t>(format.iSamplesOfFrame) * static_cast<size_t>(format.iNumOfChannels);
-    Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.5);
+    // The middle of a syllable.
+    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.25);
     first = BytesOf(Samples(voice.end() - static_cast<std::ptrdiff_t>(2 * frame),
                             voice.end() - static_cast<std::ptrdiff_t>(frame)));
     second = BytesOf(Samples(voice.end() - static_cast<std::ptrdiff_t>(frame), voice.end()));
@@ -31,6 +32,7 @@ struct Material {
 TEST(CodecEdges, DeInitForgetsAFrameThatHadBegun) {
   for (const CodecId& id : CodecIds()) {
     Material voice(id.rawId);
+    ASSERT_NE(voice.first.substr(0, 100), voice.second.substr(0, 100)) << id.rawId;
     const auto encoder = OpenCodec(id.rawId, kAudioLibraryEncoder);
     EXPECT_EQ(Process(*encoder, voice.first.substr(0, 100)), "") << id.rawId;
     encoder->DeInit();
