@@ -92,9 +92,8 @@ Encoder OpenWith(const CodecSetup& setup, bool sbr) {
 }
 
 // At low rates a packet of ordinary length already would not fit its frame.
-bool FitsFrame(const CodecSetup& setup, const AACENC_InfoStruct& info) {
-  const auto samples = static_cast<int64_t>(info.frameLength);
-  return setup.variant->bitRate / 8 * samples <= int64_t{kMaxEncodedBytes} * setup.rate;
+bool FitsFrame(int64_t bitRate, int64_t frameSamples, int rate) {
+  return bitRate / 8 * frameSamples <= int64_t{kMaxEncodedBytes} * rate;
 }
 
 Encoder Open(const CodecSetup& setup, AACENC_InfoStruct* info) {
@@ -102,15 +101,18 @@ Encoder Open(const CodecSetup& setup, AACENC_InfoStruct* info) {
   if (encoder == nullptr && setup.variant->coder == Coder::kAacEldSbr) {
     encoder = OpenWith(setup, false);
   }
-  const bool usable =
-      encoder != nullptr && aacEncInfo(encoder.get(), info) == AACENC_OK && FitsFrame(setup, *info);
+  const bool usable = encoder != nullptr && aacEncInfo(encoder.get(), info) == AACENC_OK &&
+                      FitsFrame(setup.variant->bitRate, info->frameLength, setup.rate);
   return usable ? std::move(encoder) : nullptr;
 }
 
 class AacEncoder : public PacketEncoder {
  public:
-  AacEncoder(Encoder encoder, int channels, int frame)
-      : m_encoder(std::move(encoder)), m_channels(channels), m_frame(frame) {}
+  AacEncoder(Encoder encoder, const CodecSetup& setup, int frame)
+      : m_encoder(std::move(encoder)),
+        m_rate(setup.rate),
+        m_channels(setup.channels),
+        m_frame(frame) {}
 
   int frameSamples() const override { return m_frame; }
 
@@ -134,9 +136,12 @@ class AacEncoder : public PacketEncoder {
   }
 
   bool SetBitRate(int bitRate) override {
-    const UINT before = aacEncoder_GetParam(m_encoder.get(), AACENC_BITRATE);
-    if (bitRate > 0 && Set(m_encoder.get(), AACENC_BITRATE, bitRate) && Configure(m_encoder.get()))
+    const UINT before = BitRate();
+    // The library takes any number and limits it to what its packets could hold.
+    if (bitRate > 0 && Set(m_encoder.get(), AACENC_BITRATE, bitRate) &&
+        Configure(m_encoder.get()) && FitsFrame(BitRate(), m_frame, m_rate)) {
       return true;
+    }
     Set(m_encoder.get(), AACENC_BITRATE, static_cast<int>(before));
     Configure(m_encoder.get());
     return false;
@@ -148,7 +153,11 @@ class AacEncoder : public PacketEncoder {
   }
 
  private:
+  // What is set, or what the library has made of it.
+  UINT BitRate() const { return aacEncoder_GetParam(m_encoder.get(), AACENC_BITRATE); }
+
   Encoder m_encoder;
+  const int m_rate;
   const int m_channels;
   const int m_frame;
   unsigned char m_unit[kMaxUnitBytes];
@@ -205,7 +214,7 @@ std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& setup) {
   Encoder encoder = Open(setup, &info);
   if (encoder == nullptr) return nullptr;
   const auto frame = static_cast<int>(info.frameLength);
-  return std::make_unique<AacEncoder>(std::move(encoder), setup.channels, frame);
+  return std::make_unique<AacEncoder>(std::move(encoder), setup, frame);
 }
 
 std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup) {

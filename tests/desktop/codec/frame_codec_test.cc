@@ -67,11 +67,11 @@ TEST(FrameEncoder, GivesAtMost1024BytesBehindA2ByteHeader) {
   EXPECT_THAT(FrameLengths(Coder::kOpus, 48000, 510000), Each(1024));
   if (AUDIO_ENGINE_HAS_AAC == 0) return;
   const CapturedStderr log;
-  std::vector<int> lengths = FrameLengths(Coder::kAacLc, 44100, 351000);
+  std::vector<int> lengths = FrameLengths(Coder::kAacLc, 44100, 351760);
   ASSERT_EQ(lengths.size(), 40U);
   std::sort(lengths.begin(), lengths.end());
-  EXPECT_GT(lengths[20], 1000);
-  EXPECT_LE(lengths.back(), 1024);
+  EXPECT_GT(lengths.front(), 1000) << "none was left out";
+  EXPECT_EQ(lengths.back(), 1024);
   EXPECT_EQ(log.Text(), "");
 }
 

@@ -47,6 +47,14 @@ TEST(OutputQueue, GivesAtOnceWhatJustFits) {
   EXPECT_EQ(call.Given(), "abcdefgh");
 }
 
+TEST(OutputQueue, GivesAPacketAtOnceThatJustFits) {
+  OutputQueue packets = Packets();
+  const Call call(packets, 9);
+  EXPECT_TRUE(Add(packets, Packet('a')));
+  EXPECT_TRUE(Add(packets, Packet('b', 1)));
+  EXPECT_EQ(call.Given(), Packet('a') + Packet('b', 1));
+}
+
 TEST(OutputQueue, KeepsTheFramesThatFindNoRoomInOrder) {
   OutputQueue frames(4);
   {

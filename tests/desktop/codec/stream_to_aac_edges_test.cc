@@ -106,6 +106,9 @@ TEST_F(StreamToAacEdges, ASingleFrame) {
   for (const int id : {1, 35, 2}) {
     const std::string frame = Packets(id)[0];
     EXPECT_NE(Converted(frame), "") << id;
+    for (const size_t junk : {1, 2, 3}) {
+      EXPECT_EQ(Converted(std::string(junk, '\x55') + frame), Converted(frame)) << id;
+    }
     const CapturedStderr log;
     EXPECT_EQ(Converted(frame + "\x55\x55\x55\x55\x55\x55\x55"), "") << id;
   }
