@@ -126,6 +126,26 @@ TEST(FrameDecoder, ConcealsWithSilenceBeforeTheFirstFrame) {
   }
 }
 
+// The last packet again, or what else the library makes up: the voice does not stop at once.
+TEST(FrameDecoder, ConcealsALossAfterAFrameWithSound) {
+  for (const int id : {0, 3, 21, 23}) {
+    const AudioStreamFormat format = FormatFromRawCodecId(id);
+    const CodecSetup setup = {FindVariant(id), format.iSampleRate, 1};
+    const auto encoder = FrameEncoder::Create(setup);
+    const auto decoder = FrameDecoder::Create(setup);
+    const Samples voice = Voice(format.iSampleRate, 1, 0.2);
+    const auto step = static_cast<size_t>(encoder->samplesPerFrame());
+    Samples samples(step);
+    for (size_t at = 0; at + step <= voice.size(); at += step) {
+      unsigned char frame[kMaxFrameBytes];
+      const int bytes = encoder->Encode(&voice[at], frame);
+      ASSERT_TRUE(decoder->Decode(frame, decoder->Find(frame, bytes), samples.data())) << id;
+    }
+    decoder->Conceal(samples.data());
+    EXPECT_GT(*std::max_element(samples.begin(), samples.end()), 1000) << id;
+  }
+}
+
 // The octet ahead of an AMR-WB frame: another mode, a frame of bad quality, or padding that is set.
 TEST(FrameDecoder, TakesAmrWbOfItsModeAndGoodQualityAlone) {
   const CodecSetup setup = {FindVariant(3), 16000, 1};
