@@ -22,7 +22,7 @@ extern const int kIterations;
 #define REQUIRE(condition)                                            \
   do {                                                                \
     if (!(condition)) {                                               \
-      fprintf(stderr, "%s:%d: " #condition "\n", __FILE__, __LINE__); \
+      fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
       abort();                                                        \
     }                                                                 \
   } while (false)

@@ -1,76 +1,23 @@
 // Runs a fuzz target over its seeds, over mutations of them, and over random bytes. The same inputs
-// on every machine.
+// on every machine. What a run opens and allocates is gone after it, so that a search of any length
+// is possible.
+//
+//   NAME [--dictionary FILE]   The bounded search, with the words of a dictionary.
+//   NAME --corpus DIR          Writes the seeds into a folder, one file each, for libFuzzer.
 
-#include <algorithm>
-#include <random>
+#include <malloc.h>
 
+#include <filesystem>
+#include <iterator>
+#include <string_view>
+
+#include "fuzz/dictionary.h"
 #include "fuzz/fuzz_target.h"
+#include "fuzz/mutator.h"
+#include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
 namespace {
-
-class Mutator {
- public:
-  explicit Mutator(std::vector<std::string> seeds) : m_seeds(std::move(seeds)) {}
-
-  // A seed with some mutations, sometimes random bytes.
-  std::string Next() {
-    if (Below(8) == 0) return RandomBytes(Below(300));
-    std::string input = m_seeds[Below(m_seeds.size())];
-    for (size_t i = Below(6) + 1; i > 0; --i) Mutate(&input);
-    return input;
-  }
-
- private:
-  // The generator's own numbers: what a distribution makes of them differs between libraries.
-  size_t Below(size_t end) { return m_generator() % std::max<size_t>(end, 1); }
-
-  std::string RandomBytes(size_t count) {
-    std::string bytes(count, '\0');
-    for (char& byte : bytes) byte = static_cast<char>(Below(256));
-    return bytes;
-  }
-
-  // Overwrites four bytes with a number at which lengths and counts go wrong.
-  void PlantNumber(std::string* input) {
-    static constexpr uint32_t kNumbers[] = {0,          1,          2,          0xff,
-                                            0xffff,     0x7fffffff, 0x80000000, 0xfffffffe,
-                                            0xffffffff, 0xfffffff0, 0x10000,    44};
-    const uint32_t number = kNumbers[Below(std::size(kNumbers))];
-    const size_t at = Below(input->size() / 2) * 2;
-    for (size_t i = 0; i < 4 && at + i < input->size(); ++i) {
-      (*input)[at + i] = static_cast<char>(number >> 8 * i & 0xff);
-    }
-  }
-
-  void Mutate(std::string* input) {
-    const size_t at = Below(input->size() + 1);
-    switch (Below(6)) {
-      case 0:
-        if (at < input->size()) (*input)[at] = static_cast<char>(Below(256));
-        break;
-      case 1:
-        PlantNumber(input);
-        break;
-      case 2:
-        input->resize(at);
-        break;
-      case 3:
-        input->insert(at, RandomBytes(Below(9)));
-        break;
-      case 4:
-        input->erase(at, Below(9));
-        break;
-      default: {
-        const std::string& other = m_seeds[Below(m_seeds.size())];
-        *input = input->substr(0, at) + other.substr(Below(other.size()));
-      }
-    }
-  }
-
-  std::vector<std::string> m_seeds;
-  std::mt19937 m_generator{20240501};
-};
 
 void Run(const std::string& input) {
   // A copy of exactly this size, so that a sanitizer sees a read beyond it.
@@ -78,11 +25,52 @@ void Run(const std::string& input) {
   LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 }
 
+size_t OpenDescriptors() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return static_cast<size_t>(std::distance(begin(all), end(all)));
+}
+
+// Of the C library; under a sanitizer, which brings its own memory, next to nothing.
+size_t AllocatedBytes() {
+  const struct mallinfo2 figures = mallinfo2();
+  return figures.uordblks + figures.hblkhd;
+}
+
+void WriteCorpus(const std::filesystem::path& folder) {
+  const std::filesystem::path whole = std::filesystem::absolute(folder);
+  std::filesystem::create_directories(whole);
+  const TemporaryDirectory directory;
+  size_t number = 0;
+  for (const std::string& seed : Seeds()) {
+    WriteFile(whole / ("seed_" + std::to_string(number++)), seed);
+  }
+}
+
+void Search(const std::vector<std::string>& words) {
+  constexpr size_t kMostKept = 1 << 20;  // Tables that are made at first use, and the allocator's.
+  const TemporaryDirectory directory;
+  const std::vector<std::string> seeds = Seeds();
+  for (const std::string& seed : seeds) Run(seed);
+  const size_t descriptors = OpenDescriptors();
+  const size_t bytes = AllocatedBytes();
+  Mutator mutator(seeds, words);
+  for (int i = 0; i < kIterations; ++i) Run(mutator.Next());
+  REQUIRE(OpenDescriptors() == descriptors);
+  REQUIRE(AllocatedBytes() <= bytes + kMostKept);
+}
+
 }  // namespace
 
-int main() {
-  const TemporaryDirectory directory;
-  for (const std::string& seed : Seeds()) Run(seed);
-  Mutator mutator(Seeds());
-  for (int i = 0; i < kIterations; ++i) Run(mutator.Next());
+int main(int argc, char** argv) {
+  const std::string_view option = argc > 1 ? argv[1] : "";
+  const bool known = option == "--corpus" || option == "--dictionary";
+  if (argc != 1 && (argc != 3 || !known)) {
+    fprintf(stderr, "Usage: %s [--dictionary FILE | --corpus DIR]\n", argv[0]);
+    return 2;
+  }
+  if (option == "--corpus") {
+    WriteCorpus(argv[2]);
+  } else {
+    Search(argc == 3 ? ReadDictionary(argv[2]) : std::vector<std::string>{});
+  }
 }

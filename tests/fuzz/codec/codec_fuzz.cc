@@ -26,8 +26,7 @@ void Call(CAudioCodec& codec, const uint8_t* data, size_t size, bool decoder) {
   codec.Process(in.data(), static_cast<int>(in.size()), out.data(), &bytes);
   REQUIRE(bytes >= 0 && bytes <= room);
   const int unit = decoder ? 2 * codec.GetDecodedChannel() : 1;
-  const int rest = bytes % unit;
-  REQUIRE(rest == 0);
+  REQUIRE(bytes % unit == 0);
 }
 
 }  // namespace
