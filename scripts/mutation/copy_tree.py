@@ -39,8 +39,11 @@ class CopyTree:
         targets = self._call(["ninja", "-C", str(self.build), "-t", "targets", "all"])
         targets = {line.split(":")[0] for line in targets.split("\n")}
         # A test program of the project has the name of its test.
-        self.programs = [test["name"] for test in json.loads(shown)["tests"]
-                         if test["name"] in targets and "fuzz" not in test["name"]]
+        tests = {test["name"]: test.get("properties", []) for test in json.loads(shown)["tests"]
+                 if test["name"] in targets and "fuzz" not in test["name"]}
+        self.programs = list(tests)
+        self._realTime = {name for name, properties in tests.items()
+                          if any(p["name"] == "LABELS" and "realtime" in p["value"] for p in properties)}
 
     def _call(self, command):
         done = subprocess.run(command, capture_output=True, text=True)
@@ -48,16 +51,24 @@ class CopyTree:
             raise SystemExit("mutate: " + " ".join(command) + "\n" + done.stdout[-3000:] + done.stderr[-3000:])
         return done.stdout
 
-    def _tests_of(self, program):
-        """The folders under tests/ that the sources of a program stand in."""
+    def _sources_of(self, program):
+        """What a program is built from under tests/, objects among it."""
         if program not in self._inputs:
             lines = self._call(["ninja", "-C", str(self.build), "-t", "inputs", program]).split("\n")
             names = {os.path.relpath(line, self.folder) if os.path.isabs(line) else line for line in lines}
-            self._inputs[program] = {str(pathlib.PurePath(n).parent) for n in names if n.startswith("tests/")}
+            self._inputs[program] = {pathlib.PurePath(n) for n in names if n.startswith("tests/")}
         return self._inputs[program]
 
+    def _tests_of(self, program):
+        """The folders under tests/ that the sources of a program stand in."""
+        return {str(source.parent) for source in self._sources_of(program)}
+
     def covering(self, source):
-        """Names of the tests that exercise a source: those of its group, then of what builds on it."""
+        """Names of the tests that exercise a source: those of its group, then of what builds on it.
+
+        The test of the same name as the source stands first, because it is the likeliest to notice,
+        and tests in real time stand last, because they take longest.
+        """
         station = next(s for prefix, s in STATIONS.items() if source.startswith(prefix))
         group = next(g for g in (pathlib.PurePath(source).parent.name, pathlib.PurePath(source).parts[-3])
                      if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing", "demo"))
@@ -68,7 +79,9 @@ class CopyTree:
             for name in self.programs:
                 if name not in names and any(f == folder or f.startswith(folder + "/") for f in self._tests_of(name)):
                     names.append(name)
-        return names
+        namesake = pathlib.PurePath(source).stem + "_test.cc"
+        return sorted(names, key=lambda name: (
+            name in self._realTime, all(place.name != namesake for place in self._sources_of(name))))
 
     def compile(self, names):
         """Builds the programs of these tests and what they start; whether that worked."""
