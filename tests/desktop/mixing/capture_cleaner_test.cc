@@ -40,4 +40,12 @@ TEST(CaptureCleaner, TakesAnOffsetAway) {
   for (size_t i = 16000; i < samples.size(); ++i) ASSERT_NEAR(samples[i], 0, 3);
 }
 
+TEST(CaptureCleaner, TakesTheOffsetOfEachChannelAway) {
+  desktop::CaptureCleaner cleaner({16000, 2});
+  std::vector<short> samples;
+  for (int i = 0; i < 32000; ++i) samples.insert(samples.end(), {3000, -500});
+  for (size_t at = 0; at < samples.size(); at += 320) cleaner.Process(&samples[at], 160);
+  for (size_t i = 32000; i < samples.size(); ++i) ASSERT_NEAR(samples[i], 0, 3);
+}
+
 }  // namespace

@@ -8,7 +8,6 @@
 
 #include "engine_api/mixing/audio_block_mixer.h"
 #include "engine_api/mixing/audio_record_mixer.h"
-#include "engine_api/mixing/push_pcm_module.h"
 #include "support/tone.h"
 
 using testing::Each;
@@ -220,78 +219,4 @@ TEST(AudioRecordMixer, LosesNothingBetweenTwoThreads) {
   while (fetched < kFrames) fetched += Fetch(mixer, {0}, 8000, 1)[0];
   pusher.join();
   EXPECT_EQ(Fetch(mixer, {0}, 8000, 1)[0], 0);
-}
-
-TEST(IPushPcmModule, MakesAHeadThatCanBeReadBack) {
-  unsigned fs[] = {44100, 8000};
-  unsigned ch[] = {2, 1};
-  unsigned precision[] = {2, 2};
-  unsigned length[] = {3528, 320};
-  const std::string head = IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 2);
-  uint32_t words[10];
-  ASSERT_EQ(head.size(), sizeof words);
-  memcpy(words, head.data(), sizeof words);
-  EXPECT_THAT(words, testing::ElementsAre(1, 2, 44100, 2, 2, 3528, 8000, 1, 2, 320));
-  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(nullptr, ch, precision, length, 1), "");
-  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, nullptr, precision, length, 1), "");
-  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, ch, nullptr, length, 1), "");
-  EXPECT_EQ(IPushPcmModule::MakeStreamInfo(fs, ch, precision, nullptr, 1), "");
-}
-
-TEST(IPushPcmModule, LetsItsOwnFormatPassAndMixesAnother) {
-  IPushPcmModule* const module = IPushPcmModule::CreatePuchPcmModule(16000, 1, 2);
-  const std::vector<short> a = Tone(440, 8000, 16000, 16000);
-  const std::vector<short> b = Tone(1000, 8000, 8000, 8000);
-  unsigned fs[] = {16000, 8000};
-  unsigned ch[] = {1, 1};
-  unsigned precision[] = {2, 2};
-  unsigned length[] = {32000, 16000};
-  std::string out;
-
-  const std::string one = IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 1);
-  ASSERT_TRUE(module->Process(one + Bytes(a), out));
-  EXPECT_EQ(Samples(out), a);
-  const std::string two = IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 2);
-  ASSERT_TRUE(module->Process(two + Bytes(a) + Bytes(b), out));
-  EXPECT_NEAR(FitTone(Samples(out), 1000, 16000).amplitude, 8000, 40);
-  module->Destroy();
-}
-
-TEST(IPushPcmModule, MixesLowRates) {
-  for (const int rate : {100, 200, 2000}) {
-    IPushPcmModule* const module = IPushPcmModule::CreatePuchPcmModule(48000, 1, 1);
-    unsigned fs[] = {static_cast<unsigned>(rate)};
-    unsigned ch[] = {1};
-    unsigned precision[] = {2};
-    unsigned length[] = {static_cast<unsigned>(4 * rate)};
-    const std::string head = IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 1);
-    std::string out;
-    ASSERT_TRUE(module->Process(head + Bytes(Tone(rate / 8.0, 8000, rate, 2 * rate)), out));
-    const std::vector<short> mixed = Samples(out);
-    ASSERT_EQ(mixed.size(), 96000U);
-    EXPECT_NEAR(*std::max_element(mixed.begin(), mixed.end()), 8000, 500) << rate;
-    module->Destroy();
-  }
-}
-
-TEST(IPushPcmModule, RefusesDataThatAreNoneOrCutShort) {
-  IPushPcmModule* const module = IPushPcmModule::CreatePuchPcmModule(16000, 1, 1);
-  unsigned fs[] = {16000};
-  unsigned ch[] = {1};
-  unsigned precision[] = {2};
-  unsigned length[] = {4};
-  const std::string whole =
-      IPushPcmModule::MakeStreamInfo(fs, ch, precision, length, 1) + Bytes({1, 2});
-  std::string out = "before";
-  for (size_t bytes = 0; bytes < whole.size(); ++bytes) {
-    EXPECT_FALSE(module->Process(whole.substr(0, bytes), out)) << bytes;
-    EXPECT_EQ(out, "");
-  }
-  std::string other = whole;
-  other[0] = 2;  // Another version.
-  EXPECT_FALSE(module->Process(other, out));
-  EXPECT_FALSE(module->Process(whole + "x", out));  // More than it announces.
-  EXPECT_EQ(out, "");
-  EXPECT_TRUE(module->Process(whole, out));
-  module->Destroy();
 }

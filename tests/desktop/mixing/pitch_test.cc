@@ -55,7 +55,9 @@ TEST(PitchTracker, FollowsASungNoteWithinTwentyCents) {
 TEST(PitchTracker, HearsNoPitchInNoiseAndSilence) {
   EXPECT_THAT(Pitches(Hiss(16000, 0.5, 1, -20)), Each(0));
   EXPECT_THAT(Pitches(std::vector<short>(8000)), Each(0));
-  EXPECT_THAT(Pitches(Tone(440, 50, 16000, 8000)), Each(0));  // -56 dBFS.
+  EXPECT_THAT(Pitches(Tone(440, 50, 16000, 8000)), Each(0));   // -59 dBFS.
+  EXPECT_THAT(Pitches(Tone(440, 130, 16000, 8000)), Each(0));  // -51 dBFS.
+  EXPECT_THAT(Pitches(Tone(440, 160, 16000, 8000)), Each(testing::DoubleNear(440, 2)));  // -49.
 }
 
 TEST_F(NoteScorerTest, ShowsTenthsOfTheCentsBesideEachNote) {
@@ -91,6 +93,39 @@ TEST_F(NoteScorerTest, StaysWithinHalfAnOctave) {
   Sing(1000, 1500, 69 + 5.99);
   Sing(1500, 2000, 57 - 5.99);
   EXPECT_THAT(m_visual, testing::ElementsAre(60, -60, 127, 127));
+}
+
+TEST_F(NoteScorerTest, HearsNothingOutsideOfTheNotes) {
+  Sing(0, 1000, 69);
+  Sing(2500, 4000, 69);  // A pause of the table, and what follows it.
+  m_scorer.Finish();
+  EXPECT_THAT(m_visual, Each(127));
+  EXPECT_EQ(m_scorer.NotesSung(), 0U);
+}
+
+TEST_F(NoteScorerTest, CountsATimeToTheNoteThatBeginsWithIt) {
+  for (const double time : {1000.0, 1000.0, 1000.0, 1500.0, 1500.0, 1500.0}) {
+    m_scorer.Sing(time, Hz(69.3));
+  }
+  EXPECT_THAT(m_visual, testing::ElementsAre(3, 3, 127, 127));
+}
+
+TEST_F(NoteScorerTest, TakesTheLowerOfTwoMediansAndForgetsTheNoteBefore) {
+  Sing(1000, 1020, 69.4);
+  Sing(1020, 1040, 69.1);
+  EXPECT_EQ(m_visual[0], 1);
+  Sing(1500, 1530, 56.8);
+  EXPECT_THAT(m_visual, testing::ElementsAre(1, -2, 127, 127));
+}
+
+TEST_F(NoteScorerTest, HitsANoteWithinHalfASemitone) {
+  Sing(1000, 1500, 69.5);
+  Sing(1500, 2000, 56.5);
+  Sing(2000, 2500, 64.6);
+  m_scorer.Finish();
+  EXPECT_THAT(m_visual, testing::ElementsAre(5, -5, 6, 127));
+  EXPECT_EQ(m_scorer.NotesSung(), 3U);
+  EXPECT_EQ(m_scorer.NotesHit(), 2U);
 }
 
 TEST(NoteScorer, SurvivesTablesThatMakeNoSense) {

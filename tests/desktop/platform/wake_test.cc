@@ -1,10 +1,13 @@
 #include "desktop/platform/wake.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <functional>
+#include <thread>
 
 namespace {
 
@@ -40,6 +43,40 @@ TEST(Wake, EndsAWaitAtOnceAfterAPost) {
   wake.WaitFor(std::chrono::hours(1));
   wake.Post();
   wake.Wait();
+}
+
+std::atomic<int> g_signals = 0;
+
+// Whether `wait` goes on through 20 signals that interrupt its thread, until `post`.
+bool WaitsOnThroughSignals(const std::function<void()>& wait, const std::function<void()>& post) {
+  struct sigaction counting = {};
+  counting.sa_handler = [](int) { ++g_signals; };
+  struct sigaction before = {};
+  sigaction(SIGUSR1, &counting, &before);
+  std::atomic<bool> ended = false;
+  std::thread waiter([&] {
+    wait();
+    ended = true;
+  });
+  for (int i = 0; i < 20; ++i) {
+    std::this_thread::sleep_for(milliseconds(1));
+    const int seen = g_signals;
+    pthread_kill(waiter.native_handle(), SIGUSR1);
+    while (g_signals == seen && !ended) std::this_thread::yield();
+  }
+  std::this_thread::sleep_for(milliseconds(1));
+  const bool waits = !ended;
+  post();
+  waiter.join();
+  sigaction(SIGUSR1, &before, nullptr);
+  return waits;
+}
+
+TEST(Wake, GoesOnWaitingAfterASignal) {
+  desktop::Wake wake;
+  const auto post = [&] { wake.Post(); };
+  EXPECT_TRUE(WaitsOnThroughSignals([&] { wake.Wait(); }, post));
+  EXPECT_TRUE(WaitsOnThroughSignals([&] { wake.WaitFor(std::chrono::hours(1)); }, post));
 }
 
 }  // namespace
