@@ -14,6 +14,8 @@ constexpr int kMaxChunks = 1000;
 
 constexpr uint32_t kPcmTag = 1;
 constexpr uint32_t kFloatTag = 3;
+constexpr uint32_t kALawTag = 6;
+constexpr uint32_t kMuLawTag = 7;
 constexpr uint32_t kExtensibleTag = 0xFFFE;
 
 // What follows the first two bytes of the extensible format's names for the plain ones.
@@ -41,8 +43,18 @@ Coding CodingOf(const unsigned char* chunk) {
     if (memcmp(chunk + 26, kSubformatTail, sizeof kSubformatTail) != 0) return Coding::kOther;
     tag = Number(chunk + 24, 2);
   }
-  if (tag == kPcmTag) return Coding::kPcm;
-  return tag == kFloatTag ? Coding::kFloat : Coding::kOther;
+  switch (tag) {
+    case kPcmTag:
+      return Coding::kPcm;
+    case kFloatTag:
+      return Coding::kFloat;
+    case kALawTag:
+      return Coding::kALaw;
+    case kMuLawTag:
+      return Coding::kMuLaw;
+    default:
+      return Coding::kOther;
+  }
 }
 
 // Takes a format chunk in. Why it can hold no audio; empty when it can.

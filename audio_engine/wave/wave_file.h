@@ -13,6 +13,8 @@ namespace wave {
 enum class Coding {
   kPcm,    // Integers.
   kFloat,  // IEEE 754.
+  kALaw,
+  kMuLaw,
   kOther
 };
 

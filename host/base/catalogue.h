@@ -12,6 +12,8 @@ using harness::Container;
 using harness::Device;
 using harness::FileUse;
 using harness::Group;
+using harness::OtherFormat;
 using harness::SampleType;
+using harness::WaveHeader;
 
 }  // namespace host

@@ -115,12 +115,34 @@ std::string Duration(const CatalogueRow& row) {
 }
 
 std::string FileFormat(const FileUse& use) {
-  if (use.container == Container::kOther) return "stream or text";
-  if (use.container == Container::kWave) return "WAVE";
+  if (use.container == Container::kOther) return use.content.empty() ? "any content" : use.content;
+  if (use.container == Container::kWave) return "16-bit WAVE";
   if (use.container == Container::kRecording) return "WAVE, FLAC, Ogg, MP3 or AAC";
   const std::string samples =
       use.samples == SampleType::kPcm16 ? "16-bit samples" : "32-bit float samples";
   return samples + ", " + Hertz(use.rate) + ", " + Channels(use.channels);
+}
+
+std::string RightFormat(const FileUse& use) {
+  const auto words = [](int rate, int channels) {
+    if (rate > 0 && channels > 0) return Hertz(rate) + ", " + Channels(channels);
+    if (rate > 0) return Hertz(rate) + ", any channel count";
+    return channels > 0 ? Channels(channels) + ", any rate" : "any rate and channel count";
+  };
+  if (!use.formatOf.empty()) return "the rate and channel count of " + use.formatOf;
+  if (use.leastRate > 0) return "a rate of " + Hertz(use.leastRate) + " or more";
+  if (use.rate == 0 && use.alsoRight.channels > 0) {
+    return Channels(use.channels) + " or " + words(0, use.alsoRight.channels);
+  }
+  const std::string second =
+      use.alsoRight.rate > 0 ? " or " + words(use.alsoRight.rate, use.alsoRight.channels) : "";
+  return words(use.rate, use.channels) + second;
+}
+
+std::string InputFormat(const FileUse& use) {
+  if (use.container != Container::kWave) return FileFormat(use);
+  const std::string format = FileFormat(use) + ", " + RightFormat(use);
+  return use.headerlessToo ? format + ", or its samples alone" : format;
 }
 
 std::vector<FileGroup> GroupFiles(const std::vector<FileUse>& uses) {

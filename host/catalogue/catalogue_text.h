@@ -42,6 +42,12 @@ std::string Duration(const CatalogueRow& row);
 // "16-bit samples, 44100 Hz, stereo"
 std::string FileFormat(const FileUse& use);
 
+// Of a WAVE input also which rates and channel counts are right: "16-bit WAVE, 16000 Hz, mono".
+std::string InputFormat(const FileUse& use);
+
+// These alone: "16000 Hz, mono", "mono, any rate", "any rate and channel count".
+std::string RightFormat(const FileUse& use);
+
 // The files of a row as a reader wants them: one entry for each list, with its pattern as the name.
 struct FileGroup {
   FileUse use;

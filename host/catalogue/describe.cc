@@ -18,9 +18,14 @@ std::string Line(std::string_view label, std::string_view text) {
 
 std::string FileLines(std::string_view label, const FileGroup& group) {
   const FileUse& use = group.use;
-  std::string format = FileFormat(use);
+  std::string format = label == "input" ? InputFormat(use) : FileFormat(use);
   if (group.files > 1) format += "; " + std::to_string(group.files) + " files";
   if (use.blockBytes > 0) format += "; at least " + Bytes(static_cast<uint64_t>(use.blockBytes));
+  if (use.blockBytes == 0 && use.blockMs > 0 && label == "input") {
+    format += "; at least " + std::to_string(use.blockMs) + " ms";
+  }
+  if (use.optional) format += "; optional";
+  if (use.appended) format += "; a run adds to it";
   std::string lines = Line(label, use.name) + Line("", format);
   const auto place = KnownPlace(use);
   if (place) lines += Line("", "in the workspace: " + *place);

@@ -17,11 +17,12 @@ std::string Literal(std::string_view text) {
   return literal;
 }
 
-std::string Files(const std::vector<FileUse>& uses) {
+std::string Files(const std::vector<FileUse>& uses, std::string (*format)(const FileUse&)) {
   std::string text;
   for (const FileGroup& group : GroupFiles(uses)) {
     if (!text.empty()) text += "<br>";
-    text += Code(group.use.name) + " (" + FileFormat(group.use);
+    text += Code(group.use.name) + " (" + format(group.use);
+    if (group.use.optional) text += "; optional";
     if (group.files > 1) text += "; " + std::to_string(group.files) + " files";
     text += ")";
   }
@@ -34,7 +35,7 @@ std::string Section(std::string_view title, Belongs belongs) {
   for (const CatalogueRow& row : Catalogue()) {
     if (!belongs(row)) continue;
     rows += "| " + Code(Declaration(row)) + " | " + Literal(row.exercises) + " | " +
-            Files(row.inputs) + " | " + Files(row.outputs) + " | " +
+            Files(row.inputs, InputFormat) + " | " + Files(row.outputs, FileFormat) + " | " +
             std::string(KnownDevice(row).value_or("")) + " | " + std::string(Availability(row)) +
             " |\n";
   }

@@ -12,7 +12,25 @@ std::string PartFrame(const AudioLayout& layout) {
   return rest == 0 ? "" : "it ends with a part of a frame, " + Bytes(rest);
 }
 
-std::optional<AudioLayout> FindInWave(FILE* file, uint64_t fileBytes) {
+std::string SampleWords(const wave::Audio& audio) {
+  if (audio.coding == wave::Coding::kALaw) return "A-law";
+  if (audio.coding == wave::Coding::kMuLaw) return "mu-law";
+  if (audio.coding == wave::Coding::kOther) return "of a coding that is not known";
+  std::string words = std::to_string(audio.bits) + "-bit";
+  if (audio.coding == wave::Coding::kFloat) words += " float";
+  const bool packed = audio.frameBytes * 8 == audio.bits * audio.channels;
+  return packed ? words
+                : words + " in " + Bytes(static_cast<uint64_t>(audio.frameBytes)) + " a frame";
+}
+
+// What an output that is written in whole blocks may end with, and nothing else.
+bool WholeBlocks(const FileUse& use, const AudioLayout& layout) {
+  if (use.blockMs == 0 || layout.samples != SampleType::kPcm16) return false;
+  const uint64_t block = BlockBytes(use, layout.rate, layout.channels);
+  return block > 0 && layout.bytes % block == 0;
+}
+
+std::optional<AudioLayout> FindInWave(const FileUse& use, FILE* file, uint64_t fileBytes) {
   const wave::Parsed found = wave::Find(file, fileBytes);
   if (!found.audio) return std::nullopt;
   AudioLayout layout = {.rate = found.audio->rate,
@@ -23,7 +41,9 @@ std::optional<AudioLayout> FindInWave(FILE* file, uint64_t fileBytes) {
   if (found.audio->IsPcm16()) layout.samples = SampleType::kPcm16;
   if (found.audio->IsFloat32()) layout.samples = SampleType::kFloat32;
   layout.flaw = wave::LengthFault(file, *found.audio, fileBytes);
-  if (layout.flaw.empty()) layout.flaw = PartFrame(layout);
+  if (layout.flaw.empty() && !WholeBlocks(use, layout)) layout.flaw = PartFrame(layout);
+  layout.announced = found.audio->announcedBytes;
+  layout.sampleWords = SampleWords(*found.audio);
   return layout;
 }
 
@@ -35,10 +55,16 @@ double AudioLayout::Seconds() const {
   return static_cast<double>(frames) / rate;
 }
 
+uint64_t BlockBytes(const FileUse& use, int rate, int channels) {
+  if (use.blockBytes > 0) return static_cast<uint64_t>(use.blockBytes);
+  return static_cast<uint64_t>(rate) * static_cast<uint64_t>(channels) *
+         static_cast<uint64_t>(use.blockMs) / 1000 * sizeof(int16_t);
+}
+
 std::optional<AudioLayout> FindAudio(const FileUse& use, FILE* file, uint64_t fileBytes) {
   if (use.container == Container::kOther) return std::nullopt;
   if (use.container == Container::kWave || use.container == Container::kRecording) {
-    return FindInWave(file, fileBytes);
+    return FindInWave(use, file, fileBytes);
   }
   const int sampleBytes = use.samples == SampleType::kPcm16 ? 2 : 4;
   AudioLayout layout = {.samples = use.samples,

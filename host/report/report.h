@@ -15,10 +15,22 @@ namespace host {
 
 // All that is known after a run, and how it is told.
 
+// What is known of an input before the run, of which the run shows what comes of it.
+struct Concern {
+  enum class Kind {
+    kAborts,    // The routine ends its process.
+    kNoOutput,  // It returns without an output.
+    kHeader     // An output begins with a header that is none.
+  };
+  Kind kind;
+  std::string text;  // As a problem has it.
+};
+
 // A declared file; only the place and its problems when it was not looked at.
 struct FileReport {
   FilePlace place;
-  std::vector<Problem> problems = {};         // What keeps the run from passing because of it.
+  std::vector<Problem> problems = {};  // What keeps the run from passing because of it.
+  std::vector<Concern> concerns = {};
   bool absent = false;                        // An input that was not there before the run.
   OutputState state = OutputState::kWritten;  // Outputs only.
   std::optional<uint64_t> bytes = {};

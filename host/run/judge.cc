@@ -9,6 +9,7 @@
 #include "files/beneath.h"
 #include "run/absence.h"
 #include "run/remedy.h"
+#include "run/wave_input.h"
 
 namespace host {
 
@@ -203,6 +204,7 @@ std::vector<Problem> RunProblems(RunReport& report, double timeout) {
       problems.push_back({Cause::kArgument, report.fruitless});
     }
   }
+  JudgeConcerns(report, problems);
   const std::vector<Problem> more = FileProblems(report);
   problems.insert(problems.end(), more.begin(), more.end());
   return problems;

@@ -49,9 +49,10 @@ std::string MissingInputRemedy(const FilePlace& input) {
   if (input.path.empty()) return "";
   switch (input.use.container) {
     case Container::kOther:
-      return "; put a stream or text of yours there";
+      return "; put a file of yours there" +
+             (input.use.content.empty() ? "" : ": " + input.use.content);
     case Container::kWave:
-      return "; put a 16-bit WAVE file of yours there";
+      return "; put a file of yours there: " + InputFormat(input.use);
     case Container::kRecording:
       return "; put an audio file of yours there (" + FileFormat(input.use) + ")";
     case Container::kHeaderless:
@@ -67,8 +68,8 @@ std::string MissingInputRemedy(const FilePlace& input) {
 
 std::string WaveConversion(const FilePlace& input) {
   const std::string converted = input.path + ".16.wav";
-  return "ffmpeg -i " + Quoted(input.path) + " -c:a pcm_s16le" + RateAndChannels(input.use) + " " +
-         Quoted(converted) + Move(converted, input.path);
+  return "ffmpeg -i " + Quoted(input.path) + " -c:a pcm_s16le -map_metadata -1 -bitexact" +
+         RateAndChannels(input.use) + " " + Quoted(converted) + Move(converted, input.path);
 }
 
 std::string HeaderlessConversion(const FilePlace& input) {

@@ -28,6 +28,7 @@
 #include "run/judge.h"
 #include "run/shared_files.h"
 #include "run/stopped.h"
+#include "run/wave_input.h"
 
 namespace host {
 
@@ -108,6 +109,7 @@ void RunRow(const CatalogueRow& row, const RunOptions& options, const ArgumentLi
   std::error_code error;
   if (std::filesystem::is_directory(options.work, error)) Lock(options, limits, report, lock);
   CheckInputs(row, options, words, files, limits, report);
+  AddFormatWarnings(report.inputs);
   if (!MayRun(report.inputs)) {
     report.judgement = Judge(FileProblems(report));
     return;

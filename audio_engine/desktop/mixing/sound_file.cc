@@ -56,7 +56,8 @@ bool HasKnownStart(FILE* file) {
 // Whether it is a sound WAVE file whose samples are coded in a way that nothing here decodes.
 bool IsWaveOfOtherCoding(FILE* file) {
   const wave::Parsed parsed = wave::Find(file, static_cast<uint64_t>(Length(file)));
-  return parsed.audio && parsed.audio->coding == wave::Coding::kOther;
+  return parsed.audio && parsed.audio->coding != wave::Coding::kPcm &&
+         parsed.audio->coding != wave::Coding::kFloat;
 }
 
 class SoundFile : public FileSource {

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "run/input_problem.h"
+#include "run/wave_input.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/wav_bytes.h"
@@ -59,7 +60,7 @@ TEST_F(JudgeTest, CallsMissingInputsAnErrorAndCountsThem) {
   EXPECT_EQ(judgement.verdict, Verdict::kError);
   EXPECT_EQ(judgement.exitCode, 3);
   EXPECT_EQ(judgement.reason,
-            "input /a (work/a): No such file or directory; put a stream or text of yours "
+            "input /a (work/a): No such file or directory; put a file of yours "
             "there, and 3 more problems");
 }
 
@@ -257,32 +258,36 @@ TEST_F(JudgeTest, SaysThatAFileIsNoWave) {
   EXPECT_EQ(judgement.exitCode, 1);
   EXPECT_EQ(judgement.reason,
             "input /in (work/in) is no WAVE file that can be read; to convert it: ffmpeg -i "
-            "work/in -c:a pcm_s16le work/in.16.wav && mv work/in.16.wav work/in");
-  WriteFile("work/in", "");
-  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass) << "as if it held no samples";
-  WriteFile("work/in", "fLaC");
+            "work/in -c:a pcm_s16le -map_metadata -1 -bitexact work/in.16.wav && mv "
+            "work/in.16.wav work/in");
   input.use.optional = true;
+  EXPECT_EQ(Judge(InputProblems({input})).exitCode, 1) << "there, and of another kind";
+  WriteFile("work/in", "");
   EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
+  input.use.optional = false;
+  EXPECT_EQ(Judge(InputProblems({input})).reason, "input /in (work/in) holds no samples: 0 bytes");
 }
 
-TEST_F(JudgeTest, SaysThatAWaveIsInAFormatThatIsNotTaken) {
-  FilePlace input = Place("/in");
-  input.use.container = Container::kWave;
+TEST_F(JudgeTest, WarnsOfSamplesThatAreTakenForOthers) {
   WriteFile("work/in", WavBytes({.rate = 16000}, {1, 2, 3}));
-  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass) << "any format";
-  input.use.rate = 16000;
-  input.use.channels = 1;
-  EXPECT_EQ(Judge(InputProblems({input})).verdict, Verdict::kPass);
-  for (const auto& [rate, channels] : {std::pair(16000, 2), std::pair(44100, 1)}) {
-    input.use.rate = rate;
-    input.use.channels = channels;
-    EXPECT_EQ(Judge(InputProblems({input})).exitCode, 1) << rate << " Hz, " << channels;
-  }
-  input.use.channels = 2;
-  EXPECT_EQ(Judge(InputProblems({input})).reason,
-            "input /in (work/in) is 16000 Hz, mono, where only 44100 Hz, stereo is taken; to "
-            "convert it: ffmpeg -i work/in -c:a pcm_s16le -ar 44100 -ac 2 work/in.16.wav && mv "
-            "work/in.16.wav work/in");
+  const auto judge = [](int rate, int channels) {
+    std::vector<FileReport> inputs(1);
+    inputs[0].place = Place("/in");
+    inputs[0].place.use.container = Container::kWave;
+    inputs[0].place.use.rate = rate;
+    inputs[0].place.use.channels = channels;
+    AddFormatWarnings(inputs);
+    return Judge(inputs[0].problems);
+  };
+  EXPECT_EQ(judge(0, 0).verdict, Verdict::kPass) << "any format";
+  EXPECT_EQ(judge(16000, 1).verdict, Verdict::kPass);
+  EXPECT_EQ(judge(0, 1).verdict, Verdict::kPass);
+  EXPECT_EQ(judge(16000, 2).verdict, Verdict::kWarn);
+  EXPECT_EQ(judge(44100, 1).verdict, Verdict::kWarn);
+  EXPECT_EQ(judge(44100, 2).reason,
+            "input /in (work/in) is 16000 Hz, mono, where 44100 Hz, stereo is counted on; it is "
+            "taken as it is; to convert it: ffmpeg -i work/in -c:a pcm_s16le -map_metadata -1 "
+            "-bitexact -ar 44100 -ac 2 work/in.16.wav && mv work/in.16.wav work/in");
 }
 
 TEST(Judge, NamesTheWorstProblemAndKeepsAll) {

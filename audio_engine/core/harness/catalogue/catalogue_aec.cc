@@ -30,7 +30,7 @@ std::vector<FileUse> ForRecordings(const std::string& name) {
     return text;
   };
   for (const char* const recording : kRecordings) {
-    files.push_back(Wave(filled(recording)));
+    files.push_back(AnyWave(filled(recording)));
     files.back().pattern = filled("<recording>");
   }
   return files;
@@ -44,10 +44,30 @@ std::vector<FileUse> AsWaves(std::vector<FileUse> files, const std::string& fold
   };
   for (FileUse& file : files) {
     const std::string pattern = moved(file.pattern);
-    file = Wave(moved(file.name));
+    file = AnyWave(moved(file.name));
     file.pattern = pattern;
   }
   return files;
+}
+
+// A pair of 16 kHz mono, one frame of 10 ms at a time.
+FileUse Framed(std::string name, WaveHeader header) {
+  return TakenFor(std::move(name), kMono16, 320, header);
+}
+
+// The far end may lack a header: it is read from its first byte.
+FileUse FarEndWithoutHeader() {
+  FileUse use = Optional(Framed("{pFarendFileName}", WaveHeader::kSamples));
+  use.headerlessToo = true;
+  return use;
+}
+
+// A WAVE that goes to the engine in frames of its own format, while an output has this one.
+FileUse ForOutputOf(std::string name, WaveFormat format) {
+  FileUse use = AnyWave(std::move(name));
+  use.rate = format.rate;
+  use.channels = format.channels;
+  return use;
 }
 
 }  // namespace
@@ -57,10 +77,12 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestEchoDelayEst,
        .exercises = "echo-delay estimator (CEchoDelayEst) over far/near raw PCM; logs "
                     "\"TestEchoDelayEst: %d, %d\"",
-       .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")}},
+       .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+                  Framed("{pNearendFileName}", WaveHeader::kSkipped)}},
       {.declared = declared::TestEchoDelayEstAndAEC,
        .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed",
-       .inputs = {Wave("{pFarendFileName}"), Wave("{pNearendFileName}")},
+       .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+                  Framed("{pNearendFileName}", WaveHeader::kCopied)},
        .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
       {.declared = declared::TestZUAECNSProcess,
        .calledBy = "TestTemp",
@@ -78,7 +100,7 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestZUAECProcess,
        .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
        .nullable = "pFarendFileName",
-       .inputs = {Optional({.name = "{pFarendFileName}"}), Wave("{pNearendFileName}")},
+       .inputs = {FarEndWithoutHeader(), Framed("{pNearendFileName}", WaveHeader::kCopied)},
        .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
       {.declared = declared::TestAECProcess,
        .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay",
@@ -88,12 +110,13 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestZUAec,
        .exercises = "AecModule (software SoftwareAec or CreateHardwareAec) over WAVE files, with "
                     "resampling",
-       .inputs = {Wave("{inNearFile}"), Wave("{inFarFile}")},
+       .inputs = {AnyWave("{inNearFile}"),
+                  InFormatOf("{inNearFile}", AnyWave("{inFarFile}"), OtherFormat::kNoOutput)},
        .outputs = {Wave("{outNearFile}")}},
       {.declared = declared::TestAecDenoiseInternal,
        .exercises = "the echo path's noise suppressor (Ns_*) over one WAVE file",
-       .inputs = {Wave("{in}")},
-       .outputs = {Wave("{out}")}},
+       .inputs = {AnyWave("{in}")},
+       .outputs = {AnyWave("{out}")}},
       {.declared = declared::TestAecDenoiseNOIZEUS,
        .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)",
        .inputs = AsWaves(NoizeusNoisy()),
@@ -105,24 +128,23 @@ std::vector<CatalogueRow> AecRows() {
       {.declared = declared::TestHardwareAec,
        .exercises =
            "CreateHardwareAec with AGC and denoise enabled, \"noise_in.wav\" to \"out.wav\"",
-       .inputs = {Wave("noise_in.wav")},
+       .inputs = {ForOutputOf("noise_in.wav", {32000, 1})},
        .outputs = {Wave("out.wav")}},
       {.declared = declared::TestSoftAec,
        .exercises = "SoftwareAec over files in \"music_delay/\"",
-       .inputs = {Wave("music_delay/findcap.wav"), Wave("music_delay/findreceive.wav")},
-       .outputs = {Wave("music_delay/out.wav"), Empty({.name = "music_delay/echo_metrics.txt"})}},
+       .inputs = {ForOutputOf("music_delay/findcap.wav", kMono16),
+                  ForOutputOf("music_delay/findreceive.wav", kMono16)},
+       .outputs = {Wave("music_delay/out.wav"), Empty(Text("music_delay/echo_metrics.txt"))}},
       {.declared = declared::TestEchoDetection,
        .exercises = "residual echo detection (echo_detection_*) over far/near WAVE files",
-       .inputs = {Wave("C:\\aecfiles\\farend.wav"), Wave("C:\\aecfiles\\nearend.wav")}},
+       .inputs = {TakenFor("C:\\aecfiles\\farend.wav", kMono16, 2, WaveHeader::kSamples),
+                  TakenFor("C:\\aecfiles\\nearend.wav", kMono16, 2, WaveHeader::kSamples)}},
       {.declared = declared::TestRecord,
        .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
        .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400)),
                   Dispensable(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
-       .outputs = {Wave("far.wav"),
-                   Empty(Wave("near.wav")),
-                   Wave("out.wav"),
-                   Empty({.name = "delay.txt"}),
-                   {.name = "log.txt"}},
+       .outputs = {Wave("far.wav"), Empty(Wave("near.wav")), Wave("out.wav"),
+                   Empty(Text("delay.txt")), Text("log.txt")},
        .runsOn = 2},
   };
 }

@@ -20,17 +20,15 @@ FileUse Full(FileUse use) {
 }
 
 FileUse PreprocessedSpeech() {
-  FileUse use = Optional(Wave("{refFile}.preproc.wav"));
-  use.remark = "16000 Hz mono; nothing in the bench writes it";
+  FileUse use = Optional(TakenFor("{refFile}.preproc.wav", kMono16, 320, WaveHeader::kCopied));
+  use.remark = "nothing in the bench writes it";
   return use;
 }
 
 // The files of a case, which begin alike.
 std::vector<FileUse> QualityCase(const std::string& name) {
-  return {Wave(name + ".res.wav"),
-          Wave(name + ".ref.wav"),
-          {.name = name + ".enc.wav"},
-          Full(Wave(name + ".dec.wav"))};
+  return {AnyWave(name + ".res.wav"), AnyWave(name + ".ref.wav"),
+          Other(name + ".enc.wav", "coded audio"), Full(Wave(name + ".dec.wav"))};
 }
 
 // Of the codec whose id is word number `index`, counted from 0.
@@ -46,13 +44,37 @@ std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
                      std::to_string(format.iNumOfChannels) + "_{bitRate}");
 }
 
+// For readers: what a codec takes, which the words of a run name.
+FileUse ForCodec(std::string name) {
+  FileUse use = Wave(std::move(name));
+  use.blockBytes = 2;
+  use.formatOf = "the codec";
+  return use;
+}
+
+// Whatever the format, the samples are encoded, the last frame filled up with silence.
+std::vector<FileUse> EncodedInputFor(ArgumentWords words) {
+  const AudioStreamFormat format = FormatOfWord(words, 2);
+  return {TakenFor("{wavInFileName}", {format.iSampleRate, format.iNumOfChannels}, 2,
+                   WaveHeader::kRead)};
+}
+
 // The routine ends without a word when its input is in another format than the codec.
-std::vector<FileUse> InputInFormatOfCodec(ArgumentWords words) {
+std::vector<FileUse> GatedInputFor(ArgumentWords words) {
   const AudioStreamFormat format = FormatOfWord(words, 3);
-  FileUse input = Wave("{pSrcFileName}");
-  input.rate = format.iSampleRate;
-  input.channels = format.iNumOfChannels;
-  return {input};
+  const int frameBytes = 2 * format.iSamplesOfFrame * format.iNumOfChannels;
+  FileUse use = TakenFor("{pSrcFileName}", {format.iSampleRate, format.iNumOfChannels}, frameBytes,
+                         WaveHeader::kRead);
+  use.otherFormat = OtherFormat::kNoOutput;
+  return {use};
+}
+
+// Two formats have an encoder; of another one nothing comes. The block is the encoder's own.
+FileUse EncodedByItsFormat() {
+  FileUse use = TakenFor("{pSrcFileName}", kStereo44, 0, WaveHeader::kSkipped);
+  use.alsoRight = kMono16;
+  use.otherFormat = OtherFormat::kNoOutput;
+  return use;
 }
 
 }  // namespace
@@ -61,107 +83,107 @@ std::vector<CatalogueRow> CodecRows() {
   return {
       {.declared = declared::TestZUStreamToAAC,
        .exercises = "wrapper: calls TestAACStreamToAAC",
-       .inputs = {Optional({.name = "packer.48k.aac"})},
-       .outputs = {Full({.name = "48k.aac"})},
+       .inputs = {Optional(Other("packer.48k.aac", "coded audio"))},
+       .outputs = {Full(Other("48k.aac", "AAC stream"))},
        .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestAudioEncode,
        .exercises = "AudioLocalCodec encoder then decoder: \"audio_test.pcm\" to \"out.enc\" to "
                     "\"dec.pcm\"",
        .inputs = {Optional(Headerless("audio_test.pcm", 44100, 2))},
-       .outputs = {{.name = "out.enc"}, Headerless("dec.pcm", 44100, 2)},
+       .outputs = {Other("out.enc", "coded audio"), Headerless("dec.pcm", 44100, 2)},
        .lacking = NeedsType<AudioLocalCodec::AAC_ELD_CODEC>},
       {.declared = declared::TestZUEAACCodec,
        .exercises = "CreateAudioCodec enhanced-AAC encode and decode of a 44.1 kHz stereo file",
-       .inputs = {Wave("F:\\44100_2_new1.wav")},
-       .outputs = {{.name = "F:\\44100_2_out.aac"}, Headerless("F:\\44100_2_out.pcm", 44100, 2)},
+       .inputs = {TakenFor("F:\\44100_2_new1.wav", kStereo44, 8192, WaveHeader::kSamples)},
+       .outputs = {Other("F:\\44100_2_out.aac", "AAC stream"),
+                   Headerless("F:\\44100_2_out.pcm", 44100, 2)},
        .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestZUEldCodec,
        .exercises = "CreateAudioCodec AAC-ELD encode/decode, prints \"encoderSize = %d\"",
        .inputs = {Headerless("yedegangqinqu_Fs32000_Ch1.pcm", 32000, 1)},
-       .outputs = {{.name = "eld_out.aac"}},
+       .outputs = {Other("eld_out.aac", "coded audio")},
        .lacking = NeedsFamily<kAudioCodecEldAAC>},
       {.declared = declared::TestEncodeFile,
        .exercises = "AudioLocalCodec::CreateAudioEncoder over a raw file",
-       .inputs = {Wave("{pSrcFileName}")},
-       .outputs = {{.name = "{pDstFileName}"}}},
+       .inputs = {EncodedByItsFormat()},
+       .outputs = {Other("{pDstFileName}", "coded audio")}},
       {.declared = declared::TestDecodeFile,
        .exercises = "AudioLocalCodec::CreateAudioDecoder of the given type",
-       .inputs = {{.name = "{pSrcFileName}"}},
-       .outputs = {{.name = "{pDstFileName}"}},
+       .inputs = {Other("{pSrcFileName}", "coded audio")},
+       .outputs = {Other("{pDstFileName}", "headerless samples")},
        .lacking = NeedsTypeOfWord<2>},
       {.declared = declared::TestSilkPackerOut,
        .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")",
-       .inputs = {Optional({.name = "packer.out"})},
+       .inputs = {Optional(Other("packer.out", "coded audio"))},
        .outputs = {Headerless("packer.pcm", 16000, 1)},
        .lacking = NeedsFamily<kAudioCodecSilk>},
       {.declared = declared::TestAACStreamToAAC,
        .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\"",
-       .inputs = {Optional({.name = "packer.48k.aac"})},
-       .outputs = {Full({.name = "48k.aac"})},
+       .inputs = {Optional(Other("packer.48k.aac", "coded audio"))},
+       .outputs = {Full(Other("48k.aac", "AAC stream"))},
        .lacking = NeedsFamily<kAudioCodecAACHIGH>},
       {.declared = declared::TestVADCodecMosByVADResult,
        .exercises = "encode/decode gated by VAD results, for MOS",
-       .inputs = {Wave("{pSrcFileName}")},
+       .inputs = {ForCodec("{pSrcFileName}")},
        .outputs = {Wave("{pDstFileName}"), Wave("{pVadResultFile}")},
-       .inputsFor = InputInFormatOfCodec,
+       .inputsFor = GatedInputFor,
        .lacking = NeedsRawIdOfWord<3>,
        .fruitless = NoCodecOfWord<3>},
       {.declared = declared::TestZUAudioProcessor,
        .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
-       .inputs = {Wave("player.wav")},
-       .outputs = {{.name = "player.aac"}},
+       .inputs = {TakenFor("player.wav", kStereo44, 8192, WaveHeader::kRead)},
+       .outputs = {Other("player.aac", "AAC stream")},
        .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestZUEncode,
        .exercises = "encode a WAVE file with a raw codec id, timed",
-       .inputs = {Wave("{wavInFileName}")},
-       .outputs = {{.name = "{encodedFileName}"}},
+       .inputs = {ForCodec("{wavInFileName}")},
+       .outputs = {Other("{encodedFileName}", "coded audio")},
+       .inputsFor = EncodedInputFor,
        .lacking = NeedsRawIdOfWord<2>,
        .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestZUDecode,
        .exercises = "decode a stream file to WAVE (CWavFileWriter), timed",
-       .inputs = {{.name = "{encodedFileName}"}},
+       .inputs = {Other("{encodedFileName}", "coded audio")},
        .outputs = {Full(Wave("{decodedWavFileName}"))},
        .lacking = NeedsRawIdOfWord<2>,
        .fruitless = NoCodecOfWord<2>},
       {.declared = declared::newTestZUEncode,
        .exercises = "encode with bit rate and sample rate",
-       .inputs = {Wave("{wavInFileName}")},
-       .outputs = {{.name = "{encodedFileName}"}},
+       .inputs = {ForCodec("{wavInFileName}")},
+       .outputs = {Other("{encodedFileName}", "coded audio")},
+       .inputsFor = EncodedInputFor,
        .lacking = NeedsRawIdOfWord<2>,
        .fruitless = NoCodecOfWord<2>},
       {.declared = declared::newTestZUDecode,
        .exercises = "decode at a given sample rate",
-       .inputs = {{.name = "{encodedFileName}"}},
+       .inputs = {Other("{encodedFileName}", "coded audio")},
        .outputs = {Full(Wave("{decodedWavFileName}"))},
        .lacking = NeedsRawIdOfWord<2>,
        .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestZUCodecNew,
        .exercises = "resample, encode, decode chain for MOS",
-       .inputs = {Wave("{wavInFileName}")},
-       .outputs = {{.name = "{wavOutFileName}.enc"},
-                   Full(Wave("{wavOutFileName}.dec.wav")),
-                   Wave("{wavOutFileName}")},
+       .inputs = {ForCodec("{wavInFileName}")},
+       .outputs = {Other("{wavOutFileName}.enc", "coded audio"),
+                   Full(Wave("{wavOutFileName}.dec.wav")), Wave("{wavOutFileName}")},
+       .inputsFor = EncodedInputFor,
        .lacking = NeedsRawIdOfWord<2>,
        .fruitless = NoCodecOfWord<2>},
       {.declared = declared::TestMockVADMos,
        .exercises = "resample, VAD, codec chain for MOS",
-       .inputs = {Wave("{refFile}"), PreprocessedSpeech()},
-       .outputs = {Wave("{refFile}.resample.wav"),
-                   {.name = "{refFile}.codec.wav.enc"},
-                   Full(Wave("{refFile}.codec.wav.dec.wav")),
-                   Wave("{refFile}.codec.wav"),
+       .inputs = {AnyWave("{refFile}"), PreprocessedSpeech()},
+       .outputs = {Wave("{refFile}.resample.wav"), Other("{refFile}.codec.wav.enc", "coded audio"),
+                   Full(Wave("{refFile}.codec.wav.dec.wav")), Wave("{refFile}.codec.wav"),
                    WithForeignHeader(Wave("{refFile}.vad.wav")),
                    WithForeignHeader(Wave("{refFile}.vadresult.wav")),
-                   {.name = "{refFile}.vadCodec.wav.enc"},
-                   Full(Wave("{refFile}.vadCodec.wav.dec.wav")),
-                   Wave("{refFile}.vadCodec.wav")},
+                   Other("{refFile}.vadCodec.wav.enc", "coded audio"),
+                   Full(Wave("{refFile}.vadCodec.wav.dec.wav")), Wave("{refFile}.vadCodec.wav")},
        .lacking = NeedsRawIdOfWord<1>,
        .fruitless = NoCodecOfWord<1>},
       {.declared = declared::calAACMos,
        .exercises =
            "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "
            "\"%s%d_%d_%d.dec.wav\", \"%s%d_%d_%d.deg.wav\" and \"%s%d_%d_%d.res.wav\"",
-       .inputs = {Wave("{wavInFileName}")},
+       .inputs = {AnyWave("{wavInFileName}")},
        .outputs = QualityCase("{rate}_{channels}_{bitRate}"),
        .outputsFor = QualityCaseFor,
        .lacking = NeedsRawIdOfWord<2>,

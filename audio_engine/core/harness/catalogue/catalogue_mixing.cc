@@ -16,44 +16,53 @@ FileUse Recording(std::string name) {
   return {.name = std::move(name), .container = Container::kRecording};
 }
 
+// With room for more than the others have.
+FileUse Accompaniment(std::string name) {
+  FileUse use = AnyWave(std::move(name));
+  use.mostBlockSamples = 65536;
+  return use;
+}
+
 }  // namespace
 
 std::vector<CatalogueRow> MixingRows() {
   return {
       {.declared = declared::TestAudioMixer,
        .exercises = "CAudioBlockMixer over one file, raw output",
-       .inputs = {Wave("c:\\5.wav")},
+       .inputs = {TakenFor("c:\\5.wav", kMono16, 320, WaveHeader::kSkipped)},
        .outputs = {{.name = "c:\\outmix.pcm",
                     .container = Container::kHeaderless,
                     .rate = 16000,
                     .channels = 1}}},
       {.declared = declared::TestRecordMixer,
        .exercises = "AudioRecordMixer of accompaniment and voice",
-       .inputs = {Wave("record_acc.wav"), Wave("record_voice.wav")},
-       .outputs = {Wave("record_out.wav")}},
+       .inputs = {Accompaniment("record_acc.wav"),
+                  InFormatOf("record_acc.wav", Accompaniment("record_voice.wav"),
+                             OtherFormat::kAsItIs)},
+       .outputs = {AnyWave("record_out.wav")}},
       {.declared = declared::TestKaraokeFileMixer,
        .exercises = "IKaraokeFileMixer with a FileMixerNotify, waits for the end",
        .inputs = {Recording("voice_record.wav"), Recording("music.wav")},
-       .outputs = {{.name = "output.aac"}},
+       .outputs = {Other("output.aac", "AAC stream")},
        .lacking = NeedsFamily<kAudioCodecAAC>},
       {.declared = declared::TestKaraokeRecorder,
        .exercises = "IKaraokeRecorder with line-information and score files",
        .inputs = {Dispensable(Recording("/sdcard/dangni_mix.wav")),
                   Dispensable(Recording("/sdcard/dangni_acc.wav")),
-                  Dispensable({.name = "/sdcard/dangni_line_info.txt"}),
-                  Dispensable({.name = "/sdcard/dangni_score_time_range.txt"})},
+                  Dispensable(Text("/sdcard/dangni_line_info.txt")),
+                  Dispensable(Text("/sdcard/dangni_score_time_range.txt"))},
        .outputs = {Wave("/sdcard/voice_record.wav")},
        .device = Device::kBoth,
        .seconds = 0.1},
       {.declared = declared::TestFilePlayer,
        .exercises = "engine file player of \"music.wav\" with a CaptureFilePlayer",
        .inputs = {Recording("music.wav")},
-       .outputs = {{.name = "sdk_log.txt"}},
+       .outputs = {Text("sdk_log.txt")},
        .device = Device::kRender,
        .runsOn = 10},
       {.declared = declared::TestAudioRecorder,
        .exercises = "engine recorder to \"audiorecorder.aac\"",
-       .outputs = {{.name = "audiorecorder.aac"}},
+       .outputs = {{.name = "audiorecorder.aac", .content = "AAC stream", .appended = true}},
        .lacking = NeedsFamily<kAudioCodecAAC>,
        .device = Device::kCapture,
        .neverReturns = true},
@@ -61,7 +70,7 @@ std::vector<CatalogueRow> MixingRows() {
        .exercises =
            "engine file player and saver: \"gangqin.wav\", \"saver.aac\", \"gangqin2.wav\"",
        .inputs = {Recording("gangqin.wav"), Recording("gangqin2.wav")},
-       .outputs = {{.name = "saver.aac"}, {.name = "sdk_log.txt"}},
+       .outputs = {Other("saver.aac", "AAC stream"), Text("sdk_log.txt")},
        .lacking = NeedsFamily<kAudioCodecAAC>,
        .device = Device::kBoth,
        .seconds = 10},
@@ -72,7 +81,7 @@ std::vector<CatalogueRow> MixingRows() {
        .seconds = 60},
       {.declared = declared::TestAudioChannel,
        .exercises = "IAudioChannel pack and play loop with the packer and player notifies",
-       .outputs = {{.name = "pack.enc"}, {.name = "sdk_log.txt"}},
+       .outputs = {Other("pack.enc", "coded audio"), Text("sdk_log.txt")},
        .lacking = NeedsRawIdOfWord<0>,
        .fruitless = NoCodecOfWord<0>,
        .device = Device::kBoth,

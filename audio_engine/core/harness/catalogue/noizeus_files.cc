@@ -64,7 +64,8 @@ std::vector<FileUse> NoizeusResults(const std::string& measure, const std::strin
   std::vector<FileUse> files;
   const std::string start = "NOIZEUS/out/result_" + measure + "_" + algorithm + "_";
   for (const char* const noise : kNoizeusNoises) {
-    files.push_back({.name = start + noise + ".txt", .pattern = start + "<noise>.txt"});
+    files.push_back(
+        {.name = start + noise + ".txt", .content = "text", .pattern = start + "<noise>.txt"});
   }
   return files;
 }

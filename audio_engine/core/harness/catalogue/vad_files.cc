@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string>
 
+#include "harness/catalogue/file_use.h"
+
 namespace harness {
 
 namespace {
@@ -78,8 +80,7 @@ std::vector<FileUse> VadRecordings(std::string_view description) {
     int segments = 0;
     scanner.ReadNumber(segments);
     if (segments > kMostSegments) break;
-    recordings.push_back(
-        {.name = "F:/Stream/vad/input/" + std::string(name), .container = Container::kWave});
+    recordings.push_back(MonoWave("F:/Stream/vad/input/" + std::string(name)));
     for (int pair = 0; pair < segments; ++pair) {
       int start = 0;
       int samples = 0;

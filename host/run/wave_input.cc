@@ -1,0 +1,288 @@
+#include "run/wave_input.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "base/units.h"
+#include "catalogue/catalogue_text.h"
+#include "files/audio_layout.h"
+#include "files/foreign_audio.h"
+#include "files/regular_file.h"
+#include "run/remedy.h"
+#include "wave/wave_file.h"
+
+namespace host {
+
+namespace {
+
+using harness::WaveFormat;
+
+std::string Convert(const FilePlace& input) { return "; to convert it: " + WaveConversion(input); }
+
+std::string Says(const FilePlace& input, const std::string& what) {
+  return "input " + FileName(input) + " " + what;
+}
+
+std::string FormatOf(const AudioLayout& audio) {
+  return Hertz(audio.rate) + ", " + Channels(audio.channels);
+}
+
+bool Fits(const AudioLayout& audio, WaveFormat format) {
+  return (format.rate == 0 || format.rate == audio.rate) &&
+         (format.channels == 0 || format.channels == audio.channels);
+}
+
+// Whether the format is one that is right by the declaration alone.
+bool IsRight(const AudioLayout& audio, const FileUse& use) {
+  if (audio.rate < use.leastRate) return false;
+  if (Fits(audio, {use.rate, use.channels})) return true;
+  return use.alsoRight.channels > 0 && Fits(audio, use.alsoRight);
+}
+
+// The bytes that the routine takes for samples.
+uint64_t SampleBytes(const FileUse& use, const AudioLayout& audio, uint64_t fileBytes) {
+  if (use.header == WaveHeader::kSamples) return fileBytes;
+  if (use.header == WaveHeader::kRead) return audio.bytes;
+  return fileBytes - std::min<uint64_t>(fileBytes, wave::kHeaderBytes);
+}
+
+// Whether no more is missing than a routine leaves out that copies the header of its input and
+// drops the last part of a block: its outputs are whole.
+bool PartBlockLeftOut(const AudioLayout& audio) {
+  const uint64_t missing = audio.announced - audio.bytes;
+  for (const uint64_t block :
+       {BlockBytes({.blockMs = 10}, audio.rate, audio.channels), uint64_t{320}}) {
+    if (block > 0 && audio.bytes > 0 && audio.bytes % block == 0 && missing < block) return true;
+  }
+  return false;
+}
+
+// What is in the way of a header of 44 bytes: "a LIST chunk".
+std::string HeaderWords(FILE* file) {
+  unsigned char head[wave::kHeaderBytes] = {};
+  if (fseeko(file, 0, SEEK_SET) != 0 || fread(head, 1, sizeof head, file) < sizeof head) return "";
+  const auto name = [&head](size_t at) {
+    std::string text;
+    for (size_t i = at; i < at + 4; ++i) {
+      if (head[i] != ' ') text += head[i] > ' ' && head[i] < 127 ? static_cast<char>(head[i]) : '?';
+    }
+    return text;
+  };
+  if (name(12) != "fmt") return "a " + name(12) + " chunk";
+  if (head[16] != 16) return "a format chunk of " + Bytes(head[16]) + " where a plain one has 16";
+  return "a " + name(36) + " chunk";
+}
+
+struct CloseFile {
+  void operator()(FILE* file) const { fclose(file); }
+};
+
+// A WAVE input that is there.
+struct OpenWave {
+  std::unique_ptr<FILE, CloseFile> file;
+  std::optional<AudioLayout> audio;
+};
+
+OpenWave Open(const FileReport& input) {
+  OpenWave wave;
+  const Container container = input.place.use.container;
+  if (container != Container::kWave && container != Container::kRecording) return wave;
+  wave.file.reset(OpenRegular(input.place.path));
+  struct stat status = {};
+  if (wave.file == nullptr || fstat(fileno(wave.file.get()), &status) != 0) return wave;
+  wave.audio = FindAudio(input.place.use, wave.file.get(), static_cast<uint64_t>(status.st_size));
+  return wave;
+}
+
+void AddShortage(const AudioLayout& audio, FileReport& input) {
+  if (audio.announced <= audio.bytes || PartBlockLeftOut(audio)) return;
+  input.problems.push_back(
+      {Cause::kInputNotWhole,
+       Says(input.place, "is not whole: its header announces " + std::to_string(audio.announced) +
+                             " bytes of samples, there are " + std::to_string(audio.bytes))});
+}
+
+void AddHeaderWarning(FILE* file, const AudioLayout& audio, FileReport& input) {
+  const WaveHeader header = input.place.use.header;
+  if (audio.offset == wave::kHeaderBytes || header == WaveHeader::kRead ||
+      header == WaveHeader::kSamples) {
+    return;
+  }
+  const std::string fault = Says(input.place, "has a header of " + Bytes(audio.offset) + " with " +
+                                                  HeaderWords(file) + ", where the first 44 are ");
+  const std::string remedy = ", so that the rest counts as samples" + Convert(input.place);
+  if (header == WaveHeader::kCopied) {
+    input.concerns.push_back({Concern::Kind::kHeader, fault + "copied as the header" + remedy});
+  } else {
+    input.problems.push_back({Cause::kInputAsItIs, fault + "skipped as the header" + remedy});
+  }
+}
+
+// `right`: the format that would be, in words.
+void AddOtherFormat(const AudioLayout& audio, const FilePlace& wanted, const std::string& right,
+                    FileReport& input) {
+  const std::string is = Says(input.place, "is " + FormatOf(audio));
+  switch (input.place.use.otherFormat) {
+    case OtherFormat::kAsItIs:
+      input.problems.push_back(
+          {Cause::kInputAsItIs,
+           is + ", where " + right + " is counted on; it is taken as it is" + Convert(wanted)});
+      break;
+    case OtherFormat::kAborts:
+      input.concerns.push_back(
+          {Concern::Kind::kAborts, is + ", where only " + right + " is taken" + Convert(wanted)});
+      break;
+    case OtherFormat::kNoOutput:
+      input.concerns.push_back(
+          {Concern::Kind::kNoOutput, is + ", where only " + right + " is taken" + Convert(wanted)});
+      break;
+  }
+}
+
+void AddFormatWarning(const AudioLayout& audio, std::span<FileReport> inputs, FileReport& input) {
+  FilePlace wanted = input.place;
+  if (!IsRight(audio, wanted.use)) {
+    if (audio.rate < wanted.use.leastRate) wanted.use.rate = wanted.use.leastRate;
+    AddOtherFormat(audio, wanted, RightFormat(input.place.use), input);
+  }
+  if (wanted.use.formatOf.empty()) return;
+  const auto other = std::find_if(inputs.begin(), inputs.end(), [&](const FileReport& each) {
+    return each.place.use.name == wanted.use.formatOf;
+  });
+  const auto otherAudio = other == inputs.end() ? std::nullopt : Open(*other).audio;
+  if (!otherAudio || Fits(audio, {otherAudio->rate, otherAudio->channels})) return;
+  wanted.use.rate = otherAudio->rate;
+  wanted.use.channels = otherAudio->channels;
+  AddOtherFormat(audio, wanted, FormatOf(*otherAudio) + ", as in " + other->place.name, input);
+}
+
+bool HasContent(const FileReport& output) {
+  if (output.place.use.mayBeEmpty) return true;
+  return output.state == OutputState::kWritten && (!output.audio || output.audio->bytes > 0);
+}
+
+bool CameToItsEnd(const RunReport& report) {
+  const ChildOutcome::End end = report.outcome->end;
+  return end == ChildOutcome::End::kReturned || end == ChildOutcome::End::kStopped;
+}
+
+std::vector<Problem>::iterator FindCrash(std::vector<Problem>& problems) {
+  return std::find_if(problems.begin(), problems.end(),
+                      [](const Problem& problem) { return problem.cause == Cause::kCrash; });
+}
+
+// Whether the routine has ended its process because of the concern.
+void JudgeAbort(const Concern& concern, FileReport& input, std::vector<Problem>& problems) {
+  const auto crash = FindCrash(problems);
+  if (crash == problems.end()) {
+    input.problems.push_back({Cause::kInputAsItIs, concern.text});
+  } else {
+    crash->text += "; " + concern.text;
+  }
+}
+
+// A routine that ends its process because a file is no mono WAVE does so without content too: then
+// that is what is wrong.
+void JudgeEmpty(FileReport& input, std::vector<Problem>& problems) {
+  if (input.place.use.otherFormat != OtherFormat::kAborts || input.bytes != 0) return;
+  const auto crash = FindCrash(problems);
+  const auto empty =
+      std::find_if(input.problems.begin(), input.problems.end(),
+                   [](const Problem& problem) { return problem.cause == Cause::kInputTooShort; });
+  if (crash == problems.end() || empty == input.problems.end()) return;
+  empty->text += "; the routine was " + crash->text;
+  problems.erase(crash);
+}
+
+void JudgeNoOutput(const Concern& concern, const RunReport& report, FileReport& input) {
+  const bool all = std::all_of(report.outputs.begin(), report.outputs.end(), HasContent);
+  input.problems.push_back(
+      {all || !CameToItsEnd(report) ? Cause::kInputAsItIs : Cause::kInputFormat, concern.text});
+}
+
+// The input is to blame for outputs that it made no WAVE, not they.
+void JudgeHeader(const Concern& concern, RunReport& report, FileReport& input) {
+  Cause cause = Cause::kInputAsItIs;
+  for (FileReport& output : report.outputs) {
+    const bool written = output.state == OutputState::kWritten && CameToItsEnd(report);
+    if (!output.place.use.foreignHeader || !written || output.audio) continue;
+    cause = Cause::kInputFormat;
+    std::erase_if(output.problems,
+                  [](const Problem& problem) { return problem.cause == Cause::kOutputFormat; });
+  }
+  input.problems.push_back({cause, concern.text});
+}
+
+}  // namespace
+
+std::optional<Problem> WaveProblem(const FilePlace& input, FILE* file, uint64_t bytes) {
+  const FileUse& use = input.use;
+  if (bytes == 0) return std::nullopt;
+  const std::optional<AudioLayout> audio = FindAudio(use, file, bytes);
+  if (!audio && use.headerlessToo) {
+    const std::string kind(ForeignAudio(file));
+    if (kind.empty()) return std::nullopt;
+    return Problem{Cause::kInputFormat,
+                   Says(input, "is " + kind + ", not samples" + Convert(input))};
+  }
+  if (!audio) {
+    return Problem{Cause::kInputFormat,
+                   Says(input, "is no WAVE file that can be read" + Convert(input))};
+  }
+  if (audio->samples != SampleType::kPcm16) {
+    return Problem{Cause::kInputFormat,
+                   Says(input, "holds samples that are " + audio->sampleWords +
+                                   ", where only 16-bit ones are taken" + Convert(input))};
+  }
+  const uint64_t block = BlockBytes(use, audio->rate, audio->channels);
+  const uint64_t samples =
+      BlockBytes({.blockMs = use.blockMs}, audio->rate, audio->channels) / sizeof(int16_t);
+  if (use.blockMs > 0 && (samples == 0 || samples > static_cast<uint64_t>(use.mostBlockSamples))) {
+    return Problem{Cause::kInputFormat,
+                   Says(input, "is " + FormatOf(*audio) + ": " + std::to_string(samples) +
+                                   " samples in a block of " + std::to_string(use.blockMs) +
+                                   " ms, where 1 to " + std::to_string(use.mostBlockSamples) +
+                                   " are read" + Convert(input))};
+  }
+  const uint64_t there = SampleBytes(use, *audio, bytes);
+  if (use.optional || there >= std::max<uint64_t>(block, 1)) return std::nullopt;
+  if (block == 0) return Problem{Cause::kInputTooShort, Says(input, "holds no samples")};
+  return Problem{Cause::kInputTooShort, Says(input, "holds no whole block of " + Bytes(block) +
+                                                        " of samples: " + Bytes(there))};
+}
+
+void AddFormatWarnings(std::span<FileReport> inputs) {
+  for (FileReport& input : inputs) {
+    if (!input.problems.empty()) continue;
+    const OpenWave wave = Open(input);
+    if (!wave.audio) continue;
+    AddShortage(*wave.audio, input);
+    if (input.place.use.container != Container::kWave) continue;
+    AddHeaderWarning(wave.file.get(), *wave.audio, input);
+    AddFormatWarning(*wave.audio, inputs, input);
+  }
+}
+
+void JudgeConcerns(RunReport& report, std::vector<Problem>& problems) {
+  for (FileReport& input : report.inputs) {
+    JudgeEmpty(input, problems);
+    for (const Concern& concern : input.concerns) {
+      switch (concern.kind) {
+        case Concern::Kind::kAborts:
+          JudgeAbort(concern, input, problems);
+          break;
+        case Concern::Kind::kNoOutput:
+          JudgeNoOutput(concern, report, input);
+          break;
+        case Concern::Kind::kHeader:
+          JudgeHeader(concern, report, input);
+          break;
+      }
+    }
+  }
+}
+
+}  // namespace host
