@@ -83,12 +83,12 @@ TEST_F(AudioChannel, PacksWhatIsHeardAndPlaysItBack) {
   const std::vector<short> sung(heard.begin() + 24000, heard.begin() + 44000);
   EXPECT_NEAR(CentsOff(sung, 220, 48000), 0, 3);
   EXPECT_GT(FindLag(SungNote(220, 48000, 0.3), sung, 300).agreement, 0.9);
-  EXPECT_THAT(log, ContainsRegex("packer: .* frames, 0 left out, 0 too long, 0 samples dropped"));
-  EXPECT_THAT(log,
-              ContainsRegex("player: stream 0, .* 0 concealed, 0 refused, 0 dropped, 0 underruns"));
+  EXPECT_THAT(log, ContainsRegex(" packer: .* frames, 0 left out, 0 too long, 0 samples dropped"));
+  EXPECT_THAT(
+      log, ContainsRegex(" player: stream 0, .* 0 concealed, 0 refused, 0 dropped, 0 underruns"));
   // A frame of 20 ms; then what waits in the player.
   EXPECT_THAT(log,
-              ContainsRegex("channel: loop delay [0-9]+ ms: 20 to a packed frame, [4-9][0-9] "));
+              ContainsRegex(" channel: loop delay [0-9]+ ms: 20 to a packed frame, [4-9][0-9] "));
 }
 
 TEST_F(AudioChannel, OpensTheMicrophoneInTheFormatOfItsPacker) {
@@ -99,6 +99,33 @@ TEST_F(AudioChannel, OpensTheMicrophoneInTheFormatOfItsPacker) {
   m_channel->StopPacker();
   // As much of the microphone's time has passed as the frames say.
   EXPECT_EQ(kept.frames[14].timeMs, 280U);
+}
+
+TEST_F(AudioChannel, OpensTheMicrophoneAnewForAnotherFormatOnly) {
+  KeptFrames kept;
+  ASSERT_TRUE(m_channel->OpenCapture());
+  struct {
+    int rate;
+    int channels;
+    const char* opens;  // The start of the microphone's line; null for none.
+  } const steps[] = {{48000, 1, nullptr},
+                     {48000, 2, " microphone: 48000 Hz, 2 channels"},
+                     {48000, 2, nullptr},
+                     {16000, 2, " microphone: 16000 Hz, 2 channels"},
+                     {16000, 1, " microphone: 16000 Hz, 1 channels"}};
+  SleepMs(20);
+  for (const auto& step : steps) {
+    const CapturedStderr log;
+    ASSERT_TRUE(m_channel->StartPacker(&kept, 50, step.rate, step.rate, step.channels, 2));
+    const int before = kept.count;
+    SleepMs(100);
+    EXPECT_GE(kept.count, before + 3);
+    if (step.opens != nullptr) {
+      EXPECT_THAT(log.Text(), HasSubstr(step.opens));
+    } else {
+      EXPECT_THAT(log.Text(), testing::Not(HasSubstr(" microphone: ")));
+    }
+  }
 }
 
 // A silent microphone is left out after 200 ms, until that is asked for no more.
@@ -113,7 +140,7 @@ TEST_F(AudioChannel, LeavesOutSilenceWhileItsOwnerWantsThat) {
   m_channel->EnablePackerVad(false);
   EXPECT_TRUE(WaitUntil([&] { return kept.count >= 20; }));
   m_channel->StopPacker();
-  EXPECT_THAT(log.Text(), ContainsRegex("packer: [0-9]+ frames, [1-9][0-9]* left out"));
+  EXPECT_THAT(log.Text(), ContainsRegex(" packer: [0-9]+ frames, [1-9][0-9]* left out"));
 }
 
 TEST_F(AudioChannel, RefusesWhatItCannotDo) {

@@ -322,8 +322,8 @@ TEST_F(AudioEngineTest, EndsCleanlyWithAProgramThatLeavesItRunning) {
     std::exit(0);  // NOLINT(concurrency-mt-unsafe): as a return from main does.
   });
   EXPECT_EQ(status, 0);
-  EXPECT_THAT(m_log.Lines(), IsSupersetOf({HasSubstr("microphone: stopped after"),
-                                           HasSubstr("loudspeaker: stopped after")}));
+  EXPECT_THAT(m_log.Lines(), IsSupersetOf({HasSubstr(" microphone: stopped after"),
+                                           HasSubstr(" loudspeaker: stopped after")}));
 }
 
 }  // namespace

@@ -38,6 +38,8 @@ CallIn Works(const char* operation, const Call& call) {
 // the log: exactly one line for each, and none for what works.
 class CallsBackIn {
  public:
+  static constexpr const char* kRefused = ": refused in a callback that it would wait for";
+
   CallsBackIn(const CapturedStderr& log, std::string callback)
       : m_log(log), m_callback(std::move(callback)) {}
 
@@ -45,7 +47,7 @@ class CallsBackIn {
     if (callback != m_callback || m_begun.exchange(true)) return;
     for (const CallIn& in : calls) {
       EXPECT_EQ(in.call(), in.works) << in.operation << " in " << callback;
-      EXPECT_EQ(LinesWith(in.operation + ": refused"), in.works ? 0 : 1) << in.operation;
+      EXPECT_EQ(LinesWith(" " + in.operation + kRefused), in.works ? 0 : 1) << in.operation;
     }
     done = true;
   }

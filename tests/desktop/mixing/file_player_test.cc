@@ -122,8 +122,8 @@ TEST_F(FilePlayerTest, RefusesRatesOfWhichNothingCanBeHeard) {
   EXPECT_THAT(
       m_log.Lines(),
       ElementsAre(
-          testing::HasSubstr("a.wav: cannot play the audio file: its rate cannot be played"),
-          testing::HasSubstr("a.wav: cannot play the audio file: its rate cannot be played")));
+          testing::HasSubstr(" a.wav: cannot play the audio file: its rate cannot be played"),
+          testing::HasSubstr(" a.wav: cannot play the audio file: its rate cannot be played")));
 }
 
 TEST_F(FilePlayerTest, CountsTheUnderrunsOfEachPlay) {
@@ -227,7 +227,7 @@ TEST_F(FilePlayerTest, RefusesARateThatCannotBePlayedBeforeItTakesRoomForIt) {
   }
   EXPECT_THAT(m_log.Lines(),
               testing::Each(testing::EndsWith(
-                  "slow.wav: cannot play the audio file: its rate cannot be played")));
+                  " slow.wav: cannot play the audio file: its rate cannot be played")));
 }
 
 TEST_F(FilePlayerTest, PlaysSeveralAtOnce) {

@@ -52,7 +52,7 @@ TEST(FramePacker, RefusesWhatNoCodecCodes) {
     EXPECT_EQ(desktop::FramePacker::Create(&kept, rawId, 48000, 1), nullptr) << rawId;
   }
   EXPECT_THAT(log.Lines(), SizeIs(4));
-  EXPECT_THAT(log.Text(), HasSubstr("packer: no codec for raw id -1"));
+  EXPECT_THAT(log.Text(), HasSubstr(" packer: no codec for raw id -1"));
 }
 
 TEST(FramePacker, TellsTimeVoiceAndVolume) {

@@ -51,3 +51,18 @@ TEST(FramePlayer, TakesAJumpOfMoreThanASecondForAnotherPlaceOfTheStream) {
     EXPECT_EQ(player.GetCounts().concealed, concealed) << lost;
   }
 }
+
+// From a pull until the loudspeaker, which takes 37 ms: the second frame waits for the first one.
+TEST(FramePlayer, TellsTheMeanDelayOfWhatItPulled) {
+  const KeptFrames kept = Pack(50, SungNote(220, 16000, 1), 16000);
+  FedFrames fed(50, {});
+  desktop::FramePlayer player(&fed, 0, 16000, 1);
+  EXPECT_EQ(player.GetCounts().delayMs, 0U);
+  const unsigned means[] = {37, (37 + 57) / 2};
+  for (const unsigned mean : means) {
+    fed.frames.push_back(kept.frames[fed.frames.size()].bytes);
+    fed.lost.push_back(false);
+    player.Work(37);
+    EXPECT_EQ(player.GetCounts().delayMs, mean);
+  }
+}

@@ -223,7 +223,7 @@ TEST(FramePlayer, SurvivesFramesThatAreNone) {
   fed.next = 0;
   EXPECT_EQ(Level(Play(fed, 100, 16000)), 0);
   EXPECT_THAT(log.Lines(), SizeIs(2));
-  EXPECT_THAT(log.Text(), HasSubstr("player: no codec for raw id 9"));
+  EXPECT_THAT(log.Text(), HasSubstr(" player: no codec for raw id 9"));
 }
 
 TEST(FramePlayer, FollowsAChangeOfCodec) {

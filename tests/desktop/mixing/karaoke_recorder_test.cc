@@ -103,7 +103,7 @@ TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
   EXPECT_NEAR(visual[1], -10, 2);
   EXPECT_EQ(visual[2], 127);
   EXPECT_NEAR(visual[3], 0, 2);
-  EXPECT_THAT(log, HasSubstr("2 lines, 4 notes, 3 sung, 2 within 50 cents"));
+  EXPECT_THAT(log, HasSubstr(" karaoke recorder: 2 lines, 4 notes, 3 sung, 2 within 50 cents\n"));
 
   const std::vector<short> voice = Read("voice.wav");
   ASSERT_GE(voice.size(), 44100U * 4);

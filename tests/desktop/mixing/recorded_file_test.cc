@@ -78,7 +78,7 @@ TEST(RecordedFile, TellsWhatADiskWasTooSlowFor) {
   const uint64_t lost = desktop::AllDeviceFailures().inputs - before;
   EXPECT_GT(lost, 400U);
   EXPECT_EQ(disk.frames, (1500 - lost) * 80);
-  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("a.wav: the disk was too slow, " +
+  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr(" a.wav: the disk was too slow, " +
                                                  std::to_string(lost) + " blocks of 10 ms")));
 }
 
@@ -93,8 +93,9 @@ TEST(RecordedFile, GivesUpADiskThatWritesNothing) {
     for (int i = 0; i < 30; ++i) file.Put(block.data());
   }
   EXPECT_EQ(desktop::AllDeviceFailures().inputs, before + 11);
-  EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("a.wav: given up because the disk writes nothing, "
-                                                 "11 blocks of 10 ms are lost")));
+  EXPECT_THAT(log.Lines(),
+              ElementsAre(HasSubstr(" a.wav: given up because the disk writes nothing, "
+                                    "11 blocks of 10 ms are lost")));
   EXPECT_FALSE(disk.closed);
   disk.goes.count_down();
   EXPECT_TRUE(WaitUntil([&] { return disk.closed.load(); }));

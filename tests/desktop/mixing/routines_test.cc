@@ -131,7 +131,7 @@ TEST_F(MixingRoutines, TestKaraokeRecorderWritesATenthOfASecond) {
   // Ten blocks, perhaps without those that were on their way when it ended.
   EXPECT_NEAR(static_cast<double>(voice.samples.size()), 4410, 882);
   EXPECT_THAT(voice.samples, Each(0));
-  EXPECT_THAT(m_log.Text(), HasSubstr("karaoke recorder: 3 lines, 2 notes, 0 sung, 0 within"));
+  EXPECT_THAT(m_log.Text(), HasSubstr(" karaoke recorder: 3 lines, 2 notes, 0 sung, 0 within"));
 }
 
 TEST_F(MixingRoutines, TestFilePlayerGoesOnAfterItHasReturned) {
@@ -146,7 +146,7 @@ TEST_F(MixingRoutines, TestFilePlayerGoesOnAfterItHasReturned) {
     EXPECT_TRUE(std::equal(sound.begin(), sound.end(), music.begin() + 2));
   });
   EXPECT_FALSE(std::filesystem::exists("capture.pcm"));
-  EXPECT_THAT(m_log.Text(), ContainsRegex("loudspeaker: stopped after 20[0-9] .* 0 underruns"));
+  EXPECT_THAT(m_log.Text(), ContainsRegex(" loudspeaker: stopped after 20[0-9] .* 0 underruns"));
 }
 
 TEST_F(MixingRoutines, TestAudioRecorderRecordsUntilItIsEnded) {
@@ -212,12 +212,13 @@ TEST_F(MixingRoutines, TestAudioChannelPlaysAllThatItPacked) {
   const int frames = CountFrames(ReadFile("pack.enc"));
   EXPECT_GE(frames, 490);
   EXPECT_LE(frames, 500);
-  EXPECT_THAT(m_log.Text(), HasSubstr("packer: " + std::to_string(frames) +
+  EXPECT_THAT(m_log.Text(), HasSubstr(" packer: " + std::to_string(frames) +
                                       " frames, 0 left out, 0 too long, 0 samples dropped"));
-  EXPECT_THAT(m_log.Text(), HasSubstr("player: stream 0, " + std::to_string(frames) + " frames, "));
+  EXPECT_THAT(m_log.Text(),
+              HasSubstr(" player: stream 0, " + std::to_string(frames) + " frames, "));
   EXPECT_THAT(m_log.Text(), HasSubstr(" 0 refused, "));
   EXPECT_THAT(m_log.Text(), HasSubstr(" 0 underruns"));
-  EXPECT_THAT(m_log.Text(), ContainsRegex("channel: loop delay [0-9]+ ms: "));
+  EXPECT_THAT(m_log.Text(), ContainsRegex(" channel: loop delay [0-9]+ ms: "));
 }
 
 TEST_F(MixingRoutines, TestPushPcmLeavesAnEmptyFile) {

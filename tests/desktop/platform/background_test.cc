@@ -50,7 +50,7 @@ TEST(FinishBackgroundWork, AsksTheOthersAlsoAfterOneThatDidNotFinish) {
   const CapturedStderr log;
   EXPECT_FALSE(FinishBackgroundWork(milliseconds(50)));
   EXPECT_TRUE(asked);
-  EXPECT_THAT(log.Text(), testing::EndsWith("background work is not finished after 50 ms\n"));
+  EXPECT_THAT(log.Text(), testing::EndsWith(" background work is not finished after 50 ms\n"));
 }
 
 TEST(BackgroundWork, ComesAndGoesWhileOtherWorkIsBeingFinished) {

@@ -76,4 +76,22 @@ TEST(BlockWorker, WorksOnWhatWaitsWhenItIsStopped) {
   EXPECT_EQ(worker.Lost(), 0U);
 }
 
+// It has nothing to do, and nothing else would wake it: no time passes meanwhile.
+TEST(BlockWorker, IsWokenByItsStop) {
+  const desktop::StepClock clock;
+  const std::vector<short> block(160);
+  for (const bool leaves : {false, true}) {
+    desktop::BlockWorker worker(
+        {16000, 1}, [](short*, size_t) {}, std::chrono::seconds(2));
+    worker.Put(block.data());
+    SleepMs(10);
+    const desktop::Time before = desktop::Now();
+    alarm(60);  // Ends a stop that hangs.
+    EXPECT_TRUE(!leaves || worker.StopOrLeave(std::chrono::seconds(10)));
+    worker.Stop();
+    alarm(0);
+    EXPECT_EQ(desktop::Now(), before);
+  }
+}
+
 }  // namespace

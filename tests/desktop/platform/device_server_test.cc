@@ -133,10 +133,10 @@ TEST_P(DeviceServer, IsLookedForAfterOneSecondAndThenEveryFive) {
   EXPECT_THAT(
       m_log.Lines(),
       ElementsAre(
-          HasSubstr(Name() + "8000 Hz, 1 channels, sound server"),
-          HasSubstr(Name() + "the sound server is lost, null device from now on: it is gone"),
-          HasSubstr(Name() + "on the sound server from now on"),
-          HasSubstr(Name() + "stopped after ")));
+          HasSubstr(" " + Name() + "8000 Hz, 1 channels, sound server"),
+          HasSubstr(" " + Name() + "the sound server is lost, null device from now on: it is gone"),
+          HasSubstr(" " + Name() + "on the sound server from now on"),
+          HasSubstr(" " + Name() + "stopped after ")));
 }
 
 TEST_P(DeviceServer, IsFoundLateWhereThereWasNone) {
@@ -150,10 +150,11 @@ TEST_P(DeviceServer, IsFoundLateWhereThereWasNone) {
   EXPECT_EQ(m_device.LatencyMs(), GetParam() == Direction::kInput ? 80U : 70U);
   Stop();
   EXPECT_THAT(m_log.Lines(),
-              ElementsAre(HasSubstr(Name() + "8000 Hz, 1 channels, null device: no sound server: "
-                                             "it is gone"),
-                          HasSubstr(Name() + "on the sound server from now on"),
-                          HasSubstr(Name() + "stopped after ")));
+              ElementsAre(HasSubstr(" " + Name() +
+                                    "8000 Hz, 1 channels, null device: no sound server: "
+                                    "it is gone"),
+                          HasSubstr(" " + Name() + "on the sound server from now on"),
+                          HasSubstr(" " + Name() + "stopped after ")));
 }
 
 TEST_P(DeviceServer, IsStoodInForWhileItSuspendsTheDevice) {
@@ -172,10 +173,10 @@ TEST_P(DeviceServer, IsStoodInForWhileItSuspendsTheDevice) {
   EXPECT_EQ(m_server.attempts.size(), 1U);
   EXPECT_THAT(
       m_log.Lines(),
-      ElementsAre(HasSubstr(Name() + "8000 Hz, 1 channels, sound server"),
-                  HasSubstr(Name() + "suspended by the sound server, null device meanwhile"),
-                  HasSubstr(Name() + "the sound server goes on"),
-                  HasSubstr(Name() + "stopped after ")));
+      ElementsAre(HasSubstr(" " + Name() + "8000 Hz, 1 channels, sound server"),
+                  HasSubstr(" " + Name() + "suspended by the sound server, null device meanwhile"),
+                  HasSubstr(" " + Name() + "the sound server goes on"),
+                  HasSubstr(" " + Name() + "stopped after ")));
 }
 
 TEST_P(DeviceServer, CountsWhatFailedInTheRoundInWhichItIsLost) {
