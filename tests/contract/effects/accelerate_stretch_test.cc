@@ -148,6 +148,18 @@ TEST_P(SoundProcessTest, WritesNoMoreThanItsArrayHolds) {
   EXPECT_THAT(engine.wavs["out.wav"].samples, SizeIs(8192));
 }
 
+// 8192 samples are no multiple of 3: the largest block that fits has 8190, the next one 8193.
+TEST_P(SoundProcessTest, TakesNoBlockBeyondItsArray) {
+  for (const auto& [rate, blocks] : {std::pair(273000, 1U), {273100, 0U}}) {
+    FakeEngine engine;
+    engine.wavs["whenold_8000_1.wav"] = {rate, 1, Ramp(8193)};
+
+    GetParam().routine();
+
+    EXPECT_THAT(engine.CallsWith(GetParam().function), SizeIs(blocks)) << rate;
+  }
+}
+
 TEST_P(SoundProcessTest, EndsAtOnceWhenTheInputIsMissing) {
   FakeEngine engine;
 

@@ -203,6 +203,7 @@ class FormatTable : public testing::TestWithParam<Row> {
     std::vector<std::string> command = {AUDIO_BENCH, "run"};
     command.insert(command.end(), words.begin(), words.end());
     command.insert(command.end(), {"--json", "report.json"});
+    fs::remove("report.json");
     RunProcess(command);
     return nlohmann::json::parse(ReadFile("report.json"));
   }
