@@ -10,8 +10,9 @@ import time
 
 # The groups whose tests also exercise what stands in a group.
 BUILT_ON = {"platform": ["mixing"], "common": ["codec", "mixing"], "enhancement": ["aec"], "wave": ["common"],
-            "base": ["report", "run", "cli"], "files": ["run"], "process": ["run", "cli"], "report": ["run", "cli"],
-            "catalogue": ["cli", "run"], "cli": ["run"], "run": ["cli", "process"], "harness": []}
+            "base": ["report", "run", "cli"], "files": ["run", "report"], "process": ["run", "cli"],
+            "report": ["run", "cli"], "catalogue": ["cli", "run"], "cli": ["run"], "run": ["cli", "process"],
+            "harness": [], "engine": ["cli", "run"], "demo": ["cli"], "host": ["cli", "run"]}
 STATIONS = {"audio_engine/core": "contract", "audio_engine/desktop": "desktop", "audio_engine/wave": "desktop",
             "host": "host"}
 LEAST_SECONDS = 60  # That a test program may take; a busy machine is no killed mutant.
@@ -70,8 +71,8 @@ class CopyTree:
         and tests in real time stand last, because they take longest.
         """
         station = next(s for prefix, s in STATIONS.items() if source.startswith(prefix))
-        group = next(g for g in (pathlib.PurePath(source).parent.name, pathlib.PurePath(source).parts[-3])
-                     if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing", "demo"))
+        group = next(g for g in reversed(pathlib.PurePath(source).parts[:-1])
+                     if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing"))
         names = []
         everywhere = ["routines"] if station == "contract" else []
         for wanted in [group, *BUILT_ON.get(group, []), *everywhere]:
@@ -85,14 +86,18 @@ class CopyTree:
 
     def compile(self, names):
         """Builds the programs of these tests and what they start; whether that worked."""
-        targets = list(names)
-        if any(folder.startswith("tests/host") for name in names for folder in self._tests_of(name)):
-            targets += ["audio_bench", "audio_bench_probe"]
+        return self._builds(names)
+
+    def compile_alone(self, source):
+        """Compiles one source, linking nothing; whether that worked. A header is not compiled."""
+        return not source.endswith(".cc") or self._builds([f"{self.folder / source}^"])
+
+    def _builds(self, targets):
         return subprocess.run(["ninja", "-C", str(self.build), *targets],
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
 
     def fails(self, name, case=None):
-        """Whether a test fails, or takes ten times as long as it took at first."""
+        """How a test fails, be it that it takes ten times as long as it took at first; else empty."""
         command = ["ctest", "--test-dir", str(self.build), "-R", f"^{name}$"]
         environment = dict(os.environ, **({"GTEST_FILTER": case} if case else {}))
         environment.setdefault("GTEST_FAIL_FAST", "1")
@@ -104,10 +109,10 @@ class CopyTree:
                 failed = process.wait(most) != 0
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, signal.SIGKILL)
-                return True
+                return "took too long"
         if case is None and not failed:
             self._seconds.setdefault(name, time.monotonic() - start)
-        return failed
+        return "failed" if failed else ""
 
     def code_of(self, source):
         """The machine code that stands for a source at the moment; empty for a header."""

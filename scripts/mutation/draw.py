@@ -36,21 +36,23 @@ def judge(tree, source, number, new):
         return SURVIVED, "no test covers it"
     path = tree.folder / source
     whole = path.read_text(encoding="utf-8")
-    if not tree.compile(names[:1]):
-        raise SystemExit(f"mutate: {names[0]} cannot be built unbroken")
+    if not tree.compile_alone(source):
+        raise SystemExit(f"mutate: {source} cannot be compiled unbroken")
     before = tree.code_of(source)
     lines = whole.split("\n")
     lines[number] = new
     try:
         path.write_text("\n".join(lines), encoding="utf-8")
+        if not tree.compile_alone(source):
+            return INVALID, ""
+        if before and tree.code_of(source) == before:
+            return EQUAL, ""
         # One program after the other: most mutants never reach the second one.
         for name in names:
             if not tree.compile([name]):
                 return INVALID, ""
-            if name == names[0] and before and tree.code_of(source) == before:
-                return EQUAL, ""
-            if tree.fails(name):
-                return KILLED, name
+            if how := tree.fails(name):
+                return KILLED, name if how == "failed" else f"{name} {how}"
         return SURVIVED, ""
     finally:
         path.write_text(whole, encoding="utf-8")

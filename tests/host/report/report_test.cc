@@ -9,7 +9,6 @@
 #include <set>
 #include <string>
 
-#include "base/units.h"
 #include "report_schema.h"
 #include "support/file_bytes.h"
 
@@ -250,17 +249,6 @@ TEST(ParseReport, NoticesWhatIsNotAsTheSchemaSays) {
   EXPECT_NONFATAL_FAILURE(ParseReport("{}"), "required");
   std::string text = JsonReport(Example());
   EXPECT_NONFATAL_FAILURE(ParseReport(text.replace(text.find("pcm16"), 5, "pcm17")), "pcm17");
-}
-
-TEST(Units, FitTheMagnitude) {
-  EXPECT_EQ(Seconds(0.0031), "3.1 ms");
-  EXPECT_EQ(Seconds(600), "600.00 s");
-  EXPECT_EQ(Bytes(1), "1 byte");
-  EXPECT_EQ(Bytes(1764), "1764 bytes");
-  EXPECT_EQ(Bytes(211680000), "211.7 MB");
-  EXPECT_EQ(Ratio(0.000521), "0.00052");
-  EXPECT_EQ(Decibels(-0.01), "0.0 dBFS");
-  EXPECT_EQ(ChannelName(0, 6), "channel 1");
 }
 
 }  // namespace
