@@ -85,6 +85,38 @@ TEST_F(LoudspeakerTest, TakesASourceWhileAnotherOneFillsItsBlock) {
   EXPECT_TRUE(WaitUntil([&] { return other->calls() > 0; }));
 }
 
+// Nor does anybody wait for who removes something.
+TEST_F(LoudspeakerTest, TakesASourceWhileSomethingIsBeingRemoved) {
+  const Level stays(0);
+  for (const bool removesSource : {true, false}) {
+    HeldSource held;
+    PlayFeed feed(PlayFeed::What::kPlayed, Loudspeaker::kFormat);
+    Loudspeaker::Shared().Add(&held);
+    Loudspeaker::Shared().Add(&feed);
+    EXPECT_TRUE(WaitUntil([&] { return held.called.load(); }));
+    std::thread removes([&] {
+      if (removesSource) {
+        Loudspeaker::Shared().Remove(&held);
+      } else {
+        Loudspeaker::Shared().Remove(&feed);
+      }
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::atomic<bool> added = false;
+    std::unique_ptr<Level> other;
+    std::thread adds([&] {
+      other = std::make_unique<Level>(short{1000});
+      added = true;
+    });
+    EXPECT_TRUE(WaitUntil([&] { return added.load(); })) << removesSource;
+    held.goes.count_down();
+    adds.join();
+    removes.join();
+    Loudspeaker::Shared().Remove(&held);
+    Loudspeaker::Shared().Remove(&feed);
+  }
+}
+
 TEST_F(LoudspeakerTest, MixesItsSourcesWhileTheyAreThere) {
   const Played played;
   const auto hears = [&](short level) { return WaitUntil([&] { return played.Last() == level; }); };

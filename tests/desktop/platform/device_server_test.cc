@@ -139,6 +139,17 @@ TEST_P(DeviceServer, IsLookedForAfterOneSecondAndThenEveryFive) {
           HasSubstr(" " + Name() + "stopped after ")));
 }
 
+TEST_P(DeviceServer, IsNeverAskedWhereDevicesAreNull) {
+  for (const double speed : {0.5, 1.0, 20.0}) {
+    desktop::UseNullDevices(speed);
+    ASSERT_TRUE(m_device.Start());
+    SleepMs(2005);
+    EXPECT_GE(m_device.Blocks(), 100U);
+    Stop();
+  }
+  EXPECT_TRUE(m_server.attempts.empty());
+}
+
 TEST_P(DeviceServer, IsFoundLateWhereThereWasNone) {
   m_server.there = false;
   ASSERT_TRUE(m_device.Start());
