@@ -18,6 +18,10 @@ std::vector<std::string> Seeds();
 // How many mutated inputs the driver tries.
 extern const int kIterations;
 
+// How many bytes the packaged libraries of a target lose for good in one run at most. 0 where a
+// target does not define it.
+size_t LostByLibraries();
+
 // Ends the program, as a sanitizer would, when something that always holds does not.
 #define REQUIRE(condition)                                            \
   do {                                                                \

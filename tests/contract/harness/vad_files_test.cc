@@ -55,3 +55,12 @@ TEST(VadRecordings, ReadsOnWhereANumberIsMissing) {
   EXPECT_THAT(Names("2\na.wav 1,7,b.wav 0,\n"),
               ElementsAre("F:/Stream/vad/input/a.wav", "F:/Stream/vad/input/b.wav"));
 }
+
+// fscanf takes a sign before it finds that no digit follows, and it takes a zero byte for a letter.
+TEST(VadRecordings, ReadsASignWithoutANumberAndAZeroByteAsTheBatchDoes) {
+  EXPECT_THAT(Names("2\na.wav -b.wav 0,\n+c.wav 0,\n"),
+              ElementsAre("F:/Stream/vad/input/a.wav", "F:/Stream/vad/input/b.wav"));
+  EXPECT_THAT(Names("1\n-b.wav 0,\n"), ElementsAre("F:/Stream/vad/input/-b.wav"));
+  EXPECT_THAT(Names({"2\na\0.wav 0,\nb.wav 0,\n", 20}),
+              ElementsAre("F:/Stream/vad/input/a", "F:/Stream/vad/input/b.wav"));
+}

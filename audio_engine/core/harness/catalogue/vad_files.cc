@@ -24,18 +24,18 @@ class Scanner {
   // As "%d".
   bool ReadInteger(int& number) {
     SkipSpace();
-    std::string_view digits = m_left;
-    const bool plus = digits.starts_with('+');
-    if (plus) digits.remove_prefix(1);
-    if (plus && digits.starts_with('-')) return false;
-    long long value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [last, error] = std::from_chars(digits.data(), end, value);
-    if (last == digits.data()) return false;
+    const bool minus = m_left.starts_with('-');
+    // A sign is read even where no number follows it.
+    if (minus || m_left.starts_with('+')) m_left.remove_prefix(1);
+    unsigned long long digits = 0;
+    const auto [last, error] = std::from_chars(m_left.begin(), m_left.end(), digits);
+    if (last == m_left.begin()) return false;
     // The C library stops at the greatest long and keeps its low bits.
-    if (error != std::errc()) value = digits.starts_with('-') ? LLONG_MIN : LLONG_MAX;
+    const bool fits = error == std::errc() && digits <= LLONG_MAX;
+    long long value = fits ? static_cast<long long>(digits) : LLONG_MAX;
+    if (minus) value = fits ? -value : LLONG_MIN;
     number = static_cast<int>(value);
-    m_left.remove_prefix(static_cast<size_t>(last - m_left.data()));
+    m_left.remove_prefix(static_cast<size_t>(last - m_left.begin()));
     return true;
   }
 
@@ -70,7 +70,7 @@ class Scanner {
 }  // namespace
 
 std::vector<FileUse> VadRecordings(std::string_view description) {
-  Scanner scanner(description.substr(0, description.find('\0')));
+  Scanner scanner(description);
   std::vector<FileUse> recordings;
   int count = 0;
   scanner.ReadInteger(count);
@@ -80,6 +80,8 @@ std::vector<FileUse> VadRecordings(std::string_view description) {
     int segments = 0;
     scanner.ReadNumber(segments);
     if (segments > kMostSegments) break;
+    // A zero byte is read like a letter, and ends the name that is opened.
+    name = name.substr(0, name.find('\0'));
     recordings.push_back(MonoWave("F:/Stream/vad/input/" + std::string(name)));
     for (int pair = 0; pair < segments; ++pair) {
       int start = 0;
