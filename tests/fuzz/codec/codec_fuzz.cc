@@ -36,7 +36,7 @@ std::vector<std::string> Seeds() {
   const std::vector<CodecId>& ids = CodecIds();
   for (size_t i = 0; i < ids.size(); ++i) {
     const AudioStreamFormat format = FormatFromRawCodecId(ids[i].rawId);
-    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.4);
+    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.2);
     const int frame = format.iSamplesOfFrame * format.iNumOfChannels;
     std::string packets(1, static_cast<char>(2 * i));
     const auto encoder = OpenCodec(ids[i].rawId, kAudioLibraryEncoder);

@@ -7,7 +7,7 @@ std::vector<std::string> PlainStreams() {
   std::vector<std::string> streams;
   for (const CodecId& id : CodecIds()) {
     const AudioStreamFormat format = FormatFromRawCodecId(id.rawId);
-    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.4);
+    const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 0.2);
     std::string& stream = streams.emplace_back();
     for (const std::string& packet : Encode(*OpenCodec(id.rawId, kAudioLibraryEncoder), voice,
                                             format.iSamplesOfFrame * format.iNumOfChannels)) {
