@@ -1,6 +1,8 @@
 // What a sound server says of gaps and delays, put into the mouth of a real one: its library's
 // answers are exchanged at the linker's seam, so that nothing depends on when they come.
 
+#include "desktop/platform/pulse_stream.h"
+
 #include <gtest/gtest.h>
 #include <pulse/pulseaudio.h>
 
@@ -31,6 +33,9 @@ std::atomic<size_t> g_holeSamples = 0;
 std::atomic<bool> g_underflow = false;  // The server tells one as soon as it can.
 pa_stream_notify_cb_t g_toldOf = nullptr;
 void* g_toldWith = nullptr;
+std::atomic<pa_usec_t> g_latency = 50'000;  // What the server tells,
+std::atomic<bool> g_isNegative = false;     // that it is less than nothing,
+std::atomic<int> g_latencyResult = 0;       // or that it has not told.
 
 }  // namespace
 
@@ -71,9 +76,9 @@ void __wrap_pa_stream_set_underflow_callback(pa_stream* stream, pa_stream_notify
 }
 
 int __wrap_pa_stream_get_latency(pa_stream* /*stream*/, pa_usec_t* latency, int* isNegative) {
-  *latency = 50'000;
-  *isNegative = 0;
-  return 0;
+  *latency = g_latency;
+  *isNegative = g_isNegative ? 1 : 0;
+  return g_latencyResult;
 }
 }
 
@@ -124,6 +129,20 @@ TEST_F(PulseStreamTest, HearsAHoleAsSilenceAndCountsIt) {
             static_cast<ptrdiff_t>(g_holeSamples));
   EXPECT_EQ(std::count(heard.begin(), heard.end(), kHeard),
             std::ssize(heard) - static_cast<ptrdiff_t>(g_holeSamples));
+}
+
+TEST(PulseStream, TellsTheLatencyThatTheServerTells) {
+  const desktop::PulseStream stream(Direction::kOutput, {});
+  EXPECT_EQ(stream.LatencyMs(), 50U);
+  g_latency = 12'999;
+  EXPECT_EQ(stream.LatencyMs(), 12U);
+  g_isNegative = true;
+  EXPECT_EQ(stream.LatencyMs(), 0U);
+  g_latencyResult = -1;  // Nothing was given so far.
+  EXPECT_EQ(stream.LatencyMs(), 0U);
+  g_latency = 50'000;
+  g_isNegative = false;
+  g_latencyResult = 0;
 }
 
 TEST_F(PulseStreamTest, CountsAnUnderflowThatTheServerTells) {
