@@ -39,8 +39,9 @@ TEST(CatalogueWords, NameContainersAndSamples) {
 }
 
 TEST(CatalogueWords, TellFormats) {
-  EXPECT_EQ(FileFormat({}), "stream or text");
-  EXPECT_EQ(FileFormat({.container = Container::kWave}), "WAVE");
+  EXPECT_EQ(FileFormat({}), "any content");
+  EXPECT_EQ(FileFormat({.content = "a list"}), "a list");
+  EXPECT_EQ(FileFormat({.container = Container::kWave}), "16-bit WAVE");
   EXPECT_EQ(FileFormat({.container = Container::kRecording}), "WAVE, FLAC, Ogg, MP3 or AAC");
   FileUse use = {.container = Container::kHeaderless, .rate = 16000, .channels = 2};
   EXPECT_EQ(FileFormat(use), "16-bit samples, 16000 Hz, stereo");
