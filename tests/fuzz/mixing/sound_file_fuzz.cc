@@ -15,7 +15,7 @@ extern const int kIterations = 6000;
 // libsndfile 1.2.0 loses a vorbis_info and its codec_setup_info where the head of an Ogg stream is
 // damaged.
 size_t LostByLibraries() { return 6000; }
-extern "C" const char* __lsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() { return "leak:vorbis_info_init"; }
 
 namespace {
