@@ -87,7 +87,7 @@ TEST(LocalCodecEdges, APacketEndsWhereItSays) {
     const std::string packet = Packets(*OpenEncoder(type.type), type)[0];
     const DecoderPtr decoder = OpenDecoder(type.type);
     std::string out;
-    for (const size_t more : {1, 2, 7}) {
+    for (const size_t more : {1U, 2U, 7U}) {
       const std::string longer = packet + std::string(more, '\0');
       decoder->Decode(longer.data(), static_cast<int>(longer.size()), out);
       EXPECT_EQ(out, "") << type.type << " and " << more;

@@ -45,7 +45,8 @@ TEST(StreamReader, FindsTheFrameAfterAnyNumberOfOtherBytes) {
   const std::string frames = packets[5] + packets[6];
   const std::vector<Samples> expected = Read(SetupOf(2), {frames});
   ASSERT_EQ(expected.size(), 2U);
-  for (const size_t junk : {1, 2, 3, 4, 5, 16, 17, 8150, 8189, 8190, 8191, 8192, 8193, 16385}) {
+  for (const size_t junk :
+       {1U, 2U, 3U, 4U, 5U, 16U, 17U, 8150U, 8189U, 8190U, 8191U, 8192U, 8193U, 16385U}) {
     EXPECT_EQ(Read(SetupOf(2), {std::string(junk, '\x55') + frames}), expected) << junk;
     const std::string between = packets[5] + std::string(junk, '\x55') + packets[6];
     EXPECT_EQ(Read(SetupOf(2), {between}), expected) << junk;

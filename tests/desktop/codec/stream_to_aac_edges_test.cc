@@ -89,7 +89,7 @@ TEST_F(StreamToAacEdges, TheFrameAfterAnyNumberOfOtherBytesIsFound) {
   for (const int id : {1, 35, 2}) {
     const std::vector<std::string> packets = Packets(id);
     const std::string whole = Converted(Join(packets));
-    for (const size_t junk : {1, 2, 3, 8, 9}) {
+    for (const size_t junk : {1U, 2U, 3U, 8U, 9U}) {
       const std::string noise(junk, '\x55');
       EXPECT_EQ(Converted(noise + Join(packets)), whole) << id << " after " << junk;
     }
@@ -106,7 +106,7 @@ TEST_F(StreamToAacEdges, ASingleFrame) {
   for (const int id : {1, 35, 2}) {
     const std::string frame = Packets(id)[0];
     EXPECT_NE(Converted(frame), "") << id;
-    for (const size_t junk : {1, 2, 3}) {
+    for (const size_t junk : {1U, 2U, 3U}) {
       EXPECT_EQ(Converted(std::string(junk, '\x55') + frame), Converted(frame)) << id;
     }
     const CapturedStderr log;
@@ -117,7 +117,7 @@ TEST_F(StreamToAacEdges, ASingleFrame) {
 // As many samples as came in, filled up to a frame, and what the encoder still held.
 TEST_F(StreamToAacEdges, TheEndIsThere) {
   const std::vector<std::string> packets = Packets(2);
-  for (const size_t count : {size_t{1}, size_t{3}, size_t{16}, size_t{20}}) {
+  for (const size_t count : {size_t{1U}, size_t{3}, size_t{16}, size_t{20}}) {
     const std::string aac =
         Converted(Join({packets.begin(), packets.begin() + static_cast<std::ptrdiff_t>(count)}));
     size_t frames = 0;

@@ -95,7 +95,7 @@ TEST(IsAdts, KnowsAFrameThatIsNoMoreThanItsHeader) {
 }
 
 TEST(IsAdts, LooksBehindATag) {
-  for (const size_t bytes : {0, 1, 127, 128, 300, 20000}) {
+  for (const size_t bytes : {0U, 1U, 127U, 128U, 300U, 20000U}) {
     EXPECT_TRUE(IsAdtsFile(Tag(bytes) + Frame(20) + Frame(30))) << bytes;
     EXPECT_FALSE(IsAdtsFile(Tag(bytes) + "x" + Frame(20) + Frame(30))) << bytes;
   }
@@ -108,7 +108,8 @@ TEST(IsAdts, LooksBehindATag) {
 TEST(AdtsReader, GivesEachFrameWholeWhateverItsLength) {
   std::vector<std::string> frames;
   std::string bytes;
-  for (const size_t length : {8, 9, 255, 256, 2047, 2048, 8190, 8191, 8191, 8191, 8, 8191, 20}) {
+  for (const size_t length :
+       {8U, 9U, 255U, 256U, 2047U, 2048U, 8190U, 8191U, 8191U, 8191U, 8U, 8191U, 20U}) {
     frames.push_back(Frame(length, static_cast<char>('a' + frames.size())));
     bytes += frames.back();
   }

@@ -91,8 +91,8 @@ TEST_F(MixingRoutines, TestAudioMixerSumsItsFiveViews) {
   ASSERT_EQ(out.size(), 500'000U / 320 * 320);
   const auto* mix = reinterpret_cast<const short*>(out.data());
   // 48000 samples are a whole number of periods: all five views say the same.
-  for (const int at : {40, 20'000, 57'000}) EXPECT_NEAR(mix[at], 5 * whole[at], 2) << at;
-  for (int at = 202'000; at < 249'000; ++at) ASSERT_EQ(mix[at], whole[at]) << at;
+  for (const size_t at : {40U, 20'000U, 57'000U}) EXPECT_NEAR(mix[at], 5 * whole[at], 2) << at;
+  for (size_t at = 202'000; at < 249'000; ++at) ASSERT_EQ(mix[at], whole[at]) << at;
 }
 
 TEST_F(MixingRoutines, TestRecordMixerSumsVoiceAndAccompaniment) {

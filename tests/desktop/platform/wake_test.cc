@@ -16,10 +16,10 @@ std::atomic<time_t> g_setBack = 0;
 
 }  // namespace
 
-// In place of the system's, for the whole program.
-extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
-  const auto result = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
-  if (clock == CLOCK_REALTIME) time->tv_sec -= g_setBack;
+// In place of the system's, under whose names its parameters stand, for the whole program.
+extern "C" int clock_gettime(clockid_t __clock_id, timespec* __tp) noexcept {
+  const auto result = static_cast<int>(syscall(SYS_clock_gettime, __clock_id, __tp));
+  if (__clock_id == CLOCK_REALTIME) __tp->tv_sec -= g_setBack;
   return result;
 }
 

@@ -46,7 +46,7 @@ TEST_F(FingerprintTest, TellsLengthsApart) {
 TEST_F(FingerprintTest, SeesEachByteOfAFile) {
   const std::string bytes(2 * 65536 + 9, 'a');
   const uint64_t unchanged = Of(bytes);
-  for (const size_t at : {0, 7, 8, 65535, 65536, 131071, 131072, 131079, 131080}) {
+  for (const size_t at : {0U, 7U, 8U, 65535U, 65536U, 131071U, 131072U, 131079U, 131080U}) {
     std::string changed = bytes;
     changed[at] = 'b';
     EXPECT_NE(Of(changed), unchanged) << "byte " << at;
