@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -49,7 +48,9 @@ constexpr Signature kSignatures[] = {
 };
 
 bool HasAt(Bytes head, size_t at, std::string_view text) {
-  return head.size() >= at + text.size() && memcmp(head.data() + at, text.data(), text.size()) == 0;
+  if (head.size() < at + text.size()) return false;
+  const auto same = [](char letter, uint8_t byte) { return static_cast<uint8_t>(letter) == byte; };
+  return std::equal(text.begin(), text.end(), head.begin() + static_cast<ptrdiff_t>(at), same);
 }
 
 // Of four bytes, which are there.

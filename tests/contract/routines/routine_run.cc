@@ -18,6 +18,13 @@
 
 using harness::CatalogueRow;
 
+// What the leak check of the address sanitizer passes over: the first one never frees its buffer on
+// purpose, the second one is left by an exception where it would wait for ever.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+const char* __lsan_default_suppressions() {
+  return "leak:TestAACStreamToAAC\nleak:TestKaraokeFileMixer\n";
+}
+
 namespace {
 
 struct Ended {};
