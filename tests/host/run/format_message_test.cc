@@ -135,7 +135,7 @@ TEST_F(FormatMessage, TakesTheOutputOfACopiedHeaderForWhole) {
 
 TEST_F(FormatMessage, TakesBlocksThatEndWithinAFrameForWhole) {
   const WavFormat format = {.channels = 2, .rate = 22050};
-  for (const size_t frames : {4410, 4631}) {  // 20 and 21 blocks of 441 samples.
+  for (const size_t frames : {4410U, 4631U}) {  // 20 and 21 blocks of 441 samples.
     Put("in.wav", Wave(format, frames));
     EXPECT_THAT(Run({"TestHPFProcess", "in.wav", "out.wav"}).out, StartsWith("pass")) << frames;
     Put("ns_in.wav", Wave(format, frames));
