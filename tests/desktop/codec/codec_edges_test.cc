@@ -155,3 +155,24 @@ TEST(CodecEdges, ARefusedFormatIsSaidOnce) {
   ASSERT_EQ(log.Lines().size(), 1U) << log.Text();
   EXPECT_THAT(log.Text(), testing::HasSubstr("Opus codec: no such format"));
 }
+
+// One byte is no packet either: it is said, and nothing comes out.
+TEST(CodecEdges, SayThatASingleByteIsNoFrame) {
+  for (const CodecId& id : CodecIds()) {
+    const CapturedStderr log;
+    EXPECT_EQ(Process(*OpenCodec(id.rawId, kAudioLibraryDecoder), "x"), "") << id.rawId;
+    EXPECT_THAT(log.Text(), testing::HasSubstr("no frame of this codec")) << id.rawId;
+  }
+}
+
+// A frame that comes in parts is one packet, also where its last part is a single byte.
+TEST(CodecEdges, AFrameMayComeByteByByte) {
+  for (const CodecId& id : CodecIds()) {
+    const std::string frame = Material(id.rawId).first;
+    const auto encoder = OpenCodec(id.rawId, kAudioLibraryEncoder);
+    EXPECT_EQ(Process(*encoder, frame.substr(0, frame.size() - 1)), "") << id.rawId;
+    EXPECT_EQ(Process(*encoder, frame.substr(frame.size() - 1)),
+              Process(*OpenCodec(id.rawId, kAudioLibraryEncoder), frame))
+        << id.rawId;
+  }
+}
