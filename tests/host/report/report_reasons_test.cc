@@ -174,7 +174,8 @@ TEST(ReportReasons, OfACopyThatFailed) {
   report.outputs[0].copy->problem = "";
   EXPECT_THAT(TextReport(report), HasSubstr("  copy    work/out.wav  16-bit, no dither\n"));
   report.outputs[0].copy->attenuation = 0.3;
-  EXPECT_THAT(TextReport(report), HasSubstr("no dither, attenuated by 0.3 dB to a peak of -1 dBFS"));
+  EXPECT_THAT(TextReport(report),
+              HasSubstr("no dither, attenuated by 0.3 dB to a peak of -1 dBFS"));
 }
 
 TEST(ReportReasons, OfAFileThatIsNoAudioButThere) {
