@@ -73,16 +73,16 @@ TEST_F(ResultFileTest, WritesThroughASymbolicLink) {
 }
 
 TEST_F(ResultFileTest, FollowsALinkOfSomebodyElseAsTheKernelDoes) {
-  fs::create_directory("shared");
-  ASSERT_EQ(chmod("shared", 01777), 0);
+  fs::create_directory("sticky");
+  ASSERT_EQ(chmod("sticky", 01777), 0);
   WriteFile("report", "");
   chmod("report", 0600);
-  fs::create_symlink(fs::absolute("report"), "shared/link");
-  RecordProperty("lchown", lchown("shared/link", 65534, 65534));  // Without rights it stays ours.
-  const int opened = open("shared/link", O_WRONLY);
+  fs::create_symlink(fs::absolute("report"), "sticky/link");
+  RecordProperty("lchown", lchown("sticky/link", 65534, 65534));  // Without rights it stays ours.
+  const int opened = open("sticky/link", O_WRONLY);
   const bool allowed = opened >= 0;
   if (allowed) close(opened);
-  EXPECT_EQ(Run({"Nothing", "--json", "shared/link"}).exitCode, allowed ? 0 : 2);
+  EXPECT_EQ(Run({"Nothing", "--json", "sticky/link"}).exitCode, allowed ? 0 : 2);
   EXPECT_EQ(ReadFile("report").empty(), !allowed);
 }
 
