@@ -44,6 +44,7 @@ std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_vie
   std::vector<FilePlace> places;
   for (const FileUse& use : uses) {
     FilePlace place = {.use = use, .name = FillIn(use.name, names, arguments), .path = {}};
+    place.use.formatOf = FillIn(use.formatOf, names, arguments);
     const std::optional<std::string> mapped = PlaceInWorkspace(place.name);
     if (mapped) {
       place.place = *mapped;

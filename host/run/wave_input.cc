@@ -150,7 +150,7 @@ void AddFormatWarning(const AudioLayout& audio, std::span<FileReport> inputs, Fi
   }
   if (wanted.use.formatOf.empty()) return;
   const auto other = std::find_if(inputs.begin(), inputs.end(), [&](const FileReport& each) {
-    return each.place.use.name == wanted.use.formatOf;
+    return each.place.name == wanted.use.formatOf;
   });
   const auto otherAudio = other == inputs.end() ? std::nullopt : Open(*other).audio;
   if (!otherAudio || Fits(audio, {otherAudio->rate, otherAudio->channels})) return;

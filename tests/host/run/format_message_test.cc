@@ -77,6 +77,12 @@ TEST_F(FormatMessage, NamesTheRateBelowWhichTheTempoEndsTheProcess) {
   EXPECT_EQ(Run({"TestSoundTouchBpm"}).exitCode, 0);
 }
 
+TEST_F(FormatMessage, NamesTheFileWhoseFormatAnotherOneNeeds) {
+  Put("near.wav", Wave(kMono));
+  EXPECT_THAT(Run({"TestZUAec", "near.wav", "far.wav", "out.wav", "true"}).out,
+              HasSubstr("16-bit WAVE, the rate and channel count of near.wav\n"));
+}
+
 TEST_F(FormatMessage, NamesBothFormatsWhereNothingComesOfAnInput) {
   Put("near.wav", Wave(kMono));
   Put("far.wav", Wave(kStereo));
