@@ -3,9 +3,9 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/effects/routines.h"
+#include "catalogue/hrtf_files.h"
 #include "cpu_timer.h"
 #include "files/path_map.h"
-#include "harness/catalogue/hrtf_files.h"
 #include "recording.h"
 #include "support/temporary_directory.h"
 

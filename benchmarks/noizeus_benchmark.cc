@@ -11,9 +11,9 @@
 
 #include "bench/enhancement/routines.h"
 #include "bench/enhancement/speech_segment.h"
+#include "catalogue/noizeus_files.h"
 #include "cpu_timer.h"
 #include "engine_api/enhancement/audio_denoise.h"
-#include "harness/catalogue/noizeus_files.h"
 #include "noise.h"
 #include "support/temporary_directory.h"
 

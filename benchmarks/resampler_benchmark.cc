@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cpu_timer.h"
-#include "desktop/common/resampler.h"
+#include "desktop/dsp/rate/resampler.h"
 #include "noise.h"
 #include "peak_multiply_add.h"
 #include "recording.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 
 // The catalogue's names, as the host uses them.
 

@@ -1,6 +1,6 @@
-#include "desktop/mixing/refused_files.h"
-#include "desktop/platform/audio_device.h"
-#include "desktop/platform/background.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/devices/background.h"
+#include "desktop/files/refused_files.h"
 #include "engine/engine_work.h"
 
 namespace host {

@@ -6,9 +6,9 @@
 #include <filesystem>
 
 #include "bench/enhancement/routines.h"
+#include "catalogue/vad_files.h"
 #include "engine_api/common/wav_reader.h"
 #include "fuzz/fuzz_target.h"
-#include "harness/catalogue/vad_files.h"
 #include "support/file_bytes.h"
 
 extern const int kIterations = 300;

@@ -33,7 +33,7 @@ runs() {
 }
 
 cat >consumer.cc <<'SOURCE'
-#include <audio_engine/harness/catalogue/run_test_case.h>
+#include <audio_engine/catalogue/run_test_case.h>
 int main() { RunTestCase(); }
 SOURCE
 

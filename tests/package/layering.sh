@@ -1,6 +1,6 @@
 #!/bin/bash
 # Includes point one way: layering.sh PROJECT_FOLDER
-#   host -> harness/catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
+#   host -> catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
 set -euo pipefail
 
 cd "$1"
@@ -26,17 +26,23 @@ api="engine_api/[a-z]+"
 
 allow audio_engine/core/engine_api "$standard|\"(\.\./[a-z]+/)?$name\""
 allow audio_engine/wave "$standard|$beside"
-allow audio_engine/core/harness "$library|\"($api|harness)/$name\"" --exclude-dir=catalogue
+allow audio_engine/core/harness "$library|\"($api|harness)/$name\""
 allow audio_engine/core/bench "$library|\"($api|harness|bench/[a-z]+)/$name\""
-allow audio_engine/core/harness/catalogue "$library|\"($api|harness|harness/catalogue|bench/[a-z]+)/$name\""
-allow audio_engine/desktop "$library|<webrtc/[a-z/_]+>|$beside|\"($api|desktop/[a-z]+|wave)/$name\""
+allow audio_engine/core/catalogue "$library|\"($api|harness|catalogue|bench/[a-z]+)/$name\""
+# Of the desktop engine, each folder may include itself and the ones named before it.
+below='platform'
+for folder in platform common devices dsp enhancement aec codec files live effects mixing; do
+  below+="|$folder"
+  allow "audio_engine/desktop/$folder" \
+    "$library|<webrtc/[a-z/_]+>|$beside|\"($api|desktop/($below)(/[a-z]+)?|wave)/$name\""
+done
 # Of the host, each folder may include itself and the ones named before it; only one file of it
 # knows the desktop engine.
-allow host/engine "$standard|\"(engine/engine_work|desktop/(platform/(audio_device|background)|mixing/refused_files))\.h\""
+allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files))\.h\""
 below='base|engine'
 for folder in base files process catalogue report demo run cli; do
   below+="|$folder"
-  allow "host/$folder" "$library|\"($below|harness/catalogue|wave)/$name\"|\"harness/format_name.h\""
+  allow "host/$folder" "$library|\"($below|catalogue|wave)/$name\"|\"harness/format_name.h\""
 done
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""
 

@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "desktop/aec/aec_recorder.h"
+#include "desktop/aec/parts/aec_recorder.h"
 #include "engine_api/platform/log.h"
 
 struct CAecFileWriter::Recorder {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "desktop/aec/mobile_canceller.h"
+#include "desktop/aec/parts/mobile_canceller.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "desktop/aec/band_split.h"
-#include "desktop/common/resampler.h"
+#include "desktop/aec/parts/band_split.h"
+#include "desktop/dsp/rate/resampler.h"
 #include "engine_api/common/channel_buffer.h"
 
 namespace zuwebrtc {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <new>
 
-#include "desktop/aec/delay_tracker.h"
-#include "desktop/aec/mono_input.h"
+#include "desktop/aec/parts/delay_tracker.h"
+#include "desktop/aec/parts/mono_input.h"
 #include "engine_api/platform/log.h"
 
 namespace {

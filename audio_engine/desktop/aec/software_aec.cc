@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "desktop/aec/capture_chain.h"
+#include "desktop/aec/parts/capture_chain.h"
 #include "engine_api/platform/log.h"
 
 // The desktop's chain, and what the module itself remembers.

@@ -4,7 +4,7 @@
 #include <new>
 #include <optional>
 
-#include "desktop/aec/echo_canceller.h"
+#include "desktop/aec/parts/echo_canceller.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <optional>
 
-#include "desktop/codec/codec_table.h"
-#include "desktop/codec/frame_codec.h"
+#include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/frame_codec.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/platform/log.h"
 

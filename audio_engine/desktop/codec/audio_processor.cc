@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/codec/codec_table.h"
-#include "desktop/codec/output_queue.h"
-#include "desktop/codec/stream_reader.h"
-#include "desktop/common/resampler.h"
+#include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/output_queue.h"
+#include "desktop/codec/parts/stream_reader.h"
+#include "desktop/dsp/rate/resampler.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "engine_api/codec/codec_format.h"
 
-#include "desktop/codec/codec_table.h"
+#include "desktop/codec/parts/codec_table.h"
 #include "engine_api/codec/net_codec_stream_format.h"
 
 namespace {

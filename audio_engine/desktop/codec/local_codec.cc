@@ -4,9 +4,9 @@
 #include <memory>
 #include <optional>
 
-#include "desktop/codec/codec_table.h"
-#include "desktop/codec/frame_codec.h"
-#include "desktop/codec/frame_loss.h"
+#include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/frame_loss.h"
 #include "engine_api/codec/codec_format.h"
 
 namespace AudioLocalCodec {

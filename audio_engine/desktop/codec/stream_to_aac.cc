@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include "desktop/codec/adts_converter.h"
+#include "desktop/codec/parts/adts_converter.h"
 
 int TransZUStreamToAAC(const char* data, int size, unsigned char** out) {
   return desktop::ConvertToAdts(reinterpret_cast<const unsigned char*>(data), size, INT_MAX, out);

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/effects/time_scaler.h"
+#include "desktop/dsp/tempo/time_scaler.h"
 #include "engine_api/platform/log.h"
 
 namespace {

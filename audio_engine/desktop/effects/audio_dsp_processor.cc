@@ -2,9 +2,9 @@
 
 #include <exception>
 
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/dsp/reverb/reverb.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/reverb.h"
 
 namespace {
 

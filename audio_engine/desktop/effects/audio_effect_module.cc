@@ -1,8 +1,8 @@
 #include "engine_api/effects/audio_effect_module.h"
 
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/dsp/filters/graphic_equalizer.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/graphic_equalizer.h"
 
 struct AudioEffectModule::Impl {
   desktop::GraphicEqualizer equalizer;

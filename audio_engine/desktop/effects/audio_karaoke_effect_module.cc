@@ -2,9 +2,9 @@
 
 #include <exception>
 
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/filters/denormal_guard.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/karaoke_chain.h"
+#include "desktop/effects/karaoke/karaoke_chain.h"
 
 struct AudioKaraokeEffectModule::Impl {
   desktop::KaraokeChain chain;

@@ -4,9 +4,9 @@
 #include <array>
 #include <exception>
 
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/dsp/music/music_features.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/music_features.h"
 
 namespace {
 

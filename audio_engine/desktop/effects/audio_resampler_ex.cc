@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "desktop/common/resampler.h"
+#include "desktop/dsp/rate/resampler.h"
 #include "engine_api/platform/log.h"
 
 namespace {

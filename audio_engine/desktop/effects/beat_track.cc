@@ -9,8 +9,8 @@
 #include <new>
 #include <optional>
 
-#include "desktop/effects/beat_follower.h"
-#include "desktop/effects/onset_envelope.h"
+#include "desktop/dsp/music/beat_follower.h"
+#include "desktop/dsp/music/onset_envelope.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 

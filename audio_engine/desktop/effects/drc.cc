@@ -6,8 +6,8 @@
 #include <exception>
 #include <utility>
 
-#include "desktop/effects/compressor.h"
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/dynamics/compressor.h"
+#include "desktop/dsp/filters/denormal_guard.h"
 #include "engine_api/platform/log.h"
 
 namespace {

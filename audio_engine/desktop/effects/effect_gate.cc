@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "desktop/effects/sample_pieces.h"
+#include "desktop/dsp/sample_pieces.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {

@@ -4,9 +4,9 @@
 #include <new>
 #include <utility>
 
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/dsp/filters/graphic_equalizer.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/graphic_equalizer.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/effects/fir_kernel.h"
+#include "desktop/dsp/filters/fir_kernel.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <tuple>
 
-#include "desktop/effects/hrtf_table.h"
+#include "desktop/effects/hrtf/hrtf_table.h"
 
 // The bytes of HRTF_TABLE_FILE. An array literal of that size would take the compiler seconds.
 extern "C" [[gnu::visibility("hidden")]] const HrtfTable kHrtfTable;

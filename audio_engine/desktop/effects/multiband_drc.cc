@@ -4,10 +4,10 @@
 #include <cmath>
 #include <exception>
 
-#include "desktop/effects/compressor.h"
-#include "desktop/effects/denormal_guard.h"
+#include "desktop/dsp/dynamics/compressor.h"
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/dsp/filters/linkwitz_riley.h"
 #include "desktop/effects/effect_gate.h"
-#include "desktop/effects/linkwitz_riley.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <span>
 
-#include "desktop/effects/best_match.h"
+#include "desktop/dsp/tempo/best_match.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <new>
 
-#include "desktop/effects/voice_stream.h"
+#include "desktop/effects/voice/voice_stream.h"
 
 namespace {
 

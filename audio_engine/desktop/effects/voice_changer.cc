@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "desktop/effects/voice_stream.h"
+#include "desktop/effects/voice/voice_stream.h"
 
 namespace {
 

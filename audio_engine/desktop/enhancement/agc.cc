@@ -4,7 +4,7 @@
 #include <cmath>
 #include <new>
 
-#include "desktop/enhancement/level_control.h"
+#include "desktop/enhancement/parts/level_control.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "engine_api/enhancement/audio_agc.h"
 
-#include "desktop/enhancement/block_gain.h"
+#include "desktop/enhancement/parts/block_gain.h"
 
 namespace ZUAudio {
 

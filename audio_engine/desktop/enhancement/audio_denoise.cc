@@ -5,7 +5,7 @@
 #include <exception>
 #include <vector>
 
-#include "desktop/enhancement/spectral_suppressor.h"
+#include "desktop/enhancement/parts/spectral_suppressor.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <exception>
 #include <vector>
 
-#include "desktop/enhancement/activity_detector.h"
-#include "desktop/enhancement/steady_noise.h"
+#include "desktop/enhancement/parts/activity_detector.h"
+#include "desktop/enhancement/parts/steady_noise.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "desktop/mixing/sum_limiter.h"
+#include "desktop/dsp/dynamics/sum_limiter.h"
 
 struct CAudioBlockMixer::State {
   size_t channels;

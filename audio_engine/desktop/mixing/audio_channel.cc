@@ -7,12 +7,12 @@
 #include <map>
 #include <memory>
 
-#include "desktop/mixing/frame_packer.h"
-#include "desktop/mixing/frame_player.h"
-#include "desktop/mixing/loudspeaker.h"
-#include "desktop/mixing/microphone.h"
+#include "desktop/devices/ticker.h"
+#include "desktop/live/frame_packer.h"
+#include "desktop/live/frame_player.h"
+#include "desktop/live/loudspeaker.h"
+#include "desktop/live/microphone.h"
 #include "desktop/platform/callback_scope.h"
-#include "desktop/platform/ticker.h"
 #include "engine_api/platform/log.h"
 
 namespace {

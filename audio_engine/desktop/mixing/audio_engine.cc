@@ -7,9 +7,9 @@
 #include <mutex>
 #include <vector>
 
-#include "desktop/mixing/audio_saver.h"
-#include "desktop/mixing/engine_feature.h"
-#include "desktop/mixing/microphone.h"
+#include "desktop/live/engine_feature.h"
+#include "desktop/live/microphone.h"
+#include "desktop/mixing/parts/audio_saver.h"
 #include "desktop/platform/callback_scope.h"
 #include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"

@@ -1,6 +1,6 @@
 #include "engine_api/mixing/audio_file_player.h"
 
-#include "desktop/mixing/file_player.h"
+#include "desktop/live/file_player.h"
 #include "desktop/platform/callback_scope.h"
 
 namespace {

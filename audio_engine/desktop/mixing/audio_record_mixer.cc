@@ -6,8 +6,8 @@
 #include <mutex>
 #include <vector>
 
-#include "desktop/mixing/frame_converter.h"
-#include "desktop/mixing/sum_limiter.h"
+#include "desktop/dsp/dynamics/sum_limiter.h"
+#include "desktop/mixing/parts/frame_converter.h"
 
 namespace {
 

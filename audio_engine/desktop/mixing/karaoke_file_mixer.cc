@@ -7,8 +7,8 @@
 #include <string>
 #include <thread>
 
-#include "desktop/mixing/file_sink.h"
-#include "desktop/mixing/karaoke_mix.h"
+#include "desktop/files/file_sink.h"
+#include "desktop/mixing/karaoke/karaoke_mix.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 

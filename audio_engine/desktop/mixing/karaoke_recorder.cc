@@ -6,15 +6,15 @@
 #include <optional>
 #include <string>
 
-#include "desktop/mixing/converted_source.h"
-#include "desktop/mixing/file_player.h"
-#include "desktop/mixing/file_sink.h"
-#include "desktop/mixing/loudspeaker.h"
-#include "desktop/mixing/microphone.h"
-#include "desktop/mixing/note_scorer.h"
-#include "desktop/mixing/pitch_tracker.h"
-#include "desktop/mixing/recorded_file.h"
-#include "desktop/mixing/sum_limiter.h"
+#include "desktop/dsp/dynamics/sum_limiter.h"
+#include "desktop/dsp/music/pitch_tracker.h"
+#include "desktop/files/converted_source.h"
+#include "desktop/files/file_sink.h"
+#include "desktop/files/recorded_file.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/loudspeaker.h"
+#include "desktop/live/microphone.h"
+#include "desktop/mixing/karaoke/note_scorer.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 

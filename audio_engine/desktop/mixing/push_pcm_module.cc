@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "desktop/common/resampler.h"
-#include "desktop/mixing/sum_limiter.h"
+#include "desktop/dsp/dynamics/sum_limiter.h"
+#include "desktop/dsp/rate/resampler.h"
 #include "engine_api/platform/log.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <thread>
 
-#include "desktop/mixing/file_player.h"
+#include "desktop/live/file_player.h"
 #include "desktop/platform/callback_scope.h"
 #include "desktop/platform/wake.h"
 #include "engine_api/platform/log.h"

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "fake_engine/codec/codec_format.h"
 #include "fake_engine/fake_engine.h"
-#include "harness/catalogue/catalogue.h"
 
 using harness::Catalogue;
 using harness::CatalogueRow;

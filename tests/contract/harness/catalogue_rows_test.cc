@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/codec/local_codec.h"
 #include "fake_engine/fake_engine.h"
-#include "harness/catalogue/catalogue.h"
 
 using harness::Catalogue;
 using harness::CatalogueRow;

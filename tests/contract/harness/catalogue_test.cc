@@ -1,4 +1,4 @@
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "harness/catalogue/invoke.h"
+#include "catalogue/invoke.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 
 using harness::ArgumentFault;
 using harness::Invoke;

@@ -1,4 +1,4 @@
-#include "harness/catalogue/run_test_case.h"
+#include "catalogue/run_test_case.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
+#include "catalogue/routines.h"
 #include "fake_engine/fake_engine.h"
-#include "harness/catalogue/routines.h"
 
 using testing::ElementsAre;
 

@@ -1,4 +1,4 @@
-#include "harness/catalogue/vad_files.h"
+#include "catalogue/vad_files.h"
 
 #include <gmock/gmock.h>
 

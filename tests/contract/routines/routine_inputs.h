@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "fake_engine/fake_engine.h"
-#include "harness/catalogue/catalogue.h"
 #include "support/wav_bytes.h"
 
 // One run of each routine: the words, and files and answers with which it goes through its loops a

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 
 // What becomes of one run of a routine.
 struct RoutineRun {

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "desktop/platform/background.h"
+#include "desktop/devices/background.h"
 #include "engine_api/common/wav_reader.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
 #include "engine_api/codec/codec_format.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"

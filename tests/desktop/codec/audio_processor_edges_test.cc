@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
 #include "engine_api/codec/audio_processor.h"
 #include "engine_api/codec/codec_format.h"
 

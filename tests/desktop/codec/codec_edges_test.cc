@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
 #include "engine_api/codec/codec_format.h"
 #include "support/captured_stderr.h"
 

@@ -1,4 +1,4 @@
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "ffmpeg.h"
+#include "desktop/codec/ffmpeg.h"
 
 #include <cstdlib>
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "codec_material.h"
-#include "desktop/codec/frame_loss.h"
+#include "desktop/codec/codec_material.h"
+#include "desktop/codec/parts/frame_loss.h"
 #include "engine_api/codec/local_codec.h"
 #include "support/captured_stderr.h"
 

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/codec/stream_to_aac.h"
 #include "support/captured_stderr.h"

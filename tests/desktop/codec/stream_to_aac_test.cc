@@ -4,9 +4,9 @@
 
 #include <cstdlib>
 
-#include "codec_material.h"
+#include "desktop/codec/codec_material.h"
+#include "desktop/codec/ffmpeg.h"
 #include "engine_api/codec/codec_format.h"
-#include "ffmpeg.h"
 #include "support/captured_stderr.h"
 
 namespace {

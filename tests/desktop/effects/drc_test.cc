@@ -8,7 +8,7 @@
 #include <numbers>
 #include <vector>
 
-#include "desktop/effects/linkwitz_riley.h"
+#include "desktop/dsp/filters/linkwitz_riley.h"
 #include "engine_api/effects/multiband_drc.h"
 #include "process_frames.h"
 #include "support/captured_stderr.h"

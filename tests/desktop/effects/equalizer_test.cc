@@ -10,7 +10,7 @@
 #include <numbers>
 #include <vector>
 
-#include "desktop/effects/graphic_equalizer.h"
+#include "desktop/dsp/filters/graphic_equalizer.h"
 #include "engine_api/effects/audio_effect_module.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"

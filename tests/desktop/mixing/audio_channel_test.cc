@@ -8,12 +8,13 @@
 #include <optional>
 #include <thread>
 
-#include "desktop/mixing/file_player.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/frames.h"
+#include "desktop/live/played.h"
+#include "desktop/live/wait.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/platform/clock.h"
-#include "frames.h"
-#include "played.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/signals.h"
@@ -21,7 +22,6 @@
 #include "support/temporary_directory.h"
 #include "support/voice.h"
 #include "support/wav_bytes.h"
-#include "wait.h"
 
 using testing::ContainsRegex;
 using testing::HasSubstr;

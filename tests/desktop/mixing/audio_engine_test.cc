@@ -9,20 +9,20 @@
 #include <optional>
 #include <string>
 
-#include "desktop/mixing/file_player.h"
-#include "desktop/mixing/microphone.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/microphone.h"
+#include "desktop/live/played.h"
+#include "desktop/live/wait.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_file_player.h"
 #include "engine_api/platform/clock.h"
 #include "engine_api/platform/log.h"
-#include "played.h"
 #include "support/captured_stderr.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/tone.h"
 #include "support/wav_bytes.h"
-#include "wait.h"
 
 namespace {
 

@@ -8,19 +8,19 @@
 #include <thread>
 
 #include "call_back_in.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/live/frames.h"
+#include "desktop/live/wait.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/audio_file_player.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
 #include "engine_api/mixing/speech_msg_player.h"
-#include "frames.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/tone.h"
 #include "support/wav_bytes.h"
-#include "wait.h"
 
 namespace {
 

@@ -4,16 +4,16 @@
 
 #include <memory>
 
-#include "desktop/mixing/audio_saver.h"
-#include "desktop/mixing/file_player.h"
-#include "desktop/mixing/microphone.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/frames.h"
+#include "desktop/live/microphone.h"
+#include "desktop/mixing/parts/audio_saver.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "engine_api/mixing/speech_msg_player.h"
 #include "engine_api/platform/clock.h"
-#include "frames.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"

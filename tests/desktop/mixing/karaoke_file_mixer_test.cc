@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "desktop/codec/ffmpeg.h"
-#include "desktop/mixing/file_source.h"
+#include "desktop/files/file_source.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/file_size_limit.h"

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "call_back_in.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
 #include "engine_api/effects/beat_track.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"

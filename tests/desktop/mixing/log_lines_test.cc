@@ -6,12 +6,12 @@
 #include <functional>
 #include <string>
 
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/live/frames.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
 #include "engine_api/mixing/karaoke_recorder.h"
-#include "frames.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"

@@ -10,14 +10,14 @@
 #include <functional>
 #include <string>
 
-#include "desktop/mixing/file_player.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/frames.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "engine_api/mixing/speech_msg_player.h"
-#include "frames.h"
 #include "support/captured_stderr.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"

@@ -10,16 +10,16 @@
 #include <regex>
 #include <thread>
 
-#include "desktop/mixing/engine_feature.h"
-#include "desktop/mixing/file_player.h"
-#include "desktop/mixing/microphone.h"
-#include "desktop/mixing/play_feed.h"
+#include "desktop/live/engine_feature.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/microphone.h"
+#include "desktop/live/play_feed.h"
+#include "desktop/live/played.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "engine_api/mixing/speech_msg_player.h"
 #include "engine_api/platform/clock.h"
 #include "engine_api/platform/log.h"
-#include "played.h"
 #include "support/captured_stderr.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"

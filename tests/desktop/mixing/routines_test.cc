@@ -9,11 +9,11 @@
 
 #include <filesystem>
 
-#include "desktop/mixing/file_source.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/files/file_source.h"
+#include "desktop/live/played.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/platform/clock.h"
-#include "played.h"
 #include "support/captured_stderr.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"

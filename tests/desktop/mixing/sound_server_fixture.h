@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
 #include "support/captured_stderr.h"
 #include "support/real_time.h"
 #include "support/sound_server.h"

@@ -7,9 +7,9 @@
 
 #include <thread>
 
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/live/wait.h"
 #include "sound_server_fixture.h"
-#include "wait.h"
 
 namespace {
 

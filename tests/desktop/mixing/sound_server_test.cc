@@ -7,11 +7,12 @@
 #include <numbers>
 #include <string>
 
-#include "desktop/mixing/adts_reader.h"
-#include "desktop/mixing/file_player.h"
-#include "desktop/mixing/file_source.h"
-#include "desktop/mixing/microphone.h"
-#include "desktop/platform/audio_device.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/files/adts_reader.h"
+#include "desktop/files/file_source.h"
+#include "desktop/live/file_player.h"
+#include "desktop/live/microphone.h"
+#include "desktop/live/wait.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_recorder.h"
 #include "sound_server_fixture.h"
@@ -22,7 +23,6 @@
 #include "support/temporary_directory.h"
 #include "support/tone.h"
 #include "support/wav_bytes.h"
-#include "wait.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <memory>
 
-#include "desktop/platform/audio_device.h"
-#include "desktop/platform/ticker.h"
+#include "desktop/devices/audio_device.h"
+#include "desktop/devices/ticker.h"
 #include "desktop/platform/wake.h"
 #include "engine_api/platform/clock.h"
 

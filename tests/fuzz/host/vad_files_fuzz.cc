@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
+#include "catalogue/vad_files.h"
 #include "fuzz/fuzz_target.h"
-#include "harness/catalogue/vad_files.h"
 
 extern const int kIterations = 50000;
 

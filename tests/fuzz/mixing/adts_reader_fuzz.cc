@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "desktop/mixing/adts_reader.h"
+#include "desktop/files/adts_reader.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/mixing/adts_seeds.h"
 #include "support/file_bytes.h"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "desktop/mixing/file_source.h"
+#include "desktop/files/file_source.h"
 
 // Reads a source to its end, at most about `most` frames, once more after going back, and in blocks
 // of another size: format and counts must be what the header of FileSource says, and the samples

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 #include "probe_routines.h"
 
 namespace harness {

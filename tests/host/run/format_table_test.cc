@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "harness/catalogue/catalogue.h"
+#include "catalogue/catalogue.h"
 #include "process.h"
 #include "support/file_bytes.h"
 #include "support/talk.h"

@@ -1,0 +1,33 @@
+#include "catalogue/catalogue.h"
+
+#include <utility>
+
+#include "catalogue/catalogue_rows.h"
+
+namespace harness {
+
+namespace {
+
+std::vector<CatalogueRow> AllRows() {
+  const std::pair<Group, std::vector<CatalogueRow>> groups[] = {
+      {Group::kHarness, HarnessRows()},         {Group::kAec, AecRows()},
+      {Group::kEnhancement, EnhancementRows()}, {Group::kCodec, CodecRows()},
+      {Group::kEffects, EffectsRows()},         {Group::kMixing, MixingRows()}};
+  std::vector<CatalogueRow> all;
+  for (const auto& [group, rows] : groups) {
+    for (CatalogueRow row : rows) {
+      row.group = group;
+      all.push_back(std::move(row));
+    }
+  }
+  return all;
+}
+
+}  // namespace
+
+std::span<const CatalogueRow> Catalogue() {
+  static const std::vector<CatalogueRow> rows = AllRows();
+  return rows;
+}
+
+}  // namespace harness

@@ -1,0 +1,152 @@
+// Echo cancellation.
+
+#include <string>
+
+#include "bench/aec/routines.h"
+#include "catalogue/catalogue_rows.h"
+#include "catalogue/file_use.h"
+#include "catalogue/noizeus_files.h"
+
+namespace harness {
+
+namespace {
+
+// What is as it should be without content.
+FileUse Empty(FileUse use) {
+  use.mayBeEmpty = true;
+  return use;
+}
+
+constexpr const char* kRecordings[] = {
+    "ns_in_32000",    "ns_step_32000", "sp01_airport_sn5", "sp22_street_sn10", "sp22_train_sn10",
+    "sp22_train_sn5", "mirela_ns_off", "wrpcmin32000",     "wrpcmin_ka",       "after_aec"};
+
+// One file for each of the recordings, with its name for every '*'.
+std::vector<FileUse> ForRecordings(const std::string& name) {
+  std::vector<FileUse> files;
+  const auto filled = [&name](const std::string& recording) {
+    std::string text;
+    for (const char letter : name) text += letter == '*' ? recording : std::string(1, letter);
+    return text;
+  };
+  for (const char* const recording : kRecordings) {
+    files.push_back(AnyWave(filled(recording)));
+    files.back().pattern = filled("<recording>");
+  }
+  return files;
+}
+
+// The files of a list of the corpus as WAVEs, in a folder of their own beneath it if that is given.
+std::vector<FileUse> AsWaves(std::vector<FileUse> files, const std::string& folder = "") {
+  const auto moved = [&folder](const std::string& name) {
+    const size_t end = folder.empty() ? 0 : name.rfind('/') + 1;
+    return name.substr(0, end) + folder + name.substr(end, name.size() - end - 4) + ".wav";
+  };
+  for (FileUse& file : files) {
+    const std::string pattern = moved(file.pattern);
+    file = AnyWave(moved(file.name));
+    file.pattern = pattern;
+  }
+  return files;
+}
+
+// A pair of 16 kHz mono, one frame of 10 ms at a time.
+FileUse Framed(std::string name, WaveHeader header) {
+  return TakenFor(std::move(name), kMono16, 320, header);
+}
+
+// The far end may lack a header: it is read from its first byte.
+FileUse FarEndWithoutHeader() {
+  FileUse use = Optional(Framed("{pFarendFileName}", WaveHeader::kSamples));
+  use.headerlessToo = true;
+  return use;
+}
+
+// A WAVE that goes to the engine in frames of its own format, while an output has this one.
+FileUse ForOutputOf(std::string name, WaveFormat format) {
+  FileUse use = AnyWave(std::move(name));
+  use.rate = format.rate;
+  use.channels = format.channels;
+  return use;
+}
+
+}  // namespace
+
+std::vector<CatalogueRow> AecRows() {
+  return {
+      {.declared = declared::TestEchoDelayEst,
+       .exercises = "echo-delay estimator (CEchoDelayEst) over far/near raw PCM; logs "
+                    "\"TestEchoDelayEst: %d, %d\"",
+       .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+                  Framed("{pNearendFileName}", WaveHeader::kSkipped)}},
+      {.declared = declared::TestEchoDelayEstAndAEC,
+       .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed",
+       .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+                  Framed("{pNearendFileName}", WaveHeader::kCopied)},
+       .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
+      {.declared = declared::TestZUAECNSProcess,
+       .calledBy = "TestTemp",
+       .exercises = "the engine's mobile echo canceller (AecMobile_*) with band splitting through "
+                    "zuwebrtc::AudioBuffer"},
+      {.declared = declared::TestTemp,
+       .exercises = "runs TestZUAECNSProcess on \"wrpcmin.pcm\" into \"NSout.pcm\"",
+       .inputs = {Headerless("wrpcmin.pcm", 8000, 1, 160)},
+       .outputs = {Headerless("NSout.pcm", 8000, 1)}},
+      {.declared = declared::TestAECNsNoizeus,
+       .exercises = "runs TestZUAECNSProcess over the NOIZEUS corpus into "
+                    "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\"",
+       .inputs = NoizeusNoisy(),
+       .outputs = NoizeusProcessed("aec")},
+      {.declared = declared::TestZUAECProcess,
+       .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
+       .nullable = "pFarendFileName",
+       .inputs = {FarEndWithoutHeader(), Framed("{pNearendFileName}", WaveHeader::kCopied)},
+       .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
+      {.declared = declared::TestAECProcess,
+       .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay",
+       .inputs = {Headerless("{pFarendFileName}", 16000, 1, 320),
+                  Headerless("{pNearendFileName}", 16000, 1, 320)},
+       .outputs = {Headerless("{pOutFileName}", 16000, 1)}},
+      {.declared = declared::TestZUAec,
+       .exercises = "AecModule (software SoftwareAec or CreateHardwareAec) over WAVE files, with "
+                    "resampling",
+       .inputs = {AnyWave("{inNearFile}"),
+                  InFormatOf("{inNearFile}", AnyWave("{inFarFile}"), OtherFormat::kNoOutput)},
+       .outputs = {Wave("{outNearFile}")}},
+      {.declared = declared::TestAecDenoiseInternal,
+       .exercises = "the echo path's noise suppressor (Ns_*) over one WAVE file",
+       .inputs = {AnyWave("{in}")},
+       .outputs = {AnyWave("{out}")}},
+      {.declared = declared::TestAecDenoiseNOIZEUS,
+       .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)",
+       .inputs = AsWaves(NoizeusNoisy()),
+       .outputs = AsWaves(NoizeusProcessed("denoise"), "rev3.2.50/")},
+      {.declared = declared::TestAecDenoise,
+       .exercises = "TestAecDenoiseInternal over a fixed list of named recordings",
+       .inputs = ForRecordings("in/*.wav"),
+       .outputs = ForRecordings("out/rev3.2.250/*_out_rev3.2.250.wav")},
+      {.declared = declared::TestHardwareAec,
+       .exercises =
+           "CreateHardwareAec with AGC and denoise enabled, \"noise_in.wav\" to \"out.wav\"",
+       .inputs = {ForOutputOf("noise_in.wav", {32000, 1})},
+       .outputs = {Wave("out.wav")}},
+      {.declared = declared::TestSoftAec,
+       .exercises = "SoftwareAec over files in \"music_delay/\"",
+       .inputs = {ForOutputOf("music_delay/findcap.wav", kMono16),
+                  ForOutputOf("music_delay/findreceive.wav", kMono16)},
+       .outputs = {Wave("music_delay/out.wav"), Empty(Text("music_delay/echo_metrics.txt"))}},
+      {.declared = declared::TestEchoDetection,
+       .exercises = "residual echo detection (echo_detection_*) over far/near WAVE files",
+       .inputs = {TakenFor("C:\\aecfiles\\farend.wav", kMono16, 2, WaveHeader::kSamples),
+                  TakenFor("C:\\aecfiles\\nearend.wav", kMono16, 2, WaveHeader::kSamples)}},
+      {.declared = declared::TestRecord,
+       .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
+       .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400)),
+                  Dispensable(Headerless("F:\\sample\\test2.pcm", 16000, 1))},
+       .outputs = {Wave("far.wav"), Empty(Wave("near.wav")), Wave("out.wav"),
+                   Empty(Text("delay.txt")), Text("log.txt")},
+       .runsOn = 2},
+  };
+}
+
+}  // namespace harness

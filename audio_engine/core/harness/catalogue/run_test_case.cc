@@ -1,5 +1,0 @@
-#include "harness/catalogue/run_test_case.h"
-
-#include "bench/effects/routines.h"
-
-void RunTestCase() { TestHRTF(); }

@@ -1,0 +1,208 @@
+#include "desktop/aec/parts/aec_recorder.h"
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+
+#include "engine_api/platform/log.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr size_t kQueueSeconds = 30;
+constexpr size_t kPieceFrames = 800;
+constexpr auto kPause = std::chrono::milliseconds(20);
+constexpr int kMostDelayMs = 500;
+
+FILE* OpenText(const std::string& name) {
+  FILE* const file = fopen(name.c_str(), "wb");
+  if (file == nullptr) OutputDebugInfo("%s: cannot be opened: %s", name.c_str(), strerror(errno));
+  return file;
+}
+
+void CloseText(FILE*& file, const std::string& name) {
+  if (file == nullptr) return;
+  const bool failed = ferror(file) != 0;
+  if (fclose(file) != 0 || failed) OutputDebugInfo("%s: cannot be written", name.c_str());
+  file = nullptr;
+}
+
+}  // namespace
+
+struct AecRecorder::Track {
+  Track(size_t capacity, int rate, const std::string& name)
+      : queue(capacity), file(std::in_place, rate, 1, 16, name) {}
+
+  SampleQueue queue;
+  std::optional<CWavFileWriter> file;
+};
+
+struct AecRecorder::Detection {
+  explicit Detection(int rate)
+      : far(rate, 1), out(rate, 1), tracker(MonoInput::TrackedRate(rate), kMostDelayMs) {}
+
+  MonoInput far;
+  MonoInput out;
+  DelayTracker tracker;
+  int64_t frames = 0;  // Of the output.
+};
+
+AecRecorder::AecRecorder(int rate, int channels, const Names& names)
+    : m_rate(rate),
+      m_channels(channels),
+      m_names(names),
+      m_delayFile(OpenText(names.delay)),
+      m_logFile(OpenText(names.log)),
+      m_piece(kPieceFrames * static_cast<size_t>(channels)),
+      m_mono(kPieceFrames) {
+  const size_t capacity = kQueueSeconds * static_cast<size_t>(rate) * static_cast<size_t>(channels);
+  for (size_t i = 0; i < m_tracks.size(); ++i) {
+    m_tracks[i] = std::make_unique<Track>(capacity, rate, names.streams[i]);
+  }
+  m_thread = std::thread(&AecRecorder::Run, this);
+  m_background = std::make_unique<BackgroundWork>(
+      [this](std::chrono::steady_clock::time_point deadline) { return FinishUntil(deadline); });
+}
+
+AecRecorder::~AecRecorder() {
+  m_background.reset();
+  Finish();
+  m_thread.join();
+}
+
+void AecRecorder::Record(Stream stream, const void* data, int bytes) {
+  if (!m_takes || data == nullptr || bytes <= 0) return;
+  const size_t frames =
+      static_cast<size_t>(bytes) / sizeof(short) / static_cast<size_t>(m_channels);
+  m_tracks[stream]->queue.Push(static_cast<const short*>(data),
+                               frames * static_cast<size_t>(m_channels));
+}
+
+void AecRecorder::Detect(int rate) {
+  if (MonoInput::Accepts(rate, 1)) {
+    m_detectRate = rate;
+  } else {
+    OutputDebugInfo("no echo can be detected at %d Hz", rate);
+  }
+}
+
+void AecRecorder::WriteQueued() {
+  std::unique_lock lock(m_mutex);
+  const int mine = ++m_writesAsked;
+  m_changed.notify_all();
+  m_changed.wait(lock, [this, mine] { return m_done || m_writesDone >= mine; });
+}
+
+void AecRecorder::Finish() { FinishUntil(std::chrono::steady_clock::time_point::max()); }
+
+bool AecRecorder::FinishUntil(std::chrono::steady_clock::time_point deadline) {
+  std::unique_lock lock(m_mutex);
+  m_takes = false;
+  m_finishAsked = true;
+  m_changed.notify_all();
+  const auto done = [this] { return m_done; };
+  if (deadline != std::chrono::steady_clock::time_point::max()) {
+    return m_changed.wait_until(lock, deadline, done);
+  }
+  m_changed.wait(lock, done);
+  return true;
+}
+
+void AecRecorder::Run() {
+  bool finish = false;
+  while (!finish) {
+    int writes = 0;
+    {
+      std::unique_lock lock(m_mutex);
+      m_changed.wait_for(lock, kPause,
+                         [this] { return m_finishAsked || m_writesAsked > m_writesDone; });
+      finish = m_finishAsked;
+      writes = m_writesAsked;
+    }
+    StartDetection();
+    WriteAll();
+    if (finish) CloseFiles();
+    const std::scoped_lock lock(m_mutex);
+    m_writesDone = writes;
+    m_done = finish;
+    if (m_done || writes > 0) m_changed.notify_all();
+  }
+}
+
+// Stream by stream in pieces, so that detection hears of both ends at about the same time.
+void AecRecorder::WriteAll() {
+  bool more = true;
+  while (more) {
+    more = false;
+    for (const Stream stream : {kFar, kNear, kOut}) more = WritePiece(stream) || more;
+  }
+}
+
+bool AecRecorder::WritePiece(Stream stream) {
+  Track& track = *m_tracks[stream];
+  const size_t channels = static_cast<size_t>(m_channels);
+  const size_t frames = track.queue.Pop(m_piece.data(), m_piece.size()) / channels;
+  if (frames == 0) return false;
+
+  for (size_t i = 0; i < frames; ++i) {
+    int sum = 0;
+    for (size_t channel = 0; channel < channels; ++channel) sum += m_piece[i * channels + channel];
+    m_mono[i] = static_cast<short>(sum / m_channels);
+  }
+  track.file->Write(m_mono.data(), static_cast<int>(frames * sizeof(short)));
+  if (m_detection) LookForEcho(stream, static_cast<int>(frames));
+  return true;
+}
+
+void AecRecorder::StartDetection() {
+  const int rate = m_detectRate.exchange(0);
+  if (rate == 0) return;
+  try {
+    m_detection = std::make_unique<Detection>(rate);
+  } catch (const std::bad_alloc&) {
+    OutputDebugInfo("no memory to detect echo");
+  }
+}
+
+void AecRecorder::LookForEcho(Stream stream, int frames) {
+  Detection& detection = *m_detection;
+  if (stream == kNear) return;
+  if (stream == kFar) {
+    detection.far.Feed(m_mono.data(), frames, [&detection](const short* mono, int count) {
+      detection.tracker.AddFar(mono, count);
+    });
+    return;
+  }
+  detection.out.Feed(m_mono.data(), frames, [&detection](const short* mono, int count) {
+    detection.tracker.AddNear(mono, count);
+  });
+  const int64_t before = detection.frames / m_rate;
+  detection.frames += frames;
+  if (detection.frames / m_rate == before) return;
+  m_hasEcho = detection.tracker.MedianScore() >= DelayTracker::kEchoScore;
+  if (m_delayFile == nullptr) return;
+  fprintf(m_delayFile, "%lld %d\n", static_cast<long long>(detection.frames / m_rate),
+          detection.tracker.DelayMs());
+}
+
+void AecRecorder::CloseFiles() {
+  size_t dropped = 0;
+  for (const auto& track : m_tracks) {
+    track->file.reset();
+    dropped += track->queue.Dropped() / static_cast<size_t>(m_channels);
+  }
+  if (m_detection) {
+    m_hasEcho = m_detection->tracker.MedianScore() >= DelayTracker::kEchoScore;
+  }
+  if (m_logFile != nullptr) {
+    fprintf(m_logFile, "%d Hz, %d channels, %zu samples dropped\n", m_rate, m_channels, dropped);
+    const char* const verdict = !m_detection ? "not looked for" : m_hasEcho ? "yes" : "no";
+    fprintf(m_logFile, "echo: %s\n", verdict);
+  }
+  CloseText(m_delayFile, m_names.delay);
+  CloseText(m_logFile, m_names.log);
+  OutputDebugInfo("recorder finished, %zu samples dropped", dropped);
+}
+
+}  // namespace desktop

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstdint>
+#include <vector>
+
+#include "desktop/dsp/real_fft.h"
+
+namespace desktop {
+
+// Finds the delay of the far end's echo in the near end, from the cross spectrum of their last
+// second, of which only the phase counts (Knapp and Carter, "The generalized correlation method for
+// estimation of time delay", 1976). Mono. Allocates in the constructor only. Belongs to one thread
+// at a time.
+class DelayTracker {
+ public:
+  // rate: 8000 or 16000 Hz. maxDelayMs: the longest echo that is looked for, up to 500 ms.
+  DelayTracker(int rate, int maxDelayMs);
+
+  // Take any number of samples each. Where one end is more than a second ahead of the other, the
+  // other is taken to have been silent.
+  void AddFar(const short* samples, int count) { Add(m_far, m_near, samples, count); }
+  void AddNear(const short* samples, int count) { Add(m_near, m_far, samples, count); }
+
+  int DelayMs() const { return m_delayMs; }  // The last sure one; 0 until there is one.
+
+  // How far the peak of the correlation stands above its mean, as the median over the run: about 5
+  // for unrelated signals and 10 to 35 with an echo. 0 until both ends have sounded for a second.
+  float MedianScore() const;
+
+  // A score from here on means an echo.
+  static constexpr float kEchoScore = 7.4f;
+
+ private:
+  struct End {
+    std::vector<float> ring;
+    int64_t count = 0;  // Samples taken.
+  };
+  using Spectrum = std::vector<std::complex<float>>;
+
+  void Add(End& end, End& other, const short* samples, int count);
+  void AddPiece(End& end, const short* samples, int count);
+  bool Transform(const End& end, float leastRms, Spectrum& spectrum);
+  void Analyse();
+  void FindPeak();
+
+  const int m_window;    // Samples looked at.
+  const int m_hop;       // From one look to the next.
+  const int m_maxDelay;  // Samples.
+  const int m_samplesPerMs;
+  RealFft m_fft;
+  End m_far;
+  End m_near;
+  int64_t m_next;  // The sample that ends the next look.
+  std::vector<float> m_block;
+  Spectrum m_farSpectrum;
+  Spectrum m_nearSpectrum;
+  Spectrum m_cross;  // Smoothed.
+  int m_delayMs = 0;
+  std::array<int, 1000> m_scores = {};  // How often each tenth of a score was seen.
+  int m_looks = 0;
+};
+
+}  // namespace desktop

@@ -1,0 +1,162 @@
+#include "desktop/aec/parts/echo_canceller.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#include "desktop/common/apm.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr int kPartitions = 32;  // 320 ms of echo path.
+constexpr int kMaxOffsetBlocks = 50;
+constexpr int kEarlyBlocks = 8;
+
+// The module loses 8 dB when it is told 10 ms too much, and nothing when it is told 30 ms too
+// little; a new delay makes it learn the path anew, so it hears of lasting changes only.
+constexpr int kModuleMarginMs = 10;
+constexpr int kLastingBlocks = 50;
+constexpr int kChangeMs = 10;
+
+// The filter starts this long before the echo, and is moved when less than the least is left or
+// more than the most.
+constexpr int kFilterMarginMs = 50;
+constexpr int kLeastMarginMs = 20;
+constexpr int kMostMarginMs = 150;
+
+constexpr float kFullScale = 32768.0f;
+
+size_t Size(int count) { return static_cast<size_t>(count); }
+
+webrtc::AudioProcessing* CreateApm(int rate) {
+  webrtc::Config config;
+  // The library takes ownership of what it is handed here.
+  config.Set<webrtc::ExtendedFilter>(std::make_unique<webrtc::ExtendedFilter>(true).release());
+  config.Set<webrtc::ExperimentalAgc>(std::make_unique<webrtc::ExperimentalAgc>(false).release());
+  webrtc::AudioProcessing* const apm = webrtc::AudioProcessing::Create(config);
+  if (apm == nullptr) throw std::bad_alloc();
+  const webrtc::StreamConfig stream(rate, 1);
+  apm->Initialize({{stream, stream, stream, stream}});
+  return apm;
+}
+
+void Scale(float* block, int count, float factor) {
+  for (int i = 0; i < count; ++i) block[i] *= factor;
+}
+
+}  // namespace
+
+EchoCanceller::EchoCanceller(int rate, Delay delay)
+    : m_rate(rate),
+      m_block(rate / 100),
+      m_filter(m_block, kPartitions, kMaxOffsetBlocks),
+      m_tracker(delay == Delay::kFound ? std::make_unique<DelayTracker>(rate, 500) : nullptr),
+      m_apm(CreateApm(rate)),
+      m_early(Size(kEarlyBlocks * m_block)),
+      m_far(Size(m_block)),
+      m_shorts(Size(m_block)) {
+  m_apm->echo_cancellation()->Enable(true);
+  SetSuppression(Suppression::kModerate);
+}
+
+EchoCanceller::~EchoCanceller() = default;
+
+void EchoCanceller::SetSuppression(Suppression suppression) {
+  using Level = webrtc::EchoCancellation::SuppressionLevel;
+  const Level levels[] = {Level::kLowSuppression, Level::kModerateSuppression,
+                          Level::kHighSuppression};
+  m_apm->echo_cancellation()->set_suppression_level(levels[static_cast<int>(suppression)]);
+}
+
+void EchoCanceller::SetNoiseSuppression(int level) {
+  m_suppressesNoise = level != kNoNoiseSuppression;
+  m_apm->noise_suppression()->Enable(m_suppressesNoise);
+  if (!m_suppressesNoise) return;
+  m_apm->noise_suppression()->set_level(static_cast<webrtc::NoiseSuppression::Level>(level));
+}
+
+void EchoCanceller::EnableCancellation(bool on) {
+  if (on == m_cancels) return;
+  m_cancels = on;
+  m_hasEcho = false;
+  m_apm->echo_cancellation()->Enable(on);
+}
+
+void EchoCanceller::SetDelay(int delayMs) { m_delayMs = std::clamp(delayMs, 0, 500); }
+
+void EchoCanceller::ProcessFar(const float* block) {
+  if (m_earlyBlocks == kEarlyBlocks) {
+    std::copy(m_early.begin() + m_block, m_early.end(), m_early.begin());
+    --m_earlyBlocks;
+  }
+  std::copy(block, block + m_block, &m_early[Size(m_earlyBlocks * m_block)]);
+  ++m_earlyBlocks;
+}
+
+void EchoCanceller::TakeFar() {
+  if (m_earlyBlocks == 0) {
+    std::fill(m_far.begin(), m_far.end(), 0.0f);
+    return;
+  }
+  std::copy(m_early.begin(), m_early.begin() + m_block, m_far.begin());
+  std::copy(m_early.begin() + m_block, m_early.end(), m_early.begin());
+  --m_earlyBlocks;
+}
+
+void EchoCanceller::ProcessNear(float* block) {
+  TakeFar();
+  if (m_cancels) {
+    FollowDelay(block);
+    MoveFilter();
+    m_filter.Process(m_far.data(), block, block);
+  }
+  if (m_cancels || m_suppressesNoise) Suppress(block);
+  for (int i = 0; i < m_block; ++i) block[i] = std::clamp(block[i], -32768.0f, 32767.0f);
+}
+
+void EchoCanceller::FollowDelay(const float* near) {
+  if (m_tracker) {
+    const auto take = [this](const float* samples) {
+      std::transform(samples, samples + m_block, m_shorts.begin(), [](float sample) {
+        return static_cast<short>(std::clamp(sample, -32768.0f, 32767.0f));
+      });
+      return m_shorts.data();
+    };
+    m_tracker->AddFar(take(m_far.data()), m_block);
+    m_tracker->AddNear(take(near), m_block);
+    m_delayMs = m_tracker->DelayMs();
+  }
+  const int wanted = std::max(0, m_delayMs - kModuleMarginMs);
+  const bool different = std::abs(wanted - m_apmDelayMs) >= kChangeMs;
+  m_differentFor = different ? m_differentFor + 1 : 0;
+  if (m_differentFor >= kLastingBlocks || (different && m_apmDelayMs == 0)) {
+    m_apmDelayMs = wanted;
+    m_differentFor = 0;
+  }
+}
+
+void EchoCanceller::MoveFilter() {
+  const int margin = m_apmDelayMs + kModuleMarginMs - 10 * m_filter.Offset();
+  if (m_apmDelayMs == 0 || (margin >= kLeastMarginMs && margin <= kMostMarginMs)) return;
+  m_filter.SetOffset(std::max(0, m_apmDelayMs + kModuleMarginMs - kFilterMarginMs) / 10);
+}
+
+void EchoCanceller::Suppress(float* block) {
+  const webrtc::StreamConfig stream(m_rate, 1);
+  float* const near = block;
+  Scale(near, m_block, 1 / kFullScale);
+  if (m_cancels) {
+    float* const far = m_far.data();
+    Scale(far, m_block, 1 / kFullScale);
+    m_apm->ProcessReverseStream(&far, stream, stream, &far);
+    Scale(far, m_block, kFullScale);
+    m_apm->set_stream_delay_ms(m_apmDelayMs);
+  }
+  m_apm->ProcessStream(&near, stream, stream, &near);
+  m_hasEcho = m_cancels && m_apm->echo_cancellation()->stream_has_echo();
+  Scale(near, m_block, kFullScale);
+}
+
+}  // namespace desktop

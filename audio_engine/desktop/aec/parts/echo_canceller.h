@@ -1,0 +1,74 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "desktop/aec/parts/delay_tracker.h"
+#include "desktop/aec/parts/kalman_filter.h"
+
+namespace webrtc {
+class AudioProcessing;
+}
+
+namespace desktop {
+
+// Takes the far end's echo, and noise if asked to, out of a near end, mono, in blocks of 10 ms of
+// floats in the 16-bit range: a linear filter, then the packaged module, which suppresses what
+// the filter leaves. Belongs to one thread at a time.
+class EchoCanceller {
+ public:
+  enum class Suppression { kLow, kModerate, kHigh };
+  enum class Delay { kFound, kGiven };  // By itself, or by SetDelay.
+
+  static constexpr int kNoNoiseSuppression = -1;
+
+  // rate: 8000 or 16000 Hz.
+  EchoCanceller(int rate, Delay delay);
+  ~EchoCanceller();
+
+  void SetSuppression(Suppression suppression);
+  void SetNoiseSuppression(int level);  // 0 (weakest) to 3, or kNoNoiseSuppression.
+  void EnableCancellation(bool on);     // On at first.
+
+  void SetDelay(int delayMs);  // 0 to 500; the next block is the first that knows it.
+  int DelayMs() const { return m_delayMs; }
+
+  void ForgetEchoPath() { m_filter.Restart(); }
+
+  // Per block first the far end; without one the near end is cleaned against silence. Blocks that
+  // come early are kept for the next near ends, up to 80 ms of them.
+  void ProcessFar(const float* block);
+
+  // In place. Cancellation makes it kLagSamples late at 8 and 16 kHz, noise suppression alone
+  // 6 ms. The result stays within -32768..32767.
+  void ProcessNear(float* block);
+  static constexpr int kLagSamples = 112;
+
+  bool HasEcho() const { return m_hasEcho; }         // In the last block.
+  int Block() const { return m_block; }              // Samples of a block.
+  const float* Far() const { return m_far.data(); }  // The block that went with the last near end.
+
+ private:
+  void TakeFar();
+  void FollowDelay(const float* near);
+  void MoveFilter();
+  void Suppress(float* block);
+
+  const int m_rate;
+  const int m_block;
+  KalmanFilter m_filter;
+  std::unique_ptr<DelayTracker> m_tracker;  // Null when the delay is given.
+  std::unique_ptr<webrtc::AudioProcessing> m_apm;
+  bool m_cancels = true;
+  bool m_suppressesNoise = false;
+  bool m_hasEcho = false;
+  int m_delayMs = 0;           // As estimated or given.
+  int m_apmDelayMs = 0;        // What the module is told,
+  int m_differentFor = 0;      // and for how many blocks it has been far from that.
+  std::vector<float> m_early;  // Far-end blocks, oldest first.
+  int m_earlyBlocks = 0;
+  std::vector<float> m_far;
+  std::vector<short> m_shorts;
+};
+
+}  // namespace desktop

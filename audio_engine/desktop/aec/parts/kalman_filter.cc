@@ -1,0 +1,195 @@
+#include "desktop/aec/parts/kalman_filter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace desktop {
+
+namespace {
+
+// How much of the echo path is the same one block later. Nearer to 1 gives more depth in the end,
+// farther from it follows a moving talker faster.
+constexpr float kPersistence = 0.9995f;
+
+// Power of a path nobody has heard yet: at its start, and what is left of it per block, as rooms
+// fade.
+constexpr float kFirstUncertainty = 1.0f;
+constexpr float kFade = 0.87f;
+
+constexpr float kNearSmoothing = 0.8f;  // Per block.
+constexpr float kNoisePower = 1000.0f;  // Of a near end that is never quieter than this.
+
+// A filter that makes the near end louder by this factor of energy, over about 200 ms, is wrong.
+constexpr float kDivergence = 2.0f;
+constexpr float kEnergySmoothing = 0.95f;
+
+// A filter that took 6 dB once, and then less than 1.5 dB for so many blocks, may have learnt a
+// path that is gone. Its uncertainty does not grow by itself then, because the echo it leaves looks
+// like a near end.
+constexpr float kUsefulness = 0.25f;
+constexpr float kUselessness = 0.7f;
+constexpr int kUselessBlocks = 50;
+constexpr float kFarRms = 50.0f;  // Below, nothing can be told.
+
+size_t Size(int count) { return static_cast<size_t>(count); }
+
+// The sum of the squares of `count` samples.
+float Energy(const float* samples, int count) {
+  float energy = 0;
+  for (int i = 0; i < count; ++i) energy += samples[i] * samples[i];
+  return energy;
+}
+
+}  // namespace
+
+KalmanFilter::KalmanFilter(int block, int partitions, int maxOffset)
+    : m_block(block),
+      m_partitions(partitions),
+      m_fft(2 * block),
+      m_farSamples(Size(2 * block)),
+      m_far(Size(partitions + maxOffset), Spectrum(Size(m_fft.Bins()))),
+      m_path(Size(partitions), Spectrum(Size(m_fft.Bins()))),
+      m_uncertainty(Size(partitions), Power(Size(m_fft.Bins()))),
+      m_predicted(Size(m_fft.Bins())),
+      m_nearPower(Size(m_fft.Bins())),
+      m_echo(Size(m_fft.Bins())),
+      m_error(Size(m_fft.Bins())),
+      m_step(Size(m_fft.Bins())),
+      m_samples(Size(2 * block)) {
+  Restart();
+}
+
+void KalmanFilter::Restart() {
+  for (int partition = 0; partition < m_partitions; ++partition) ForgetPartition(partition);
+  m_nearEnergy = 0;
+  m_outEnergy = 0;
+}
+
+void KalmanFilter::ForgetPartition(int partition) {
+  Spectrum& path = m_path[Size(partition)];
+  Power& uncertainty = m_uncertainty[Size(partition)];
+  std::fill(path.begin(), path.end(), 0.0f);
+  std::fill(uncertainty.begin(), uncertainty.end(), FirstUncertainty(partition));
+}
+
+float KalmanFilter::FirstUncertainty(int partition) const {
+  return kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
+}
+
+void KalmanFilter::SetOffset(int blocks) {
+  const int wanted = std::clamp(blocks, 0, static_cast<int>(m_far.size()) - m_partitions);
+  const int shift = std::clamp(wanted - m_offset, -m_partitions, m_partitions);
+  m_offset = wanted;
+  const auto by = static_cast<std::ptrdiff_t>(std::abs(shift));
+  if (shift > 0) {
+    std::rotate(m_path.begin(), m_path.begin() + by, m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + by, m_uncertainty.end());
+    for (int i = m_partitions - shift; i < m_partitions; ++i) ForgetPartition(i);
+  } else if (shift < 0) {
+    std::rotate(m_path.begin(), m_path.end() - by, m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - by, m_uncertainty.end());
+    for (int i = 0; i < -shift; ++i) ForgetPartition(i);
+  }
+}
+
+const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(int partition) const {
+  return m_far[(m_newest + Size(m_offset + partition)) % m_far.size()];
+}
+
+void KalmanFilter::Process(const float* far, const float* near, float* out) {
+  std::copy(m_farSamples.begin() + m_block, m_farSamples.end(), m_farSamples.begin());
+  std::copy(far, far + m_block, m_farSamples.begin() + m_block);
+  m_newest = (m_newest + m_far.size() - 1) % m_far.size();
+  m_fft.Forward(m_farSamples.data(), m_far[m_newest].data());
+
+  PredictEcho();
+  for (int i = 0; i < m_block; ++i) {
+    m_samples[Size(m_block + i)] = near[i] - m_samples[Size(m_block + i)];
+  }
+  std::fill(m_samples.begin(), m_samples.begin() + m_block, 0.0f);
+  const bool diverged = Diverged(near, &m_samples[Size(m_block)]);
+  if (diverged) std::copy(near, near + m_block, &m_samples[Size(m_block)]);
+  std::copy(m_samples.begin() + m_block, m_samples.end(), out);
+  if (diverged) {
+    Restart();
+  } else {
+    DoubtUselessPath();
+    Adapt();
+  }
+}
+
+// Leaves the block's echo in the second half of m_samples.
+void KalmanFilter::PredictEcho() {
+  constexpr float kKept = kPersistence * kPersistence;
+  std::fill(m_echo.begin(), m_echo.end(), 0.0f);
+  std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
+  for (int partition = 0; partition < m_partitions; ++partition) {
+    const Spectrum& far = FarSpectrum(partition);
+    Spectrum& path = m_path[Size(partition)];
+    Power& uncertainty = m_uncertainty[Size(partition)];
+    for (size_t bin = 0; bin < far.size(); ++bin) {
+      uncertainty[bin] = kKept * uncertainty[bin] + (1 - kKept) * std::norm(path[bin]);
+      path[bin] *= kPersistence;
+      // By hand: the operator looks for infinities, which costs more than the product.
+      const float re = far[bin].real() * path[bin].real() - far[bin].imag() * path[bin].imag();
+      const float im = far[bin].real() * path[bin].imag() + far[bin].imag() * path[bin].real();
+      m_echo[bin] += std::complex<float>(re, im);
+      m_predicted[bin] += std::norm(far[bin]) * uncertainty[bin];
+    }
+  }
+  m_fft.Inverse(m_echo.data(), m_samples.data());
+}
+
+// With the error in m_samples, preceded by a block of zeros. Half of a transform is samples, so
+// powers count half.
+void KalmanFilter::Adapt() {
+  m_fft.Forward(m_samples.data(), m_error.data());
+  for (size_t bin = 0; bin < m_error.size(); ++bin) {
+    m_nearPower[bin] =
+        kNearSmoothing * m_nearPower[bin] + (1 - kNearSmoothing) * std::norm(m_error[bin]);
+    m_predicted[bin] = 1 / (0.5f * m_predicted[bin] + m_nearPower[bin] + kNoisePower);
+  }
+  for (int partition = 0; partition < m_partitions; ++partition) {
+    const Spectrum& far = FarSpectrum(partition);
+    Power& uncertainty = m_uncertainty[Size(partition)];
+    for (size_t bin = 0; bin < far.size(); ++bin) {
+      const float gain = uncertainty[bin] * m_predicted[bin];
+      const std::complex<float> x = far[bin];
+      const std::complex<float> e = m_error[bin];
+      m_step[bin] = {gain * (x.real() * e.real() + x.imag() * e.imag()),
+                     gain * (x.real() * e.imag() - x.imag() * e.real())};
+      uncertainty[bin] *= std::max(0.0f, 1 - 0.5f * gain * std::norm(x));
+    }
+    // What would wrap around in the circular convolution is no part of the path.
+    m_fft.Inverse(m_step.data(), m_samples.data());
+    std::fill(m_samples.begin() + m_block, m_samples.end(), 0.0f);
+    m_fft.Forward(m_samples.data(), m_step.data());
+    Spectrum& path = m_path[Size(partition)];
+    for (size_t bin = 0; bin < path.size(); ++bin) path[bin] += m_step[bin];
+  }
+}
+
+bool KalmanFilter::Diverged(const float* near, const float* error) {
+  m_nearEnergy = kEnergySmoothing * m_nearEnergy + Energy(near, m_block);
+  m_outEnergy = kEnergySmoothing * m_outEnergy + Energy(error, m_block);
+  // The negation is true for values that are no number as well.
+  return !(m_outEnergy <= kDivergence * m_nearEnergy + static_cast<float>(m_block) * 1000);
+}
+
+void KalmanFilter::DoubtUselessPath() {
+  const float least = kFarRms * kFarRms * static_cast<float>(m_block);
+  if (Energy(&m_farSamples[Size(m_block)], m_block) < least) return;
+  if (m_outEnergy < kUsefulness * m_nearEnergy) m_wasUseful = true;
+  const bool useless = m_outEnergy > kUselessness * m_nearEnergy;
+  m_uselessFor = useless ? m_uselessFor + 1 : 0;
+  if (!m_wasUseful || m_uselessFor < kUselessBlocks) return;
+
+  m_wasUseful = false;
+  m_uselessFor = 0;
+  for (int partition = 0; partition < m_partitions; ++partition) {
+    const float first = FirstUncertainty(partition);
+    for (float& variance : m_uncertainty[Size(partition)]) variance = std::max(variance, first);
+  }
+}
+
+}  // namespace desktop

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "desktop/aec/parts/band_split.h"
+#include "desktop/aec/parts/echo_canceller.h"
+
+namespace desktop {
+
+// Echo cancellation on the bands of one channel: the lowest band goes through the canceller, the
+// others get the gain that the upper half of the lowest one got. Allocates in the constructor only.
+class MobileCanceller {
+ public:
+  struct Stages {
+    bool newNlp;  // Stronger suppression of what the linear filter leaves.
+    bool aec;
+    bool ns;
+  };
+
+  static bool Accepts(int rate);  // 8000, 16000, 32000 or 48000 Hz.
+
+  explicit MobileCanceller(int rate);
+
+  int Frames() const { return m_frames; }  // Of one block, 10 ms.
+  int Bands() const { return m_bands; }
+  int FramesPerBand() const { return m_frames / m_bands; }
+
+  void ProcessFar(const int16_t* block);  // All bands in one signal.
+
+  // near and out: [band][sample]; they may be the same.
+  void ProcessNear(const int16_t* const* near, int16_t* const* out, Stages stages);
+
+  // The last block of the lowest band as it was compared.
+  int16_t* AlignedFar() { return m_alignedFar.data(); }
+  int16_t* AlignedNear() { return m_alignedNear.data(); }
+
+  bool HasEcho() const { return m_canceller.HasEcho(); }
+  int DelayMs() const { return m_canceller.DelayMs(); }
+
+ private:
+  void SetStages(Stages stages);
+  void ProcessUpperBand(int band, const int16_t* near, int16_t* out, float gain);
+  float UpperGain();
+
+  const int m_frames;
+  const int m_bands;
+  EchoCanceller m_canceller;
+  BandSplit m_farSplit;
+  Stages m_stages = {false, true, true};
+  std::vector<int16_t> m_farBands;
+  std::vector<float> m_block;
+  std::vector<float> m_in;   // The lowest band of this block and the one before,
+  std::vector<float> m_out;  // and what came out now.
+  std::vector<int16_t> m_alignedFar;
+  std::vector<int16_t> m_alignedNear;
+  std::vector<std::vector<int16_t>> m_late;  // Upper bands, as late as the lowest.
+  float m_gain = 1;
+};
+
+}  // namespace desktop

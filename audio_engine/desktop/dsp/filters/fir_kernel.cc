@@ -1,0 +1,147 @@
+// Direct-form convolution, blocked for registers. Neighbouring vectors of outputs need the same
+// vectors of samples for taps that are one vector length apart: a tile of R vectors of outputs and
+// M such taps takes R * M multiply-adds but only R + M - 1 loads of samples and M broadcasts of
+// coefficients, so that the multipliers and not the loads set the pace.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "desktop/dsp/filters/fir_kernel.cc"
+// The tiles are arrays of vectors, which the vectors of unknown length of these cannot be put into.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#include <hwy/foreach_target.h>
+// After foreach_target.h.
+#include <hwy/highway.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "desktop/dsp/filters/fir_kernel.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Tag = hn::ScalableTag<float>;
+using Vector = hn::Vec<Tag>;
+
+constexpr size_t kLanes = hn::MaxLanes(Tag());
+static_assert(kLanes <= kConvolveOverread);
+
+// As many sums and shared coefficients as the register file holds: 32 registers or 16.
+constexpr bool kManyRegisters = HWY_MAX_BYTES == 64 || HWY_ARCH_ARM_A64;
+constexpr size_t kMostRows = kManyRegisters ? 14 : 8;
+constexpr size_t kSharedTaps = kManyRegisters ? 8 : 4;
+constexpr size_t kGroupTaps = kLanes * kSharedTaps;
+
+// A few taps are summed on their own before they join the total, and the quiet tail of the response
+// goes first: small sums round less than a total does.
+constexpr size_t kStepsPerSum = kLanes < 4 ? kLanes : 4;
+
+template <size_t... kIndex, typename Function>
+HWY_INLINE void Unroll(std::index_sequence<kIndex...>, Function function) {
+  (function(std::integral_constant<size_t, kIndex>()), ...);
+}
+
+// Adds kSharedTaps taps, the oldest first, to kRows vectors of sums. in: the sample that the first
+// output takes with the first coefficient.
+template <size_t kRows>
+HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector (&sums)[kRows]) {
+  const Tag d;
+  Vector shared[kSharedTaps];
+  Unroll(std::make_index_sequence<kSharedTaps>(),
+         [&](auto tap) HWY_ATTR { shared[tap] = hn::Set(d, coefficients[kLanes * tap]); });
+  // One vector of samples serves a diagonal of the tile, row - tap = constant. Along the diagonals
+  // every row takes its taps in the same order.
+  Unroll(std::make_index_sequence<kRows + kSharedTaps - 1>(), [&](auto diagonal) HWY_ATTR {
+    const Vector samples = hn::LoadU(d, in - kLanes * (kSharedTaps - 1) + kLanes * diagonal);
+    Unroll(std::make_index_sequence<kSharedTaps>(), [&](auto tap) HWY_ATTR {
+      constexpr size_t kRow = diagonal + tap - (kSharedTaps - 1);  // Above the tile: wraps.
+      if constexpr (kRow < kRows) sums[kRow] = hn::MulAdd(samples, shared[tap], sums[kRow]);
+    });
+  });
+}
+
+// kRows * kLanes outputs.
+template <size_t kRows>
+void ConvolveTile(const float* in, const float* coefficients, size_t count, float* out) {
+  const Tag d;
+  Vector totals[kRows];
+  for (Vector& total : totals) total = hn::Zero(d);
+
+  // The oldest taps, which make no whole group, one by one: padding them with zeros would let an
+  // infinite sample reach further than the response.
+  size_t tap = count;
+  for (size_t end = count - count % kGroupTaps; tap > end;) {
+    --tap;
+    const Vector coefficient = hn::Set(d, coefficients[tap]);
+    for (size_t row = 0; row < kRows; ++row) {
+      totals[row] = hn::MulAdd(hn::LoadU(d, in + kLanes * row - tap), coefficient, totals[row]);
+    }
+  }
+
+  while (tap > 0) {
+    tap -= kGroupTaps;
+    for (size_t first = tap + kLanes; first > tap;) {
+      Vector sums[kRows];
+      Unroll(std::make_index_sequence<kRows>(),
+             [&](auto row) HWY_ATTR { sums[row] = hn::Zero(d); });
+      for (size_t step = 0; step < kStepsPerSum; ++step) {
+        --first;
+        AddSharedTaps(in - first, coefficients + first, sums);
+      }
+      Unroll(std::make_index_sequence<kRows>(),
+             [&](auto row) HWY_ATTR { totals[row] = hn::Add(totals[row], sums[row]); });
+    }
+  }
+
+  for (size_t row = 0; row < kRows; ++row) hn::StoreU(totals[row], d, out + kLanes * row);
+}
+
+using Tile = void (*)(const float* in, const float* coefficients, size_t count, float* out);
+
+template <size_t... kIndex>
+constexpr std::array<Tile, sizeof...(kIndex)> Tiles(std::index_sequence<kIndex...>) {
+  return {ConvolveTile<kIndex + 1>...};
+}
+
+// The tile of 1 row, of 2 rows and so on.
+constexpr auto kTiles = Tiles(std::make_index_sequence<kMostRows>());
+
+void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
+  while (length > 0) {
+    // Tiles of about the same height: a low one wastes loads.
+    const size_t rows = (length + kLanes - 1) / kLanes;
+    const size_t tiles = (rows + kMostRows - 1) / kMostRows;
+    const size_t height = (rows + tiles - 1) / tiles;
+    const size_t samples = std::min(length, height * kLanes);
+    const Tile tile = kTiles[height - 1];
+    if (samples == height * kLanes) {
+      tile(in, coefficients, count, out);
+    } else {
+      float whole[kMostRows * kLanes];
+      tile(in, coefficients, count, whole);
+      std::memcpy(out, whole, samples * sizeof(float));
+    }
+    in += samples;
+    out += samples;
+    length -= samples;
+  }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+HWY_EXPORT(Convolve);
+
+void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
+  HWY_DYNAMIC_DISPATCH(Convolve)(in, length, coefficients, count, out);
+}
+
+#endif

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+
+#include "desktop/dsp/filters/equalizer_design.h"
+#include "desktop/dsp/sample_pieces.h"
+
+namespace desktop {
+
+// The eleven bells in a row over planar floats of any scale: what IEqualizer, AudioEffectModule and
+// the karaoke chain share. Without gain, or switched off, it changes no bit.
+class GraphicEqualizer {
+ public:
+  // Takes effect at the next Process; `smooth` spreads it over 20 ms. Gains in dB are clamped to
+  // -24 to 24; one that is no number is ignored.
+  void SetGain(int band, float gain, bool smooth);
+  void SetGains(const float* gains, bool smooth);  // Of all bands.
+  void SetEnabled(bool enabled);
+  bool IsEnabled() const { return m_enabled; }
+
+  // Whether Process changes samples: switched on with some gain, or still fading.
+  bool IsActive() const;
+
+  // Forgets the samples heard so far.
+  void Flush();
+
+  // Filters rows[0..channels) in place. A rate or a number of channels other than the last call's
+  // starts anew, with the gains at their full value at once. `sampleRate` as EffectGate lets pass.
+  void Process(float* const* rows, int channels, int frames, int sampleRate);
+
+ private:
+  // A bell as a state variable filter with trapezoidal integrators (Zavalishin, The Art of VA
+  // Filter Design, 2012): it stays quiet while its gain moves.
+  struct Bell {
+    double tangent = 0;
+    double q = 1;
+    double amplitude = 1;  // Square root of the gain at the centre.
+    double target = 1;
+    double growth = 1;  // Of the amplitude, per sample, while fading.
+    double a1 = 0, a2 = 0, a3 = 0, m1 = 0;
+    double state[kMostEffectChannels][2] = {};
+    void Update();
+    bool IsIdle() const { return amplitude == 1 && target == 1; }
+  };
+
+  void Retarget(bool smooth);
+  void Fade(float* const* rows, int channels, int frames);
+  static void Run(Bell& bell, float* row, int channel, int frames);
+
+  EqualizerDesign m_design;
+  std::array<Bell, kEqualizerBands> m_bells;
+  std::array<float, kEqualizerBands> m_wanted{};
+  bool m_enabled = false;
+  bool m_changed = false;
+  bool m_smooth = true;
+  int m_fadeFrames = 0;  // Left of the fade.
+  int m_sampleRate = 0;
+  int m_channels = 0;
+};
+
+}  // namespace desktop

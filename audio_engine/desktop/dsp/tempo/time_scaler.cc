@@ -1,0 +1,126 @@
+#include "desktop/dsp/tempo/time_scaler.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "desktop/dsp/tempo/best_match.h"
+
+namespace desktop {
+namespace {
+
+size_t FramesOf(int rate, int ms) { return static_cast<size_t>(rate * ms / 1000); }
+
+}  // namespace
+
+TimeScaler::TimeScaler(int rate, int channels)
+    : m_channels(static_cast<size_t>(channels)),
+      m_overlap(FramesOf(rate, 10)),
+      m_reach(FramesOf(rate, 12)),
+      m_long(FramesOf(rate, 30)),
+      m_short(FramesOf(rate, 20)),
+      m_step(static_cast<size_t>(std::max(rate / 11000, 1))),
+      m_fade(m_overlap),
+      m_pattern(m_overlap),
+      m_field(2 * m_reach + m_overlap),
+      m_faded(m_overlap) {
+  for (size_t i = 0; i < m_overlap; ++i) {
+    const double phase = M_PI * (static_cast<double>(i) + 0.5) / static_cast<double>(m_overlap);
+    m_fade[i] = static_cast<float>(0.5 - 0.5 * std::cos(phase));
+  }
+  m_input.reserve(FramesOf(rate, 400) * m_channels);
+}
+
+void TimeScaler::SetSpeed(double speed) {
+  if (speed == m_speed) return;
+  if (m_speed == 1) {
+    m_left = speed > 1.6 ? m_short : m_long;
+    m_target = static_cast<double>(m_position) + static_cast<double>(m_left) * speed;
+  }
+  m_speed = speed;
+}
+
+void TimeScaler::Put(const short* samples, size_t frames) {
+  // What a join may still look back at stays.
+  const size_t kept = m_long + m_reach;
+  const size_t needed = std::min(m_position, m_faded < m_overlap ? m_fadingOut : m_position);
+  if (needed > kept) {
+    const size_t dropped = needed - kept;
+    m_input.erase(m_input.begin(),
+                  m_input.begin() + static_cast<std::ptrdiff_t>(dropped * m_channels));
+    m_position -= dropped;
+    m_fadingOut -= std::min(m_fadingOut, dropped);
+    m_target -= static_cast<double>(dropped);
+  }
+  m_input.insert(m_input.end(), samples, samples + frames * m_channels);
+}
+
+size_t TimeScaler::Take(short* out, size_t room) {
+  size_t done = 0;
+  while (done < room) {
+    if (m_speed != 1 && m_left == 0 && !Join()) break;
+    size_t frames = std::min(room - done, Frames() - m_position);
+    if (m_speed != 1) frames = std::min(frames, m_left);
+    if (frames == 0) break;
+    Copy(out + done * m_channels, frames);
+    m_left -= std::min(m_left, frames);
+    done += frames;
+  }
+  return done;
+}
+
+void TimeScaler::Reset() {
+  m_input.clear();
+  m_position = 0;
+  m_target = 0;
+  m_left = 0;
+  m_faded = m_overlap;
+}
+
+// Finds where the next segment begins; false when the input does not reach that far yet.
+bool TimeScaler::Join() {
+  const size_t low =
+      static_cast<size_t>(std::max(std::floor(m_target) - static_cast<double>(m_reach), 0.0));
+  const size_t places = 2 * m_reach;
+  if (std::max(low + places, m_position) + m_overlap > Frames()) return false;
+
+  Mix(m_position, m_overlap, m_pattern);
+  Mix(low, places + m_overlap, m_field);
+  const Match match = BestMatch(m_pattern.data(), m_overlap, m_field.data(), places, m_step);
+  const size_t next = low + match.place;
+  if (next != m_position) {
+    m_fadingOut = m_position;
+    m_faded = 0;
+    m_position = next;
+  }
+  m_left = m_speed > 1.6 ? m_short : m_long;
+  m_target += static_cast<double>(m_left) * m_speed;
+  return true;
+}
+
+// Plays frames of this segment, over the rest of the one before while that fades.
+void TimeScaler::Copy(short* out, size_t frames) {
+  const short* in = m_input.data() + m_position * m_channels;
+  const size_t fading = std::min(frames, m_overlap - m_faded);
+  const short* old = m_input.data() + m_fadingOut * m_channels;
+  for (size_t i = 0; i < fading * m_channels; ++i) {
+    const float share = m_fade[m_faded + i / m_channels];
+    const float mixed =
+        static_cast<float>(old[i]) + share * static_cast<float>(static_cast<int>(in[i]) - old[i]);
+    out[i] = static_cast<short>(std::lrint(mixed));
+  }
+  std::copy(in + fading * m_channels, in + frames * m_channels, out + fading * m_channels);
+  m_faded += fading;
+  m_fadingOut += fading;
+  m_position += frames;
+}
+
+void TimeScaler::Mix(size_t first, size_t frames, std::vector<float>& mono) const {
+  const short* in = m_input.data() + first * m_channels;
+  for (size_t i = 0; i < frames; ++i) {
+    int sum = 0;
+    for (size_t channel = 0; channel < m_channels; ++channel) sum += in[i * m_channels + channel];
+    mono[i] = static_cast<float>(sum);
+  }
+}
+
+}  // namespace desktop

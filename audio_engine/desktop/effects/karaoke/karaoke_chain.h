@@ -1,0 +1,45 @@
+#pragma once
+
+#include "desktop/dsp/dynamics/compressor.h"
+#include "desktop/dsp/dynamics/limiter.h"
+#include "desktop/dsp/filters/graphic_equalizer.h"
+#include "desktop/dsp/reverb/reverb.h"
+
+namespace desktop {
+
+// What a karaoke voice goes through, over planar floats of full scale 1: equaliser, reverberation,
+// compressor, limiter. A member is switched and set directly; nothing clips between them.
+class KaraokeChain {
+ public:
+  GraphicEqualizer equalizer;
+  Reverb reverb;
+  Limiter limiter;
+
+  // Whether equaliser and reverberation take part at all.
+  void EnableEqReverb(bool enabled);
+  void EnableEqualizer(bool enabled);
+  void EnableReverb(bool enabled);
+  void EnableCompressor(bool enabled) { m_compressorEnabled = enabled; }
+  void EnableLimiter(bool enabled) { m_limiterEnabled = enabled; }
+
+  // How many samples later the sound comes out.
+  int Latency(int sampleRate) const { return m_limiterEnabled ? limiter.Latency(sampleRate) : 0; }
+
+  // Processes rows[0..channels) in place. Allocates when a setting or the format changed, and
+  // throws when there is no memory; silent numbers must count as zero.
+  void Process(float* const* rows, int channels, int frames, int sampleRate);
+
+ private:
+  void Compress(float* const* rows, int channels, int frames, int sampleRate);
+
+  Compressor m_compressor{
+      {.threshold = -15, .ratio = 2, .knee = 0, .attackMs = 5, .releaseMs = 120}};
+  bool m_eqReverbEnabled = true;
+  bool m_equalizerEnabled = false;
+  bool m_reverbEnabled = false;
+  bool m_compressorEnabled = false;
+  bool m_limiterEnabled = false;
+  int m_compressorRate = 0;
+};
+
+}  // namespace desktop

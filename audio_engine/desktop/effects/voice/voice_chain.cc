@@ -1,0 +1,122 @@
+#include "desktop/effects/voice/voice_chain.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace desktop {
+namespace {
+
+size_t FramesOf(double ms, int rate) { return static_cast<size_t>(std::lround(ms * rate / 1000)); }
+
+// How fast the measured level of a voice falls, in ms.
+constexpr double kLevelFallMs = 50;
+
+}  // namespace
+
+float VoiceChain::Line::Before(size_t frames) const {
+  const size_t size = samples.size();
+  return samples[(next + size - frames) % size];
+}
+
+void VoiceChain::Line::Put(float sample) {
+  samples[next] = sample;
+  next = next + 1 == samples.size() ? 0 : next + 1;
+}
+
+VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
+    : m_recipe(recipe), m_rate(rate), m_channels(channels) {
+  if (recipe.semitones != 0) m_shifter.emplace(recipe.semitones, rate, channels);
+  for (Channel& channel : m_channel) {
+    for (size_t i = 0; i < recipe.filters.size(); ++i) {
+      channel.filters[i].Design(recipe.filters[i], rate);
+    }
+    channel.ring.samples.resize(FramesOf(recipe.ringMs, rate));
+    channel.echo.samples.resize(FramesOf(recipe.echoMs, rate));
+    channel.past.samples.resize(FramesOf(std::max(recipe.doubleMs[0], recipe.doubleMs[1]), rate));
+  }
+  if (recipe.roomSeconds > 0) {
+    m_room.emplace();
+    m_room->SetParameter({.Factor = 1,
+                          .Wet = static_cast<float>(recipe.roomDb),
+                          .Dry = 0,
+                          .Feedback = 0.7F,
+                          .Damp1 = 0.3F,
+                          .Damp2 = 0,
+                          .Damp3 = 0,
+                          .ReverbTime = static_cast<float>(recipe.roomSeconds),
+                          .Width = 1,
+                          .Delay = 15});
+    m_room->SetEnabled(true);
+  }
+  m_gain = static_cast<float>(std::pow(10, recipe.levelDb / 20));
+}
+
+void VoiceChain::Process(float* const* rows, int frames) {
+  if (m_shifter) m_shifter->Process(rows, frames);
+  for (int c = 0; c < m_channels; ++c) {
+    Channel& channel = m_channel[static_cast<size_t>(c)];
+    for (size_t i = 0; i < channel.filters.size(); ++i) {
+      if (m_recipe.filters[i].kind != BiquadKind::kNone)
+        channel.filters[i].Process(rows[c], frames);
+    }
+    if (m_recipe.drive > 0) Drive(channel, rows[c], frames);
+    if (m_recipe.ringGain > 0) Echo(channel.ring, m_recipe.ringGain, rows[c], frames);
+  }
+  if (m_recipe.tremoloDepth > 0) Tremolo(rows, frames);
+  for (int c = 0; c < m_channels; ++c) {
+    Channel& channel = m_channel[static_cast<size_t>(c)];
+    if (m_recipe.echoGain > 0) Echo(channel.echo, m_recipe.echoGain, rows[c], frames);
+    if (m_recipe.doubleGain > 0) Double(channel, rows[c], frames);
+  }
+  if (m_room) m_room->Process(rows, m_channels, frames, m_rate);
+  for (int c = 0; c < m_channels; ++c) {
+    for (int i = 0; i < frames; ++i) rows[c][i] *= m_gain;
+  }
+}
+
+// Saturates in proportion to the level, so that a quiet voice sounds as rough as a loud one.
+void VoiceChain::Drive(Channel& channel, float* row, int frames) const {
+  const auto drive = static_cast<float>(m_recipe.drive);
+  const auto fall = static_cast<float>(std::exp(-1000 / (kLevelFallMs * m_rate)));
+  const float full = 1 / std::tanh(drive);
+  for (int i = 0; i < frames; ++i) {
+    channel.level = std::max(std::fabs(row[i]), channel.level * fall);
+    if (channel.level < 1e-6F) continue;
+    row[i] = channel.level * full * std::tanh(drive * row[i] / channel.level);
+  }
+}
+
+// A comb with feedback: an echo, or a resonance where the delay is short (Schroeder 1962).
+void VoiceChain::Echo(Line& line, double gain, float* row, int frames) const {
+  const auto feedback = static_cast<float>(gain);
+  for (int i = 0; i < frames; ++i) {
+    row[i] += feedback * line.Before(line.samples.size());
+    line.Put(row[i]);
+  }
+}
+
+void VoiceChain::Double(Channel& channel, float* row, int frames) const {
+  const auto gain = static_cast<float>(m_recipe.doubleGain);
+  const size_t first = FramesOf(m_recipe.doubleMs[0], m_rate);
+  const size_t second = FramesOf(m_recipe.doubleMs[1], m_rate);
+  for (int i = 0; i < frames; ++i) {
+    const float in = row[i];
+    row[i] += gain * (channel.past.Before(first) + channel.past.Before(second));
+    channel.past.Put(in);
+  }
+}
+
+void VoiceChain::Tremolo(float* const* rows, int frames) {
+  const double step = m_recipe.tremoloHz / m_rate;
+  for (int i = 0; i < frames; ++i) {
+    double swing = std::sin(2 * M_PI * m_tremoloPhase);
+    // A switch, but one that takes a few ms, so that it does not click.
+    if (m_recipe.tremoloChops) swing = std::tanh(6 * swing);
+    const auto gain = static_cast<float>(1 - m_recipe.tremoloDepth * (0.5 + 0.5 * swing));
+    for (int c = 0; c < m_channels; ++c) rows[c][i] *= gain;
+    m_tremoloPhase += step;
+    if (m_tremoloPhase >= 1) m_tremoloPhase -= 1;
+  }
+}
+
+}  // namespace desktop

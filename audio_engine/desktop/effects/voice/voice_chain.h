@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "desktop/dsp/filters/biquad.h"
+#include "desktop/dsp/reverb/reverb.h"
+#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/tempo/pitch_shifter.h"
+#include "desktop/effects/voice/voice_recipe.h"
+
+namespace desktop {
+
+// A voice recipe at work on a stream of planar floats of full scale 1.
+class VoiceChain {
+ public:
+  // rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory.
+  VoiceChain(const VoiceRecipe& recipe, int rate, int channels);
+
+  // rows[0..channels) in place, at most kPieceFrames frames at once. Silent numbers must count as
+  // zero.
+  void Process(float* const* rows, int frames);
+
+  // Frames until what goes in comes out.
+  int Latency() const { return m_shifter ? m_shifter->Latency() : 0; }
+
+ private:
+  // The last samples of a channel.
+  struct Line {
+    std::vector<float> samples;
+    size_t next = 0;
+    float Before(size_t frames) const;  // What was put so many frames ago.
+    void Put(float sample);
+  };
+  struct Channel {
+    std::array<Biquad, 4> filters;
+    float level = 0;  // Of the voice, for the drive.
+    Line ring;
+    Line echo;
+    Line past;
+  };
+
+  void Drive(Channel& channel, float* row, int frames) const;
+  void Echo(Line& line, double gain, float* row, int frames) const;
+  void Double(Channel& channel, float* row, int frames) const;
+  void Tremolo(float* const* rows, int frames);
+
+  const VoiceRecipe m_recipe;
+  const int m_rate;
+  const int m_channels;
+  std::optional<PitchShifter> m_shifter;
+  std::array<Channel, kMostEffectChannels> m_channel;
+  std::optional<Reverb> m_room;
+  double m_tremoloPhase = 0;  // Turns.
+  float m_gain = 1;
+};
+
+}  // namespace desktop

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include "desktop/dsp/filters/denormal_guard.h"
+#include "desktop/effects/effect_gate.h"
+#include "desktop/effects/voice/voice_chain.h"
+
+namespace desktop {
+
+// A stream of voice whose recipe may change at any time: the next chain runs beside the old one
+// until it gives sound, then fades in over 20 ms.
+class VoiceStream {
+ public:
+  explicit VoiceStream(const char* facility) : m_gate(facility) {}
+
+  // Taken up at the next Process; at the start of a stream at once, without a fade.
+  void Set(const VoiceRecipe& recipe) { m_wanted = recipe; }
+
+  // Interleaved samples in place; Sample is short or int. What cannot be done stays as it is, with
+  // one line in the log.
+  template <typename Sample>
+  void Process(char* samples, int frames, int rate, int channels, int sampleSize) {
+    if (!m_gate.Passes(samples, frames, rate, channels, sampleSize) || !Prepare(rate, channels)) {
+      return;
+    }
+    if (!IsActive()) return;
+    const DenormalGuard guard;
+    ProcessInPieces<Sample>(samples, frames, channels,
+                            [this](float* const* rows, int count) { Run(rows, count); });
+  }
+
+  // Whether Process may change samples at present.
+  bool IsActive() const { return m_chain || m_next || m_fading || m_wanted != m_playing; }
+
+  // Forgets the samples heard so far.
+  void Flush() { m_rate = 0; }
+
+ private:
+  bool Prepare(int rate, int channels);
+  void Run(float* const* rows, int frames);
+
+  EffectGate m_gate;
+  VoiceRecipe m_wanted;
+  VoiceRecipe m_playing;  // Of m_next while that fades in, else of m_chain.
+  int m_rate = 0;         // Of the chains; 0 = a stream that has not begun.
+  int m_channels = 0;
+  std::unique_ptr<VoiceChain> m_chain;  // Null where nothing is to be done.
+  std::unique_ptr<VoiceChain> m_next;
+  bool m_fading = false;
+  int m_wait = 0;   // Frames until m_next gives sound.
+  int m_faded = 0;  // Frames of the fade that are done.
+};
+
+}  // namespace desktop

@@ -1,0 +1,72 @@
+#include "desktop/enhancement/parts/noise_tracker.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace desktop {
+namespace {
+
+constexpr int kFirstFrames = 5;
+
+// A bin that has been speech for this long on end is noise that has grown: some of it is let in.
+constexpr float kProbabilitySmoothing = 0.9f;
+constexpr float kMostProbability = 0.99f;
+
+// By how much steady noise must be louder than the estimate to take its place: less comes of
+// itself.
+constexpr float kMuch = 2.0f;
+
+// How many frames m_recent stands for.
+constexpr int kRecentFrames = 10;
+
+// e^-80 is as good as nothing; much beyond, it is no number that a float can hold.
+constexpr float kMostExponent = 80.0f;
+
+}  // namespace
+
+NoiseTracker::NoiseTracker(size_t bins, const Speed& speed)
+    : m_speed(speed),
+      m_noise(bins, kFloor),
+      m_recent(bins, kFloor),
+      m_meanProbability(bins, 0.5f) {}
+
+void NoiseTracker::Update(std::span<const float> power, bool steady) {
+  m_frames = std::min(m_frames + 1, kRecentFrames);
+  for (size_t i = 0; i < m_noise.size(); ++i) {
+    m_recent[i] += (power[i] - m_recent[i]) / static_cast<float>(std::min(m_frames, kRecentFrames));
+    m_recent[i] = std::max(m_recent[i], kFloor);
+  }
+  if (m_frames <= kFirstFrames) {
+    m_noise = m_recent;
+    return;
+  }
+  Learn(power);
+  if (steady && RiseOverNoise() > kMuch) m_noise = m_recent;
+}
+
+// Over all bins: a single one is louder than its mean at times, and to follow it then would
+// overestimate the noise.
+float NoiseTracker::RiseOverNoise() const {
+  float sum = 0.0f;
+  for (size_t i = 0; i < m_noise.size(); ++i) sum += m_recent[i] / m_noise[i];
+  return sum / static_cast<float>(m_noise.size());
+}
+
+void NoiseTracker::Learn(std::span<const float> power) {
+  const float speech = m_speed.speechSnr;
+  for (size_t i = 0; i < m_noise.size(); ++i) {
+    const float noise = m_noise[i];
+    const float exponent = power[i] / noise * speech / (1.0f + speech);
+    float probability =
+        1.0f / (1.0f + (1.0f + speech) * std::exp(-std::min(exponent, kMostExponent)));
+    m_meanProbability[i] += (1.0f - kProbabilitySmoothing) * (probability - m_meanProbability[i]);
+    if (m_meanProbability[i] > kMostProbability) {
+      probability = std::min(probability, kMostProbability);
+    }
+    const float expected = probability * noise + (1.0f - probability) * power[i];
+    const float keep = expected > noise ? m_speed.rise : m_speed.fall;
+    m_noise[i] = std::max(keep * noise + (1.0f - keep) * expected, kFloor);
+  }
+}
+
+}  // namespace desktop

@@ -1,0 +1,141 @@
+// AAC files with ADTS headers, by libfdk-aac.
+
+#include <fdk-aac/aacdecoder_lib.h>
+
+#include <algorithm>
+#include <type_traits>
+
+#include "desktop/files/adts_reader.h"
+#include "desktop/files/file_source.h"
+
+namespace desktop {
+
+namespace {
+
+struct CloseDecoder {
+  void operator()(HANDLE_AACDECODER decoder) const { aacDecoder_Close(decoder); }
+};
+using Decoder = std::unique_ptr<std::remove_pointer_t<HANDLE_AACDECODER>, CloseDecoder>;
+
+constexpr int kMostSamples = 2048 * 8;  // Of a frame, all channels, before it is mixed to two.
+
+// What one frame decodes to.
+struct Layout {
+  int rate = 0;
+  int channels = 0;
+  int frames = 0;
+
+  bool operator==(const Layout& other) const = default;
+};
+
+// channels: as many come out; 0 for what the file has, two at most.
+Decoder OpenDecoder(int channels) {
+  Decoder decoder(aacDecoder_Open(TT_MP4_ADTS, 1));
+  HANDLE_AACDECODER handle = decoder.get();
+  const bool ready =
+      handle != nullptr && aacDecoder_SetParam(handle, AAC_PCM_LIMITER_ENABLE, 0) == AAC_DEC_OK &&
+      aacDecoder_SetParam(handle, AAC_PCM_MAX_OUTPUT_CHANNELS, channels > 0 ? channels : 2) ==
+          AAC_DEC_OK &&
+      (channels == 0 ||
+       aacDecoder_SetParam(handle, AAC_PCM_MIN_OUTPUT_CHANNELS, channels) == AAC_DEC_OK);
+  return ready ? std::move(decoder) : nullptr;
+}
+
+class AacFile : public FileSource {
+ public:
+  explicit AacFile(File file) : m_file(std::move(file)) {}
+
+  // Finds the length and the format. False when no frame can be decoded.
+  bool Examine() {
+    AdtsReader frames(m_file.get());
+    const unsigned char* frame = nullptr;
+    Decoder decoder = OpenDecoder(0);
+    if (decoder == nullptr) return false;
+    while (const size_t bytes = frames.Next(&frame)) {
+      // Band replication and the second channel of HE may show after the first frame only.
+      if (m_count++ < 8) Decode(decoder.get(), frame, bytes, &m_layout);
+    }
+    return m_layout.frames > 0 && Rewind();
+  }
+
+  uint32_t Rate() const override { return static_cast<uint32_t>(m_layout.rate); }
+  uint32_t Channels() const override { return static_cast<uint32_t>(m_layout.channels); }
+  uint64_t Frames() const override { return m_count * static_cast<uint64_t>(m_layout.frames); }
+
+  size_t Read(short* samples, size_t frames) override {
+    const auto channels = static_cast<size_t>(m_layout.channels);
+    size_t done = 0;
+    while (done < frames && (m_at < m_waiting || NextFrame())) {
+      const size_t part = std::min(frames - done, m_waiting - m_at);
+      std::copy_n(m_samples + m_at * channels, part * channels, samples + done * channels);
+      m_at += part;
+      done += part;
+    }
+    m_read += done;
+    m_ended = done < frames;
+    return done;
+  }
+
+  bool Failed() const override { return m_ended && m_read < Frames(); }
+
+  bool Rewind() override {
+    m_frames = std::make_unique<AdtsReader>(m_file.get());
+    m_decoder = OpenDecoder(m_layout.channels);
+    m_at = m_waiting = 0;
+    m_read = 0;
+    m_ended = false;
+    return m_decoder != nullptr;
+  }
+
+ private:
+  bool NextFrame() {
+    const unsigned char* frame = nullptr;
+    const size_t bytes = m_decoder != nullptr ? m_frames->Next(&frame) : 0;
+    if (bytes == 0) return false;
+    Layout layout;
+    const int count = m_layout.frames * m_layout.channels;
+    // A frame that is damaged, or of another format, is as long as the others and silent.
+    if (!Decode(m_decoder.get(), frame, bytes, &layout) || layout != m_layout) {
+      std::fill_n(m_samples, count, short{0});
+    }
+    m_at = 0;
+    m_waiting = static_cast<size_t>(m_layout.frames);
+    return true;
+  }
+
+  bool Decode(HANDLE_AACDECODER decoder, const unsigned char* frame, size_t bytes, Layout* layout) {
+    auto* data = const_cast<UCHAR*>(frame);
+    const auto size = static_cast<UINT>(bytes);
+    UINT left = size;
+    if (aacDecoder_Fill(decoder, &data, &size, &left) != AAC_DEC_OK) return false;
+    if (aacDecoder_DecodeFrame(decoder, m_samples, kMostSamples, 0) != AAC_DEC_OK) return false;
+    const CStreamInfo* info = aacDecoder_GetStreamInfo(decoder);
+    if (info->sampleRate < 1 || info->numChannels < 1 || info->frameSize < 1) return false;
+    *layout = {info->sampleRate, info->numChannels, info->frameSize};
+    return true;
+  }
+
+  File m_file;
+  Layout m_layout;
+  uint64_t m_count = 0;  // AAC frames in the file.
+  std::unique_ptr<AdtsReader> m_frames;
+  Decoder m_decoder;
+  uint64_t m_read = 0;   // Frames of samples since the start.
+  bool m_ended = false;  // There are no more.
+  size_t m_at = 0;       // The next frame of samples in m_samples
+  size_t m_waiting = 0;  // of so many.
+  INT_PCM m_samples[kMostSamples];
+};
+
+static_assert(std::is_same_v<INT_PCM, short>);
+
+}  // namespace
+
+FilePlayerOpenStatus OpenAacFile(File file, std::unique_ptr<FileSource>* source) {
+  auto opened = std::make_unique<AacFile>(std::move(file));
+  if (!opened->Examine()) return PLAYER_OPEN_FILE_DECODER_FAILED;
+  *source = std::move(opened);
+  return PLAYER_OPEN_SUCCESS;
+}
+
+}  // namespace desktop

@@ -1,0 +1,132 @@
+// Files that libsndfile reads.
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <type_traits>
+
+#include "desktop/files/file_source.h"
+#include "wave/wave_file.h"
+
+namespace desktop {
+
+namespace {
+
+sf_count_t Length(void* data) {
+  auto* const file = static_cast<FILE*>(data);
+  const off_t at = ftello(file);
+  fseeko(file, 0, SEEK_END);
+  const off_t length = ftello(file);
+  fseeko(file, at, SEEK_SET);
+  return length;
+}
+
+sf_count_t Seek(sf_count_t offset, int whence, void* data) {
+  auto* const file = static_cast<FILE*>(data);
+  return fseeko(file, offset, whence) == 0 ? ftello(file) : -1;
+}
+
+sf_count_t ReadBytes(void* to, sf_count_t bytes, void* data) {
+  return static_cast<sf_count_t>(
+      fread(to, 1, static_cast<size_t>(bytes), static_cast<FILE*>(data)));
+}
+
+sf_count_t WriteNothing(const void* /*from*/, sf_count_t /*bytes*/, void* /*data*/) { return 0; }
+
+sf_count_t Tell(void* data) { return ftello(static_cast<FILE*>(data)); }
+
+struct CloseSound {
+  void operator()(SNDFILE* sound) const { sf_close(sound); }
+};
+using Sound = std::unique_ptr<SNDFILE, CloseSound>;
+
+// Whether the file begins as one of a known kind does.
+bool HasKnownStart(FILE* file) {
+  unsigned char start[4] = {};
+  rewind(file);
+  if (fread(start, 1, sizeof start, file) != sizeof start) return false;
+  for (const char* known : {"RIFF", "RIFX", "RF64", "FORM", "fLaC", "OggS", "caff"}) {
+    if (memcmp(start, known, sizeof start) == 0) return true;
+  }
+  return memcmp(start, "ID3", 3) == 0 || (start[0] == 0xff && (start[1] & 0xe0) == 0xe0);
+}
+
+// Whether it is a sound WAVE file whose samples are coded in a way that nothing here decodes.
+bool IsWaveOfOtherCoding(FILE* file) {
+  const wave::Parsed parsed = wave::Find(file, static_cast<uint64_t>(Length(file)));
+  return parsed.audio && parsed.audio->coding != wave::Coding::kPcm &&
+         parsed.audio->coding != wave::Coding::kFloat;
+}
+
+class SoundFile : public FileSource {
+ public:
+  SoundFile(File file, Sound sound, const SF_INFO& info)
+      : m_file(std::move(file)), m_sound(std::move(sound)), m_info(info) {}
+
+  uint32_t Rate() const override { return static_cast<uint32_t>(m_info.samplerate); }
+  uint32_t Channels() const override { return static_cast<uint32_t>(m_info.channels); }
+  uint64_t Frames() const override {
+    return static_cast<uint64_t>(std::max<sf_count_t>(m_info.frames, 0));
+  }
+
+  size_t Read(short* samples, size_t frames) override {
+    const auto channels = static_cast<size_t>(m_info.channels);
+    size_t done = 0;
+    while (done < frames) {
+      const size_t part = std::min(frames - done, std::size(m_floats) / channels);
+      const sf_count_t got = sf_readf_float(m_sound.get(), m_floats, static_cast<sf_count_t>(part));
+      if (got <= 0) break;
+      const size_t count = static_cast<size_t>(got) * channels;
+      short* const out = samples + done * channels;
+      for (size_t i = 0; i < count; ++i) out[i] = ToShort(m_floats[i]);
+      done += static_cast<size_t>(got);
+    }
+    m_read += done;
+    m_ended = done < frames;
+    return done;
+  }
+
+  bool Failed() const override { return m_ended && m_read < Frames(); }
+
+  bool Rewind() override {
+    m_read = 0;
+    m_ended = false;
+    return sf_seek(m_sound.get(), 0, SEEK_SET) == 0;
+  }
+
+ private:
+  static short ToShort(float sample) {
+    if (std::isnan(sample)) return 0;
+    return static_cast<short>(std::lrint(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
+  }
+
+  File m_file;
+  Sound m_sound;
+  const SF_INFO m_info;
+  uint64_t m_read = 0;   // Frames since the start.
+  bool m_ended = false;  // There are no more.
+  float m_floats[4096];
+};
+
+}  // namespace
+
+FilePlayerOpenStatus OpenSoundFile(File file, std::unique_ptr<FileSource>* source) {
+  const bool known = HasKnownStart(file.get());
+  rewind(file.get());
+  SF_VIRTUAL_IO io = {Length, Seek, ReadBytes, WriteNothing, Tell};
+  SF_INFO info = {};
+  Sound sound(sf_open_virtual(&io, SFM_READ, &info, file.get()));
+  if (sound == nullptr) {
+    if (IsWaveOfOtherCoding(file.get())) return PLAYER_CREATE_FILE_DECODER_FAILED;
+    return known ? PLAYER_OPEN_FILE_DECODER_FAILED : PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT;
+  }
+  if (info.samplerate < 1 || info.samplerate > 768000 || info.channels < 1 || info.channels > 64) {
+    return PLAYER_OPEN_FILE_DECODER_FAILED;
+  }
+  *source = std::make_unique<SoundFile>(std::move(file), std::move(sound), info);
+  return PLAYER_OPEN_SUCCESS;
+}
+
+}  // namespace desktop

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "desktop/aec/parts/capture_chain.h"
+#include "desktop/dsp/filters/biquad.h"
+#include "desktop/live/play_feed.h"
+
+namespace desktop {
+
+// Cleans captured speech, 10 ms at a time and in place: high-pass at 100 Hz, echo control against
+// what the loudspeaker plays, noise suppression, gain control. Belongs to one thread.
+class CaptureCleaner {
+ public:
+  explicit CaptureCleaner(DeviceFormat format);
+  ~CaptureCleaner();
+  CaptureCleaner(const CaptureCleaner&) = delete;
+  CaptureCleaner& operator=(const CaptureCleaner&) = delete;
+
+  // Hears what the loudspeaker plays, which the object itself takes care of.
+  PlayListener& FarEnd() { return m_played; }
+
+  // One block of the format. Answers whether there is voice in it.
+  VADResultKind Process(short* samples, size_t frames);
+
+ private:
+  void HighPass(short* samples, size_t frames);
+
+  const DeviceFormat m_format;
+  PlayFeed m_played;
+  CaptureChain m_chain;
+  Biquad m_highPass[2];  // One for each channel.
+  std::vector<float> m_channel;
+  zuwebrtc::AudioFrame m_frame;
+  bool m_plays = false;
+};
+
+}  // namespace desktop

@@ -1,0 +1,171 @@
+#include "desktop/live/file_player.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "desktop/dsp/dynamics/volume.h"
+#include "desktop/files/refused_files.h"
+#include "engine_api/platform/log.h"
+
+namespace desktop {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+namespace {
+
+// Hz. What has a lower rate holds nothing that anybody could hear.
+constexpr uint32_t kLowestRate = 100;
+
+}  // namespace
+
+FilePlayer::FilePlayer() : m_ring(kAhead) {}
+
+FilePlayer::~FilePlayer() { Stop(); }
+
+FilePlayerOpenStatus FilePlayer::Open(const char* file) {
+  Stop();
+  m_resampler = nullptr;
+  const FilePlayerOpenStatus status = FileSource::Open(file, &m_source);
+  if (status != PLAYER_OPEN_SUCCESS) return status;
+  if (m_source->Rate() >= kLowestRate && MakeResampler()) return status;
+  m_resampler = nullptr;
+  m_source = nullptr;
+  RefuseFile(file, "cannot play the audio file", "its rate cannot be played");
+  return PLAYER_CREATE_FILE_DECODER_FAILED;
+}
+
+bool FilePlayer::MakeResampler() try {
+  m_pieceFrames = Resampler::PieceFrames(m_source->Rate(), kFormat.rate);
+  m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
+                                            kFormat.channels, m_pieceFrames);
+  if (!m_resampler->IsOpen()) return false;
+  m_piece.resize(size_t{m_pieceFrames} * m_source->Channels());
+  m_converted.resize(size_t{m_resampler->MostFramesFor(m_pieceFrames)} * kFormat.channels);
+  return true;
+} catch (const std::exception&) {  // Memory is short.
+  return false;
+}
+
+bool FilePlayer::Play() {
+  if (!IsOpen()) return false;
+  m_paused = false;
+  if (m_plays) return true;
+  Stop();
+  m_underruns = 0;
+  try {
+    m_plays = true;
+    m_thread = StartThread([this] { Run(); });
+    m_background.emplace([this](steady_clock::time_point deadline) {
+      while (m_plays && !m_paused && steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(milliseconds(5));
+      }
+      return !m_plays || m_paused;
+    });
+  } catch (const std::exception& error) {
+    m_plays = m_thread.joinable();
+    OutputDebugInfo("player: %s", error.what());
+  }
+  return m_plays;
+}
+
+void FilePlayer::Stop() {
+  m_background.reset();
+  if (!m_thread.joinable()) return;
+  m_stop = true;
+  m_wake.Post();
+  m_thread.join();
+  m_stop = m_read = m_failed = m_over = m_paused = false;
+  m_playedFrames = 0;
+  m_volume = 0;
+  m_ring.Clear();
+}
+
+void FilePlayer::Run() {
+  ReadAhead();
+  m_read = true;
+  Loudspeaker::Shared().Add(this);  // Where the file is too short to be there already.
+  if (WaitUntilOver()) {
+    // The last samples are on their way to the loudspeaker.
+    const milliseconds latency(Loudspeaker::Shared().Device().LatencyMs());
+    const Time heard = Now() + latency;
+    while (!m_stop && Now() < heard) m_wake.WaitUntil(heard);
+  }
+  Loudspeaker::Shared().Remove(this);
+  if (m_underruns > 0) {
+    OutputDebugInfo("player: %llu blocks of 10 ms came too late",
+                    static_cast<unsigned long long>(m_underruns));
+    AddDeviceFailures(Direction::kOutput, m_underruns);
+  }
+  m_plays = false;
+}
+
+void FilePlayer::ReadAhead() {
+  if (!m_source->Rewind()) {
+    m_failed = true;
+    OutputDebugInfo("player: cannot go back to the start of the file");
+    return;
+  }
+  while (const size_t frames = m_source->Read(m_piece.data(), m_pieceFrames)) {
+    if (!Convert(m_piece.data(), frames)) return;
+  }
+  if (m_source->Failed()) {
+    m_failed = true;
+    OutputDebugInfo("player: the file cannot be read to its end");
+  }
+  // What the resampler still holds.
+  const uint64_t lag = uint64_t{m_resampler->LagFrames()} * m_source->Rate() / kFormat.rate;
+  std::fill(m_piece.begin(), m_piece.end(), short{0});
+  for (uint64_t left = lag > 0 ? lag + 1 : 0; left > 0;) {
+    const uint64_t part = std::min<uint64_t>(left, m_pieceFrames);
+    if (!Convert(m_piece.data(), part)) return;
+    left -= part;
+  }
+}
+
+// False when the player is to stop.
+bool FilePlayer::Convert(const short* samples, size_t frames) {
+  const uint32_t got =
+      m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
+  const size_t count = size_t{got} * kFormat.channels;
+  for (size_t at = 0; at < count; at += kAhead / 4) {
+    if (!Queue(&m_converted[at], std::min(count - at, kAhead / 4))) return false;
+  }
+  return !m_stop;
+}
+
+// Waits for room. False when the player is to stop.
+bool FilePlayer::Queue(const short* samples, size_t count) {
+  while (!m_ring.Write(samples, count)) {
+    if (m_stop) return false;
+    Loudspeaker::Shared().Add(this);
+    m_wake.WaitFor(milliseconds(1000));
+  }
+  return !m_stop;
+}
+
+// False when the player is to stop.
+bool FilePlayer::WaitUntilOver() {
+  while (!m_over && !m_stop) m_wake.WaitFor(milliseconds(1000));
+  return m_over;
+}
+
+void FilePlayer::FillBlock(short* samples, size_t frames) {
+  const size_t count = frames * kFormat.channels;
+  const bool read = m_read;
+  const size_t got = m_paused || m_over ? 0 : std::min(m_ring.Waiting(), count);
+  m_ring.Read(samples, got);
+  std::fill(samples + got, samples + count, short{0});
+  m_playedFrames += got / kFormat.channels;
+  m_volume = VolumeOf(samples, count);
+  if (m_paused || m_over) return;
+  if (got < count && !read) ++m_underruns;
+  if (got < count && read) {
+    m_over = true;
+    m_wake.Post();
+  } else if (m_ring.Waiting() < kAhead / 2) {
+    m_wake.Post();
+  }
+}
+
+}  // namespace desktop

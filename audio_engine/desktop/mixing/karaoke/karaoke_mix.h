@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "desktop/effects/karaoke/karaoke_chain.h"
+#include "desktop/files/converted_source.h"
+
+namespace desktop {
+
+// What a karaoke voice goes through on its way into a mix.
+struct VoiceSettings {
+  int offsetMs = 0;  // Positive: the voice comes later.
+  bool equalizer = false;
+  EqGains gains = {};
+  bool reverb = false;
+  std::optional<NreverbFv3Parameter> reverbParameter;
+  bool limiter = false;
+  std::optional<LimiterParam> limiterParameter;
+};
+
+// Mixes a voice, through the karaoke chain, with its accompaniment: in floats up to a limiter over
+// the sum. The delay of both limiters is taken out. Belongs to one thread.
+class KaraokeMix {
+ public:
+  // Both sources give `format`.
+  KaraokeMix(std::unique_ptr<ConvertedSource> voice, std::unique_ptr<ConvertedSource> music,
+             DeviceFormat format, const VoiceSettings& settings);
+
+  // The whole length in frames, as far as the files tell: that of the accompaniment, or of the
+  // shifted voice where that is longer.
+  uint64_t Frames() const { return m_length; }
+
+  static constexpr size_t kMostFrames = kPieceFrames;
+
+  // Replaces `samples` by the next frames, interleaved, at most kMostFrames; 0 at the end. Throws
+  // when there is no memory.
+  size_t Next(short* samples);
+
+ private:
+  // A file between silence, from a time on that may lie before its start.
+  struct Track {
+    std::unique_ptr<ConvertedSource> source;
+    uint64_t silence;     // Frames ahead of it that are still to come.
+    uint64_t frames = 0;  // Of silence and file so far.
+    bool ended = false;
+  };
+  using Piece = float[kMostEffectChannels][kPieceFrames];
+
+  static void Skip(Track& track, uint64_t frames, DeviceFormat format);
+  void Read(Track& track, Piece& piece);
+  void MixPiece();
+  uint64_t End() const;
+
+  const DeviceFormat m_format;
+  KaraokeChain m_chain;
+  Limiter m_limiter;
+  Track m_voice;
+  Track m_music;
+  uint64_t m_length;        // Of the files, as they tell it.
+  uint64_t m_chainLatency;  // Frames by which the voice is late after its chain,
+  uint64_t m_latency;       // and the mix after its limiter.
+  uint64_t m_mixed = 0;
+  std::vector<short> m_samples;
+  Piece m_mix;
+};
+
+}  // namespace desktop

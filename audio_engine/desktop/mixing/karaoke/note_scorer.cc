@@ -1,0 +1,78 @@
+#include "desktop/mixing/karaoke/note_scorer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+
+namespace desktop {
+
+namespace {
+
+constexpr uint32_t kFewest = 3;  // Pitches that make a note.
+constexpr int kMostTenths = 60;
+
+// Tenths of the cents of `pitch` above a note, in whichever octave it is nearest.
+int TenthsAbove(int midiValue, double pitch) {
+  const double semitones = 12 * std::log2(pitch / 440) + 69 - midiValue;
+  const double folded = semitones - 12 * std::floor(semitones / 12 + 0.5);
+  return static_cast<int>(std::lround(folded * 10));
+}
+
+}  // namespace
+
+NoteScorer::NoteScorer(const ScoreTimeRange* notes, size_t count, int8_t* pitchVisual)
+    : m_notes(notes, notes + count), m_pitchVisual(pitchVisual) {
+  m_counts.fill(0);
+  for (size_t i = 0; i < count; ++i) Show(i, kNotSung);
+}
+
+void NoteScorer::Show(size_t note, int8_t tenths) {
+  if (m_pitchVisual == nullptr) return;
+  std::atomic_ref(m_pitchVisual[note]).store(tenths, std::memory_order_relaxed);
+}
+
+// A table that makes no sense, with times that are no numbers for example, finds nothing.
+int NoteScorer::FindNote(double timeMs) const {
+  for (size_t i = 0; i < m_notes.size(); ++i) {
+    const ScoreTimeRange& note = m_notes[i];
+    if (timeMs >= note.beginTime && timeMs < note.endTime && note.midiValue > 0) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+void NoteScorer::Sing(double timeMs, double pitch) {
+  const int note = FindNote(timeMs);
+  if (note != m_note) CloseNote();
+  m_note = note;
+  if (note < 0 || pitch <= 0) return;
+  const auto at = static_cast<size_t>(note);
+  const int tenths = TenthsAbove(std::min(m_notes[at].midiValue, 127), pitch);
+  ++m_counts[static_cast<unsigned>(tenths + kMostTenths)];
+  if (++m_heard < kFewest) return;
+
+  uint32_t below = 0;
+  size_t median = 0;
+  while ((below += m_counts[median]) * 2 < m_heard) ++median;
+  m_median = static_cast<int8_t>(static_cast<int>(median) - kMostTenths);
+  Show(at, m_median);
+}
+
+void NoteScorer::CloseNote() {
+  if (m_median != kNotSung) {
+    ++m_sung;
+    if (std::abs(m_median) <= 5) ++m_hit;
+  }
+  m_counts.fill(0);
+  m_heard = 0;
+  m_median = kNotSung;
+}
+
+size_t NoteScorer::NotesToSing() const {
+  return static_cast<size_t>(std::count_if(
+      m_notes.begin(), m_notes.end(), [](const ScoreTimeRange& n) { return n.midiValue > 0; }));
+}
+
+}  // namespace desktop

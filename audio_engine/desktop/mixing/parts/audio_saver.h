@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+
+#include "desktop/files/recorded_file.h"
+#include "desktop/live/microphone.h"
+#include "desktop/live/play_feed.h"
+#include "engine_api/mixing/audio_engine.h"
+
+namespace desktop {
+
+// Records the microphone path, before or after what players feed back into it, or with all that is
+// played.
+class CaptureSaver : public CaptureListener {
+ public:
+  // sink: of the microphone's format. The microphone outlives the saver.
+  CaptureSaver(AudioSaverMode mode, Microphone& microphone, std::unique_ptr<FileSink> sink);
+  ~CaptureSaver() override;  // Finishes the file: all that was captured until now is in it.
+  CaptureSaver(const CaptureSaver&) = delete;
+  CaptureSaver& operator=(const CaptureSaver&) = delete;
+
+  void OnCaptured(const CapturedBlock& block) override;
+
+ private:
+  const AudioSaverMode m_mode;
+  Microphone& m_microphone;
+  RecordedFile m_file;
+  std::unique_ptr<PlayFeed> m_played;  // For AudioSaverBoth.
+  std::vector<short> m_block;
+  std::vector<int32_t> m_sums;
+  SumLimiter m_limiter;
+};
+
+// Records what is played, silence included.
+class RenderSaver : public PlayListener {
+ public:
+  // sink: of the loudspeaker's format.
+  explicit RenderSaver(std::unique_ptr<FileSink> sink);
+  ~RenderSaver() override;  // Finishes the file.
+  RenderSaver(const RenderSaver&) = delete;
+  RenderSaver& operator=(const RenderSaver&) = delete;
+
+  void OnPlayed(const PlayedBlock& block) override { m_file.Put(block.played); }
+  bool HearsSilence() const override { return true; }
+
+ private:
+  RecordedFile m_file;
+};
+
+}  // namespace desktop

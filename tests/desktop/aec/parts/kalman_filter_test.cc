@@ -1,0 +1,101 @@
+#include "desktop/aec/parts/kalman_filter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "support/allocation_count.h"
+#include "support/talk.h"
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr int kBlock = 160;
+
+Samples Cancel(desktop::KalmanFilter& filter, const Samples& far, const Samples& near) {
+  Samples out(near.size());
+  std::vector<float> farBlock(kBlock);
+  std::vector<float> block(kBlock);
+  for (size_t at = 0; at + kBlock <= near.size(); at += kBlock) {
+    std::copy_n(&far[at], kBlock, farBlock.begin());
+    std::copy_n(&near[at], kBlock, block.begin());
+    filter.Process(farBlock.data(), block.data(), block.data());
+    for (size_t i = 0; i < kBlock; ++i) out[at + i] = static_cast<short>(block[i]);
+  }
+  return out;
+}
+
+TEST(KalmanFilter, CancelsALinearEcho) {
+  const Samples far = Talk(kRate, 8, 1);
+  const Samples near = Sum(Echo(far, kRate, 60), Hiss(kRate, 8, 2, -75));
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  const Samples out = Cancel(filter, far, near);
+  EXPECT_GT(LossDb(near, out, kRate, 1, 2), 10);
+  EXPECT_GT(LossDb(near, out, kRate, 3, 8), 25);
+}
+
+TEST(KalmanFilter, LeavesTheNearEndInDoubleTalk) {
+  const Samples far = Talk(kRate, 8, 3);
+  const Samples speech = Talk(kRate, 8, 4);
+  const Samples near = Sum(Echo(far, kRate, 60, 0), speech);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_GT(SdrDb(speech, Cancel(filter, far, near), kRate, 2, 0),
+            SdrDb(speech, near, kRate, 2, 0) + 8);
+}
+
+TEST(KalmanFilter, LeavesANearEndWithoutFarEndAsItIs) {
+  const Samples speech = Talk(kRate, 3, 5);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_EQ(Cancel(filter, Samples(speech.size()), speech), speech);
+}
+
+TEST(KalmanFilter, KeepsWhatItHasLearntWhenItsStartIsMoved) {
+  const Samples far = Talk(kRate, 6, 6);
+  const Samples near = Sum(Echo(far, kRate, 120), Hiss(kRate, 6, 7, -75));
+  const Samples firstFar(far.begin(), far.begin() + 4 * kRate);
+  const Samples firstNear(near.begin(), near.begin() + 4 * kRate);
+  const Samples thenFar(far.begin() + 4 * kRate, far.end());
+  const Samples thenNear(near.begin() + 4 * kRate, near.end());
+  for (const int offset : {9, 3}) {
+    desktop::KalmanFilter filter(kBlock, 32, 50);
+    filter.SetOffset(6);
+    Cancel(filter, firstFar, firstNear);
+    filter.SetOffset(offset);
+    EXPECT_GT(LossDb(thenNear, Cancel(filter, thenFar, thenNear), kRate, 0.1, 2), 22) << offset;
+  }
+}
+
+TEST(KalmanFilter, ReachesAsFarAsItsOffset) {
+  const Samples far = Talk(kRate, 6, 8);
+  const Samples near = Sum(Echo(far, kRate, 480), Hiss(kRate, 6, 9, -75));
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_LT(LossDb(near, Cancel(filter, far, near), kRate, 3, 6), 3);
+  filter.SetOffset(1000);
+  EXPECT_EQ(filter.Offset(), 50);
+  filter.SetOffset(43);
+  EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 3, 6), 20);
+}
+
+TEST(KalmanFilter, NeverMakesTheNearEndMuchLouder) {
+  const Samples far = Talk(kRate, 10, 10);
+  Samples near = Echo(far, kRate, 60, 6);
+  const Samples moved = Echo(far, kRate, 40, 0);
+  for (size_t i = 5 * kRate; i < near.size(); ++i) near[i] = static_cast<short>(-moved[i]);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  const Samples out = Cancel(filter, far, near);
+  EXPECT_GT(LossDb(near, out, kRate, 5, 5.5), -6);
+  EXPECT_GT(LossDb(near, out, kRate, 7, 10), 12);
+}
+
+TEST(KalmanFilter, AllocatesNothingPerBlock) {
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  std::vector<float> far(kBlock, 100.0f);
+  std::vector<float> near(kBlock, 50.0f);
+  const size_t before = AllocationCount();
+  for (int block = 0; block < 100; ++block) filter.Process(far.data(), near.data(), near.data());
+  filter.SetOffset(7);
+  EXPECT_EQ(AllocationCount(), before);
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+#include "desktop/live/frames.h"
+
+#include <algorithm>
+
+#include "desktop/live/frame_packer.h"
+#include "desktop/live/frame_player.h"
+
+void KeptFrames::OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
+                                  uint32_t timeStamp, uint8_t /*flag*/) {
+  frames.push_back({std::vector<uint8_t>(data, data + len), voice, timeStamp});
+  ++count;
+}
+
+FedFrames::FedFrames(int rawId, const std::vector<KeptFrames::Frame>& kept) : rawId(rawId) {
+  for (const KeptFrames::Frame& frame : kept) frames.push_back(frame.bytes);
+  lost.resize(frames.size());
+}
+
+bool FedFrames::OnPullAudioFrame(uint32_t, AudioFrameData& frame, bool isFirst,
+                                 FramePlayerFeedbackInfo& feedback) {
+  ++pulls;
+  firstPulls += isFirst ? 1 : 0;
+  feedbacks.push_back(feedback);
+  while (next < frames.size() && lost[next]) {
+    ++next;
+    ++frame.frameIndex;
+  }
+  if (next >= frames.size()) return false;
+  const bool isEmpty = next >= emptyFrom && next < emptyTo;
+  const std::vector<uint8_t>& bytes = frames[next++];
+  if (bytes.empty()) return false;
+  std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof frame.frameData), frame.frameData);
+  frame.frameLength = isEmpty ? uint16_t{0} : static_cast<uint16_t>(bytes.size());
+  frame.codecType = static_cast<uint8_t>(rawId);
+  frame.timestamp = static_cast<uint32_t>(next);
+  ++frame.frameIndex;
+  return true;
+}
+
+bool FedFrames::OnAudioVolume(uint32_t, uint32_t volume) {
+  volumes.push_back(volume);
+  return wantsMore;
+}
+
+bool FedFrames::OnAudioRenderPTS(uint32_t, uint32_t timeStamp) {
+  times.push_back(timeStamp);
+  return wantsMore;
+}
+
+KeptFrames Pack(int rawId, const std::vector<short>& samples, int rate, int channels) {
+  KeptFrames kept;
+  const auto packer = desktop::FramePacker::Create(&kept, rawId, rate, channels);
+  if (packer == nullptr) return kept;
+  const size_t block = static_cast<size_t>(rate / 100 * channels);
+  for (size_t at = 0; at + block <= samples.size(); at += block) {
+    packer->Put(&samples[at], block / static_cast<size_t>(channels));
+    packer->Work();
+  }
+  return kept;
+}
+
+std::vector<short> Play(FedFrames& frames, int ms, uint32_t rate, uint32_t channels) {
+  desktop::FramePlayer player(&frames, 0, rate, channels);
+  const size_t block = rate / 100;
+  std::vector<short> played;
+  for (int done = 0; done < ms; done += 10) {
+    player.Work(0);
+    played.resize(played.size() + block * channels);
+    player.Render(&played[played.size() - block * channels], block);
+  }
+  return played;
+}

@@ -1,0 +1,144 @@
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "desktop/dsp/music/pitch_tracker.h"
+#include "desktop/mixing/karaoke/note_scorer.h"
+#include "support/talk.h"
+#include "support/tone.h"
+#include "support/voice.h"
+
+using desktop::NoteScorer;
+using desktop::PitchTracker;
+using testing::Each;
+
+namespace {
+
+// The answers after the first tenth of a second.
+std::vector<double> Pitches(const std::vector<short>& samples) {
+  PitchTracker tracker;
+  std::vector<double> pitches;
+  for (size_t at = 0; at + PitchTracker::kHop <= samples.size(); at += PitchTracker::kHop) {
+    const double pitch = tracker.Track(&samples[at]);
+    if (at >= 1600) pitches.push_back(pitch);
+  }
+  return pitches;
+}
+
+double Hz(double midi) { return 440 * std::pow(2, (midi - 69) / 12); }
+
+constexpr ScoreTimeRange kNotes[] = {
+    {1000, 1500, 1, 0, 69}, {1500, 2000, 1, 0, 57}, {2000, 2500, 1, 1, 64}, {2500, 3000, 2, 1, 0}};
+
+class NoteScorerTest : public testing::Test {
+ protected:
+  void Sing(double from, double to, double midi) {
+    for (double time = from; time < to; time += 10) m_scorer.Sing(time, Hz(midi));
+  }
+
+  std::array<int8_t, 4> m_visual = {1, 2, 3, 4};
+  NoteScorer m_scorer{kNotes, 4, m_visual.data()};
+};
+
+}  // namespace
+
+TEST(PitchTracker, FollowsASungNoteWithinTwentyCents) {
+  for (const double pitch : {82.4, 110.0, 196.0, 261.6, 440.0, 587.3, 880.0}) {
+    for (const double found : Pitches(SungNote(pitch, 16000, 0.5))) {
+      EXPECT_NEAR(1200 * std::log2(found / pitch), 0, 20) << pitch;
+    }
+  }
+}
+
+TEST(PitchTracker, HearsNoPitchInNoiseAndSilence) {
+  EXPECT_THAT(Pitches(Hiss(16000, 0.5, 1, -20)), Each(0));
+  EXPECT_THAT(Pitches(std::vector<short>(8000)), Each(0));
+  EXPECT_THAT(Pitches(Tone(440, 50, 16000, 8000)), Each(0));   // -59 dBFS.
+  EXPECT_THAT(Pitches(Tone(440, 130, 16000, 8000)), Each(0));  // -51 dBFS.
+  EXPECT_THAT(Pitches(Tone(440, 160, 16000, 8000)), Each(testing::DoubleNear(440, 2)));  // -49.
+}
+
+TEST_F(NoteScorerTest, ShowsTenthsOfTheCentsBesideEachNote) {
+  EXPECT_THAT(m_visual, Each(127));
+  Sing(1000, 1500, 69.02);
+  Sing(1500, 2000, 57 - 1);  // A semitone flat.
+  m_scorer.Finish();
+  EXPECT_THAT(m_visual, testing::ElementsAre(0, -10, 127, 127));
+  EXPECT_EQ(m_scorer.NotesToSing(), 3U);
+  EXPECT_EQ(m_scorer.NotesSung(), 2U);
+  EXPECT_EQ(m_scorer.NotesHit(), 1U);
+}
+
+TEST_F(NoteScorerTest, TakesTheMedianAndFoldsOctaves) {
+  Sing(1000, 1100, 72);  // A slide into the note.
+  Sing(1100, 1500, 69 - 24 + 0.3);
+  Sing(1500, 2000, 57 + 12 - 0.4);
+  EXPECT_THAT(m_visual, testing::ElementsAre(3, -4, 127, 127));
+  m_scorer.Finish();
+  EXPECT_EQ(m_scorer.NotesHit(), 2U);  // In another octave, and hit all the same.
+}
+
+TEST_F(NoteScorerTest, ShowsANoteOnceThirtyMillisecondsOfItWereSung) {
+  m_scorer.Sing(1000, Hz(69));
+  m_scorer.Sing(1010, 0);
+  m_scorer.Sing(1020, Hz(69));
+  EXPECT_EQ(m_visual[0], 127);
+  m_scorer.Sing(1030, Hz(69));
+  EXPECT_EQ(m_visual[0], 0);
+}
+
+TEST_F(NoteScorerTest, StaysWithinHalfAnOctave) {
+  Sing(1000, 1500, 69 + 5.99);
+  Sing(1500, 2000, 57 - 5.99);
+  EXPECT_THAT(m_visual, testing::ElementsAre(60, -60, 127, 127));
+}
+
+TEST_F(NoteScorerTest, HearsNothingOutsideOfTheNotes) {
+  Sing(0, 1000, 69);
+  Sing(2500, 4000, 69);  // A pause of the table, and what follows it.
+  m_scorer.Finish();
+  EXPECT_THAT(m_visual, Each(127));
+  EXPECT_EQ(m_scorer.NotesSung(), 0U);
+}
+
+TEST_F(NoteScorerTest, CountsATimeToTheNoteThatBeginsWithIt) {
+  for (const double time : {1000.0, 1000.0, 1000.0, 1500.0, 1500.0, 1500.0}) {
+    m_scorer.Sing(time, Hz(69.3));
+  }
+  EXPECT_THAT(m_visual, testing::ElementsAre(3, 3, 127, 127));
+}
+
+TEST_F(NoteScorerTest, TakesTheLowerOfTwoMediansAndForgetsTheNoteBefore) {
+  Sing(1000, 1020, 69.4);
+  Sing(1020, 1040, 69.1);
+  EXPECT_EQ(m_visual[0], 1);
+  Sing(1500, 1530, 56.8);
+  EXPECT_THAT(m_visual, testing::ElementsAre(1, -2, 127, 127));
+}
+
+TEST_F(NoteScorerTest, HitsANoteWithinHalfASemitone) {
+  Sing(1000, 1500, 69.5);
+  Sing(1500, 2000, 56.5);
+  Sing(2000, 2500, 64.6);
+  m_scorer.Finish();
+  EXPECT_THAT(m_visual, testing::ElementsAre(5, -5, 6, 127));
+  EXPECT_EQ(m_scorer.NotesSung(), 3U);
+  EXPECT_EQ(m_scorer.NotesHit(), 2U);
+}
+
+TEST(NoteScorer, SurvivesTablesThatMakeNoSense) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const ScoreTimeRange notes[] = {
+      {nan, nan, 0, 0, 60}, {0, 1e30F, 0, 44, 2147483647}, {500, 100, 0, 0, -2147483647 - 1}};
+  int8_t visual[3];
+  NoteScorer scorer(notes, 3, visual);
+  for (int i = 0; i < 100; ++i) scorer.Sing(i * 10, Hz(60 + i));
+  scorer.Finish();
+  EXPECT_EQ(visual[0], 127);
+  EXPECT_LE(std::abs(visual[1]), 60);
+  EXPECT_EQ(visual[2], 127);
+  NoteScorer nobody(nullptr, 0, nullptr);
+  nobody.Sing(0, 100);
+}
