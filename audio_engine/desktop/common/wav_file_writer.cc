@@ -1,22 +1,32 @@
 #include "engine_api/common/wav_file_writer.h"
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <climits>
 #include <cstring>
 
 #include "desktop/common/wav_header.h"
 #include "engine_api/platform/log.h"
+#include "wave/wave_file.h"
+
+namespace {
+
+desktop::WavFormat FormatOf(const WavHeader& header) {
+  return {static_cast<int>(header.sampleRate), header.channels, header.bitsPerSample};
+}
+
+}  // namespace
 
 CWavFileWriter::CWavFileWriter(int sampleRate, int channels, int bitsPerSample,
                                const std::string& fileName)
-    : m_wavHeader(desktop::EmptyWavHeader(sampleRate, channels, bitsPerSample)),
+    : m_wavHeader(std::bit_cast<WavHeader>(wave::Header(sampleRate, channels, bitsPerSample, 0))),
       m_FileName(fileName) {
-  m_ofs = desktop::CreateWav(m_FileName.c_str(), m_wavHeader, desktop::WavBuffer::kNone);
+  m_ofs = desktop::CreateWav(m_FileName.c_str(), FormatOf(m_wavHeader), desktop::WavBuffer::kNone);
   m_notWav = m_ofs == nullptr ? 1 : 0;
 }
 
-CWavFileWriter::~CWavFileWriter() { desktop::FinishWav(m_ofs, m_wavHeader); }
+CWavFileWriter::~CWavFileWriter() { desktop::FinishWav(m_ofs, FormatOf(m_wavHeader)); }
 
 void CWavFileWriter::Write(const void* data, int bytes) {
   if (m_ofs == nullptr || bytes <= 0) return;
@@ -32,7 +42,7 @@ void CWavFileWriter::Write(const void* data, int bytes) {
   }
   if (kept < asked) {
     OutputDebugInfo("%s: cannot write further: %s", m_FileName.c_str(), strerror(errno));
-    desktop::FinishWav(m_ofs, m_wavHeader);
+    desktop::FinishWav(m_ofs, FormatOf(m_wavHeader));
     m_ofs = nullptr;
     m_notWav = 1;
   }

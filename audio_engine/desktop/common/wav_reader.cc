@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "desktop/common/wav_header.h"
+#include "desktop/common/open_file.h"
 #include "engine_api/platform/log.h"
 #include "wave/wave_file.h"
 
@@ -34,7 +34,7 @@ wave::Parsed FindSamples(FILE* file) {
 namespace zuwebrtc {
 
 WavReader::WavReader(const std::string& filename) {
-  file_handle_ = desktop::OpenWav(filename.c_str(), "rb");
+  file_handle_ = desktop::OpenUnlessFifo(filename.c_str(), "rb");
   if (file_handle_ == nullptr) {
     OutputDebugInfo("%s: cannot read: %s", filename.c_str(), strerror(errno));
     return;

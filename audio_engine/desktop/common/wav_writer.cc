@@ -10,11 +10,9 @@
 
 namespace {
 
-WavHeader Header(int rate, int channels) { return desktop::EmptyWavHeader(rate, channels, 16); }
-
 // Finishes a file that is not whole because of an error.
-void FinishShort(FILE* file, const WavHeader& header, uint32_t given, int error) {
-  const uint64_t kept = desktop::FinishWav(file, header) / sizeof(short);
+void FinishShort(FILE* file, const desktop::WavFormat& format, uint32_t given, int error) {
+  const uint64_t kept = desktop::FinishWav(file, format) / sizeof(short);
   OutputDebugInfo("A WAVE file ends after %llu of %u samples: %s",
                   static_cast<unsigned long long>(kept), given, strerror(error));
 }
@@ -31,17 +29,17 @@ namespace zuwebrtc {
 
 WavWriter::WavWriter(const std::string& filename, int sample_rate, int num_channels)
     : sample_rate_(sample_rate), num_channels_(num_channels) {
-  file_handle_ = desktop::CreateWav(filename.c_str(), Header(sample_rate_, num_channels_),
+  file_handle_ = desktop::CreateWav(filename.c_str(), {sample_rate_, num_channels_, 16},
                                     desktop::WavBuffer::kStdio);
 }
 
 WavWriter::~WavWriter() {
   if (file_handle_ == nullptr) return;
-  const WavHeader header = Header(sample_rate_, num_channels_);
+  const desktop::WavFormat format = {sample_rate_, num_channels_, 16};
   if (fflush(file_handle_) == 0) {
-    desktop::FinishWav(file_handle_, header);
+    desktop::FinishWav(file_handle_, format);
   } else {
-    FinishShort(file_handle_, header, num_samples_, errno);
+    FinishShort(file_handle_, format, num_samples_, errno);
   }
 }
 
@@ -50,7 +48,7 @@ void WavWriter::WriteSamples(const short* samples, unsigned count) {
 
   num_samples_ += std::min(count, UINT32_MAX - num_samples_);
   if (fwrite(samples, sizeof(short), count, file_handle_) == count) return;
-  FinishShort(file_handle_, Header(sample_rate_, num_channels_), num_samples_, errno);
+  FinishShort(file_handle_, {sample_rate_, num_channels_, 16}, num_samples_, errno);
   file_handle_ = nullptr;
 }
 

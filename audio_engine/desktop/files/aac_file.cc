@@ -1,3 +1,5 @@
+#include "desktop/files/aac_file.h"
+
 // AAC files with ADTS headers, by libfdk-aac.
 
 #include <fdk-aac/aacdecoder_lib.h>
@@ -6,7 +8,6 @@
 #include <type_traits>
 
 #include "desktop/files/adts_reader.h"
-#include "desktop/files/file_source.h"
 
 namespace desktop {
 
@@ -17,7 +18,7 @@ struct CloseDecoder {
 };
 using Decoder = std::unique_ptr<std::remove_pointer_t<HANDLE_AACDECODER>, CloseDecoder>;
 
-constexpr int kMostSamples = 2048 * 8;  // Of a frame, all channels, before it is mixed to two.
+constexpr int kMaxSamples = 2048 * 8;  // Of a frame, all channels, before it is mixed to two.
 
 // What one frame decodes to.
 struct Layout {
@@ -108,7 +109,7 @@ class AacFile : public FileSource {
     const auto size = static_cast<UINT>(bytes);
     UINT left = size;
     if (aacDecoder_Fill(decoder, &data, &size, &left) != AAC_DEC_OK) return false;
-    if (aacDecoder_DecodeFrame(decoder, m_samples, kMostSamples, 0) != AAC_DEC_OK) return false;
+    if (aacDecoder_DecodeFrame(decoder, m_samples, kMaxSamples, 0) != AAC_DEC_OK) return false;
     const CStreamInfo* info = aacDecoder_GetStreamInfo(decoder);
     if (info->sampleRate < 1 || info->numChannels < 1 || info->frameSize < 1) return false;
     *layout = {info->sampleRate, info->numChannels, info->frameSize};
@@ -124,18 +125,18 @@ class AacFile : public FileSource {
   bool m_ended = false;  // There are no more.
   size_t m_at = 0;       // The next frame of samples in m_samples
   size_t m_waiting = 0;  // of so many.
-  INT_PCM m_samples[kMostSamples];
+  INT_PCM m_samples[kMaxSamples];
 };
 
 static_assert(std::is_same_v<INT_PCM, short>);
 
 }  // namespace
 
-FilePlayerOpenStatus OpenAacFile(File file, std::unique_ptr<FileSource>* source) {
+FileFault OpenAacFile(File file, std::unique_ptr<FileSource>* source) {
   auto opened = std::make_unique<AacFile>(std::move(file));
-  if (!opened->Examine()) return PLAYER_OPEN_FILE_DECODER_FAILED;
+  if (!opened->Examine()) return FileFault::kDamaged;
   *source = std::move(opened);
-  return PLAYER_OPEN_SUCCESS;
+  return FileFault::kNone;
 }
 
 }  // namespace desktop

@@ -1,11 +1,11 @@
-// In place of aac_file.cc in a build without libfdk-aac.
+#include "desktop/files/aac_file.h"
 
-#include "desktop/files/file_source.h"
+// In place of aac_file.cc in a build without libfdk-aac.
 
 namespace desktop {
 
-FilePlayerOpenStatus OpenAacFile(File /*file*/, std::unique_ptr<FileSource>* /*source*/) {
-  return PLAYER_CREATE_FILE_DECODER_FAILED;
+FileFault OpenAacFile(File /*file*/, std::unique_ptr<FileSource>* /*source*/) {
+  return FileFault::kNoDecoder;
 }
 
 }  // namespace desktop

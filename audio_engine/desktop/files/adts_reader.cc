@@ -49,7 +49,7 @@ AdtsReader::AdtsReader(FILE* file) : m_file(file) { rewind(file); }
 
 size_t AdtsReader::Next(const unsigned char** frame) {
   while (true) {
-    if (m_count - m_at < 2 * (kMostFrameBytes + kHeaderBytes)) Fill();
+    if (m_count - m_at < 2 * (kMaxFrameBytes + kHeaderBytes)) Fill();
     if (m_count - m_at < kHeaderBytes) return 0;
     const size_t bytes = FrameBytes(m_bytes + m_at);
     if (bytes == 0 || !IsConfirmed(bytes)) {

@@ -24,13 +24,13 @@ class AdtsReader {
 
  private:
   static constexpr size_t kHeaderBytes = 7;
-  static constexpr size_t kMostFrameBytes = (1 << 13) - 1;
+  static constexpr size_t kMaxFrameBytes = (1 << 13) - 1;
 
   void Fill();
   bool IsConfirmed(size_t frameBytes) const;
 
   FILE* const m_file;
-  unsigned char m_bytes[4 * (kMostFrameBytes + kHeaderBytes)];
+  unsigned char m_bytes[4 * (kMaxFrameBytes + kHeaderBytes)];
   size_t m_at = 0;        // The next byte in it
   size_t m_count = 0;     // of so many.
   uint64_t m_before = 0;  // The file's bytes ahead of m_bytes.

@@ -1,3 +1,5 @@
+#include "desktop/files/adts_writer.h"
+
 // AAC files: LC frames with ADTS headers.
 
 #include <unistd.h>
@@ -8,7 +10,6 @@
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/codec/parts/frame_codec.h"
 #include "desktop/files/adts_reader.h"
-#include "desktop/files/file_sink.h"
 
 namespace desktop {
 
@@ -26,7 +27,7 @@ std::unique_ptr<FrameEncoder> CreateEncoder(DeviceFormat format) {
   return FrameEncoder::Create({&variant, rate, channels});
 }
 
-class AdtsWriter : public FrameWriter {
+class AdtsWriter : public FileWriter {
  public:
   AdtsWriter(File file, DeviceFormat format, std::unique_ptr<FrameEncoder> encoder)
       : m_file(std::move(file)), m_format(format), m_encoder(std::move(encoder)) {
@@ -100,7 +101,7 @@ bool FindEnd(FILE* file, DeviceFormat* format) {
 
 }  // namespace
 
-std::unique_ptr<FrameWriter> OpenAdtsWriter(const char* name, DeviceFormat format, bool append) {
+std::unique_ptr<FileWriter> OpenAdtsWriter(const char* name, DeviceFormat format, bool append) {
   auto encoder = CreateEncoder(format);  // Before there is a file.
   if (encoder == nullptr) return nullptr;
   File file = OpenForWriting(name, append);

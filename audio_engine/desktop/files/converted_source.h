@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "desktop/devices/audio_device.h"
+#include "desktop/devices/device_format.h"
 #include "desktop/dsp/rate/resampler.h"
 #include "desktop/files/file_source.h"
 

@@ -1,14 +1,14 @@
 #include "desktop/files/file_sink.h"
 
 #include <strings.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/common/wav_header.h"
+#include "desktop/files/adts_writer.h"
+#include "desktop/files/wave_writer.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -50,20 +50,20 @@ std::unique_ptr<FileSink> FileSink::Create(const char* name, DeviceFormat format
   return std::make_unique<FileSink>(name, format, std::move(writer));
 }
 
-FileSink::FileSink(const char* name, DeviceFormat format, std::unique_ptr<FrameWriter> writer)
+FileSink::FileSink(const char* name, DeviceFormat format, std::unique_ptr<FileWriter> writer)
     : m_name(name), m_format(format), m_writer(std::move(writer)) {
   const DeviceFormat target = m_writer->Format();
   if (target.rate == format.rate && target.channels == format.channels) return;
   m_resampler = std::make_unique<Resampler>(format.rate, format.channels, target.rate,
-                                            target.channels, kPieceFrames);
-  m_converted.resize(size_t{m_resampler->MostFramesFor(kPieceFrames)} * target.channels);
+                                            target.channels, kMaxBlockFrames);
+  m_converted.resize(size_t{m_resampler->MostFramesFor(kMaxBlockFrames)} * target.channels);
 }
 
 FileSink::~FileSink() { Finish(); }
 
 bool FileSink::Write(const short* samples, size_t frames) {
   while (m_good && frames > 0) {
-    const size_t part = std::min<size_t>(frames, kPieceFrames);
+    const size_t part = std::min(frames, kMaxBlockFrames);
     if (m_resampler != nullptr) {
       const uint32_t got =
           m_resampler->Convert(samples, static_cast<uint32_t>(part), m_converted.data());
@@ -91,23 +91,6 @@ bool FileSink::Finish() {
 bool FileSink::Note(bool good) {
   if (!good) OutputDebugInfo("%s: cannot write further: %s", m_name.c_str(), strerror(errno));
   return good;
-}
-
-File OpenForWriting(const char* name, bool append) {
-  File file(append ? OpenWav(name, "r+b") : nullptr);
-  if (file == nullptr && (!append || errno == ENOENT)) file.reset(OpenWav(name, "w+b"));
-  if (file != nullptr) setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
-}
-
-bool AppendWhole(FILE* file, const void* bytes, size_t count) {
-  if (fseeko(file, 0, SEEK_END) != 0) return false;
-  const off_t before = ftello(file);
-  if (fwrite(bytes, 1, count, file) == count) return true;
-  const int error = errno;
-  if (ftruncate(fileno(file), before) != 0) return false;
-  errno = error;
-  return false;
 }
 
 }  // namespace desktop

@@ -2,35 +2,29 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
-
-#include "engine_api/mixing/audio_file_player.h"
 
 namespace desktop {
 
-struct CloseFile {
-  void operator()(FILE* file) const { fclose(file); }
+// Why an audio file cannot be read.
+enum class FileFault {
+  kNone,         // It can.
+  kCannotOpen,   // It is not there, or not a file that can be read.
+  kUnknownKind,  // It holds no audio that is known here.
+  kDamaged,      // It begins as a known kind does.
+  kNoDecoder     // Its kind is known, but nothing here decodes it, or memory is short.
 };
-using File = std::unique_ptr<FILE, CloseFile>;
 
-// An audio file as interleaved 16-bit samples: WAVE, FLAC, Ogg, MP3, AIFF and more by libsndfile,
-// AAC (ADTS) by libfdk-aac, known by its content and not by its name. Samples of other precision
-// are rounded, those beyond full scale limited. Not for a device's thread: it reads files. Belongs
-// to one thread at a time.
+// An audio file as interleaved 16-bit samples. Samples of other precision are rounded, those beyond
+// full scale limited. Not for a device's thread: it reads files. Belongs to one thread at a time.
 class FileSource {
  public:
-  // Opens a file into `source`, which is null unless the answer is PLAYER_OPEN_SUCCESS; the log has
-  // a line then.
-  static FilePlayerOpenStatus Open(const char* name, std::unique_ptr<FileSource>* source);
-
   virtual ~FileSource() = default;
 
   virtual uint32_t Rate() const = 0;      // Hz, 1 to 768000.
   virtual uint32_t Channels() const = 0;  // 1 to 64.
 
-  // The whole length, in frames (samples per channel), as far as the file tells.
-  virtual uint64_t Frames() const = 0;
+  // The whole length in frames, as far as the file tells.
+  virtual size_t Frames() const = 0;
 
   // Reads the next `frames` frames; fewer at the end, and 0 after it.
   virtual size_t Read(short* samples, size_t frames) = 0;
@@ -45,10 +39,5 @@ class FileSource {
   // The whole length in ms, rounded down.
   uint32_t LengthMs() const { return static_cast<uint32_t>(Frames() * 1000 / Rate()); }
 };
-
-// The two kinds. Each takes the open file over, and answers as Open does, without a line in the
-// log.
-FilePlayerOpenStatus OpenSoundFile(File file, std::unique_ptr<FileSource>* source);
-FilePlayerOpenStatus OpenAacFile(File file, std::unique_ptr<FileSource>* source);
 
 }  // namespace desktop

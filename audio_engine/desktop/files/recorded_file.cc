@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "desktop/devices/audio_device.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {

@@ -9,7 +9,7 @@ namespace desktop {
 
 namespace {
 
-constexpr size_t kMost = 64;
+constexpr size_t kMaxRemembered = 64;
 
 struct Refused {
   std::mutex mutex;
@@ -29,7 +29,7 @@ void RefuseFile(const char* name, const char* what, const char* reason) {
   try {
     Refused& refused = AllRefused();
     const std::scoped_lock lock(refused.mutex);
-    if (refused.files.size() < kMost) refused.files.push_back({name, reason});
+    if (refused.files.size() < kMaxRemembered) refused.files.push_back({name, reason});
   } catch (const std::exception&) {  // Memory is short; the log has the line.
   }
 }

@@ -1,3 +1,5 @@
+#include "desktop/files/sound_file.h"
+
 // Files that libsndfile reads.
 
 #include <sndfile.h>
@@ -7,7 +9,6 @@
 #include <cstring>
 #include <type_traits>
 
-#include "desktop/files/file_source.h"
 #include "wave/wave_file.h"
 
 namespace desktop {
@@ -112,21 +113,21 @@ class SoundFile : public FileSource {
 
 }  // namespace
 
-FilePlayerOpenStatus OpenSoundFile(File file, std::unique_ptr<FileSource>* source) {
+FileFault OpenSoundFile(File file, std::unique_ptr<FileSource>* source) {
   const bool known = HasKnownStart(file.get());
   rewind(file.get());
   SF_VIRTUAL_IO io = {Length, Seek, ReadBytes, WriteNothing, Tell};
   SF_INFO info = {};
   Sound sound(sf_open_virtual(&io, SFM_READ, &info, file.get()));
   if (sound == nullptr) {
-    if (IsWaveOfOtherCoding(file.get())) return PLAYER_CREATE_FILE_DECODER_FAILED;
-    return known ? PLAYER_OPEN_FILE_DECODER_FAILED : PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT;
+    if (IsWaveOfOtherCoding(file.get())) return FileFault::kNoDecoder;
+    return known ? FileFault::kDamaged : FileFault::kUnknownKind;
   }
   if (info.samplerate < 1 || info.samplerate > 768000 || info.channels < 1 || info.channels > 64) {
-    return PLAYER_OPEN_FILE_DECODER_FAILED;
+    return FileFault::kDamaged;
   }
   *source = std::make_unique<SoundFile>(std::move(file), std::move(sound), info);
-  return PLAYER_OPEN_SUCCESS;
+  return FileFault::kNone;
 }
 
 }  // namespace desktop

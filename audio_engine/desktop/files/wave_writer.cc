@@ -1,3 +1,5 @@
+#include "desktop/files/wave_writer.h"
+
 // WAVE files whose header announces at every time what they hold.
 
 #include <unistd.h>
@@ -5,14 +7,13 @@
 #include <algorithm>
 #include <vector>
 
-#include "desktop/files/file_sink.h"
 #include "wave/wave_file.h"
 
 namespace desktop {
 
 namespace {
 
-class WaveWriter : public FrameWriter {
+class WaveWriter : public FileWriter {
  public:
   WaveWriter(File file, DeviceFormat format, uint64_t bytes)
       : m_file(std::move(file)), m_format(format), m_bytes(bytes) {
@@ -68,7 +69,7 @@ std::unique_ptr<WaveWriter> GoOn(File file, uint64_t fileBytes) {
 
 }  // namespace
 
-std::unique_ptr<FrameWriter> OpenWaveWriter(const char* name, DeviceFormat format, bool append) {
+std::unique_ptr<FileWriter> OpenWaveWriter(const char* name, DeviceFormat format, bool append) {
   File file = OpenForWriting(name, append);
   if (file == nullptr || fseeko(file.get(), 0, SEEK_END) != 0) return nullptr;
   const off_t fileBytes = ftello(file.get());

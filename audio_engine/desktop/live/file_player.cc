@@ -23,16 +23,16 @@ FilePlayer::FilePlayer() : m_ring(kAhead) {}
 
 FilePlayer::~FilePlayer() { Stop(); }
 
-FilePlayerOpenStatus FilePlayer::Open(const char* file) {
+FileFault FilePlayer::Open(const char* file) {
   Stop();
   m_resampler = nullptr;
-  const FilePlayerOpenStatus status = FileSource::Open(file, &m_source);
-  if (status != PLAYER_OPEN_SUCCESS) return status;
-  if (m_source->Rate() >= kLowestRate && MakeResampler()) return status;
+  const FileFault fault = OpenAudioFile(file, &m_source);
+  if (fault != FileFault::kNone) return fault;
+  if (m_source->Rate() >= kLowestRate && MakeResampler()) return fault;
   m_resampler = nullptr;
   m_source = nullptr;
   RefuseFile(file, "cannot play the audio file", "its rate cannot be played");
-  return PLAYER_CREATE_FILE_DECODER_FAILED;
+  return FileFault::kNoDecoder;
 }
 
 bool FilePlayer::MakeResampler() try {

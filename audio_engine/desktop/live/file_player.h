@@ -10,7 +10,7 @@
 #include "desktop/devices/background.h"
 #include "desktop/devices/block_ring.h"
 #include "desktop/dsp/rate/resampler.h"
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/loudspeaker.h"
 #include "desktop/platform/wake.h"
 
@@ -25,7 +25,7 @@ class FilePlayer : public PlaySource {
   FilePlayer(const FilePlayer&) = delete;
   FilePlayer& operator=(const FilePlayer&) = delete;
 
-  FilePlayerOpenStatus Open(const char* file);
+  FileFault Open(const char* file);
   bool IsOpen() const { return m_source != nullptr; }
   uint32_t LengthMs() const { return IsOpen() ? m_source->LengthMs() : 0; }
 

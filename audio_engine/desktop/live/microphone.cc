@@ -3,24 +3,24 @@
 #include <algorithm>
 
 #include "desktop/dsp/dynamics/volume.h"
-#include "desktop/live/engine_feature.h"
 
 namespace desktop {
 
 namespace {
 
-// The listeners.
-constexpr std::chrono::seconds kMostLate{2};
+// How late the listeners may be before blocks are lost.
+constexpr std::chrono::seconds kMaxDelay{2};
 
 }  // namespace
 
-Microphone::Microphone(DeviceFormat format)
-    : m_feedback(PlayFeed::What::kFeedback, format),
+Microphone::Microphone(DeviceFormat format, const std::atomic<bool>& cleans)
+    : m_cleans(cleans),
+      m_feedback(PlayFeed::What::kFeedback, format),
       m_voice(format.rate, format.channels),
       m_mixed(format.BlockFrames() * format.channels),
       m_sums(m_mixed.size()),
       m_worker(
-          format, [this](short* samples, size_t frames) { Work(samples, frames); }, kMostLate),
+          format, [this](short* samples, size_t frames) { Work(samples, frames); }, kMaxDelay),
       m_device(Direction::kInput, format, [this](short* samples, size_t /*frames*/) {
         if (!m_worker.Put(samples)) m_device.CountFailure();
       }) {}
@@ -54,7 +54,7 @@ void Microphone::Remove(CaptureListener* listener) {
 }
 
 void Microphone::Work(short* samples, size_t frames) {
-  if (!CleansCapture(EngineFeature())) {
+  if (!m_cleans) {
     m_cleaner = nullptr;
   } else if (m_cleaner == nullptr) {
     m_cleaner = std::make_unique<CaptureCleaner>(Format());

@@ -18,7 +18,7 @@ namespace desktop {
 // 10 ms of the microphone path, valid for one call.
 struct CapturedBlock {
   const short* samples;     // After what players feed back into it.
-  const short* microphone;  // Before that; cleaned when the engine's feature asks for it.
+  const short* microphone;  // Before that; cleaned if this microphone cleans.
   size_t frames;
   VADResultKind voice;  // Of `samples`.
   uint8_t volume;       // The level of `samples`: 0 for -60 dBFS (RMS) and below, 100 for 0 dBFS.
@@ -36,8 +36,9 @@ class CaptureListener {
 // One use of the machine's microphone, in a format of its own. Belongs to one thread.
 class Microphone {
  public:
-  // format: a valid one. Throws std::system_error when there is no thread to be had.
-  explicit Microphone(DeviceFormat format);
+  // format: a valid one. cleans: whether what is captured is cleaned, looked at in every block.
+  // Throws std::system_error when there is no thread to be had.
+  Microphone(DeviceFormat format, const std::atomic<bool>& cleans);
   ~Microphone();  // Stops. Its listeners were removed.
   Microphone(const Microphone&) = delete;
   Microphone& operator=(const Microphone&) = delete;
@@ -63,6 +64,7 @@ class Microphone {
   void MixFeedback(const short* microphone, size_t frames);
   void Tell(const CapturedBlock& block);
 
+  const std::atomic<bool>& m_cleans;
   PlayFeed m_feedback;
   std::unique_ptr<CaptureCleaner> m_cleaner;  // Null while nothing is cleaned.
   CVoiceDetectionEx m_voice;

@@ -12,6 +12,7 @@
 #include "desktop/live/frame_player.h"
 #include "desktop/live/loudspeaker.h"
 #include "desktop/live/microphone.h"
+#include "desktop/mixing/parts/capture_cleaning.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
@@ -149,7 +150,7 @@ class AudioChannel : public IAudioChannel {
   bool OpenCapture() override try {
     if (RefusesInCallback(this, "IAudioChannel::OpenCapture")) return false;
     CloseCapture();
-    auto microphone = std::make_unique<Microphone>(m_captured);
+    auto microphone = std::make_unique<Microphone>(m_captured, desktop::CleansCapture());
     if (m_packed != nullptr) microphone->Add(m_packed.get());
     if (!microphone->Start()) return false;
     m_microphone = std::move(microphone);

@@ -1,32 +1,17 @@
 #include "engine_api/mixing/audio_engine.h"
 
 #include <algorithm>
-#include <atomic>
 #include <exception>
 #include <memory>
 #include <mutex>
 #include <vector>
 
-#include "desktop/live/engine_feature.h"
 #include "desktop/live/microphone.h"
 #include "desktop/mixing/parts/audio_saver.h"
+#include "desktop/mixing/parts/capture_cleaning.h"
 #include "desktop/platform/callback_scope.h"
 #include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
-
-namespace desktop {
-
-namespace {
-
-std::atomic<AudioEngineFeature_t> g_feature = AudioEngineFeatureCommon;
-
-}  // namespace
-
-AudioEngineFeature_t EngineFeature() { return g_feature; }
-
-void SetEngineFeature(AudioEngineFeature_t feature) { g_feature = feature; }
-
-}  // namespace desktop
 
 namespace {
 
@@ -40,11 +25,17 @@ constexpr DeviceFormat kSaverFormat = {44100, 1};  // Of a saver without an open
 
 // Null, with one line in the log, when the device does not start.
 std::unique_ptr<Microphone> OpenMicrophone(DeviceFormat format) try {
-  auto microphone = std::make_unique<Microphone>(format);
+  auto microphone = std::make_unique<Microphone>(format, desktop::CleansCapture());
   return microphone->Start() ? std::move(microphone) : nullptr;
 } catch (const std::exception& error) {
   OutputDebugInfo("microphone: does not start: %s", error.what());
   return nullptr;
+}
+
+desktop::CaptureSaver::What SavedOf(AudioSaverMode mode) {
+  using What = desktop::CaptureSaver::What;
+  if (mode == AudioSaverBoth) return What::kWithPlayed;
+  return mode == AusioSaverOnlyCaptureOri ? What::kMicrophone : What::kMicrophonePath;
 }
 
 class AudioEngine;
@@ -118,7 +109,8 @@ class AudioEngine : public IAudioEngine {
       OutputDebugInfo("engine: there is no feature %d", feature);
       return false;
     }
-    desktop::SetEngineFeature(feature);
+    desktop::CleansCapture() =
+        feature == AudioEngineFeatureVOIP || feature == AudioEngineFeatureHDVOIP;
     return true;
   }
 
@@ -148,7 +140,8 @@ class AudioEngine : public IAudioEngine {
       if (microphone == nullptr) return false;
     }
     m_savedMicrophone = microphone;
-    m_captureSaver = std::make_unique<desktop::CaptureSaver>(mode, *microphone, std::move(sink));
+    m_captureSaver =
+        std::make_unique<desktop::CaptureSaver>(SavedOf(mode), *microphone, std::move(sink));
     return true;
   } catch (const std::exception& error) {
     OutputDebugInfo("saver: does not start: %s", error.what());
@@ -226,7 +219,7 @@ void AudioEngine::Destroy() {
   delete this;
   const std::scoped_lock lock(g_mutex);
   if (g_engine != nullptr) return;
-  desktop::SetEngineFeature(AudioEngineFeatureCommon);
+  desktop::CleansCapture() = false;
   desktop::SetLogListener(nullptr);
 }
 
@@ -238,7 +231,7 @@ IAudioEngine* CreateAudioEngine(const char* /*path*/, int /*flags*/, const char*
   desktop::SetLogListener(log);
   if (g_engine == nullptr) {
     g_engine = new AudioEngine;
-    desktop::SetEngineFeature(AudioEngineFeatureCommon);
+    desktop::CleansCapture() = false;
   }
   return g_engine;
 }

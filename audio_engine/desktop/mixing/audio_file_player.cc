@@ -5,13 +5,30 @@
 
 namespace {
 
+using desktop::FileFault;
 using desktop::RefusesInCallback;
+
+FilePlayerOpenStatus StatusOf(FileFault fault) {
+  switch (fault) {
+    case FileFault::kNone:
+      return PLAYER_OPEN_SUCCESS;
+    case FileFault::kCannotOpen:
+      return PLAYER_OPEN_FILE_PATH_ERROR;
+    case FileFault::kUnknownKind:
+      return PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT;
+    case FileFault::kDamaged:
+      return PLAYER_OPEN_FILE_DECODER_FAILED;
+    case FileFault::kNoDecoder:
+      break;
+  }
+  return PLAYER_CREATE_FILE_DECODER_FAILED;
+}
 
 class AudioFilePlayer : public IAudioFilePlayer {
  public:
   FilePlayerOpenStatus Open(char* file) override {
     if (RefusesInCallback(this, "IAudioFilePlayer::Open")) return PLAYER_OPEN_FILE_PATH_ERROR;
-    return m_player.Open(file);
+    return StatusOf(m_player.Open(file));
   }
   void Play() override {
     if (!RefusesInCallback(this, "IAudioFilePlayer::Play")) m_player.Play();

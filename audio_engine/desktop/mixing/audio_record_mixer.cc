@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr size_t kMostFrames = 50;
+constexpr size_t kMaxWaiting = 50;
 
 // What was pushed with one id.
 struct Source {
@@ -43,7 +43,7 @@ void AudioRecordMixer::PushAudioFrame(zuwebrtc::AudioFrame* frame, unsigned sour
   const std::lock_guard lock(m_state->mutex);
   auto& frames = m_state->sources[sourceId].frames;
   frames.emplace_back(frame);
-  if (frames.size() > kMostFrames) frames.pop_front();
+  if (frames.size() > kMaxWaiting) frames.pop_front();
 }
 
 void AudioRecordMixer::GetMixedAudioFrame(zuwebrtc::AudioFrame& frame) {

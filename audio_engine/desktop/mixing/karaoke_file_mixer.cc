@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "desktop/files/file_sink.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/mixing/karaoke/karaoke_mix.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
@@ -15,6 +16,7 @@
 namespace {
 
 using desktop::DeviceFormat;
+using desktop::FileFault;
 using desktop::FileSink;
 using desktop::FileSource;
 using desktop::KaraokeMix;
@@ -47,7 +49,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     std::unique_ptr<FileSource> source;
     m_isOpen = false;
     for (const char* name : {voiceFile, accompanyFile}) {
-      if (FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return false;
+      if (desktop::OpenAudioFile(name, &source) != FileFault::kNone) return false;
     }
     m_voiceFile = voiceFile;
     m_musicFile = accompanyFile;
@@ -104,8 +106,8 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     }
     std::unique_ptr<FileSource> voice;
     std::unique_ptr<FileSource> music;
-    if (FileSource::Open(m_voiceFile.c_str(), &voice) != PLAYER_OPEN_SUCCESS ||
-        FileSource::Open(m_musicFile.c_str(), &music) != PLAYER_OPEN_SUCCESS) {
+    if (desktop::OpenAudioFile(m_voiceFile.c_str(), &voice) != FileFault::kNone ||
+        desktop::OpenAudioFile(m_musicFile.c_str(), &music) != FileFault::kNone) {
       return run;
     }
     run.format = FormatOf(*music);
@@ -138,9 +140,9 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
   }
 
   void MixAll(Run& run) {
-    short samples[KaraokeMix::kMostFrames * 2];
+    short samples[KaraokeMix::kMaxFrames * 2];
     const auto total = static_cast<uint32_t>(run.mix->Frames() * 1000 / run.format.rate);
-    uint64_t done = 0;
+    size_t done = 0;
     steady_clock::time_point reported = steady_clock::now();
     while (!m_stop) {
       const size_t frames = run.mix->Next(samples);
@@ -154,7 +156,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     if (run.sink->Finish()) Report(done, run.format, total);
   }
 
-  void Report(uint64_t done, DeviceFormat format, uint32_t total) const {
+  void Report(size_t done, DeviceFormat format, uint32_t total) const {
     const auto doneMs = static_cast<uint32_t>(done * 1000 / format.rate);
     const desktop::CallbackScope scope(this);
     if (m_notify != nullptr) m_notify->OnFileMixerState(std::min(doneMs, total), total);

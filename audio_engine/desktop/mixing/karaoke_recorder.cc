@@ -10,17 +10,20 @@
 #include "desktop/dsp/music/pitch_tracker.h"
 #include "desktop/files/converted_source.h"
 #include "desktop/files/file_sink.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/files/recorded_file.h"
 #include "desktop/live/file_player.h"
 #include "desktop/live/loudspeaker.h"
 #include "desktop/live/microphone.h"
 #include "desktop/mixing/karaoke/note_scorer.h"
+#include "desktop/mixing/parts/capture_cleaning.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 using desktop::DeviceFormat;
+using desktop::FileFault;
 using desktop::FileSink;
 using desktop::PitchTracker;
 using desktop::RefusesInCallback;
@@ -109,7 +112,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
     Stop();
     m_songFile.clear();
     for (const char* name : {accompanyFile, guideFile}) {
-      if (m_player.Open(name) != PLAYER_OPEN_SUCCESS) continue;
+      if (m_player.Open(name) != FileFault::kNone) continue;
       m_songFile = name;
       return true;
     }
@@ -129,7 +132,10 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
   void SetScoreTimeRange(ScoreTimeRange* notes, uint32_t count, int8_t* pitchVisual) override {
-    m_notes.assign(notes, notes + count);
+    m_notes.clear();
+    for (uint32_t i = 0; i < count; ++i) {
+      m_notes.push_back({notes[i].beginTime, notes[i].endTime, notes[i].midiValue});
+    }
     m_pitchVisual = pitchVisual;
   }
 
@@ -141,14 +147,13 @@ class KaraokeRecorder : public IKaraokeRecorder {
       return false;
     }
     const bool hasSong = !m_songFile.empty();
-    auto scorer =
-        std::make_unique<desktop::NoteScorer>(m_notes.data(), m_notes.size(), m_pitchVisual);
+    auto scorer = std::make_unique<desktop::NoteScorer>(m_notes, m_pitchVisual);
     if (!hasSong) scorer = nullptr;
     if (hasSong && m_files.mix != nullptr) m_files.song = OpenSong();
     m_recording = std::make_unique<Recording>(std::move(m_files), hasSong ? &m_player : nullptr,
                                               std::move(scorer));
     m_files = {};
-    m_microphone = std::make_unique<desktop::Microphone>(kVoice);
+    m_microphone = std::make_unique<desktop::Microphone>(kVoice, desktop::CleansCapture());
     m_microphone->Add(m_recording.get());
     if (!m_microphone->Start()) {
       Stop();
@@ -186,9 +191,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
 
   std::unique_ptr<desktop::ConvertedSource> OpenSong() const {
     std::unique_ptr<desktop::FileSource> source;
-    if (desktop::FileSource::Open(m_songFile.c_str(), &source) != PLAYER_OPEN_SUCCESS) {
-      return nullptr;
-    }
+    if (desktop::OpenAudioFile(m_songFile.c_str(), &source) != FileFault::kNone) return nullptr;
     return desktop::ConvertedSource::Create(std::move(source), kMix);
   }
 
@@ -196,7 +199,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
   std::string m_songFile;  // Empty without one.
   Recording::Files m_files;
   std::vector<ScoreLineInfo> m_lines;
-  std::vector<ScoreTimeRange> m_notes;
+  std::vector<desktop::Note> m_notes;
   int8_t* m_pitchVisual = nullptr;
   std::unique_ptr<Recording> m_recording;
   std::unique_ptr<desktop::Microphone> m_microphone;

@@ -1,12 +1,9 @@
 #include "desktop/common/wav_header.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
-
+#include "engine_api/common/wav_file_writer.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 #include "support/wav_bytes.h"
@@ -17,10 +14,9 @@ namespace {
 // disk.
 WavHeader FinishedHeader(off_t dataBytes) {
   const TemporaryDirectory directory;
-  const WavHeader header = desktop::EmptyWavHeader(16000, 1, 16);
-  FILE* file = desktop::CreateWav("out.wav", header, desktop::WavBuffer::kNone);
+  FILE* file = desktop::CreateWav("out.wav", {16000, 1, 16}, desktop::WavBuffer::kNone);
   EXPECT_EQ(ftruncate(fileno(file), 44 + dataBytes), 0);
-  desktop::FinishWav(file, header);
+  desktop::FinishWav(file, {16000, 1, 16});
   WavHeader finished = {};
   file = fopen("out.wav", "rb");
   EXPECT_EQ(fread(&finished, sizeof(finished), 1, file), 1U);
@@ -44,25 +40,17 @@ TEST(FinishWav, LimitsLengthsOfFourGiB) {
 
 TEST(FinishWav, ReturnsTheLengthOfTheData) {
   const TemporaryDirectory directory;
-  const WavHeader header = desktop::EmptyWavHeader(16000, 1, 8);
-  FILE* const file = desktop::CreateWav("out.wav", header, desktop::WavBuffer::kStdio);
+  FILE* const file = desktop::CreateWav("out.wav", {16000, 1, 8}, desktop::WavBuffer::kStdio);
   EXPECT_EQ(fwrite("abc", 1, 3, file), 3U);
-  EXPECT_EQ(desktop::FinishWav(file, header), 3U) << "without the pad byte";
-  EXPECT_EQ(desktop::FinishWav(nullptr, header), 0U);
+  EXPECT_EQ(desktop::FinishWav(file, {16000, 1, 8}), 3U) << "without the pad byte";
+  EXPECT_EQ(desktop::FinishWav(nullptr, {16000, 1, 8}), 0U);
 }
 
-TEST(EmptyWavHeader, IsCanonical) {
-  const WavHeader header = desktop::EmptyWavHeader(44100, 2, 16);
-  const std::string bytes(reinterpret_cast<const char*>(&header), sizeof(header));
-  EXPECT_EQ(bytes, WavBytes({.channels = 2, .rate = 44100}, {}));
-}
-
-TEST(OpenWav, RefusesAPipe) {
+TEST(CreateWav, WritesACanonicalHeaderAtOnce) {
   const TemporaryDirectory directory;
-  ASSERT_EQ(mkfifo("pipe", 0600), 0);
-  EXPECT_EQ(desktop::OpenWav("pipe", "rb"), nullptr);
-  EXPECT_EQ(errno, ENXIO);
-  EXPECT_EQ(desktop::OpenWav("pipe", "wb"), nullptr);
+  FILE* const file = desktop::CreateWav("out.wav", {44100, 2, 16}, desktop::WavBuffer::kStdio);
+  EXPECT_EQ(ReadFile("out.wav"), WavBytes({.channels = 2, .rate = 44100}, {}));
+  fclose(file);
 }
 
 }  // namespace

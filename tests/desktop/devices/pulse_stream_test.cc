@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "desktop/devices/audio_device.h"
-#include "desktop/live/engine_feature.h"
 #include "desktop/live/file_player.h"
 #include "desktop/live/microphone.h"
 #include "desktop/platform/step_clock.h"
@@ -170,17 +169,16 @@ class LatestSample : public desktop::CaptureListener {
   std::atomic<int> blocks = 0;
 };
 
-// Cleaning takes the offset away that the server gives; it ends when the engine is started for
-// something that is not cleaned.
-TEST_F(PulseStreamTest, HearsTheMicrophoneAsItIsOnceTheEngineDoesNotCleanAnyMore) {
-  desktop::SetEngineFeature(AudioEngineFeatureVOIP);
+// Cleaning takes the offset away that the server gives.
+TEST_F(PulseStreamTest, HearsTheMicrophoneAsItIsOnceItIsNotCleanedAnyMore) {
+  std::atomic<bool> cleans = true;
   LatestSample latest;
-  desktop::Microphone microphone({48000, 1});
+  desktop::Microphone microphone({48000, 1}, cleans);
   microphone.Add(&latest);
   ASSERT_TRUE(microphone.Start());
   EXPECT_TRUE(Comes([&] { return latest.blocks > 50; }));
   EXPECT_NE(latest.sample, kHeard);
-  desktop::SetEngineFeature(AudioEngineFeatureCommon);
+  cleans = false;
   const int before = latest.blocks;
   EXPECT_TRUE(Comes([&] { return latest.blocks > before + 5; }));
   EXPECT_EQ(latest.sample, kHeard);
@@ -195,7 +193,7 @@ TEST_F(PulseStreamTest, PlaysUntilTheLastBlockIsHeard) {
   const desktop::StepClock clock;
   WriteFile("short.wav", WavBytes({.channels = 2, .rate = 48000}, std::vector<short>(9600, 5)));
   desktop::FilePlayer player;
-  ASSERT_EQ(player.Open("short.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("short.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   EXPECT_TRUE(Comes([&] { return player.PlayedMs() == 100; }));
   const desktop::AudioDevice& device = desktop::Loudspeaker::Shared().Device();

@@ -6,6 +6,7 @@
 
 #include "desktop/codec/ffmpeg.h"
 #include "desktop/files/adts_reader.h"
+#include "desktop/files/open_audio_file.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/file_size_limit.h"
@@ -107,7 +108,7 @@ TEST_F(FileSinkTest, GoesOnInTheFormatOfTheFile) {
   WriteFile("a.wav", WavBytes({.channels = 1, .rate = 8000}, std::vector<short>(800)));
   Written("a.wav", {48000, 2}, true, 48000);
   std::unique_ptr<desktop::FileSource> source;
-  ASSERT_EQ(desktop::FileSource::Open("a.wav", &source), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(desktop::OpenAudioFile("a.wav", &source), desktop::FileFault::kNone);
   EXPECT_EQ(source->Rate(), 8000U);
   EXPECT_EQ(source->Channels(), 1U);
   EXPECT_NEAR(static_cast<double>(source->Frames()), 8800, 200);

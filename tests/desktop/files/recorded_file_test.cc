@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/wait.h"
 #include "desktop/mixing/parts/audio_saver.h"
 #include "support/captured_stderr.h"
@@ -31,7 +32,7 @@ struct Disk {
   std::atomic<bool> closed = false;
 };
 
-class DiskWriter : public desktop::FrameWriter {
+class DiskWriter : public desktop::FileWriter {
  public:
   explicit DiskWriter(Disk& disk) : m_disk(disk) {}
   ~DiskWriter() override { m_disk.closed = true; }
@@ -114,7 +115,7 @@ class Held : public desktop::CaptureListener {
 
 uint64_t BlocksIn(const char* name) {
   std::unique_ptr<desktop::FileSource> source;
-  desktop::FileSource::Open(name, &source);
+  desktop::OpenAudioFile(name, &source);
   return source != nullptr ? source->Frames() / 80 : 0;
 }
 
@@ -122,14 +123,16 @@ class SavedMicrophone : public testing::Test {
  protected:
   SavedMicrophone() {
     microphone.Add(&held);
-    saver = std::make_unique<desktop::CaptureSaver>(AudioSaverOnlyCapture, microphone,
+    saver = std::make_unique<desktop::CaptureSaver>(desktop::CaptureSaver::What::kMicrophonePath,
+                                                    microphone,
                                                     FileSink::Create("a.wav", kFormat, false));
   }
   ~SavedMicrophone() override { desktop::UseNullDevices(1); }
 
   const TemporaryDirectory directory;
   Held held;
-  Microphone microphone{kFormat};
+  const std::atomic<bool> cleans = false;
+  Microphone microphone{kFormat, cleans};
   std::unique_ptr<desktop::CaptureSaver> saver;
 };
 

@@ -55,7 +55,7 @@ TEST_F(FilePlayerTest, PlaysAllSamplesBitForBitAndEndsByItself) {
   Write("a.wav", noise);
   const Played played;
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   EXPECT_EQ(player.LengthMs(), 2001U);
   EXPECT_FALSE(player.IsPlaying());
   ASSERT_TRUE(player.Play());
@@ -70,7 +70,7 @@ TEST_F(FilePlayerTest, PlaysAgainFromTheStart) {
   const std::vector<short> noise = Noise(4800);
   Write("a.wav", noise);
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   for (int i = 0; i < 2; ++i) {
     const Played played;
     ASSERT_TRUE(player.Play());
@@ -84,7 +84,7 @@ TEST_F(FilePlayerTest, ChangesTheRateWithoutDistortion) {
     Write("a.wav", Tone(997, 10000, rate, rate * 2), rate, 1);
     const Played played;
     FilePlayer player;
-    ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+    ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
     ASSERT_TRUE(player.Play());
     ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
     const std::vector<short> sound = played.Sound();
@@ -103,7 +103,7 @@ TEST_F(FilePlayerTest, PlaysLowRatesToTheEnd) {
     Write("a.wav", Tone(rate / 8.0, 10000, rate, rate), rate, 1);
     const Played played;
     FilePlayer player;
-    ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS) << rate;
+    ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone) << rate;
     ASSERT_TRUE(player.Play());
     ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); })) << rate;
     EXPECT_GE(player.PlayedMs(), 1000U) << rate;
@@ -116,7 +116,7 @@ TEST_F(FilePlayerTest, RefusesRatesOfWhichNothingCanBeHeard) {
   for (const int rate : {1, 99}) {
     Write("a.wav", std::vector<short>(100, 1), rate, 1);
     FilePlayer player;
-    EXPECT_EQ(player.Open("a.wav"), PLAYER_CREATE_FILE_DECODER_FAILED);
+    EXPECT_EQ(player.Open("a.wav"), desktop::FileFault::kNoDecoder);
     EXPECT_FALSE(player.Play());
   }
   EXPECT_THAT(
@@ -129,7 +129,7 @@ TEST_F(FilePlayerTest, RefusesRatesOfWhichNothingCanBeHeard) {
 TEST_F(FilePlayerTest, CountsTheUnderrunsOfEachPlay) {
   Write("a.wav", Noise(960));
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   ASSERT_TRUE(WaitUntil([&] { return !player.IsPlaying(); }));
   player.Stop();
@@ -146,7 +146,7 @@ TEST_F(FilePlayerTest, GoesOnWhereItPaused) {
   Write("a.wav", noise);
   const Played played;
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   ASSERT_TRUE(WaitUntil([&] { return player.PlayedMs() > 200; }));
   player.Pause();
@@ -163,7 +163,7 @@ TEST_F(FilePlayerTest, IsSilentAfterStop) {
   Write("a.wav", Noise(96000));
   const Played played;
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   ASSERT_TRUE(WaitUntil([&] { return player.PlayedMs() > 200; }));
   player.Stop();
@@ -180,7 +180,7 @@ TEST_F(FilePlayerTest, IsFinishedAsBackgroundWork) {
   m_clock.reset();  // Others wait for it by the machine's clock.
   Write("a.wav", Noise(48000));
   FilePlayer player;
-  ASSERT_EQ(player.Open("a.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open("a.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   EXPECT_FALSE(desktop::FinishBackgroundWork(std::chrono::milliseconds(1)));
   EXPECT_TRUE(desktop::FinishBackgroundWork(std::chrono::seconds(20)));
@@ -221,7 +221,7 @@ TEST_F(FilePlayerTest, RefusesARateThatCannotBePlayedBeforeItTakesRoomForIt) {
   for (const int rate : {1, 2, 7, 40}) {
     Write("slow.wav", Noise(5000), rate);
     LargestAllocation();
-    EXPECT_EQ(player.Open("slow.wav"), PLAYER_CREATE_FILE_DECODER_FAILED) << rate;
+    EXPECT_EQ(player.Open("slow.wav"), desktop::FileFault::kNoDecoder) << rate;
     EXPECT_LT(LargestAllocation(), size_t{4} << 20) << rate;
     EXPECT_FALSE(player.IsOpen()) << rate;
   }

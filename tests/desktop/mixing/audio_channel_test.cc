@@ -43,7 +43,7 @@ class AudioChannel : public testing::Test {
     WriteFile("singer.wav", WavBytes({.rate = 48000}, SungNote(220, 48000, 4)));
     desktop::FilePlayer singer;
     singer.SetFeedBack(AudioSourceTypeOuterPCM);
-    EXPECT_EQ(singer.Open("singer.wav"), PLAYER_OPEN_SUCCESS);
+    EXPECT_EQ(singer.Open("singer.wav"), desktop::FileFault::kNone);
     singer.Play();
     EXPECT_TRUE(WaitUntil([&] { return singer.PlayedMs() > 200; }));
     KeptFrames kept;

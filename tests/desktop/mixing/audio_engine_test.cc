@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/file_player.h"
 #include "desktop/live/microphone.h"
 #include "desktop/live/played.h"
@@ -81,7 +82,7 @@ class AudioEngineTest : public testing::Test {
   void PlayTone(FilePlayer& player, double frequency, double amplitude, AudioSourceType feedback) {
     WriteFile("tone.wav", WavBytes({.channels = 1, .rate = 48000},
                                    Tone(frequency, amplitude, 48000, 48000 * 8)));
-    ASSERT_EQ(player.Open("tone.wav"), PLAYER_OPEN_SUCCESS);
+    ASSERT_EQ(player.Open("tone.wav"), desktop::FileFault::kNone);
     player.SetFeedBack(feedback);
     ASSERT_TRUE(player.Play());
     ASSERT_TRUE(WaitUntil([&] { return player.PlayedMs() > 100; }));
@@ -93,7 +94,7 @@ class AudioEngineTest : public testing::Test {
     SleepMs(250);
     m_engine->StopAudioSaver();
     std::unique_ptr<FileSource> source;
-    EXPECT_EQ(FileSource::Open(name, &source), PLAYER_OPEN_SUCCESS);
+    EXPECT_EQ(desktop::OpenAudioFile(name, &source), desktop::FileFault::kNone);
     if (source == nullptr) return {};
     *rate = static_cast<int>(source->Rate());
     *channels = static_cast<int>(source->Channels());
@@ -282,7 +283,8 @@ class PathNotes : public desktop::CaptureListener {
 TEST_F(AudioEngineTest, ReplacesTheMicrophoneByWhatIsFedBack) {
   FilePlayer player;
   PlayTone(player, 1000, 9000, AudioSourceTypeOuterPCM);
-  desktop::Microphone microphone({16000, 1});
+  const std::atomic<bool> cleans = false;
+  desktop::Microphone microphone({16000, 1}, cleans);
   PathNotes notes;
   microphone.Add(&notes);
   ASSERT_TRUE(microphone.Start());

@@ -73,7 +73,7 @@ TEST(DeviceThreads, AllocateNothingOnceAllRuns) {
       desktop::FileSink::Create("rendered.wav", desktop::Loudspeaker::kFormat, false));
   desktop::FilePlayer player;
   player.SetFeedBack(AudioSourceTypeMix);
-  ASSERT_EQ(player.Open(song), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(player.Open(song), desktop::FileFault::kNone);
   ASSERT_TRUE(player.Play());
   IAudioChannel* channel = IAudioChannel::Create();
   ASSERT_TRUE(channel->StartPacker(&ignoredFrames, 50, 48000, 48000, 1, 2));

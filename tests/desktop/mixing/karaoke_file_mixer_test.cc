@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "desktop/codec/ffmpeg.h"
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/file_size_limit.h"
@@ -86,7 +86,7 @@ class KaraokeFileMixer : public testing::Test {
 
   static Shorts Read(const char* name) {
     std::unique_ptr<desktop::FileSource> source;
-    if (desktop::FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return {};
+    if (desktop::OpenAudioFile(name, &source) != desktop::FileFault::kNone) return {};
     Shorts samples(source->Frames() * source->Channels());
     samples.resize(source->Read(samples.data(), source->Frames()) * source->Channels());
     return samples;
@@ -279,7 +279,7 @@ TEST_F(KaraokeFileMixer, WritesTheNearestFormatThatAFileHas) {
               music.channels);
     Mix();
     std::unique_ptr<desktop::FileSource> source;
-    ASSERT_EQ(desktop::FileSource::Open("out.wav", &source), PLAYER_OPEN_SUCCESS);
+    ASSERT_EQ(desktop::OpenAudioFile("out.wav", &source), desktop::FileFault::kNone);
     EXPECT_EQ(source->Rate(), expected.rate);
     EXPECT_EQ(source->Channels(), expected.channels);
     EXPECT_EQ(source->LengthMs(), 100U);

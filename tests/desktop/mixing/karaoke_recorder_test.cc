@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "desktop/devices/audio_device.h"
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/file_player.h"
 #include "desktop/live/played.h"
 #include "desktop/live/wait.h"
@@ -45,7 +45,7 @@ class KaraokeRecorder : public testing::Test {
 
   static std::vector<short> Read(const char* name) {
     std::unique_ptr<desktop::FileSource> source;
-    if (desktop::FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return {};
+    if (desktop::OpenAudioFile(name, &source) != desktop::FileFault::kNone) return {};
     std::vector<short> samples(source->Frames() * source->Channels());
     source->Read(samples.data(), source->Frames());
     return samples;
@@ -88,7 +88,7 @@ TEST_F(KaraokeRecorder, ComparesASingerWithTheNotes) {
     m_recorder->SetScoreTimeRange(notes, 4, visual.get());
     desktop::FilePlayer singer;
     singer.SetFeedBack(AudioSourceTypeOuterPCM);
-    ASSERT_EQ(singer.Open("singer.wav"), PLAYER_OPEN_SUCCESS);
+    ASSERT_EQ(singer.Open("singer.wav"), desktop::FileFault::kNone);
     ASSERT_TRUE(m_recorder->Start());
     singer.Play();
     EXPECT_EQ(std::atomic_ref(visual[2]).load(), 127);

@@ -58,7 +58,7 @@ class WithoutThreads : public testing::Test {
 TEST_F(WithoutThreads, AFilePlayerDoesNotPlay) {
   EXPECT_THAT(Log([] {
                 desktop::FilePlayer player;
-                if (player.Open("tone.wav") != PLAYER_OPEN_SUCCESS) return true;
+                if (player.Open("tone.wav") != desktop::FileFault::kNone) return true;
                 AllowNoThread();
                 return player.Play() || player.IsPlaying();
               }),

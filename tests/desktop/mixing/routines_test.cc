@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "desktop/devices/audio_device.h"
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/played.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/platform/clock.h"
@@ -59,7 +59,7 @@ class MixingRoutines : public testing::Test {
 
   static Sound Read(const char* name) {
     std::unique_ptr<desktop::FileSource> source;
-    EXPECT_EQ(desktop::FileSource::Open(name, &source), PLAYER_OPEN_SUCCESS) << name;
+    EXPECT_EQ(desktop::OpenAudioFile(name, &source), desktop::FileFault::kNone) << name;
     if (source == nullptr) return {};
     Sound sound = {source->Rate(), source->Channels(), {}};
     sound.samples.resize(source->Frames() * source->Channels());

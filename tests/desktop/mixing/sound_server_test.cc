@@ -9,7 +9,7 @@
 
 #include "desktop/devices/audio_device.h"
 #include "desktop/files/adts_reader.h"
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 #include "desktop/live/file_player.h"
 #include "desktop/live/microphone.h"
 #include "desktop/live/wait.h"
@@ -90,7 +90,7 @@ class RecordedServer : public SoundServerTest {
     const auto late = steady_clock::now() - start - total;
     m_time.Expect(late < milliseconds(1500), "stopped late");
     std::unique_ptr<desktop::FileSource> source;
-    ASSERT_EQ(desktop::FileSource::Open("saver.wav", &source), PLAYER_OPEN_SUCCESS);
+    ASSERT_EQ(desktop::OpenAudioFile("saver.wav", &source), desktop::FileFault::kNone);
     const auto off = static_cast<int64_t>(source->LengthMs()) - total.count();
     m_time.Expect(std::abs(off) < 150, "a recording is " + std::to_string(off) + " ms too long");
   }
@@ -115,7 +115,7 @@ TEST_F(SoundServerTest, GivesBackWhatIsPlayedWithoutGapsOrRepeats) {
 
 std::vector<short> ReadSound(const char* name) {
   std::unique_ptr<desktop::FileSource> source;
-  if (desktop::FileSource::Open(name, &source) != PLAYER_OPEN_SUCCESS) return {};
+  if (desktop::OpenAudioFile(name, &source) != desktop::FileFault::kNone) return {};
   std::vector<short> samples(source->Frames() * source->Channels());
   source->Read(samples.data(), source->Frames());
   return samples;
@@ -138,11 +138,12 @@ TEST_F(SoundServerTest, HearsNothingOfAMicrophoneThatIsReplaced) {
   desktop::FilePlayer fed;
   fed.SetFeedBack(AudioSourceTypeOuterPCM);
   Path path;
-  desktop::Microphone microphone({kRate, 1});
+  const std::atomic<bool> cleans = false;
+  desktop::Microphone microphone({kRate, 1}, cleans);
   microphone.Add(&path);
   ASSERT_TRUE(microphone.Start());
-  ASSERT_EQ(heard.Open("heard.wav"), PLAYER_OPEN_SUCCESS);
-  ASSERT_EQ(fed.Open("fed.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(heard.Open("heard.wav"), desktop::FileFault::kNone);
+  ASSERT_EQ(fed.Open("fed.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(heard.Play());
   ASSERT_TRUE(fed.Play());
   std::this_thread::sleep_for(milliseconds(1200));
@@ -176,7 +177,7 @@ TEST_F(SoundServerTest, MixesTheVoiceWithWhatTheSingerHeard) {
   // The loudspeaker runs already: what it is given from now on is heard a tenth of a second later.
   WriteFile("silence.wav", WavBytes({.rate = 48000}, std::vector<short>(kRate * 4)));
   desktop::FilePlayer silence;
-  ASSERT_EQ(silence.Open("silence.wav"), PLAYER_OPEN_SUCCESS);
+  ASSERT_EQ(silence.Open("silence.wav"), desktop::FileFault::kNone);
   ASSERT_TRUE(silence.Play());
   std::this_thread::sleep_for(milliseconds(300));
   IKaraokeRecorder* recorder = IKaraokeRecorder::Create();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "desktop/files/open_audio_file.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/mixing/sources.h"
 #include "support/file_bytes.h"
@@ -54,9 +55,9 @@ std::vector<std::string> Seeds() {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   WriteFile("fuzz", std::string(data, data + size));
   std::unique_ptr<desktop::FileSource> source;
-  const FilePlayerOpenStatus status = desktop::FileSource::Open("fuzz", &source);
-  REQUIRE((status == PLAYER_OPEN_SUCCESS) == (source != nullptr));
-  REQUIRE(status != PLAYER_OPEN_FILE_PATH_ERROR);
+  const desktop::FileFault fault = desktop::OpenAudioFile("fuzz", &source);
+  REQUIRE((fault == desktop::FileFault::kNone) == (source != nullptr));
+  REQUIRE(fault != desktop::FileFault::kCannotOpen);
   // What a decoder makes of damage may depend on what it has decoded before.
   const std::string start(data, data + std::min<size_t>(size, 4));
   const bool plain = start == "RIFF" || start == "RF64" || start == "FORM";

@@ -1,6 +1,8 @@
 #include "desktop/mixing/karaoke/karaoke_mix.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <utility>
 
 #include "desktop/dsp/filters/denormal_guard.h"
@@ -10,7 +12,7 @@ namespace desktop {
 namespace {
 
 // Lets everything up to full scale pass as it is.
-constexpr LimiterParam kSumLimiter = {.fCeiling = 0,
+constexpr LimiterParam kMixLimiter = {.fCeiling = 0,
                                       .fThreshold = 0,
                                       .fPreGain = 0,
                                       .fRelease = 90,
@@ -25,70 +27,75 @@ constexpr LimiterParam kSumLimiter = {.fCeiling = 0,
 KaraokeMix::KaraokeMix(std::unique_ptr<ConvertedSource> voice,
                        std::unique_ptr<ConvertedSource> music, DeviceFormat format,
                        const VoiceSettings& settings)
-    : m_format(format), m_samples(kMostFrames * format.channels) {
+    : m_format(format), m_samples(kMaxFrames * format.channels) {
   m_chain.EnableEqualizer(settings.equalizer);
   m_chain.equalizer.SetGains(settings.gains, false);
   m_chain.EnableReverb(settings.reverb);
   if (settings.reverbParameter) m_chain.reverb.SetParameter(*settings.reverbParameter);
   m_chain.EnableLimiter(settings.limiter);
   if (settings.limiterParameter) m_chain.limiter.SetParameter(*settings.limiterParameter);
-  m_limiter.SetParameter(kSumLimiter);
+  m_limiter.SetParameter(kMixLimiter);
 
   const int rate = static_cast<int>(format.rate);
-  m_chainLatency = static_cast<uint64_t>(m_chain.Latency(rate));
-  m_latency = m_chainLatency + static_cast<uint64_t>(m_limiter.Latency(rate));
-  const int64_t offset = int64_t{settings.offsetMs} * format.rate / 1000;
-  const int64_t voiceEnd = static_cast<int64_t>(voice->Frames()) + offset;
-  m_length = std::max(music->Frames(), static_cast<uint64_t>(std::max<int64_t>(voiceEnd, 0)));
-  m_voice = {std::move(voice), static_cast<uint64_t>(std::max<int64_t>(offset, 0))};
-  m_music = {std::move(music), m_chainLatency};  // As late as the voice is after its chain.
-  if (offset < 0) Skip(m_voice, static_cast<uint64_t>(-offset), format);
+  m_chainLatency = static_cast<size_t>(m_chain.Latency(rate));
+  m_latency = m_chainLatency + static_cast<size_t>(m_limiter.Latency(rate));
+  const size_t shift =
+      static_cast<size_t>(std::abs(int64_t{settings.offsetMs})) * format.rate / 1000;
+  const size_t later = settings.offsetMs > 0 ? shift : 0;
+  const size_t cut = settings.offsetMs < 0 ? shift : 0;
+  const size_t voiceEnd = voice->Frames() + later - std::min(cut, voice->Frames());
+  m_length = std::max(music->Frames(), voiceEnd);
+  m_voice = {std::move(voice), later};
+  // As late as the voice is after its chain.
+  m_music = {std::move(music), m_chainLatency};
+  Skip(m_voice, cut, format);
 }
 
-void KaraokeMix::Skip(Track& track, uint64_t frames, DeviceFormat format) {
-  std::vector<short> skipped(kMostFrames * format.channels);
+void KaraokeMix::Skip(Track& track, size_t frames, DeviceFormat format) {
+  std::vector<short> skipped(kMaxFrames * format.channels);
   while (frames > 0) {
-    const size_t part = std::min<uint64_t>(frames, kMostFrames);
+    const size_t part = std::min(frames, kMaxFrames);
     if (track.source->Read(skipped.data(), part) < part) return;
     frames -= part;
   }
 }
 
-void KaraokeMix::Read(Track& track, Piece& piece) {
-  const size_t silent = std::min<uint64_t>(track.silence, kMostFrames);
+void KaraokeMix::Read(Track& track, Block& block) {
+  const size_t silent = std::min(track.silence, kMaxFrames);
   track.silence -= silent;
-  const size_t wanted = kMostFrames - silent;
+  const size_t wanted = kMaxFrames - silent;
   const size_t got = track.ended ? 0 : track.source->Read(m_samples.data(), wanted);
   if (!track.ended) track.frames += silent + got;
   track.ended = got < wanted;
   for (size_t c = 0; c < m_format.channels; ++c) {
-    std::fill_n(piece[c], silent, 0.0F);
+    std::fill_n(block[c], silent, 0.0F);
     for (size_t i = 0; i < got; ++i) {
-      piece[c][silent + i] = static_cast<float>(m_samples[i * m_format.channels + c]) / 32768.0F;
+      block[c][silent + i] = static_cast<float>(m_samples[i * m_format.channels + c]) / 32768.0F;
     }
-    std::fill(piece[c] + silent + got, piece[c] + kMostFrames, 0.0F);
+    std::fill(block[c] + silent + got, block[c] + kMaxFrames, 0.0F);
   }
 }
 
-void KaraokeMix::MixPiece() {
+void KaraokeMix::MixBlock() {
+  constexpr int kFrames = kMaxFrames;
   const int channels = static_cast<int>(m_format.channels);
   const int rate = static_cast<int>(m_format.rate);
-  Piece music;
+  Block music;
   Read(m_voice, m_mix);
   Read(m_music, music);
-  float* const rows[kMostEffectChannels] = {m_mix[0], m_mix[1]};
-  m_chain.Process(rows, channels, kPieceFrames, rate);
+  float* const rows[] = {m_mix[0], m_mix[1]};
+  m_chain.Process(rows, channels, kFrames, rate);
   for (int c = 0; c < channels; ++c) {
-    for (int i = 0; i < kPieceFrames; ++i) m_mix[c][i] += music[c][i];
+    for (int i = 0; i < kFrames; ++i) m_mix[c][i] += music[c][i];
   }
-  m_limiter.Process(rows, channels, kPieceFrames, rate);
-  m_mixed += kMostFrames;
+  m_limiter.Process(rows, channels, kFrames, rate);
+  m_mixed += kMaxFrames;
 }
 
 // Where the last frame of a file lies in the mix; nowhere as long as one has not ended. The
 // accompaniment waited for the voice to come out of its chain.
-uint64_t KaraokeMix::End() const {
-  if (!m_voice.ended || !m_music.ended) return UINT64_MAX;
+size_t KaraokeMix::End() const {
+  if (!m_voice.ended || !m_music.ended) return SIZE_MAX;
   return std::max(m_voice.frames, m_music.frames - m_chainLatency) + m_latency;
 }
 
@@ -96,11 +103,11 @@ size_t KaraokeMix::Next(short* samples) {
   const DenormalGuard guard;
   size_t given = 0;
   while (given == 0 && m_mixed < End()) {
-    const uint64_t start = m_mixed;
-    MixPiece();
-    const uint64_t first = std::max(start, m_latency);
-    const uint64_t last = std::min(m_mixed, End());
-    for (uint64_t at = first; at < last; ++at, ++given) {
+    const size_t start = m_mixed;
+    MixBlock();
+    const size_t first = std::max(start, m_latency);
+    const size_t last = std::min(m_mixed, End());
+    for (size_t at = first; at < last; ++at, ++given) {
       for (size_t c = 0; c < m_format.channels; ++c) *samples++ = ToSample16(m_mix[c][at - start]);
     }
   }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,11 +31,11 @@ class KaraokeMix {
 
   // The whole length in frames, as far as the files tell: that of the accompaniment, or of the
   // shifted voice where that is longer.
-  uint64_t Frames() const { return m_length; }
+  size_t Frames() const { return m_length; }
 
-  static constexpr size_t kMostFrames = kPieceFrames;
+  static constexpr size_t kMaxFrames = 256;
 
-  // Replaces `samples` by the next frames, interleaved, at most kMostFrames; 0 at the end. Throws
+  // Replaces `samples` by the next frames, interleaved, at most kMaxFrames; 0 at the end. Throws
   // when there is no memory.
   size_t Next(short* samples);
 
@@ -43,28 +43,30 @@ class KaraokeMix {
   // A file between silence, from a time on that may lie before its start.
   struct Track {
     std::unique_ptr<ConvertedSource> source;
-    uint64_t silence;     // Frames ahead of it that are still to come.
-    uint64_t frames = 0;  // Of silence and file so far.
+    size_t silence;     // Frames ahead of it that are still to come.
+    size_t frames = 0;  // Of silence and file so far.
     bool ended = false;
   };
-  using Piece = float[kMostEffectChannels][kPieceFrames];
+  using Block = float[2][kMaxFrames];
 
-  static void Skip(Track& track, uint64_t frames, DeviceFormat format);
-  void Read(Track& track, Piece& piece);
-  void MixPiece();
-  uint64_t End() const;
+  static void Skip(Track& track, size_t frames, DeviceFormat format);
+  void Read(Track& track, Block& block);
+  void MixBlock();
+  size_t End() const;
 
   const DeviceFormat m_format;
   KaraokeChain m_chain;
   Limiter m_limiter;
   Track m_voice;
   Track m_music;
-  uint64_t m_length;        // Of the files, as they tell it.
-  uint64_t m_chainLatency;  // Frames by which the voice is late after its chain,
-  uint64_t m_latency;       // and the mix after its limiter.
-  uint64_t m_mixed = 0;
+  // Counted in frames: the length of the files, as they tell it, how late the voice is after its
+  // chain and the mix after its limiter, and how much was mixed.
+  size_t m_length;
+  size_t m_chainLatency;
+  size_t m_latency;
+  size_t m_mixed = 0;
   std::vector<short> m_samples;
-  Piece m_mix;
+  Block m_mix;
 };
 
 }  // namespace desktop

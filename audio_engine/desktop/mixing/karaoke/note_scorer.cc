@@ -4,27 +4,28 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace desktop {
 
 namespace {
 
 constexpr uint32_t kFewest = 3;  // Pitches that make a note.
-constexpr int kMostTenths = 60;
+constexpr int kMaxTenths = 60;
 
 // Tenths of the cents of `pitch` above a note, in whichever octave it is nearest.
-int TenthsAbove(int midiValue, double pitch) {
-  const double semitones = 12 * std::log2(pitch / 440) + 69 - midiValue;
+int TenthsAbove(int midi, double pitch) {
+  const double semitones = 12 * std::log2(pitch / 440) + 69 - midi;
   const double folded = semitones - 12 * std::floor(semitones / 12 + 0.5);
   return static_cast<int>(std::lround(folded * 10));
 }
 
 }  // namespace
 
-NoteScorer::NoteScorer(const ScoreTimeRange* notes, size_t count, int8_t* pitchVisual)
-    : m_notes(notes, notes + count), m_pitchVisual(pitchVisual) {
+NoteScorer::NoteScorer(std::vector<Note> notes, int8_t* pitchVisual)
+    : m_notes(std::move(notes)), m_pitchVisual(pitchVisual) {
   m_counts.fill(0);
-  for (size_t i = 0; i < count; ++i) Show(i, kNotSung);
+  for (size_t i = 0; i < m_notes.size(); ++i) Show(i, kNotSung);
 }
 
 void NoteScorer::Show(size_t note, int8_t tenths) {
@@ -35,10 +36,8 @@ void NoteScorer::Show(size_t note, int8_t tenths) {
 // A table that makes no sense, with times that are no numbers for example, finds nothing.
 int NoteScorer::FindNote(double timeMs) const {
   for (size_t i = 0; i < m_notes.size(); ++i) {
-    const ScoreTimeRange& note = m_notes[i];
-    if (timeMs >= note.beginTime && timeMs < note.endTime && note.midiValue > 0) {
-      return static_cast<int>(i);
-    }
+    const Note& note = m_notes[i];
+    if (timeMs >= note.beginMs && timeMs < note.endMs && note.midi > 0) return static_cast<int>(i);
   }
   return -1;
 }
@@ -49,14 +48,14 @@ void NoteScorer::Sing(double timeMs, double pitch) {
   m_note = note;
   if (note < 0 || pitch <= 0) return;
   const auto at = static_cast<size_t>(note);
-  const int tenths = TenthsAbove(std::min(m_notes[at].midiValue, 127), pitch);
-  ++m_counts[static_cast<unsigned>(tenths + kMostTenths)];
+  const int tenths = TenthsAbove(std::min(m_notes[at].midi, 127), pitch);
+  ++m_counts[static_cast<unsigned>(tenths + kMaxTenths)];
   if (++m_heard < kFewest) return;
 
   uint32_t below = 0;
   size_t median = 0;
   while ((below += m_counts[median]) * 2 < m_heard) ++median;
-  m_median = static_cast<int8_t>(static_cast<int>(median) - kMostTenths);
+  m_median = static_cast<int8_t>(static_cast<int>(median) - kMaxTenths);
   Show(at, m_median);
 }
 
@@ -71,8 +70,9 @@ void NoteScorer::CloseNote() {
 }
 
 size_t NoteScorer::NotesToSing() const {
-  return static_cast<size_t>(std::count_if(
-      m_notes.begin(), m_notes.end(), [](const ScoreTimeRange& n) { return n.midiValue > 0; }));
+  size_t count = 0;
+  for (const Note& note : m_notes) count += note.midi > 0 ? 1 : 0;
+  return count;
 }
 
 }  // namespace desktop

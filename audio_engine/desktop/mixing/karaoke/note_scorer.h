@@ -5,18 +5,23 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine_api/mixing/karaoke_recorder.h"
-
 namespace desktop {
+
+// A note of a song.
+struct Note {
+  double beginMs;
+  double endMs;
+  int midi;  // 69 = 440 Hz; 0 or less: nothing is to be sung.
+};
 
 // Compares sung pitch with the notes of a song.
 class NoteScorer {
  public:
   static constexpr int8_t kNotSung = 127;
 
-  // Copies the notes and marks them as not sung. pitchVisual: one for each note, null for none;
-  // written from Sing on, so as to be read from other threads at any time.
-  NoteScorer(const ScoreTimeRange* notes, size_t count, int8_t* pitchVisual);
+  // Marks the notes as not sung. pitchVisual: one for each note, null for none; written from Sing
+  // on, so as to be read from other threads at any time.
+  NoteScorer(std::vector<Note> notes, int8_t* pitchVisual);
 
   // Hears a pitch (Hz; 0 = none) at a time of the song, ms; times go up. Shows the median of what
   // was sung to the note so far, from 30 ms of it on: tenths of the cents above the note, folded
@@ -34,7 +39,7 @@ class NoteScorer {
   void Show(size_t note, int8_t tenths);
   void CloseNote();
 
-  std::vector<ScoreTimeRange> m_notes;
+  const std::vector<Note> m_notes;
   int8_t* const m_pitchVisual;
   int m_note = -1;                     // That is being sung.
   std::array<uint32_t, 121> m_counts;  // How often which tenth of its cents was heard: -60 to 60.

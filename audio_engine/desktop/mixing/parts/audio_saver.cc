@@ -6,10 +6,9 @@
 
 namespace desktop {
 
-CaptureSaver::CaptureSaver(AudioSaverMode mode, Microphone& microphone,
-                           std::unique_ptr<FileSink> sink)
-    : m_mode(mode), m_microphone(microphone), m_file(std::move(sink), microphone.Format()) {
-  if (mode == AudioSaverBoth) {
+CaptureSaver::CaptureSaver(What what, Microphone& microphone, std::unique_ptr<FileSink> sink)
+    : m_what(what), m_microphone(microphone), m_file(std::move(sink), microphone.Format()) {
+  if (what == What::kWithPlayed) {
     m_played = std::make_unique<PlayFeed>(PlayFeed::What::kPlayed, microphone.Format());
     m_block.resize(microphone.Format().BlockFrames() * microphone.Format().channels);
     m_sums.resize(m_block.size());
@@ -28,18 +27,18 @@ CaptureSaver::~CaptureSaver() {
 }
 
 void CaptureSaver::OnCaptured(const CapturedBlock& block) {
-  switch (m_mode) {
-    case AudioSaverBoth:
+  switch (m_what) {
+    case What::kWithPlayed:
       m_played->Read(m_block.data(), block.frames);
       for (size_t i = 0; i < m_sums.size(); ++i) m_sums[i] = m_block[i] + block.microphone[i];
       m_limiter.Process(m_sums.data(), block.frames, m_microphone.Format().channels,
                         m_block.data());
       m_file.Put(m_block.data());
       break;
-    case AusioSaverOnlyCaptureOri:
+    case What::kMicrophone:
       m_file.Put(block.microphone);
       break;
-    default:
+    case What::kMicrophonePath:
       m_file.Put(block.samples);
   }
 }

@@ -5,16 +5,20 @@
 #include "desktop/files/recorded_file.h"
 #include "desktop/live/microphone.h"
 #include "desktop/live/play_feed.h"
-#include "engine_api/mixing/audio_engine.h"
 
 namespace desktop {
 
-// Records the microphone path, before or after what players feed back into it, or with all that is
-// played.
+// Records what a microphone hears, alone or with what is played.
 class CaptureSaver : public CaptureListener {
  public:
+  enum class What {
+    kMicrophone,      // Before what players feed back into it.
+    kMicrophonePath,  // After that.
+    kWithPlayed       // Before that, mixed with all that is played.
+  };
+
   // sink: of the microphone's format. The microphone outlives the saver.
-  CaptureSaver(AudioSaverMode mode, Microphone& microphone, std::unique_ptr<FileSink> sink);
+  CaptureSaver(What what, Microphone& microphone, std::unique_ptr<FileSink> sink);
   ~CaptureSaver() override;  // Finishes the file: all that was captured until now is in it.
   CaptureSaver(const CaptureSaver&) = delete;
   CaptureSaver& operator=(const CaptureSaver&) = delete;
@@ -22,10 +26,11 @@ class CaptureSaver : public CaptureListener {
   void OnCaptured(const CapturedBlock& block) override;
 
  private:
-  const AudioSaverMode m_mode;
+  const What m_what;
   Microphone& m_microphone;
   RecordedFile m_file;
-  std::unique_ptr<PlayFeed> m_played;  // For AudioSaverBoth.
+  // Null unless what is played is recorded as well.
+  std::unique_ptr<PlayFeed> m_played;
   std::vector<short> m_block;
   std::vector<int32_t> m_sums;
   SumLimiter m_limiter;

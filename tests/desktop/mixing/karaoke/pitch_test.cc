@@ -10,6 +10,7 @@
 #include "support/tone.h"
 #include "support/voice.h"
 
+using desktop::Note;
 using desktop::NoteScorer;
 using desktop::PitchTracker;
 using testing::Each;
@@ -29,8 +30,8 @@ std::vector<double> Pitches(const std::vector<short>& samples) {
 
 double Hz(double midi) { return 440 * std::pow(2, (midi - 69) / 12); }
 
-constexpr ScoreTimeRange kNotes[] = {
-    {1000, 1500, 1, 0, 69}, {1500, 2000, 1, 0, 57}, {2000, 2500, 1, 1, 64}, {2500, 3000, 2, 1, 0}};
+const std::vector<Note> kNotes = {
+    {1000, 1500, 69}, {1500, 2000, 57}, {2000, 2500, 64}, {2500, 3000, 0}};
 
 class NoteScorerTest : public testing::Test {
  protected:
@@ -39,7 +40,7 @@ class NoteScorerTest : public testing::Test {
   }
 
   std::array<int8_t, 4> m_visual = {1, 2, 3, 4};
-  NoteScorer m_scorer{kNotes, 4, m_visual.data()};
+  NoteScorer m_scorer{kNotes, m_visual.data()};
 };
 
 }  // namespace
@@ -129,16 +130,16 @@ TEST_F(NoteScorerTest, HitsANoteWithinHalfASemitone) {
 }
 
 TEST(NoteScorer, SurvivesTablesThatMakeNoSense) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const ScoreTimeRange notes[] = {
-      {nan, nan, 0, 0, 60}, {0, 1e30F, 0, 44, 2147483647}, {500, 100, 0, 0, -2147483647 - 1}};
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const std::vector<Note> notes = {
+      {nan, nan, 60}, {0, 1e30, 2147483647}, {500, 100, -2147483647 - 1}};
   int8_t visual[3];
-  NoteScorer scorer(notes, 3, visual);
+  NoteScorer scorer(notes, visual);
   for (int i = 0; i < 100; ++i) scorer.Sing(i * 10, Hz(60 + i));
   scorer.Finish();
   EXPECT_EQ(visual[0], 127);
   EXPECT_LE(std::abs(visual[1]), 60);
   EXPECT_EQ(visual[2], 127);
-  NoteScorer nobody(nullptr, 0, nullptr);
+  NoteScorer nobody({}, nullptr);
   nobody.Sing(0, 100);
 }

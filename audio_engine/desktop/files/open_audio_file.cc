@@ -1,54 +1,54 @@
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 
 #include <cerrno>
 #include <cstring>
 #include <exception>
 
-#include "desktop/common/wav_header.h"
+#include "desktop/common/open_file.h"
+#include "desktop/files/aac_file.h"
 #include "desktop/files/adts_reader.h"
 #include "desktop/files/refused_files.h"
+#include "desktop/files/sound_file.h"
 
 namespace desktop {
 
 namespace {
 
-const char* Reason(FilePlayerOpenStatus status) {
-  switch (status) {
-    case PLAYER_CREATE_FILE_DECODER_FAILED:
+const char* Reason(FileFault fault) {
+  switch (fault) {
+    case FileFault::kNoDecoder:
       return "there is no decoder for it";
-    case PLAYER_OPEN_FILE_DECODER_FAILED:
+    case FileFault::kDamaged:
       return "it is damaged";
     default:
       return "it holds no audio";
   }
 }
 
-FilePlayerOpenStatus OpenByContent(File file, std::unique_ptr<FileSource>* source) {
+FileFault OpenByContent(File file, std::unique_ptr<FileSource>* source) {
   try {
     if (IsAdts(file.get())) return OpenAacFile(std::move(file), source);
     return OpenSoundFile(std::move(file), source);
   } catch (const std::exception&) {  // Memory is short.
-    return PLAYER_CREATE_FILE_DECODER_FAILED;
+    return FileFault::kNoDecoder;
   }
 }
 
 }  // namespace
 
-FilePlayerOpenStatus FileSource::Open(const char* name, std::unique_ptr<FileSource>* source) {
+FileFault OpenAudioFile(const char* name, std::unique_ptr<FileSource>* source) {
   source->reset();
   if (name == nullptr) name = "";
-  File file(OpenWav(name, "rb"));
+  File file(OpenUnlessFifo(name, "rb"));
   // A folder can be opened but not read.
   const bool isReadable = file != nullptr && (fgetc(file.get()) != EOF || ferror(file.get()) == 0);
   if (!isReadable) {
     RefuseFile(name, "cannot open the audio file", strerror(errno));
-    return PLAYER_OPEN_FILE_PATH_ERROR;
+    return FileFault::kCannotOpen;
   }
-  const FilePlayerOpenStatus status = OpenByContent(std::move(file), source);
-  if (status != PLAYER_OPEN_SUCCESS) {
-    RefuseFile(name, "cannot read the audio file", Reason(status));
-  }
-  return status;
+  const FileFault fault = OpenByContent(std::move(file), source);
+  if (fault != FileFault::kNone) RefuseFile(name, "cannot read the audio file", Reason(fault));
+  return fault;
 }
 
 }  // namespace desktop

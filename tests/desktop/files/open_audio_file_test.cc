@@ -1,4 +1,4 @@
-#include "desktop/files/file_source.h"
+#include "desktop/files/open_audio_file.h"
 
 #include <gmock/gmock.h>
 #include <sndfile.h>
@@ -16,6 +16,7 @@
 
 namespace {
 
+using desktop::FileFault;
 using desktop::FileSource;
 using testing::Each;
 using testing::HasSubstr;
@@ -36,39 +37,39 @@ void WriteSound(const char* name, int format, const std::vector<short>& samples,
   sf_close(sound);
 }
 
-std::vector<short> ReadAll(FileSource& source, size_t piece = 441) {
+std::vector<short> ReadAll(FileSource& source, size_t frames = 441) {
   std::vector<short> samples;
-  std::vector<short> block(piece * source.Channels());
-  while (const size_t got = source.Read(block.data(), piece)) {
+  std::vector<short> block(frames * source.Channels());
+  while (const size_t got = source.Read(block.data(), frames)) {
     samples.insert(samples.end(), block.begin(),
                    block.begin() + static_cast<ptrdiff_t>(got * source.Channels()));
   }
   return samples;
 }
 
-class FileSourceTest : public testing::Test {
+class OpenAudioFile : public testing::Test {
  protected:
   std::unique_ptr<FileSource> Opened(const char* name) {
     std::unique_ptr<FileSource> source;
-    EXPECT_EQ(FileSource::Open(name, &source), PLAYER_OPEN_SUCCESS) << name;
+    EXPECT_EQ(desktop::OpenAudioFile(name, &source), FileFault::kNone) << name;
     return source;
   }
 
   // The answer for a file that cannot be played, which the log tells once.
-  FilePlayerOpenStatus Refused(const char* name) {
+  FileFault Refused(const char* name) {
     const CapturedStderr log;
     std::unique_ptr<FileSource> source;
-    const FilePlayerOpenStatus status = FileSource::Open(name, &source);
+    const FileFault fault = desktop::OpenAudioFile(name, &source);
     EXPECT_EQ(source, nullptr) << name;
     EXPECT_THAT(log.Lines(), SizeIs(1)) << name;
-    return status;
+    return fault;
   }
 
   const TemporaryDirectory m_directory;
   const std::vector<short> m_tone = Tone(440, 12000, 44100, 44100, 2);
 };
 
-TEST_F(FileSourceTest, ReadsWaveSamplesBitForBit) {
+TEST_F(OpenAudioFile, ReadsWaveSamplesBitForBit) {
   WriteFile("a.wav", WavBytes({.channels = 2, .rate = 44100}, m_tone));
   const auto source = Opened("a.wav");
   EXPECT_EQ(source->Rate(), 44100U);
@@ -84,12 +85,12 @@ TEST_F(FileSourceTest, ReadsWaveSamplesBitForBit) {
   EXPECT_EQ(ReadAll(*source, 10000), m_tone);
 }
 
-TEST_F(FileSourceTest, KnowsAFileByItsContentAndNotByItsName) {
+TEST_F(OpenAudioFile, KnowsAFileByItsContentAndNotByItsName) {
   WriteSound("flac.wav", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, m_tone, 2);
   EXPECT_EQ(ReadAll(*Opened("flac.wav")), m_tone);
 }
 
-TEST_F(FileSourceTest, ReadsLossyFilesAsTheTonesThatTheyHold) {
+TEST_F(OpenAudioFile, ReadsLossyFilesAsTheTonesThatTheyHold) {
   WriteSound("a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, m_tone, 2);
   WriteSound("a.mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, m_tone, 2);
   for (const char* name : {"a.ogg", "a.mp3"}) {
@@ -103,7 +104,7 @@ TEST_F(FileSourceTest, ReadsLossyFilesAsTheTonesThatTheyHold) {
   }
 }
 
-TEST_F(FileSourceTest, RoundsOtherPrecisionsAndLimitsWhatIsBeyondFullScale) {
+TEST_F(OpenAudioFile, RoundsOtherPrecisionsAndLimitsWhatIsBeyondFullScale) {
   SF_INFO info = {};
   info.samplerate = 16000;
   info.channels = 1;
@@ -116,7 +117,7 @@ TEST_F(FileSourceTest, RoundsOtherPrecisionsAndLimitsWhatIsBeyondFullScale) {
   EXPECT_EQ(ReadAll(*Opened("float.wav")), (std::vector<short>{16384, 32767, -32768, 1, 0}));
 }
 
-TEST_F(FileSourceTest, ReadsAacWithItsLengthFromItsFrames) {
+TEST_F(OpenAudioFile, ReadsAacWithItsLengthFromItsFrames) {
   if (!kHasAac) GTEST_SKIP() << "libfdk-aac is missing";
   auto sink = desktop::FileSink::Create("a.aac", {44100, 2}, false);
   ASSERT_NE(sink, nullptr);
@@ -141,7 +142,7 @@ TEST_F(FileSourceTest, ReadsAacWithItsLengthFromItsFrames) {
   EXPECT_FALSE(source->Failed());
 }
 
-TEST_F(FileSourceTest, KnowsThatItCouldNotReadToTheEnd) {
+TEST_F(OpenAudioFile, KnowsThatItCouldNotReadToTheEnd) {
   WriteFile("a.wav", WavBytes({.channels = 2, .rate = 44100}, m_tone));
   if (kHasAac) desktop::FileSink::Create("a.aac", {44100, 2}, false)->Write(m_tone.data(), 44100);
   for (const char* name : {"a.wav", "a.aac"}) {
@@ -155,7 +156,7 @@ TEST_F(FileSourceTest, KnowsThatItCouldNotReadToTheEnd) {
   }
 }
 
-TEST_F(FileSourceTest, ReadsDamagedAacToItsEnd) {
+TEST_F(OpenAudioFile, ReadsDamagedAacToItsEnd) {
   if (!kHasAac) GTEST_SKIP() << "libfdk-aac is missing";
   auto sink = desktop::FileSink::Create("a.aac", {44100, 2}, false);
   ASSERT_NE(sink, nullptr);
@@ -169,26 +170,26 @@ TEST_F(FileSourceTest, ReadsDamagedAacToItsEnd) {
   EXPECT_GT(source->Frames(), 10000U);
 }
 
-TEST_F(FileSourceTest, SaysWhyAFileCannotBePlayed) {
-  EXPECT_EQ(Refused("missing.wav"), PLAYER_OPEN_FILE_PATH_ERROR);
-  EXPECT_EQ(Refused(""), PLAYER_OPEN_FILE_PATH_ERROR);
-  EXPECT_EQ(Refused(nullptr), PLAYER_OPEN_FILE_PATH_ERROR);
-  EXPECT_EQ(Refused("."), PLAYER_OPEN_FILE_PATH_ERROR);
+TEST_F(OpenAudioFile, SaysWhyAFileCannotBePlayed) {
+  EXPECT_EQ(Refused("missing.wav"), FileFault::kCannotOpen);
+  EXPECT_EQ(Refused(""), FileFault::kCannotOpen);
+  EXPECT_EQ(Refused(nullptr), FileFault::kCannotOpen);
+  EXPECT_EQ(Refused("."), FileFault::kCannotOpen);
 
   WriteFile("empty.wav", "");
-  EXPECT_EQ(Refused("empty.wav"), PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT);
+  EXPECT_EQ(Refused("empty.wav"), FileFault::kUnknownKind);
   WriteFile("text.wav", "To be, or not to be, that is the question.");
-  EXPECT_EQ(Refused("text.wav"), PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT);
+  EXPECT_EQ(Refused("text.wav"), FileFault::kUnknownKind);
 
   WriteFile("cut.wav", WavBytes({}, m_tone).substr(0, 30));
-  EXPECT_EQ(Refused("cut.wav"), PLAYER_OPEN_FILE_DECODER_FAILED);
+  EXPECT_EQ(Refused("cut.wav"), FileFault::kDamaged);
 
   WriteFile("unknown.wav", WavBytes({.tag = 0x161}, m_tone));
-  EXPECT_EQ(Refused("unknown.wav"), PLAYER_CREATE_FILE_DECODER_FAILED);
+  EXPECT_EQ(Refused("unknown.wav"), FileFault::kNoDecoder);
 }
 
 #if !AUDIO_ENGINE_HAS_AAC
-TEST_F(FileSourceTest, RemembersWhatItRefused) {
+TEST_F(OpenAudioFile, RemembersWhatItRefused) {
   WriteFile("noise", std::string(100, 'x'));
   const size_t before = desktop::RefusedFiles().size();
   Refused("noise");
@@ -201,9 +202,9 @@ TEST_F(FileSourceTest, RemembersWhatItRefused) {
   EXPECT_EQ(refused[before + 1].reason, "No such file or directory");
 }
 
-TEST_F(FileSourceTest, HasNoDecoderForAacWithoutTheLibrary) {
+TEST_F(OpenAudioFile, HasNoDecoderForAacWithoutTheLibrary) {
   WriteFile("a.aac", std::string("\xff\xf1\x50\x80\x01\x1f\xfc", 7) + "x");
-  EXPECT_EQ(Refused("a.aac"), PLAYER_CREATE_FILE_DECODER_FAILED);
+  EXPECT_EQ(Refused("a.aac"), FileFault::kNoDecoder);
 }
 #endif
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+
+#include "desktop/devices/device_format.h"
+#include "desktop/files/file.h"
+
+namespace desktop {
+
+// Writes blocks of samples to an open file of one kind; whoever reads the file, also after this
+// process was killed, finds whole frames.
+class FileWriter {
+ public:
+  virtual ~FileWriter() = default;
+
+  virtual DeviceFormat Format() const = 0;
+
+  // Takes frames of that format. They may stay here until Flush. No line goes to the log when they
+  // cannot be coded.
+  virtual void Add(const short* samples, size_t frames) = 0;
+
+  // Brings to the file what is whole. False when it does not fit, which leaves the file whole.
+  virtual bool Flush() = 0;
+
+  // Codes what is left, and flushes.
+  virtual bool Finish() = 0;
+};
+
+// Opens a file for one of the writers, without a buffer of its own: an append to a file that is
+// there leaves what it holds, everything else starts empty. Null, with errno set, on failure.
+File OpenForWriting(const char* name, bool append);
+
+// Writes all of `bytes` at the end of the file, or nothing.
+bool AppendWhole(FILE* file, const void* bytes, size_t count);
+
+}  // namespace desktop
