@@ -1,14 +1,18 @@
 #!/bin/bash
 # The bench builds and runs on an engine library that is not the desktop engine:
-# foreign_engine.sh CMAKE COMPILER NM BUILD_FOLDER ENGINE_LIBRARY SCRATCH_FOLDER
+# foreign_engine.sh CMAKE COMPILER NM ENGINE_SOURCES SCRATCH_FOLDER
 set -euo pipefail
 trap 'echo "failed: $BASH_COMMAND" >&2' ERR
 
-cmake=$1 compiler=$2 nm=$3 library=$5 scratch=$6
+cmake=$1 compiler=$2 nm=$3 sources=$4 scratch=$5
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build=$scratch/build
-"$cmake" --build "$4" --target fake_engine_shared >&2
 rm -rf "$scratch/prefix" "$scratch/workspace"
+
+"$cmake" -S "$here/foreign_engine" -B "$scratch/engine" -G Ninja \
+  -DCMAKE_CXX_COMPILER="$compiler" -DENGINE_SOURCES="$sources" >&2
+"$cmake" --build "$scratch/engine" >&2
+library=$scratch/engine/libforeign_engine.so
 "$cmake" -S "$here/../.." -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
   -DCMAKE_BUILD_TYPE=None -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
 "$cmake" --build "$build" >&2

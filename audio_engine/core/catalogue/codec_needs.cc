@@ -32,7 +32,7 @@ std::string LackingFamily(ZUAudioCodec family) {
 }
 
 std::string LackingRawId(int codecId) {
-  const ZUAudioCodec family = CodecFamily(codecId);
+  const ZUAudioCodec family = bench::CodecFamily(codecId);
   if (family == kAudioCodecUnknown || HasFamily(family)) return "";
   return "this engine has no codec for raw id " + std::to_string(codecId) +
          ": it was built without that codec's library";
@@ -40,7 +40,8 @@ std::string LackingRawId(int codecId) {
 
 std::string UnknownRawId(ArgumentWords words, size_t index) {
   Argument<int> codecId;
-  if (!codecId.Parse(words[index]) || CodecFamily(codecId.Value()) != kAudioCodecUnknown) return "";
+  if (!codecId.Parse(words[index]) || bench::CodecFamily(codecId.Value()) != kAudioCodecUnknown)
+    return "";
   return "argument " + std::to_string(index + 1) + " of " + std::to_string(words.size()) +
          " is the id of no codec: " + std::string(words[index]);
 }

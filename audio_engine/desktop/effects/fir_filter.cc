@@ -31,7 +31,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     while (length > 0) {
       const size_t samples = std::min(length, kPieceSamples);
       float* piece = Append(in, samples);
-      Convolve(piece, samples, m_coefficients.data(), m_coefficients.size(), out);
+      desktop::Convolve(piece, samples, m_coefficients.data(), m_coefficients.size(), out);
       in += samples;
       out += samples;
       length -= samples;
@@ -57,7 +57,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     const size_t oldHistory = HistorySamples(m_coefficients.size());
     const size_t newHistory = HistorySamples(count);
     if (m_samples.empty() || newHistory != oldHistory) {
-      std::vector<float> newSamples(newHistory + kPieceSamples + kConvolveOverread);
+      std::vector<float> newSamples(newHistory + kPieceSamples + desktop::kConvolveOverread);
       const size_t kept = std::min(oldHistory, newHistory);
       const float* end = m_samples.data() + m_end;
       std::copy(end - kept, end, newSamples.data() + newHistory - kept);
@@ -71,7 +71,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
   float* Append(const float* in, size_t samples) {
     const size_t history = HistorySamples(m_coefficients.size());
     float* start = m_samples.data();
-    if (m_end + samples + kConvolveOverread > m_samples.size()) {
+    if (m_end + samples + desktop::kConvolveOverread > m_samples.size()) {
       std::copy_n(start + m_end - history, history, start);
       m_end = history;
     }

@@ -7,7 +7,7 @@
 #include "desktop/effects/hrtf/hrtf_table.h"
 
 // The bytes of HRTF_TABLE_FILE. An array literal of that size would take the compiler seconds.
-extern "C" [[gnu::visibility("hidden")]] const HrtfTable kHrtfTable;
+extern "C" [[gnu::visibility("hidden")]] const desktop::HrtfTable kHrtfTable;
 asm(".pushsection .rodata\n"
     ".balign 64\n"
     ".globl kHrtfTable\n"
@@ -28,7 +28,7 @@ struct Set {
 };
 
 template <unsigned taps>
-Set SetOf(const HrtfResponses<taps>& responses) {
+Set SetOf(const desktop::HrtfResponses<taps>& responses) {
   return {taps, responses.values[0][0]};
 }
 
@@ -41,14 +41,14 @@ Set FindSet(unsigned rate, unsigned diffused) {
 // Returns the measured position on the nearest ring of elevation, and there the one with the
 // nearest azimuth. On a tie, the smaller angle.
 size_t NearestPosition(int azimuth, int elevation) {
-  const auto rank = [&](const HrtfTable::Position& position) {
+  const auto rank = [&](const desktop::HrtfTable::Position& position) {
     const double apart = std::abs(std::remainder(position.azimuth - azimuth, 360.0));
     return std::tuple(std::abs(position.elevation - elevation), position.elevation, apart,
                       position.azimuth);
   };
   size_t nearest = 0;
   auto nearestRank = rank(kHrtfTable.positions[0]);
-  for (size_t index = 1; index < kHrtfPositions; ++index) {
+  for (size_t index = 1; index < desktop::kHrtfPositions; ++index) {
     const auto other = rank(kHrtfTable.positions[index]);
     if (other < nearestRank) {
       nearest = index;
@@ -73,7 +73,7 @@ unsigned int mit_hrtf_get(int* azimuth, int* elevation, unsigned int samplerate,
   const short* response = responses + nearest * 2 * taps;
   std::copy_n(response, taps, left);
   std::copy_n(response + taps, taps, right);
-  const HrtfTable::Position& position = kHrtfTable.positions[nearest];
+  const desktop::HrtfTable::Position& position = kHrtfTable.positions[nearest];
   *azimuth = static_cast<int>(std::lround(position.azimuth) % 360);
   *elevation = static_cast<int>(std::lround(position.elevation));
   return taps;

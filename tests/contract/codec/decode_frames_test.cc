@@ -21,7 +21,7 @@ size_t DecodedBytes(FakeEngine& engine, size_t most) {
   };
   const std::unique_ptr<CAudioCodec> decoder(decoderFromRawCodecId(2));
   std::vector<unsigned char> stream = {1, 0, 0, 0, 'a', 1, 0, 0, 0, 'b', 1, 0, 0, 0, 'c'};
-  return DecodeFrames(*decoder, CodecFormat(2, 44100, 2, 10), stream, 4, most).size();
+  return bench::DecodeFrames(*decoder, CodecFormat(2, 44100, 2, 10), stream, 4, most).size();
 }
 
 }  // namespace

@@ -126,9 +126,9 @@ TEST(Align, SkipsTheLagOfEitherFile) {
   engine.PutSamples("processed", Samples(100));
   harness::StdioFile clean("clean", "rb");
   harness::StdioFile processed("processed", "rb");
-  Align(clean, processed, 48);
-  Align(clean, processed, -30);
-  Align(clean, processed, 0);
+  bench::Align(clean, processed, 48);
+  bench::Align(clean, processed, -30);
+  bench::Align(clean, processed, 0);
   EXPECT_THAT(
       engine.CallsWith("fseek"),
       ElementsAre("fseek(clean, 0, 0)", "fseek(processed, 96, 0)", "fseek(clean, 60, 0)",

@@ -46,7 +46,7 @@ void TestZUDecode(const char* encodedFileName, const char* decodedWavFileName, i
   std::unique_ptr<CAudioCodec> decoder(decoderFromRawCodecId(codecId));
   if (decoder != nullptr) {
     decoder->Init(&iAudioFormat);
-    decodedPcmData = DecodeFrames(*decoder, iAudioFormat, encodedToTalData, headerLen);
+    decodedPcmData = bench::DecodeFrames(*decoder, iAudioFormat, encodedToTalData, headerLen);
   }
   decoder.reset();
   OutputDebugInfo("decode elapse time: %d.", static_cast<int>(GetExactTickCount() - startTime));
@@ -68,7 +68,7 @@ void newTestZUDecode(const char* encodedFileName, const char* decodedWavFileName
   std::unique_ptr<CAudioCodec> decoder(decoderFromRawCodecId(codecId));
   if (decoder != nullptr) {
     OutputDebugInfo("Tavik call aac decoder Init %d", decoder->Init(&iAudioFormat));
-    decodedPcmData = DecodeFrames(*decoder, iAudioFormat, encodedToTalData, headerLen);
+    decodedPcmData = bench::DecodeFrames(*decoder, iAudioFormat, encodedToTalData, headerLen);
   }
   decoder.reset();
 

@@ -2,6 +2,8 @@
 
 #include "bench/codec/whole_frame.h"
 
+namespace bench {
+
 std::vector<unsigned char> DecodeFrames(CAudioCodec& decoder, const AudioStreamFormat& format,
                                         std::vector<unsigned char>& encoded, int headerLen,
                                         size_t most) {
@@ -21,3 +23,5 @@ std::vector<unsigned char> DecodeFrames(CAudioCodec& decoder, const AudioStreamF
   }
   return decodedPcmData;
 }
+
+}  // namespace bench

@@ -5,6 +5,8 @@
 #include "bench/codec/routines.h"
 #include "engine_api/platform/log.h"
 
+namespace bench {
+
 ZUAudioCodec CodecFamily(int codecId) {
   switch (codecId) {
     case 1:
@@ -39,10 +41,12 @@ ZUAudioCodec CodecFamily(int codecId) {
   }
 }
 
+}  // namespace bench
+
 namespace {
 
 CAudioCodec* CodecFor(int codecId, AudioLibraryCodecMode mode) {
-  const ZUAudioCodec family = CodecFamily(codecId);
+  const ZUAudioCodec family = bench::CodecFamily(codecId);
   return family != kAudioCodecUnknown ? CreateAudioCodec(family, mode) : nullptr;
 }
 

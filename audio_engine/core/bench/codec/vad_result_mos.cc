@@ -117,7 +117,7 @@ Bytes Receive(SentSpeech& sent, AudioStreamFormat iAudioFormat, int decoderId) {
     // A segment without an end is none: speech that lasts to the end of the file is not played.
     if (i < starts.size() && i < ends.size() && starts[i] <= f && f < ends[i]) {
       const int frameLen =
-          WholeFrameLength(sent.encodeOut.data(), totalEncodeOutSize, offset, headerLen);
+          bench::WholeFrameLength(sent.encodeOut.data(), totalEncodeOutSize, offset, headerLen);
       if (frameLen == 0 || decoder == nullptr) continue;
       int outLen = sizeof decodeOutBuf;
       decoder->Process(&sent.encodeOut[offset], frameLen, decodeOutBuf, &outLen);

@@ -2,6 +2,8 @@
 
 #include "bench/codec/routines.h"
 
+namespace bench {
+
 int WholeFrameLength(unsigned char* data, size_t size, size_t offset, int len) {
   const size_t headerBytes = len == 7 ? 6 : static_cast<size_t>(len);  // That are looked at.
   if (size < offset || size - offset < headerBytes) return 0;
@@ -10,3 +12,5 @@ int WholeFrameLength(unsigned char* data, size_t size, size_t offset, int len) {
   if (length < 0 || static_cast<size_t>(length) > size - offset - ahead) return 0;
   return length;
 }
+
+}  // namespace bench

@@ -61,7 +61,7 @@ void TestNoizeusEx(int32_t ns, int32_t ms) {
       for (int i = 1; i <= harness::kNoizeusSentences; ++i) {
         StdioFile clean(FormatName("NOIZEUS/in/clean/sp%02d.pcm", i).c_str(), "rb");
         StdioFile processed(ProcessedName(ns, noise, level, i).c_str(), "rb");
-        Align(clean, processed, shift);
+        bench::Align(clean, processed, shift);
         result.Print("%f ", static_cast<double>(Score(ms, i, clean, processed)));
         clean.Close();
         processed.Close();

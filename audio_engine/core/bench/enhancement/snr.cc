@@ -65,9 +65,9 @@ float MeasureSpeechSNR(int no, FILE* cf, FILE* pf) {
   const long pfStartPos = harness::Position(pf);
   int frameAll = 0;
   float result = 0;
-  const bool known = no >= 1 && no <= kNoizeusRows;
+  const bool known = no >= 1 && no <= bench::kNoizeusRows;
   const int32_t* const row = known ? g_speechSegment[no - 1] : nullptr;
-  for (int pair = 0; known && pair < kSegmentPairs && row[2 * pair] >= 0; ++pair) {
+  for (int pair = 0; known && pair < bench::kSegmentPairs && row[2 * pair] >= 0; ++pair) {
     const int segStart = row[2 * pair];
     const int segSample = row[2 * pair + 1];
     const int frameSeg = segSample / SAMPLES_20MS;

@@ -1,6 +1,6 @@
 #include "bench/enhancement/speech_segment.h"
 
-const int32_t g_speechSegment[kNoizeusRows][2 * kSegmentPairs] = {
+const int32_t g_speechSegment[bench::kNoizeusRows][2 * bench::kSegmentPairs] = {
     {1300, 10357, 12000, 2392, 14661, 1839, 16926, 2216, 19465, 2690,
      -1,   -1,    -1,    -1,   -1,    -1,   -1,    -1,   -1,    -1},
     {1313, 5687, 7218, 8782, 16800, 3759, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1},

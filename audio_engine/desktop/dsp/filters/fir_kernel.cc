@@ -20,6 +20,7 @@
 #include "desktop/dsp/filters/fir_kernel.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace desktop {
 namespace HWY_NAMESPACE {
 namespace {
 
@@ -134,14 +135,19 @@ void Convolve(const float* in, size_t length, const float* coefficients, size_t 
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
+}  // namespace desktop
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+
+namespace desktop {
 
 HWY_EXPORT(Convolve);
 
 void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
   HWY_DYNAMIC_DISPATCH(Convolve)(in, length, coefficients, count, out);
 }
+
+}  // namespace desktop
 
 #endif

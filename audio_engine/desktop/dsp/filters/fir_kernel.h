@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace desktop {
+
 // How many floats after the end of the input Convolve may read; their values do not matter.
 inline constexpr size_t kConvolveOverread = 16;
 
@@ -15,3 +17,5 @@ inline constexpr size_t kConvolveOverread = 16;
 // another the last bits may differ, as sums are grouped by vector length and a multiply-add is
 // fused only where there is an instruction for it.
 void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out);
+
+}  // namespace desktop

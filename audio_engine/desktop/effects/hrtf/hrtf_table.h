@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace desktop {
+
 // The measurements of the KEMAR dummy head that the MIT Media Lab published (Gardner and Martin
 // 1994), as write_hrtf_table writes them at build time and mit_hrtf.cc finds them in the program.
 
@@ -23,3 +25,5 @@ struct HrtfTable {
   HrtfResponses<512> at44100;
   HrtfResponses<558> at48000;
 };
+
+}  // namespace desktop

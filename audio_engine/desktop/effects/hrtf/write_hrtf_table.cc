@@ -36,19 +36,19 @@ Measurements Load(const char* file, unsigned rate, unsigned taps) {
                  file, rate, error);
     return nullptr;
   }
-  if (set->M != kHrtfPositions || set->R != 2 || set->N != taps) {
+  if (set->M != desktop::kHrtfPositions || set->R != 2 || set->N != taps) {
     std::fprintf(stderr,
                  "write_hrtf_table: \"%s\" at %u Hz has %u positions, %u ears, %u taps instead of "
                  "%zu, 2, %u\n",
-                 file, rate, set->M, set->R, set->N, kHrtfPositions, taps);
+                 file, rate, set->M, set->R, set->N, desktop::kHrtfPositions, taps);
     return nullptr;
   }
   return set;
 }
 
-void CopyPositions(const MYSOFA_HRTF& set, HrtfTable& table) {
+void CopyPositions(const MYSOFA_HRTF& set, desktop::HrtfTable& table) {
   const float* from = set.SourcePosition.values;
-  for (HrtfTable::Position& position : table.positions) {
+  for (desktop::HrtfTable::Position& position : table.positions) {
     // SOFA counts counter-clockwise.
     position.azimuth = std::fmod(720.0 - static_cast<double>(from[0]), 360.0);
     position.elevation = static_cast<double>(from[1]);
@@ -59,7 +59,8 @@ void CopyPositions(const MYSOFA_HRTF& set, HrtfTable& table) {
 // Fills the responses at `rate`, in 16 bits; a filter of more taps has smaller ones. The positions
 // are the same at every rate. False, with one line on stderr, on failure.
 template <unsigned taps>
-bool Copy(const char* file, unsigned rate, HrtfTable& table, HrtfResponses<taps>& responses) {
+bool Copy(const char* file, unsigned rate, desktop::HrtfTable& table,
+          desktop::HrtfResponses<taps>& responses) {
   const Measurements set = Load(file, rate, taps);
   if (set == nullptr) return false;
 
@@ -84,12 +85,12 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: write_hrtf_table SOFA_FILE TABLE_FILE\n");
     return 2;
   }
-  const auto table = std::make_unique<HrtfTable>();
+  const auto table = std::make_unique<desktop::HrtfTable>();
   if (!Copy(argv[1], kMeasuredRate, *table, table->at44100)) return 1;
   if (!Copy(argv[1], 48000, *table, table->at48000)) return 1;
 
   std::ofstream file(argv[2], std::ios::binary);
-  file.write(reinterpret_cast<const char*>(table.get()), sizeof(HrtfTable));
+  file.write(reinterpret_cast<const char*>(table.get()), sizeof(desktop::HrtfTable));
   file.close();
   if (!file) {
     std::fprintf(stderr, "write_hrtf_table: cannot write \"%s\"\n", argv[2]);
