@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+// One case of a suite: a routine with its words, in a workspace of its own.
+struct SuiteCase {
+  size_t index = 0;     // Its place among the declared ones, counted from 0.
+  std::string id = {};  // Also the name of its folder.
+  std::string routine = {};
+  std::vector<std::string> arguments = {};
+  std::vector<std::pair<std::string, std::string>> inputs = {};  // File of the routine, its source.
+  std::vector<std::string> tags = {};
+  std::string known = {};               // Why it is known to fail; empty when it is not.
+  std::string cluster = {};             // Those that share what they were made of; empty for none.
+  std::vector<std::string> after = {};  // Ids of the cases whose outputs it reads.
+  std::optional<double> timeout = {};   // Seconds; as for a run when not given.
+  std::optional<double> linger = {};    // The same.
+  bool strict = false;                  // A warning is a failure.
+  std::string sameAs = {};              // Id of the case whose outputs it must equal; or empty.
+  std::string skip = {};                // Why it is not to be run; empty when it is.
+  bool counted = true;                  // False when it runs for the outputs that others read.
+  std::string at = {};                  // Where it was declared: "suite.toml:3:1: ", or empty.
+};
+
+}  // namespace host

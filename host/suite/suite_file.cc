@@ -1,0 +1,213 @@
+#include "suite/suite_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "base/usage_error.h"
+#include "suite/matches.h"
+#include "suite/placeholders.h"
+#include "suite/suite_table.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSections[] = {"defaults", "case"};
+// What a case says, and what `defaults` may say for all of them.
+constexpr std::string_view kCaseKeys[] = {
+    "id",    "routine", "arguments", "in",       "each",   "tags",   "known",
+    "after", "cluster", "timeout_s", "linger_s", "strict", "repeat", "same_bytes"};
+constexpr std::string_view kDefaultKeys[] = {"routine", "arguments", "in",       "tags",
+                                             "cluster", "timeout_s", "linger_s", "strict",
+                                             "repeat",  "same_bytes"};
+
+// A table, and another one that speaks where it is silent.
+struct CaseTables {
+  const SuiteTable& own;
+  const SuiteTable* defaults;
+
+  template <typename Reader>
+  auto Get(Reader reader) const {
+    auto value = reader(own);
+    if (!value && defaults != nullptr) value = reader(*defaults);
+    return value;
+  }
+  auto Text(std::string_view key) const {
+    return Get([key](const SuiteTable& table) { return table.Text(key); });
+  }
+  auto Texts(std::string_view key) const {
+    return Get([key](const SuiteTable& table) { return table.Texts(key); });
+  }
+  auto Seconds(std::string_view key) const {
+    return Get([key](const SuiteTable& table) { return table.Seconds(key); });
+  }
+  bool Flag(std::string_view key) const {
+    return Get([key](const SuiteTable& table) { return table.Flag(key); }).value_or(false);
+  }
+};
+
+PlacedText Needed(const std::optional<PlacedText>& text, const CaseTables& tables,
+                  const char* key) {
+  if (text && !text->text.empty()) return *text;
+  throw UsageError{tables.own.at() + "this case is without its " + key};
+}
+
+// Why an id cannot be the name of a folder; empty when it can.
+std::string IdFault(const std::string& id) {
+  constexpr size_t kMost = 200;  // Bytes
+  if (id.empty()) return "an id is empty";
+  if (id.size() > kMost) return "an id is longer than " + std::to_string(kMost) + " bytes: " + id;
+  const bool control = std::any_of(id.begin(), id.end(),
+                                   [](unsigned char byte) { return byte < ' ' || byte == 127; });
+  if (control || id.find('/') != std::string::npos || id.starts_with('.')) {
+    return "the id \"" + id +
+           "\" is no name of a folder: it begins with a dot, or holds / or a "
+           "control character";
+  }
+  return "";
+}
+
+std::string InFolder(const std::string& folder, const std::string& path) {
+  return path.starts_with('/') ? path : (fs::path(folder) / path).string();
+}
+
+// The cases of one table [[case]].
+class Expansion {
+ public:
+  Expansion(const CaseTables& tables, const std::string& folder)
+      : m_folder(folder),
+        m_each(tables.own.AllOf("each")),
+        m_id(Needed(tables.own.Text("id"), tables, "id")),
+        m_routine(Needed(tables.Text("routine"), tables, "routine")),
+        m_known(tables.own.Text("known")),
+        m_cluster(tables.Text("cluster")),
+        m_inputs(tables.Get([](const SuiteTable& table) { return table.TextsByName("in"); })),
+        m_arguments(tables.Texts("arguments")),
+        m_tags(tables.Texts("tags")),
+        m_after(tables.own.Texts("after")),
+        m_timeout(tables.Seconds("timeout_s")),
+        m_linger(tables.Seconds("linger_s")),
+        m_strict(tables.Flag("strict")),
+        m_sameBytes(tables.Flag("same_bytes")),
+        m_repeat(tables.Get([](const SuiteTable& table) { return table.Count("repeat"); })) {}
+
+  // Adds the cases at the end of the list.
+  void AddTo(std::vector<SuiteCase>& cases) const {
+    for (const PlaceholderValues& values : Combinations(m_each, m_folder)) {
+      const SuiteCase one = Case(values);
+      if (!m_repeat) {
+        cases.push_back(one);
+        continue;
+      }
+      for (int i = 1; i <= *m_repeat; ++i) {
+        cases.push_back(one);
+        cases.back().id = one.id + "-" + std::to_string(i);
+        if (m_sameBytes && i > 1) cases.back().sameAs = one.id + "-1";
+      }
+    }
+  }
+
+ private:
+  SuiteCase Case(const PlaceholderValues& values) const {
+    const auto fill = [&](const std::optional<PlacedText>& text) {
+      return text ? FillIn(*text, values) : std::string();
+    };
+    const auto fillAll = [&](const std::optional<std::vector<PlacedText>>& texts) {
+      std::vector<std::string> filled;
+      if (!texts) return filled;
+      for (const PlacedText& text : *texts) filled.push_back(FillIn(text, values));
+      return filled;
+    };
+    SuiteCase one = {.id = fill(m_id), .routine = fill(m_routine)};
+    if (const std::string fault = IdFault(one.id); !fault.empty()) {
+      throw UsageError{m_id.at + fault};
+    }
+    one.arguments = fillAll(m_arguments);
+    for (const auto& [name, file] :
+         m_inputs.value_or(std::vector<std::pair<PlacedText, PlacedText>>{})) {
+      one.inputs.emplace_back(FillIn(name, values), InFolder(m_folder, FillIn(file, values)));
+    }
+    one.tags = fillAll(m_tags);
+    one.known = fill(m_known);
+    one.cluster = fill(m_cluster);
+    one.after = fillAll(m_after);
+    one.timeout = m_timeout;
+    one.linger = m_linger;
+    one.strict = m_strict;
+    one.at = m_id.at;
+    return one;
+  }
+
+  std::string m_folder;
+  std::vector<Each> m_each;
+  PlacedText m_id;
+  PlacedText m_routine;
+  std::optional<PlacedText> m_known;
+  std::optional<PlacedText> m_cluster;
+  std::optional<std::vector<std::pair<PlacedText, PlacedText>>> m_inputs;
+  std::optional<std::vector<PlacedText>> m_arguments;
+  std::optional<std::vector<PlacedText>> m_tags;
+  std::optional<std::vector<PlacedText>> m_after;
+  std::optional<double> m_timeout;
+  std::optional<double> m_linger;
+  bool m_strict;
+  bool m_sameBytes;
+  std::optional<int> m_repeat;
+};
+
+toml::table Parse(const std::string& path) {
+  std::error_code error;
+  if (fs::is_directory(path, error)) throw UsageError{path + " is a folder, not a suite"};
+  if (!fs::exists(path, error)) {
+    throw UsageError{"cannot read " + path + ": " + (error ? error.message() : strerror(ENOENT))};
+  }
+  try {
+    return toml::parse_file(path);
+  } catch (const toml::parse_error& problem) {
+    throw UsageError{PlaceOf(path, problem.source()) + std::string(problem.description())};
+  }
+}
+
+// The tables [[case]] of a suite.
+const toml::array& CaseTablesOf(const toml::table& suite, const std::string& path) {
+  const toml::node* const node = suite.get("case");
+  if (node == nullptr) throw UsageError{path + ":1:1: expected at least one [[case]]"};
+  const toml::array* const cases = node->as_array();
+  if (cases == nullptr || cases->empty() || !cases->is_homogeneous<toml::table>()) {
+    throw UsageError{PlaceOf(path, node->source()) + "expected tables [[case]]"};
+  }
+  return *cases;
+}
+
+}  // namespace
+
+std::vector<SuiteCase> ReadSuite(const std::string& path) {
+  const toml::table suite = Parse(path);
+  const SuiteTable top(suite, path, kSections);
+  const std::string folder =
+      fs::path(path).parent_path().empty() ? "." : fs::path(path).parent_path();
+
+  std::optional<SuiteTable> defaults;
+  if (const toml::node* const node = suite.get("defaults")) {
+    if (!node->is_table()) {
+      throw UsageError{PlaceOf(path, node->source()) + "expected a table [defaults]"};
+    }
+    defaults.emplace(*node->as_table(), path, kDefaultKeys);
+  }
+  std::vector<SuiteCase> cases;
+  for (const toml::node& node : CaseTablesOf(suite, path)) {
+    const SuiteTable own(*node.as_table(), path, kCaseKeys);
+    Expansion({own, defaults ? &*defaults : nullptr}, folder).AddTo(cases);
+  }
+  for (size_t i = 0; i < cases.size(); ++i) cases[i].index = i;
+  return cases;
+}
+
+}  // namespace host
