@@ -37,7 +37,7 @@ size_t Distance(const std::string& a, const std::string& b) {
 
 std::vector<std::string_view> NamesAlike(std::string_view word,
                                          std::span<const std::string_view> names) {
-  constexpr size_t kMost = 3;
+  constexpr size_t kMaxNames = 3;
   const std::string wanted = LowerCase(word);
   if (wanted.empty()) return {};
   const size_t near = std::max<size_t>(1, wanted.size() / 4);
@@ -50,7 +50,7 @@ std::vector<std::string_view> NamesAlike(std::string_view word,
   }
   std::stable_sort(alike.begin(), alike.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
-  if (alike.size() > kMost) alike.resize(kMost);
+  if (alike.size() > kMaxNames) alike.resize(kMaxNames);
   std::vector<std::string_view> found;
   for (const auto& [distance, name] : alike) found.push_back(name);
   return found;

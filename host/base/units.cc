@@ -1,6 +1,7 @@
 #include "base/units.h"
 
 #include <cmath>
+#include <ctime>
 
 #include "harness/format_name.h"
 
@@ -42,6 +43,13 @@ std::string ChannelName(int channel, int of) {
   if (of == 1) return "mono";
   if (of == 2) return channel == 0 ? "left" : "right";
   return "channel " + std::to_string(channel + 1);
+}
+
+std::string TimeOfDay() {
+  const time_t now = time(nullptr);
+  tm parts;
+  char text[32];
+  return std::string(text, strftime(text, sizeof text, "%FT%TZ", gmtime_r(&now, &parts)));
 }
 
 }  // namespace host

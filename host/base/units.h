@@ -17,4 +17,7 @@ std::string Hertz(int rate);                   // "44100 Hz".
 std::string Channels(int channels);            // "mono", "stereo", "4 channels".
 std::string ChannelName(int channel, int of);  // "left" and "right" of two, else "channel 1".
 
+// The time now as ISO 8601 has it, UTC: "2026-03-01T12:00:00Z".
+std::string TimeOfDay();
+
 }  // namespace host

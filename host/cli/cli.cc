@@ -15,6 +15,7 @@
 #include "cli/request.h"
 #include "demo/demo.h"
 #include "report/output.h"
+#include "run/deliver.h"
 #include "run/run.h"
 
 namespace host {

@@ -123,7 +123,7 @@ class CommandLine {
   }
 
   void AddRun() {
-    RunOptions& options = m_request.run;
+    Case& options = m_request.run;
     CLI::App& run = *m_app.add_subcommand("run", "Run one routine in a process of its own");
     run.footer(
         "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"

@@ -6,7 +6,7 @@
 
 #include "base/usage_error.h"
 #include "catalogue/list.h"
-#include "run/run.h"
+#include "run/case.h"
 
 namespace host {
 
@@ -17,7 +17,7 @@ struct Request {
 
   Command command = Command::kPrint;
   std::string text;         // kPrint: help or the version.
-  RunOptions run;           // kRun; of it kDemo uses the workspace.
+  Case run;                 // kRun; of it kDemo uses the workspace.
   ListFilter filter;        // kList
   Form form = Form::kText;  // kList
   std::string routine;      // kDescribe

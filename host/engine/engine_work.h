@@ -24,15 +24,15 @@ struct RefusedFile {
 
 // What an engine says of a routine's run, in memory that processes can share.
 struct EngineFindings {
-  static constexpr size_t kMostRefused = 8;
+  static constexpr size_t kMaxRefused = 8;
 
   std::optional<DeviceGaps> gaps = {};  // Nothing when the engine does not tell.
-  RefusedFile refused[kMostRefused];
+  RefusedFile refused[kMaxRefused];
   size_t refusedCount = 0;
 
   // Adds a file while there is room.
   void Refuse(std::string_view name, std::string_view reason) {
-    if (refusedCount == kMostRefused) return;
+    if (refusedCount == kMaxRefused) return;
     RefusedFile& file = refused[refusedCount++];
     name.copy(file.name, sizeof file.name - 1);
     reason.copy(file.reason, sizeof file.reason - 1);

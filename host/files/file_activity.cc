@@ -18,7 +18,7 @@ void FirstFault::Note(std::string_view name, int error) {
 
 void FileActivity::NoteOpenFault(std::string_view place, int error) {
   const size_t at = openFaultCount++;
-  if (at < kMostOpenFaults) openFaults[at].Set(place, error);
+  if (at < kMaxOpenFaults) openFaults[at].Set(place, error);
 }
 
 }  // namespace host

@@ -30,14 +30,14 @@ class FirstFault {
 };
 
 struct FileActivity {
-  static constexpr size_t kMostOpenFaults = 64;
+  static constexpr size_t kMaxOpenFaults = 64;
 
   std::atomic<uint64_t> opened = 0;  // Files opened so far.
   std::atomic<uint64_t> done = 0;    // Different names of files that have been closed.
   FirstFault writeFault;             // A file that could not be written whole.
   FirstFault readFault;              // A file that could not be read.
   // Files that could not be opened, by their place in the workspace.
-  FileFault openFaults[kMostOpenFaults];
+  FileFault openFaults[kMaxOpenFaults];
   std::atomic<size_t> openFaultCount = 0;  // May be more than there is room for.
 
   void NoteOpenFault(std::string_view place, int error);

@@ -15,7 +15,7 @@ namespace host {
 namespace {
 
 constexpr off_t kBlockBytes = 64 << 10;
-constexpr off_t kMostBlocks = 256;
+constexpr off_t kMaxBlocks = 256;
 
 // Takes eight bytes at a time in, each of which changes all bits that follow. `bytes` is a multiple
 // of eight.
@@ -36,8 +36,8 @@ uint64_t Fingerprint(const std::string& path) {
   struct stat status = {};
   fstat(file, &status);
   const off_t length = status.st_size;
-  const off_t blocks = std::min((length + kBlockBytes - 1) / kBlockBytes, kMostBlocks);
-  const bool whole = length <= kMostBlocks * kBlockBytes;
+  const off_t blocks = std::min((length + kBlockBytes - 1) / kBlockBytes, kMaxBlocks);
+  const bool whole = length <= kMaxBlocks * kBlockBytes;
   uint64_t hash = Mix(1, reinterpret_cast<const unsigned char*>(&length), sizeof length);
   std::vector<unsigned char> block(kBlockBytes);
   for (off_t i = 0; i < blocks; ++i) {

@@ -66,11 +66,11 @@ size_t Ac3FrameBytes(Bytes head) {
 template <size_t kCount>
 bool FramesFollow(Bytes head, size_t (*frameBytes)(Bytes),
                   const unsigned char (&constant)[kCount]) {
-  constexpr int kMostFrames = 4;
+  constexpr int kMaxFrames = 4;
   constexpr size_t kHeaderBytes = 7;
   size_t at = frameBytes(head);
   int frames = at > 0 ? 1 : 0;
-  while (frames > 0 && frames < kMostFrames && at + kHeaderBytes <= head.size()) {
+  while (frames > 0 && frames < kMaxFrames && at + kHeaderBytes <= head.size()) {
     const Bytes next = head.subspan(at);
     const size_t bytes = frameBytes(next);
     if (bytes == 0) return false;

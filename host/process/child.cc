@@ -157,7 +157,7 @@ class Child {
   void TakeFaults(const FileActivity& files) {
     m_outcome.writeFault = ToProblem(files.writeFault.Get());
     m_outcome.readFault = ToProblem(files.readFault.Get());
-    const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMostOpenFaults);
+    const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMaxOpenFaults);
     for (size_t i = 0; i < count; ++i) {
       m_outcome.openFaults.push_back(ToProblem(&files.openFaults[i]));
     }

@@ -18,7 +18,7 @@ namespace host {
 
 namespace {
 
-constexpr double kMostSeconds = 2;  // For what cannot be ended, because it waits for a device.
+constexpr double kMaxSeconds = 2;  // For what cannot be ended, because it waits for a device.
 
 double ToSeconds(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
@@ -76,7 +76,7 @@ class Keeper {
   void EndAll() {
     const double start = Now();
     kill(-m_routine, SIGKILL);  // All that is in its group at once; needs no /proc.
-    while (Reap() && Now() - start < kMostSeconds) {
+    while (Reap() && Now() - start < kMaxSeconds) {
       KillChildren();
       usleep(1000);
     }

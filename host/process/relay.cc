@@ -13,12 +13,12 @@ namespace host {
 
 namespace {
 
-constexpr size_t kMost = 65536;  // Bytes of one read; what a pipe holds.
+constexpr size_t kMaxRead = 65536;  // Bytes of one read; what a pipe holds.
 
 // What one read gives; 0 when there is nothing now. At the end of the pipe it is closed.
 size_t ReadPipe(int& pipe, char* bytes) {
   if (pipe < 0) return 0;
-  const ssize_t got = read(pipe, bytes, kMost);
+  const ssize_t got = read(pipe, bytes, kMaxRead);
   if (got > 0) return static_cast<size_t>(got);
   if (got == 0) {
     close(pipe);
@@ -92,7 +92,7 @@ void Relay::Close(int& descriptor) {
 }
 
 bool Relay::CarryOutput() {
-  char bytes[kMost];
+  char bytes[kMaxRead];
   const size_t count = ReadPipe(m_output.read, bytes);
   m_progress.PrintOutput({bytes, count});
   if (count > 0) m_lastOutput = bytes[count - 1];
@@ -100,7 +100,7 @@ bool Relay::CarryOutput() {
 }
 
 bool Relay::CarryLog() {
-  char bytes[kMost];
+  char bytes[kMaxRead];
   const size_t count = ReadPipe(m_errors.read, bytes);
   m_progress.PrintError({bytes, count});
   WriteLog({bytes, count});

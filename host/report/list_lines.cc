@@ -11,7 +11,7 @@ namespace host {
 
 namespace {
 
-constexpr size_t kMostNames = 5;
+constexpr size_t kMaxNames = 5;
 
 // The cause of a file's worst problem in a few words: "output absent".
 std::string Words(Cause cause) {
@@ -20,11 +20,11 @@ std::string Words(Cause cause) {
   return words;
 }
 
-Cause Worst(const FileReport& file) {
-  return std::max_element(file.problems.begin(), file.problems.end(),
-                          [](const Problem& a, const Problem& b) { return a.cause < b.cause; })
-      ->cause;
-}
+Cause WorstCause(const FileReport& file) { return Worst(file.problems)->cause; }
+
+struct WorseFirst {
+  bool operator()(Cause a, Cause b) const { return IsWorse(a, b); }
+};
 
 bool IsThere(const FileReport& file) {
   const auto missing = [](const Problem& problem) {
@@ -35,12 +35,12 @@ bool IsThere(const FileReport& file) {
 
 // "958 of 960 there, 2 missing input, 1 input too short, 2510.00 s, 40.2 MB"
 std::string Summary(std::span<const FileReport* const> files) {
-  std::map<Cause, size_t, std::greater<>> counts;
+  std::map<Cause, size_t, WorseFirst> counts;
   uint64_t bytes = 0;
   double seconds = 0;
   size_t there = 0;
   for (const FileReport* const file : files) {
-    if (!file->problems.empty()) ++counts[Worst(*file)];
+    if (!file->problems.empty()) ++counts[WorstCause(*file)];
     if (IsThere(*file)) ++there;
     bytes += file->bytes.value_or(0);
     if (file->audio) seconds += file->audio->Seconds();
@@ -58,14 +58,16 @@ std::string NameLines(std::span<const FileReport* const> files) {
   std::vector<const FileReport*> bad;
   std::copy_if(files.begin(), files.end(), std::back_inserter(bad),
                [](const FileReport* file) { return !file->problems.empty(); });
-  std::stable_sort(bad.begin(), bad.end(),
-                   [](const FileReport* a, const FileReport* b) { return Worst(*a) > Worst(*b); });
+  std::stable_sort(bad.begin(), bad.end(), [](const FileReport* a, const FileReport* b) {
+    return IsWorse(WorstCause(*a), WorstCause(*b));
+  });
   std::string lines;
-  for (size_t i = 0; i < std::min(bad.size(), kMostNames); ++i) {
-    lines += "          " + Words(Worst(*bad[i])) + "  " + Printable(bad[i]->place.path) + "\n";
+  for (size_t i = 0; i < std::min(bad.size(), kMaxNames); ++i) {
+    lines +=
+        "          " + Words(WorstCause(*bad[i])) + "  " + Printable(bad[i]->place.path) + "\n";
   }
-  if (bad.size() > kMostNames) {
-    lines += "          and " + std::to_string(bad.size() - kMostNames) + " more\n";
+  if (bad.size() > kMaxNames) {
+    lines += "          and " + std::to_string(bad.size() - kMaxNames) + " more\n";
   }
   return lines;
 }

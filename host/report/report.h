@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/usage_error.h"
 #include "files/audio_figures.h"
 #include "files/audio_layout.h"
 #include "files/wave_copy.h"
@@ -45,6 +46,13 @@ struct FileReport {
   bool figures = true;   // Whether those of its channels were asked for.
 };
 
+// Why a run goes no further, where that is known before its routine has been started.
+struct Stop {
+  Problem problem;
+  // Where the run cannot be done as asked: for stderr, and what becomes of the report.
+  std::optional<UsageError> refusal = {};
+};
+
 struct RunReport {
   std::string started = {};    // When, UTC: "2026-03-01T12:00:00Z".
   std::string workspace = {};  // Empty, like the routine, when the command line was refused.
@@ -59,6 +67,7 @@ struct RunReport {
   std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};
+  std::optional<Stop> stop = {};
 };
 
 // Processing time / audio time, which is that of the longest input; for a run over lists of files,

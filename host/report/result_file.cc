@@ -54,10 +54,10 @@ int TakeStandardOutput() {
 
 // Whether a file is absent, empty or a report, whatever has formatted that.
 bool HoldsNothingElse(const std::string& path) {
-  constexpr size_t kMostBytes = 1 << 20;
+  constexpr size_t kMaxBytes = 1 << 20;
   const int file = OpenRegularDescriptor(path);
   if (file < 0) return errno == ENOENT;
-  std::string text(kMostBytes, '\0');
+  std::string text(kMaxBytes, '\0');
   const ssize_t count = read(file, text.data(), text.size());
   close(file);
   if (count <= 0) return count == 0;

@@ -41,15 +41,15 @@ std::set<std::string_view> SummedUp(const RunReport& report) {
 
 // The problems that neither the first line names nor the lines of a list sum up.
 std::string FurtherProblems(const RunReport& report) {
-  constexpr size_t kMost = 10;
+  constexpr size_t kMaxLines = 10;
   const std::set<std::string_view> summedUp = SummedUp(report);
   std::string lines;
   size_t count = 0;
   for (const Problem& problem : report.judgement.problems) {
     if (&problem == report.judgement.Worst() || summedUp.contains(problem.text)) continue;
-    if (++count <= kMost) lines += "  also    " + Printable(problem.text) + "\n";
+    if (++count <= kMaxLines) lines += "  also    " + Printable(problem.text) + "\n";
   }
-  if (count > kMost) lines += "          and " + std::to_string(count - kMost) + " more\n";
+  if (count > kMaxLines) lines += "          and " + std::to_string(count - kMaxLines) + " more\n";
   return lines;
 }
 

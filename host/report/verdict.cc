@@ -1,6 +1,7 @@
 #include "report/verdict.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "base/exit_code.h"
@@ -32,6 +33,7 @@ struct CauseFacts {
   int exitCode;
 };
 
+// From bad to worse.
 constexpr CauseFacts kCauses[] = {
     {Cause::kInputAsItIs, "input_as_it_is", Verdict::kWarn, exit_code::kPass},
     {Cause::kInputNotWhole, "input_not_whole", Verdict::kWarn, exit_code::kPass},
@@ -63,7 +65,10 @@ constexpr CauseFacts kCauses[] = {
     {Cause::kUnfinished, "unfinished", Verdict::kError, exit_code::kUsage},
 };
 
-const CauseFacts& Facts(Cause cause) { return kCauses[static_cast<size_t>(cause)]; }
+const CauseFacts& Facts(Cause cause) {
+  return *std::find_if(std::begin(kCauses), std::end(kCauses),
+                       [&](const CauseFacts& facts) { return facts.cause == cause; });
+}
 
 }  // namespace
 
@@ -71,12 +76,16 @@ const char* CauseName(Cause cause) { return Facts(cause).name; }
 
 bool IsWarning(Cause cause) { return Facts(cause).verdict == Verdict::kWarn; }
 
-const Problem* Judgement::Worst() const {
-  const auto worst =
-      std::max_element(problems.begin(), problems.end(),
-                       [](const Problem& a, const Problem& b) { return a.cause < b.cause; });
+bool IsWorse(Cause cause, Cause than) { return &Facts(cause) > &Facts(than); }
+
+const Problem* Worst(std::span<const Problem> problems) {
+  const auto worst = std::max_element(
+      problems.begin(), problems.end(),
+      [](const Problem& a, const Problem& b) { return IsWorse(b.cause, a.cause); });
   return worst == problems.end() ? nullptr : &*worst;
 }
+
+const Problem* Judgement::Worst() const { return host::Worst(problems); }
 
 Judgement Judge(std::vector<Problem> problems) {
   Judgement judgement;

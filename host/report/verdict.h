@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,15 +12,14 @@ enum class Verdict { kPass, kWarn, kFail, kError, kSkip };
 
 const char* VerdictName(Verdict verdict);  // "pass", "warn", "fail", "error", "skip"
 
-// What kind of problem keeps a run from plainly passing. The worse of two decides about the
-// verdict; they are listed from bad to worse.
+// What kind of problem keeps a run from plainly passing.
 enum class Cause {
-  kInputAsItIs,  // From here on warn, exit code 0.
+  kInputAsItIs,
   kInputNotWhole,
-  kNotDelivered,   // Error, exit code 2.
-  kNotRunnable,    // Skipped.
-  kLogIncomplete,  // Error, exit code 2.
-  kCopyFailed,     // From here on fail, exit code 1.
+  kNotDelivered,
+  kNotRunnable,
+  kLogIncomplete,
+  kCopyFailed,
   kSamplesNotFinite,
   kOutputNotMeasured,
   kOutputChanged,
@@ -33,19 +33,22 @@ enum class Cause {
   kInputFormat,
   kInputTooShort,
   kArgument,
-  kInputChanged,  // From here on error; of inputs exit code 3.
+  kInputChanged,
   kReadError,
   kUnreadableInput,
   kMissingInput,
-  kTimeout,  // Exit code 4.
+  kTimeout,
   kCrash,
-  kInterrupted,  // Exit code 128 plus the signal.
-  kUsage,        // Not run as asked; exit code 2.
-  kUnfinished    // Not yet known.
+  kInterrupted,
+  kUsage,      // Not run as asked.
+  kUnfinished  // Not yet known.
 };
 
 // The cause as a word for programs: "missing_input".
 const char* CauseName(Cause cause);
+
+// Whether the first is the worse one of the two, which then decides about the verdict.
+bool IsWorse(Cause cause, Cause than);
 
 // Whether a run with nothing worse than this is a `warn`.
 bool IsWarning(Cause cause);
@@ -56,6 +59,9 @@ struct Problem {
   std::string text;  // For readers, one line; names the file.
   int signal = 0;    // Which ended the routine (kCrash) or the run (kInterrupted); 0 for none.
 };
+
+// The worst of some problems, the first of several; null when there is none.
+const Problem* Worst(std::span<const Problem> problems);
 
 // A verdict, its exit code, and why it is no plain pass.
 struct Judgement {

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "run/remedy.h"
 
@@ -41,24 +42,27 @@ bool CouldNotBeWritten(const FileReport& output, const ChildOutcome& outcome) {
 
 }  // namespace
 
-bool LeftNothing(const RunReport& report) {
-  return std::any_of(report.outputs.begin(), report.outputs.end(), [&](const FileReport& output) {
-    return !CouldNotBeWritten(output, *report.outcome) &&
-           std::any_of(output.problems.begin(), output.problems.end(),
-                       [&](const Problem& problem) { return ComesOfNoInput(output, problem); });
-  });
+bool LeftNothing(const RunReport& report, const Problems& problems) {
+  for (size_t i = 0; i < report.outputs.size(); ++i) {
+    const FileReport& output = report.outputs[i];
+    if (CouldNotBeWritten(output, *report.outcome)) continue;
+    const auto comesOfNoInput = [&](const Problem& each) { return ComesOfNoInput(output, each); };
+    const std::vector<Problem>& own = problems.outputs[i];
+    if (std::any_of(own.begin(), own.end(), comesOfNoInput)) return true;
+  }
+  return false;
 }
 
-void JudgeAbsence(RunReport& report) {
-  const bool leftNothing = LeftNothing(report);
-  for (FileReport& input : report.inputs) {
-    const FileUse& use = input.place.use;
-    if (!input.absent || !input.problems.empty()) continue;
-    const bool isCause = leftNothing && !use.dispensable;
-    if (!isCause && !use.needed && !IsNamedByArgument(use)) continue;
-    input.problems.push_back({Cause::kMissingInput, "input " + FileName(input.place) + ": " +
-                                                        strerror(ENOENT) +
-                                                        MissingInputRemedy(input.place)});
+void JudgeAbsence(const RunReport& report, Problems& problems) {
+  const bool leftNothing = LeftNothing(report, problems);
+  for (size_t i = 0; i < report.inputs.size(); ++i) {
+    const FilePlace& place = report.inputs[i].place;
+    if (!report.inputs[i].absent || !problems.inputs[i].empty()) continue;
+    const bool isCause = leftNothing && !place.use.dispensable;
+    if (!isCause && !place.use.needed && !IsNamedByArgument(place.use)) continue;
+    problems.inputs[i].push_back(
+        {Cause::kMissingInput,
+         "input " + FileName(place) + ": " + strerror(ENOENT) + MissingInputRemedy(place)});
   }
 }
 

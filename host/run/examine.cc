@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "files/audio_figures.h"
@@ -20,10 +22,28 @@ struct CloseFile {
   void operator()(FILE* file) const { fclose(file); }
 };
 
-}  // namespace
+class Examiner {
+ public:
+  Examiner(const Plan& plan, Limits& limits) : m_plan(plan), m_limits(limits) {}
 
-Examiner::Examiner(Limits& limits, double seconds, Wishes wishes)
-    : m_limits(limits), m_seconds(seconds), m_wishes(std::move(wishes)) {}
+  // Fills in what is known of an input; `before` is what it was before the run.
+  void LookAtInput(FileReport& input, const FileBefore& before);
+
+  FileReport Output(const FilePlace& place, const OutputBefore& before);
+
+  // What ended the look at the files before all were measured and copied; nothing when nothing did.
+  const std::optional<Problem>& lookEnded() const { return m_lookEnded; }
+
+ private:
+  bool GoOn() const { return m_limits.Check() == Limits::Stop::kNone; }
+  void Look(FileReport& report, bool copy);
+  void Measure(FILE* file, FileReport& report, bool copy);
+  std::string GiveUp(FileReport& report);
+
+  const Plan& m_plan;
+  Limits& m_limits;
+  std::optional<Problem> m_lookEnded;
+};
 
 void Examiner::LookAtInput(FileReport& input, const FileBefore& before) {
   input.absent = !before.WasThere();
@@ -38,7 +58,7 @@ FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) 
   report.state = before.StateNow();
   if (report.state != OutputState::kWritten) return report;
   const FileState written(place.path);
-  Look(report, !m_wishes.copies.empty());
+  Look(report, m_plan.what.wav);
   report.changed = !written.SameContent(FileState(place.path));
   return report;
 }
@@ -54,7 +74,7 @@ void Examiner::Look(FileReport& report, bool copy) {
   report.bytes = static_cast<uint64_t>(state.status()->st_size);
   report.audio = FindAudio(report.place.use, file.get(), *report.bytes);
   if (ferror(file.get()) != 0) report.unreadable = strerror(EIO);
-  report.figures = copy || m_wishes.listFigures || report.place.use.pattern.empty();
+  report.figures = copy || m_plan.what.figures || report.place.use.pattern.empty();
   if (report.audio && report.figures) Measure(file.get(), report, copy);
 }
 
@@ -69,15 +89,34 @@ void Examiner::Measure(FILE* file, FileReport& report, bool copy) {
   }
   if (!copy || report.place.use.container != Container::kHeaderless) return;
   report.copy = WriteWaveCopy(file, *report.audio, Peak(*report.channels),
-                              {m_wishes.copies, report.place.place + ".wav"}, goOn);
+                              {m_plan.what.work, report.place.place + ".wav"}, goOn);
   if (report.copy->problem == kStopped) report.copy->problem = GiveUp(report);
 }
 
 // Notes what ended the look at the files, and says it in words.
 std::string Examiner::GiveUp(FileReport& report) {
   report.givenUp = true;
-  m_lookEnded = Stopped(m_limits, m_seconds, "measuring its files");
+  m_lookEnded = Stopped(m_limits, m_plan.timeout, "measuring its files");
   return m_limits.interruption() != 0 ? "the run was interrupted" : "the time was up";
+}
+
+}  // namespace
+
+RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
+  RunReport report = ReportOf(plan, executed.checked);
+  report.stop = executed.stop;
+  report.outcome = std::move(executed.outcome);
+  if (!report.outcome) return report;
+
+  Examiner examiner(plan, limits);
+  for (size_t i = 0; i < report.inputs.size(); ++i) {
+    examiner.LookAtInput(report.inputs[i], executed.inputsBefore[i]);
+  }
+  for (size_t i = 0; i < plan.outputs.size(); ++i) {
+    report.outputs.push_back(examiner.Output(plan.outputs[i], executed.outputsBefore[i]));
+  }
+  report.lookEnded = examiner.lookEnded();
+  return report;
 }
 
 }  // namespace host

@@ -4,14 +4,11 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "base/usage_error.h"
 #include "engine/engine_work.h"
-#include "files/file_before.h"
-#include "process/child.h"
 #include "process/progress.h"
-#include "run/examine.h"
-#include "run/judge.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -39,54 +36,48 @@ class Log {
 
 // Runs the routine; stops one that never returns when its time is up, and gives as much time anew
 // for what follows.
-ChildOutcome RunRoutineOfRow(const CatalogueRow& row, const RunOptions& options,
-                             const ArgumentList& words, double timeout, FILE* log, Limits& limits,
-                             Progress& progress) {
-  const double seconds = row.runsOn > 0 ? options.linger.value_or(row.runsOn) : kBackgroundSeconds;
+ChildOutcome RunRoutine(const Plan& plan, FILE* log, Limits& limits, Progress& progress) {
+  const CatalogueRow& row = *plan.row;
+  const ArgumentList words = plan.Words();
+  const double seconds =
+      row.runsOn > 0 ? plan.what.linger.value_or(row.runsOn) : kBackgroundSeconds;
   const std::chrono::milliseconds background(std::llround(seconds * 1000));
   const ChildWork work = {
       .routine = [&] { harness::Run(row, words); },
       .afterwards = [&] { return FinishEngineWork(background, row.runsOn > 0); }};
-  ChildOutcome outcome = RunInChild(work, options.work, limits, log, progress);
+  ChildOutcome outcome = RunInChild(work, plan.what.work, limits, log, progress);
   // One that stood still, or whose end was not seen, did not go on for all of its time.
   const bool wentOn = outcome.stopSignal == 0 && outcome.cpu;
   if (row.neverReturns && wentOn && outcome.end == ChildOutcome::End::kTimedOut) {
     outcome.end = ChildOutcome::End::kStopped;
-    limits.Restart(timeout);
+    limits.Restart(plan.timeout);
   }
   return outcome;
 }
 
+void LookAndRun(const Plan& plan, Limits& limits, Executed& executed) {
+  const Log log(plan.Log());
+  for (const FileReport& input : executed.checked.inputs) {
+    EndAtLimits(limits, plan.timeout, "reading its inputs");
+    executed.inputsBefore.emplace_back(input.place.path);
+  }
+  for (const FilePlace& output : plan.outputs) {
+    EndAtLimits(limits, plan.timeout, "reading its earlier outputs");
+    executed.outputsBefore.emplace_back(output);
+  }
+  Progress progress(plan.what.routine, executed.checked.inputs.size() + plan.outputs.size());
+  executed.outcome = RunRoutine(plan, log.file(), limits, progress);
+}
+
 }  // namespace
 
-void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const ArgumentList& words,
-                   const Files& files, Limits& limits, RunReport& report) {
-  const Log log(files.log);
-  std::vector<FileBefore> inputsBefore;
-  for (const FilePlace& input : files.inputs) {
-    EndAtLimits(limits, report.timeout, "reading its inputs");
-    inputsBefore.emplace_back(input.path);
+Executed Execute(const Plan& plan, Checked checked, Limits& limits) {
+  Executed executed = {.checked = std::move(checked)};
+  executed.stop = executed.checked.stop;
+  if (executed.checked.ready) {
+    StopWhereFailing(executed.stop, [&] { LookAndRun(plan, limits, executed); });
   }
-  std::vector<OutputBefore> outputsBefore;
-  for (const FilePlace& output : files.outputs) {
-    EndAtLimits(limits, report.timeout, "reading its earlier outputs");
-    outputsBefore.emplace_back(output);
-  }
-
-  Progress progress(report.routine, files.inputs.size() + files.outputs.size());
-  report.outcome =
-      RunRoutineOfRow(row, options, words, report.timeout, log.file(), limits, progress);
-
-  Examiner examiner(limits, report.timeout,
-                    {.copies = options.wav ? options.work : "", .listFigures = options.figures});
-  for (size_t i = 0; i < files.inputs.size(); ++i) {
-    examiner.LookAtInput(report.inputs[i], inputsBefore[i]);
-  }
-  for (size_t i = 0; i < files.outputs.size(); ++i) {
-    report.outputs.push_back(examiner.Output(files.outputs[i], outputsBefore[i]));
-  }
-  report.lookEnded = examiner.lookEnded();
-  report.judgement = Judge(RunProblems(report, report.timeout));
+  return executed;
 }
 
 }  // namespace host

@@ -1,29 +1,28 @@
 #pragma once
 
-#include <string_view>
+#include <optional>
 #include <vector>
 
-#include "files/beneath.h"
+#include "files/file_before.h"
 #include "files/workspace.h"
+#include "process/child.h"
 #include "process/limits.h"
-#include "report/report.h"
-#include "run/run.h"
+#include "run/check.h"
+#include "run/plan.h"
 
 namespace host {
 
-using ArgumentList = std::vector<std::string_view>;
-
-// The files of a run.
-struct Files {
-  std::vector<FilePlace> inputs;
-  std::vector<FilePlace> outputs;
-  WorkFile log;
+// The fourth step: the routine has been run.
+struct Executed {
+  Checked checked;
+  std::vector<FileBefore> inputsBefore = {};
+  std::vector<OutputBefore> outputsBefore = {};
+  std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
+  std::optional<Stop> stop = {};
 };
 
-// Runs the routine in a process of its own, looks at what it has left and judges it; the report
-// knows the inputs and the time limit. Throws UsageError when the log cannot be written, Ended when
-// the limits are reached before the routine starts.
-void RunAndExamine(const CatalogueRow& row, const RunOptions& options, const ArgumentList& words,
-                   const Files& files, Limits& limits, RunReport& report);
+// Runs the routine in a process of its own, where it can be run. A log that cannot be written and
+// limits that are reached before the routine starts stop the run.
+Executed Execute(const Plan& plan, Checked checked, Limits& limits);
 
 }  // namespace host

@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-constexpr size_t kMostListBytes = 4'000'000;  // Some ten thousand entries are the most in use.
+constexpr size_t kMaxListBytes = 4'000'000;  // Some ten thousand entries are the most in use.
 
 }  // namespace
 
@@ -33,7 +33,7 @@ ListedInputs ReadListedInputs(const CatalogueRow& row, std::span<const std::stri
     goOn();
     return true;
   };
-  const TextRead read = ReadText(list.path, kMostListBytes, tell);
+  const TextRead read = ReadText(list.path, kMaxListBytes, tell);
   if (!read.fault.empty()) {
     return {.problem =
                 Problem{Cause::kUnreadableInput, "input " + FileName(list) + ": " + read.fault}};

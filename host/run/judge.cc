@@ -1,5 +1,6 @@
 #include "run/judge.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -8,8 +9,8 @@
 #include "catalogue/catalogue_text.h"
 #include "files/beneath.h"
 #include "run/absence.h"
+#include "run/concerns.h"
 #include "run/remedy.h"
-#include "run/wave_input.h"
 
 namespace host {
 
@@ -102,16 +103,21 @@ void AddContentProblems(const FileReport& output, std::vector<Problem>& problems
   }
 }
 
+// Whether that was known before the run.
+bool CouldNotBeRead(const FileReport& input) {
+  return std::any_of(input.problems.begin(), input.problems.end(), [](const Problem& problem) {
+    return problem.cause == Cause::kMissingInput || problem.cause == Cause::kUnreadableInput;
+  });
+}
+
 // What became of an input during the run.
-std::optional<Problem> InputProblemAfter(const FileReport& input, const RunReport& report) {
+std::optional<Problem> InputProblemAfter(const FileReport& input, const ChildOutcome& outcome) {
   const std::string name = "input " + FileName(input.place);
-  const std::string fault = OpenFault(input.place, *report.outcome);
+  const std::string fault = OpenFault(input.place, outcome);
   if (input.changed) return Problem{Cause::kInputChanged, name + " changed during the run"};
-  if (!input.problems.empty() && input.problems[0].cause >= Cause::kReadError) {
-    return std::nullopt;  // Nothing new.
-  }
+  if (CouldNotBeRead(input)) return std::nullopt;  // Nothing new.
   if (!fault.empty()) return Problem{Cause::kReadError, name + " could not be opened: " + fault};
-  if (const std::string refusal = Refusal(input.place, *report.outcome);
+  if (const std::string refusal = Refusal(input.place, outcome);
       !refusal.empty() && !input.absent) {
     return Problem{Cause::kInputFormat, name + " could not be opened by the engine: " + refusal +
                                             "; it takes " + FileFormat(input.place.use)};
@@ -124,12 +130,13 @@ std::optional<Problem> InputProblemAfter(const FileReport& input, const RunRepor
   return Problem{Cause::kReadError, name + " could not be read: " + reason};
 }
 
-void JudgeOutput(const RunReport& report, FileReport& output) {
-  if (const auto problem = NotWritten(output, *report.outcome)) {
-    output.problems.push_back(*problem);
+void JudgeOutput(const FileReport& output, const ChildOutcome& outcome,
+                 std::vector<Problem>& problems) {
+  if (const auto problem = NotWritten(output, outcome)) {
+    problems.push_back(*problem);
   } else {
-    AddLookProblems(output, output.problems);
-    AddContentProblems(output, output.problems);
+    AddLookProblems(output, problems);
+    AddContentProblems(output, problems);
   }
 }
 
@@ -179,35 +186,43 @@ std::vector<Problem> OutcomeProblems(const ChildOutcome& outcome, double timeout
   return problems;
 }
 
-std::vector<Problem> FileProblems(const RunReport& report) {
-  std::vector<Problem> problems;
-  for (const std::vector<FileReport>* files : {&report.inputs, &report.outputs}) {
-    for (const FileReport& file : *files) {
-      problems.insert(problems.end(), file.problems.begin(), file.problems.end());
+Problems RunProblems(const RunReport& report, double timeout) {
+  const ChildOutcome& outcome = *report.outcome;
+  Problems problems = KnownProblems(report);
+  problems.run = OutcomeProblems(outcome, timeout);
+  for (size_t i = 0; i < report.inputs.size(); ++i) {
+    if (auto problem = InputProblemAfter(report.inputs[i], outcome)) {
+      problems.inputs[i].push_back(*problem);
     }
   }
-  return problems;
-}
-
-std::vector<Problem> RunProblems(RunReport& report, double timeout) {
-  const ChildOutcome& outcome = *report.outcome;
-  for (FileReport& input : report.inputs) {
-    if (auto problem = InputProblemAfter(input, report)) input.problems.push_back(*problem);
-  }
-  std::vector<Problem> problems = OutcomeProblems(outcome, timeout);
   using End = ChildOutcome::End;
   if (outcome.end == End::kReturned || outcome.end == End::kStopped) {
-    if (report.lookEnded) problems.push_back(*report.lookEnded);
-    for (FileReport& output : report.outputs) JudgeOutput(report, output);
-    JudgeAbsence(report);
-    if (!report.fruitless.empty() && LeftNothing(report)) {
-      problems.push_back({Cause::kArgument, report.fruitless});
+    if (report.lookEnded) problems.run.push_back(*report.lookEnded);
+    for (size_t i = 0; i < report.outputs.size(); ++i) {
+      JudgeOutput(report.outputs[i], outcome, problems.outputs[i]);
+    }
+    JudgeAbsence(report, problems);
+    if (!report.fruitless.empty() && LeftNothing(report, problems)) {
+      problems.run.push_back({Cause::kArgument, report.fruitless});
     }
   }
   JudgeConcerns(report, problems);
-  const std::vector<Problem> more = FileProblems(report);
-  problems.insert(problems.end(), more.begin(), more.end());
   return problems;
+}
+
+RunReport Judged(RunReport report) {
+  if (report.stop) {
+    report.judgement = Judge({report.stop->problem});
+    return report;
+  }
+  const Problems problems =
+      report.outcome ? RunProblems(report, report.timeout) : KnownProblems(report);
+  report.judgement = Judge(problems.All());
+  for (size_t i = 0; i < report.inputs.size(); ++i) report.inputs[i].problems = problems.inputs[i];
+  for (size_t i = 0; i < report.outputs.size(); ++i) {
+    report.outputs[i].problems = problems.outputs[i];
+  }
+  return report;
 }
 
 }  // namespace host

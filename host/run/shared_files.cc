@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/usage_error.h"
+#include "files/beneath.h"
 
 namespace host {
 
@@ -25,17 +26,17 @@ struct Role {
   bool report = false;
 };
 
-std::vector<Role> Roles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
-                        const WorkFile& log, const RunOptions& options) {
+std::vector<Role> Roles(std::span<const FilePlace> inputs, const Plan& plan) {
   std::vector<Role> roles;
-  if (!options.json.empty() && options.json != "-") {
-    roles.push_back({.name = "the report", .path = options.json, .report = true});
+  const std::string& report = plan.what.json;
+  if (!report.empty() && report != "-") {
+    roles.push_back({.name = "the report", .path = report, .report = true});
   }
-  roles.push_back({.name = "the log", .path = log.Path()});
-  for (const FilePlace& output : outputs) {
+  roles.push_back({.name = "the log", .path = plan.Log().Path()});
+  for (const FilePlace& output : plan.outputs) {
     if (output.path.empty()) continue;
     roles.push_back({.name = "output " + output.name, .path = output.path});
-    if (options.wav && output.use.container == Container::kHeaderless) {
+    if (plan.what.wav && output.use.container == Container::kHeaderless) {
       roles.push_back({.name = "the copy of output " + output.name, .path = output.path + ".wav"});
     }
   }
@@ -62,10 +63,9 @@ std::vector<std::string> Identities(const std::string& path) {
 
 }  // namespace
 
-void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
-                       const WorkFile& log, const RunOptions& options,
+void RefuseSharedFiles(std::span<const FilePlace> inputs, const Plan& plan,
                        const std::function<void()>& goOn) {
-  const std::vector<Role> roles = Roles(inputs, outputs, log, options);
+  const std::vector<Role> roles = Roles(inputs, plan);
   std::map<std::string, const Role*> owners;
   for (const Role& role : roles) {
     goOn();

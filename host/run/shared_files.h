@@ -4,19 +4,17 @@
 #include <span>
 #include <string>
 
-#include "files/beneath.h"
 #include "files/workspace.h"
-#include "run/run.h"
+#include "run/plan.h"
 
 namespace host {
 
 // Both throw UsageError, before anything is written.
 
-// Refuses a run in which a file that is written (an output, a copy, the log, the report) is at the
-// same time another one of its files, by its name or by links. Calls `goOn` again and again, which
-// may throw.
-void RefuseSharedFiles(std::span<const FilePlace> inputs, std::span<const FilePlace> outputs,
-                       const WorkFile& log, const RunOptions& options,
+// Refuses a run with these inputs in which a file that is written (an output, a copy, the log, the
+// report) is at the same time another one of its files, by its name or by links. Calls `goOn` again
+// and again, which may throw.
+void RefuseSharedFiles(std::span<const FilePlace> inputs, const Plan& plan,
                        const std::function<void()>& goOn);
 
 // Refuses outputs in whose place something else than a file is, a file that has another name as

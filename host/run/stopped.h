@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "process/limits.h"
-#include "report/verdict.h"
+#include "report/report.h"
 
 namespace host {
 
@@ -18,5 +20,11 @@ struct Ended {
 
 // Throws Ended when the limits are reached.
 void EndAtLimits(Limits& limits, double seconds, const std::string& during);
+
+// The stop of a run that cannot be done as asked.
+Stop Refuse(const UsageError& error);
+
+// Does a part of a step, unless the run has been stopped before. What the part throws stops it.
+void StopWhereFailing(std::optional<Stop>& stop, const std::function<void()>& part);
 
 }  // namespace host

@@ -159,63 +159,6 @@ void AddFormatWarning(const AudioLayout& audio, std::span<FileReport> inputs, Fi
   AddOtherFormat(audio, wanted, FormatOf(*otherAudio) + ", as in " + other->place.name, input);
 }
 
-bool HasContent(const FileReport& output) {
-  if (output.place.use.mayBeEmpty) return true;
-  return output.state == OutputState::kWritten && (!output.audio || output.audio->bytes > 0);
-}
-
-bool CameToItsEnd(const RunReport& report) {
-  const ChildOutcome::End end = report.outcome->end;
-  return end == ChildOutcome::End::kReturned || end == ChildOutcome::End::kStopped;
-}
-
-std::vector<Problem>::iterator FindCrash(std::vector<Problem>& problems) {
-  return std::find_if(problems.begin(), problems.end(),
-                      [](const Problem& problem) { return problem.cause == Cause::kCrash; });
-}
-
-// Whether the routine has ended its process because of the concern.
-void JudgeAbort(const Concern& concern, FileReport& input, std::vector<Problem>& problems) {
-  const auto crash = FindCrash(problems);
-  if (crash == problems.end()) {
-    input.problems.push_back({Cause::kInputAsItIs, concern.text});
-  } else {
-    crash->text += "; " + concern.text;
-  }
-}
-
-// A routine that ends its process because a file is no mono WAVE does so without content too: then
-// that is what is wrong.
-void JudgeEmpty(FileReport& input, std::vector<Problem>& problems) {
-  if (input.place.use.otherFormat != OtherFormat::kAborts || input.bytes != 0) return;
-  const auto crash = FindCrash(problems);
-  const auto empty =
-      std::find_if(input.problems.begin(), input.problems.end(),
-                   [](const Problem& problem) { return problem.cause == Cause::kInputTooShort; });
-  if (crash == problems.end() || empty == input.problems.end()) return;
-  empty->text += "; the routine was " + crash->text;
-  problems.erase(crash);
-}
-
-void JudgeNoOutput(const Concern& concern, const RunReport& report, FileReport& input) {
-  const bool all = std::all_of(report.outputs.begin(), report.outputs.end(), HasContent);
-  input.problems.push_back(
-      {all || !CameToItsEnd(report) ? Cause::kInputAsItIs : Cause::kInputFormat, concern.text});
-}
-
-// The input is to blame for outputs that it made no WAVE, not they.
-void JudgeHeader(const Concern& concern, RunReport& report, FileReport& input) {
-  Cause cause = Cause::kInputAsItIs;
-  for (FileReport& output : report.outputs) {
-    const bool written = output.state == OutputState::kWritten && CameToItsEnd(report);
-    if (!output.place.use.foreignHeader || !written || output.audio) continue;
-    cause = Cause::kInputFormat;
-    std::erase_if(output.problems,
-                  [](const Problem& problem) { return problem.cause == Cause::kOutputFormat; });
-  }
-  input.problems.push_back({cause, concern.text});
-}
-
 }  // namespace
 
 std::optional<Problem> WaveProblem(const FilePlace& input, FILE* file, uint64_t bytes) {
@@ -263,25 +206,6 @@ void AddFormatWarnings(std::span<FileReport> inputs) {
     if (input.place.use.container != Container::kWave) continue;
     AddHeaderWarning(wave.file.get(), *wave.audio, input);
     AddFormatWarning(*wave.audio, inputs, input);
-  }
-}
-
-void JudgeConcerns(RunReport& report, std::vector<Problem>& problems) {
-  for (FileReport& input : report.inputs) {
-    JudgeEmpty(input, problems);
-    for (const Concern& concern : input.concerns) {
-      switch (concern.kind) {
-        case Concern::Kind::kAborts:
-          JudgeAbort(concern, input, problems);
-          break;
-        case Concern::Kind::kNoOutput:
-          JudgeNoOutput(concern, report, input);
-          break;
-        case Concern::Kind::kHeader:
-          JudgeHeader(concern, report, input);
-          break;
-      }
-    }
   }
 }
 

@@ -21,8 +21,4 @@ std::optional<Problem> WaveProblem(const FilePlace& input, FILE* file, uint64_t 
 // an input, that is a concern.
 void AddFormatWarnings(std::span<FileReport> inputs);
 
-// After the run: makes problems of the concerns, by what became of them. A crash in `problems` is
-// told with the input that is its reason.
-void JudgeConcerns(RunReport& report, std::vector<Problem>& problems);
-
 }  // namespace host

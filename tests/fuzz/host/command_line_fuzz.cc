@@ -22,7 +22,7 @@ Words Lines(const std::string& input) {
 }
 
 // What holds for every run that can be asked for.
-void CheckRun(const host::RunOptions& run, const Words& words) {
+void CheckRun(const host::Case& run, const Words& words) {
   REQUIRE(!run.work.empty());
   REQUIRE(!run.timeout || (*run.timeout > 0 && *run.timeout <= 1e6));
   REQUIRE(!run.linger || (*run.linger > 0 && *run.linger <= 1e6));
@@ -39,7 +39,7 @@ void CheckLiteral(const Words& words) {
   REQUIRE(request.command == host::Request::Command::kRun && request.run.wait);
   Words read = {request.run.routine};
   read.insert(read.end(), request.run.arguments.begin(), request.run.arguments.end());
-  REQUIRE(read == (words.empty() ? Words{host::RunOptions().routine} : words));
+  REQUIRE(read == (words.empty() ? Words{host::Case().routine} : words));
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ const Expected kExpected[] = {{Cause::kInputAsItIs, "input_as_it_is", "warn", 0}
                               {Cause::kWriteError, "write_error", "fail", 1},
                               {Cause::kInputFormat, "input_format", "fail", 1},
                               {Cause::kInputTooShort, "input_too_short", "fail", 1},
+                              {Cause::kArgument, "argument", "fail", 1},
                               {Cause::kInputChanged, "input_changed", "error", 3},
                               {Cause::kReadError, "read_error", "error", 3},
                               {Cause::kUnreadableInput, "unreadable_input", "error", 3},

@@ -139,7 +139,7 @@ RunReport WithOutput(Container container) {
   return report;
 }
 
-Judgement JudgeRun(RunReport report) { return Judge(RunProblems(report, 1)); }
+Judgement JudgeRun(const RunReport& report) { return Judge(RunProblems(report, 1).All()); }
 
 std::string Reason(const RunReport& report) { return JudgeRun(report).reason; }
 
@@ -226,6 +226,26 @@ TEST_F(JudgeTest, CallsInputsThatChangedOrFailedAnError) {
   input.changed = true;
   EXPECT_EQ(Reason(report), "input /in (work/in) changed during the run");
   EXPECT_EQ(JudgeRun(report).exitCode, 3);
+}
+
+TEST_F(JudgeTest, ToldOnceThatAnInputCouldNotBeReadWhateverElseIsWrongWithIt) {
+  RunReport report = WithOutput(Container::kOther);
+  report.inputs.emplace_back();
+  report.inputs[0].place = Place("/in");
+  report.inputs[0].place.place = "in";
+  report.outcome->openFaults = {{EACCES, "in"}};
+  report.inputs[0].problems = {{Cause::kInputNotWhole, "cut"}};
+  EXPECT_EQ(JudgeRun(report).problems.size(), 2u);
+  report.inputs[0].problems.push_back({Cause::kUnreadableInput, "no rights"});
+  EXPECT_EQ(Reason(report), "no rights, and 1 more problem");
+}
+
+TEST_F(JudgeTest, LeavesTheReportAsItIsUntilTheJudgementIsFilledIn) {
+  RunReport report = WithOutput(Container::kWave);
+  EXPECT_EQ(RunProblems(report, 1).outputs[0].size(), 1u);
+  EXPECT_TRUE(report.outputs[0].problems.empty());
+  EXPECT_EQ(RunProblems(report, 1).All().size(), 1u) << "judged twice, told once";
+  EXPECT_EQ(Judged(report).outputs[0].problems.size(), 1u);
 }
 
 TEST_F(JudgeTest, SaysHowToConvertAFileThatIsNotHeaderless) {

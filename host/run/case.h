@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// One routine to run, and all that decides about its run.
+struct Case {
+  std::string routine = "RunTestCase";
+  std::vector<std::string> arguments = {};
+  std::string work = "bench_work";
+  // Seconds; when not given, that of the routine: ten when it never returns, ten minutes else.
+  std::optional<double> timeout = {};
+  // Seconds that what the routine started may run on; when not given, as its row says.
+  std::optional<double> linger = {};
+  std::string json = {};  // Where the report goes as JSON; empty for nowhere.
+  bool wait = false;      // For the end of another run in the workspace.
+  bool wav = false;       // Also write WAVE copies of headerless audio outputs.
+  bool figures = false;   // Also measure the files of lists.
+};
+
+}  // namespace host

@@ -1,0 +1,67 @@
+#include "run/plan.h"
+
+#include "base/units.h"
+#include "base/usage_error.h"
+#include "catalogue/catalogue_text.h"
+#include "run/inputs.h"
+#include "run/shared_files.h"
+#include "run/stopped.h"
+
+namespace host {
+
+namespace {
+
+constexpr double kMaxSecondsOfNeverReturning = 10;
+
+// Why a routine is not one to run; empty when it is.
+std::string SkipReason(const CatalogueRow& row) {
+  if (row.helper) return "a helper: routines call it, it does not run by itself";
+  if (!row.declared.built) return "not built yet";
+  if (!row.calledBy.empty()) return Availability(row) + ", it does not run by itself";
+  return "";
+}
+
+void FillIn(Plan& plan) {
+  plan.row = &FindRow(plan.what.routine);
+  const CatalogueRow& row = *plan.row;
+  const ArgumentList words = plan.Words();
+  if (!plan.what.timeout && row.neverReturns) plan.timeout = kMaxSecondsOfNeverReturning;
+  if (const std::string skip = SkipReason(row); !skip.empty()) {
+    plan.stop = Stop{{Cause::kNotRunnable, skip}};
+    return;
+  }
+  if (const std::string fault = harness::ArgumentFault(row, words); !fault.empty()) {
+    throw UsageError{plan.what.routine + " " + fault + ": " + Declaration(row)};
+  }
+  if (const std::string lacking = harness::Lacking(row, words); !lacking.empty()) {
+    plan.stop = Stop{{Cause::kNotRunnable, lacking}};
+    return;
+  }
+  plan.inputs = DeclaredInputs(row, words, plan.what.work);
+  plan.outputs = PlaceFiles(harness::Outputs(row, words), row.declared.words.parameters, words,
+                            plan.what.work);
+  RefuseSharedFiles(plan.inputs, plan, [] {});
+  plan.fruitless = harness::Fruitless(row, words);
+}
+
+}  // namespace
+
+ArgumentList Plan::Words() const { return {what.arguments.begin(), what.arguments.end()}; }
+
+Plan MakePlan(const Case& what) {
+  Plan plan = {.what = what, .started = TimeOfDay(), .timeout = what.timeout.value_or(kMaxSeconds)};
+  StopWhereFailing(plan.stop, [&] { FillIn(plan); });
+  return plan;
+}
+
+RunReport ReportOf(const Plan& plan) {
+  return {.started = plan.started,
+          .workspace = plan.what.work,
+          .timeout = plan.timeout,
+          .routine = plan.what.routine,
+          .arguments = plan.what.arguments,
+          .fruitless = plan.fruitless,
+          .stop = plan.stop};
+}
+
+}  // namespace host

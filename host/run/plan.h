@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "files/beneath.h"
+#include "files/workspace.h"
+#include "report/report.h"
+#include "run/case.h"
+
+namespace host {
+
+// Seconds that a run may take when neither its case nor its row says.
+inline constexpr double kMaxSeconds = 600;
+
+using ArgumentList = std::vector<std::string_view>;
+
+// The first step of a run: what follows from the case alone.
+struct Plan {
+  Case what;
+  std::string started;                // When, UTC: "2026-03-01T12:00:00Z".
+  const CatalogueRow* row = nullptr;  // Null only where there is no such routine.
+  double timeout = kMaxSeconds;
+  std::vector<FilePlace> inputs = {};  // Those that the row declares.
+  std::vector<FilePlace> outputs = {};
+  std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
+  std::optional<Stop> stop = {};
+
+  // The arguments, which are those of the case.
+  ArgumentList Words() const;
+
+  WorkFile Log() const { return {what.work, "logs/" + what.routine + ".log"}; }
+};
+
+// Reads and writes nothing. A routine that cannot be run by itself, arguments that do not fit it,
+// and files that would be written and used at the same time stop the run.
+Plan MakePlan(const Case& what);
+
+// What the report says before the step that follows the plan.
+RunReport ReportOf(const Plan& plan);
+
+}  // namespace host
