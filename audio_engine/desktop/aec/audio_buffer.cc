@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "desktop/aec/parts/band_split.h"
+#include "desktop/common/counts.h"
 #include "desktop/dsp/rate/resampler.h"
 #include "engine_api/common/channel_buffer.h"
 
@@ -13,7 +14,8 @@ namespace {
 
 int BandsOf(int frames) { return frames == 320 ? 2 : frames == 480 ? 3 : 1; }
 
-uint32_t Unsigned(int value) { return static_cast<uint32_t>(std::max(0, value)); }
+using desktop::Size;
+using desktop::Unsigned;
 
 }  // namespace
 
@@ -28,30 +30,32 @@ struct AudioBuffer::Bands {
            Unsigned(inFrames)),
         out(Unsigned(frames), Unsigned(channels), Unsigned(outFrames), Unsigned(channels),
             Unsigned(frames)),
-        interleaved(std::max({Unsigned(inFrames) * Unsigned(inChannels),
-                              in.MostFramesFor(Unsigned(inFrames)) * Unsigned(channels),
-                              out.MostFramesFor(Unsigned(frames)) * Unsigned(channels)})) {
+        interleaved(std::max({Size(inFrames) * Size(inChannels),
+                              in.MaxFramesFor(Size(inFrames)) * Size(channels),
+                              out.MaxFramesFor(Size(frames)) * Size(channels)})) {
     for (int channel = 0; split.num_bands_ > 1 && channel < channels; ++channel) {
       filters.emplace_back(split.num_bands_, frames);
     }
   }
 
   int16_t* const* BandsOfChannel(int channel) const {
-    return split.num_bands_ == 1
-               ? &whole.channels_[static_cast<size_t>(channel)]
-               : &split
-                      .bands_[static_cast<size_t>(channel) * static_cast<size_t>(split.num_bands_)];
+    return split.num_bands_ == 1 ? &whole.channels_[Size(channel)]
+                                 : &split.bands_[Size(channel) * Size(split.num_bands_)];
   }
 
   const int inFrames;
   const int inChannels;
   const int outFrames;
   ChannelBuffer<int16_t> whole;
-  ChannelBuffer<int16_t> split;  // Not used where the whole band is the only one.
+
+  // Not used where the whole band is the only one.
+  ChannelBuffer<int16_t> split;
   desktop::Resampler in;
   desktop::Resampler out;
   std::vector<int16_t> interleaved;
-  std::vector<desktop::BandSplit> filters;  // By channel.
+
+  // One for each channel.
+  std::vector<desktop::BandSplit> filters;
 };
 
 AudioBuffer::AudioBuffer(int input_num_frames, int num_input_channels, int process_num_frames,
@@ -65,14 +69,14 @@ void AudioBuffer::DeinterleaveFrom(AudioFrame* frame) {
   Bands& bands = *m_bands;
   const int wanted = std::min(bands.inFrames * bands.inChannels, AudioFrame::kMaxDataSizeSamples);
   std::copy(frame->data_, frame->data_ + wanted, bands.interleaved.begin());
-  bands.in.Convert(bands.interleaved.data(), Unsigned(bands.inFrames), bands.interleaved.data());
+  bands.in.Convert(bands.interleaved.data(), Size(bands.inFrames), bands.interleaved.data());
 
   const int channels = bands.whole.num_channels_;
   for (int channel = 0; channel < channels; ++channel) {
-    const auto index = static_cast<size_t>(channel);
+    const size_t index = Size(channel);
     int16_t* const samples = bands.whole.channels_[index];
     for (int i = 0; i < bands.whole.num_frames_; ++i) {
-      const size_t at = static_cast<size_t>(i) * static_cast<size_t>(channels);
+      const size_t at = Size(i * channels);
       samples[i] = bands.interleaved[at + index];
     }
     if (!bands.filters.empty()) bands.filters[index].Analyse(samples, split_bands(channel));
@@ -85,15 +89,15 @@ void AudioBuffer::InterleaveTo(AudioFrame* frame, bool data_changed) {
   if (!data_changed || bands.outFrames * channels > AudioFrame::kMaxDataSizeSamples) return;
 
   for (int channel = 0; channel < channels; ++channel) {
-    const auto index = static_cast<size_t>(channel);
+    const size_t index = Size(channel);
     int16_t* const samples = bands.whole.channels_[index];
     if (!bands.filters.empty()) bands.filters[index].Synthesise(split_bands(channel), samples);
     for (int i = 0; i < bands.whole.num_frames_; ++i) {
-      const size_t at = static_cast<size_t>(i) * static_cast<size_t>(channels);
+      const size_t at = Size(i * channels);
       bands.interleaved[at + index] = samples[i];
     }
   }
-  bands.out.Convert(bands.interleaved.data(), Unsigned(bands.whole.num_frames_),
+  bands.out.Convert(bands.interleaved.data(), Size(bands.whole.num_frames_),
                     bands.interleaved.data());
   std::copy_n(bands.interleaved.begin(), bands.outFrames * channels, frame->data_);
   frame->samples_per_channel_ = bands.outFrames;

@@ -5,6 +5,7 @@
 
 #include "desktop/aec/parts/delay_tracker.h"
 #include "desktop/aec/parts/mono_input.h"
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 struct CEchoDelayEst::Estimator {
@@ -34,7 +35,7 @@ CEchoDelayEst::~CEchoDelayEst() = default;
 
 int CEchoDelayEst::ProcessFar(const short* samples, int count) {
   if (!m_estimator || samples == nullptr || count <= 0) return -1;
-  m_estimator->far.Feed(samples, count, [this](const short* mono, int frames) {
+  m_estimator->far.Feed(samples, desktop::Size(count), [this](const short* mono, size_t frames) {
     m_estimator->tracker.AddFar(mono, frames);
   });
   return 0;
@@ -42,7 +43,7 @@ int CEchoDelayEst::ProcessFar(const short* samples, int count) {
 
 int CEchoDelayEst::ProcessNear(const short* samples, int count) {
   if (!m_estimator || samples == nullptr || count <= 0) return -1;
-  m_estimator->near.Feed(samples, count, [this](const short* mono, int frames) {
+  m_estimator->near.Feed(samples, desktop::Size(count), [this](const short* mono, size_t frames) {
     m_estimator->tracker.AddNear(mono, frames);
   });
   return 0;

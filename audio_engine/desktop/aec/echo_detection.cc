@@ -6,6 +6,7 @@
 
 #include "desktop/aec/parts/delay_tracker.h"
 #include "desktop/aec/parts/mono_input.h"
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -20,7 +21,9 @@ struct Detector {
   desktop::MonoInput far;
   desktop::MonoInput near;
   desktop::DelayTracker tracker;
-  int ignored;  // Samples that are still to be passed over.
+
+  // How many samples of either end are still to be passed over.
+  int ignored;
 };
 
 }  // namespace
@@ -48,10 +51,10 @@ int echo_detection_process(void* detector, const short* farend, const short* nea
   farend += skipped;
   nearend += skipped;
   count -= skipped;
-  ends.far.Feed(farend, count,
-                [&ends](const short* mono, int frames) { ends.tracker.AddFar(mono, frames); });
-  ends.near.Feed(nearend, count,
-                 [&ends](const short* mono, int frames) { ends.tracker.AddNear(mono, frames); });
+  ends.far.Feed(farend, desktop::Size(count),
+                [&ends](const short* mono, size_t frames) { ends.tracker.AddFar(mono, frames); });
+  ends.near.Feed(nearend, desktop::Size(count),
+                 [&ends](const short* mono, size_t frames) { ends.tracker.AddNear(mono, frames); });
   return 0;
 }
 

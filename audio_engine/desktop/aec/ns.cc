@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "desktop/common/apm.h"
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -34,7 +35,7 @@ struct Suppressor {
   std::vector<float> channel;
 };
 
-size_t Size(int count) { return static_cast<size_t>(count); }
+using desktop::Size;
 
 void ApplyPolicy(Suppressor& suppressor) {
   for (const Apm& apm : suppressor.apms) {

@@ -1,23 +1,24 @@
 #include "engine_api/codec/audio_codec.h"
 
 #include <algorithm>
-#include <climits>
-#include <cstdint>
 #include <cstring>
 #include <optional>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/packet_codec.h"
+#include "desktop/common/counts.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 using desktop::CodecSetup;
-using desktop::FrameDecoder;
-using desktop::FrameEncoder;
-using desktop::FrameSpan;
-using desktop::kMaxFrameBytes;
+using desktop::Count;
+using desktop::kMaxPacketBytes;
+using desktop::PacketDecoder;
+using desktop::PacketEncoder;
+using desktop::PacketSpan;
+using desktop::Size;
 
 // What encoders and decoders have in common.
 class DesktopCodec : public CAudioCodec {
@@ -68,18 +69,18 @@ class DesktopCodec : public CAudioCodec {
   bool IsAvailable() override { return m_setup.has_value(); }
 
   int CodecDelay() override {
-    if (!m_setup) return 0;
-    return desktop::PacketCodecLag(*m_setup, SamplesPerFrame() / m_setup->channels);
+    return m_setup ? desktop::PayloadCodecLag(*m_setup, BlockFrames()) : 0;
   }
 
   int GetDecodedSampleRate() override { return m_setup ? m_setup->rate : 0; }
   int GetDecodedChannel() override { return m_setup ? m_setup->channels : 0; }
 
  protected:
-  // Of all channels; 0 before Init.
-  virtual int SamplesPerFrame() const = 0;
+  // The length of a block in samples of all channels, and in frames; 0 before Init.
+  virtual size_t BlockSamples() const = 0;
+  virtual size_t BlockFrames() const = 0;
 
-  int FrameBytes() const { return SamplesPerFrame() * static_cast<int>(sizeof(short)); }
+  size_t BlockBytes() const { return BlockSamples() * sizeof(short); }
   int RawId() const { return m_setup ? m_setup->variant->rawId : -1; }
 
   desktop::LogOnce m_log;
@@ -98,36 +99,35 @@ class Encoder : public DesktopCodec {
   explicit Encoder(ZUAudioCodec family) : DesktopCodec(family, kAudioLibraryEncoder) {}
 
   void CalcBufSize(int* bytes, int inLen) override {
-    const int frame = FrameBytes();
-    const int64_t room =
-        frame == 0 || inLen < 0 ? 0 : (int64_t{inLen} / frame + 1) * kMaxFrameBytes;
-    *bytes = static_cast<int>(std::min<int64_t>(room, INT_MAX));
+    const size_t block = BlockBytes();
+    *bytes = block == 0 || inLen < 0 ? 0 : Count((Size(inLen) / block + 1) * kMaxPacketBytes);
   }
 
   void Process(const unsigned char* in, int inLen, unsigned char* out, int* outLen) override {
-    const int room = *outLen;
+    const size_t room = Size(*outLen);
     *outLen = 0;
     if (m_encoder == nullptr || in == nullptr) return;
-    while (inLen > 0) {
-      const int taken = std::min(inLen, FrameBytes() - m_pendingBytes);
-      memcpy(reinterpret_cast<unsigned char*>(m_pending) + m_pendingBytes, in,
-             static_cast<size_t>(taken));
+    size_t given = 0;
+    for (size_t left = Size(inLen); left > 0;) {
+      const size_t taken = std::min(left, BlockBytes() - m_pendingBytes);
+      memcpy(reinterpret_cast<unsigned char*>(m_pending) + m_pendingBytes, in, taken);
       m_pendingBytes += taken;
       in += taken;
-      inLen -= taken;
-      if (m_pendingBytes == FrameBytes()) EncodePending(out, room, outLen);
+      left -= taken;
+      if (m_pendingBytes == BlockBytes()) given += EncodePending(out + given, room - given);
     }
+    *outLen = Count(given);
   }
 
-  // Deliberate: the low-delay encoders alone tell their frame. With an answer from the others a
-  // caller that takes 0 as "not known" would change how it reads its file.
+  // Deliberate: the low-delay encoders alone tell the length of their block. With an answer from
+  // the others a caller that takes 0 as "not known" would change how it reads its file.
   int GetEncoderSize() override {
-    return CodecID() == kAudioCodecEldAAC ? FrameBytes() : CAudioCodec::GetEncoderSize();
+    return CodecID() == kAudioCodecEldAAC ? Count(BlockBytes()) : CAudioCodec::GetEncoderSize();
   }
 
  private:
   bool Open(const CodecSetup& setup) override {
-    m_encoder = FrameEncoder::Create(setup, &m_log);
+    m_encoder = PacketEncoder::Create(setup, &m_log);
     return m_encoder != nullptr;
   }
 
@@ -136,64 +136,86 @@ class Encoder : public DesktopCodec {
     m_pendingBytes = 0;
   }
 
-  int SamplesPerFrame() const override {
-    return m_encoder == nullptr ? 0 : m_encoder->samplesPerFrame();
+  size_t BlockSamples() const override {
+    return m_encoder == nullptr ? 0 : m_encoder->blockSamples();
   }
 
-  void EncodePending(unsigned char* out, int room, int* outLen) {
+  size_t BlockFrames() const override {
+    return m_encoder == nullptr ? 0 : m_encoder->blockFrames();
+  }
+
+  // Returns the bytes of the packet, which are 0 when there is none.
+  size_t EncodePending(unsigned char* out, size_t room) {
     m_pendingBytes = 0;
-    unsigned char frame[kMaxFrameBytes];
-    const int bytes = m_encoder->Encode(m_pending, frame);
-    if (bytes > room - *outLen) {
+    unsigned char packet[kMaxPacketBytes];
+    const size_t bytes = m_encoder->Encode(m_pending, packet);
+    if (bytes > room) {
       m_log("no room for a packet, which is lost", RawId());
-      return;
+      return 0;
     }
-    if (bytes > 0) memcpy(out + *outLen, frame, static_cast<size_t>(bytes));
-    *outLen += bytes;
+    if (bytes > 0) memcpy(out, packet, bytes);
+    return bytes;
   }
 
-  std::unique_ptr<FrameEncoder> m_encoder;
-  short m_pending[desktop::kMaxFrameSamples];
-  int m_pendingBytes = 0;
+  std::unique_ptr<PacketEncoder> m_encoder;
+  short m_pending[desktop::kMaxBlockSamples];
+  size_t m_pendingBytes = 0;
 };
 
 class Decoder : public DesktopCodec {
  public:
   explicit Decoder(ZUAudioCodec family) : DesktopCodec(family, kAudioLibraryDecoder) {}
 
-  void CalcBufSize(int* bytes, int inLen) override { *bytes = inLen > 0 ? FrameBytes() : 0; }
+  void CalcBufSize(int* bytes, int inLen) override { *bytes = inLen > 0 ? Count(BlockBytes()) : 0; }
 
   void Process(const unsigned char* in, int inLen, unsigned char* out, int* outLen) override {
-    const int room = *outLen;
+    const size_t room = Size(*outLen);
     *outLen = 0;
     if (m_decoder == nullptr || in == nullptr) return;
-    while (inLen > 0) {
-      const FrameSpan span = m_decoder->Find(in, inLen);
-      if (span.state != FrameSpan::kWhole) return m_decoder->Refuse();
-      if (FrameBytes() > room - *outLen) return m_log("no room for a frame", RawId());
-      if (m_decoder->Decode(in, span, m_samples)) {
-        memcpy(out + *outLen, m_samples, static_cast<size_t>(FrameBytes()));
-        *outLen += FrameBytes();
-      }
-      in += span.frameBytes;
-      inLen -= span.frameBytes;
-    }
+    *outLen = Count(DecodePackets(in, Size(inLen), out, room));
   }
 
  private:
   bool Open(const CodecSetup& setup) override {
-    m_decoder = FrameDecoder::Create(setup, &m_log);
+    m_decoder = PacketDecoder::Create(setup, &m_log);
     return m_decoder != nullptr;
   }
 
   void Close() override { m_decoder.reset(); }
 
-  int SamplesPerFrame() const override {
-    return m_decoder == nullptr ? 0 : m_decoder->samplesPerFrame();
+  size_t BlockSamples() const override {
+    return m_decoder == nullptr ? 0 : m_decoder->blockSamples();
   }
 
-  std::unique_ptr<FrameDecoder> m_decoder;
-  short m_samples[desktop::kMaxFrameSamples];
+  size_t BlockFrames() const override {
+    return m_decoder == nullptr ? 0 : m_decoder->blockFrames();
+  }
+
+  // Returns the bytes written, up to the first packet that is not one or finds no room.
+  size_t DecodePackets(const unsigned char* in, size_t left, unsigned char* out, size_t room) {
+    size_t given = 0;
+    while (left > 0) {
+      const PacketSpan span = m_decoder->Find(in, left);
+      if (span.state != PacketSpan::kWhole) {
+        m_decoder->Refuse();
+        break;
+      }
+      if (BlockBytes() > room - given) {
+        m_log("no room for a block", RawId());
+        break;
+      }
+      if (m_decoder->Decode(in, span, m_samples)) {
+        memcpy(out + given, m_samples, BlockBytes());
+        given += BlockBytes();
+      }
+      in += span.packetBytes;
+      left -= span.packetBytes;
+    }
+    return given;
+  }
+
+  std::unique_ptr<PacketDecoder> m_decoder;
+  short m_samples[desktop::kMaxBlockSamples];
 };
 
 }  // namespace

@@ -7,12 +7,14 @@
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/codec/parts/output_queue.h"
 #include "desktop/codec/parts/stream_reader.h"
+#include "desktop/common/counts.h"
 #include "desktop/dsp/rate/resampler.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 using desktop::CodecSetup;
+using desktop::Unsigned;
 
 // Samples have no variant. Nothing for a format that no codec codes.
 std::optional<CodecSetup> SetupOf(const AudioStreamFormat& format) {
@@ -47,10 +49,10 @@ class Processor final : public AudioProcessor {
     m_queue->Begin(static_cast<unsigned char*>(out), out == nullptr ? 0 : room);
     m_reader->Feed(in, in == nullptr ? 0 : *inLen);
     const short* block = nullptr;
-    while (const int samples = m_reader->Next(&block)) {
-      const uint32_t frames = static_cast<uint32_t>(samples / m_sourceChannels);
-      const uint32_t converted = m_resampler->Convert(block, frames, m_converted.data());
-      Write(m_converted.data(), converted * static_cast<uint32_t>(m_targetChannels));
+    while (const size_t samples = m_reader->Next(&block)) {
+      const size_t frames =
+          m_resampler->Convert(block, samples / m_sourceChannels, m_converted.data());
+      Write(m_converted.data(), frames * m_targetChannels);
     }
     *outLen = static_cast<uint32_t>(m_queue->given());
   }
@@ -61,22 +63,21 @@ class Processor final : public AudioProcessor {
     if (m_reader == nullptr || source.rate <= 0 || target.rate <= 0 || target.channels < 1) {
       return false;
     }
-    m_sourceChannels = source.channels;
-    m_targetChannels = target.channels;
-    const auto most = static_cast<uint32_t>(desktop::kMaxFrameSamples / source.channels);
-    m_resampler.emplace(static_cast<uint32_t>(source.rate), static_cast<uint32_t>(source.channels),
-                        static_cast<uint32_t>(target.rate), static_cast<uint32_t>(target.channels),
-                        most);
+    m_sourceChannels = Unsigned(source.channels);
+    m_targetChannels = Unsigned(target.channels);
+    const size_t maxFrames = desktop::kMaxBlockSamples / m_sourceChannels;
+    m_resampler.emplace(Unsigned(source.rate), m_sourceChannels, Unsigned(target.rate),
+                        m_targetChannels, maxFrames);
     if (!m_resampler->IsOpen()) return false;
-    m_converted.resize(m_resampler->MostFramesFor(most) * static_cast<size_t>(target.channels));
+    m_converted.resize(m_resampler->MaxFramesFor(maxFrames) * m_targetChannels);
     if (target.variant == nullptr) {
-      m_queue.emplace(static_cast<size_t>(target.channels) * sizeof(short));
+      m_queue.emplace(m_targetChannels * sizeof(short));
       return true;
     }
-    m_encoder = desktop::FrameEncoder::Create(target, &m_log);
+    m_encoder = desktop::PacketEncoder::Create(target, &m_log);
     if (m_encoder == nullptr) return false;
-    m_queue.emplace(desktop::FrameHeader(target));
-    m_frame.resize(static_cast<size_t>(m_encoder->samplesPerFrame()));
+    m_queue.emplace(desktop::PacketHeader(target));
+    m_block.resize(m_encoder->blockSamples());
     return true;
   }
 
@@ -85,15 +86,15 @@ class Processor final : public AudioProcessor {
       return Add(reinterpret_cast<const unsigned char*>(samples), count * sizeof(short));
     }
     while (count > 0) {
-      const size_t taken = std::min(count, m_frame.size() - m_filled);
-      std::copy_n(samples, taken, m_frame.begin() + static_cast<std::ptrdiff_t>(m_filled));
+      const size_t taken = std::min(count, m_block.size() - m_filled);
+      std::copy_n(samples, taken, m_block.begin() + desktop::Offset(m_filled));
       samples += taken;
       count -= taken;
       m_filled += taken;
-      if (m_filled < m_frame.size()) return;
+      if (m_filled < m_block.size()) return;
       m_filled = 0;
-      unsigned char packet[desktop::kMaxFrameBytes];
-      Add(packet, static_cast<size_t>(m_encoder->Encode(m_frame.data(), packet)));
+      unsigned char packet[desktop::kMaxPacketBytes];
+      Add(packet, m_encoder->Encode(m_block.data(), packet));
     }
   }
 
@@ -103,13 +104,19 @@ class Processor final : public AudioProcessor {
   }
 
   desktop::LogOnce m_log;
-  std::unique_ptr<desktop::StreamReader> m_reader;  // Null when nothing can be converted.
-  int m_sourceChannels = 0;
-  int m_targetChannels = 0;
+
+  // Null when nothing can be converted.
+  std::unique_ptr<desktop::StreamReader> m_reader;
+  uint32_t m_sourceChannels = 0;
+  uint32_t m_targetChannels = 0;
   std::optional<desktop::Resampler> m_resampler;
   std::vector<short> m_converted;
-  std::unique_ptr<desktop::FrameEncoder> m_encoder;  // Null for samples.
-  std::vector<short> m_frame;                        // Fills up to one frame of the encoder.
+
+  // Null when the target is samples.
+  std::unique_ptr<desktop::PacketEncoder> m_encoder;
+
+  // The next block to encode, of which m_filled samples have come.
+  std::vector<short> m_block;
   size_t m_filled = 0;
   std::optional<desktop::OutputQueue> m_queue;
 };

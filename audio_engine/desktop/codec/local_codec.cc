@@ -5,8 +5,9 @@
 #include <optional>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/codec/parts/frame_codec.h"
-#include "desktop/codec/parts/frame_loss.h"
+#include "desktop/codec/parts/lost_block.h"
+#include "desktop/codec/parts/packet_codec.h"
+#include "desktop/common/counts.h"
 #include "engine_api/codec/codec_format.h"
 
 namespace AudioLocalCodec {
@@ -16,28 +17,32 @@ namespace {
 using desktop::CodecSetup;
 using desktop::CodecVariant;
 using desktop::Coder;
+using desktop::Count;
 using desktop::Framing;
+using desktop::Size;
 
-// Packets of one length, which a reader of the file needs no header for.
+// Payloads of one length, which a reader of the file needs no header for.
 constexpr CodecVariant kSpeexVariants[] = {
     {0, kAudioCodecUnknown, Coder::kSpeex, 8, 15200, Framing::kBare},
     {21, kAudioCodecUnknown, Coder::kSpeex, 4, 8000, Framing::kBare},
     {23, kAudioCodecUnknown, Coder::kSpeex, 2, 5950, Framing::kBare}};
 
-constexpr int kPcmFrames = 882;  // 20 ms.
+constexpr size_t kPcmFrames = 882;  // 20 ms.
 constexpr int kPcmRate = 44100;
 constexpr int kPcmChannels = 2;
 
 // How a type is coded: samples as they are when `variant` is null.
 struct TypeSetup {
   CodecSetup codec;
-  int samples;  // Of one frame, all channels.
+
+  // The length of a block, all channels.
+  size_t samples;
 };
 
 TypeSetup WithVariant(const CodecVariant* variant) {
   const AudioStreamFormat format = FormatFromRawCodecId(variant->rawId);
   return {{variant, format.iSampleRate, format.iNumOfChannels},
-          format.iSamplesOfFrame * format.iNumOfChannels};
+          Size(format.iSamplesOfFrame * format.iNumOfChannels)};
 }
 
 std::optional<TypeSetup> SetupOf(AudioCodecType type) {
@@ -70,12 +75,14 @@ std::optional<TypeSetup> SetupOf(AudioCodecType type) {
   return WithVariant(variant);
 }
 
-void Assign(std::string& out, const short* samples, int count) {
-  out.assign(reinterpret_cast<const char*>(samples), static_cast<size_t>(count) * sizeof(short));
+// Fills `out` with the bytes of `count` samples, or of anything else.
+template <typename T>
+void Assign(std::string& out, const T* from, size_t count) {
+  out.assign(reinterpret_cast<const char*>(from), count * sizeof(T));
 }
 
 // What an encoder and a decoder hold, from Init to Uninit.
-template <typename FrameCoder>
+template <typename PacketCoder>
 class Core {
  public:
   explicit Core(const TypeSetup& setup) : m_setup(setup) {}
@@ -83,10 +90,10 @@ class Core {
   bool Open() {
     Close();
     if (m_setup.codec.variant != nullptr) {
-      m_coder = FrameCoder::Create(m_setup.codec, &m_log);
+      m_coder = PacketCoder::Create(m_setup.codec, &m_log);
       if (m_coder == nullptr) return false;
     }
-    m_loss.emplace(m_setup.samples, m_setup.codec.channels);
+    m_loss.emplace(m_setup.samples, Size(m_setup.codec.channels));
     return true;
   }
 
@@ -100,16 +107,16 @@ class Core {
   }
 
   bool IsOpen() const { return m_loss.has_value(); }
-  FrameCoder* coder() { return m_coder.get(); }  // Null for samples as they are.
-  desktop::FrameLoss& loss() { return *m_loss; }
-  int samples() const { return m_setup.samples; }
-  int bytes() const { return m_setup.samples * static_cast<int>(sizeof(short)); }
+  PacketCoder* coder() { return m_coder.get(); }  // Null for samples as they are.
+  desktop::LostBlock& loss() { return *m_loss; }
+  size_t samples() const { return m_setup.samples; }
+  size_t bytes() const { return m_setup.samples * sizeof(short); }
 
  private:
   const TypeSetup m_setup;
   desktop::LogOnce m_log;
-  std::unique_ptr<FrameCoder> m_coder;
-  std::optional<desktop::FrameLoss> m_loss;
+  std::unique_ptr<PacketCoder> m_coder;
+  std::optional<desktop::LostBlock> m_loss;
 };
 
 class Encoder final : public IAudioEncoder {
@@ -117,23 +124,23 @@ class Encoder final : public IAudioEncoder {
   explicit Encoder(const TypeSetup& setup) : m_core(setup) {}
 
   void Destroy() override { delete this; }
-  int GetEncoderBytes() override { return m_core.bytes(); }
+  int GetEncoderBytes() override { return Count(m_core.bytes()); }
   bool Init() override { return m_core.Open(); }
   void Uninit() override { m_core.Close(); }
   void Flush() override { m_core.Restart(); }
 
   void Encode(const char* in, int len, std::string& out) override {
     out.clear();
-    if (!m_core.IsOpen() || in == nullptr || len <= 0 || len > m_core.bytes()) return;
-    short frame[desktop::kMaxFrameSamples] = {};
-    memcpy(frame, in, static_cast<size_t>(len));
-    m_core.loss().Arrived(frame);
-    EncodeFrame(frame, out);
+    if (!m_core.IsOpen() || in == nullptr || len <= 0 || Size(len) > m_core.bytes()) return;
+    short block[desktop::kMaxBlockSamples] = {};
+    memcpy(block, in, Size(len));
+    m_core.loss().Arrived(block);
+    EncodeBlock(block, out);
   }
 
   void EncodeLoss(std::string& out) override {
     out.clear();
-    if (m_core.IsOpen()) EncodeFrame(m_core.loss().Lost(), out);
+    if (m_core.IsOpen()) EncodeBlock(m_core.loss().Lost(), out);
   }
 
   bool SetBitRate(int bitRate) override {
@@ -148,14 +155,13 @@ class Encoder final : public IAudioEncoder {
  private:
   ~Encoder() override = default;
 
-  void EncodeFrame(const short* frame, std::string& out) {
-    if (m_core.coder() == nullptr) return Assign(out, frame, m_core.samples());
-    unsigned char packet[desktop::kMaxFrameBytes];
-    const int bytes = m_core.coder()->Encode(frame, packet);
-    out.assign(reinterpret_cast<const char*>(packet), static_cast<size_t>(bytes));
+  void EncodeBlock(const short* block, std::string& out) {
+    if (m_core.coder() == nullptr) return Assign(out, block, m_core.samples());
+    unsigned char packet[desktop::kMaxPacketBytes];
+    Assign(out, packet, m_core.coder()->Encode(block, packet));
   }
 
-  Core<desktop::FrameEncoder> m_core;
+  Core<desktop::PacketEncoder> m_core;
 };
 
 class Decoder final : public IAudioDecoder {
@@ -170,44 +176,45 @@ class Decoder final : public IAudioDecoder {
   void Decode(const char* in, int len, std::string& out) override {
     out.clear();
     if (!m_core.IsOpen() || in == nullptr || len <= 0) return;
-    short frame[desktop::kMaxFrameSamples];
-    const bool decoded =
-        m_core.coder() == nullptr ? TakeSamples(in, len, frame) : DecodePacket(in, len, frame);
-    if (decoded) Assign(out, frame, m_core.samples());
+    short block[desktop::kMaxBlockSamples];
+    const bool decoded = m_core.coder() == nullptr ? TakeSamples(in, Size(len), block)
+                                                   : DecodePacket(in, Size(len), block);
+    if (decoded) Assign(out, block, m_core.samples());
   }
 
   void DecodeLoss(std::string& out) override {
     out.clear();
     if (!m_core.IsOpen()) return;
     if (m_core.coder() == nullptr) return Assign(out, m_core.loss().Lost(), m_core.samples());
-    short frame[desktop::kMaxFrameSamples];
-    m_core.coder()->Conceal(frame);
-    Assign(out, frame, m_core.samples());
+    short block[desktop::kMaxBlockSamples];
+    m_core.coder()->Conceal(block);
+    Assign(out, block, m_core.samples());
   }
 
  private:
   ~Decoder() override = default;
 
-  bool TakeSamples(const char* in, int len, short* frame) {
+  // Takes one whole block.
+  bool TakeSamples(const char* in, size_t len, short* block) {
     if (len != m_core.bytes()) return false;
-    memcpy(frame, in, static_cast<size_t>(len));
-    m_core.loss().Arrived(frame);
+    memcpy(block, in, len);
+    m_core.loss().Arrived(block);
     return true;
   }
 
-  // One packet and nothing else.
-  bool DecodePacket(const char* in, int len, short* frame) {
+  // Takes one packet and nothing else.
+  bool DecodePacket(const char* in, size_t len, short* block) {
     const auto* data = reinterpret_cast<const unsigned char*>(in);
-    desktop::FrameSpan span;
-    if (len <= desktop::kMaxFrameBytes) span = m_core.coder()->Find(data, len);
-    if (span.state == desktop::FrameSpan::kWhole && span.frameBytes == len) {
-      return m_core.coder()->Decode(data, span, frame);
+    desktop::PacketSpan span;
+    if (len <= desktop::kMaxPacketBytes) span = m_core.coder()->Find(data, len);
+    if (span.state == desktop::PacketSpan::kWhole && span.packetBytes == len) {
+      return m_core.coder()->Decode(data, span, block);
     }
     m_core.coder()->Refuse();
     return false;
   }
 
-  Core<desktop::FrameDecoder> m_core;
+  Core<desktop::PacketDecoder> m_core;
 };
 
 }  // namespace

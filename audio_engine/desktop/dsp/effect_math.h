@@ -5,6 +5,11 @@
 
 namespace desktop {
 
+// The 16-bit sample next to a value on the same scale; beyond full scale it is clipped.
+inline short ToSample(float value) {
+  return static_cast<short>(std::lrint(std::clamp(value, -32768.0f, 32767.0f)));
+}
+
 // The ratio of amplitudes that so many dB are.
 inline double FromDecibels(double decibels) { return std::pow(10.0, decibels / 20); }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/packet_codec.h"
 #include "desktop/files/adts_reader.h"
 
 namespace desktop {
@@ -19,17 +19,17 @@ namespace {
 constexpr int kLateFrames = 2;
 
 // Null when this build has no encoder for that.
-std::unique_ptr<FrameEncoder> CreateEncoder(DeviceFormat format) {
+std::unique_ptr<PacketEncoder> CreateEncoder(DeviceFormat format) {
   const auto rate = static_cast<int>(format.rate);
   const auto channels = static_cast<int>(format.channels);
   const CodecVariant variant = {-1, kAudioCodecUnknown,  Coder::kAacLc,
                                 0,  2 * rate * channels, Framing::kAdts};
-  return FrameEncoder::Create({&variant, rate, channels});
+  return PacketEncoder::Create({&variant, rate, channels});
 }
 
 class AdtsWriter : public FileWriter {
  public:
-  AdtsWriter(File file, DeviceFormat format, std::unique_ptr<FrameEncoder> encoder)
+  AdtsWriter(File file, DeviceFormat format, std::unique_ptr<PacketEncoder> encoder)
       : m_file(std::move(file)), m_format(format), m_encoder(std::move(encoder)) {
     m_coded.reserve(1 << 16);
   }
@@ -38,7 +38,7 @@ class AdtsWriter : public FileWriter {
 
   void Add(const short* samples, size_t frames) override {
     m_samples.insert(m_samples.end(), samples, samples + frames * m_format.channels);
-    const auto frame = static_cast<size_t>(m_encoder->samplesPerFrame());
+    const size_t frame = m_encoder->blockSamples();
     size_t at = 0;
     for (; at + frame <= m_samples.size(); at += frame) Encode(&m_samples[at]);
     m_samples.erase(m_samples.begin(), m_samples.begin() + static_cast<ptrdiff_t>(at));
@@ -52,7 +52,7 @@ class AdtsWriter : public FileWriter {
 
   bool Finish() override {
     if (m_frames == 0 && m_samples.empty()) return Flush();
-    const auto frame = static_cast<size_t>(m_encoder->samplesPerFrame());
+    const size_t frame = m_encoder->blockSamples();
     if (!m_samples.empty()) {
       m_samples.resize(frame);
       Encode(m_samples.data());
@@ -66,14 +66,14 @@ class AdtsWriter : public FileWriter {
  private:
   // The first packet is of the time before the first sample and left out.
   void Encode(const short* frame) {
-    unsigned char packet[kMaxFrameBytes];
-    const int bytes = m_encoder->Encode(frame, packet);
+    unsigned char packet[kMaxPacketBytes];
+    const size_t bytes = m_encoder->Encode(frame, packet);
     if (m_frames++ > 0) m_coded.insert(m_coded.end(), packet, packet + bytes);
   }
 
   const File m_file;
   const DeviceFormat m_format;
-  const std::unique_ptr<FrameEncoder> m_encoder;
+  const std::unique_ptr<PacketEncoder> m_encoder;
   std::vector<short> m_samples;  // Less than a frame between calls.
   std::vector<unsigned char> m_coded;
   uint64_t m_frames = 0;

@@ -22,13 +22,12 @@ std::unique_ptr<ConvertedSource> ConvertedSource::Create(std::unique_ptr<FileSou
 ConvertedSource::ConvertedSource(std::unique_ptr<FileSource> source, DeviceFormat format)
     : m_source(std::move(source)),
       m_format(format),
-      m_pieceFrames(Resampler::PieceFrames(m_source->Rate(), format.rate)),
+      m_pieceFrames(Resampler::BlockFrames(m_source->Rate(), format.rate)),
       m_resampler(m_source->Rate(), m_source->Channels(), format.rate, format.channels,
                   m_pieceFrames),
-      m_piece(size_t{m_pieceFrames} * m_source->Channels()),
-      m_converted(m_resampler.IsOpen()
-                      ? size_t{m_resampler.MostFramesFor(m_pieceFrames)} * format.channels
-                      : 0),
+      m_piece(m_pieceFrames * m_source->Channels()),
+      m_converted(m_resampler.IsOpen() ? m_resampler.MaxFramesFor(m_pieceFrames) * format.channels
+                                       : 0),
       m_toDrop(m_resampler.IsOpen() ? m_resampler.LagFrames() : 0) {}
 
 uint64_t ConvertedSource::Frames() const {
@@ -60,8 +59,7 @@ bool ConvertedSource::Refill() {
       std::fill(m_piece.begin(), m_piece.end(), short{0});
       got = m_pieceFrames;
     }
-    size_t made =
-        m_resampler.Convert(m_piece.data(), static_cast<uint32_t>(got), m_converted.data());
+    size_t made = m_resampler.Convert(m_piece.data(), got, m_converted.data());
     m_at = std::min(m_toDrop, made);
     m_toDrop -= m_at;
     if (m_ended) made = std::min<uint64_t>(made, m_at + (whole - m_made));

@@ -30,7 +30,7 @@ class ConvertedSource {
 
   const std::unique_ptr<FileSource> m_source;
   const DeviceFormat m_format;
-  const uint32_t m_pieceFrames;  // Of the file, converted at once.
+  const size_t m_pieceFrames;  // Of the file, converted at once.
   Resampler m_resampler;
   std::vector<short> m_piece;      // Of the file.
   std::vector<short> m_converted;  // From frame m_at to m_end not yet given.

@@ -56,7 +56,7 @@ FileSink::FileSink(const char* name, DeviceFormat format, std::unique_ptr<FileWr
   if (target.rate == format.rate && target.channels == format.channels) return;
   m_resampler = std::make_unique<Resampler>(format.rate, format.channels, target.rate,
                                             target.channels, kMaxBlockFrames);
-  m_converted.resize(size_t{m_resampler->MostFramesFor(kMaxBlockFrames)} * target.channels);
+  m_converted.resize(m_resampler->MaxFramesFor(kMaxBlockFrames) * target.channels);
 }
 
 FileSink::~FileSink() { Finish(); }
@@ -65,8 +65,7 @@ bool FileSink::Write(const short* samples, size_t frames) {
   while (m_good && frames > 0) {
     const size_t part = std::min(frames, kMaxBlockFrames);
     if (m_resampler != nullptr) {
-      const uint32_t got =
-          m_resampler->Convert(samples, static_cast<uint32_t>(part), m_converted.data());
+      const size_t got = m_resampler->Convert(samples, part, m_converted.data());
       m_writer->Add(m_converted.data(), got);
     } else {
       m_writer->Add(samples, part);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/common/counts.h"
 #include "engine_api/codec/codec_format.h"
 
 namespace desktop {
@@ -18,25 +19,24 @@ constexpr double kFadeInMs = 5;
 std::unique_ptr<ConcealingDecoder> ConcealingDecoder::Create(int rawId) {
   const AudioStreamFormat format = FormatFromRawCodecId(rawId);
   const CodecSetup setup = {FindVariant(rawId), format.iSampleRate, format.iNumOfChannels};
-  std::unique_ptr<FrameDecoder> decoder;
-  if (setup.variant != nullptr) decoder = FrameDecoder::Create(setup);
+  std::unique_ptr<PacketDecoder> decoder;
+  if (setup.variant != nullptr) decoder = PacketDecoder::Create(setup);
   if (decoder == nullptr) return nullptr;
   return std::unique_ptr<ConcealingDecoder>(new ConcealingDecoder(setup, std::move(decoder)));
 }
 
-ConcealingDecoder::ConcealingDecoder(const CodecSetup& setup, std::unique_ptr<FrameDecoder> decoder)
-    : m_setup(setup),
-      m_decoder(std::move(decoder)),
-      m_samples(static_cast<size_t>(m_decoder->samplesPerFrame())) {}
+ConcealingDecoder::ConcealingDecoder(const CodecSetup& setup,
+                                     std::unique_ptr<PacketDecoder> decoder)
+    : m_setup(setup), m_decoder(std::move(decoder)), m_samples(m_decoder->blockSamples()) {}
 
 const short* ConcealingDecoder::Decode(const uint8_t* data, int size, int* taken) {
-  const FrameSpan span = m_decoder->Find(data, size);
+  const PacketSpan span = m_decoder->Find(data, Size(size));
   *taken = size;
-  if (span.state != FrameSpan::kWhole) {
+  if (span.state != PacketSpan::kWhole) {
     m_decoder->Refuse();
     return Conceal();
   }
-  *taken = span.frameBytes;
+  *taken = Count(span.packetBytes);
   if (!m_decoder->Decode(data, span, m_samples.data())) return Conceal();
   m_madeUp = false;
   if (m_gain < 1) Fade(1000 / (kFadeInMs * m_setup.rate));

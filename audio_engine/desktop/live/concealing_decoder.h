@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/packet_codec.h"
 
 namespace desktop {
 
@@ -33,12 +33,12 @@ class ConcealingDecoder {
   bool IsSilent() const { return m_gain == 0; }  // What is made up from now on is silence.
 
  private:
-  ConcealingDecoder(const CodecSetup& setup, std::unique_ptr<FrameDecoder> decoder);
+  ConcealingDecoder(const CodecSetup& setup, std::unique_ptr<PacketDecoder> decoder);
 
   void Fade(double perSample);
 
   const CodecSetup m_setup;
-  const std::unique_ptr<FrameDecoder> m_decoder;
+  const std::unique_ptr<PacketDecoder> m_decoder;
   std::vector<short> m_samples;
   double m_gain = 0;  // Of the last sample; the first frame fades in.
   bool m_madeUp = false;

@@ -36,12 +36,12 @@ FileFault FilePlayer::Open(const char* file) {
 }
 
 bool FilePlayer::MakeResampler() try {
-  m_pieceFrames = Resampler::PieceFrames(m_source->Rate(), kFormat.rate);
+  m_pieceFrames = Resampler::BlockFrames(m_source->Rate(), kFormat.rate);
   m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
                                             kFormat.channels, m_pieceFrames);
   if (!m_resampler->IsOpen()) return false;
-  m_piece.resize(size_t{m_pieceFrames} * m_source->Channels());
-  m_converted.resize(size_t{m_resampler->MostFramesFor(m_pieceFrames)} * kFormat.channels);
+  m_piece.resize(m_pieceFrames * m_source->Channels());
+  m_converted.resize(m_resampler->MaxFramesFor(m_pieceFrames) * kFormat.channels);
   return true;
 } catch (const std::exception&) {  // Memory is short.
   return false;
@@ -114,7 +114,7 @@ void FilePlayer::ReadAhead() {
     OutputDebugInfo("player: the file cannot be read to its end");
   }
   // What the resampler still holds.
-  const uint64_t lag = uint64_t{m_resampler->LagFrames()} * m_source->Rate() / kFormat.rate;
+  const uint64_t lag = m_resampler->LagFrames() * m_source->Rate() / kFormat.rate;
   std::fill(m_piece.begin(), m_piece.end(), short{0});
   for (uint64_t left = lag > 0 ? lag + 1 : 0; left > 0;) {
     const uint64_t part = std::min<uint64_t>(left, m_pieceFrames);
@@ -125,9 +125,8 @@ void FilePlayer::ReadAhead() {
 
 // False when the player is to stop.
 bool FilePlayer::Convert(const short* samples, size_t frames) {
-  const uint32_t got =
-      m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
-  const size_t count = size_t{got} * kFormat.channels;
+  const size_t got = m_resampler->Convert(samples, frames, m_converted.data());
+  const size_t count = got * kFormat.channels;
   for (size_t at = 0; at < count; at += kAhead / 4) {
     if (!Queue(&m_converted[at], std::min(count - at, kAhead / 4))) return false;
   }

@@ -68,7 +68,7 @@ class FilePlayer : public PlaySource {
 
   std::unique_ptr<FileSource> m_source;
   std::unique_ptr<Resampler> m_resampler;
-  uint32_t m_pieceFrames = 0;  // Of the file, converted at once.
+  size_t m_pieceFrames = 0;  // Of the file, converted at once.
   std::vector<short> m_piece;
   std::vector<short> m_converted;
   BlockRing m_ring;

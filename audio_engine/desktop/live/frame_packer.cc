@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/common/counts.h"
 #include "desktop/dsp/dynamics/volume.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/mixing/audio_frame_player_notify.h"
@@ -15,7 +16,7 @@ namespace {
 constexpr int kQueueSeconds = 2;
 constexpr int kHangoverMs = 200;
 constexpr int kBlocksPerVolume = 10;
-constexpr int kMostBytes = sizeof(AudioFrameData::frameData);
+constexpr size_t kMaxBytes = sizeof(AudioFrameData::frameData);
 
 // The one that says more of a frame that has both.
 VADResultKind Stronger(VADResultKind one, VADResultKind other) {
@@ -32,8 +33,8 @@ std::unique_ptr<FramePacker> FramePacker::Create(IAudioFramePackerNotify* notify
                                                  int rate, int channels) {
   const AudioStreamFormat format = FormatFromRawCodecId(rawId);
   const CodecSetup setup = {FindVariant(rawId), format.iSampleRate, format.iNumOfChannels};
-  std::unique_ptr<FrameEncoder> encoder;
-  if (setup.variant != nullptr) encoder = FrameEncoder::Create(setup);
+  std::unique_ptr<PacketEncoder> encoder;
+  if (setup.variant != nullptr) encoder = PacketEncoder::Create(setup);
   if (encoder == nullptr) {
     OutputDebugInfo("packer: no codec for raw id %d", rawId);
     return nullptr;
@@ -43,7 +44,7 @@ std::unique_ptr<FramePacker> FramePacker::Create(IAudioFramePackerNotify* notify
 }
 
 FramePacker::FramePacker(IAudioFramePackerNotify* notify, int rate, int channels,
-                         const CodecSetup& setup, std::unique_ptr<FrameEncoder> encoder)
+                         const CodecSetup& setup, std::unique_ptr<PacketEncoder> encoder)
     : m_notify(notify),
       m_channels(channels),
       m_setup(setup),
@@ -54,9 +55,9 @@ FramePacker::FramePacker(IAudioFramePackerNotify* notify, int rate, int channels
       m_resampler(static_cast<uint32_t>(rate), static_cast<uint32_t>(channels),
                   static_cast<uint32_t>(setup.rate), static_cast<uint32_t>(setup.channels),
                   static_cast<uint32_t>(rate / 100)),
-      m_converted(m_resampler.MostFramesFor(static_cast<uint32_t>(rate / 100)) *
+      m_converted(m_resampler.MaxFramesFor(static_cast<uint32_t>(rate / 100)) *
                   static_cast<size_t>(setup.channels)),
-      m_frame(static_cast<size_t>(m_encoder->samplesPerFrame())) {}
+      m_frame(m_encoder->blockSamples()) {}
 
 void FramePacker::Put(const short* samples, size_t frames) {
   const size_t count = frames * static_cast<size_t>(m_channels);
@@ -87,7 +88,7 @@ void FramePacker::TakeBlock() {
 }
 
 void FramePacker::Pack() {
-  const int64_t frameSamples = m_encoder->samplesPerFrame() / m_setup.channels;
+  const int64_t frameSamples = Count(m_encoder->blockFrames());
   const int64_t timeMs = m_frames++ * frameSamples * 1000 / m_setup.rate;
   const VADResultKind voice = m_voice;
   m_inFrame = 0;
@@ -97,11 +98,11 @@ void FramePacker::Pack() {
                        : m_sinceVoiceMs + static_cast<int>(frameSamples * 1000 / m_setup.rate);
 
   // Coded in any case: the state of the encoder goes on, so that voice does not start with a click.
-  unsigned char bytes[kMaxFrameBytes];
-  const int length = m_encoder->Encode(m_frame.data(), bytes);
+  unsigned char bytes[kMaxPacketBytes];
+  const size_t length = m_encoder->Encode(m_frame.data(), bytes);
   if (m_leavesOutSilence && m_sinceVoiceMs > kHangoverMs) {
     ++m_counts.leftOut;
-  } else if (length == 0 || length > kMostBytes) {
+  } else if (length == 0 || length > kMaxBytes) {
     ++m_counts.tooLong;
   } else {
     ++m_counts.packed;
@@ -111,9 +112,8 @@ void FramePacker::Pack() {
 }
 
 uint32_t FramePacker::DelayMs() const {
-  const auto rate = static_cast<uint32_t>(m_setup.rate);
-  const auto frames = static_cast<uint32_t>(m_encoder->samplesPerFrame() / m_setup.channels);
-  return (frames + m_resampler.LagFrames()) * 1000 / rate;
+  const size_t frames = m_encoder->blockFrames() + m_resampler.LagFrames();
+  return Unsigned(Count(frames * 1000 / Size(m_setup.rate)));
 }
 
 FramePacker::Counts FramePacker::GetCounts() const {

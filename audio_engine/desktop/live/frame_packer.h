@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/packet_codec.h"
 #include "desktop/devices/block_ring.h"
 #include "desktop/dsp/rate/resampler.h"
 #include "engine_api/enhancement/voice_detection.h"
@@ -46,7 +46,7 @@ class FramePacker {
 
  private:
   FramePacker(IAudioFramePackerNotify* notify, int rate, int channels, const CodecSetup& setup,
-              std::unique_ptr<FrameEncoder> encoder);
+              std::unique_ptr<PacketEncoder> encoder);
 
   void TakeBlock();
   void Pack();
@@ -54,7 +54,7 @@ class FramePacker {
   IAudioFramePackerNotify* const m_notify;
   const int m_channels;
   const CodecSetup m_setup;
-  const std::unique_ptr<FrameEncoder> m_encoder;
+  const std::unique_ptr<PacketEncoder> m_encoder;
   std::atomic<bool> m_leavesOutSilence = false;
   BlockRing m_queue;
   std::atomic<size_t> m_dropped = 0;

@@ -92,9 +92,8 @@ bool FramePlayer::SetCodec(uint8_t codecType) {
   }
   m_resampler = std::make_unique<Resampler>(static_cast<uint32_t>(m_decoder->Rate()),
                                             static_cast<uint32_t>(m_decoder->Channels()), m_rate,
-                                            m_channels, static_cast<uint32_t>(m_decoder->Frames()));
-  m_converted.resize(m_resampler->MostFramesFor(static_cast<uint32_t>(m_decoder->Frames())) *
-                     size_t{m_channels});
+                                            m_channels, m_decoder->Frames());
+  m_converted.resize(m_resampler->MaxFramesFor(m_decoder->Frames()) * m_channels);
   return true;
 }
 
@@ -118,9 +117,8 @@ void FramePlayer::Queue(const short* samples, bool madeUp) {
   ++(madeUp ? m_counts.concealed : m_counts.played);
   const size_t frames = m_decoder->Frames();
   m_volume = VolumeOf(samples, frames * static_cast<size_t>(m_decoder->Channels()));
-  const uint32_t converted =
-      m_resampler->Convert(samples, static_cast<uint32_t>(frames), m_converted.data());
-  const size_t count = size_t{converted} * m_channels;
+  const size_t converted = m_resampler->Convert(samples, frames, m_converted.data());
+  const size_t count = converted * m_channels;
   if (m_queue.Write(m_converted.data(), count)) {
     m_queued += count;
   } else {

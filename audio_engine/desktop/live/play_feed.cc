@@ -18,10 +18,10 @@ PlayFeed::PlayFeed(What what, DeviceFormat target)
       m_target(target),
       m_ring(1000 * kSamplesPerMs),
       m_resampler(kFormat.rate, kFormat.channels, target.rate, target.channels,
-                  static_cast<uint32_t>(kFormat.BlockFrames())),
+                  kFormat.BlockFrames()),
       m_block(kFormat.BlockFrames() * kFormat.channels) {
-  const auto blockFrames = static_cast<uint32_t>(kFormat.BlockFrames());
-  m_converted.resize((m_resampler.MostFramesFor(blockFrames) + target.BlockFrames()) *
+  const size_t blockFrames = kFormat.BlockFrames();
+  m_converted.resize((m_resampler.MaxFramesFor(blockFrames) + target.BlockFrames()) *
                      target.channels);
 }
 
@@ -52,9 +52,9 @@ bool PlayFeed::Read(short* samples, size_t frames) {
 
 bool PlayFeed::ConvertBlock() {
   if (!m_ring.Read(m_block.data(), m_block.size())) return false;
-  const uint32_t frames = m_resampler.Convert(
-      m_block.data(), static_cast<uint32_t>(kFormat.BlockFrames()), m_converted.data() + m_waiting);
-  m_waiting += size_t{frames} * m_target.channels;
+  const size_t frames =
+      m_resampler.Convert(m_block.data(), kFormat.BlockFrames(), m_converted.data() + m_waiting);
+  m_waiting += frames * m_target.channels;
   return true;
 }
 

@@ -36,10 +36,8 @@ class PackedCapture : public desktop::CaptureListener {
         m_leavesOutSilence(leavesOutSilence),
         m_channel(channel),
         m_channels(captured.channels),
-        m_resampler(captured.rate, m_channels, processed.rate, m_channels,
-                    static_cast<uint32_t>(captured.BlockFrames())),
-        m_block(size_t{m_resampler.MostFramesFor(static_cast<uint32_t>(captured.BlockFrames()))} *
-                m_channels) {}
+        m_resampler(captured.rate, m_channels, processed.rate, m_channels, captured.BlockFrames()),
+        m_block(m_resampler.MaxFramesFor(captured.BlockFrames()) * m_channels) {}
 
   ~PackedCapture() override {
     const desktop::FramePacker::Counts counts = m_packer->GetCounts();
@@ -54,8 +52,7 @@ class PackedCapture : public desktop::CaptureListener {
   void OnCaptured(const desktop::CapturedBlock& block) override {
     const desktop::CallbackScope scope(m_channel);
     m_packer->LeaveOutSilence(m_leavesOutSilence);
-    const uint32_t frames =
-        m_resampler.Convert(block.samples, static_cast<uint32_t>(block.frames), m_block.data());
+    const size_t frames = m_resampler.Convert(block.samples, block.frames, m_block.data());
     m_packer->Put(m_block.data(), frames);
     m_packer->Work();
   }

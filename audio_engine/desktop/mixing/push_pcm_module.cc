@@ -79,7 +79,7 @@ class PushPcmModule : public IPushPcmModule {
 
   // Adds one stream's samples, in the module's format, to the sums.
   void Add(Converter& converter, const Stream& stream, const char* bytes) {
-    const uint32_t pieceFrames = desktop::Resampler::PieceFrames(stream.rate, m_rate);  // Frames
+    const size_t pieceFrames = desktop::Resampler::BlockFrames(stream.rate, m_rate);
     const bool same = converter.stream.rate == stream.rate &&
                       converter.stream.channels == stream.channels && converter.resampler;
     if (!same) {
@@ -89,15 +89,14 @@ class PushPcmModule : public IPushPcmModule {
     }
     if (!converter.resampler->IsOpen()) return;
     size_t at = 0;
-    std::vector<short> piece(size_t{pieceFrames} * stream.channels);
-    std::vector<short> converted(size_t{converter.resampler->MostFramesFor(pieceFrames)} *
-                                 m_channels);
-    for (uint32_t left = stream.bytes / (2 * stream.channels); left > 0;) {
-      const uint32_t frames = std::min(left, pieceFrames);
-      const size_t pieceBytes = size_t{frames} * stream.channels * sizeof(short);
+    std::vector<short> piece(pieceFrames * stream.channels);
+    std::vector<short> converted(converter.resampler->MaxFramesFor(pieceFrames) * m_channels);
+    for (size_t left = stream.bytes / (2 * stream.channels); left > 0;) {
+      const size_t frames = std::min(left, pieceFrames);
+      const size_t pieceBytes = frames * stream.channels * sizeof(short);
       memcpy(piece.data(), bytes, pieceBytes);
-      const uint32_t got = converter.resampler->Convert(piece.data(), frames, converted.data());
-      const size_t samples = size_t{got} * m_channels;
+      const size_t got = converter.resampler->Convert(piece.data(), frames, converted.data());
+      const size_t samples = got * m_channels;
       if (m_sums.size() < at + samples) m_sums.resize(at + samples);
       for (size_t i = 0; i < samples; ++i) m_sums[at + i] += converted[i];
       at += samples;

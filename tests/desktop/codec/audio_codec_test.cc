@@ -45,7 +45,7 @@ class EachCodec : public testing::TestWithParam<Expected> {
     ASSERT_NE(m_decoder, nullptr);
   }
 
-  size_t FrameBytes() const { return 2 * static_cast<size_t>(FrameSamples(m_format)); }
+  size_t BlockBytes() const { return 2 * static_cast<size_t>(FrameSamples(m_format)); }
 
   std::vector<std::string> EncodeVoice(double seconds) {
     return Encode(*m_encoder, Voice(m_format.iSampleRate, m_format.iNumOfChannels, seconds),
@@ -135,7 +135,7 @@ TEST_P(EachCodec, CollectsFramesFromInputOfAnyLength) {
     EXPECT_EQ(bytes, expected) << piece;
   }
   // Several packets at once come back as several frames.
-  EXPECT_EQ(Process(*m_decoder, packets[0] + packets[1]).size(), 2 * FrameBytes());
+  EXPECT_EQ(Process(*m_decoder, packets[0] + packets[1]).size(), 2 * BlockBytes());
 }
 
 TEST_P(EachCodec, ProducesNothingWithoutRoom) {
@@ -147,7 +147,7 @@ TEST_P(EachCodec, ProducesNothingWithoutRoom) {
   EXPECT_EQ(Process(*m_encoder, BytesOf(frame), 0), "");
   EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format) - 1), "");
   EXPECT_EQ(Process(*m_decoder, packet, 0), "");
-  EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format)).size(), FrameBytes());
+  EXPECT_EQ(Process(*m_decoder, packet, 2 * FrameSamples(m_format)).size(), BlockBytes());
   // One an object, also for a further reason and after a new start.
   EXPECT_EQ(Process(*m_decoder, packet.substr(0, 5)), "");
   AudioStreamFormat format = m_format;
@@ -184,7 +184,7 @@ TEST_P(EachCodec, LeavesOutDamagedPacketsAndGoesOn) {
     EXPECT_EQ(Process(*m_decoder, damaged), "");
   }
   for (size_t i = 0; i < last; ++i) Process(*m_decoder, packets[i]);
-  EXPECT_EQ(Process(*m_decoder, packets[last]).size(), FrameBytes());
+  EXPECT_EQ(Process(*m_decoder, packets[last]).size(), BlockBytes());
 }
 
 TEST_P(EachCodec, DoesNothingBeforeInitAndAfterDeInit) {

@@ -157,11 +157,11 @@ TEST(CodecEdges, ARefusedFormatIsSaidOnce) {
 }
 
 // One byte is no packet either: it is said, and nothing comes out.
-TEST(CodecEdges, SayThatASingleByteIsNoFrame) {
+TEST(CodecEdges, SayThatASingleByteIsNoPacket) {
   for (const CodecId& id : CodecIds()) {
     const CapturedStderr log;
     EXPECT_EQ(Process(*OpenCodec(id.rawId, kAudioLibraryDecoder), "x"), "") << id.rawId;
-    EXPECT_THAT(log.Text(), testing::HasSubstr("no frame of this codec")) << id.rawId;
+    EXPECT_THAT(log.Text(), testing::HasSubstr("no packet of this codec")) << id.rawId;
   }
 }
 

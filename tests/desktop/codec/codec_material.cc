@@ -145,9 +145,9 @@ std::string Process(CAudioCodec& codec, const std::string& in, int room) {
   return {target.begin(), target.begin() + bytes};
 }
 
-std::vector<std::string> Encode(CAudioCodec& encoder, const Samples& samples, int frameSamples) {
+std::vector<std::string> Encode(CAudioCodec& encoder, const Samples& samples, int blockFrames) {
   std::vector<std::string> packets;
-  const auto step = static_cast<size_t>(frameSamples);
+  const auto step = static_cast<size_t>(blockFrames);
   for (size_t at = 0; at + step <= samples.size(); at += step) {
     const Samples frame(samples.begin() + static_cast<std::ptrdiff_t>(at),
                         samples.begin() + static_cast<std::ptrdiff_t>(at + step));

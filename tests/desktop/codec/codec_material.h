@@ -34,7 +34,7 @@ std::unique_ptr<CAudioCodec> OpenCodec(int rawId, AudioLibraryCodecMode mode);
 std::string Process(CAudioCodec& codec, const std::string& in, int room = 65536);
 
 // The packets of whole frames of `samples`, one a frame.
-std::vector<std::string> Encode(CAudioCodec& encoder, const Samples& samples, int frameSamples);
+std::vector<std::string> Encode(CAudioCodec& encoder, const Samples& samples, int blockFrames);
 
 Samples Decode(CAudioCodec& decoder, const std::vector<std::string>& packets);
 

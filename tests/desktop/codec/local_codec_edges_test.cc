@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "desktop/codec/codec_material.h"
-#include "desktop/codec/parts/frame_loss.h"
+#include "desktop/codec/parts/lost_block.h"
 #include "engine_api/codec/local_codec.h"
 #include "support/captured_stderr.h"
 
@@ -159,14 +159,14 @@ TEST(LocalCodecEdges, EveryBitRateThatIsTakenFits) {
 }
 
 // The whole frame backwards, falling in a line.
-TEST(FrameLoss, MirrorsEveryFrame) {
+TEST(LostBlock, MirrorsEveryFrame) {
   for (const int frames : {1, 2, 3, 10, 11}) {
     Samples arrived;
     for (int i = 1; i <= frames; ++i) {
       arrived.push_back(static_cast<short>(i * 1000));
       arrived.push_back(static_cast<short>(-i * 1000));
     }
-    desktop::FrameLoss loss(2 * frames, 2);
+    desktop::LostBlock loss(arrived.size(), 2);
     loss.Arrived(arrived.data());
     const short* lost = loss.Lost();
     for (int i = 0; i < frames; ++i) {
@@ -177,13 +177,13 @@ TEST(FrameLoss, MirrorsEveryFrame) {
   }
 }
 
-// Before the first frame, and from the second loss in a row on; a frame that arrives ends the row.
-TEST(FrameLoss, IsSilentOnlyInARow) {
-  desktop::FrameLoss loss(4, 1);
+// Before the first block, and from the second loss in a row on; a block that arrives ends the row.
+TEST(LostBlock, IsSilentOnlyInARow) {
+  desktop::LostBlock loss(4, 1);
   EXPECT_THAT(Samples(loss.Lost(), loss.Lost() + 4), Each(0));
-  const short frame[] = {100, 200, 300, 400};
+  const short block[] = {100, 200, 300, 400};
   for (int i = 0; i < 3; ++i) {
-    loss.Arrived(frame);
+    loss.Arrived(block);
     const short* lost = loss.Lost();
     EXPECT_THAT(Samples(lost, lost + 4), testing::ElementsAre(400, 225, 100, 25));
     for (int more = 0; more < 2; ++more) {

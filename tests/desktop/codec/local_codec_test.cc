@@ -53,23 +53,23 @@ class EachType : public testing::TestWithParam<Expected> {
     }
     ASSERT_NE(m_encoder, nullptr);
     ASSERT_NE(m_decoder, nullptr);
-    EXPECT_EQ(m_encoder->GetEncoderBytes(), FrameBytes());
+    EXPECT_EQ(m_encoder->GetEncoderBytes(), BlockBytes());
     ASSERT_TRUE(m_encoder->Init());
     ASSERT_TRUE(m_decoder->Init());
     m_voice = BytesOf(Voice(row.rate, row.channels, 2));
   }
 
-  int FrameBytes() const { return GetParam().frame * GetParam().channels * 2; }
+  int BlockBytes() const { return GetParam().frame * GetParam().channels * 2; }
 
   const char* Frame(int index) const {
-    return m_voice.data() + static_cast<std::ptrdiff_t>(index) * FrameBytes();
+    return m_voice.data() + static_cast<std::ptrdiff_t>(index) * BlockBytes();
   }
 
   std::vector<std::string> EncodeAll() {
     std::vector<std::string> packets;
-    const int frames = static_cast<int>(m_voice.size()) / FrameBytes();
+    const int frames = static_cast<int>(m_voice.size()) / BlockBytes();
     for (int i = 0; i < frames; ++i) {
-      m_encoder->Encode(Frame(i), FrameBytes(), m_out);
+      m_encoder->Encode(Frame(i), BlockBytes(), m_out);
       packets.push_back(m_out);
     }
     return packets;
@@ -98,7 +98,7 @@ TEST_P(EachType, BringsTheSignalBack) {
       EXPECT_EQ(packet.size(), row.packet);
     }
     decoded += DecodeOne(packet);
-    EXPECT_EQ(m_out.size(), static_cast<size_t>(FrameBytes()));  // Replaced, not extended.
+    EXPECT_EQ(m_out.size(), static_cast<size_t>(BlockBytes()));  // Replaced, not extended.
   }
   const Samples voice = SamplesOf(m_voice);
   EXPECT_NEAR(BestLag(voice, SamplesOf(decoded), row.channels, row.lag), row.lag, 1);
@@ -125,7 +125,7 @@ TEST_P(EachType, GivesNothingOutsideOfInit) {
   m_decoder->Uninit();
   m_encoder->Flush();
   m_decoder->Flush();
-  m_encoder->Encode(Frame(0), FrameBytes(), m_out);
+  m_encoder->Encode(Frame(0), BlockBytes(), m_out);
   EXPECT_EQ(m_out, "");
   m_out = "before";
   m_encoder->EncodeLoss(m_out);
@@ -136,13 +136,13 @@ TEST_P(EachType, GivesNothingOutsideOfInit) {
   EXPECT_EQ(m_out, "");
   EXPECT_FALSE(m_encoder->SetBitRate(32000));
   EXPECT_FALSE(m_encoder->SetComplexity(5));
-  EXPECT_EQ(m_encoder->GetEncoderBytes(), FrameBytes());
+  EXPECT_EQ(m_encoder->GetEncoderBytes(), BlockBytes());
 }
 
 TEST_P(EachType, RefusesLengthsThatAreNone) {
   const CapturedStderr log;
   const std::string packet = EncodeAll().front();
-  for (const int length : {-1, INT_MIN, FrameBytes() + 1, INT_MAX, 0}) {
+  for (const int length : {-1, INT_MIN, BlockBytes() + 1, INT_MAX, 0}) {
     m_out = "before";
     m_encoder->Encode(Frame(0), length, m_out);
     EXPECT_EQ(m_out, "") << length;
@@ -165,20 +165,20 @@ TEST_P(EachType, FillsUpAShortFrameWithSilence) {
   m_encoder->Encode(part.data(), 200, m_out);
   const std::string packet = m_out;
   m_encoder->Flush();
-  const std::string filled = part + std::string(static_cast<size_t>(FrameBytes()) - 200, '\0');
-  m_encoder->Encode(filled.data(), FrameBytes(), m_out);
+  const std::string filled = part + std::string(static_cast<size_t>(BlockBytes()) - 200, '\0');
+  m_encoder->Encode(filled.data(), BlockBytes(), m_out);
   EXPECT_EQ(m_out, packet);
 }
 
 TEST_P(EachType, ConcealsLosses) {
   m_decoder->DecodeLoss(m_out);  // Before any packet.
-  EXPECT_EQ(m_out.size(), static_cast<size_t>(FrameBytes()));
+  EXPECT_EQ(m_out.size(), static_cast<size_t>(BlockBytes()));
   const std::vector<std::string> packets = EncodeAll();
   for (size_t i = 0; i < packets.size() / 2; ++i) DecodeOne(packets[i]);
   int loudest = 0;
   for (int i = 0; i < 50; ++i) {
     m_decoder->DecodeLoss(m_out);
-    ASSERT_EQ(m_out.size(), static_cast<size_t>(FrameBytes()));
+    ASSERT_EQ(m_out.size(), static_cast<size_t>(BlockBytes()));
     loudest = 0;
     for (const short sample : SamplesOf(m_out)) loudest = std::max(loudest, std::abs(sample));
   }
@@ -187,7 +187,7 @@ TEST_P(EachType, ConcealsLosses) {
   m_encoder->EncodeLoss(m_out);
   const std::string packet = std::move(m_out);
   EXPECT_FALSE(packet.empty());
-  EXPECT_EQ(DecodeOne(packet).size(), static_cast<size_t>(FrameBytes()));
+  EXPECT_EQ(DecodeOne(packet).size(), static_cast<size_t>(BlockBytes()));
 }
 
 TEST_P(EachType, TakesComplexitiesFrom0To10) {
@@ -195,7 +195,7 @@ TEST_P(EachType, TakesComplexitiesFrom0To10) {
   EXPECT_FALSE(m_encoder->SetComplexity(11));
   for (const int complexity : {0, 1, 4, 5, 10}) {
     EXPECT_TRUE(m_encoder->SetComplexity(complexity)) << complexity;
-    m_encoder->Encode(Frame(2), FrameBytes(), m_out);
+    m_encoder->Encode(Frame(2), BlockBytes(), m_out);
     EXPECT_FALSE(m_out.empty());
   }
 }
@@ -204,7 +204,7 @@ TEST_P(EachType, TakesBitRatesWhereThePacketsVary) {
   for (const int wrong : {-1, 0, INT_MIN}) EXPECT_FALSE(m_encoder->SetBitRate(wrong)) << wrong;
   const int rate = GetParam().type == AAC_PLUS_CODEC ? 32000 : 40000;
   EXPECT_EQ(m_encoder->SetBitRate(rate), GetParam().packet == 0);
-  m_encoder->Encode(Frame(2), FrameBytes(), m_out);
+  m_encoder->Encode(Frame(2), BlockBytes(), m_out);
   EXPECT_FALSE(m_out.empty());
 }
 

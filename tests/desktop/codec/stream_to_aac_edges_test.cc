@@ -50,7 +50,7 @@ TEST_F(StreamToAacEdges, NothingComesOfDamagedFramesAlone) {
   const CapturedStderr log;
   const std::string damaged("\x05\xfc\x02\x49\0\0\0", 7);  // Two frames of Opus, where one is due.
   EXPECT_EQ(Converted(damaged + damaged + damaged), "");
-  EXPECT_THAT(log.Text(), HasSubstr("no frame that could be converted"));
+  EXPECT_THAT(log.Text(), HasSubstr("no packet that could be converted"));
 }
 
 TEST_F(StreamToAacEdges, ADamagedFrameAmongOthersIsLeftOut) {

@@ -14,7 +14,7 @@
 namespace {
 
 using desktop::ConcealingDecoder;
-using desktop::FrameDecoder;
+using desktop::PacketDecoder;
 
 // What a concealing decoder is to give: what a plain one does, louder and softer by its gain.
 class Expected {
@@ -22,11 +22,11 @@ class Expected {
   Expected(int rawId, int rate, int channels)
       : m_rate(rate),
         m_channels(static_cast<size_t>(channels)),
-        m_decoder(FrameDecoder::Create({desktop::FindVariant(rawId), rate, channels})),
-        m_samples(static_cast<size_t>(m_decoder->samplesPerFrame())) {}
+        m_decoder(PacketDecoder::Create({desktop::FindVariant(rawId), rate, channels})),
+        m_samples(m_decoder->blockSamples()) {}
 
   const std::vector<short>& Decoded(const std::vector<uint8_t>& frame) {
-    const auto span = m_decoder->Find(frame.data(), static_cast<int>(frame.size()));
+    const auto span = m_decoder->Find(frame.data(), frame.size());
     EXPECT_TRUE(m_decoder->Decode(frame.data(), span, m_samples.data()));
     Fade(5);
     return m_samples;
@@ -50,7 +50,7 @@ class Expected {
 
   const int m_rate;
   const size_t m_channels;
-  const std::unique_ptr<FrameDecoder> m_decoder;
+  const std::unique_ptr<PacketDecoder> m_decoder;
   std::vector<short> m_samples;
   double m_gain = 0;
 };

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <optional>
 
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -169,12 +170,12 @@ void AecRecorder::LookForEcho(Stream stream, int frames) {
   Detection& detection = *m_detection;
   if (stream == kNear) return;
   if (stream == kFar) {
-    detection.far.Feed(m_mono.data(), frames, [&detection](const short* mono, int count) {
+    detection.far.Feed(m_mono.data(), Size(frames), [&detection](const short* mono, size_t count) {
       detection.tracker.AddFar(mono, count);
     });
     return;
   }
-  detection.out.Feed(m_mono.data(), frames, [&detection](const short* mono, int count) {
+  detection.out.Feed(m_mono.data(), Size(frames), [&detection](const short* mono, size_t count) {
     detection.tracker.AddNear(mono, count);
   });
   const int64_t before = detection.frames / m_rate;

@@ -4,14 +4,14 @@
 #include <cmath>
 #include <numbers>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
 constexpr int kTapsPerBand = 32;
 constexpr double kKaiserBeta = 8.0;  // About 80 dB beside a band.
-
-size_t Size(int count) { return static_cast<size_t>(count); }
 
 // A low-pass filter of unit gain, the window method with a Kaiser window. cutoff: radians per
 // sample.

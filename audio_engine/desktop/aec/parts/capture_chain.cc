@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -12,8 +13,6 @@ namespace {
 
 constexpr int kDenoise = 1;  // About 11 dB of noise.
 constexpr int kStrongDenoise = 2;
-
-uint32_t Unsigned(int value) { return static_cast<uint32_t>(value); }
 
 }  // namespace
 
@@ -87,8 +86,8 @@ bool CaptureChain::Follow(Path& path, const zuwebrtc::AudioFrame& frame) const {
   const uint32_t inside = Unsigned(m_rate / 100);
   path.in = std::make_unique<Resampler>(frames, Unsigned(channels), inside, 1u, frames);
   path.out = std::make_unique<Resampler>(inside, 1u, frames, Unsigned(channels), inside);
-  path.samples.resize(std::max(path.in->MostFramesFor(frames),
-                               path.out->MostFramesFor(inside) * Unsigned(channels)));
+  path.samples.resize(
+      std::max(path.in->MaxFramesFor(frames), path.out->MaxFramesFor(inside) * Unsigned(channels)));
   path.rate = rate;
   path.channels = channels;
   return true;
@@ -127,8 +126,7 @@ bool CaptureChain::ProcessCapture(zuwebrtc::AudioFrame& frame) try {
   if (m_recorder) m_recorder->RecordOutData(samples, bytes);
   if (m_bypassed) return true;
 
-  const uint32_t frames =
-      m_capture.out->Convert(samples, static_cast<uint32_t>(m_block.size()), samples);
+  const size_t frames = m_capture.out->Convert(samples, m_block.size(), samples);
   std::copy_n(samples, frames * Unsigned(m_capture.channels), frame.data_);
   return true;
 } catch (const std::bad_alloc&) {

@@ -3,14 +3,19 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
-constexpr float kSmoothing = 0.9f;  // Of the cross spectrum, per look of 100 ms.
-constexpr float kSureScore = 8.0f;  // From here on the peak of one look is believed.
+// How much of the cross spectrum stays from one look to the next, which comes 100 ms later.
+constexpr float kSmoothing = 0.9f;
 
-// Below, an end is silent: nothing is learnt of its noise. In steps of a 16-bit sample.
+// From here on the peak of one look is believed.
+constexpr float kSureScore = 8.0f;
+
+// Below these an end is silent: nothing is learnt from its noise. On the scale of 16-bit samples.
 constexpr float kLeastFarRms = 5.0f;
 constexpr float kLeastNearRms = 2.0f;
 
@@ -18,56 +23,53 @@ constexpr float kLeastNearRms = 2.0f;
 constexpr float kLowestHz = 100.0f;
 constexpr float kHighestOfHalfRate = 0.95f;
 
-size_t Size(int count) { return static_cast<size_t>(count); }
-
 }  // namespace
 
 DelayTracker::DelayTracker(int rate, int maxDelayMs)
     : m_window(rate == 8000 ? 8192 : 16384),
-      m_hop(rate / 10),
-      m_maxDelay(std::clamp(maxDelayMs, 1, 500) * rate / 1000),
-      m_samplesPerMs(rate / 1000),
-      m_fft(2 * m_window),
+      m_hop(Size(rate / 10)),
+      m_maxDelay(Size(std::clamp(maxDelayMs, 1, 500) * rate / 1000)),
+      m_samplesPerMs(Size(rate / 1000)),
+      m_fft(Count(2 * m_window)),
       m_next(m_hop),
       m_block(Size(m_fft.Size())),
       m_farSpectrum(Size(m_fft.Bins())),
       m_nearSpectrum(Size(m_fft.Bins())),
       m_cross(Size(m_fft.Bins())) {
-  m_far.ring.resize(Size(2 * m_window));
-  m_near.ring.resize(Size(2 * m_window));
+  m_far.ring.resize(2 * m_window);
+  m_near.ring.resize(2 * m_window);
 }
 
-void DelayTracker::Add(End& end, End& other, const short* samples, int count) {
+void DelayTracker::Add(End& end, End& other, const short* samples, size_t count) {
   while (count > 0) {
-    const int piece = std::min(count, m_hop);
-    AddPiece(end, samples, piece);
-    while (end.count - other.count > m_window - m_hop) {
+    const size_t block = std::min(count, m_hop);
+    AddBlock(end, samples, block);
+    while (end.count > other.count + (m_window - m_hop)) {
       static constexpr short kSilence[80] = {};
-      AddPiece(other, kSilence, 80);
+      AddBlock(other, kSilence, 80);
     }
-    samples += piece;
-    count -= piece;
+    samples += block;
+    count -= block;
     while (std::min(end.count, other.count) >= m_next) Analyse();
   }
 }
 
-void DelayTracker::AddPiece(End& end, const short* samples, int count) {
-  for (int i = 0; i < count; ++i) {
-    end.ring[static_cast<size_t>(end.count++) % end.ring.size()] = samples[i];
-  }
+void DelayTracker::AddBlock(End& end, const short* samples, size_t count) {
+  for (size_t i = 0; i < count; ++i) end.ring[end.count++ % end.ring.size()] = samples[i];
 }
 
 // False when the end is silent.
 bool DelayTracker::Transform(const End& end, float leastRms, Spectrum& spectrum) {
-  const auto size = static_cast<int64_t>(end.ring.size());
+  // Before the first whole window, what is looked at starts in the ring's zeros.
+  const size_t first = m_next + end.ring.size() - m_window;
   float energy = 0;
-  for (int i = 0; i < m_window; ++i) {
-    const float sample = end.ring[static_cast<size_t>((m_next - m_window + i + size) % size)];
-    m_block[Size(i)] = sample;
+  for (size_t i = 0; i < m_window; ++i) {
+    const float sample = end.ring[(first + i) % end.ring.size()];
+    m_block[i] = sample;
     energy += sample * sample;
   }
   if (energy < leastRms * leastRms * static_cast<float>(m_window)) return false;
-  std::fill(m_block.begin() + m_window, m_block.end(), 0.0f);
+  std::fill(m_block.begin() + Offset(m_window), m_block.end(), 0.0f);
   m_fft.Forward(m_block.data(), spectrum.data());
   return true;
 }
@@ -99,9 +101,9 @@ void DelayTracker::FindPeak() {
 
   float highestPeak = 0;
   float energy = 0;
-  int at = 0;
-  for (int delay = 0; delay < m_maxDelay; ++delay) {
-    const float height = std::abs(m_block[Size(delay)]);
+  size_t at = 0;
+  for (size_t delay = 0; delay < m_maxDelay; ++delay) {
+    const float height = std::abs(m_block[delay]);
     energy += height * height;
     if (height > highestPeak) {
       highestPeak = height;
@@ -111,7 +113,7 @@ void DelayTracker::FindPeak() {
   if (energy <= 0) return;
 
   const float score = highestPeak / std::sqrt(energy / static_cast<float>(m_maxDelay));
-  if (score > kSureScore) m_delayMs = (at + m_samplesPerMs / 2) / m_samplesPerMs;
+  if (score > kSureScore) m_delayMs = Count((at + m_samplesPerMs / 2) / m_samplesPerMs);
   ++m_scores[std::min(m_scores.size() - 1, static_cast<size_t>(10 * score))];
   ++m_looks;
 }

@@ -2,7 +2,7 @@
 
 #include <array>
 #include <complex>
-#include <cstdint>
+#include <cstddef>
 #include <vector>
 
 #include "desktop/dsp/real_fft.h"
@@ -20,10 +20,11 @@ class DelayTracker {
 
   // Take any number of samples each. Where one end is more than a second ahead of the other, the
   // other is taken to have been silent.
-  void AddFar(const short* samples, int count) { Add(m_far, m_near, samples, count); }
-  void AddNear(const short* samples, int count) { Add(m_near, m_far, samples, count); }
+  void AddFar(const short* samples, size_t count) { Add(m_far, m_near, samples, count); }
+  void AddNear(const short* samples, size_t count) { Add(m_near, m_far, samples, count); }
 
-  int DelayMs() const { return m_delayMs; }  // The last sure one; 0 until there is one.
+  // The last delay that was sure; 0 until there is one.
+  int DelayMs() const { return m_delayMs; }
 
   // How far the peak of the correlation stands above its mean, as the median over the run: about 5
   // for unrelated signals and 10 to 35 with an echo. 0 until both ends have sounded for a second.
@@ -34,31 +35,41 @@ class DelayTracker {
 
  private:
   struct End {
+    // The last samples.
     std::vector<float> ring;
-    int64_t count = 0;  // Samples taken.
+
+    // How many samples were taken.
+    size_t count = 0;
   };
   using Spectrum = std::vector<std::complex<float>>;
 
-  void Add(End& end, End& other, const short* samples, int count);
-  void AddPiece(End& end, const short* samples, int count);
+  void Add(End& end, End& other, const short* samples, size_t count);
+  void AddBlock(End& end, const short* samples, size_t count);
   bool Transform(const End& end, float leastRms, Spectrum& spectrum);
   void Analyse();
   void FindPeak();
 
-  const int m_window;    // Samples looked at.
-  const int m_hop;       // From one look to the next.
-  const int m_maxDelay;  // Samples.
-  const int m_samplesPerMs;
+  // All in samples: how many are looked at, how many lie between two looks, and the longest delay.
+  const size_t m_window;
+  const size_t m_hop;
+  const size_t m_maxDelay;
+  const size_t m_samplesPerMs;
   RealFft m_fft;
   End m_far;
   End m_near;
-  int64_t m_next;  // The sample that ends the next look.
+
+  // The sample that ends the next look.
+  size_t m_next;
   std::vector<float> m_block;
   Spectrum m_farSpectrum;
   Spectrum m_nearSpectrum;
-  Spectrum m_cross;  // Smoothed.
+
+  // The cross spectrum, smoothed.
+  Spectrum m_cross;
   int m_delayMs = 0;
-  std::array<int, 1000> m_scores = {};  // How often each tenth of a score was seen.
+
+  // How often each tenth of a score was seen, in m_looks looks.
+  std::array<int, 1000> m_scores = {};
   int m_looks = 0;
 };
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "desktop/common/apm.h"
+#include "desktop/common/counts.h"
 
 namespace desktop {
 
@@ -27,8 +28,6 @@ constexpr int kLeastMarginMs = 20;
 constexpr int kMostMarginMs = 150;
 
 constexpr float kFullScale = 32768.0f;
-
-size_t Size(int count) { return static_cast<size_t>(count); }
 
 webrtc::AudioProcessing* CreateApm(int rate) {
   webrtc::Config config;
@@ -124,8 +123,8 @@ void EchoCanceller::FollowDelay(const float* near) {
       });
       return m_shorts.data();
     };
-    m_tracker->AddFar(take(m_far.data()), m_block);
-    m_tracker->AddNear(take(near), m_block);
+    m_tracker->AddFar(take(m_far.data()), m_shorts.size());
+    m_tracker->AddNear(take(near), m_shorts.size());
     m_delayMs = m_tracker->DelayMs();
   }
   const int wanted = std::max(0, m_delayMs - kModuleMarginMs);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
@@ -30,8 +32,6 @@ constexpr float kUsefulness = 0.25f;
 constexpr float kUselessness = 0.7f;
 constexpr int kUselessBlocks = 50;
 constexpr float kFarRms = 50.0f;  // Below, nothing can be told.
-
-size_t Size(int count) { return static_cast<size_t>(count); }
 
 // The sum of the squares of `count` samples.
 float Energy(const float* samples, int count) {

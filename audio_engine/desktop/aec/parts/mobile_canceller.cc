@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
@@ -12,8 +14,6 @@ constexpr int kNoiseLagSamples = 96;  // Of noise suppression alone, at 16 kHz.
 
 // Even the weakest noise suppression takes about 1 dB of speech, which is given back.
 constexpr float kSpeechGain = 1.1f;
-
-size_t Size(int count) { return static_cast<size_t>(count); }
 
 // The energy of the upper half of a signal's band.
 float UpperEnergy(const float* samples, int count) {

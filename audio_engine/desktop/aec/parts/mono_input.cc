@@ -1,12 +1,13 @@
 #include "desktop/aec/parts/mono_input.h"
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
-constexpr uint32_t kFrames = 480;  // Of one piece.
-
-uint32_t Unsigned(int value) { return static_cast<uint32_t>(value); }
+// The most frames that are converted at once.
+constexpr size_t kMaxFrames = 480;
 
 }  // namespace
 
@@ -15,21 +16,19 @@ bool MonoInput::Accepts(int rate, int channels) {
 }
 
 MonoInput::MonoInput(int rate, int channels)
-    : m_channels(channels),
-      m_resampler(Unsigned(rate), Unsigned(channels), Unsigned(TrackedRate(rate)), 1, kFrames),
-      m_frames(kFrames * Unsigned(channels)),
-      m_mono(m_resampler.MostFramesFor(kFrames)) {}
+    : m_channels(Size(channels)),
+      m_resampler(Unsigned(rate), Unsigned(channels), Unsigned(TrackedRate(rate)), 1, kMaxFrames),
+      m_frames(kMaxFrames * Size(channels)),
+      m_mono(m_resampler.MaxFramesFor(kMaxFrames)) {}
 
-void MonoInput::Feed(const short* samples, int count,
-                     const std::function<void(const short*, int)>& take) {
-  const auto channels = Unsigned(m_channels);
-  for (int i = 0; i < count; ++i) {
+void MonoInput::Feed(const short* samples, size_t count,
+                     const std::function<void(const short*, size_t)>& take) {
+  for (size_t i = 0; i < count; ++i) {
     m_frames[m_filled++] = samples[i];
-    const bool last = i + 1 == count && m_filled % channels == 0;
+    const bool last = i + 1 == count && m_filled % m_channels == 0;
     if (m_filled < m_frames.size() && !last) continue;
-    const uint32_t frames = static_cast<uint32_t>(m_filled) / channels;
-    take(m_mono.data(),
-         static_cast<int>(m_resampler.Convert(m_frames.data(), frames, m_mono.data())));
+    const size_t frames = m_filled / m_channels;
+    take(m_mono.data(), m_resampler.Convert(m_frames.data(), frames, m_mono.data()));
     m_filled = 0;
   }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <memory>
 #include <vector>
 
 #include "desktop/dsp/rate/resampler.h"
@@ -17,15 +17,19 @@ class MonoInput {
   static bool Accepts(int rate, int channels);
   static int TrackedRate(int rate) { return rate == 8000 ? 8000 : 16000; }
 
-  // Hands on what `count` interleaved samples give, in pieces. A frame that is cut by the end of
+  // Hands on what `count` interleaved samples give, in blocks. A frame that is cut by the end of
   // the samples goes on with the next call.
-  void Feed(const short* samples, int count, const std::function<void(const short*, int)>& take);
+  void Feed(const short* samples, size_t count,
+            const std::function<void(const short*, size_t)>& take);
 
  private:
-  const int m_channels;
+  const size_t m_channels;
   Resampler m_resampler;
-  std::vector<short> m_frames;  // Whole frames on their way in.
+
+  // The next block to convert, of which m_filled samples have come.
+  std::vector<short> m_frames;
   size_t m_filled = 0;
+
   std::vector<short> m_mono;
 };
 

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/common/counts.h"
 
 namespace desktop {
 
@@ -24,10 +25,11 @@ struct CloseDecoder {
 using Encoder = std::unique_ptr<AACENCODER, CloseEncoder>;
 using Decoder = std::unique_ptr<std::remove_pointer_t<HANDLE_AACDECODER>, CloseDecoder>;
 
-constexpr int kMaxUnitBytes = 2 * 6144 / 8;  // The most that the standard allows two channels.
+// The longest access unit that the standard allows two channels.
+constexpr int kMaxUnitBytes = 2 * 6144 / 8;
 
 bool Set(AACENCODER* encoder, AACENC_PARAM parameter, int value) {
-  return aacEncoder_SetParam(encoder, parameter, static_cast<UINT>(value)) == AACENC_OK;
+  return aacEncoder_SetParam(encoder, parameter, Unsigned(value)) == AACENC_OK;
 }
 
 // What was set takes effect here.
@@ -60,13 +62,14 @@ bool IsSupported(const CodecSetup& setup) {
 bool SetVariant(AACENCODER* encoder, const CodecSetup& setup, bool sbr) {
   switch (setup.variant->coder) {
     case Coder::kAacLc: {
-      // No access unit may outgrow its frame: two channels could reach 1536 bytes.
-      const int peak = kMaxEncodedBytes * 8 * setup.rate / 1024;
+      // No access unit may outgrow its packet: two channels could reach 1536 bytes.
+      constexpr int kMaxBits = 8 * kMaxEncodedPayloadBytes;
+      const int peak = kMaxBits * setup.rate / 1024;
       return setup.channels == 1 || Set(encoder, AACENC_PEAK_BITRATE, peak);
     }
     case Coder::kAacEld:
     case Coder::kAacEldSbr:
-      // Dual-rate: frames of 512 core samples last 1024.
+      // At the dual rate, blocks of 512 frames of the core coder last 1024.
       return Set(encoder, AACENC_GRANULE_LENGTH, 512) &&
              Set(encoder, AACENC_SBR_MODE, sbr ? 1 : 0) &&
              (!sbr || Set(encoder, AACENC_SBR_RATIO, 2));
@@ -78,7 +81,7 @@ bool SetVariant(AACENCODER* encoder, const CodecSetup& setup, bool sbr) {
 Encoder OpenWith(const CodecSetup& setup, bool sbr) {
   if (!IsSupported(setup)) return nullptr;
   HANDLE_AACENCODER handle = nullptr;
-  if (aacEncOpen(&handle, 0, static_cast<UINT>(setup.channels)) != AACENC_OK) return nullptr;
+  if (aacEncOpen(&handle, 0, Unsigned(setup.channels)) != AACENC_OK) return nullptr;
   Encoder encoder(handle);
   // Without the afterburner LC loses 5 to 8 dB.
   const bool ready = Set(handle, AACENC_AOT, ObjectType(setup.variant->coder)) &&
@@ -91,9 +94,10 @@ Encoder OpenWith(const CodecSetup& setup, bool sbr) {
   return ready ? std::move(encoder) : nullptr;
 }
 
-// At low rates a packet of ordinary length already would not fit its frame.
-bool FitsFrame(int64_t bitRate, int64_t frameSamples, int rate) {
-  return bitRate / 8 * frameSamples <= int64_t{kMaxEncodedBytes} * rate;
+// At low rates a payload of ordinary length already would not fit its packet.
+bool FitsPacket(int64_t bitRate, int64_t blockFrames, int rate) {
+  constexpr int64_t kMaxBytes = kMaxEncodedPayloadBytes;
+  return bitRate / 8 * blockFrames <= kMaxBytes * rate;
 }
 
 Encoder Open(const CodecSetup& setup, AACENC_InfoStruct* info) {
@@ -102,47 +106,48 @@ Encoder Open(const CodecSetup& setup, AACENC_InfoStruct* info) {
     encoder = OpenWith(setup, false);
   }
   const bool usable = encoder != nullptr && aacEncInfo(encoder.get(), info) == AACENC_OK &&
-                      FitsFrame(setup.variant->bitRate, info->frameLength, setup.rate);
+                      FitsPacket(setup.variant->bitRate, info->frameLength, setup.rate);
   return usable ? std::move(encoder) : nullptr;
 }
 
-class AacEncoder : public PacketEncoder {
+class AacEncoder : public PayloadEncoder {
  public:
-  AacEncoder(Encoder encoder, const CodecSetup& setup, int frame)
+  AacEncoder(Encoder encoder, const CodecSetup& setup, int blockFrames)
       : m_encoder(std::move(encoder)),
         m_rate(setup.rate),
         m_channels(setup.channels),
-        m_frame(frame) {}
+        m_blockFrames(blockFrames) {}
 
-  int frameSamples() const override { return m_frame; }
+  size_t blockFrames() const override { return Size(m_blockFrames); }
 
-  int Encode(const short* frame, unsigned char* packet) override {
-    void* in = const_cast<short*>(frame);
+  size_t Encode(const short* block, unsigned char* payload) override {
+    void* in = const_cast<short*>(block);
     int inKind = IN_AUDIO_DATA;
     int inElement = sizeof(short);
-    int inBytes = m_frame * m_channels * inElement;
+    int inBytes = m_blockFrames * m_channels * inElement;
     const AACENC_BufDesc source = {1, &in, &inKind, &inBytes, &inElement};
     void* out = m_unit;
     int outKind = OUT_BITSTREAM_DATA;
     int outElement = 1;
     int outBytes = kMaxUnitBytes;
     const AACENC_BufDesc target = {1, &out, &outKind, &outBytes, &outElement};
-    const AACENC_InArgs given = {m_frame * m_channels, 0};
+    const AACENC_InArgs given = {m_blockFrames * m_channels, 0};
     AACENC_OutArgs made = {};
     if (aacEncEncode(m_encoder.get(), &source, &target, &given, &made) != AACENC_OK) return 0;
-    if (made.numOutBytes > kMaxEncodedBytes) return 0;
-    memcpy(packet, m_unit, static_cast<size_t>(made.numOutBytes));
-    return made.numOutBytes;
+    const size_t bytes = Size(made.numOutBytes);
+    if (bytes > kMaxEncodedPayloadBytes) return 0;
+    memcpy(payload, m_unit, bytes);
+    return bytes;
   }
 
   bool SetBitRate(int bitRate) override {
     const UINT before = BitRate();
-    // The library takes any number and limits it to what its packets could hold.
+    // The library takes any number and limits it to what its payloads could hold.
     if (bitRate > 0 && Set(m_encoder.get(), AACENC_BITRATE, bitRate) &&
-        Configure(m_encoder.get()) && FitsFrame(BitRate(), m_frame, m_rate)) {
+        Configure(m_encoder.get()) && FitsPacket(BitRate(), m_blockFrames, m_rate)) {
       return true;
     }
-    Set(m_encoder.get(), AACENC_BITRATE, static_cast<int>(before));
+    Set(m_encoder.get(), AACENC_BITRATE, Count(before));
     Configure(m_encoder.get());
     return false;
   }
@@ -159,65 +164,64 @@ class AacEncoder : public PacketEncoder {
   Encoder m_encoder;
   const int m_rate;
   const int m_channels;
-  const int m_frame;
+  const int m_blockFrames;
   unsigned char m_unit[kMaxUnitBytes];
 };
 
-class AacDecoder : public PacketDecoder {
+class AacDecoder : public PayloadDecoder {
  public:
-  AacDecoder(Decoder decoder, const CodecSetup& setup, int frame)
+  AacDecoder(Decoder decoder, const CodecSetup& setup, int blockFrames)
       : m_decoder(std::move(decoder)),
         m_rate(setup.rate),
         m_channels(setup.channels),
-        m_frame(frame) {}
+        m_blockFrames(blockFrames) {}
 
-  int frameSamples() const override { return m_frame; }
+  size_t blockFrames() const override { return Size(m_blockFrames); }
 
-  bool Decode(const unsigned char* packet, int bytes, short* frame) override {
-    auto* data = const_cast<UCHAR*>(packet);
-    const auto size = static_cast<UINT>(bytes);
+  bool Decode(const unsigned char* payload, size_t bytes, short* block) override {
+    auto* data = const_cast<UCHAR*>(payload);
+    const UINT size = Unsigned(Count(bytes));
     UINT left = size;
-    return aacDecoder_Fill(m_decoder.get(), &data, &size, &left) == AAC_DEC_OK && Take(frame, 0);
+    return aacDecoder_Fill(m_decoder.get(), &data, &size, &left) == AAC_DEC_OK && Take(block, 0);
   }
 
-  bool Conceal(short* frame) override { return Take(frame, AACDEC_CONCEAL); }
+  bool Conceal(short* block) override { return Take(block, AACDEC_CONCEAL); }
 
  private:
-  // The library sees to it that no damage changes the length or the channels of a frame only in
-  // part; what differs all the same is no frame of this stream.
-  bool Take(short* frame, UINT flags) {
-    if (aacDecoder_DecodeFrame(m_decoder.get(), m_samples, kMaxFrameSamples, flags) != AAC_DEC_OK) {
+  // The library sees to it that no damage changes the length or the channels of a block only in
+  // part; a block that differs all the same is none of this stream.
+  bool Take(short* block, UINT flags) {
+    if (aacDecoder_DecodeFrame(m_decoder.get(), m_samples, kMaxBlockSamples, flags) != AAC_DEC_OK) {
       return false;
     }
     const CStreamInfo* info = aacDecoder_GetStreamInfo(m_decoder.get());
     if (info->sampleRate != m_rate || info->numChannels != m_channels ||
-        info->frameSize != m_frame) {
+        info->frameSize != m_blockFrames) {
       return false;
     }
-    memcpy(frame, m_samples, sizeof(short) * static_cast<size_t>(m_frame * m_channels));
+    memcpy(block, m_samples, sizeof(short) * Size(m_blockFrames * m_channels));
     return true;
   }
 
   Decoder m_decoder;
   const int m_rate;
   const int m_channels;
-  const int m_frame;
-  INT_PCM m_samples[kMaxFrameSamples];
+  const int m_blockFrames;
+  INT_PCM m_samples[kMaxBlockSamples];
 };
 
 static_assert(sizeof(INT_PCM) == sizeof(short));
 
 }  // namespace
 
-std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& setup) {
+std::unique_ptr<PayloadEncoder> CreateAacEncoder(const CodecSetup& setup) {
   AACENC_InfoStruct info = {};
   Encoder encoder = Open(setup, &info);
   if (encoder == nullptr) return nullptr;
-  const auto frame = static_cast<int>(info.frameLength);
-  return std::make_unique<AacEncoder>(std::move(encoder), setup, frame);
+  return std::make_unique<AacEncoder>(std::move(encoder), setup, Count(info.frameLength));
 }
 
-std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup) {
+std::unique_ptr<PayloadDecoder> CreateAacDecoder(const CodecSetup& setup) {
   // Bare access units do not say how they are coded; an encoder alike does.
   AACENC_InfoStruct info = {};
   const Encoder encoder = Open(setup, &info);
@@ -233,8 +237,7 @@ std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& setup) {
       aacDecoder_SetParam(handle, AAC_PCM_MIN_OUTPUT_CHANNELS, setup.channels) == AAC_DEC_OK &&
       aacDecoder_SetParam(handle, AAC_PCM_MAX_OUTPUT_CHANNELS, setup.channels) == AAC_DEC_OK;
   if (!ready) return nullptr;
-  return std::make_unique<AacDecoder>(std::move(decoder), setup,
-                                      static_cast<int>(info.frameLength));
+  return std::make_unique<AacDecoder>(std::move(decoder), setup, Count(info.frameLength));
 }
 
 }  // namespace desktop

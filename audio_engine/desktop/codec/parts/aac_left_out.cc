@@ -4,8 +4,8 @@
 
 namespace desktop {
 
-std::unique_ptr<PacketEncoder> CreateAacEncoder(const CodecSetup& /*setup*/) { return nullptr; }
+std::unique_ptr<PayloadEncoder> CreateAacEncoder(const CodecSetup& /*setup*/) { return nullptr; }
 
-std::unique_ptr<PacketDecoder> CreateAacDecoder(const CodecSetup& /*setup*/) { return nullptr; }
+std::unique_ptr<PayloadDecoder> CreateAacDecoder(const CodecSetup& /*setup*/) { return nullptr; }
 
 }  // namespace desktop

@@ -4,8 +4,8 @@
 
 namespace desktop {
 
-// TransZUStreamToAAC, with at most the whole frames that fit `most` bytes, which an int holds. What
-// exceeds them is left out, with one line in the log.
-int ConvertToAdts(const unsigned char* data, int size, size_t most, unsigned char** out);
+// Does what TransZUStreamToAAC does, with no more whole packets than fit `maxBytes` bytes, at most
+// INT_MAX. What exceeds them is left out, with one line in the log.
+int ConvertToAdts(const unsigned char* data, size_t size, size_t maxBytes, unsigned char** out);
 
 }  // namespace desktop

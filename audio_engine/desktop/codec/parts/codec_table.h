@@ -12,10 +12,14 @@ enum class Framing { kTwoByteHeader, kAdts, kBare };
 // How one raw codec id is coded.
 struct CodecVariant {
   int rawId;
-  ZUAudioCodec family;  // Of CreateAudioCodec; kAudioCodecUnknown where there is none.
+
+  // The family whose codec CreateAudioCodec makes; kAudioCodecUnknown where there is none.
+  ZUAudioCodec family;
   Coder coder;
-  int quality;  // Speex: its quality. AMR-WB: its mode. Else not used.
-  int bitRate;  // bit/s.
+
+  // The quality of Speex or the mode of AMR-WB; not used by the others.
+  int quality;
+  int bitRate;  // bit/s
   Framing framing;
 };
 

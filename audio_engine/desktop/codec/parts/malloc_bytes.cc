@@ -6,7 +6,7 @@
 namespace desktop {
 
 bool MallocBytes::Append(const unsigned char* data, size_t count) {
-  if (count > m_most - m_size) {
+  if (count > m_maxBytes - m_size) {
     m_full = true;
     return false;
   }
@@ -29,7 +29,7 @@ unsigned char* MallocBytes::Release() {
 // Doubling keeps the number of moves small however the bytes come.
 bool MallocBytes::Reserve(size_t bytes) {
   if (bytes <= m_capacity) return true;
-  const size_t doubled = std::min(m_most, std::max(bytes, 2 * m_capacity));
+  const size_t doubled = std::min(m_maxBytes, std::max(bytes, 2 * m_capacity));
   auto* memory = static_cast<unsigned char*>(realloc(m_data.get(), doubled));
   if (memory == nullptr) return false;
   static_cast<void>(m_data.release());  // realloc has freed or moved it.

@@ -9,13 +9,12 @@ namespace desktop {
 // Bytes that grow at constant cost each, up to a limit, in memory that free() releases.
 class MallocBytes {
  public:
-  // most: how many there may be.
-  explicit MallocBytes(size_t most) : m_most(most) {}
+  explicit MallocBytes(size_t maxBytes) : m_maxBytes(maxBytes) {}
 
   // Appends `count` bytes, all of them or none: false when they exceed the limit or the memory.
   bool Append(const unsigned char* data, size_t count);
 
-  // What a refused Append ran into. Nothing more should be appended then.
+  // Which of the two made an Append fail. Nothing more should be appended then.
   bool IsFull() const { return m_full; }
   bool IsOutOfMemory() const { return m_outOfMemory; }
 
@@ -33,7 +32,7 @@ class MallocBytes {
 
   bool Reserve(size_t bytes);
 
-  const size_t m_most;
+  const size_t m_maxBytes;
   std::unique_ptr<unsigned char, Free> m_data;
   size_t m_size = 0;
   size_t m_capacity = 0;

@@ -3,6 +3,7 @@
 #include <opus.h>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/common/counts.h"
 
 namespace desktop {
 
@@ -15,15 +16,17 @@ struct Destroy {
 using Encoder = std::unique_ptr<OpusEncoder, Destroy>;
 using Decoder = std::unique_ptr<OpusDecoder, Destroy>;
 
-class OpusPacketEncoder : public PacketEncoder {
+class OpusPayloadEncoder : public PayloadEncoder {
  public:
-  OpusPacketEncoder(Encoder encoder, int frame) : m_encoder(std::move(encoder)), m_frame(frame) {}
+  OpusPayloadEncoder(Encoder encoder, int rate)
+      : m_encoder(std::move(encoder)), m_blockFrames(rate / 50) {}
 
-  int frameSamples() const override { return m_frame; }
+  size_t blockFrames() const override { return Size(m_blockFrames); }
 
-  int Encode(const short* frame, unsigned char* packet) override {
-    const int bytes = opus_encode(m_encoder.get(), frame, m_frame, packet, kMaxEncodedBytes);
-    return bytes > 0 ? bytes : 0;
+  size_t Encode(const short* block, unsigned char* payload) override {
+    // An error is a negative number.
+    return Size(
+        opus_encode(m_encoder.get(), block, m_blockFrames, payload, kMaxEncodedPayloadBytes));
   }
 
   // Negative numbers have meanings of their own in the library.
@@ -37,35 +40,38 @@ class OpusPacketEncoder : public PacketEncoder {
 
  private:
   Encoder m_encoder;
-  const int m_frame;
+  const int m_blockFrames;
 };
 
-class OpusPacketDecoder : public PacketDecoder {
+class OpusPayloadDecoder : public PayloadDecoder {
  public:
-  OpusPacketDecoder(Decoder decoder, int rate)
-      : m_decoder(std::move(decoder)), m_rate(rate), m_frame(rate / 50) {}
+  OpusPayloadDecoder(Decoder decoder, int rate)
+      : m_decoder(std::move(decoder)), m_rate(rate), m_blockFrames(rate / 50) {}
 
-  int frameSamples() const override { return m_frame; }
+  size_t blockFrames() const override { return Size(m_blockFrames); }
 
-  bool Decode(const unsigned char* packet, int bytes, short* frame) override {
-    // A packet of another length would leave a part of the frame as it was.
-    if (bytes < 1 || opus_packet_get_nb_samples(packet, bytes, m_rate) != m_frame) return false;
-    return opus_decode(m_decoder.get(), packet, bytes, frame, m_frame, 0) == m_frame;
+  bool Decode(const unsigned char* payload, size_t bytes, short* block) override {
+    // A payload of another length would leave a part of the block as it was.
+    const int length = Count(bytes);
+    if (length < 1 || opus_packet_get_nb_samples(payload, length, m_rate) != m_blockFrames) {
+      return false;
+    }
+    return opus_decode(m_decoder.get(), payload, length, block, m_blockFrames, 0) == m_blockFrames;
   }
 
-  bool Conceal(short* frame) override {
-    return opus_decode(m_decoder.get(), nullptr, 0, frame, m_frame, 0) == m_frame;
+  bool Conceal(short* block) override {
+    return opus_decode(m_decoder.get(), nullptr, 0, block, m_blockFrames, 0) == m_blockFrames;
   }
 
  private:
   Decoder m_decoder;
   const int m_rate;
-  const int m_frame;
+  const int m_blockFrames;
 };
 
 }  // namespace
 
-std::unique_ptr<PacketEncoder> CreateOpusEncoder(const CodecSetup& setup) {
+std::unique_ptr<PayloadEncoder> CreateOpusEncoder(const CodecSetup& setup) {
   // The application for speech has a high-pass, which costs up to 10 dB of waveform accuracy.
   int error = OPUS_OK;
   Encoder encoder(opus_encoder_create(setup.rate, setup.channels, OPUS_APPLICATION_AUDIO, &error));
@@ -76,23 +82,23 @@ std::unique_ptr<PacketEncoder> CreateOpusEncoder(const CodecSetup& setup) {
   };
   bool ready = set(OPUS_SET_BITRATE_REQUEST, setup.variant->bitRate);
   if (setup.variant->coder == Coder::kSilk) {
-    // Together these two leave Silk frames only.
+    // Together these two leave Silk alone.
     ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_VOICE) &&
             set(OPUS_SET_MAX_BANDWIDTH_REQUEST, OPUS_BANDWIDTH_WIDEBAND);
   } else if (setup.rate == 48000) {
-    // Frames without Silk, for speech as well: 3 dB better at these rates, and the lag of all
-    // bands is the same. Silk's part of a hybrid frame is 2 samples early.
+    // No Silk, for speech as well: 3 dB better at these rates, and the lag of all bands is the
+    // same. Silk's part of a hybrid payload is 2 frames early.
     ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_MUSIC);
   }
   if (!ready) return nullptr;
-  return std::make_unique<OpusPacketEncoder>(std::move(encoder), setup.rate / 50);
+  return std::make_unique<OpusPayloadEncoder>(std::move(encoder), setup.rate);
 }
 
-std::unique_ptr<PacketDecoder> CreateOpusDecoder(const CodecSetup& setup) {
+std::unique_ptr<PayloadDecoder> CreateOpusDecoder(const CodecSetup& setup) {
   int error = OPUS_OK;
   Decoder decoder(opus_decoder_create(setup.rate, setup.channels, &error));
   if (decoder == nullptr) return nullptr;
-  return std::make_unique<OpusPacketDecoder>(std::move(decoder), setup.rate);
+  return std::make_unique<OpusPayloadDecoder>(std::move(decoder), setup.rate);
 }
 
 // The encoder looks 6.5 ms ahead; at 24 kHz, Silk's change of rate takes one sample back.

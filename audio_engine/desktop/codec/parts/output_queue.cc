@@ -3,20 +3,22 @@
 #include <algorithm>
 #include <cstring>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
-constexpr size_t kMostWaiting = size_t{1} << 20;
+constexpr size_t kMaxWaitingBytes = size_t{1} << 20;
 
 }  // namespace
 
-OutputQueue::OutputQueue(const FrameHeader& header) : m_header(header), m_unitBytes(0) {
-  m_waiting.reserve(kMostWaiting);
+OutputQueue::OutputQueue(const PacketHeader& header) : m_header(header), m_unitBytes(0) {
+  m_waiting.reserve(kMaxWaitingBytes);
 }
 
 OutputQueue::OutputQueue(size_t unitBytes) : m_unitBytes(unitBytes) {
-  m_waiting.reserve(kMostWaiting);
+  m_waiting.reserve(kMaxWaitingBytes);
 }
 
 void OutputQueue::Begin(unsigned char* out, size_t room) {
@@ -26,9 +28,8 @@ void OutputQueue::Begin(unsigned char* out, size_t room) {
   size_t bytes = 0;
   if (m_header) {
     while (bytes < m_waiting.size()) {
-      const FrameSpan span =
-          m_header->Read(m_waiting.data() + bytes, static_cast<int>(m_waiting.size() - bytes));
-      const auto packet = static_cast<size_t>(span.frameBytes);
+      const size_t packet =
+          m_header->Read(m_waiting.data() + bytes, m_waiting.size() - bytes).packetBytes;
       if (packet == 0 || bytes + packet > room) break;
       bytes += packet;
     }
@@ -36,14 +37,14 @@ void OutputQueue::Begin(unsigned char* out, size_t room) {
     bytes = Fitting(m_waiting.size());
   }
   Give(m_waiting.data(), bytes);
-  m_waiting.erase(m_waiting.begin(), m_waiting.begin() + static_cast<std::ptrdiff_t>(bytes));
+  m_waiting.erase(m_waiting.begin(), m_waiting.begin() + Offset(bytes));
 }
 
 bool OutputQueue::Add(const unsigned char* data, size_t bytes) {
   const size_t now = m_waiting.empty() ? Fitting(bytes) : 0;
   Give(data, now);
   const size_t later = bytes - now;
-  if (m_waiting.size() + later > kMostWaiting) return false;
+  if (m_waiting.size() + later > kMaxWaitingBytes) return false;
   m_waiting.insert(m_waiting.end(), data + now, data + bytes);
   return true;
 }

@@ -4,32 +4,34 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/codec/parts/frame_header.h"
+#include "desktop/codec/parts/packet_header.h"
 
 namespace desktop {
 
-// Hands units of bytes (packets, or frames of samples) over to a caller whose room may be too small
+// Hands units of bytes (packets, or frames) over to a caller whose room may be too small
 // for them: what does not fit waits for its next call. Allocates nothing after construction.
 class OutputQueue {
  public:
-  // Packets with this header.
-  explicit OutputQueue(const FrameHeader& header);
-  // Sample frames of `unitBytes` bytes.
+  // For packets with this header.
+  explicit OutputQueue(const PacketHeader& header);
+
+  // For frames of `unitBytes` bytes.
   explicit OutputQueue(size_t unitBytes);
 
   // Starts a call with `room` bytes at `out`, with what waited.
   void Begin(unsigned char* out, size_t room);
 
-  // One packet, or any number of sample frames. False when too much waits and some were dropped.
+  // Takes one packet, or any number of frames. False when too much waits and some were dropped.
   bool Add(const unsigned char* data, size_t bytes);
 
-  size_t given() const { return m_given; }  // Bytes written since Begin.
+  // Bytes written since Begin.
+  size_t given() const { return m_given; }
 
  private:
   size_t Fitting(size_t bytes) const;
   void Give(const unsigned char* data, size_t bytes);
 
-  const std::optional<FrameHeader> m_header;
+  const std::optional<PacketHeader> m_header;
   const size_t m_unitBytes;
   std::vector<unsigned char> m_waiting;
   unsigned char* m_out = nullptr;

@@ -1,64 +1,89 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <utility>
+
+#include "desktop/codec/parts/packet_header.h"
+#include "desktop/codec/parts/payload_codec.h"
 
 namespace desktop {
 
-struct CodecVariant;
+// A line in the engine's log, once for the object that it belongs to.
+class LogOnce {
+ public:
+  void operator()(const char* what, int rawId);
 
-// The longest packet that a decoder takes: a 2-byte header has 10 bits for its length and that of
-// the raw id.
-constexpr int kMaxPacketBytes = 1022;
+  // True the first time: for a line in other words.
+  bool IsFirst() { return !std::exchange(m_done, true); }
 
-// The longest packet that an encoder gives: with its 2-byte header and the raw id it fits the 1024
-// bytes that callers have room for.
-constexpr int kMaxEncodedBytes = 1021;
-
-// The longest frame of any codec, all channels.
-constexpr int kMaxFrameSamples = 2048 * 2;
-
-// What one codec object codes.
-struct CodecSetup {
-  const CodecVariant* variant;
-  int rate;  // Hz.
-  int channels;
+ private:
+  bool m_done = false;
 };
 
-// Codes frames of interleaved samples into bare packets, one to one. Allocates nothing per frame.
+// Codes blocks of interleaved samples into packets. Allocates nothing per block.
 class PacketEncoder {
  public:
-  virtual ~PacketEncoder() = default;
+  // Null when this build does not code that. log: of the object that this is a part of and that
+  // outlives it; null for one of its own.
+  static std::unique_ptr<PacketEncoder> Create(const CodecSetup& setup, LogOnce* log = nullptr);
 
-  virtual int frameSamples() const = 0;  // Per channel.
+  // The length of every block: in samples of all channels, and in frames.
+  size_t blockSamples() const { return m_samples; }
+  size_t blockFrames() const { return m_encoder->blockFrames(); }
 
-  // Codes one frame into `packet`, which has room for kMaxEncodedBytes. Returns the packet's
-  // bytes; 0 when it failed or the packet would be longer.
-  virtual int Encode(const short* frame, unsigned char* packet) = 0;
+  // Codes one block into `packet`, which has room for kMaxPacketBytes. Returns the bytes written;
+  // 0, and once a line in the log, when there is no payload or it is too long for its header.
+  size_t Encode(const short* block, unsigned char* packet);
 
-  virtual bool SetBitRate(int bitRate) = 0;        // bit/s. False when the codec refuses it.
-  virtual bool SetComplexity(int complexity) = 0;  // 0 to 10.
+  bool SetBitRate(int bitRate) { return m_encoder->SetBitRate(bitRate); }
+  bool SetComplexity(int complexity) { return m_encoder->SetComplexity(complexity); }
+
+ private:
+  PacketEncoder(const CodecSetup& setup, std::unique_ptr<PayloadEncoder> encoder, LogOnce* log);
+
+  const PacketHeader m_header;
+  const int m_rawId;
+  std::unique_ptr<PayloadEncoder> m_encoder;
+  const size_t m_samples;
+  LogOnce m_ownLog;
+  LogOnce& m_log;
 };
 
-// The reverse.
+// Decodes packets into blocks of interleaved samples. Allocates nothing per block.
 class PacketDecoder {
  public:
-  virtual ~PacketDecoder() = default;
+  // As PacketEncoder::Create.
+  static std::unique_ptr<PacketDecoder> Create(const CodecSetup& setup, LogOnce* log = nullptr);
 
-  virtual int frameSamples() const = 0;  // Per channel.
+  // The length of every block: in samples of all channels, and in frames.
+  size_t blockSamples() const { return m_samples; }
+  size_t blockFrames() const { return m_decoder->blockFrames(); }
 
-  // Decodes one packet into `frame`, always a whole one. False when the packet is damaged.
-  virtual bool Decode(const unsigned char* packet, int bytes, short* frame) = 0;
+  // Looks at the packet that starts at `data`, as PacketHeader::Read does.
+  PacketSpan Find(const unsigned char* data, size_t size) const {
+    return m_header.Read(data, size);
+  }
 
-  // Makes up a frame in place of one that was lost. False when there is nothing to make it from.
-  virtual bool Conceal(short* frame) = 0;
+  // Decodes the whole packet `span` at `data` into `block`. False, and once a line in the log, when
+  // it is damaged.
+  bool Decode(const unsigned char* data, const PacketSpan& span, short* block);
+
+  // Notes bytes that are no packet: once a line in the log.
+  void Refuse() { m_log("no packet of this codec, or not a whole one", m_rawId); }
+
+  // Makes up a block in place of a lost one: silence before the first packet.
+  void Conceal(short* block);
+
+ private:
+  PacketDecoder(const CodecSetup& setup, std::unique_ptr<PayloadDecoder> decoder, LogOnce* log);
+
+  const PacketHeader m_header;
+  const int m_rawId;
+  std::unique_ptr<PayloadDecoder> m_decoder;
+  const size_t m_samples;
+  LogOnce m_ownLog;
+  LogOnce& m_log;
 };
-
-// Null when the library does not code that.
-std::unique_ptr<PacketEncoder> CreatePacketEncoder(const CodecSetup& setup);
-std::unique_ptr<PacketDecoder> CreatePacketDecoder(const CodecSetup& setup);
-
-// By how many samples per channel a signal is late after an encoder and a decoder of one of the
-// codec families. Measured. frameSamples: of one frame, per channel.
-int PacketCodecLag(const CodecSetup& setup, int frameSamples);
 
 }  // namespace desktop

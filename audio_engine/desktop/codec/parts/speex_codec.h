@@ -2,12 +2,12 @@
 
 #include <memory>
 
-#include "desktop/codec/parts/packet_codec.h"
+#include "desktop/codec/parts/payload_codec.h"
 
 namespace desktop {
 
-// Narrow-band Speex (RFC 5574) by libspeex: 8 kHz mono, frames of 20 ms, packets of one length.
-std::unique_ptr<PacketEncoder> CreateSpeexEncoder(const CodecSetup& setup);
-std::unique_ptr<PacketDecoder> CreateSpeexDecoder(const CodecSetup& setup);
+// Narrow-band Speex (RFC 5574) by libspeex: 8 kHz mono, blocks of 20 ms, payloads of one length.
+std::unique_ptr<PayloadEncoder> CreateSpeexEncoder(const CodecSetup& setup);
+std::unique_ptr<PayloadDecoder> CreateSpeexDecoder(const CodecSetup& setup);
 
 }  // namespace desktop

@@ -4,22 +4,24 @@
 #include <cstring>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/common/counts.h"
 
 namespace desktop {
 
-static_assert(kMaxFrameBytes <= kMaxFrameSamples * sizeof(short), "a frame fits the buffer");
+static_assert(kMaxPacketBytes <= kMaxBlockSamples * sizeof(short), "a packet fits the buffer");
 
 std::unique_ptr<StreamReader> StreamReader::Create(const CodecSetup& setup, LogOnce* log) {
-  std::unique_ptr<FrameDecoder> decoder;
+  std::unique_ptr<PacketDecoder> decoder;
   if (setup.variant != nullptr) {
-    decoder = FrameDecoder::Create(setup, log);
+    decoder = PacketDecoder::Create(setup, log);
     if (decoder == nullptr) return nullptr;
   }
-  if (setup.channels < 1 || setup.channels > kMaxFrameSamples) return nullptr;
-  return std::unique_ptr<StreamReader>(new StreamReader(std::move(decoder), setup.channels));
+  const size_t channels = Size(setup.channels);
+  if (channels < 1 || channels > kMaxBlockSamples) return nullptr;
+  return std::unique_ptr<StreamReader>(new StreamReader(std::move(decoder), channels));
 }
 
-StreamReader::StreamReader(std::unique_ptr<FrameDecoder> decoder, int channels)
+StreamReader::StreamReader(std::unique_ptr<PacketDecoder> decoder, size_t channels)
     : m_decoder(std::move(decoder)), m_channels(channels) {}
 
 void StreamReader::Feed(const void* data, size_t size) {
@@ -27,9 +29,9 @@ void StreamReader::Feed(const void* data, size_t size) {
   m_fedBytes = size;
 }
 
-int StreamReader::Next(const short** block) {
+size_t StreamReader::Next(const short** block) {
   *block = m_block;
-  return m_decoder == nullptr ? NextSamples() : NextFrame();
+  return m_decoder == nullptr ? NextSamples() : NextPacket();
 }
 
 void StreamReader::Refill() {
@@ -46,33 +48,33 @@ void StreamReader::Drop(size_t bytes) {
   memmove(m_bytes, m_bytes + bytes, m_held);
 }
 
-int StreamReader::NextSamples() {
+size_t StreamReader::NextSamples() {
   Refill();
-  const size_t frameBytes = static_cast<size_t>(m_channels) * sizeof(short);
-  const size_t bytes = m_held / frameBytes * frameBytes;
+  const size_t packetBytes = m_channels * sizeof(short);
+  const size_t bytes = m_held / packetBytes * packetBytes;
   memcpy(m_block, m_bytes, bytes);
   Drop(bytes);
-  return static_cast<int>(bytes / sizeof(short));
+  return bytes / sizeof(short);
 }
 
-int StreamReader::NextFrame() {
+size_t StreamReader::NextPacket() {
   for (;;) {
     Refill();
     size_t at = 0;
-    FrameSpan span;
+    PacketSpan span;
     while (at < m_held) {
-      span = m_decoder->Find(m_bytes + at, static_cast<int>(m_held - at));
-      if (span.state != FrameSpan::kNoFrame) break;
+      span = m_decoder->Find(m_bytes + at, m_held - at);
+      if (span.state != PacketSpan::kNoPacket) break;
       m_decoder->Refuse();
       ++at;
     }
-    if (at < m_held && span.state == FrameSpan::kWhole) {
+    if (at < m_held && span.state == PacketSpan::kWhole) {
       const bool decoded = m_decoder->Decode(m_bytes + at, span, m_block);
-      Drop(at + static_cast<size_t>(span.frameBytes));
-      if (decoded) return m_decoder->samplesPerFrame();
+      Drop(at + span.packetBytes);
+      if (decoded) return m_decoder->blockSamples();
       continue;
     }
-    // All of it was no frame, or the rest is the start of one.
+    // None of it was a packet, or the rest is the start of one.
     Drop(at);
     if (m_fedBytes == 0) return 0;
   }

@@ -3,11 +3,11 @@
 #include <cstddef>
 #include <memory>
 
-#include "desktop/codec/parts/frame_codec.h"
+#include "desktop/codec/parts/packet_codec.h"
 
 namespace desktop {
 
-// Turns the bytes of a stream, cut anywhere, into blocks of interleaved samples. What is no frame
+// Turns the bytes of a stream, cut anywhere, into blocks of interleaved samples. What is no packet
 // of its codec is passed over byte by byte. Allocates nothing after construction.
 class StreamReader {
  public:
@@ -18,24 +18,30 @@ class StreamReader {
   // The next bytes, which must stay until Next has given 0.
   void Feed(const void* data, size_t size);
 
-  // Points `block` to the next samples and returns their number, whole sample frames of all
-  // channels and at most kMaxFrameSamples; 0 when more bytes are needed.
-  int Next(const short** block);
+  // Points `block` to the next samples and returns their number, whole frames and at most
+  // kMaxBlockSamples; 0 when more bytes are needed.
+  size_t Next(const short** block);
 
  private:
-  StreamReader(std::unique_ptr<FrameDecoder> decoder, int channels);
+  StreamReader(std::unique_ptr<PacketDecoder> decoder, size_t channels);
   void Refill();
   void Drop(size_t bytes);
-  int NextSamples();
-  int NextFrame();
+  size_t NextSamples();
+  size_t NextPacket();
 
-  std::unique_ptr<FrameDecoder> m_decoder;  // Null for samples.
-  const int m_channels;
+  // Null for a stream of samples.
+  std::unique_ptr<PacketDecoder> m_decoder;
+  const size_t m_channels;
+
+  // What is left of the bytes that were fed.
   const unsigned char* m_fed = nullptr;
   size_t m_fedBytes = 0;
-  unsigned char m_bytes[kMaxFrameSamples * sizeof(short)];  // Not yet made samples of.
+
+  // The m_held bytes that samples are made of next.
+  unsigned char m_bytes[kMaxBlockSamples * sizeof(short)];
   size_t m_held = 0;
-  short m_block[kMaxFrameSamples];
+
+  short m_block[kMaxBlockSamples];
 };
 
 }  // namespace desktop

@@ -5,46 +5,45 @@
 #include <exception>
 #include <numeric>
 
+#include "desktop/dsp/effect_math.h"
+
 namespace desktop {
 namespace {
 
-// Beyond these an argument is taken for damage, not for audio.
-constexpr uint32_t kMostRate = 1000000;
-constexpr uint32_t kMostChannels = 64;
-constexpr uint32_t kMostFrames = 1 << 16;
-constexpr uint64_t kMostTargetFrames = 1 << 20;
-constexpr uint32_t kMostRatio = 1000;  // Of the source rate to the target rate.
+// Beyond these an argument is taken for damage, not for audio. The ratio is that of the source rate
+// to the target rate.
+constexpr uint32_t kMaxRate = 1000000;
+constexpr uint32_t kMaxChannels = 64;
+constexpr uint32_t kMaxFrames = 1 << 16;
+constexpr uint64_t kMaxTargetFrames = 1 << 20;
+constexpr uint32_t kMaxRatio = 1000;
 
-short ToSample(float value) {
-  return static_cast<short>(std::lrintf(std::clamp(value, -32768.0F, 32767.0F)));
-}
+bool IsWithin(uint64_t value, uint64_t largest) { return value > 0 && value <= largest; }
 
-bool IsWithin(uint64_t value, uint64_t most) { return value > 0 && value <= most; }
-
-float Mean(const short* samples, uint32_t count) {
+float Mean(const short* samples, size_t count) {
   const int sum = std::accumulate(samples, samples + count, 0);
   return static_cast<float>(sum) / static_cast<float>(count);
 }
 
 // The most frames that come out for `frames` frames.
-uint64_t MostFrames(uint64_t frames, uint32_t sourceRate, uint32_t targetRate) {
+size_t MaxFrames(size_t frames, uint32_t sourceRate, uint32_t targetRate) {
   return sourceRate > 0 ? (frames * targetRate + sourceRate - 1) / sourceRate : 0;
 }
 
 }  // namespace
 
 Resampler::Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
-                     uint32_t targetChannels, uint32_t maxFrames)
+                     uint32_t targetChannels, size_t maxFrames)
     : m_sourceRate(sourceRate / std::max(std::gcd(sourceRate, targetRate), 1U)),
       m_targetRate(targetRate / std::max(std::gcd(sourceRate, targetRate), 1U)),
       m_sourceChannels(sourceChannels),
       m_targetChannels(targetChannels),
       m_maxFrames(maxFrames),
       m_channels(std::min(sourceChannels, targetChannels)) {
-  if (!IsWithin(sourceRate, kMostRate) || !IsWithin(targetRate, kMostRate) ||
-      !IsWithin(sourceChannels, kMostChannels) || !IsWithin(targetChannels, kMostChannels) ||
-      !IsWithin(maxFrames, kMostFrames) || sourceRate / targetRate >= kMostRatio ||
-      MostFrames(maxFrames, sourceRate, targetRate) > kMostTargetFrames) {
+  if (!IsWithin(sourceRate, kMaxRate) || !IsWithin(targetRate, kMaxRate) ||
+      !IsWithin(sourceChannels, kMaxChannels) || !IsWithin(targetChannels, kMaxChannels) ||
+      !IsWithin(maxFrames, kMaxFrames) || sourceRate / targetRate >= kMaxRatio ||
+      MaxFrames(maxFrames, sourceRate, targetRate) > kMaxTargetFrames) {
     return;
   }
   try {
@@ -57,21 +56,20 @@ Resampler::Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targ
   }
 }
 
-uint32_t Resampler::PieceFrames(uint32_t sourceRate, uint32_t targetRate) {
-  const uint64_t frames = uint64_t{4096} * sourceRate / std::max(targetRate, 1U);
-  return static_cast<uint32_t>(std::clamp<uint64_t>(frames, 1, 1024));
+size_t Resampler::BlockFrames(uint32_t sourceRate, uint32_t targetRate) {
+  return std::clamp<size_t>(size_t{4096} * sourceRate / std::max(targetRate, 1U), 1, 1024);
 }
 
-uint32_t Resampler::MostFramesFor(uint32_t frames) const {
-  return static_cast<uint32_t>(MostFrames(frames, m_sourceRate, m_targetRate));
+size_t Resampler::MaxFramesFor(size_t frames) const {
+  return MaxFrames(frames, m_sourceRate, m_targetRate);
 }
 
-uint32_t Resampler::LagFrames() const { return m_filter ? m_filter->Lag() : 0; }
+size_t Resampler::LagFrames() const { return m_filter ? m_filter->Lag() : 0; }
 
-uint32_t Resampler::Convert(const short* source, uint32_t frames, short* target) {
+size_t Resampler::Convert(const short* source, size_t frames, short* target) {
   if (!m_open || frames > m_maxFrames) return 0;
   Take(source, frames);
-  uint32_t given = 0;
+  size_t given = 0;
   for (; m_next < frames; ++given) {
     target = Give(target);
     m_phase += m_sourceRate;
@@ -83,9 +81,9 @@ uint32_t Resampler::Convert(const short* source, uint32_t frames, short* target)
 }
 
 // Adds what is new to the history, which is what the filter needs of earlier calls.
-void Resampler::Take(const short* source, uint32_t frames) {
+void Resampler::Take(const short* source, size_t frames) {
   const bool mix = m_channels == 1 && m_sourceChannels > 1;
-  for (uint32_t channel = 0; channel < m_channels; ++channel) {
+  for (size_t channel = 0; channel < m_channels; ++channel) {
     float* const history = Channel(channel);
     std::copy_n(history + m_taken, m_history, history);
     float* const samples = history + m_history;
@@ -99,7 +97,7 @@ void Resampler::Take(const short* source, uint32_t frames) {
 
 // Makes one target frame and returns where it ends.
 short* Resampler::Give(short* target) {
-  for (uint32_t channel = 0; channel < m_channels; ++channel) {
+  for (size_t channel = 0; channel < m_channels; ++channel) {
     const float* const samples = Channel(channel) + m_next;
     *target++ = ToSample(m_filter ? m_filter->At(samples, m_phase) : *samples);
   }

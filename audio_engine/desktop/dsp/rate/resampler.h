@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -15,10 +16,9 @@ namespace desktop {
 class Resampler {
  public:
   // The ratio of the rates is sourceRate : targetRate; two block lengths do as well, and then one
-  // block in gives exactly one block out. maxFrames: the longest input of one call, in frames
-  // (samples per channel).
+  // block in gives exactly one block out. maxFrames: the longest input of one call.
   Resampler(uint32_t sourceRate, uint32_t sourceChannels, uint32_t targetRate,
-            uint32_t targetChannels, uint32_t maxFrames);
+            uint32_t targetChannels, size_t maxFrames);
   Resampler(const Resampler&) = delete;
   Resampler& operator=(const Resampler&) = delete;
 
@@ -26,38 +26,49 @@ class Resampler {
   // then gives nothing.
   bool IsOpen() const { return m_open; }
 
-  // How many frames of a source to convert at once where pieces are as well: at most 1024, and
-  // fewer at low rates, so that no more than 4096 frames of the target come out, or a second of it.
-  static uint32_t PieceFrames(uint32_t sourceRate, uint32_t targetRate);
+  // A good length for blocks of a source that are converted one after the other: at most 1024
+  // frames, and fewer at low rates, so that no more than 4096 frames of the target come out, or a
+  // second of it.
+  static size_t BlockFrames(uint32_t sourceRate, uint32_t targetRate);
 
   // The most frames that one call can give for `frames` frames.
-  uint32_t MostFramesFor(uint32_t frames) const;
+  size_t MaxFramesFor(size_t frames) const;
 
   // Converts `frames` frames, at most maxFrames, and returns how many came out. `target` has room
-  // for MostFramesFor(frames) of them; it may be `source`, which is read before anything is
+  // for MaxFramesFor(frames) of them; it may be `source`, which is read before anything is
   // written.
-  uint32_t Convert(const short* source, uint32_t frames, short* target);
+  size_t Convert(const short* source, size_t frames, short* target);
 
   // How much later a sound comes out than it went in, in frames of the target; 0 for equal rates.
-  uint32_t LagFrames() const;
+  size_t LagFrames() const;
 
  private:
-  float* Channel(uint32_t channel) { return &m_samples[channel * (m_history + m_maxFrames)]; }
-  void Take(const short* source, uint32_t frames);
+  float* Channel(size_t channel) { return &m_samples[channel * (m_history + m_maxFrames)]; }
+  void Take(const short* source, size_t frames);
   short* Give(short* target);
 
-  const uint32_t m_sourceRate;  // Both without a common divisor.
+  // The two rates, divided by their greatest common divisor.
+  const uint32_t m_sourceRate;
   const uint32_t m_targetRate;
-  const uint32_t m_sourceChannels;
-  const uint32_t m_targetChannels;
-  const uint32_t m_maxFrames;
-  const uint32_t m_channels;                // While the rate is changed: the fewer of both.
-  std::optional<PolyphaseFilter> m_filter;  // None for equal rates.
-  std::vector<float> m_samples;             // Channel after channel: m_history earlier ones
-  size_t m_history = 0;                     // and
-  size_t m_taken = 0;                       // the new ones of the last call.
-  size_t m_next = 0;     // The next target frame follows this one of the new frames
-  uint32_t m_phase = 0;  // by m_phase / m_targetRate of a frame.
+  const size_t m_sourceChannels;
+  const size_t m_targetChannels;
+  const size_t m_maxFrames;
+
+  // The rate is changed in the fewer channels of source and target.
+  const size_t m_channels;
+
+  // Empty for equal rates.
+  std::optional<PolyphaseFilter> m_filter;
+
+  // Channel after channel: m_history frames of earlier calls, then the m_taken of the last one.
+  std::vector<float> m_samples;
+  size_t m_history = 0;
+  size_t m_taken = 0;
+
+  // Where the next target frame lies: m_phase / m_targetRate of a frame after this one of the
+  // frames of the call.
+  size_t m_next = 0;
+  uint32_t m_phase = 0;
   bool m_open = false;
 };
 

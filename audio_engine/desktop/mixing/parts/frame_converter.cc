@@ -31,10 +31,9 @@ void FrameConverter::Put(const zuwebrtc::AudioFrame& frame, int rate, int channe
   if (!m_resampler->IsOpen()) return;
   const size_t before = m_samples.size();
   const auto given = static_cast<uint32_t>(frames);
-  m_samples.resize(before +
-                   size_t{m_resampler->MostFramesFor(given)} * static_cast<size_t>(channels));
-  const uint32_t got = m_resampler->Convert(frame.data_, given, m_samples.data() + before);
-  m_samples.resize(before + size_t{got} * static_cast<size_t>(channels));
+  m_samples.resize(before + m_resampler->MaxFramesFor(given) * static_cast<size_t>(channels));
+  const size_t got = m_resampler->Convert(frame.data_, given, m_samples.data() + before);
+  m_samples.resize(before + got * static_cast<size_t>(channels));
 }
 
 void FrameConverter::AddTo(int32_t* sums, size_t samples) {

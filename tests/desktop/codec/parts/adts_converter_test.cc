@@ -16,11 +16,11 @@ namespace {
 using testing::HasSubstr;
 using testing::SizeIs;
 
-std::string Converted(const std::string& stream, size_t most) {
+std::string Converted(const std::string& stream, size_t maxBytes) {
   unsigned char other = 0;
   unsigned char* out = &other;
   const int bytes = ConvertToAdts(reinterpret_cast<const unsigned char*>(stream.data()),
-                                  static_cast<int>(stream.size()), most, &out);
+                                  stream.size(), maxBytes, &out);
   EXPECT_EQ(out == nullptr, bytes == 0);
   std::string aac(reinterpret_cast<const char*>(out), static_cast<size_t>(bytes));
   free(out);
@@ -38,7 +38,7 @@ std::string StreamOf(int id) {
   return stream;
 }
 
-// Where each ADTS frame ends.
+// Where each ADTS packet ends.
 std::vector<size_t> Ends(const std::string& adts) {
   std::vector<size_t> ends;
   for (size_t at = 0; at + 7 <= adts.size(); ends.push_back(at)) {
@@ -53,7 +53,7 @@ class ConvertToAdtsOf : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(RawIds, ConvertToAdtsOf, testing::Values(1, 35, 2),
                          [](auto& info) { return "Id" + std::to_string(info.param); });
 
-TEST_P(ConvertToAdtsOf, GivesTheWholeFramesThatFit) {
+TEST_P(ConvertToAdtsOf, GivesTheWholePacketsThatFit) {
   if (AUDIO_ENGINE_HAS_AAC == 0) GTEST_SKIP() << "built without AAC";
   const std::string stream = StreamOf(GetParam());
   const CapturedStderr quiet;

@@ -35,7 +35,7 @@ std::string Packet(char fill, int more = 0) {
          std::string(static_cast<size_t>(1 + more), fill);
 }
 
-OutputQueue Packets() { return OutputQueue(FrameHeader({FindVariant(2), 16000, 1})); }
+OutputQueue Packets() { return OutputQueue(PacketHeader({FindVariant(2), 16000, 1})); }
 
 }  // namespace
 

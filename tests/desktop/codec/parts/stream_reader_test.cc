@@ -24,7 +24,7 @@ std::vector<Samples> Read(const CodecSetup& setup, const std::vector<std::string
     const std::vector<char> exact(part.begin(), part.end());
     reader->Feed(exact.data(), exact.size());
     const short* block = nullptr;
-    while (const int samples = reader->Next(&block)) blocks.emplace_back(block, block + samples);
+    while (const size_t samples = reader->Next(&block)) blocks.emplace_back(block, block + samples);
   }
   return blocks;
 }
@@ -39,21 +39,21 @@ std::vector<std::string> Packets(int rawId) {
 }  // namespace
 
 // However many bytes there are of it, and wherever the buffer of 8192 bytes ends.
-TEST(StreamReader, FindsTheFrameAfterAnyNumberOfOtherBytes) {
+TEST(StreamReader, FindsThePacketAfterAnyNumberOfOtherBytes) {
   const CapturedStderr log;
   const std::vector<std::string> packets = Packets(2);
-  const std::string frames = packets[5] + packets[6];
-  const std::vector<Samples> expected = Read(SetupOf(2), {frames});
+  const std::string both = packets[5] + packets[6];
+  const std::vector<Samples> expected = Read(SetupOf(2), {both});
   ASSERT_EQ(expected.size(), 2U);
   for (const size_t junk :
        {1U, 2U, 3U, 4U, 5U, 16U, 17U, 8150U, 8189U, 8190U, 8191U, 8192U, 8193U, 16385U}) {
-    EXPECT_EQ(Read(SetupOf(2), {std::string(junk, '\x55') + frames}), expected) << junk;
+    EXPECT_EQ(Read(SetupOf(2), {std::string(junk, '\x55') + both}), expected) << junk;
     const std::string between = packets[5] + std::string(junk, '\x55') + packets[6];
     EXPECT_EQ(Read(SetupOf(2), {between}), expected) << junk;
   }
 }
 
-TEST(StreamReader, WaitsForTheRestOfAFrame) {
+TEST(StreamReader, WaitsForTheRestOfAPacket) {
   const CapturedStderr log;
   const std::vector<std::string> packets = Packets(2);
   const std::vector<Samples> expected = Read(SetupOf(2), {packets[5] + packets[6]});
@@ -65,10 +65,10 @@ TEST(StreamReader, WaitsForTheRestOfAFrame) {
   EXPECT_EQ(log.Text(), "") << "nothing was lost";
 }
 
-TEST(StreamReader, GoesOnAfterADamagedFrame) {
+TEST(StreamReader, GoesOnAfterADamagedPacket) {
   const CapturedStderr log;
   const std::vector<std::string> packets = Packets(2);
-  // Two frames of Opus, where one is due.
+  // Two blocks of Opus, where one is due.
   const std::string damaged("\x05\xfc\x02\x49\0\0\0", 7);
   const std::vector<Samples> blocks = Read(SetupOf(2), {packets[0] + damaged + packets[1]});
   EXPECT_EQ(blocks, Read(SetupOf(2), {packets[0] + packets[1]}));
@@ -96,10 +96,11 @@ TEST(StreamReader, GivesBlocksOfAtMost4096Samples) {
 
 TEST(StreamReader, IsNoneForChannelsThatNoBlockHolds) {
   LogOnce log;
-  for (const int channels : {0, -1, kMaxFrameSamples + 1}) {
+  constexpr int kMaxChannels = kMaxBlockSamples;
+  for (const int channels : {0, -1, kMaxChannels + 1}) {
     EXPECT_EQ(StreamReader::Create({nullptr, 8000, channels}, &log), nullptr) << channels;
   }
-  for (const int channels : {1, kMaxFrameSamples}) {
+  for (const int channels : {1, kMaxChannels}) {
     EXPECT_NE(StreamReader::Create({nullptr, 8000, channels}, &log), nullptr) << channels;
   }
   EXPECT_EQ(StreamReader::Create({FindVariant(2), 12345, 1}, &log), nullptr);

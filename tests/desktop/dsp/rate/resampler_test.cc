@@ -12,16 +12,17 @@ namespace {
 
 using Samples = std::vector<short>;
 
-// Hands the input over in pieces of `piece` frames.
-Samples InPieces(const Samples& mono, uint32_t sourceRate, uint32_t targetRate, uint32_t piece) {
-  Resampler resampler(sourceRate, 1, targetRate, 1, piece);
+// Hands the input over in blocks of `blockFrames` frames.
+Samples InBlocks(const Samples& mono, uint32_t sourceRate, uint32_t targetRate,
+                 size_t blockFrames) {
+  Resampler resampler(sourceRate, 1, targetRate, 1, blockFrames);
   Samples out;
-  Samples block(resampler.MostFramesFor(piece));
-  for (size_t at = 0; at < mono.size(); at += piece) {
-    const auto frames = static_cast<uint32_t>(std::min<size_t>(piece, mono.size() - at));
-    const uint32_t given = resampler.Convert(&mono[at], frames, block.data());
-    EXPECT_LE(given, resampler.MostFramesFor(frames));
-    out.insert(out.end(), block.begin(), block.begin() + given);
+  Samples block(resampler.MaxFramesFor(blockFrames));
+  for (size_t at = 0; at < mono.size(); at += blockFrames) {
+    const size_t frames = std::min(blockFrames, mono.size() - at);
+    const size_t given = resampler.Convert(&mono[at], frames, block.data());
+    EXPECT_LE(given, resampler.MaxFramesFor(frames));
+    out.insert(out.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(given));
   }
   return out;
 }
@@ -29,10 +30,10 @@ Samples InPieces(const Samples& mono, uint32_t sourceRate, uint32_t targetRate, 
 TEST(Resampler, GivesTheSameSamplesHoweverTheInputIsCut) {
   const Samples in = Tone(440, 12000, 44100, 44100);
   for (const uint32_t target : {8000U, 16000U, 44100U, 48000U}) {
-    const Samples whole = InPieces(in, 44100, target, 44100);
+    const Samples whole = InBlocks(in, 44100, target, 44100);
     EXPECT_EQ(whole.size(), target);
-    for (const uint32_t piece : {1U, 7U, 441U, 1024U}) {
-      EXPECT_EQ(InPieces(in, 44100, target, piece), whole) << target << " Hz, " << piece;
+    for (const size_t frames : {1U, 7U, 441U, 1024U}) {
+      EXPECT_EQ(InBlocks(in, 44100, target, frames), whole) << target << " Hz, " << frames;
     }
   }
 }
@@ -50,7 +51,7 @@ TEST(Resampler, IsAsLateAsItSays) {
                                        {44100U, 16000U},
                                        {16000U, 44100U},
                                        {44099U, 48000U}}) {
-    const Samples out = InPieces(
+    const Samples out = InBlocks(
         Tone(997, 20000, static_cast<int>(source), static_cast<int>(source)), source, target, 1024);
     const Samples ideal = Tone(997, 20000, static_cast<int>(target), static_cast<int>(target));
     const size_t lag = Resampler(source, 1, target, 1, 1024).LagFrames();
@@ -63,7 +64,7 @@ TEST(Resampler, IsAsLateAsItSays) {
 TEST(Resampler, KeepsAConstant) {
   for (const auto& [source, target] :
        {std::pair(44100U, 48000U), {48000U, 8000U}, {8000U, 44100U}, {44099U, 48000U}}) {
-    const Samples out = InPieces(Samples(source, 32001), source, target, 441);
+    const Samples out = InBlocks(Samples(source, 32001), source, target, 441);
     for (size_t i = target / 2; i < target; ++i) ASSERT_EQ(out[i], 32001) << source << " " << i;
   }
 }
@@ -75,7 +76,7 @@ TEST(Resampler, ChangesOddRatesAsWell) {
     const double half = std::min(source, target) / 2.0;
     for (const double part : {0.1, 0.9}) {
       const Samples out =
-          InPieces(Tone(part * half, 30000, source, source), static_cast<uint32_t>(source),
+          InBlocks(Tone(part * half, 30000, source, source), static_cast<uint32_t>(source),
                    static_cast<uint32_t>(target), 1024);
       const ToneFit fit = FitTone(out, part * half, target);
       EXPECT_NEAR(fit.amplitude, 30000, 15) << source << " to " << target << " " << part;
@@ -88,7 +89,7 @@ TEST(Resampler, ChangesOddRatesAsWell) {
 TEST(Resampler, LeavesNothingOfWhatTheTargetCannotHold) {
   for (const int target : {8000, 16000, 44100}) {
     for (const double part : {1.001, 1.02, 1.08}) {
-      const Samples out = InPieces(Tone(part * target / 2, 30000, 48000, 48000), 48000,
+      const Samples out = InBlocks(Tone(part * target / 2, 30000, 48000, 48000), 48000,
                                    static_cast<uint32_t>(target), 480);
       const size_t start = out.size() / 2;
       for (size_t i = start; i < out.size(); ++i)
