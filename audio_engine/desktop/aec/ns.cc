@@ -12,7 +12,7 @@
 namespace {
 
 constexpr float kFullScale = 32768.0f;
-constexpr int kMostChannels = 2;
+constexpr int kMaxChannels = 2;
 
 using Apm = std::unique_ptr<webrtc::AudioProcessing>;
 
@@ -29,7 +29,7 @@ struct Suppressor {
   int rate = 0;  // Hz, 0 until initialised.
   int policy = 0;
   int channels = 0;
-  Apm apms[kMostChannels];
+  Apm apms[kMaxChannels];
   std::vector<short> in;
   std::vector<short> out;
   std::vector<float> channel;
@@ -94,7 +94,7 @@ int Ns_Init(void* handle, unsigned int rate) {
   auto& suppressor = *static_cast<Suppressor*>(handle);
   suppressor = Suppressor();
   try {
-    const auto most = static_cast<size_t>(rate) / 100 * kMostChannels + kMostChannels;
+    const auto most = static_cast<size_t>(rate) / 100 * kMaxChannels + kMaxChannels;
     suppressor.channel.resize(most);
     suppressor.in.reserve(2 * most);
     suppressor.out.reserve(4 * most);
@@ -129,7 +129,7 @@ int Ns_set_policy(void* handle, int policy) {
 int Ns_Process2(void* handle, const short* in, short* out, int16_t channels) {
   auto* const suppressor = static_cast<Suppressor*>(handle);
   if (suppressor == nullptr || suppressor->rate == 0 || in == nullptr || out == nullptr ||
-      channels < 1 || channels > kMostChannels) {
+      channels < 1 || channels > kMaxChannels) {
     return -1;
   }
   if (channels != suppressor->channels) SetChannels(*suppressor, channels);

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "desktop/aec/parts/capture_chain.h"
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 // The desktop's chain, and what the module itself remembers.
@@ -31,7 +32,7 @@ bool SoftwareAec::SetFsAndCh(unsigned int rate, unsigned int channels, PlatFormF
   }
   m_apmFs = rate;
   m_apmCh = channels;
-  m_chain->capture.SetRate(static_cast<int>(rate));
+  m_chain->capture.SetRate(desktop::Count(rate));
   return true;
 }
 
@@ -69,7 +70,7 @@ bool SoftwareAec::ResetPreProc(unsigned int rate) {
     OutputDebugInfo("the echo canceller cannot prepare for %u Hz", rate);
     return false;
   }
-  m_chain->capture.SetRate(static_cast<int>(m_apmFs));
+  m_chain->capture.SetRate(desktop::Count(m_apmFs));
   return true;
 }
 

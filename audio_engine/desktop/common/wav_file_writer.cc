@@ -31,8 +31,8 @@ CWavFileWriter::~CWavFileWriter() { desktop::FinishWav(m_ofs, FormatOf(m_wavHead
 void CWavFileWriter::Write(const void* data, int bytes) {
   if (m_ofs == nullptr || bytes <= 0) return;
 
-  const auto asked = static_cast<size_t>(bytes);
-  const size_t kept = fwrite(data, 1, asked, m_ofs);
+  const size_t kept = desktop::AppendToWav(m_ofs, m_FileName.c_str(), FormatOf(m_wavHeader), data,
+                                           static_cast<size_t>(bytes));
   if (kept > 0) {
     m_startrecordFlag = true;
     m_startLength = m_nTotalBytes;
@@ -40,10 +40,5 @@ void CWavFileWriter::Write(const void* data, int bytes) {
     m_nTotalBytes += std::min(static_cast<int>(kept), INT_MAX - m_nTotalBytes);
     m_endLength = m_nTotalBytes;
   }
-  if (kept < asked) {
-    OutputDebugInfo("%s: cannot write further: %s", m_FileName.c_str(), strerror(errno));
-    desktop::FinishWav(m_ofs, FormatOf(m_wavHeader));
-    m_ofs = nullptr;
-    m_notWav = 1;
-  }
+  if (m_ofs == nullptr) m_notWav = 1;
 }

@@ -34,6 +34,17 @@ FILE* CreateWav(const char* name, const WavFormat& format, WavBuffer buffer) {
   return nullptr;
 }
 
+size_t AppendToWav(FILE*& file, const char* name, const WavFormat& format, const void* data,
+                   size_t bytes) {
+  if (file == nullptr) return 0;
+  const size_t kept = fwrite(data, 1, bytes, file);
+  if (kept == bytes) return kept;
+  OutputDebugInfo("%s: cannot write further: %s", name, strerror(errno));
+  FinishWav(file, format);
+  file = nullptr;
+  return kept;
+}
+
 uint64_t FinishWav(FILE* file, const WavFormat& format) {
   if (file == nullptr) return 0;
   uint64_t dataBytes = 0;

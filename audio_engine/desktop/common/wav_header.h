@@ -22,6 +22,12 @@ enum class WavBuffer {
 // with one line in the log, on failure.
 FILE* CreateWav(const char* name, const WavFormat& format, WavBuffer buffer);
 
+// Appends bytes to a stream of CreateWav without a buffer and returns how many the file has kept.
+// Fewer than asked for: one line in the log, which starts with `name`, and the stream is finished
+// and null. A null stream keeps nothing.
+size_t AppendToWav(FILE*& file, const char* name, const WavFormat& format, const void* data,
+                   size_t bytes);
+
 // Finishes a stream of CreateWav with the number of data bytes that the file holds, closes it and
 // returns that number; null is ignored. Data of 4 GiB and more are announced as 0xffffffff bytes.
 uint64_t FinishWav(FILE* file, const WavFormat& format);

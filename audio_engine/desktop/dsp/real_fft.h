@@ -7,11 +7,13 @@ struct kiss_fftr_state;
 
 namespace desktop {
 
-// The discrete Fourier transform of real samples. Allocates in the constructor only. Belongs to one
-// thread at a time.
+// The discrete Fourier transform of real samples, by kissfft (mixed radix: Cooley and Tukey, "An
+// algorithm for the machine calculation of complex Fourier series", 1965). Allocates in the
+// constructor only. Belongs to one thread at a time.
 class RealFft {
  public:
-  explicit RealFft(int size);  // An even number of samples; products of 2, 3 and 5 are fast.
+  // size: an even number of samples; products of 2, 3 and 5 are fast.
+  explicit RealFft(int size);
 
   int Size() const { return m_size; }
   int Bins() const { return m_size / 2 + 1; }

@@ -42,8 +42,8 @@ int CAudioDspProcessor::Process(char* samples, int samplesPerChannel, int sample
   }
   const desktop::DenormalGuard guard;
   try {
-    desktop::ProcessInPieces<short>(samples, samplesPerChannel, channels,
-                                    [&](float* const* rows, int frames) {
+    desktop::ProcessInBlocks<short>(samples, samplesPerChannel, channels,
+                                    [&](float* const* rows, size_t frames) {
                                       m_impl->reverb.Process(rows, channels, frames, sampleRate);
                                     });
   } catch (const std::exception&) {

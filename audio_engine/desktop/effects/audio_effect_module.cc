@@ -22,9 +22,9 @@ uint32_t AudioEffectModule::Process(zuwebrtc::AudioFrame& frame) {
   if (!m_impl->gate.Passes(frame)) return 0;
   const desktop::DenormalGuard guard;
   const int channels = frame.num_channels_;
-  desktop::ProcessInPieces<int16_t>(
+  desktop::ProcessInBlocks<int16_t>(
       reinterpret_cast<char*>(frame.data_), frame.samples_per_channel_, channels,
-      [&](float* const* rows, int count) {
+      [&](float* const* rows, size_t count) {
         m_impl->equalizer.Process(rows, channels, count, frame.sample_rate_hz_);
       });
   return static_cast<uint32_t>(frame.samples_per_channel_);

@@ -46,9 +46,9 @@ uint32_t AudioKaraokeEffectModule::Process(zuwebrtc::AudioFrame& frame) {
   if (!m_impl->gate.Passes(frame)) return 0;
   const desktop::DenormalGuard guard;
   try {
-    desktop::ProcessInPieces<int16_t>(
+    desktop::ProcessInBlocks<int16_t>(
         reinterpret_cast<char*>(frame.data_), frame.samples_per_channel_, frame.num_channels_,
-        [&](float* const* rows, int frames) {
+        [&](float* const* rows, size_t frames) {
           m_impl->chain.Process(rows, frame.num_channels_, frames, frame.sample_rate_hz_);
         });
   } catch (const std::exception&) {

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int kMostChannels = 64;
-constexpr int kMostSamplesPerChannel = 3840;  // 10 ms at 384 kHz.
+constexpr int kMaxChannels = 64;
+constexpr int kMaxFrames = 3840;  // 10 ms at 384 kHz.
 
 }  // namespace
 
@@ -40,7 +40,7 @@ Drc::~Drc() = default;
 
 void Drc::Process(short* samples, int channels, int samplesPerChannel) {
   if (samples == nullptr || channels < 1 || samplesPerChannel < 1) return;
-  if (channels > kMostChannels || samplesPerChannel > kMostSamplesPerChannel) {
+  if (channels > kMaxChannels || samplesPerChannel > kMaxFrames) {
     m_impl->Tell("more than 64 channels or 384 kHz");
     return;
   }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -10,7 +10,7 @@ namespace desktop {
 bool EffectGate::Passes(const void* samples, int samplesPerChannel, int sampleRate, int channels,
                         int sampleSize) {
   if (samples != nullptr && samplesPerChannel >= 0 && sampleRate >= 8000 && sampleRate <= 192000 &&
-      channels >= 1 && channels <= kMostEffectChannels && (sampleSize == 16 || sampleSize == 2)) {
+      channels >= 1 && channels <= kMaxEffectChannels && (sampleSize == 16 || sampleSize == 2)) {
     return true;
   }
   if (!std::exchange(m_told, true)) {
@@ -22,7 +22,7 @@ bool EffectGate::Passes(const void* samples, int samplesPerChannel, int sampleRa
 
 bool EffectGate::Passes(const zuwebrtc::AudioFrame& frame) {
   const bool fits = frame.samples_per_channel_ <=
-                        zuwebrtc::AudioFrame::kMaxDataSizeSamples / kMostEffectChannels ||
+                        zuwebrtc::AudioFrame::kMaxDataSizeSamples / kMaxEffectChannels ||
                     (frame.num_channels_ == 1 &&
                      frame.samples_per_channel_ <= zuwebrtc::AudioFrame::kMaxDataSizeSamples);
   return Passes(fits ? frame.data_ : nullptr, frame.samples_per_channel_, frame.sample_rate_hz_,

@@ -53,9 +53,10 @@ class Equalizer final : public IEqualizer {
   template <typename Sample>
   void Run(char* samples, int frames, int sampleRate, int channels) {
     const desktop::DenormalGuard guard;
-    desktop::ProcessInPieces<Sample>(samples, frames, channels, [&](float* const* rows, int count) {
-      m_equalizer.Process(rows, channels, count, sampleRate);
-    });
+    desktop::ProcessInBlocks<Sample>(samples, frames, channels,
+                                     [&](float* const* rows, size_t count) {
+                                       m_equalizer.Process(rows, channels, count, sampleRate);
+                                     });
   }
 
   desktop::GraphicEqualizer m_equalizer;

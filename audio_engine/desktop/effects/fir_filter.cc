@@ -11,8 +11,9 @@
 
 namespace {
 
-// Longer calls are filtered in pieces of so many samples, so that they need no larger memory.
-constexpr size_t kPieceSamples = 2048;
+// Longer calls are filtered in blocks of at most so many frames, so that they need no larger
+// memory.
+constexpr size_t kMaxBlockFrames = 2048;
 
 // Keeps the samples in one array that the input is appended to; when it is full, the history moves
 // to its start.
@@ -29,9 +30,9 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
       return;
     }
     while (length > 0) {
-      const size_t samples = std::min(length, kPieceSamples);
-      float* piece = Append(in, samples);
-      desktop::Convolve(piece, samples, m_coefficients.data(), m_coefficients.size(), out);
+      const size_t samples = std::min(length, kMaxBlockFrames);
+      float* block = Append(in, samples);
+      desktop::Convolve(block, samples, m_coefficients.data(), m_coefficients.size(), out);
       in += samples;
       out += samples;
       length -= samples;
@@ -57,7 +58,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     const size_t oldHistory = HistorySamples(m_coefficients.size());
     const size_t newHistory = HistorySamples(count);
     if (m_samples.empty() || newHistory != oldHistory) {
-      std::vector<float> newSamples(newHistory + kPieceSamples + desktop::kConvolveOverread);
+      std::vector<float> newSamples(newHistory + kMaxBlockFrames + desktop::kConvolveOverread);
       const size_t kept = std::min(oldHistory, newHistory);
       const float* end = m_samples.data() + m_end;
       std::copy(end - kept, end, newSamples.data() + newHistory - kept);
@@ -67,7 +68,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     m_coefficients = std::move(newCoefficients);
   }
 
-  // Appends at most kPieceSamples samples to the history and returns where they are.
+  // Appends at most kMaxBlockFrames samples to the history and returns where they are.
   float* Append(const float* in, size_t samples) {
     const size_t history = HistorySamples(m_coefficients.size());
     float* start = m_samples.data();
@@ -75,10 +76,10 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
       std::copy_n(start + m_end - history, history, start);
       m_end = history;
     }
-    float* piece = start + m_end;
-    std::copy_n(in, samples, piece);
+    float* block = start + m_end;
+    std::copy_n(in, samples, block);
     m_end += samples;
-    return piece;
+    return block;
   }
 
   std::vector<float> m_coefficients;

@@ -39,9 +39,9 @@ struct MultibandDrc::Impl {
     channels = channelCount;
   }
 
-  void Run(float* const* rows, int frames) {
-    for (int i = 0; i < frames; ++i) {
-      double bands[desktop::kMostEffectChannels][kBands];
+  void Run(float* const* rows, size_t frames) {
+    for (size_t i = 0; i < frames; ++i) {
+      double bands[desktop::kMaxEffectChannels][kBands];
       double level[kBands] = {};
       for (int c = 0; c < channels; ++c) {
         split.Run(c, static_cast<double>(rows[c][i]), bands[c]);
@@ -73,7 +73,7 @@ void MultibandDrc::Process(zuwebrtc::AudioFrame& frame) {
     return;
   }
   const desktop::DenormalGuard guard;
-  desktop::ProcessInPieces<int16_t>(
+  desktop::ProcessInBlocks<int16_t>(
       reinterpret_cast<char*>(frame.data_), frame.samples_per_channel_, frame.num_channels_,
-      [this](float* const* rows, int frames) { m_impl->Run(rows, frames); });
+      [this](float* const* rows, size_t frames) { m_impl->Run(rows, frames); });
 }

@@ -13,7 +13,8 @@
 
 namespace {
 
-constexpr size_t kPieceFrames = 1024;  // Samples are passed on in pieces of so many frames.
+// The longest block that is passed on at once.
+constexpr size_t kMaxBlockFrames = 1024;
 constexpr int kMaxChannels = 8;
 
 using Shorts = std::vector<short>;
@@ -23,7 +24,7 @@ class Tape {
  public:
   // Throws when there is no memory, as all of it does.
   Tape(int rate, int channels)
-      : m_channels(static_cast<size_t>(channels)), m_floats(kPieceFrames * m_channels) {
+      : m_channels(static_cast<size_t>(channels)), m_floats(kMaxBlockFrames * m_channels) {
     m_resampler.setSampleRate(static_cast<unsigned>(rate));
     m_resampler.setChannels(static_cast<unsigned>(channels));
   }
@@ -32,11 +33,11 @@ class Tape {
 
   void Put(const short* samples, size_t frames) {
     while (frames > 0) {
-      const size_t piece = std::min(frames, kPieceFrames);
-      std::copy_n(samples, piece * m_channels, m_floats.begin());
-      m_resampler.putSamples(m_floats.data(), static_cast<unsigned>(piece));
-      samples += piece * m_channels;
-      frames -= piece;
+      const size_t block = std::min(frames, kMaxBlockFrames);
+      std::copy_n(samples, block * m_channels, m_floats.begin());
+      m_resampler.putSamples(m_floats.data(), static_cast<unsigned>(block));
+      samples += block * m_channels;
+      frames -= block;
     }
   }
 
@@ -56,11 +57,11 @@ class Tape {
 
 // Passes samples through `changer` and appends what is ready to `out`.
 template <typename Changer>
-void Pass(Changer& changer, const short* samples, size_t frames, size_t channels, Shorts& piece,
+void Pass(Changer& changer, const short* samples, size_t frames, size_t channels, Shorts& block,
           std::string& out) {
   changer.Put(samples, frames);
-  while (const size_t ready = changer.Take(piece.data(), kPieceFrames)) {
-    out.append(reinterpret_cast<const char*>(piece.data()), ready * channels * sizeof(short));
+  while (const size_t ready = changer.Take(block.data(), kMaxBlockFrames)) {
+    out.append(reinterpret_cast<const char*>(block.data()), ready * channels * sizeof(short));
   }
 }
 
@@ -88,7 +89,7 @@ struct RateChanger::Impl {
   bool told = false;
   std::optional<desktop::TimeScaler> scaler;  // The one or the other, when the format is good.
   std::optional<Tape> tape;
-  Shorts piece;
+  Shorts block;
 };
 
 RateChanger::RateChanger(bool keepPitch) : m_impl(std::make_unique<Impl>(keepPitch)) {}
@@ -120,7 +121,7 @@ void RateChanger::SetFsAndCh(int rate, int channels) {
   }
   try {
     impl.channels = channels;
-    impl.piece.resize(kPieceFrames * static_cast<size_t>(channels));
+    impl.block.resize(kMaxBlockFrames * static_cast<size_t>(channels));
     if (impl.keepPitch) {
       impl.scaler.emplace(rate, channels);
     } else {
@@ -148,8 +149,8 @@ void RateChanger::Process(short* samples, int samplesPerChannel, int channels, s
   const auto frames = static_cast<size_t>(samplesPerChannel);
   const auto ch = static_cast<size_t>(channels);
   try {
-    if (impl.scaler) Pass(*impl.scaler, samples, frames, ch, impl.piece, out);
-    if (impl.tape) Pass(*impl.tape, samples, frames, ch, impl.piece, out);
+    if (impl.scaler) Pass(*impl.scaler, samples, frames, ch, impl.block, out);
+    if (impl.tape) Pass(*impl.tape, samples, frames, ch, impl.block, out);
   } catch (const std::exception&) {
     impl.Tell("no memory for a block");
   }

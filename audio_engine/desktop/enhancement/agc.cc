@@ -4,38 +4,50 @@
 #include <cmath>
 #include <new>
 
+#include "desktop/common/counts.h"
+#include "desktop/dsp/effect_math.h"
 #include "desktop/enhancement/parts/level_control.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
-constexpr int kMostSamples = 480;
-constexpr float kCrestDb = 20;  // Between speech's peaks and its level.
-constexpr float kAnalogToleranceDb = 3;
-constexpr float kMicRangeDb = 20;  // From the middle of the microphone's range to an end.
+constexpr size_t kMaxSamples = 480;
 
+// How far the peaks of speech lie above its level.
+constexpr float kCrestDb = 20;
+constexpr float kAnalogToleranceDb = 3;
+
+// From the middle of the microphone's range to either end.
+constexpr float kMicRangeDb = 20;
+
+using desktop::Count;
 using desktop::LevelControl;
+using desktop::Size;
+using desktop::ToSample;
 
 struct Agc {
-  int rate = 0;  // Hz, 0 until initialised.
+  // Hz; 0 until initialised.
+  int rate = 0;
   int mode = kAgcModeUnchanged;
   int minLevel = 0;
   int maxLevel = 0;
   WebRtcAgcConfig config = {3, 9, 1};
   LevelControl control = LevelControl(1, LevelControl::Settings());
-  float block[kMostSamples] = {};
+  float block[kMaxSamples] = {};
 
   int MiddleLevel() const { return minLevel + (maxLevel - minLevel) / 2; }
-  float TargetDb() const { return -static_cast<float>(config.targetLevelDbfs) - kCrestDb; }
+  float PeakDb() const { return -static_cast<float>(config.targetLevelDbfs); }
+  float TargetDb() const { return PeakDb() - kCrestDb; }
 };
+
+Agc* Of(void* handle) { return static_cast<Agc*>(handle); }
 
 void Restart(Agc& agc) {
   LevelControl::Settings settings;
   settings.targetDb = agc.TargetDb();
-  settings.ceilingDb =
-      agc.config.limiterEnable != 0 ? -static_cast<float>(agc.config.targetLevelDbfs) : 0.0f;
+  settings.ceilingDb = agc.config.limiterEnable != 0 ? agc.PeakDb() : 0.0f;
   settings.adapts = agc.mode != kAgcModeFixedDigital;
-  if (!settings.adapts) settings.firstGainDb = static_cast<float>(agc.config.compressionGaindB);
+  if (!settings.adapts) settings.firstGainDb = agc.config.compressionGaindB;
   agc.control = LevelControl(agc.rate, settings);
 }
 
@@ -63,7 +75,7 @@ int WebRtcAgc_Create(void** handle) {
 
 int WebRtcAgc_Free(void* handle) {
   if (handle == nullptr) return -1;
-  delete static_cast<Agc*>(handle);
+  delete Of(handle);
   return 0;
 }
 
@@ -76,9 +88,9 @@ int WebRtcAgc_Init(void* handle, int32_t minLevel, int32_t maxLevel, int16_t mod
                     maxLevel);
     return -1;
   }
-  auto& agc = *static_cast<Agc*>(handle);
+  Agc& agc = *Of(handle);
   agc = Agc();
-  agc.rate = static_cast<int>(rate);
+  agc.rate = Count(rate);
   agc.mode = mode;
   agc.minLevel = minLevel;
   agc.maxLevel = maxLevel;
@@ -87,7 +99,7 @@ int WebRtcAgc_Init(void* handle, int32_t minLevel, int32_t maxLevel, int16_t mod
 }
 
 int WebRtcAgc_set_config(void* handle, WebRtcAgcConfig config) {
-  auto* const agc = static_cast<Agc*>(handle);
+  Agc* const agc = Of(handle);
   if (agc == nullptr || agc->rate == 0) return -1;
   if (config.targetLevelDbfs < 0 || config.targetLevelDbfs > 31 || config.compressionGaindB < 0 ||
       config.compressionGaindB > 90) {
@@ -102,7 +114,7 @@ int WebRtcAgc_set_config(void* handle, WebRtcAgcConfig config) {
 
 int WebRtcAgc_VirtualMic(void* handle, int16_t* const* bands, int16_t bandCount, int16_t samples,
                          int32_t micLevelIn, int32_t* micLevelOut) {
-  auto* const agc = static_cast<Agc*>(handle);
+  Agc* const agc = Of(handle);
   if (!Takes(agc, bands, bandCount, samples) || micLevelOut == nullptr) return -1;
   const int middle = agc->MiddleLevel();
   *micLevelOut = micLevelIn == 0 ? middle : std::clamp(micLevelIn, agc->minLevel, agc->maxLevel);
@@ -111,16 +123,15 @@ int WebRtcAgc_VirtualMic(void* handle, int16_t* const* bands, int16_t bandCount,
   const auto half = static_cast<float>(agc->maxLevel - middle);
   const float db = kMicRangeDb * static_cast<float>(*micLevelOut - middle) / half;
   const float gain = std::pow(10.0f, db / 20);
-  std::transform(bands[0], bands[0] + samples, bands[0], [gain](int16_t sample) {
-    return static_cast<int16_t>(std::lrint(std::clamp(gain * sample, -32768.0f, 32767.0f)));
-  });
+  std::transform(bands[0], bands[0] + samples, bands[0],
+                 [gain](int16_t sample) { return ToSample(gain * sample); });
   return 0;
 }
 
 int WebRtcAgc_Process(void* handle, const int16_t* const* in, int16_t bandCount, int16_t samples,
                       int16_t* const* out, int32_t micLevelIn, int32_t* micLevelOut, int16_t echo,
                       uint8_t* saturationWarning) {
-  auto* const agc = static_cast<Agc*>(handle);
+  Agc* const agc = Of(handle);
   if (!Takes(agc, in, bandCount, samples) || out == nullptr || micLevelOut == nullptr ||
       saturationWarning == nullptr) {
     return -1;
@@ -134,9 +145,8 @@ int WebRtcAgc_Process(void* handle, const int16_t* const* in, int16_t bandCount,
   if (agc->mode == kAgcModeUnchanged) return 0;
 
   std::copy(in[0], in[0] + samples, agc->block);
-  agc->control.Process(agc->block, samples, echo == 0);
-  std::transform(agc->block, agc->block + samples, out[0],
-                 [](float sample) { return static_cast<int16_t>(std::lrint(sample)); });
+  agc->control.Process(agc->block, Size(samples), echo == 0);
+  std::transform(agc->block, agc->block + samples, out[0], ToSample);
   if (agc->mode == kAgcModeAdaptiveAnalog) *micLevelOut = BetterVolume(*agc, micLevelIn);
   return 0;
 }

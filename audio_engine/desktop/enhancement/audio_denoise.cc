@@ -1,14 +1,16 @@
 #include "engine_api/enhancement/audio_denoise.h"
 
-#include <algorithm>
-#include <cmath>
 #include <exception>
 #include <vector>
 
+#include "desktop/common/counts.h"
+#include "desktop/dsp/effect_math.h"
 #include "desktop/enhancement/parts/spectral_suppressor.h"
 #include "engine_api/platform/log.h"
 
 namespace {
+
+using desktop::Size;
 
 constexpr float kNormalGain = 0.1f;    // -20 dB
 constexpr float kLightGain = 0.3548f;  // -9 dB
@@ -34,7 +36,7 @@ class Channel {
 
   // Drops what has been popped.
   void EndBlock() {
-    m_out.erase(m_out.begin(), m_out.begin() + static_cast<std::ptrdiff_t>(m_taken));
+    m_out.erase(m_out.begin(), m_out.begin() + desktop::Offset(m_taken));
     m_taken = 0;
   }
 
@@ -46,28 +48,27 @@ class Channel {
   size_t m_taken = 0;
 };
 
-short ToShort(float sample) {
-  return static_cast<short>(std::lrint(std::clamp(sample, -32768.0f, 32767.0f)));
-}
-
 }  // namespace
 
 struct CAudioDenoise::Impl {
   Impl(int sampleRate, int channelCount)
-      : block(static_cast<size_t>(static_cast<double>(sampleRate) * channelCount * 10 / 1000)) {
-    const size_t hop = static_cast<size_t>(sampleRate) / 100;
+      : block(Size(sampleRate) * Size(channelCount) * 10 / 1000) {
+    const size_t hop = Size(sampleRate) / 100;
     // A block of whole hops gives as much as it takes. Otherwise a hop may still be incomplete when
     // its first samples are wanted.
-    const size_t delay = block == hop * static_cast<size_t>(channelCount) ? 0 : hop;
-    channels.reserve(static_cast<size_t>(channelCount));
+    const size_t delay = block == hop * Size(channelCount) ? 0 : hop;
+    channels.reserve(Size(channelCount));
     for (int i = 0; i < channelCount; ++i) channels.emplace_back(sampleRate, hop, delay);
   }
 
   size_t After(size_t channel) const { return channel + 1 == channels.size() ? 0 : channel + 1; }
 
-  size_t block;  // Samples of all channels in one call.
+  // The samples of one call, all channels.
+  size_t block;
   std::vector<Channel> channels;
-  size_t next = 0;  // The channel of the next block's first sample.
+
+  // The channel of the next block's first sample.
+  size_t next = 0;
   float lowestGain = kNormalGain;
 };
 
@@ -97,7 +98,7 @@ void CAudioDenoise::Process(short* samples) {
   }
   channel = m_impl->next;
   for (size_t i = 0; i < m_impl->block; ++i, channel = m_impl->After(channel)) {
-    samples[i] = ToShort(m_impl->channels[channel].Pop());
+    samples[i] = desktop::ToSample(m_impl->channels[channel].Pop());
   }
   for (Channel& each : m_impl->channels) each.EndBlock();
   m_impl->next = channel;

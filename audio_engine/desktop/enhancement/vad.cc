@@ -11,6 +11,8 @@ struct Detector {
   int mode = 0;
 };
 
+Detector* Of(void* handle) { return static_cast<Detector*>(handle); }
+
 }  // namespace
 
 int WebRtcVad_Create(void** handle) {
@@ -21,12 +23,12 @@ int WebRtcVad_Create(void** handle) {
 
 int WebRtcVad_Init(void* handle) {
   if (handle == nullptr) return -1;
-  *static_cast<Detector*>(handle) = {.ready = true};
+  *Of(handle) = {.ready = true};
   return 0;
 }
 
 int WebRtcVad_set_mode(void* handle, int mode) {
-  auto* detector = static_cast<Detector*>(handle);
+  Detector* const detector = Of(handle);
   if (detector == nullptr || !detector->ready) return -1;
   if (mode < 0 || mode > 3) {
     OutputDebugInfo("no voice detection in mode %d", mode);
@@ -38,6 +40,6 @@ int WebRtcVad_set_mode(void* handle, int mode) {
 
 int WebRtcVad_Free(void* handle) {
   if (handle == nullptr) return -1;
-  delete static_cast<Detector*>(handle);
+  delete Of(handle);
   return 0;
 }

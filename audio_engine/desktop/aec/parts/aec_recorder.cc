@@ -2,9 +2,12 @@
 
 #include <cerrno>
 #include <cstring>
-#include <optional>
+#include <exception>
+#include <new>
+#include <utility>
 
 #include "desktop/common/counts.h"
+#include "desktop/common/wav_header.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -12,9 +15,9 @@ namespace desktop {
 namespace {
 
 constexpr size_t kQueueSeconds = 30;
-constexpr size_t kPieceFrames = 800;
+constexpr size_t kBlockFrames = 800;
 constexpr auto kPause = std::chrono::milliseconds(20);
-constexpr int kMostDelayMs = 500;
+constexpr int kMaxDelayMs = 500;
 
 FILE* OpenText(const std::string& name) {
   FILE* const file = fopen(name.c_str(), "wb");
@@ -31,33 +34,69 @@ void CloseText(FILE*& file, const std::string& name) {
 
 }  // namespace
 
+// One of the streams: what waits, and the mono file that it goes into.
 struct AecRecorder::Track {
-  Track(size_t capacity, int rate, const std::string& name)
-      : queue(capacity), file(std::in_place, rate, 1, 16, name) {}
+  Track(size_t capacity, int rate, const std::string& fileName)
+      : queue(capacity),
+        name(fileName),
+        format{rate, 1, 16},
+        file(CreateWav(name.c_str(), format, WavBuffer::kNone)) {}
+  ~Track() { Close(); }
+  Track(const Track&) = delete;
+  Track& operator=(const Track&) = delete;
+
+  void Write(const short* samples, size_t count) {
+    AppendToWav(file, name.c_str(), format, samples, count * sizeof(short));
+  }
+
+  void Close() { FinishWav(std::exchange(file, nullptr), format); }
 
   SampleQueue queue;
-  std::optional<CWavFileWriter> file;
+  const std::string name;
+  const WavFormat format;
+  FILE* file;
 };
 
 struct AecRecorder::Detection {
   explicit Detection(int rate)
-      : far(rate, 1), out(rate, 1), tracker(MonoInput::TrackedRate(rate), kMostDelayMs) {}
+      : far(rate, 1), out(rate, 1), tracker(MonoInput::TrackedRate(rate), kMaxDelayMs) {}
 
   MonoInput far;
   MonoInput out;
   DelayTracker tracker;
-  int64_t frames = 0;  // Of the output.
+
+  // How many frames of the output have come.
+  size_t frames = 0;
 };
+
+std::unique_ptr<AecRecorder> AecRecorder::Create(int rate, int channels, const Tags& tags) {
+  if (rate < 1 || rate > 192000 || channels < 1 || channels > 8) {
+    OutputDebugInfo("no recorder for %d Hz, %d channels", rate, channels);
+    return nullptr;
+  }
+  try {
+    Names names = {{}, std::string(tags.delay) + ".txt", std::string(tags.log) + ".txt"};
+    for (size_t i = 0; i < tags.streams.size(); ++i) {
+      names.streams[i] = std::string(tags.streams[i]) + ".wav";
+    }
+    return std::unique_ptr<AecRecorder>(new AecRecorder(rate, channels, names));
+  } catch (const std::bad_alloc&) {
+    OutputDebugInfo("no memory for a recorder");
+  } catch (const std::exception& error) {  // No thread, or a tag that is null.
+    OutputDebugInfo("no recorder: %s", error.what());
+  }
+  return nullptr;
+}
 
 AecRecorder::AecRecorder(int rate, int channels, const Names& names)
     : m_rate(rate),
-      m_channels(channels),
+      m_channels(Size(channels)),
       m_names(names),
       m_delayFile(OpenText(names.delay)),
       m_logFile(OpenText(names.log)),
-      m_piece(kPieceFrames * static_cast<size_t>(channels)),
-      m_mono(kPieceFrames) {
-  const size_t capacity = kQueueSeconds * static_cast<size_t>(rate) * static_cast<size_t>(channels);
+      m_block(kBlockFrames * m_channels),
+      m_mono(kBlockFrames) {
+  const size_t capacity = kQueueSeconds * Size(rate) * m_channels;
   for (size_t i = 0; i < m_tracks.size(); ++i) {
     m_tracks[i] = std::make_unique<Track>(capacity, rate, names.streams[i]);
   }
@@ -74,10 +113,8 @@ AecRecorder::~AecRecorder() {
 
 void AecRecorder::Record(Stream stream, const void* data, int bytes) {
   if (!m_takes || data == nullptr || bytes <= 0) return;
-  const size_t frames =
-      static_cast<size_t>(bytes) / sizeof(short) / static_cast<size_t>(m_channels);
-  m_tracks[stream]->queue.Push(static_cast<const short*>(data),
-                               frames * static_cast<size_t>(m_channels));
+  const size_t frames = Size(bytes) / sizeof(short) / m_channels;
+  m_tracks[stream]->queue.Push(static_cast<const short*>(data), frames * m_channels);
 }
 
 void AecRecorder::Detect(int rate) {
@@ -131,28 +168,29 @@ void AecRecorder::Run() {
   }
 }
 
-// Stream by stream in pieces, so that detection hears of both ends at about the same time.
+// Stream by stream in blocks, so that detection hears of both ends at about the same time.
 void AecRecorder::WriteAll() {
   bool more = true;
   while (more) {
     more = false;
-    for (const Stream stream : {kFar, kNear, kOut}) more = WritePiece(stream) || more;
+    for (const Stream stream : {kFar, kNear, kOut}) more = WriteBlock(stream) || more;
   }
 }
 
-bool AecRecorder::WritePiece(Stream stream) {
+bool AecRecorder::WriteBlock(Stream stream) {
   Track& track = *m_tracks[stream];
-  const size_t channels = static_cast<size_t>(m_channels);
-  const size_t frames = track.queue.Pop(m_piece.data(), m_piece.size()) / channels;
+  const size_t frames = track.queue.Pop(m_block.data(), m_block.size()) / m_channels;
   if (frames == 0) return false;
 
   for (size_t i = 0; i < frames; ++i) {
     int sum = 0;
-    for (size_t channel = 0; channel < channels; ++channel) sum += m_piece[i * channels + channel];
-    m_mono[i] = static_cast<short>(sum / m_channels);
+    for (size_t channel = 0; channel < m_channels; ++channel) {
+      sum += m_block[i * m_channels + channel];
+    }
+    m_mono[i] = static_cast<short>(sum / Count(m_channels));
   }
-  track.file->Write(m_mono.data(), static_cast<int>(frames * sizeof(short)));
-  if (m_detection) LookForEcho(stream, static_cast<int>(frames));
+  track.Write(m_mono.data(), frames);
+  if (m_detection) LookForEcho(stream, frames);
   return true;
 }
 
@@ -166,38 +204,38 @@ void AecRecorder::StartDetection() {
   }
 }
 
-void AecRecorder::LookForEcho(Stream stream, int frames) {
+void AecRecorder::LookForEcho(Stream stream, size_t frames) {
   Detection& detection = *m_detection;
   if (stream == kNear) return;
   if (stream == kFar) {
-    detection.far.Feed(m_mono.data(), Size(frames), [&detection](const short* mono, size_t count) {
+    detection.far.Feed(m_mono.data(), frames, [&detection](const short* mono, size_t count) {
       detection.tracker.AddFar(mono, count);
     });
     return;
   }
-  detection.out.Feed(m_mono.data(), Size(frames), [&detection](const short* mono, size_t count) {
+  detection.out.Feed(m_mono.data(), frames, [&detection](const short* mono, size_t count) {
     detection.tracker.AddNear(mono, count);
   });
-  const int64_t before = detection.frames / m_rate;
+  const size_t before = detection.frames / Size(m_rate);
   detection.frames += frames;
-  if (detection.frames / m_rate == before) return;
+  const size_t seconds = detection.frames / Size(m_rate);
+  if (seconds == before) return;
   m_hasEcho = detection.tracker.MedianScore() >= DelayTracker::kEchoScore;
   if (m_delayFile == nullptr) return;
-  fprintf(m_delayFile, "%lld %d\n", static_cast<long long>(detection.frames / m_rate),
-          detection.tracker.DelayMs());
+  fprintf(m_delayFile, "%zu %d\n", seconds, detection.tracker.DelayMs());
 }
 
 void AecRecorder::CloseFiles() {
   size_t dropped = 0;
   for (const auto& track : m_tracks) {
-    track->file.reset();
-    dropped += track->queue.Dropped() / static_cast<size_t>(m_channels);
+    track->Close();
+    dropped += track->queue.Dropped() / m_channels;
   }
   if (m_detection) {
     m_hasEcho = m_detection->tracker.MedianScore() >= DelayTracker::kEchoScore;
   }
   if (m_logFile != nullptr) {
-    fprintf(m_logFile, "%d Hz, %d channels, %zu samples dropped\n", m_rate, m_channels, dropped);
+    fprintf(m_logFile, "%d Hz, %zu channels, %zu samples dropped\n", m_rate, m_channels, dropped);
     const char* const verdict = !m_detection ? "not looked for" : m_hasEcho ? "yes" : "no";
     fprintf(m_logFile, "echo: %s\n", verdict);
   }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -15,7 +16,6 @@
 #include "desktop/aec/parts/mono_input.h"
 #include "desktop/aec/parts/sample_queue.h"
 #include "desktop/devices/background.h"
-#include "engine_api/common/wav_file_writer.h"
 
 namespace desktop {
 
@@ -25,52 +25,71 @@ class AecRecorder {
  public:
   enum Stream { kFar, kNear, kOut };
 
+  // The files are named after these: "<tag>.wav" for the streams, "<tag>.txt" for the others.
+  struct Tags {
+    std::array<const char*, 3> streams;
+    const char* delay;
+    const char* log;
+  };
+
+  // Null, with one line in the log, for a format that it does not take and where memory or a thread
+  // is not to be had. A file that cannot be opened is one line in the log, too.
+  static std::unique_ptr<AecRecorder> Create(int rate, int channels, const Tags& tags);
+
+  // Finishes.
+  ~AecRecorder();
+
+  // Takes whole frames of interleaved samples without waiting; after 30 s of a disk that stands
+  // still it drops them, and after Finish always.
+  void Record(Stream stream, const void* data, int bytes);
+
+  // Looks for echo from now on, at this rate (Hz).
+  void Detect(int rate);
+  bool HasEcho() const { return m_hasEcho; }
+
+  // Returns when all that was queued at the call is written.
+  void WriteQueued();
+
+  // Writes all that is queued, finishes the files and ends the thread.
+  void Finish();
+
+ private:
   struct Names {
     std::array<std::string, 3> streams;
     std::string delay;
     std::string log;
   };
 
-  // Throws what memory and threads throw. A file that cannot be opened is one line in the log.
   AecRecorder(int rate, int channels, const Names& names);
-  ~AecRecorder();  // Finishes.
 
-  // Takes whole frames of interleaved samples without waiting; after 30 s of a disk that stands
-  // still it drops them, and after Finish always.
-  void Record(Stream stream, const void* data, int bytes);
-
-  void Detect(int rate);  // Looks for echo from now on, at this rate (Hz).
-  bool HasEcho() const { return m_hasEcho; }
-
-  void WriteQueued();  // Returns when all that was queued at the call is written.
-  void Finish();       // Writes all that is queued, finishes the files and ends the thread.
-
- private:
   struct Track;
   struct Detection;
 
   void Run();
-  bool WritePiece(Stream stream);
+  bool WriteBlock(Stream stream);
   void WriteAll();
   void StartDetection();
-  void LookForEcho(Stream stream, int frames);
+  void LookForEcho(Stream stream, size_t frames);
   void CloseFiles();
   bool FinishUntil(std::chrono::steady_clock::time_point deadline);
 
   const int m_rate;
-  const int m_channels;
+  const size_t m_channels;
   const Names m_names;
   std::array<std::unique_ptr<Track>, 3> m_tracks;
   FILE* m_delayFile;
   FILE* m_logFile;
-  std::unique_ptr<Detection> m_detection;  // The thread's own.
-  std::vector<short> m_piece;
+
+  // These three belong to the thread.
+  std::unique_ptr<Detection> m_detection;
+  std::vector<short> m_block;
   std::vector<short> m_mono;
   std::atomic<int> m_detectRate = 0;
   std::atomic<bool> m_hasEcho = false;
   std::atomic<bool> m_takes = true;
 
-  std::mutex m_mutex;  // For all down to m_done.
+  // Guards all members down to m_done.
+  std::mutex m_mutex;
   std::condition_variable m_changed;
   bool m_finishAsked = false;
   int m_writesAsked = 0;

@@ -11,7 +11,8 @@ namespace desktop {
 
 namespace {
 
-constexpr int kDenoise = 1;  // About 11 dB of noise.
+// The levels of noise suppression: the first takes about 11 dB off.
+constexpr int kDenoise = 1;
 constexpr int kStrongDenoise = 2;
 
 }  // namespace
@@ -19,17 +20,18 @@ constexpr int kStrongDenoise = 2;
 CaptureChain::CaptureChain() { SetRate(m_rate); }
 
 void CaptureChain::SetRate(int rate) {
-  if (rate != m_rate) m_recorder.reset();  // Its files are of the rate before.
+  // The files of a recorder are of the rate before.
+  if (rate != m_rate) m_recorder.reset();
   m_rate = rate;
   m_canceller = std::make_unique<EchoCanceller>(rate, EchoCanceller::Delay::kFound);
   m_canceller->SetSuppression(EchoCanceller::Suppression::kHigh);
   ApplyDenoise();
-  m_voice = std::make_unique<CVoiceDetectionEx>(Unsigned(rate), 1u);
-  m_voice->SetVoiceDetectionMode(m_vadMode);
+  m_voice.emplace(Unsigned(rate), 1u);
+  m_voice->SetMode(m_vadMode);
   if (m_level) EnableGainControl(true);
   m_render = Path();
   m_capture = Path();
-  m_block.resize(static_cast<size_t>(rate / 100));
+  m_block.resize(Size(rate / 100));
 }
 
 bool CaptureChain::SetVadMode(VoiceDetectionMode mode) {
@@ -37,7 +39,7 @@ bool CaptureChain::SetVadMode(VoiceDetectionMode mode) {
     OutputDebugInfo("no voice detection in an unknown mode");
     return false;
   }
-  if (!m_voice->SetVoiceDetectionMode(mode)) return false;
+  if (!m_voice->SetMode(mode)) return false;
   m_vadMode = mode;
   return true;
 }
@@ -66,13 +68,14 @@ bool CaptureChain::Record(const char* tag) {
   m_recorder.reset();
   if (tag == nullptr) return false;
   const std::string name(tag);
-  m_recorder = std::make_unique<CAecFileWriter>(
-      m_rate, 1, (name + "_far").c_str(), (name + "_near").c_str(), (name + "_out").c_str(),
-      (name + "_delay").c_str(), (name + "_log").c_str(), 0);
+  const std::string far = name + "_far", near = name + "_near", out = name + "_out";
+  const std::string delay = name + "_delay", log = name + "_log";
+  m_recorder = AecRecorder::Create(
+      m_rate, 1, {{far.c_str(), near.c_str(), out.c_str()}, delay.c_str(), log.c_str()});
   return true;
 }
 
-// Prepares a path for the format of a frame; false for one that is not processed.
+// Makes the resamplers of a path for the format of a frame; false for one that is not processed.
 bool CaptureChain::Follow(Path& path, const zuwebrtc::AudioFrame& frame) const {
   const int rate = frame.sample_rate_hz_;
   const int channels = frame.num_channels_;
@@ -87,51 +90,56 @@ bool CaptureChain::Follow(Path& path, const zuwebrtc::AudioFrame& frame) const {
   path.in = std::make_unique<Resampler>(frames, Unsigned(channels), inside, 1u, frames);
   path.out = std::make_unique<Resampler>(inside, 1u, frames, Unsigned(channels), inside);
   path.samples.resize(
-      std::max(path.in->MaxFramesFor(frames), path.out->MaxFramesFor(inside) * Unsigned(channels)));
+      std::max(path.in->MaxFramesFor(frames), path.out->MaxFramesFor(inside) * Size(channels)));
   path.rate = rate;
   path.channels = channels;
   return true;
 }
 
-bool CaptureChain::ProcessRender(const zuwebrtc::AudioFrame& frame) try {
-  if (!Follow(m_render, frame)) return false;
-  m_render.in->Convert(frame.data_, Unsigned(frame.samples_per_channel_), m_render.samples.data());
+// Prepares the path of one end, "far" or "near", for a frame. False for a frame that is not
+// processed, and with one line in the log where there is no memory for its format.
+bool CaptureChain::Prepare(Path& path, const zuwebrtc::AudioFrame& frame, const char* end) const {
+  try {
+    return Follow(path, frame);
+  } catch (const std::bad_alloc&) {
+    OutputDebugInfo("no memory for another format of the %s end", end);
+    return false;
+  }
+}
+
+bool CaptureChain::ProcessRender(const zuwebrtc::AudioFrame& frame) {
+  if (!Prepare(m_render, frame, "far")) return false;
+  m_render.in->Convert(frame.data_, Size(frame.samples_per_channel_), m_render.samples.data());
   std::copy_n(m_render.samples.begin(), m_block.size(), m_block.begin());
   m_canceller->ProcessFar(m_block.data());
   if (m_recorder) {
-    m_recorder->RecordFarendData(m_render.samples.data(), 2 * m_canceller->Block());
+    m_recorder->Record(AecRecorder::kFar, m_render.samples.data(), 2 * m_canceller->Block());
   }
   return true;
-} catch (const std::bad_alloc&) {
-  OutputDebugInfo("no memory for another format of the far end");
-  return false;
 }
 
-bool CaptureChain::ProcessCapture(zuwebrtc::AudioFrame& frame) try {
-  if (!Follow(m_capture, frame)) return false;
+bool CaptureChain::ProcessCapture(zuwebrtc::AudioFrame& frame) {
+  if (!Prepare(m_capture, frame, "near")) return false;
   short* const samples = m_capture.samples.data();
   const int bytes = 2 * m_canceller->Block();
-  m_capture.in->Convert(frame.data_, Unsigned(frame.samples_per_channel_), samples);
-  if (m_recorder) m_recorder->RecordNearendData(samples, bytes);
+  m_capture.in->Convert(frame.data_, Size(frame.samples_per_channel_), samples);
+  if (m_recorder) m_recorder->Record(AecRecorder::kNear, samples, bytes);
 
   if (!m_bypassed) {
     std::copy_n(samples, m_block.size(), m_block.begin());
     m_canceller->ProcessNear(m_block.data());
-    if (m_level) m_level->Process(m_block.data(), static_cast<int>(m_block.size()), true);
+    if (m_level) m_level->Process(m_block.data(), m_block.size(), true);
     std::transform(m_block.begin(), m_block.end(), samples,
                    [](float sample) { return static_cast<short>(sample); });
   }
-  const VADResultKind voice = m_voice->Detect(samples, static_cast<unsigned>(m_block.size()));
+  const VADResultKind voice = m_voice->Detect(samples, m_block.size());
   frame.vad_activity_ = static_cast<zuwebrtc::VADActivity>(voice);
-  if (m_recorder) m_recorder->RecordOutData(samples, bytes);
+  if (m_recorder) m_recorder->Record(AecRecorder::kOut, samples, bytes);
   if (m_bypassed) return true;
 
   const size_t frames = m_capture.out->Convert(samples, m_block.size(), samples);
-  std::copy_n(samples, frames * Unsigned(m_capture.channels), frame.data_);
+  std::copy_n(samples, frames * Size(m_capture.channels), frame.data_);
   return true;
-} catch (const std::bad_alloc&) {
-  OutputDebugInfo("no memory for another format of the near end");
-  return false;
 }
 
 }  // namespace desktop

@@ -4,12 +4,12 @@
 #include <optional>
 #include <vector>
 
+#include "desktop/aec/parts/aec_recorder.h"
 #include "desktop/aec/parts/echo_canceller.h"
 #include "desktop/dsp/rate/resampler.h"
 #include "desktop/enhancement/parts/level_control.h"
-#include "engine_api/aec/aec_file_writer.h"
+#include "desktop/enhancement/parts/voice_detector.h"
 #include "engine_api/common/audio_frame.h"
-#include "engine_api/enhancement/voice_detection.h"
 
 namespace desktop {
 
@@ -20,7 +20,8 @@ class CaptureChain {
  public:
   CaptureChain();
 
-  void SetRate(int rate);  // 8000 or 16000 Hz; starts afresh.
+  // Starts afresh at 8000 or 16000 Hz.
+  void SetRate(int rate);
   bool SetVadMode(VoiceDetectionMode mode);
   void EnableGainControl(bool on);
   void EnableDenoise(bool on);
@@ -32,7 +33,8 @@ class CaptureChain {
   // Records into files whose names start with `tag`, null for no more. True while it records.
   bool Record(const char* tag);
 
-  // False for a frame that is not as above, which stays as it is.
+  // False for a frame that is not as above, and where there is no memory for its format: it stays
+  // as it is.
   bool ProcessRender(const zuwebrtc::AudioFrame& frame);
   bool ProcessCapture(zuwebrtc::AudioFrame& frame);
 
@@ -47,14 +49,17 @@ class CaptureChain {
   };
 
   bool Follow(Path& path, const zuwebrtc::AudioFrame& frame) const;
+  bool Prepare(Path& path, const zuwebrtc::AudioFrame& frame, const char* end) const;
   void ApplyDenoise();
 
   int m_rate = 16000;
   std::unique_ptr<EchoCanceller> m_canceller;
-  std::unique_ptr<CVoiceDetectionEx> m_voice;
+  std::optional<VoiceDetector> m_voice;
   VoiceDetectionMode m_vadMode = voiceDetectionUnknown;
-  std::optional<LevelControl> m_level;  // Empty while gain control is off.
-  std::unique_ptr<CAecFileWriter> m_recorder;
+
+  // Empty while gain control is off.
+  std::optional<LevelControl> m_level;
+  std::unique_ptr<AecRecorder> m_recorder;
   bool m_denoises = false;
   bool m_strongDenoise = false;
   bool m_bypassed = false;

@@ -24,8 +24,8 @@ constexpr int kChangeMs = 10;
 // The filter starts this long before the echo, and is moved when less than the least is left or
 // more than the most.
 constexpr int kFilterMarginMs = 50;
-constexpr int kLeastMarginMs = 20;
-constexpr int kMostMarginMs = 150;
+constexpr int kMinMarginMs = 20;
+constexpr int kMaxMarginMs = 150;
 
 constexpr float kFullScale = 32768.0f;
 
@@ -138,7 +138,7 @@ void EchoCanceller::FollowDelay(const float* near) {
 
 void EchoCanceller::MoveFilter() {
   const int margin = m_apmDelayMs + kModuleMarginMs - 10 * m_filter.Offset();
-  if (m_apmDelayMs == 0 || (margin >= kLeastMarginMs && margin <= kMostMarginMs)) return;
+  if (m_apmDelayMs == 0 || (margin >= kMinMarginMs && margin <= kMaxMarginMs)) return;
   m_filter.SetOffset(std::max(0, m_apmDelayMs + kModuleMarginMs - kFilterMarginMs) / 10);
 }
 

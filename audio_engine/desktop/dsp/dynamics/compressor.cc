@@ -9,7 +9,9 @@ namespace desktop {
 namespace {
 
 constexpr double kHoldSeconds = 0.012;
-constexpr double kNothing = 1e-4;  // dB; less than that is no difference.
+
+// Less than that many dB are no difference.
+constexpr double kNothing = 1e-4;
 
 }  // namespace
 
@@ -34,13 +36,14 @@ float Compressor::Gain(float level) {
   const float peak = m_peak.Push(level);
   if (peak != m_level) {
     m_level = peak;
-    m_target = peak > 0 ? Reduction(20 * std::log10(static_cast<double>(peak))) : 0;
+    m_target = peak > 0 ? Reduction(20 * std::log10(double{peak})) : 0;
   }
   const double missing = m_target - m_reduction;
   if (missing == 0) return m_gain;
   m_reduction += missing * (missing > 0 ? m_attack : m_release);
   if (std::abs(m_target - m_reduction) < kNothing) m_reduction = m_target;
-  m_gain = static_cast<float>(std::exp(-0.11512925464970229 * m_reduction));  // 10^(-x / 20).
+  // 10^(-x / 20).
+  m_gain = static_cast<float>(std::exp(-0.11512925464970229 * m_reduction));
   return m_gain;
 }
 

@@ -5,10 +5,17 @@
 namespace desktop {
 
 struct CompressorSettings {
-  double threshold;  // dBFS of the peak; below it the gain is exactly 1.
-  double ratio;      // dB in per dB out above the knee.
-  double knee;       // dB, from the threshold up; 0 = none.
-  double attackMs;   // Time constants of the gain in dB.
+  // dBFS of the peak; below it the gain is exactly 1.
+  double threshold;
+
+  // dB in for each dB out above the knee.
+  double ratio;
+
+  // How far the knee reaches up from the threshold, dB; 0 for none.
+  double knee;
+
+  // The time constants of the gain in dB.
+  double attackMs;
   double releaseMs;
 };
 
@@ -34,10 +41,14 @@ class Compressor {
   SlidingMaximum m_peak;
   double m_attack = 1;
   double m_release = 1;
-  float m_level = 0;       // The last peak, and
-  double m_target = 0;     // the reduction (dB) that goes with it.
-  double m_reduction = 0;  // dB at present, and
-  float m_gain = 1;        // the gain that goes with it.
+
+  // The last peak, and the reduction in dB that goes with it.
+  float m_level = 0;
+  double m_target = 0;
+
+  // The present reduction in dB, and the gain that goes with it.
+  double m_reduction = 0;
+  float m_gain = 1;
 };
 
 }  // namespace desktop

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 
 namespace desktop {
@@ -38,23 +39,22 @@ void Limiter::SetParameter(const LimiterParameter& parameter) {
 }
 
 int Limiter::Latency(int sampleRate) const {
-  return static_cast<int>(
-      std::lround(static_cast<double>(m_parameter.fLookahead) * sampleRate / 1000));
+  return static_cast<int>(std::lround(double{m_parameter.fLookahead} * sampleRate / 1000));
 }
 
 void Limiter::Prepare(int channels, int sampleRate) {
   const LimiterParameter& p = m_parameter;
-  m_preGain = FromDecibels(static_cast<double>(p.fPreGain));
-  m_threshold = FromDecibels(static_cast<double>(p.fThreshold));
-  m_ceiling = FromDecibels(static_cast<double>(p.fCeiling));
-  m_attack = SmoothingStep(static_cast<double>(p.fAttack), sampleRate);
-  m_release = SmoothingStep(static_cast<double>(p.fRelease), sampleRate);
-  m_rms = p.fRMS > 0 ? SmoothingStep(static_cast<double>(p.fRMS), sampleRate) : 0;
+  m_preGain = FromDecibels(p.fPreGain);
+  m_threshold = FromDecibels(p.fThreshold);
+  m_ceiling = FromDecibels(p.fCeiling);
+  m_attack = SmoothingStep(p.fAttack, sampleRate);
+  m_release = SmoothingStep(p.fRelease, sampleRate);
+  m_rms = p.fRMS > 0 ? SmoothingStep(p.fRMS, sampleRate) : 0;
   m_changed = false;
   const int latency = Latency(sampleRate);
-  const auto average = static_cast<size_t>(
-      std::max(1L, std::lround(static_cast<double>(p.fLookaheadRatio) * latency)));
-  for (Channel& channel : m_channel) channel.level = -1;  // The curve may have changed.
+  const size_t average = Size(std::max(1L, std::lround(double{p.fLookaheadRatio} * latency)));
+  // The curve may have changed.
+  for (Channel& channel : m_channel) channel.level = -1;
   if (sampleRate == m_sampleRate && channels == m_channels && latency == m_latency &&
       average == m_channel[0].gains.size()) {
     return;
@@ -63,8 +63,8 @@ void Limiter::Prepare(int channels, int sampleRate) {
     channel = {};
     channel.peak.Reset(latency + 1 + static_cast<int>(kHoldSeconds * sampleRate));
     channel.gains.assign(average, 1.0);
-    channel.sum = static_cast<double>(average);
-    channel.delay.assign(static_cast<size_t>(latency) + 1, 0.0f);
+    channel.sum = Real(average);
+    channel.delay.assign(Size(latency) + 1, 0.0f);
   }
   m_at = m_gainAt = 0;
   m_latency = latency;
@@ -74,8 +74,8 @@ void Limiter::Prepare(int channels, int sampleRate) {
 
 // Above the threshold the level bends with slope 1 at first and towards the ceiling, both in dB.
 double Limiter::GainFor(float level) const {
-  if (static_cast<double>(level) <= m_threshold) return 1;
-  const double over = 20 * std::log10(static_cast<double>(level) / m_threshold);
+  if (level <= m_threshold) return 1;
+  const double over = 20 * std::log10(level / m_threshold);
   const double room = 20 * std::log10(m_ceiling / m_threshold);
   const double rise = room > 0 ? room * (1 - std::exp(-over / room)) : 0;
   return FromDecibels(rise - over);
@@ -83,9 +83,10 @@ double Limiter::GainFor(float level) const {
 
 float Limiter::LevelOf(Channel& channel, float sample) const {
   if (m_rms == 0) return std::abs(sample);
-  const double value = static_cast<double>(sample);
+  const double value = sample;
   channel.power += m_rms * (value * value - channel.power);
-  return static_cast<float>(std::numbers::sqrt2 * std::sqrt(channel.power));  // A sine's peak.
+  // The peak of a sine of that power.
+  return static_cast<float>(std::numbers::sqrt2 * std::sqrt(channel.power));
 }
 
 double Limiter::NextGain(Channel& channel, float level) {
@@ -100,10 +101,10 @@ double Limiter::NextGain(Channel& channel, float level) {
   double& oldest = channel.gains[m_gainAt];
   channel.sum += channel.gain - oldest;
   oldest = channel.gain;
-  return channel.sum / static_cast<double>(channel.gains.size());
+  return channel.sum / Real(channel.gains.size());
 }
 
-void Limiter::Process(float* const* rows, int channels, int frames, int sampleRate) {
+void Limiter::Process(float* const* rows, int channels, size_t frames, int sampleRate) {
   if (m_changed || sampleRate != m_sampleRate || channels != m_channels) {
     Prepare(channels, sampleRate);
   }
@@ -111,8 +112,8 @@ void Limiter::Process(float* const* rows, int channels, int frames, int sampleRa
   const auto preGain = static_cast<float>(m_preGain);
   const auto ceiling = static_cast<float>(m_ceiling);
   const size_t length = m_channel[0].delay.size();
-  for (int i = 0; i < frames; ++i) {
-    float level[kMostEffectChannels] = {};
+  for (size_t i = 0; i < frames; ++i) {
+    float level[kMaxEffectChannels] = {};
     float loudest = 0;
     for (int c = 0; c < channels; ++c) {
       const float in = rows[c][i] * preGain;

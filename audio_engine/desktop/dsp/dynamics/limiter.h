@@ -3,15 +3,15 @@
 #include <vector>
 
 #include "desktop/dsp/dynamics/sliding_maximum.h"
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 #include "engine_api/effects/effect_parameters.h"
 
 namespace desktop {
 
-// A look-ahead limiter over planar floats of full scale 1. The gain that each peak needs is held
-// from the look-ahead before the peak until 12 ms after it, recovers with the release, and is
-// averaged over the share of the look-ahead that it may take to fall: so it is down in time without
-// a step.
+// A look-ahead limiter over planar floats of full scale 1 (Zölzer, "DAFX", 2011, chapter 4). The
+// gain that each peak needs is held from the look-ahead before the peak until 12 ms after it,
+// recovers with the release, and is averaged over the share of the look-ahead that it may take to
+// fall: so it is down in time without a step.
 class Limiter {
  public:
   Limiter();
@@ -29,16 +29,22 @@ class Limiter {
 
   // Limits rows[0..channels) in place. Allocates when the rate, the channels or the look-ahead are
   // not those of the last call, and throws when there is no memory.
-  void Process(float* const* rows, int channels, int frames, int sampleRate);
+  void Process(float* const* rows, int channels, size_t frames, int sampleRate);
 
  private:
   struct Channel {
     SlidingMaximum peak;
-    double power = 0;   // Mean square, for a level by power.
-    float level = -1;   // The last held level, and
-    double needed = 1;  // the gain that it needs.
-    double gain = 1;    // With release and attack.
-    double sum = 0;     // Of the last gains, for the average.
+
+    // The mean square, for a level by power.
+    double power = 0;
+
+    // The last held level, the gain that it needs, and that gain with release and attack.
+    float level = -1;
+    double needed = 1;
+    double gain = 1;
+
+    // The last gains and their sum, for the average.
+    double sum = 0;
     std::vector<double> gains;
     std::vector<float> delay;
   };
@@ -53,15 +59,17 @@ class Limiter {
   int m_sampleRate = 0;
   int m_channels = 0;
   int m_latency = 0;
-  size_t m_at = 0;      // In the delay lines.
-  size_t m_gainAt = 0;  // In the averages.
+
+  // The next places in the delay lines and in the averages.
+  size_t m_at = 0;
+  size_t m_gainAt = 0;
   double m_preGain = 1;
   double m_threshold = 1;
   double m_ceiling = 1;
   double m_attack = 1;
   double m_release = 1;
   double m_rms = 0;
-  Channel m_channel[kMostEffectChannels];
+  Channel m_channel[kMaxEffectChannels];
 };
 
 }  // namespace desktop

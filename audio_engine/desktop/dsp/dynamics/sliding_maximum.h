@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 // The largest of the last `window` values, in constant time per value on average (the ascending
@@ -12,8 +14,8 @@ class SlidingMaximum {
  public:
   // Starts anew; allocates. `window` of at least 1.
   void Reset(int window) {
-    m_window = std::max(1, window);
-    m_entries.assign(static_cast<size_t>(m_window) + 1, Entry{});
+    m_window = Unsigned(std::max(1, window));
+    m_entries.assign(size_t{m_window} + 1, Entry{});
     Clear();
   }
 
@@ -22,7 +24,7 @@ class SlidingMaximum {
 
   float Push(float value) {
     // Counts wrap round; the difference does not.
-    if (m_first != m_end && m_now - m_entries[m_first].when >= static_cast<unsigned>(m_window)) {
+    if (m_first != m_end && m_now - m_entries[m_first].when >= m_window) {
       m_first = After(m_first);
     }
     while (m_end != m_first && m_entries[Before(m_end)].value <= value) m_end = Before(m_end);
@@ -40,11 +42,12 @@ class SlidingMaximum {
   size_t After(size_t at) const { return at + 1 == m_entries.size() ? 0 : at + 1; }
   size_t Before(size_t at) const { return at == 0 ? m_entries.size() - 1 : at - 1; }
 
-  std::vector<Entry> m_entries;  // A ring of falling values, the largest first.
+  // A ring of falling values, the largest first.
+  std::vector<Entry> m_entries;
   size_t m_first = 0;
   size_t m_end = 0;
   unsigned m_now = 0;
-  int m_window = 1;
+  unsigned m_window = 1;
 };
 
 }  // namespace desktop

@@ -9,10 +9,12 @@ namespace desktop {
 namespace {
 
 constexpr float kFullScale = 32767;
+
 // The share of what is missing to 1 that the gain wins back with each frame: a time constant of 50
 // ms at 44.1 kHz.
 constexpr float kRelease = 1.0F / 2205;
-constexpr float kNearlyOne = 1 - 1e-4F;  // From here on the gain is 1: 0.001 dB.
+// From here on, 0.001 dB, the gain is 1.
+constexpr float kNearlyOne = 1 - 1e-4F;
 
 }  // namespace
 
@@ -20,7 +22,7 @@ void SumLimiter::Process(const int32_t* sums, size_t frames, size_t channels, in
   for (size_t frame = 0; frame < frames; ++frame) {
     int64_t peak = 0;
     for (size_t channel = 0; channel < channels; ++channel) {
-      peak = std::max(peak, std::abs(static_cast<int64_t>(sums[frame * channels + channel])));
+      peak = std::max(peak, std::abs(int64_t{sums[frame * channels + channel]}));
     }
     m_gain = m_gain < kNearlyOne ? m_gain + (1 - m_gain) * kRelease : 1;
     // -32768 alone is within range and passes as it is.

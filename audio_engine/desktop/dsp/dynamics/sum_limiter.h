@@ -7,7 +7,7 @@ namespace desktop {
 
 // Brings sums of 16-bit samples back into range without delay: a sample beyond full scale lowers
 // the gain at once, for all channels alike, and the gain returns to 1 within about 200 ms (a peak
-// limiter as in Zölzer, DAFX, 2011, with no attack time). As long as nothing is too loud the sums
+// limiter as in Zölzer, "DAFX", 2011, with no attack time). As long as nothing is too loud the sums
 // come out unchanged, bit for bit.
 class SumLimiter {
  public:

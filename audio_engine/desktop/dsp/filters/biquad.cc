@@ -39,8 +39,8 @@ void Biquad::Design(const BiquadShape& shape, int rate) {
   m_filter = {b0 / a0, b1 / a0, b2 / a0, a1 / a0, a2 / a0};
 }
 
-void Biquad::Process(float* samples, int count) {
-  for (int i = 0; i < count; ++i) samples[i] = static_cast<float>(Run(samples[i]));
+void Biquad::Process(float* samples, size_t count) {
+  for (size_t i = 0; i < count; ++i) samples[i] = static_cast<float>(Run(samples[i]));
 }
 
 }  // namespace desktop

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
+
 namespace desktop {
 
 enum class BiquadKind { kNone, kLowPass, kHighPass, kPeak, kLowShelf, kHighShelf };
 
-// What a second-order filter shall do. frequency: Hz. q: for shelves 0.707 is the steepest without
-// a bump. gainDb: of peaks and shelves.
+// What a second-order filter shall do. The frequency is in Hz. A q of 0.707 makes shelves as steep
+// as they can be without a bump. The gain is for peaks and shelves.
 struct BiquadShape {
   BiquadKind kind = BiquadKind::kNone;
   double frequency = 1000;
@@ -38,7 +40,7 @@ class Biquad {
   }
 
   // Filters samples in place.
-  void Process(float* samples, int count);
+  void Process(float* samples, size_t count);
 
  private:
   BiquadCoefficients m_filter;

@@ -11,7 +11,9 @@ namespace {
 constexpr std::array<double, kEqualizerBands> kCentres = {16,   31.5, 63,   125,  250,  500,
                                                           1000, 2000, 4000, 8000, 16000};
 constexpr double kOctaves = 1.0;
-constexpr double kMostGain = 60;  // dB; what a bell may need between neighbours that pull down.
+
+// What a bell may need between neighbours that pull down, dB.
+constexpr double kMaxGain = 60;
 
 using Vector = std::array<double, kEqualizerBands>;
 using Matrix = std::array<Vector, kEqualizerBands>;
@@ -98,10 +100,11 @@ std::array<double, kEqualizerBands> SolveBandGains(
     }
     if (worst < 0.01) break;
     const Vector step = Step(slopes, missing, size);
-    double longest = 6;  // dB; longer steps overshoot.
+    // Steps of more than 6 dB overshoot.
+    double longest = 6;
     for (size_t k = 0; k < size; ++k) longest = std::max(longest, std::abs(step[k]));
     for (size_t k = 0; k < size; ++k) {
-      gains[k] = std::clamp(gains[k] + step[k] * 6 / longest, -kMostGain, kMostGain);
+      gains[k] = std::clamp(gains[k] + step[k] * 6 / longest, -kMaxGain, kMaxGain);
     }
   }
   return gains;

@@ -34,7 +34,7 @@ static_assert(kLanes <= kConvolveOverread);
 
 // As many sums and shared coefficients as the register file holds: 32 registers or 16.
 constexpr bool kManyRegisters = HWY_MAX_BYTES == 64 || HWY_ARCH_ARM_A64;
-constexpr size_t kMostRows = kManyRegisters ? 14 : 8;
+constexpr size_t kMaxRows = kManyRegisters ? 14 : 8;
 constexpr size_t kSharedTaps = kManyRegisters ? 8 : 4;
 constexpr size_t kGroupTaps = kLanes * kSharedTaps;
 
@@ -110,20 +110,20 @@ constexpr std::array<Tile, sizeof...(kIndex)> Tiles(std::index_sequence<kIndex..
 }
 
 // The tile of 1 row, of 2 rows and so on.
-constexpr auto kTiles = Tiles(std::make_index_sequence<kMostRows>());
+constexpr auto kTiles = Tiles(std::make_index_sequence<kMaxRows>());
 
 void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
   while (length > 0) {
     // Tiles of about the same height: a low one wastes loads.
     const size_t rows = (length + kLanes - 1) / kLanes;
-    const size_t tiles = (rows + kMostRows - 1) / kMostRows;
+    const size_t tiles = (rows + kMaxRows - 1) / kMaxRows;
     const size_t height = (rows + tiles - 1) / tiles;
     const size_t samples = std::min(length, height * kLanes);
     const Tile tile = kTiles[height - 1];
     if (samples == height * kLanes) {
       tile(in, coefficients, count, out);
     } else {
-      float whole[kMostRows * kLanes];
+      float whole[kMaxRows * kLanes];
       tile(in, coefficients, count, whole);
       std::memcpy(out, whole, samples * sizeof(float));
     }

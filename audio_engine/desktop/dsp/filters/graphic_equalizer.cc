@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 void GraphicEqualizer::Bell::Update() {
@@ -17,7 +19,7 @@ void GraphicEqualizer::Bell::Update() {
 
 void GraphicEqualizer::SetGain(int band, float gain, bool smooth) {
   if (std::isnan(gain)) return;
-  m_wanted[static_cast<size_t>(band)] = std::clamp(gain, -24.0f, 24.0f);
+  m_wanted[Size(band)] = std::clamp(gain, -24.0f, 24.0f);
   m_changed = true;
   m_smooth = smooth;
 }
@@ -40,7 +42,7 @@ bool GraphicEqualizer::IsActive() const {
 }
 
 void GraphicEqualizer::Flush() {
-  for (Bell& bell : m_bells) std::fill_n(&bell.state[0][0], 2 * kMostEffectChannels, 0.0);
+  for (Bell& bell : m_bells) std::fill_n(&bell.state[0][0], 2 * kMaxEffectChannels, 0.0);
 }
 
 void GraphicEqualizer::Retarget(bool smooth) {
@@ -49,16 +51,16 @@ void GraphicEqualizer::Retarget(bool smooth) {
   const int frames = std::max(1, m_sampleRate / 50);
   for (size_t i = 0; i < m_design.bands; ++i) {
     Bell& bell = m_bells[i];
-    if (bell.IsIdle()) std::fill_n(&bell.state[0][0], 2 * kMostEffectChannels, 0.0);
+    if (bell.IsIdle()) std::fill_n(&bell.state[0][0], 2 * kMaxEffectChannels, 0.0);
     bell.target = std::pow(10.0, gains[i] / 40);
     bell.growth = std::pow(bell.target / bell.amplitude, 1.0 / frames);
     if (!smooth) bell.amplitude = bell.target;
     bell.Update();
   }
-  m_fadeFrames = smooth ? frames : 0;
+  m_fadeFrames = smooth ? Size(frames) : 0;
 }
 
-void GraphicEqualizer::Process(float* const* rows, int channels, int frames, int sampleRate) {
+void GraphicEqualizer::Process(float* const* rows, int channels, size_t frames, int sampleRate) {
   if (sampleRate != m_sampleRate || channels != m_channels) {
     m_sampleRate = sampleRate;
     m_channels = channels;
@@ -73,7 +75,7 @@ void GraphicEqualizer::Process(float* const* rows, int channels, int frames, int
   }
   if (std::exchange(m_changed, false)) Retarget(m_smooth);
 
-  const int fading = std::min(frames, m_fadeFrames);
+  const size_t fading = std::min(frames, m_fadeFrames);
   if (fading > 0) Fade(rows, channels, fading);
   for (Bell& bell : m_bells) {
     if (bell.IsIdle()) continue;
@@ -82,8 +84,8 @@ void GraphicEqualizer::Process(float* const* rows, int channels, int frames, int
 }
 
 // Moves the gains with every sample.
-void GraphicEqualizer::Fade(float* const* rows, int channels, int frames) {
-  for (int i = 0; i < frames; ++i) {
+void GraphicEqualizer::Fade(float* const* rows, int channels, size_t frames) {
+  for (size_t i = 0; i < frames; ++i) {
     --m_fadeFrames;
     for (Bell& bell : m_bells) {
       if (bell.IsIdle()) continue;
@@ -94,12 +96,12 @@ void GraphicEqualizer::Fade(float* const* rows, int channels, int frames) {
   }
 }
 
-void GraphicEqualizer::Run(Bell& bell, float* row, int channel, int frames) {
+void GraphicEqualizer::Run(Bell& bell, float* row, int channel, size_t frames) {
   double s1 = bell.state[channel][0];
   double s2 = bell.state[channel][1];
   const double a1 = bell.a1, a2 = bell.a2, a3 = bell.a3, m1 = bell.m1;
-  for (int i = 0; i < frames; ++i) {
-    const double in = static_cast<double>(row[i]);
+  for (size_t i = 0; i < frames; ++i) {
+    const double in = row[i];
     const double v3 = in - s2;
     const double v1 = a1 * s1 + a2 * v3;
     const double v2 = s2 + a2 * s1 + a3 * v3;

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "desktop/dsp/filters/equalizer_design.h"
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 
 namespace desktop {
 
@@ -14,7 +15,9 @@ class GraphicEqualizer {
   // Takes effect at the next Process; `smooth` spreads it over 20 ms. Gains in dB are clamped to
   // -24 to 24; one that is no number is ignored.
   void SetGain(int band, float gain, bool smooth);
-  void SetGains(const float* gains, bool smooth);  // Of all bands.
+
+  // Sets the gains of all bands.
+  void SetGains(const float* gains, bool smooth);
   void SetEnabled(bool enabled);
   bool IsEnabled() const { return m_enabled; }
 
@@ -26,7 +29,7 @@ class GraphicEqualizer {
 
   // Filters rows[0..channels) in place. A rate or a number of channels other than the last call's
   // starts anew, with the gains at their full value at once. `sampleRate` as EffectGate lets pass.
-  void Process(float* const* rows, int channels, int frames, int sampleRate);
+  void Process(float* const* rows, int channels, size_t frames, int sampleRate);
 
  private:
   // A bell as a state variable filter with trapezoidal integrators (Zavalishin, The Art of VA
@@ -34,18 +37,21 @@ class GraphicEqualizer {
   struct Bell {
     double tangent = 0;
     double q = 1;
-    double amplitude = 1;  // Square root of the gain at the centre.
+
+    // The square root of the gain at the centre, where it goes, and the factor by which it grows
+    // with each sample while it fades.
+    double amplitude = 1;
     double target = 1;
-    double growth = 1;  // Of the amplitude, per sample, while fading.
+    double growth = 1;
     double a1 = 0, a2 = 0, a3 = 0, m1 = 0;
-    double state[kMostEffectChannels][2] = {};
+    double state[kMaxEffectChannels][2] = {};
     void Update();
     bool IsIdle() const { return amplitude == 1 && target == 1; }
   };
 
   void Retarget(bool smooth);
-  void Fade(float* const* rows, int channels, int frames);
-  static void Run(Bell& bell, float* row, int channel, int frames);
+  void Fade(float* const* rows, int channels, size_t frames);
+  static void Run(Bell& bell, float* row, int channel, size_t frames);
 
   EqualizerDesign m_design;
   std::array<Bell, kEqualizerBands> m_bells;
@@ -53,7 +59,9 @@ class GraphicEqualizer {
   bool m_enabled = false;
   bool m_changed = false;
   bool m_smooth = true;
-  int m_fadeFrames = 0;  // Left of the fade.
+
+  // How many frames of the fade are left.
+  size_t m_fadeFrames = 0;
   int m_sampleRate = 0;
   int m_channels = 0;
 };

@@ -14,7 +14,8 @@ struct Corner {
 
 Corner CornerAt(double corner, double sampleRate) {
   const double w = 2 * std::numbers::pi * corner / sampleRate;
-  return {std::cos(w), std::sin(w) / std::numbers::sqrt2};  // Q = 1 / sqrt(2).
+  // With a Q of 1 / sqrt(2).
+  return {std::cos(w), std::sin(w) / std::numbers::sqrt2};
 }
 
 // Scales so that a0 is 1.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desktop/dsp/filters/biquad.h"
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 
 namespace desktop {
 
@@ -17,7 +17,7 @@ class ThreeBandSplit {
  public:
   void Reset(double lowEdge, double highEdge, double sampleRate);
 
-  // Bands low, middle, high of one sample.
+  // Splits one sample into the bands low, middle and high.
   void Run(int channel, double in, double* bands) { m_channels[channel].Run(in, bands); }
 
  private:
@@ -36,7 +36,7 @@ class ThreeBandSplit {
     Biquad turn;
   };
 
-  Channel m_channels[kMostEffectChannels];
+  Channel m_channels[kMaxEffectChannels];
 };
 
 }  // namespace desktop

@@ -21,7 +21,7 @@ constexpr double kCutoff = 0.96;
 
 // A ratio with more places than this is interpolated between kSteps of them for each sample of the
 // lower rate: the error of a straight line between two is 100 dB down.
-constexpr uint32_t kMostPlaces = 640;
+constexpr uint32_t kMaxPlaces = 640;
 constexpr uint32_t kSteps = 512;
 
 // As many sums side by side as keep vector instructions busy.
@@ -72,7 +72,7 @@ PolyphaseFilter::PolyphaseFilter(uint32_t source, uint32_t target)
       m_taps(desktop::Taps(HalfWidth(source, target))),
       m_steps(target) {
   const double lower = std::max(1.0, static_cast<double>(source) / target);
-  if (std::max(source, target) > kMostPlaces) {
+  if (std::max(source, target) > kMaxPlaces) {
     m_steps = static_cast<size_t>(std::ceil(kSteps / lower));
   }
   m_table.resize((m_steps + 1) * m_taps);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 
 namespace desktop {
@@ -33,7 +34,7 @@ constexpr float kSigns[2][kReverbLines] = {
 }  // namespace
 
 void Reverb::Line::Reset(int delay) {
-  samples.assign(static_cast<size_t>(delay), 0.0f);
+  samples.assign(Size(delay), 0.0f);
   at = 0;
 }
 
@@ -67,8 +68,8 @@ void Reverb::SetParameter(const NreverbFv3Parameter& parameter) {
 // Equal inputs and unrelated ones give the same level at every width.
 void Reverb::Retarget(bool smooth) {
   const float frames = smooth ? static_cast<float>(m_sampleRate) / 50 : 0;
-  const double wet = m_enabled ? FromDecibels(static_cast<double>(m_parameter.Wet)) : 0;
-  const double dry = m_enabled ? FromDecibels(static_cast<double>(m_parameter.Dry)) : 1;
+  const double wet = m_enabled ? FromDecibels(m_parameter.Wet) : 0;
+  const double dry = m_enabled ? FromDecibels(m_parameter.Dry) : 1;
   const float width = m_channels == 2 ? m_parameter.Width : 1;
   const float tail =
       static_cast<float>(wet / std::sqrt(m_design.tailEnergy)) * std::sqrt(2 / (1 + width * width));
@@ -78,7 +79,8 @@ void Reverb::Retarget(bool smooth) {
 }
 
 void Reverb::Prepare(int channels, int sampleRate) {
-  m_sampleRate = 0;  // Should there be no memory, the next call tries again.
+  // Should there be no memory, the next call tries again.
+  m_sampleRate = 0;
   m_design = DesignReverb(m_parameter, sampleRate);
   for (size_t c = 0; c < 2; ++c) {
     m_preDelay[c].Reset(m_design.preDelay + 1);
@@ -94,7 +96,7 @@ void Reverb::Prepare(int channels, int sampleRate) {
 }
 
 float Reverb::Diffuse(int channel, float sample) {
-  for (Line& line : m_diffuser[static_cast<size_t>(channel)]) {
+  for (Line& line : m_diffuser[Size(channel)]) {
     const float delayed = line.Oldest();
     const float in = sample - m_design.diffusion * delayed;
     line.Oldest() = in;
@@ -124,17 +126,19 @@ void Reverb::Room(const float* in, float* out) {
   }
   Hadamard(values);
   for (size_t i = 0; i < kReverbLines; ++i) {
-    constexpr float kShare = 0.35355339f;  // Of one input in each of its eight lines.
+    // What each of its eight lines gets of one input.
+    constexpr float kShare = 0.35355339f;
     m_line[i].Oldest() = values[i] + kShare * in[i % 2];
     m_line[i].Advance();
   }
 }
 
-void Reverb::Process(float* const* rows, int channels, int frames, int sampleRate) {
+void Reverb::Process(float* const* rows, int channels, size_t frames, int sampleRate) {
   const bool idle = m_dry.step == 0 && m_same.step == 0 && !m_wasEnabled;
   const bool playing = std::exchange(m_lastRate, sampleRate) == sampleRate;
   if (!m_enabled && idle) {
-    m_sampleRate = 0;  // A tail from before the pause is not wanted.
+    // A tail from before the pause is not wanted.
+    m_sampleRate = 0;
     return;
   }
   const bool fresh = m_redesign || m_sampleRate != sampleRate || m_channels != channels;
@@ -142,10 +146,10 @@ void Reverb::Process(float* const* rows, int channels, int frames, int sampleRat
   if (fresh || m_remix || m_enabled != m_wasEnabled) Retarget(playing);
   m_remix = false;
   m_wasEnabled = m_enabled;
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     float in[2];
     for (int c = 0; c < 2; ++c) {
-      Line& delay = m_preDelay[static_cast<size_t>(c)];
+      Line& delay = m_preDelay[Size(c)];
       delay.Oldest() = rows[std::min(c, channels - 1)][i];
       delay.Advance();
       in[c] = Diffuse(c, delay.Oldest());

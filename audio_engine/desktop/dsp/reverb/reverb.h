@@ -4,13 +4,14 @@
 #include <vector>
 
 #include "desktop/dsp/reverb/reverb_design.h"
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 
 namespace desktop {
 
 // A reverberation over planar floats: all-pass diffusers (Schroeder, Natural sounding artificial
 // reverberation, 1962) into a network of sixteen delay lines that a Hadamard matrix mixes (Jot and
-// Chaigne 1991). The left channel enters the even lines, the right one the odd lines.
+// Chaigne, Digital delay networks for designing artificial reverberators, 1991). The left channel
+// enters the even lines, the right one the odd lines.
 class Reverb {
  public:
   // Takes effect at the next Process. A change of anything but Wet, Dry and Width drops the tail.
@@ -23,8 +24,8 @@ class Reverb {
   void Flush() { m_sampleRate = m_lastRate = 0; }
 
   // Adds the tail to rows[0..channels) in place. Allocates when the rate, the channels or the
-  // parameter changed, and throws when there is no memory; silent numbers must count as zero.
-  void Process(float* const* rows, int channels, int frames, int sampleRate);
+  // parameter changed, and throws when there is no memory. The caller holds a DenormalGuard.
+  void Process(float* const* rows, int channels, size_t frames, int sampleRate);
 
  private:
   // Delays its input by a number of samples.
@@ -32,6 +33,7 @@ class Reverb {
     std::vector<float> samples;
     size_t at = 0;
     void Reset(int delay);
+
     // What stands at the place of the next sample: the oldest.
     float& Oldest() { return samples[at]; }
     void Advance() { at = at + 1 == samples.size() ? 0 : at + 1; }
@@ -57,16 +59,24 @@ class Reverb {
   bool m_wasEnabled = false;
   bool m_redesign = true;
   bool m_remix = true;
-  int m_sampleRate = 0;  // Of the delay lines; 0 = none are kept.
+
+  // The format of the delay lines; a rate of 0 while none are kept.
+  int m_sampleRate = 0;
   int m_channels = 0;
-  int m_lastRate = 0;  // Of the last call; gains fade from call to call.
+
+  // The rate of the last call; gains fade from call to call.
+  int m_lastRate = 0;
   Fader m_dry{.now = 1};
-  Fader m_same;   // Gain of a tail's own channel,
-  Fader m_cross;  // and of the other one's.
+
+  // The gains of a channel's own tail, and of the other channel's.
+  Fader m_same;
+  Fader m_cross;
   std::array<Line, 2> m_preDelay;
   std::array<std::array<Line, kReverbDiffusers>, 2> m_diffuser;
   std::array<Line, kReverbLines> m_line;
-  std::array<float, kReverbLines> m_high{};  // States of the losses.
+
+  // The states of the losses.
+  std::array<float, kReverbLines> m_high{};
   std::array<float, kReverbLines> m_low{};
   std::array<float, 2> m_output{};
 };

@@ -5,6 +5,7 @@
 #include <complex>
 #include <numbers>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 
 namespace desktop {
@@ -13,9 +14,14 @@ namespace {
 
 constexpr double kHighCorner = 5000;  // Hz.
 constexpr double kLowCorner = 150;    // Hz.
-constexpr double kMiddle = 750;       // Hz; where the reverberation time holds exactly.
-constexpr double kDampedTimes = 4;  // With full damping the end of the spectrum decays 1 + 4 times
-                                    // as fast.
+
+// Where the reverberation time holds exactly, Hz.
+constexpr double kMiddle = 750;
+
+// With full damping the end of the spectrum decays 1 + 4 times as fast.
+constexpr double kDampedTimes = 4;
+
+// The range of the delay lines at factor 1.
 constexpr double kShortestMs = 9;
 constexpr double kLongestMs = 23;
 
@@ -43,7 +49,7 @@ float StepOf(double corner, int sampleRate) {
 
 // A one-pole low-pass of this coefficient at a frequency given by e^(-jw).
 std::complex<double> LowPass(float step, std::complex<double> delay) {
-  const auto share = static_cast<double>(step);
+  const double share = step;
   return share / (1.0 - (1 - share) * delay);
 }
 
@@ -54,8 +60,8 @@ std::complex<double> Unit(double frequency, int sampleRate) {
 // What remains after the losses of highs and lows.
 double Remaining(const ReverbDesign& design, float highLoss, float lowLoss,
                  std::complex<double> delay) {
-  const auto high = 1.0 - static_cast<double>(highLoss) * (1.0 - LowPass(design.highStep, delay));
-  const auto low = 1.0 - static_cast<double>(lowLoss) * LowPass(design.lowStep, delay);
+  const auto high = 1.0 - double{highLoss} * (1.0 - LowPass(design.highStep, delay));
+  const auto low = 1.0 - double{lowLoss} * LowPass(design.lowStep, delay);
   return std::norm(high * low);
 }
 
@@ -63,7 +69,7 @@ double Remaining(const ReverbDesign& design, float highLoss, float lowLoss,
 double EnergyPerPass(const ReverbDesign& design, std::complex<double> delay) {
   double energy = 0;
   for (const ReverbLine& line : design.lines) {
-    const auto gain = static_cast<double>(line.gain);
+    const double gain = line.gain;
     energy += gain * gain * Remaining(design, line.highLoss, line.lowLoss, delay);
   }
   return energy / kReverbLines;
@@ -101,27 +107,23 @@ ReverbDesign DesignReverb(const NreverbFv3Parameter& parameter, int sampleRate) 
   design.highStep = StepOf(kHighCorner, sampleRate);
   design.lowStep = StepOf(kLowCorner, sampleRate);
   design.diffusion = 0.35f + 0.4f * parameter.Feedback;
-  design.preDelay =
-      static_cast<int>(std::lround(static_cast<double>(parameter.Delay) * sampleRate / 1000));
+  design.preDelay = static_cast<int>(std::lround(double{parameter.Delay} * sampleRate / 1000));
   design.outputHighLoss = parameter.Damp3;
   for (size_t c = 0; c < 2; ++c) {
     for (size_t k = 0; k < kReverbDiffusers; ++k) {
       design.diffusers[c][k] = PrimeSamples(kDiffuserMs[c][k], sampleRate);
     }
   }
-  const auto factor = static_cast<double>(parameter.Factor);
-  const auto time = static_cast<double>(parameter.ReverbTime);
+  const double factor = parameter.Factor;
+  const double time = parameter.ReverbTime;
   for (size_t i = 0; i < kReverbLines; ++i) {
     ReverbLine& line = design.lines[i];
-    const double spread =
-        std::pow(kLongestMs / kShortestMs, static_cast<double>(i) / (kReverbLines - 1.0));
+    const double spread = std::pow(kLongestMs / kShortestMs, Ratio(i, kReverbLines - 1));
     line.delay = PrimeSamples(kShortestMs * factor * spread, sampleRate);
-    // Nepers per pass.
+    // In nepers per pass.
     const double loss = std::numbers::ln10 * 3 * line.delay / (sampleRate * time);
-    line.highLoss = static_cast<float>(
-        1 - std::exp(-loss * kDampedTimes * static_cast<double>(parameter.Damp1)));
-    line.lowLoss = static_cast<float>(
-        1 - std::exp(-loss * kDampedTimes * static_cast<double>(parameter.Damp2)));
+    line.highLoss = static_cast<float>(1 - std::exp(-loss * kDampedTimes * parameter.Damp1));
+    line.lowLoss = static_cast<float>(1 - std::exp(-loss * kDampedTimes * parameter.Damp2));
     const double middle = Remaining(design, line.highLoss, line.lowLoss, Unit(kMiddle, sampleRate));
     line.gain = static_cast<float>(std::exp(-loss) / std::sqrt(middle));
   }

@@ -12,22 +12,30 @@ constexpr int kReverbDiffusers = 4;  // Per channel.
 // What each delay line of the room does to a sound on its way: gain, then less highs, then less
 // lows.
 struct ReverbLine {
-  int delay = 1;       // Samples.
-  float gain = 0;      // In the middle of the spectrum.
-  float highLoss = 0;  // 1 - gain of the highest frequencies.
-  float lowLoss = 0;   // 1 - gain of the lowest frequencies.
+  int delay = 1;  // Samples.
+
+  // The gain in the middle of the spectrum, and 1 - gain of the highest and lowest frequencies.
+  float gain = 0;
+  float highLoss = 0;
+  float lowLoss = 0;
 };
 
 // A reverberation at some rate.
 struct ReverbDesign {
   std::array<ReverbLine, kReverbLines> lines;
-  std::array<std::array<int, kReverbDiffusers>, 2> diffusers{};  // Delays in samples.
-  float diffusion = 0;                                           // Their coefficient.
-  int preDelay = 0;                                              // Samples.
-  float highStep = 1;  // One-pole coefficients of the two corners.
+
+  // The delays of the diffusers in samples, and their coefficient.
+  std::array<std::array<int, kReverbDiffusers>, 2> diffusers{};
+  float diffusion = 0;
+  int preDelay = 0;  // Samples.
+
+  // The one-pole coefficients of the two corners.
+  float highStep = 1;
   float lowStep = 0;
   float outputHighLoss = 0;
-  double tailEnergy = 1;  // Of the response of one output to white noise in all inputs.
+
+  // The energy of one output's response to white noise in all inputs.
+  double tailEnergy = 1;
 };
 
 // The parameter with every field in its range.

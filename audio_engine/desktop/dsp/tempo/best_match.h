@@ -5,10 +5,14 @@
 namespace desktop {
 
 // Where a stretch of signal looks most like another one: the measure by which waveform-similarity
-// overlap-add chooses its joins (Verhelst and Roelands 1993).
+// overlap-add chooses its joins (Verhelst and Roelands, "An overlap-add technique based on waveform
+// similarity for high quality time-scale modification of speech", 1993).
 struct Match {
-  size_t place = 0;     // The best of the places asked for.
-  double likeness = 0;  // Normalised correlation there, -1 to 1; 1 where both are silent.
+  // The best of the places asked for.
+  size_t place = 0;
+
+  // The normalised correlation there, -1 to 1; 1 where both are silent.
+  double likeness = 0;
 };
 
 // Compares pattern[0..length) with field[i..i+length) for i = 0..places-1 (at least one). It looks

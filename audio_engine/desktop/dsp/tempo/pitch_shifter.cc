@@ -2,34 +2,35 @@
 
 #include <algorithm>
 
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/common/counts.h"
+#include "desktop/dsp/sample_blocks.h"
 
 namespace desktop {
 
 PitchShifter::PitchShifter(double semitones, int rate, int channels)
-    : m_channels(channels), m_block(static_cast<size_t>(kPieceFrames * channels)) {
-  m_shifter.setSampleRate(static_cast<unsigned>(rate));
-  m_shifter.setChannels(static_cast<unsigned>(channels));
+    : m_channels(Size(channels)), m_block(kMaxEffectFrames * m_channels) {
+  m_shifter.setSampleRate(Unsigned(rate));
+  m_shifter.setChannels(Unsigned(channels));
   m_shifter.setPitchSemiTones(semitones);
   m_latency = m_shifter.getSetting(SETTING_INITIAL_LATENCY);
-  const std::vector<float> silence(static_cast<size_t>(m_latency * channels));
-  m_shifter.putSamples(silence.data(), static_cast<unsigned>(m_latency));
+  const std::vector<float> silence(Size(m_latency) * m_channels);
+  m_shifter.putSamples(silence.data(), Unsigned(m_latency));
 }
 
-void PitchShifter::Process(float* const* rows, int frames) {
+void PitchShifter::Process(float* const* rows, size_t frames) {
   float* block = m_block.data();
-  for (int i = 0; i < frames; ++i) {
-    for (int channel = 0; channel < m_channels; ++channel) *block++ = rows[channel][i];
+  for (size_t i = 0; i < frames; ++i) {
+    for (size_t channel = 0; channel < m_channels; ++channel) *block++ = rows[channel][i];
   }
-  const auto wanted = static_cast<unsigned>(frames);
+  const unsigned wanted = Unsigned(Count(frames));
   m_shifter.putSamples(m_block.data(), wanted);
   const unsigned ready = m_shifter.receiveSamples(m_block.data(), wanted);
   // The silence put first makes `ready` all of them; should the library hold some back
   // nevertheless, silence stands in.
-  std::fill(m_block.begin() + static_cast<std::ptrdiff_t>(ready) * m_channels, m_block.end(), 0.0F);
+  std::fill(m_block.begin() + Offset(ready * m_channels), m_block.end(), 0.0F);
   block = m_block.data();
-  for (int i = 0; i < frames; ++i) {
-    for (int channel = 0; channel < m_channels; ++channel) rows[channel][i] = *block++;
+  for (size_t i = 0; i < frames; ++i) {
+    for (size_t channel = 0; channel < m_channels; ++channel) rows[channel][i] = *block++;
   }
 }
 

@@ -3,28 +3,29 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/tempo/best_match.h"
 
 namespace desktop {
 namespace {
 
-size_t FramesOf(int rate, int ms) { return static_cast<size_t>(rate * ms / 1000); }
+size_t FramesOf(int rate, int ms) { return Size(rate * ms / 1000); }
 
 }  // namespace
 
 TimeScaler::TimeScaler(int rate, int channels)
-    : m_channels(static_cast<size_t>(channels)),
+    : m_channels(Size(channels)),
       m_overlap(FramesOf(rate, 10)),
       m_reach(FramesOf(rate, 12)),
       m_long(FramesOf(rate, 30)),
       m_short(FramesOf(rate, 20)),
-      m_step(static_cast<size_t>(std::max(rate / 11000, 1))),
+      m_step(Size(std::max(rate / 11000, 1))),
       m_fade(m_overlap),
       m_pattern(m_overlap),
       m_field(2 * m_reach + m_overlap),
       m_faded(m_overlap) {
   for (size_t i = 0; i < m_overlap; ++i) {
-    const double phase = M_PI * (static_cast<double>(i) + 0.5) / static_cast<double>(m_overlap);
+    const double phase = M_PI * (Real(i) + 0.5) / Real(m_overlap);
     m_fade[i] = static_cast<float>(0.5 - 0.5 * std::cos(phase));
   }
   m_input.reserve(FramesOf(rate, 400) * m_channels);
@@ -34,7 +35,7 @@ void TimeScaler::SetSpeed(double speed) {
   if (speed == m_speed) return;
   if (m_speed == 1) {
     m_left = speed > 1.6 ? m_short : m_long;
-    m_target = static_cast<double>(m_position) + static_cast<double>(m_left) * speed;
+    m_target = Real(m_position) + Real(m_left) * speed;
   }
   m_speed = speed;
 }
@@ -45,11 +46,10 @@ void TimeScaler::Put(const short* samples, size_t frames) {
   const size_t needed = std::min(m_position, m_faded < m_overlap ? m_fadingOut : m_position);
   if (needed > kept) {
     const size_t dropped = needed - kept;
-    m_input.erase(m_input.begin(),
-                  m_input.begin() + static_cast<std::ptrdiff_t>(dropped * m_channels));
+    m_input.erase(m_input.begin(), m_input.begin() + Offset(dropped * m_channels));
     m_position -= dropped;
     m_fadingOut -= std::min(m_fadingOut, dropped);
-    m_target -= static_cast<double>(dropped);
+    m_target -= Real(dropped);
   }
   m_input.insert(m_input.end(), samples, samples + frames * m_channels);
 }
@@ -78,8 +78,7 @@ void TimeScaler::Reset() {
 
 // Finds where the next segment begins; false when the input does not reach that far yet.
 bool TimeScaler::Join() {
-  const size_t low =
-      static_cast<size_t>(std::max(std::floor(m_target) - static_cast<double>(m_reach), 0.0));
+  const size_t low = static_cast<size_t>(std::max(std::floor(m_target) - Real(m_reach), 0.0));
   const size_t places = 2 * m_reach;
   if (std::max(low + places, m_position) + m_overlap > Frames()) return false;
 
@@ -93,7 +92,7 @@ bool TimeScaler::Join() {
     m_position = next;
   }
   m_left = m_speed > 1.6 ? m_short : m_long;
-  m_target += static_cast<double>(m_left) * m_speed;
+  m_target += Real(m_left) * m_speed;
   return true;
 }
 
@@ -104,8 +103,8 @@ void TimeScaler::Copy(short* out, size_t frames) {
   const short* old = m_input.data() + m_fadingOut * m_channels;
   for (size_t i = 0; i < fading * m_channels; ++i) {
     const float share = m_fade[m_faded + i / m_channels];
-    const float mixed =
-        static_cast<float>(old[i]) + share * static_cast<float>(static_cast<int>(in[i]) - old[i]);
+    const int step = in[i] - old[i];
+    const float mixed = old[i] + share * static_cast<float>(step);
     out[i] = static_cast<short>(std::lrint(mixed));
   }
   std::copy(in + fading * m_channels, in + frames * m_channels, out + fading * m_channels);

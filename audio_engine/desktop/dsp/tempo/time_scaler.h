@@ -6,9 +6,10 @@
 namespace desktop {
 
 // Plays 16-bit audio faster or slower at the same pitch: waveform-similarity overlap-add (Verhelst
-// and Roelands 1993) over a stream. Each segment of the output is a stretch of the input, faded in
-// over 10 ms where the input resembles what would have come next; all channels are joined at the
-// same places. At speed 1 it copies, sample by sample, with no delay of its own.
+// and Roelands, "An overlap-add technique based on waveform similarity for high quality time-scale
+// modification of speech", 1993) over a stream. Each segment of the output is a stretch of the
+// input, faded in over 10 ms where the input resembles what would have come next; all channels are
+// joined at the same places. At speed 1 it copies, sample by sample, with no delay of its own.
 class TimeScaler {
  public:
   // rate: Hz, 8000 to 48000. channels: at least 1.
@@ -36,21 +37,34 @@ class TimeScaler {
   void Mix(size_t first, size_t frames, std::vector<float>& mono) const;
 
   const size_t m_channels;
-  const size_t m_overlap;  // Frames that fade at a join.
-  const size_t m_reach;    // How far a join may lie from its target, in frames.
-  const size_t m_long;     // A segment at speeds up to 1.6, in frames,
-  const size_t m_short;    // and above, where more is passed over between two.
-  const size_t m_step;     // The coarse step of the search.
+
+  // All in frames: how many fade at a join, and how far a join may lie from its target.
+  const size_t m_overlap;
+  const size_t m_reach;
+
+  // The length of a segment at speeds up to 1.6, and above, where more is passed over between two.
+  const size_t m_long;
+  const size_t m_short;
+
+  // The coarse step of the search.
+  const size_t m_step;
   std::vector<float> m_fade;
   std::vector<float> m_pattern;
   std::vector<float> m_field;
   std::vector<short> m_input;
   double m_speed = 1;
-  size_t m_position = 0;   // The next frame of m_input to play.
-  double m_target = 0;     // Where the next segment should begin.
-  size_t m_left = 0;       // Frames of this segment still to play; of no account at speed 1.
-  size_t m_fadingOut = 0;  // The next frame of the segment before, while that fades out.
-  size_t m_faded = 0;      // Frames of the fade that are done; all of them when none is going on.
+
+  // The next frame of m_input to play, and where the next segment should begin.
+  size_t m_position = 0;
+  double m_target = 0;
+
+  // How many frames of this segment are still to play. Not used at speed 1.
+  size_t m_left = 0;
+
+  // The next frame of the segment before, while that fades out, and how many frames of the fade are
+  // done: all of them when there is no fade.
+  size_t m_fadingOut = 0;
+  size_t m_faded = 0;
 };
 
 }  // namespace desktop

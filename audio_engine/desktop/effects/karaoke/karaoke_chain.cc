@@ -21,7 +21,7 @@ void KaraokeChain::EnableReverb(bool enabled) {
   reverb.SetEnabled(enabled && m_eqReverbEnabled);
 }
 
-void KaraokeChain::Compress(float* const* rows, int channels, int frames, int sampleRate) {
+void KaraokeChain::Compress(float* const* rows, int channels, size_t frames, int sampleRate) {
   if (!m_compressorEnabled) {
     m_compressorRate = 0;
     return;
@@ -30,7 +30,7 @@ void KaraokeChain::Compress(float* const* rows, int channels, int frames, int sa
     m_compressor.Reset(sampleRate);
     m_compressorRate = sampleRate;
   }
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     float level = 0;
     for (int c = 0; c < channels; ++c) level = std::max(level, std::abs(rows[c][i]));
     const float gain = m_compressor.Gain(level);
@@ -38,7 +38,7 @@ void KaraokeChain::Compress(float* const* rows, int channels, int frames, int sa
   }
 }
 
-void KaraokeChain::Process(float* const* rows, int channels, int frames, int sampleRate) {
+void KaraokeChain::Process(float* const* rows, int channels, size_t frames, int sampleRate) {
   equalizer.Process(rows, channels, frames, sampleRate);
   reverb.Process(rows, channels, frames, sampleRate);
   Compress(rows, channels, frames, sampleRate);

@@ -27,10 +27,10 @@ class KaraokeChain {
 
   // Processes rows[0..channels) in place. Allocates when a setting or the format changed, and
   // throws when there is no memory; silent numbers must count as zero.
-  void Process(float* const* rows, int channels, int frames, int sampleRate);
+  void Process(float* const* rows, int channels, size_t frames, int sampleRate);
 
  private:
-  void Compress(float* const* rows, int channels, int frames, int sampleRate);
+  void Compress(float* const* rows, int channels, size_t frames, int sampleRate);
 
   Compressor m_compressor{
       {.threshold = -15, .ratio = 2, .knee = 0, .attackMs = 5, .releaseMs = 120}};

@@ -51,7 +51,7 @@ VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
   m_gain = static_cast<float>(std::pow(10, recipe.levelDb / 20));
 }
 
-void VoiceChain::Process(float* const* rows, int frames) {
+void VoiceChain::Process(float* const* rows, size_t frames) {
   if (m_shifter) m_shifter->Process(rows, frames);
   for (int c = 0; c < m_channels; ++c) {
     Channel& channel = m_channel[static_cast<size_t>(c)];
@@ -70,16 +70,16 @@ void VoiceChain::Process(float* const* rows, int frames) {
   }
   if (m_room) m_room->Process(rows, m_channels, frames, m_rate);
   for (int c = 0; c < m_channels; ++c) {
-    for (int i = 0; i < frames; ++i) rows[c][i] *= m_gain;
+    for (size_t i = 0; i < frames; ++i) rows[c][i] *= m_gain;
   }
 }
 
 // Saturates in proportion to the level, so that a quiet voice sounds as rough as a loud one.
-void VoiceChain::Drive(Channel& channel, float* row, int frames) const {
+void VoiceChain::Drive(Channel& channel, float* row, size_t frames) const {
   const auto drive = static_cast<float>(m_recipe.drive);
   const auto fall = static_cast<float>(std::exp(-1000 / (kLevelFallMs * m_rate)));
   const float full = 1 / std::tanh(drive);
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     channel.level = std::max(std::fabs(row[i]), channel.level * fall);
     if (channel.level < 1e-6F) continue;
     row[i] = channel.level * full * std::tanh(drive * row[i] / channel.level);
@@ -87,28 +87,28 @@ void VoiceChain::Drive(Channel& channel, float* row, int frames) const {
 }
 
 // A comb with feedback: an echo, or a resonance where the delay is short (Schroeder 1962).
-void VoiceChain::Echo(Line& line, double gain, float* row, int frames) const {
+void VoiceChain::Echo(Line& line, double gain, float* row, size_t frames) const {
   const auto feedback = static_cast<float>(gain);
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     row[i] += feedback * line.Before(line.samples.size());
     line.Put(row[i]);
   }
 }
 
-void VoiceChain::Double(Channel& channel, float* row, int frames) const {
+void VoiceChain::Double(Channel& channel, float* row, size_t frames) const {
   const auto gain = static_cast<float>(m_recipe.doubleGain);
   const size_t first = FramesOf(m_recipe.doubleMs[0], m_rate);
   const size_t second = FramesOf(m_recipe.doubleMs[1], m_rate);
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     const float in = row[i];
     row[i] += gain * (channel.past.Before(first) + channel.past.Before(second));
     channel.past.Put(in);
   }
 }
 
-void VoiceChain::Tremolo(float* const* rows, int frames) {
+void VoiceChain::Tremolo(float* const* rows, size_t frames) {
   const double step = m_recipe.tremoloHz / m_rate;
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     double swing = std::sin(2 * M_PI * m_tremoloPhase);
     // A switch, but one that takes a few ms, so that it does not click.
     if (m_recipe.tremoloChops) swing = std::tanh(6 * swing);

@@ -6,7 +6,7 @@
 
 #include "desktop/dsp/filters/biquad.h"
 #include "desktop/dsp/reverb/reverb.h"
-#include "desktop/dsp/sample_pieces.h"
+#include "desktop/dsp/sample_blocks.h"
 #include "desktop/dsp/tempo/pitch_shifter.h"
 #include "desktop/effects/voice/voice_recipe.h"
 
@@ -18,9 +18,9 @@ class VoiceChain {
   // rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory.
   VoiceChain(const VoiceRecipe& recipe, int rate, int channels);
 
-  // rows[0..channels) in place, at most kPieceFrames frames at once. Silent numbers must count as
-  // zero.
-  void Process(float* const* rows, int frames);
+  // rows[0..channels) in place, at most kMaxEffectFrames frames at once. Silent numbers must count
+  // as zero.
+  void Process(float* const* rows, size_t frames);
 
   // Frames until what goes in comes out.
   int Latency() const { return m_shifter ? m_shifter->Latency() : 0; }
@@ -41,16 +41,16 @@ class VoiceChain {
     Line past;
   };
 
-  void Drive(Channel& channel, float* row, int frames) const;
-  void Echo(Line& line, double gain, float* row, int frames) const;
-  void Double(Channel& channel, float* row, int frames) const;
-  void Tremolo(float* const* rows, int frames);
+  void Drive(Channel& channel, float* row, size_t frames) const;
+  void Echo(Line& line, double gain, float* row, size_t frames) const;
+  void Double(Channel& channel, float* row, size_t frames) const;
+  void Tremolo(float* const* rows, size_t frames);
 
   const VoiceRecipe m_recipe;
   const int m_rate;
   const int m_channels;
   std::optional<PitchShifter> m_shifter;
-  std::array<Channel, kMostEffectChannels> m_channel;
+  std::array<Channel, kMaxEffectChannels> m_channel;
   std::optional<Reverb> m_room;
   double m_tremoloPhase = 0;  // Turns.
   float m_gain = 1;

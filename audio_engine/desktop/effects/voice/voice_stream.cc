@@ -40,19 +40,19 @@ bool VoiceStream::Prepare(int rate, int channels) {
   }
 }
 
-void VoiceStream::Run(float* const* rows, int frames) {
+void VoiceStream::Run(float* const* rows, size_t frames) {
   if (!m_fading) {
     if (m_chain) m_chain->Process(rows, frames);
     return;
   }
-  float planar[kMostEffectChannels][kPieceFrames];
-  float* const coming[kMostEffectChannels] = {planar[0], planar[1]};
+  float planar[kMaxEffectChannels][kMaxEffectFrames];
+  float* const coming[kMaxEffectChannels] = {planar[0], planar[1]};
   for (int c = 0; c < m_channels; ++c) std::copy_n(rows[c], frames, coming[c]);
   if (m_chain) m_chain->Process(rows, frames);
   if (m_next) m_next->Process(coming, frames);
 
   const int fade = m_rate / 50;
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     if (m_wait > 0) {
       --m_wait;
       continue;

@@ -26,8 +26,8 @@ class VoiceStream {
     }
     if (!IsActive()) return;
     const DenormalGuard guard;
-    ProcessInPieces<Sample>(samples, frames, channels,
-                            [this](float* const* rows, int count) { Run(rows, count); });
+    ProcessInBlocks<Sample>(samples, frames, channels,
+                            [this](float* const* rows, size_t count) { Run(rows, count); });
   }
 
   // Whether Process may change samples at present.
@@ -38,7 +38,7 @@ class VoiceStream {
 
  private:
   bool Prepare(int rate, int channels);
-  void Run(float* const* rows, int frames);
+  void Run(float* const* rows, size_t frames);
 
   EffectGate m_gate;
   VoiceRecipe m_wanted;

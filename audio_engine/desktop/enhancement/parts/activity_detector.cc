@@ -16,7 +16,7 @@ constexpr float kGate = 37.5f;
 constexpr NoiseTracker::Speed kSpeed = {4.0f, 0.9f, 0.7f};
 constexpr float kMemory = 0.9f;
 constexpr float kLowestPriorRatio = 0.00316f;  // -25 dB
-constexpr float kMostPosteriorRatio = 1000.0f;
+constexpr float kMaxPosteriorRatio = 1000.0f;
 
 float Decibels(float power) { return 10.0f * std::log10(power); }
 
@@ -76,7 +76,7 @@ float ActivityDetector::LikelihoodRatio() {
   float sum = 0.0f;
   for (size_t band = 0; band < m_power.size(); ++band) {
     const float noise = std::max(m_noise.Noise()[band], kGate);
-    const float posterior = std::min(m_power[band] / noise, kMostPosteriorRatio);
+    const float posterior = std::min(m_power[band] / noise, kMaxPosteriorRatio);
     const float prior = std::max(
         kMemory * m_speech[band] / noise + (1.0f - kMemory) * std::max(posterior - 1.0f, 0.0f),
         kLowestPriorRatio);
@@ -94,8 +94,8 @@ void ActivityDetector::FollowSpeechRatio() {
   m_speechRatio += (ratio > m_speechRatio ? 0.1f : 0.01f) * (ratio - m_speechRatio);
 }
 
-// In frames: 8 at 12 dB and below, 1 at 28 dB and above. In quiet recordings the decision itself is
-// good to a frame; in noise the ends of words are lost in it.
+// In blocks: 8 at 12 dB and below, 1 at 28 dB and above. In quiet recordings the decision itself is
+// good to a block; in noise the ends of words are lost in it.
 int ActivityDetector::HangOver() const {
   const float quiet = std::clamp((m_speechRatio - 12.0f) / 16.0f, 0.0f, 1.0f);
   return static_cast<int>(std::lround(8.0f - 7.0f * quiet));

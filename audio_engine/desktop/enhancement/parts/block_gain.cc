@@ -1,8 +1,9 @@
 #include "desktop/enhancement/parts/block_gain.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "desktop/common/counts.h"
+#include "desktop/dsp/effect_math.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -16,10 +17,10 @@ bool Accepts(int rate, int channels) {
 }  // namespace
 
 BlockGain::BlockGain(int rate, int channels)
-    : m_samples(Accepts(rate, channels) ? rate * channels / 100 : 0),
+    : m_samples(Accepts(rate, channels) ? Size(rate * channels / 100) : 0),
       m_samplesPerSecond(Accepts(rate, channels) ? rate * channels : 1),
       m_level(m_samplesPerSecond, LevelControl::Settings()),
-      m_block(static_cast<size_t>(m_samples)) {
+      m_block(m_samples) {
   if (m_samples == 0) OutputDebugInfo("no gain control for %d Hz, %d channels", rate, channels);
 }
 
@@ -32,8 +33,7 @@ void BlockGain::Process(short* samples, bool learn) {
   if (!m_on || m_samples == 0) return;
   std::copy_n(samples, m_samples, m_block.begin());
   m_level.Process(m_block.data(), m_samples, learn);
-  std::transform(m_block.begin(), m_block.end(), samples,
-                 [](float sample) { return static_cast<short>(std::lrint(sample)); });
+  std::transform(m_block.begin(), m_block.end(), samples, ToSample);
 }
 
 }  // namespace desktop

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "desktop/enhancement/parts/level_control.h"
@@ -14,13 +15,15 @@ class BlockGain {
   // log.
   BlockGain(int rate, int channels);
 
-  void Enable(bool on);  // Off, every bit passes unchanged. On starts afresh unless it was on.
+  // Off, every bit passes unchanged. On starts afresh unless it was on.
+  void Enable(bool on);
 
-  // Exactly trunc(rate * channels / 100) interleaved samples.
+  // Processes exactly trunc(rate * channels / 100) interleaved samples.
   void Process(short* samples, bool learn);
 
  private:
-  const int m_samples;  // Of one block, 0 for a format that passes.
+  // The samples of one block; 0 for a format that passes.
+  const size_t m_samples;
   const int m_samplesPerSecond;
   bool m_on = false;
   LevelControl m_level;

@@ -8,17 +8,27 @@ namespace desktop {
 namespace {
 
 constexpr float kSilenceDb = -96;
-constexpr float kLeastActiveDb = -66;  // Quieter is background whatever comes before.
-constexpr float kOverFloorDb = 8;      // From here on a block is more than background.
-constexpr float kUnderLevelDb = 18;    // Below, it is mostly the fading of a sound.
+
+// A block is active when it is louder than this, and by so much louder than the background.
+constexpr float kMinActiveDb = -66;
+constexpr float kOverFloorDb = 8;
+
+// By so much below the level of the active parts, a block is mostly the fading of a sound.
+constexpr float kUnderLevelDb = 18;
 constexpr float kFloorRiseDbPerSecond = 2;
-constexpr float kLevelSeconds = 1.5f;  // Over which the level is a mean,
-constexpr float kFallSeconds = 6.0f;   // and over which a quieter talker is believed,
-constexpr float kFadeSeconds = 20.0f;  // or what may be such a fading.
+
+// The times over which the level is a mean: for louder blocks, for quieter ones, which may be
+// another talker, and for such as may be a fading.
+constexpr float kLevelSeconds = 1.5f;
+constexpr float kFallSeconds = 6.0f;
+constexpr float kFadeSeconds = 20.0f;
 constexpr float kRaiseDbPerSecond = 12;
 constexpr float kLowerDbPerSecond = 60;
-constexpr int kPieces = 10;                // Of a block, for the limiter.
-constexpr float kReleasePerPiece = 1.06f;  // About 0.5 dB.
+
+// The limiter works in so many parts of a block, and its gain rises from one to the next by up to
+// 0.5 dB.
+constexpr size_t kParts = 10;
+constexpr float kReleasePerPart = 1.06f;
 
 float Decibels(float ratio) { return 20 * std::log10(std::max(ratio, 1e-6f)); }
 float Ratio(float decibels) { return std::pow(10.0f, decibels / 20); }
@@ -31,8 +41,8 @@ LevelControl::LevelControl(int samplesPerSecond, const Settings& settings)
       m_gainDb(settings.firstGainDb),
       m_gain(Ratio(settings.firstGainDb)) {}
 
-void LevelControl::Process(float* samples, int count, bool learn) {
-  if (count <= 0) return;
+void LevelControl::Process(float* samples, size_t count, bool learn) {
+  if (count == 0) return;
   if (m_settings.adapts && learn) {
     Learn(samples, count);
     if (m_active) MoveGain(static_cast<float>(count) / m_samplesPerSecond);
@@ -40,34 +50,34 @@ void LevelControl::Process(float* samples, int count, bool learn) {
 
   const float ceiling = std::min(32767.0f, 32768 * Ratio(m_settings.ceilingDb));
   const float wanted = Ratio(m_gainDb);
-  float limits[kPieces + 1];
-  for (int piece = 0; piece < kPieces; ++piece) {
+  float limits[kParts + 1];
+  for (size_t part = 0; part < kParts; ++part) {
     float peak = 0;
-    for (int i = count * piece / kPieces; i < count * (piece + 1) / kPieces; ++i) {
+    for (size_t i = count * part / kParts; i < count * (part + 1) / kParts; ++i) {
       peak = std::max(peak, std::abs(samples[i]));
     }
-    limits[piece] = peak * wanted > ceiling ? ceiling / peak : wanted;
+    limits[part] = peak * wanted > ceiling ? ceiling / peak : wanted;
   }
-  limits[kPieces] = limits[kPieces - 1];
+  limits[kParts] = limits[kParts - 1];
 
-  for (int piece = 0; piece < kPieces; ++piece) {
-    const int start = count * piece / kPieces;
-    const float to = std::min({limits[piece], limits[piece + 1], m_gain * kReleasePerPiece});
-    Apply(samples + start, count * (piece + 1) / kPieces - start, m_gain, to);
+  for (size_t part = 0; part < kParts; ++part) {
+    const size_t start = count * part / kParts;
+    const float to = std::min({limits[part], limits[part + 1], m_gain * kReleasePerPart});
+    Apply(samples + start, count * (part + 1) / kParts - start, m_gain, to);
     m_gain = to;
   }
-  for (int i = 0; i < count; ++i) samples[i] = std::clamp(samples[i], -ceiling, ceiling);
+  for (size_t i = 0; i < count; ++i) samples[i] = std::clamp(samples[i], -ceiling, ceiling);
 }
 
-void LevelControl::Learn(const float* samples, int count) {
+void LevelControl::Learn(const float* samples, size_t count) {
   float energy = 0;
-  for (int i = 0; i < count; ++i) energy += samples[i] * samples[i];
+  for (size_t i = 0; i < count; ++i) energy += samples[i] * samples[i];
   const float rms = std::sqrt(energy / static_cast<float>(count));
   const float now = std::max(kSilenceDb, Decibels(rms / 32768));
   const float seconds = static_cast<float>(count) / m_samplesPerSecond;
 
   m_floorDb = std::min(m_floorDb + kFloorRiseDbPerSecond * seconds, std::max(now, kSilenceDb));
-  m_active = now > std::max(kLeastActiveDb, m_floorDb + kOverFloorDb);
+  m_active = now > std::max(kMinActiveDb, m_floorDb + kOverFloorDb);
   if (!m_active) return;
 
   m_activeSeconds += seconds;
@@ -80,13 +90,13 @@ void LevelControl::Learn(const float* samples, int count) {
 
 void LevelControl::MoveGain(float seconds) {
   const float wanted =
-      std::clamp(m_settings.targetDb - m_levelDb, m_settings.leastGainDb, m_settings.mostGainDb);
+      std::clamp(m_settings.targetDb - m_levelDb, m_settings.minGainDb, m_settings.maxGainDb);
   m_gainDb = std::clamp(wanted, m_gainDb - kLowerDbPerSecond * seconds,
                         m_gainDb + kRaiseDbPerSecond * seconds);
 }
 
-void LevelControl::Apply(float* samples, int count, float from, float to) {
-  for (int i = 0; i < count; ++i) {
+void LevelControl::Apply(float* samples, size_t count, float from, float to) {
+  for (size_t i = 0; i < count; ++i) {
     const float part = static_cast<float>(i + 1) / static_cast<float>(count);
     samples[i] *= from + part * (to - from);
   }

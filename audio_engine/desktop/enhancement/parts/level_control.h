@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 namespace desktop {
 
 // Brings speech or music to one level by a gain that moves slowly and stays where it is in pauses,
@@ -8,36 +10,45 @@ namespace desktop {
 class LevelControl {
  public:
   struct Settings {
-    float targetDb = -23;   // Level of active parts, dB below full scale.
-    float mostGainDb = 34;  // And at most so much less.
-    float leastGainDb = -20;
-    float ceilingDb = -1;  // No sample gets louder; 0 and above: no limiter but full scale.
-    bool adapts = true;    // False: the gain stays at firstGainDb.
+    // The level that active parts are brought to, in dB of full scale, and the range of the gain.
+    float targetDb = -23;
+    float maxGainDb = 34;
+    float minGainDb = -20;
+
+    // No sample gets louder than this; 0 and above: no limiter but full scale.
+    float ceilingDb = -1;
+
+    // Whether the gain moves; if not, it stays at firstGainDb.
+    bool adapts = true;
     float firstGainDb = 0;
   };
 
-  // samplesPerSecond: of all channels together.
+  // samplesPerSecond counts the samples of all channels.
   LevelControl(int samplesPerSecond, const Settings& settings);
 
   // Works on `count` samples in place, 10 ms or so; learns of them if asked to.
-  void Process(float* samples, int count, bool learn);
+  void Process(float* samples, size_t count, bool learn);
 
   // The level of the active parts so far, in dB of full scale; 0 when there were none.
   float LevelDb() const { return m_activeSeconds > 0 ? m_levelDb : 0; }
 
  private:
-  void Learn(const float* samples, int count);
+  void Learn(const float* samples, size_t count);
   void MoveGain(float seconds);
-  void Apply(float* samples, int count, float from, float to);
+  void Apply(float* samples, size_t count, float from, float to);
 
   float m_samplesPerSecond;
   Settings m_settings;
-  float m_floorDb = 0;  // Of the background.
-  float m_levelDb = 0;  // Of the active parts.
+
+  // The levels of the background and of the active parts.
+  float m_floorDb = 0;
+  float m_levelDb = 0;
   float m_activeSeconds = 0;
   bool m_active = false;
+
+  // The gain that is wanted, and the one that was applied last, limiter included.
   float m_gainDb;
-  float m_gain;  // As applied last, limiter included.
+  float m_gain;
 };
 
 }  // namespace desktop

@@ -6,21 +6,21 @@
 namespace desktop {
 namespace {
 
-constexpr int kFirstFrames = 5;
+constexpr int kFirstBlocks = 5;
 
 // A bin that has been speech for this long on end is noise that has grown: some of it is let in.
 constexpr float kProbabilitySmoothing = 0.9f;
-constexpr float kMostProbability = 0.99f;
+constexpr float kMaxProbability = 0.99f;
 
 // By how much steady noise must be louder than the estimate to take its place: less comes of
 // itself.
 constexpr float kMuch = 2.0f;
 
-// How many frames m_recent stands for.
-constexpr int kRecentFrames = 10;
+// How many blocks m_recent stands for.
+constexpr int kRecentBlocks = 10;
 
 // e^-80 is as good as nothing; much beyond, it is no number that a float can hold.
-constexpr float kMostExponent = 80.0f;
+constexpr float kMaxExponent = 80.0f;
 
 }  // namespace
 
@@ -31,12 +31,12 @@ NoiseTracker::NoiseTracker(size_t bins, const Speed& speed)
       m_meanProbability(bins, 0.5f) {}
 
 void NoiseTracker::Update(std::span<const float> power, bool steady) {
-  m_frames = std::min(m_frames + 1, kRecentFrames);
+  m_blocks = std::min(m_blocks + 1, kRecentBlocks);
   for (size_t i = 0; i < m_noise.size(); ++i) {
-    m_recent[i] += (power[i] - m_recent[i]) / static_cast<float>(std::min(m_frames, kRecentFrames));
+    m_recent[i] += (power[i] - m_recent[i]) / static_cast<float>(m_blocks);
     m_recent[i] = std::max(m_recent[i], kFloor);
   }
-  if (m_frames <= kFirstFrames) {
+  if (m_blocks <= kFirstBlocks) {
     m_noise = m_recent;
     return;
   }
@@ -58,10 +58,10 @@ void NoiseTracker::Learn(std::span<const float> power) {
     const float noise = m_noise[i];
     const float exponent = power[i] / noise * speech / (1.0f + speech);
     float probability =
-        1.0f / (1.0f + (1.0f + speech) * std::exp(-std::min(exponent, kMostExponent)));
+        1.0f / (1.0f + (1.0f + speech) * std::exp(-std::min(exponent, kMaxExponent)));
     m_meanProbability[i] += (1.0f - kProbabilitySmoothing) * (probability - m_meanProbability[i]);
-    if (m_meanProbability[i] > kMostProbability) {
-      probability = std::min(probability, kMostProbability);
+    if (m_meanProbability[i] > kMaxProbability) {
+      probability = std::min(probability, kMaxProbability);
     }
     const float expected = probability * noise + (1.0f - probability) * power[i];
     const float keep = expected > noise ? m_speed.rise : m_speed.fall;

@@ -8,19 +8,22 @@ namespace desktop {
 
 // Tracks the power spectrum of the background noise under speech, by the probability of speech in
 // each bin (Gerkmann and Hendriks, "Unbiased MMSE-based noise power estimation with low complexity
-// and low tracking delay", 2012). Takes a frame every 10 ms; the first 50 ms count as noise, be
+// and low tracking delay", 2012). Takes a block every 10 ms; the first 50 ms count as noise, be
 // they digital silence. Allocates in the constructor only.
 class NoiseTracker {
  public:
   struct Speed {
-    float speechSnr;  // Power of speech over noise that it expects where there is speech.
-    float rise;       // How much of the old estimate stays per frame when the new one is higher,
-    float fall;       // and when it is lower.
+    // The power of speech over noise that it expects where there is speech.
+    float speechSnr;
+
+    // How much of the old estimate stays in each block when the new one is higher, and lower.
+    float rise;
+    float fall;
   };
 
   NoiseTracker(size_t bins, const Speed& speed);
 
-  // Takes the powers of the next frame. `steady`: the last 300 ms are known to be noise alone, and
+  // Takes the powers of the next block. `steady`: the last 300 ms are known to be noise alone, and
   // when they are much louder than the estimate they take its place at once.
   void Update(std::span<const float> power, bool steady);
 
@@ -35,9 +38,13 @@ class NoiseTracker {
 
   Speed m_speed;
   std::vector<float> m_noise;
-  std::vector<float> m_recent;           // The mean power of about the last 100 ms.
-  std::vector<float> m_meanProbability;  // Of speech, smoothed.
-  int m_frames = 0;                      // So many of the first ones have been heard.
+
+  // By bin: the mean power of about the last 100 ms, and the probability of speech, smoothed.
+  std::vector<float> m_recent;
+  std::vector<float> m_meanProbability;
+
+  // How many blocks have been heard, counted up to kRecentBlocks.
+  int m_blocks = 0;
 };
 
 }  // namespace desktop

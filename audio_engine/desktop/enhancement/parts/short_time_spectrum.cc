@@ -5,13 +5,15 @@
 #include <new>
 #include <numbers>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
 std::vector<float> SquareRootOfHann(size_t length) {
   std::vector<float> window(length);
   for (size_t i = 0; i < length; ++i) {
-    const double phase = (static_cast<double>(i) + 0.5) / static_cast<double>(length);
+    const double phase = (Real(i) + 0.5) / Real(length);
     window[i] = static_cast<float>(std::sin(std::numbers::pi * phase));
   }
   return window;
@@ -25,21 +27,20 @@ ShortTimeSpectrum::ShortTimeSpectrum(size_t hop)
     : m_window(SquareRootOfHann(2 * hop)),
       m_history(2 * hop),
       m_overlap(hop),
-      m_block(static_cast<size_t>(kiss_fftr_next_fast_size_real(static_cast<int>(2 * hop)))),
+      m_block(Size(kiss_fftr_next_fast_size_real(Count(2 * hop)))),
       m_bins(m_block.size() / 2 + 1),
-      m_forward(kiss_fftr_alloc(static_cast<int>(m_block.size()), 0, nullptr, nullptr)),
-      m_inverse(kiss_fftr_alloc(static_cast<int>(m_block.size()), 1, nullptr, nullptr)) {
+      m_forward(kiss_fftr_alloc(Count(m_block.size()), 0, nullptr, nullptr)),
+      m_inverse(kiss_fftr_alloc(Count(m_block.size()), 1, nullptr, nullptr)) {
   if (m_forward == nullptr || m_inverse == nullptr) throw std::bad_alloc();
 }
 
 size_t ShortTimeSpectrum::BinOf(double frequency) const {
-  const auto bin =
-      static_cast<size_t>(std::lround(frequency * static_cast<double>(m_block.size())));
-  return std::min(bin, m_bins.size() - 1);
+  const long bin = std::lround(frequency * Real(m_block.size()));
+  return std::min(Size(bin), m_bins.size() - 1);
 }
 
 std::span<kiss_fft_cpx> ShortTimeSpectrum::Analyse(std::span<const float> samples) {
-  const auto hop = static_cast<std::ptrdiff_t>(Hop());
+  const std::ptrdiff_t hop = Offset(Hop());
   std::copy(m_history.begin() + hop, m_history.end(), m_history.begin());
   std::copy(samples.begin(), samples.begin() + hop, m_history.begin() + hop);
 

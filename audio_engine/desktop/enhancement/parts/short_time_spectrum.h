@@ -36,9 +36,13 @@ class ShortTimeSpectrum {
   using Plan = std::unique_ptr<kiss_fftr_state, Free>;
 
   std::vector<float> m_window;
-  std::vector<float> m_history;  // The last two hops.
-  std::vector<float> m_overlap;  // What the last window adds to the next hop.
-  std::vector<float> m_block;    // One transform, padded with zeros.
+
+  // The last two hops, and what the last window adds to the next hop.
+  std::vector<float> m_history;
+  std::vector<float> m_overlap;
+
+  // What is transformed: a window, padded with zeros.
+  std::vector<float> m_block;
   std::vector<kiss_fft_cpx> m_bins;
   Plan m_forward;
   Plan m_inverse;

@@ -6,9 +6,11 @@
 namespace desktop {
 namespace {
 
-// How much of the frame before goes into the a-priori ratio: more is smoother, less is quicker.
+// How much of the hop before goes into the a-priori ratio: more is smoother, less is quicker.
 constexpr float kMemory = 0.93f;
-constexpr float kLowestPriorRatio = 0.00316f;  // -25 dB: keeps musical noise down.
+
+// -25 dB; it keeps musical noise down.
+constexpr float kLowestPriorRatio = 0.00316f;
 
 constexpr NoiseTracker::Speed kSpeed = {31.6f, 0.95f, 0.95f};
 

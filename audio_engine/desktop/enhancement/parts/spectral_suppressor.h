@@ -11,9 +11,10 @@
 namespace desktop {
 
 // Cleans one channel of speech, hop by hop of 10 ms, with a lag of one hop: the log-spectral
-// amplitude estimator with the decision-directed signal-to-noise ratio (Ephraim and Malah, 1985
-// and 1984). Belongs to one thread at a time; allocates in the
-// constructor only.
+// amplitude estimator with the decision-directed signal-to-noise ratio (Ephraim and Malah, "Speech
+// enhancement using a minimum mean-square error log-spectral amplitude estimator", 1985, and "...
+// short-time spectral amplitude estimator", 1984). Belongs to one thread at a time; allocates in
+// the constructor only.
 class SpectralSuppressor {
  public:
   // rate in Hz; hops of 10 ms are `hop` samples long.
@@ -27,7 +28,9 @@ class SpectralSuppressor {
   SteadyNoise m_steady;
   NoiseTracker m_noise;
   std::vector<float> m_power;
-  std::vector<float> m_speech;  // The power of the speech in the frame before, as estimated then.
+
+  // The power of the speech in the hop before, as estimated then.
+  std::vector<float> m_speech;
 };
 
 }  // namespace desktop

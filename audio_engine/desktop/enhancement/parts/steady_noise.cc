@@ -6,10 +6,13 @@
 namespace desktop {
 namespace {
 
-constexpr float kSteady = 1.5f;  // dB, standard deviation of the levels. White noise has 0.7.
-constexpr float kFall = 12.0f;   // dB
+// The standard deviation of the levels of a steady noise, dB: white noise has 0.7.
+constexpr float kSteady = 1.5f;
 
-// Of the differences between samples: the level of rumble wavers, however steady it sounds.
+// How far the level of a clap falls, dB.
+constexpr float kFall = 12.0f;
+
+// The level of the differences between samples: that of rumble wavers, however steady it sounds.
 float LevelOf(std::span<const float> samples) {
   float energy = 0.0f;
   for (size_t i = 1; i < samples.size(); ++i) {

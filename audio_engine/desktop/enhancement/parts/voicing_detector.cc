@@ -4,27 +4,29 @@
 #include <cmath>
 #include <numeric>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
-constexpr int kHistoryFrames = 4;
+constexpr size_t kHistoryBlocks = 4;
 constexpr float kVoiced = 0.6f;
-constexpr float kTilt =
-    0.5f;  // Takes rumble down; the whole difference would lose speech in noise.
+
+// Takes rumble down; the whole difference would lose speech in noise.
+constexpr float kTilt = 0.5f;
 
 }  // namespace
 
-// What of a frame does not fill a sample of the history is left out: at most 0.2 ms of 10.
+// The end of a block that does not fill a sample of the history is left out: at most 0.2 ms of 10.
 VoicingDetector::VoicingDetector(int rate, size_t hop)
-    : m_decimation(static_cast<size_t>(std::max(1, rate / 4000))),
-      m_history(kHistoryFrames * (hop / m_decimation)),
-      m_shortestLag(static_cast<size_t>(rate) / m_decimation / 400),
-      m_longestLag(static_cast<size_t>(rate) / m_decimation / 80) {}
+    : m_decimation(Size(std::max(1, rate / 4000))),
+      m_history(kHistoryBlocks * (hop / m_decimation)),
+      m_shortestLag(Size(rate) / m_decimation / 400),
+      m_longestLag(Size(rate) / m_decimation / 80) {}
 
 bool VoicingDetector::Process(std::span<const float> samples) {
-  const size_t fresh = m_history.size() / kHistoryFrames;
-  std::copy(m_history.begin() + static_cast<std::ptrdiff_t>(fresh), m_history.end(),
-            m_history.begin());
+  const size_t fresh = m_history.size() / kHistoryBlocks;
+  std::copy(m_history.begin() + Offset(fresh), m_history.end(), m_history.begin());
   for (size_t i = 0; i < fresh; ++i) {
     const auto part = samples.subspan(i * m_decimation, m_decimation);
     const float sample = std::accumulate(part.begin(), part.end(), 0.0f);
@@ -37,7 +39,7 @@ bool VoicingDetector::Process(std::span<const float> samples) {
   return false;
 }
 
-// Of the last half of the history with what was `lag` earlier; 0 for silence.
+// Compares the last half of the history with what was `lag` earlier; 0 for silence.
 float VoicingDetector::Correlation(size_t lag) const {
   const size_t begin = m_history.size() / 2;
   float cross = 0.0f;
