@@ -49,8 +49,8 @@ uint64_t FinishWav(FILE* file, const WavFormat& format) {
   if (file == nullptr) return 0;
   uint64_t dataBytes = 0;
   if (fseeko(file, 0, SEEK_END) == 0) {
-    const off_t fileBytes = std::max<off_t>(ftello(file), wave::kHeaderBytes);
-    dataBytes = static_cast<uint64_t>(fileBytes) - wave::kHeaderBytes;
+    constexpr off_t kStart = wave::kHeaderBytes;
+    dataBytes = static_cast<uint64_t>(std::max(ftello(file), kStart) - kStart);
     if (fseeko(file, 0, SEEK_SET) == 0) WriteHeader(file, format, dataBytes);
     // Chunks have even lengths; the pad byte counts for the file but not for the data. It comes
     // last, because on a full disk it is what does not fit.

@@ -14,12 +14,14 @@ struct WavFormat {
 };
 
 enum class WavBuffer {
-  kNone,  // What a write returns is in the file.
-  kStdio  // Stdio's own, for many small writes; fflush says whether all of it fits.
+  // Every write goes to the file at once.
+  kNone,
+  // Small writes are collected; fflush tells whether all of them fit.
+  kStdio
 };
 
-// Truncates `name` and writes a header that announces no data, which is in the file at once. Null,
-// with one line in the log, on failure.
+// Truncates `name` and writes a header that announces no data, which is in the file at once.
+// Returns null, with one line in the log, on failure.
 FILE* CreateWav(const char* name, const WavFormat& format, WavBuffer buffer);
 
 // Appends bytes to a stream of CreateWav without a buffer and returns how many the file has kept.
@@ -28,8 +30,9 @@ FILE* CreateWav(const char* name, const WavFormat& format, WavBuffer buffer);
 size_t AppendToWav(FILE*& file, const char* name, const WavFormat& format, const void* data,
                    size_t bytes);
 
-// Finishes a stream of CreateWav with the number of data bytes that the file holds, closes it and
-// returns that number; null is ignored. Data of 4 GiB and more are announced as 0xffffffff bytes.
+// Writes the number of data bytes that the file holds into the header of a stream of CreateWav,
+// closes it and returns that number; null is ignored. Data of 4 GiB and more are announced as
+// 0xffffffff bytes.
 uint64_t FinishWav(FILE* file, const WavFormat& format);
 
 }  // namespace desktop

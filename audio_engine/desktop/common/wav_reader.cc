@@ -12,7 +12,7 @@
 
 namespace {
 
-// Goes to the first sample of 16-bit PCM. Its layout, or why there is none.
+// Goes to the first sample of 16-bit PCM. Returns its layout, or why there is none.
 wave::Parsed FindSamples(FILE* file) {
   struct stat status;
   if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode)) {
@@ -65,9 +65,10 @@ unsigned WavReader::ReadSamples(unsigned count, short* out) {
 
 unsigned WavReader::ReadSamples(unsigned count, float* out) {
   unsigned total = 0;
-  short block[1024];
+  constexpr unsigned kMaxBlock = 1024;
+  short block[kMaxBlock];
   while (total < count) {
-    const unsigned wanted = std::min(count - total, static_cast<unsigned>(std::size(block)));
+    const unsigned wanted = std::min(count - total, kMaxBlock);
     const unsigned got = ReadSamples(wanted, block);
     std::copy_n(block, got, out + total);
     total += got;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cinttypes>
 #include <cmath>
 #include <cstring>
 
@@ -13,11 +14,11 @@ namespace {
 // Finishes a file that is not whole because of an error.
 void FinishShort(FILE* file, const desktop::WavFormat& format, uint32_t given, int error) {
   const uint64_t kept = desktop::FinishWav(file, format) / sizeof(short);
-  OutputDebugInfo("A WAVE file ends after %llu of %u samples: %s",
-                  static_cast<unsigned long long>(kept), given, strerror(error));
+  OutputDebugInfo("A WAVE file ends after %" PRIu64 " of %u samples: %s", kept, given,
+                  strerror(error));
 }
 
-// The nearest 16-bit sample; 0 for what is not a number.
+// Returns the nearest 16-bit sample; 0 for what is not a number.
 short ToSample(float value) {
   if (std::isnan(value)) return 0;
   return static_cast<short>(lrintf(std::clamp(value, -32768.0F, 32767.0F)));
@@ -53,9 +54,10 @@ void WavWriter::WriteSamples(const short* samples, unsigned count) {
 }
 
 void WavWriter::WriteSamples(const float* samples, unsigned count) {
-  short converted[1024];
+  constexpr unsigned kMaxBlock = 1024;
+  short converted[kMaxBlock];
   while (count > 0) {
-    const unsigned length = std::min(count, static_cast<unsigned>(std::size(converted)));
+    const unsigned length = std::min(count, kMaxBlock);
     std::transform(samples, samples + length, converted, ToSample);
     WriteSamples(converted, length);
     samples += length;

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <cinttypes>
 #include <cstdlib>
 #include <exception>
 #include <mutex>
@@ -17,17 +18,18 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// When a server that is not there is looked for.
+// How long a server is not there before it is looked for, and how often from then on.
 constexpr std::chrono::seconds kFirstLook{1};
 constexpr std::chrono::seconds kNextLook{5};
 
-// 0: the sound server is asked first.
+// With 0 the sound server is asked first.
 std::atomic<double> g_nullSpeed = 0;
 
 struct RunningDevices {
   std::mutex mutex;
   std::vector<AudioDevice*> devices;
-  DeviceFailures failures;  // Of those that have ended.
+  // The failures of those that have ended.
+  DeviceFailures failures;
   MakeStream makeStream;
 };
 
@@ -38,8 +40,7 @@ RunningDevices& Running() {
 }
 
 void Register(AudioDevice* device) {
-  static const int atExit = std::atexit(StopAudioDevices);
-  static_cast<void>(atExit);
+  [[maybe_unused]] static const int atExit = std::atexit(StopAudioDevices);
   const std::scoped_lock lock(Running().mutex);
   Running().devices.push_back(device);
 }
@@ -165,16 +166,14 @@ void AudioDevice::Run() {
   while (!m_pump.HasEnded()) m_wake.Wait();
   m_blocks.join();
   TellLoss();
-  OutputDebugInfo("%s: stopped after %llu blocks of 10 ms, %llu %s, latency %u ms", Name(),
-                  static_cast<unsigned long long>(Blocks()),
-                  static_cast<unsigned long long>(Failures()),
-                  m_direction == Direction::kOutput ? "underruns" : "overruns",
-                  static_cast<unsigned>(LatencyMs()));
+  OutputDebugInfo("%s: stopped after %" PRIu64 " blocks of 10 ms, %" PRIu64 " %s, latency %u ms",
+                  Name(), Blocks(), Failures(),
+                  m_direction == Direction::kOutput ? "underruns" : "overruns", LatencyMs());
   AddDeviceFailures(m_direction, Failures());
   Unregister(this);
 }
 
-// Null when there is none.
+// Returns null when there is none.
 std::unique_ptr<SoundStream> AudioDevice::Connect(std::string* fault) {
   const MakeStream make = StreamMaker();
   auto stream =
@@ -194,7 +193,7 @@ bool AudioDevice::LooksForServer() {
   return true;
 }
 
-// True when the server was lost.
+// Returns true when the server was lost.
 bool AudioDevice::TellLoss() {
   const auto lost = m_pump.TakeLost();
   if (lost == nullptr) return false;

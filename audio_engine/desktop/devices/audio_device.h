@@ -23,12 +23,14 @@ namespace desktop {
 class AudioDevice {
  public:
   AudioDevice(Direction direction, DeviceFormat format, DeviceBlock block);
-  ~AudioDevice();  // Stops.
+
+  // Stops.
+  ~AudioDevice();
   AudioDevice(const AudioDevice&) = delete;
   AudioDevice& operator=(const AudioDevice&) = delete;
 
-  // Starts the thread; returns at once. False when it runs already, the format is none, or there is
-  // no thread to be had; the log has a line then.
+  // Starts the thread and returns at once. Returns false when it runs already, and, with one line
+  // in the log, when the format is not valid or there is no thread to be had.
   bool Start();
 
   // No block is called afterwards. Takes 1 s at most, whatever the sound server does.
@@ -36,16 +38,17 @@ class AudioDevice {
 
   DeviceFormat Format() const { return m_format; }
 
-  // Blocks since the start, and how often an output had nothing to play or an input lost
-  // something. Any thread.
+  // Returns the number of blocks since the start. Any thread.
   uint64_t Blocks() const { return m_pump.Blocks(); }
+
+  // Returns how often an output had nothing to play or an input lost something. Any thread.
   uint64_t Failures() const { return m_pump.Failures(); }
 
-  // Counts one more, for a callback that could not keep what an input heard. Any thread.
+  // Counts one more failure, of a callback that could not keep what an input heard. Any thread.
   void CountFailure() { m_pump.CountFailure(); }
 
-  // How long a sample takes from the callback to the loudspeaker, or from the microphone to the
-  // callback, ms. Any thread.
+  // Returns how long a sample takes from the callback to the loudspeaker, or from the microphone to
+  // the callback, ms. Any thread.
   uint32_t LatencyMs() const { return m_pump.LatencyMs(); }
 
  private:
@@ -61,23 +64,25 @@ class AudioDevice {
 
   const Direction m_direction;
   const DeviceFormat m_format;
-  std::thread m_thread;  // Opens streams and writes to the log,
-  std::thread m_blocks;  // which the thread of the blocks does not.
+  // Opens streams and writes to the log.
+  std::thread m_thread;
+  // Moves the blocks, and never waits for m_thread.
+  std::thread m_blocks;
   std::atomic<bool> m_stop = false;
   bool m_asksServer = true;
   bool m_onServer = false;
-  bool m_suspended = false;  // By the latest line in the log.
+  // What the latest line in the log says.
+  bool m_suspended = false;
   Wake m_wake;
   BlockPump m_pump;
 };
 
-// Ends all devices that run, for a process that is about to end and leaves them behind: each still
-// tells the log how it went. Waits for them, a second at most. They do not start again. Done as
-// well when the process returns from main.
+// Stops all devices that run and waits for them, a second at most, so that each writes its last
+// line to the log before the process ends. Also called when the process returns from main.
 void StopAudioDevices();
 
-// What Failures has counted so far, over all devices of the process that have been stopped, and
-// what was added: blocks that were lost on the way to an output or from an input.
+// Blocks that were lost on the way to an output or from an input, counted by all devices of the
+// process that have been stopped or added by AddDeviceFailures.
 struct DeviceFailures {
   uint64_t outputs = 0;
   uint64_t inputs = 0;

@@ -1,6 +1,7 @@
 #include "desktop/devices/background.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
@@ -13,9 +14,11 @@ namespace desktop {
 namespace {
 
 struct Registry {
-  std::mutex mutex;  // Of both; not held while work is being finished.
+  // Guards both lists; not held while work is being finished.
+  std::mutex mutex;
   std::vector<BackgroundWork::Finish*> work;
-  std::vector<BackgroundWork::Finish*> called;  // That are being finished.
+  // Those that are being called.
+  std::vector<BackgroundWork::Finish*> called;
   std::condition_variable returned;
 };
 
@@ -50,7 +53,8 @@ bool FinishBackgroundWork(std::chrono::milliseconds limit) {
   std::unique_lock lock(all.mutex);
   bool finished = true;
   for (BackgroundWork::Finish* const finish : std::vector(all.work)) {
-    if (!Contains(all.work, finish)) continue;  // It has ended meanwhile.
+    // What has ended meanwhile is not in the list any more.
+    if (!Contains(all.work, finish)) continue;
     all.called.push_back(finish);
     lock.unlock();
     finished = (*finish)(deadline) && finished;
@@ -60,8 +64,7 @@ bool FinishBackgroundWork(std::chrono::milliseconds limit) {
   }
   lock.unlock();
   if (!finished) {
-    OutputDebugInfo("background work is not finished after %lld ms",
-                    static_cast<long long>(limit.count()));
+    OutputDebugInfo("background work is not finished after %" PRId64 " ms", limit.count());
   }
   return finished;
 }

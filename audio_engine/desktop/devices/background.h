@@ -12,8 +12,8 @@ namespace desktop {
 // Registers such work for as long as this object lives. Any thread may create and destroy it.
 class BackgroundWork {
  public:
-  // Finishes the work, waiting until `deadline` at the latest; false when that was not enough.
-  // Throws nothing, and neither creates nor destroys a BackgroundWork.
+  // Finishes the work, waiting until `deadline` at the latest. Returns false when it is not
+  // finished by then. Throws nothing, and neither creates nor destroys a BackgroundWork.
   using Finish = std::function<bool(std::chrono::steady_clock::time_point deadline)>;
 
   explicit BackgroundWork(Finish finish);
@@ -28,8 +28,8 @@ class BackgroundWork {
   Finish m_finish;
 };
 
-// Finishes all registered work, first registered first, on the calling thread and within `limit`
-// altogether. False, with one line in the log, when some of it was not finished by then.
+// Finishes all registered work on the calling thread, first registered first, within `limit`
+// altogether. Returns false, with one line in the log, when some of it was not finished by then.
 bool FinishBackgroundWork(std::chrono::milliseconds limit);
 
 }  // namespace desktop

@@ -69,7 +69,7 @@ void BlockPump::StepOnServer() {
   if (m_suspended.exchange(suspended) != suspended) m_changed.Post();
 }
 
-// Hands over all blocks that are due. False when the server is lost.
+// Hands over all blocks that are due. Returns false when the server is lost.
 bool BlockPump::Exchange() {
   if (m_direction == Direction::kInput) {
     while (!m_stop && m_stream->Take(m_samples.data())) CallBlock();

@@ -17,26 +17,32 @@ namespace desktop {
 // threads nor writes to the log; its owner opens and closes streams and tells what happens.
 class BlockPump {
  public:
-  // changed: is posted when HasEnded, TakeLost or IsSuspended answer something new.
+  // changed: posted when HasEnded, TakeLost or IsSuspended have something new to return.
   BlockPump(Direction direction, DeviceFormat format, DeviceBlock block, Wake& changed);
   ~BlockPump();
   BlockPump(const BlockPump&) = delete;
   BlockPump& operator=(const BlockPump&) = delete;
 
-  void Reset();            // Before each Run.
-  void Run(double speed);  // From the first Offer to Stop. The null device's time is so fast.
+  // To be called before each Run.
+  void Reset();
+
+  // Runs from the first Offer to Stop. The null device's time passes `speed` times as fast as the
+  // clock.
+  void Run(double speed);
   void Stop();
 
-  // Gives it a stream that is connected; null for none, with which it can begin as well. To be
-  // called while it has none.
+  // Gives it a stream that is connected, or null, so that it begins without one. To be called while
+  // it has none.
   void Offer(std::unique_ptr<SoundStream> stream);
 
-  bool HasEnded() const { return m_ended; }  // After Run.
+  // Returns whether Run is over.
+  bool HasEnded() const { return m_ended; }
 
-  // The stream that was lost since the last call, else null.
+  // Returns the stream that was lost since the last call, else null.
   std::unique_ptr<SoundStream> TakeLost() { return Own(m_lost.exchange(nullptr)); }
 
-  // Whether the server has stopped the device for the time being, so that the clock stands in.
+  // Returns whether the server has stopped the device for the time being, so that the clock stands
+  // in.
   bool IsSuspended() const { return m_suspended; }
 
   // As AudioDevice tells them.
@@ -64,10 +70,14 @@ class BlockPump {
   Wake m_wake;
   double m_speed = 1;
   Time m_start;
-  std::vector<short> m_samples;           // One block.
-  std::unique_ptr<SoundStream> m_stream;  // Null without a server.
-  uint64_t m_counted = 0;                 // Of the stream's failures.
-  std::optional<ClockPacer> m_clock;      // While the null device stands in.
+  // One block.
+  std::vector<short> m_samples;
+  // Null without a server.
+  std::unique_ptr<SoundStream> m_stream;
+  // How many of the stream's failures are in m_failures.
+  uint64_t m_counted = 0;
+  // Set while the null device stands in.
+  std::optional<ClockPacer> m_clock;
   std::atomic<SoundStream*> m_offered = nullptr;
   std::atomic<SoundStream*> m_lost = nullptr;
   std::atomic<bool> m_begun = false;

@@ -17,12 +17,12 @@ constexpr milliseconds kBetweenLooks{10};
 
 }  // namespace
 
-// Belongs to the thread as well, which may be left behind.
+// The thread shares it, because it may be left behind.
 struct BlockWorker::State {
-  State(DeviceFormat format, Work work, std::chrono::seconds mostLate)
+  State(DeviceFormat format, Work work, std::chrono::seconds maxDelay)
       : format(format),
         work(std::move(work)),
-        ring(100 * static_cast<size_t>(mostLate.count()) * format.BlockFrames() * format.channels),
+        ring(100 * static_cast<size_t>(maxDelay.count()) * format.BlockFrames() * format.channels),
         block(format.BlockFrames() * format.channels) {}
 
   const DeviceFormat format;
@@ -33,15 +33,18 @@ struct BlockWorker::State {
   std::atomic<bool> stop = false;
   std::atomic<bool> leave = false;
   std::atomic<bool> ended = false;
-  Wake progress;  // After a block, and at the end, while that is awaited.
+  // Posted after each block while one waits for it, and at the end.
+  Wake progress;
   std::atomic<bool> awaited = false;
-  std::atomic<uint64_t> refused = 0;  // Blocks for which there was no room,
-  std::atomic<uint64_t> taken = 0;    // others,
-  std::atomic<uint64_t> done = 0;     // and those of the others that are worked on.
+  // Blocks for which there was no room.
+  std::atomic<uint64_t> refused = 0;
+  // Blocks for which there was room, and those of them on which the work is done.
+  std::atomic<uint64_t> taken = 0;
+  std::atomic<uint64_t> done = 0;
 };
 
-BlockWorker::BlockWorker(DeviceFormat format, Work work, std::chrono::seconds mostLate)
-    : m_state(std::make_shared<State>(format, std::move(work), mostLate)),
+BlockWorker::BlockWorker(DeviceFormat format, Work work, std::chrono::seconds maxDelay)
+    : m_state(std::make_shared<State>(format, std::move(work), maxDelay)),
       m_thread(StartThread([state = m_state] { Run(state); })) {}
 
 BlockWorker::~BlockWorker() { Stop(); }

@@ -17,29 +17,32 @@ class BlockWorker {
   using Work = std::function<void(short* samples, size_t frames)>;
 
   // Starts the thread; throws std::system_error when there is none to be had. The work is destroyed
-  // on it.
-  BlockWorker(DeviceFormat format, Work work, std::chrono::seconds mostLate);
-  ~BlockWorker();  // Stops.
+  // on it. maxDelay: how much audio may wait for the work before blocks are lost.
+  BlockWorker(DeviceFormat format, Work work, std::chrono::seconds maxDelay);
+
+  // Stops.
+  ~BlockWorker();
   BlockWorker(const BlockWorker&) = delete;
   BlockWorker& operator=(const BlockWorker&) = delete;
 
-  // Takes one block of the format's BlockFrames. False, and one more is lost, when the work is too
-  // late. One thread, which never waits here.
+  // Takes one block of the format's BlockFrames. Returns false when the work is too late: the block
+  // is lost and counted. One thread, which never waits here.
   bool Put(const short* samples);
 
   // Works on what waits and ends the thread, however long that takes. To be called once nothing is
   // put any more.
   void Stop();
 
-  // The same, but leaves the thread behind when no block is done for `patience`; it ends once the
-  // work returns, without another block. For work that owns what it uses. False then.
+  // Does the same, but returns false and leaves the thread behind when no block is done for
+  // `patience`; the thread ends once the work returns, without another block. For work that owns
+  // what it uses.
   bool StopOrLeave(std::chrono::milliseconds patience);
 
-  // Waits until all that was put so far is worked on; false when no block is done for `patience`.
-  // True at once in the work itself.
+  // Waits until all that was put so far is worked on. Returns false when no block is done for
+  // `patience`, and true at once in the work itself.
   bool CatchUp(std::chrono::milliseconds patience) const;
 
-  // Blocks that were put and that nobody has worked on, nor will. Any thread.
+  // Returns how many blocks were put on which the work was not and will not be done. Any thread.
   uint64_t Lost() const;
 
  private:

@@ -8,9 +8,9 @@
 
 namespace desktop {
 
-// Tells when the blocks of the null device are due: each as many frames after the start as lie
-// ahead of it, so that nothing drifts. What was missed is caught up at twice the pace; after more
-// than two seconds it is given up.
+// Tells when the blocks of the null device are due: each at the start plus the length of all blocks
+// before it, so that nothing drifts. What was missed is caught up at twice the pace; a delay of
+// more than two seconds is not made up for.
 class ClockPacer {
  public:
   // A block of an output is due when it begins, the first one now. A block of an input is due when
@@ -18,11 +18,11 @@ class ClockPacer {
   ClockPacer(Direction direction, DeviceFormat format, double speed, Time start,
              uint64_t blocksDone);
 
-  // When the next block is due.
+  // Returns when the next block is due.
   Time Due() const { return m_due; }
 
-  // Takes that block as handed over at `now`. True when that is so late that a device would have
-  // failed, which keeps samples for kBufferMs; true once until the delay is made up for.
+  // Takes that block as handed over at `now`. Returns true when a device whose buffer lasts
+  // kBufferMs would have failed meanwhile; only once until the delay is made up for.
   bool Pass(Time now);
 
   static constexpr uint32_t kBufferMs = 80;
@@ -32,7 +32,8 @@ class ClockPacer {
 
   const double m_nanosecondsPerBlock;
   Time m_start;
-  uint64_t m_next = 0;  // The block that is due.
+  // The number of the block that is due.
+  uint64_t m_next = 0;
   Time m_due;
   bool m_late = false;
 };

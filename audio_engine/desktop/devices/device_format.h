@@ -12,10 +12,12 @@ struct DeviceFormat {
   uint32_t rate = 48000;  // Hz, 8000 to 48000.
   uint32_t channels = 2;  // 1 or 2, interleaved.
 
-  bool IsValid() const { return rate >= 8000 && rate <= 48000 && (channels == 1 || channels == 2); }
+  constexpr bool IsValid() const {
+    return rate >= 8000 && rate <= 48000 && (channels == 1 || channels == 2);
+  }
 
-  // Frames (samples per channel) of a block of 10 ms, a fraction of a frame left out.
-  size_t BlockFrames() const { return rate / 100; }
+  // Returns the frames of a block of 10 ms, rounded down.
+  constexpr size_t BlockFrames() const { return rate / 100; }
 };
 
 // Called on the device's own thread with one block: an output fills it, an input reads it. It

@@ -16,7 +16,7 @@ using std::chrono::steady_clock;
 // How long the server may leave a question without an answer, and how often it is asked.
 constexpr milliseconds kPatience{800};
 constexpr milliseconds kBetweenQuestions{200};
-constexpr microseconds kMostWait{10'000};
+constexpr microseconds kMaxWait{10'000};
 constexpr uint32_t kBufferedBlocks = 16;
 
 void CountFailure(pa_stream* /*stream*/, void* failures) { ++*static_cast<uint64_t*>(failures); }
@@ -109,7 +109,7 @@ bool PulseStream::Wait(Time until) {
 
 bool PulseStream::Iterate(Time until) {
   const auto left = std::chrono::ceil<microseconds>(until - steady_clock::now());
-  const microseconds wait = std::clamp(left, microseconds(0), kMostWait);
+  const microseconds wait = std::clamp(left, microseconds(0), kMaxWait);
   return pa_mainloop_prepare(m_loop, static_cast<int>(wait.count())) >= 0 &&
          pa_mainloop_poll(m_loop) >= 0 && pa_mainloop_dispatch(m_loop) >= 0;
 }
@@ -158,7 +158,8 @@ void PulseStream::Collect() {
     if (data != nullptr) {
       memcpy(&m_heard[m_heardBytes], data, kept);
     } else {
-      memset(&m_heard[m_heardBytes], 0, kept);  // The server lost something.
+      // The server lost something.
+      memset(&m_heard[m_heardBytes], 0, kept);
     }
     if (data == nullptr || kept < bytes) ++m_failures;
     m_heardBytes += kept;

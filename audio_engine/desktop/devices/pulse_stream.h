@@ -55,10 +55,14 @@ class PulseStream : public SoundStream {
   pa_mainloop* m_loop = nullptr;
   pa_context* m_context = nullptr;
   pa_stream* m_stream = nullptr;
-  pa_operation* m_question = nullptr;  // Null while the server has answered all.
-  Time m_asked;                        // The latest question.
-  Patience m_patience;                 // Since the server did anything.
-  std::vector<char> m_heard;           // The first m_heardBytes count.
+  // Null while the server has answered all questions.
+  pa_operation* m_question = nullptr;
+  // When the latest question was asked.
+  Time m_asked;
+  // Renewed whenever the server does anything.
+  Patience m_patience;
+  // What was heard and not taken yet, in the first m_heardBytes bytes.
+  std::vector<char> m_heard;
   size_t m_heardBytes = 0;
   uint64_t m_givenBlocks = 0;
   uint64_t m_failures = 0;

@@ -13,11 +13,11 @@ namespace desktop {
 // which a device's thread must not.
 class Ticker {
  public:
-  // The first step comes at once, the others `period` after one another; one that comes late is not
-  // made up for. Throws what threads throw.
+  // The first step comes at once, the others `period` after one another; after a step that is late
+  // the others are as much later. Throws what std::thread throws.
   Ticker(std::chrono::milliseconds period, std::function<void()> step);
 
-  // Waits for a step that is under way; none comes afterwards. Not from the step itself.
+  // Waits for a step that is under way; none comes afterwards. Not to be called in the step.
   ~Ticker();
 
   Ticker(const Ticker&) = delete;

@@ -18,19 +18,20 @@ struct CloseDecoder {
 };
 using Decoder = std::unique_ptr<std::remove_pointer_t<HANDLE_AACDECODER>, CloseDecoder>;
 
-constexpr int kMaxSamples = 2048 * 8;  // Of a frame, all channels, before it is mixed to two.
+// The most samples that a packet decodes to, of all channels, before they are mixed to two.
+constexpr int kMaxSamples = 2048 * 8;
 
-// What one frame decodes to.
+// What one packet decodes to.
 struct Layout {
-  int rate = 0;
-  int channels = 0;
-  int frames = 0;
+  uint32_t rate = 0;
+  uint32_t channels = 0;
+  size_t frames = 0;
 
   bool operator==(const Layout& other) const = default;
 };
 
-// channels: as many come out; 0 for what the file has, two at most.
-Decoder OpenDecoder(int channels) {
+// channels: how many come out; 0 for as many as the file has, two at most.
+Decoder OpenDecoder(uint32_t channels) {
   Decoder decoder(aacDecoder_Open(TT_MP4_ADTS, 1));
   HANDLE_AACDECODER handle = decoder.get();
   const bool ready =
@@ -46,27 +47,27 @@ class AacFile : public FileSource {
  public:
   explicit AacFile(File file) : m_file(std::move(file)) {}
 
-  // Finds the length and the format. False when no frame can be decoded.
+  // Finds the length and the format. Returns false when no packet can be decoded.
   bool Examine() {
-    AdtsReader frames(m_file.get());
-    const unsigned char* frame = nullptr;
+    AdtsReader packets(m_file.get());
+    const unsigned char* packet = nullptr;
     Decoder decoder = OpenDecoder(0);
     if (decoder == nullptr) return false;
-    while (const size_t bytes = frames.Next(&frame)) {
-      // Band replication and the second channel of HE may show after the first frame only.
-      if (m_count++ < 8) Decode(decoder.get(), frame, bytes, &m_layout);
+    while (const size_t bytes = packets.Next(&packet)) {
+      // Band replication and the second channel of HE may show after the first packet only.
+      if (m_count++ < 8) Decode(decoder.get(), packet, bytes, &m_layout);
     }
     return m_layout.frames > 0 && Rewind();
   }
 
-  uint32_t Rate() const override { return static_cast<uint32_t>(m_layout.rate); }
-  uint32_t Channels() const override { return static_cast<uint32_t>(m_layout.channels); }
-  uint64_t Frames() const override { return m_count * static_cast<uint64_t>(m_layout.frames); }
+  uint32_t Rate() const override { return m_layout.rate; }
+  uint32_t Channels() const override { return m_layout.channels; }
+  size_t Frames() const override { return m_count * m_layout.frames; }
 
   size_t Read(short* samples, size_t frames) override {
-    const auto channels = static_cast<size_t>(m_layout.channels);
+    const size_t channels = m_layout.channels;
     size_t done = 0;
-    while (done < frames && (m_at < m_waiting || NextFrame())) {
+    while (done < frames && (m_at < m_waiting || NextPacket())) {
       const size_t part = std::min(frames - done, m_waiting - m_at);
       std::copy_n(m_samples + m_at * channels, part * channels, samples + done * channels);
       m_at += part;
@@ -80,7 +81,7 @@ class AacFile : public FileSource {
   bool Failed() const override { return m_ended && m_read < Frames(); }
 
   bool Rewind() override {
-    m_frames = std::make_unique<AdtsReader>(m_file.get());
+    m_packets = std::make_unique<AdtsReader>(m_file.get());
     m_decoder = OpenDecoder(m_layout.channels);
     m_at = m_waiting = 0;
     m_read = 0;
@@ -89,42 +90,48 @@ class AacFile : public FileSource {
   }
 
  private:
-  bool NextFrame() {
-    const unsigned char* frame = nullptr;
-    const size_t bytes = m_decoder != nullptr ? m_frames->Next(&frame) : 0;
+  bool NextPacket() {
+    const unsigned char* packet = nullptr;
+    const size_t bytes = m_decoder != nullptr ? m_packets->Next(&packet) : 0;
     if (bytes == 0) return false;
     Layout layout;
-    const int count = m_layout.frames * m_layout.channels;
-    // A frame that is damaged, or of another format, is as long as the others and silent.
-    if (!Decode(m_decoder.get(), frame, bytes, &layout) || layout != m_layout) {
+    const size_t count = m_layout.frames * m_layout.channels;
+    // A packet that is damaged, or of another format, is as long as the others and silent.
+    if (!Decode(m_decoder.get(), packet, bytes, &layout) || layout != m_layout) {
       std::fill_n(m_samples, count, short{0});
     }
     m_at = 0;
-    m_waiting = static_cast<size_t>(m_layout.frames);
+    m_waiting = m_layout.frames;
     return true;
   }
 
-  bool Decode(HANDLE_AACDECODER decoder, const unsigned char* frame, size_t bytes, Layout* layout) {
-    auto* data = const_cast<UCHAR*>(frame);
+  bool Decode(HANDLE_AACDECODER decoder, const unsigned char* packet, size_t bytes,
+              Layout* layout) {
+    auto* data = const_cast<UCHAR*>(packet);
     const auto size = static_cast<UINT>(bytes);
     UINT left = size;
     if (aacDecoder_Fill(decoder, &data, &size, &left) != AAC_DEC_OK) return false;
     if (aacDecoder_DecodeFrame(decoder, m_samples, kMaxSamples, 0) != AAC_DEC_OK) return false;
     const CStreamInfo* info = aacDecoder_GetStreamInfo(decoder);
     if (info->sampleRate < 1 || info->numChannels < 1 || info->frameSize < 1) return false;
-    *layout = {info->sampleRate, info->numChannels, info->frameSize};
+    layout->rate = info->sampleRate;
+    layout->channels = info->numChannels;
+    layout->frames = info->frameSize;
     return true;
   }
 
   File m_file;
   Layout m_layout;
-  uint64_t m_count = 0;  // AAC frames in the file.
-  std::unique_ptr<AdtsReader> m_frames;
+  // Packets in the file.
+  size_t m_count = 0;
+  std::unique_ptr<AdtsReader> m_packets;
   Decoder m_decoder;
-  uint64_t m_read = 0;   // Frames of samples since the start.
-  bool m_ended = false;  // There are no more.
-  size_t m_at = 0;       // The next frame of samples in m_samples
-  size_t m_waiting = 0;  // of so many.
+  // Frames that were read since the start, and whether there are no more.
+  size_t m_read = 0;
+  bool m_ended = false;
+  // The frames of one packet, m_waiting of them; m_at is the next one to be read.
+  size_t m_at = 0;
+  size_t m_waiting = 0;
   INT_PCM m_samples[kMaxSamples];
 };
 

@@ -7,14 +7,14 @@ namespace desktop {
 
 namespace {
 
-// The bytes of the frame that starts with these 7; 0 for none.
-size_t FrameBytes(const unsigned char* header) {
+// Returns the length of the packet that starts with these 7 bytes; 0 for none.
+size_t PacketBytes(const unsigned char* header) {
   if (header[0] != 0xff || (header[1] & 0xf6) != 0xf0) return 0;
   const size_t bytes = (size_t{header[3]} & 3) << 11 | size_t{header[4]} << 3 | header[5] >> 5;
   return bytes > 7 ? bytes : 0;
 }
 
-// The bytes of an ID3 tag (version 2) at the start of a file.
+// Returns the length of an ID3 tag (version 2) at the start of a file.
 size_t TagBytes(const unsigned char* start) {
   if (memcmp(start, "ID3", 3) != 0) return 0;
   size_t bytes = 0;
@@ -23,7 +23,7 @@ size_t TagBytes(const unsigned char* start) {
 }
 
 size_t ReadAt(FILE* file, size_t offset, unsigned char* bytes, size_t count) {
-  if (fseeko(file, static_cast<off_t>(offset), SEEK_SET) != 0) return 0;
+  if (fseeko(file, offset, SEEK_SET) != 0) return 0;
   return fread(bytes, 1, count, file);
 }
 
@@ -35,11 +35,11 @@ bool IsAdts(FILE* file) {
   const size_t first = TagBytes(start);
   unsigned char header[7] = {};
   size_t bytes = 0;
-  if (ReadAt(file, first, header, sizeof header) == sizeof header) bytes = FrameBytes(header);
+  if (ReadAt(file, first, header, sizeof header) == sizeof header) bytes = PacketBytes(header);
   bool is = bytes > 0;
   if (is) {
     const size_t got = ReadAt(file, first + bytes, header, sizeof header);
-    is = got < sizeof header || FrameBytes(header) > 0;
+    is = got < sizeof header || PacketBytes(header) > 0;
   }
   rewind(file);
   return is;
@@ -47,16 +47,16 @@ bool IsAdts(FILE* file) {
 
 AdtsReader::AdtsReader(FILE* file) : m_file(file) { rewind(file); }
 
-size_t AdtsReader::Next(const unsigned char** frame) {
+size_t AdtsReader::Next(const unsigned char** packet) {
   while (true) {
-    if (m_count - m_at < 2 * (kMaxFrameBytes + kHeaderBytes)) Fill();
+    if (m_count - m_at < 2 * (kMaxPacketBytes + kHeaderBytes)) Fill();
     if (m_count - m_at < kHeaderBytes) return 0;
-    const size_t bytes = FrameBytes(m_bytes + m_at);
+    const size_t bytes = PacketBytes(m_bytes + m_at);
     if (bytes == 0 || !IsConfirmed(bytes)) {
       ++m_at;
       continue;
     }
-    *frame = m_bytes + m_at;
+    *packet = m_bytes + m_at;
     m_at += bytes;
     m_end = m_before + m_at;
     return bytes;
@@ -71,11 +71,11 @@ void AdtsReader::Fill() {
   m_count += fread(m_bytes + m_count, 1, sizeof m_bytes - m_count, m_file);
 }
 
-bool AdtsReader::IsConfirmed(size_t frameBytes) const {
-  const size_t next = m_at + frameBytes;
+bool AdtsReader::IsConfirmed(size_t packetBytes) const {
+  const size_t next = m_at + packetBytes;
   if (next > m_count) return false;
-  // Less than a header is the beginning of a frame that was cut off.
-  return m_count - next < kHeaderBytes || FrameBytes(m_bytes + next) > 0;
+  // Less than a header is the beginning of a packet that was cut off.
+  return m_count - next < kHeaderBytes || PacketBytes(m_bytes + next) > 0;
 }
 
 }  // namespace desktop

@@ -1,6 +1,6 @@
 #include "desktop/files/adts_writer.h"
 
-// AAC files: LC frames with ADTS headers.
+// AAC files: packets of LC with ADTS headers (ISO/IEC 14496-3, 1.A.2).
 
 #include <unistd.h>
 
@@ -15,10 +15,10 @@ namespace desktop {
 
 namespace {
 
-// By how many frames of the codec the encoder alone is late.
-constexpr int kLateFrames = 2;
+// By how many packets the encoder alone is late.
+constexpr int kLatePackets = 2;
 
-// Null when this build has no encoder for that.
+// Returns null when this build has no encoder for that.
 std::unique_ptr<PacketEncoder> CreateEncoder(DeviceFormat format) {
   const auto rate = static_cast<int>(format.rate);
   const auto channels = static_cast<int>(format.channels);
@@ -30,7 +30,10 @@ std::unique_ptr<PacketEncoder> CreateEncoder(DeviceFormat format) {
 class AdtsWriter : public FileWriter {
  public:
   AdtsWriter(File file, DeviceFormat format, std::unique_ptr<PacketEncoder> encoder)
-      : m_file(std::move(file)), m_format(format), m_encoder(std::move(encoder)) {
+      : m_file(std::move(file)),
+        m_format(format),
+        m_encoder(std::move(encoder)),
+        m_packetSamples(m_encoder->blockSamples()) {
     m_coded.reserve(1 << 16);
   }
 
@@ -38,10 +41,9 @@ class AdtsWriter : public FileWriter {
 
   void Add(const short* samples, size_t frames) override {
     m_samples.insert(m_samples.end(), samples, samples + frames * m_format.channels);
-    const size_t frame = m_encoder->blockSamples();
-    size_t at = 0;
-    for (; at + frame <= m_samples.size(); at += frame) Encode(&m_samples[at]);
-    m_samples.erase(m_samples.begin(), m_samples.begin() + static_cast<ptrdiff_t>(at));
+    auto next = m_samples.cbegin();
+    for (; m_samples.cend() - next >= m_packetSamples; next += m_packetSamples) Encode(&*next);
+    m_samples.erase(m_samples.cbegin(), next);
   }
 
   bool Flush() override {
@@ -51,35 +53,37 @@ class AdtsWriter : public FileWriter {
   }
 
   bool Finish() override {
-    if (m_frames == 0 && m_samples.empty()) return Flush();
-    const size_t frame = m_encoder->blockSamples();
+    if (m_packets == 0 && m_samples.empty()) return Flush();
     if (!m_samples.empty()) {
-      m_samples.resize(frame);
+      m_samples.resize(m_packetSamples);
       Encode(m_samples.data());
     }
-    m_samples.assign(frame, 0);
-    for (int i = 0; i < kLateFrames; ++i) Encode(m_samples.data());
+    m_samples.assign(m_packetSamples, 0);
+    for (int i = 0; i < kLatePackets; ++i) Encode(m_samples.data());
     m_samples.clear();
     return Flush();
   }
 
  private:
   // The first packet is of the time before the first sample and left out.
-  void Encode(const short* frame) {
+  void Encode(const short* samples) {
     unsigned char packet[kMaxPacketBytes];
-    const size_t bytes = m_encoder->Encode(frame, packet);
-    if (m_frames++ > 0) m_coded.insert(m_coded.end(), packet, packet + bytes);
+    const size_t bytes = m_encoder->Encode(samples, packet);
+    if (m_packets++ > 0) m_coded.insert(m_coded.end(), packet, packet + bytes);
   }
 
   const File m_file;
   const DeviceFormat m_format;
   const std::unique_ptr<PacketEncoder> m_encoder;
-  std::vector<short> m_samples;  // Less than a frame between calls.
+  // Samples, of all channels, that one packet takes.
+  const ptrdiff_t m_packetSamples;
+  // Between calls, fewer samples than a packet takes.
+  std::vector<short> m_samples;
   std::vector<unsigned char> m_coded;
-  uint64_t m_frames = 0;
+  uint64_t m_packets = 0;
 };
 
-// The rate and channels of an LC frame; no valid format for others.
+// The rate and channels of a packet of LC; no valid format for others.
 DeviceFormat FormatOf(const unsigned char* header) {
   constexpr uint32_t kRates[16] = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
                                    22050, 16000, 12000, 11025, 8000,  7350};
@@ -88,21 +92,22 @@ DeviceFormat FormatOf(const unsigned char* header) {
   return {isLc ? kRates[header[2] >> 2 & 15] : 0, channels};
 }
 
-// Cuts off what follows the last whole frame, and tells the format of the frames.
+// Cuts off what follows the last whole packet, and tells the format of the first one.
 bool FindEnd(FILE* file, DeviceFormat* format) {
-  AdtsReader frames(file);
-  const unsigned char* frame = nullptr;
-  if (frames.Next(&frame) == 0) return false;
-  *format = FormatOf(frame);
-  while (frames.Next(&frame) > 0) {
+  AdtsReader packets(file);
+  const unsigned char* packet = nullptr;
+  if (packets.Next(&packet) == 0) return false;
+  *format = FormatOf(packet);
+  while (packets.Next(&packet) > 0) {
   }
-  return format->IsValid() && ftruncate(fileno(file), static_cast<off_t>(frames.End())) == 0;
+  return format->IsValid() && ftruncate(fileno(file), packets.End()) == 0;
 }
 
 }  // namespace
 
 std::unique_ptr<FileWriter> OpenAdtsWriter(const char* name, DeviceFormat format, bool append) {
-  auto encoder = CreateEncoder(format);  // Before there is a file.
+  // No file is made where there is no encoder.
+  auto encoder = CreateEncoder(format);
   if (encoder == nullptr) return nullptr;
   File file = OpenForWriting(name, append);
   if (file == nullptr || fseeko(file.get(), 0, SEEK_END) != 0) return nullptr;

@@ -6,8 +6,8 @@ namespace desktop {
 
 namespace {
 
-// The length of `frames` frames at another rate, rounded.
-uint64_t AtRate(uint64_t frames, uint32_t rate, uint32_t newRate) {
+// Returns how many frames last as long at another rate, rounded.
+size_t AtRate(size_t frames, uint32_t rate, uint32_t newRate) {
   return (frames * newRate + rate / 2) / rate;
 }
 
@@ -22,15 +22,15 @@ std::unique_ptr<ConvertedSource> ConvertedSource::Create(std::unique_ptr<FileSou
 ConvertedSource::ConvertedSource(std::unique_ptr<FileSource> source, DeviceFormat format)
     : m_source(std::move(source)),
       m_format(format),
-      m_pieceFrames(Resampler::BlockFrames(m_source->Rate(), format.rate)),
+      m_blockFrames(Resampler::BlockFrames(m_source->Rate(), format.rate)),
       m_resampler(m_source->Rate(), m_source->Channels(), format.rate, format.channels,
-                  m_pieceFrames),
-      m_piece(m_pieceFrames * m_source->Channels()),
-      m_converted(m_resampler.IsOpen() ? m_resampler.MaxFramesFor(m_pieceFrames) * format.channels
+                  m_blockFrames),
+      m_block(m_blockFrames * m_source->Channels()),
+      m_converted(m_resampler.IsOpen() ? m_resampler.MaxFramesFor(m_blockFrames) * format.channels
                                        : 0),
       m_toDrop(m_resampler.IsOpen() ? m_resampler.LagFrames() : 0) {}
 
-uint64_t ConvertedSource::Frames() const {
+size_t ConvertedSource::Frames() const {
   return AtRate(m_source->Frames(), m_source->Rate(), m_format.rate);
 }
 
@@ -46,23 +46,24 @@ size_t ConvertedSource::Read(short* samples, size_t frames) {
   return done;
 }
 
-// False at the end: when as many frames were made as the file's length is at the other rate.
+// Returns false at the end: when as many frames were made as the file has at the other rate.
 bool ConvertedSource::Refill() {
   m_at = m_end = 0;
   while (m_end == 0) {
-    size_t got = m_ended ? 0 : m_source->Read(m_piece.data(), m_pieceFrames);
+    size_t got = m_ended ? 0 : m_source->Read(m_block.data(), m_blockFrames);
     m_sourceRead += got;
-    m_ended = m_ended || got < m_pieceFrames;
-    const uint64_t whole = AtRate(m_sourceRead, m_source->Rate(), m_format.rate);
+    m_ended = m_ended || got < m_blockFrames;
+    const size_t whole = AtRate(m_sourceRead, m_source->Rate(), m_format.rate);
     if (m_ended && m_made >= whole) return false;
-    if (got == 0) {  // Silence moves the last samples out of the resampler.
-      std::fill(m_piece.begin(), m_piece.end(), short{0});
-      got = m_pieceFrames;
+    if (got == 0) {
+      // Silence moves the last samples out of the resampler.
+      std::fill(m_block.begin(), m_block.end(), short{0});
+      got = m_blockFrames;
     }
-    size_t made = m_resampler.Convert(m_piece.data(), got, m_converted.data());
+    size_t made = m_resampler.Convert(m_block.data(), got, m_converted.data());
     m_at = std::min(m_toDrop, made);
     m_toDrop -= m_at;
-    if (m_ended) made = std::min<uint64_t>(made, m_at + (whole - m_made));
+    if (m_ended) made = std::min(made, m_at + (whole - m_made));
     m_made += made - m_at;
     m_end = made > m_at ? made : 0;
     if (m_end == 0) m_at = 0;

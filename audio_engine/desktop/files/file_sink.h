@@ -16,24 +16,27 @@ namespace desktop {
 // thread. Belongs to one thread at a time.
 class FileSink {
  public:
-  // Whether a name ends as one of the two kinds, and this build has its codec.
+  // Returns whether a name ends as one of the two kinds, and this build has its codec.
   static bool IsWritable(const char* name);
 
-  // append: goes on after the last whole frame of a file that is there, in that file's format,
-  // whatever `format` is. Null, with one line in the log, when the file cannot be written.
+  // append: whether to go on after the last whole frame of a file that is there, in that file's
+  // format, whatever `format` is. Returns null, with one line in the log, when the file cannot be
+  // written.
   static std::unique_ptr<FileSink> Create(const char* name, DeviceFormat format, bool append);
 
-  // For any writer of that name.
+  // Writes by `writer`, whose file has that name.
   FileSink(const char* name, DeviceFormat format, std::unique_ptr<FileWriter> writer);
 
-  ~FileSink();  // Finishes.
+  // Finishes.
+  ~FileSink();
 
   const std::string& Name() const { return m_name; }
 
-  // False, after one line in the log, once something could not be written; nothing more is then.
+  // Takes frames of `format`. Returns false once something could not be written, of which the log
+  // has one line; nothing more is written then.
   bool Write(const short* samples, size_t frames);
 
-  // Writes the rest. False when anything could not be written.
+  // Writes the rest. Returns false when anything could not be written.
   bool Finish();
 
  private:

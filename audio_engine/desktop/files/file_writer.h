@@ -19,7 +19,7 @@ class FileWriter {
   // cannot be coded.
   virtual void Add(const short* samples, size_t frames) = 0;
 
-  // Brings to the file what is whole. False when it does not fit, which leaves the file whole.
+  // Writes what is whole. Returns false when it does not fit; the file is whole all the same.
   virtual bool Flush() = 0;
 
   // Codes what is left, and flushes.
@@ -27,10 +27,11 @@ class FileWriter {
 };
 
 // Opens a file for one of the writers, without a buffer of its own: an append to a file that is
-// there leaves what it holds, everything else starts empty. Null, with errno set, on failure.
+// there leaves what it holds, everything else starts empty. Returns null, with errno set, on
+// failure.
 File OpenForWriting(const char* name, bool append);
 
-// Writes all of `bytes` at the end of the file, or nothing.
+// Writes all of `bytes` at the end of the file, or returns false and writes nothing.
 bool AppendWhole(FILE* file, const void* bytes, size_t count);
 
 }  // namespace desktop

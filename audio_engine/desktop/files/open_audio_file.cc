@@ -29,7 +29,8 @@ FileFault OpenByContent(File file, std::unique_ptr<FileSource>* source) {
   try {
     if (IsAdts(file.get())) return OpenAacFile(std::move(file), source);
     return OpenSoundFile(std::move(file), source);
-  } catch (const std::exception&) {  // Memory is short.
+  } catch (const std::exception&) {
+    // Memory is short.
     return FileFault::kNoDecoder;
   }
 }
@@ -40,7 +41,7 @@ FileFault OpenAudioFile(const char* name, std::unique_ptr<FileSource>* source) {
   source->reset();
   if (name == nullptr) name = "";
   File file(OpenUnlessFifo(name, "rb"));
-  // A folder can be opened but not read.
+  // A folder can be opened, but not read.
   const bool isReadable = file != nullptr && (fgetc(file.get()) != EOF || ferror(file.get()) == 0);
   if (!isReadable) {
     RefuseFile(name, "cannot open the audio file", strerror(errno));

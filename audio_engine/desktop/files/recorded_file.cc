@@ -1,5 +1,6 @@
 #include "desktop/files/recorded_file.h"
 
+#include <cinttypes>
 #include <utility>
 
 #include "desktop/devices/audio_device.h"
@@ -26,9 +27,9 @@ void RecordedFile::Finish() {
   const bool ended = m_worker.StopOrLeave(m_patience);
   const uint64_t lost = m_worker.Lost();
   if (ended && lost == 0) return;
-  OutputDebugInfo("%s: %s, %llu blocks of 10 ms are lost", m_name.c_str(),
+  OutputDebugInfo("%s: %s, %" PRIu64 " blocks of 10 ms are lost", m_name.c_str(),
                   ended ? "the disk was too slow" : "given up because the disk writes nothing",
-                  static_cast<unsigned long long>(lost));
+                  lost);
   AddDeviceFailures(Direction::kInput, lost);
 }
 

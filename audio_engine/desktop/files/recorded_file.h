@@ -14,20 +14,23 @@ class RecordedFile {
  public:
   static constexpr std::chrono::seconds kPatience{10};
 
-  // format: of the blocks, which is the sink's. patience: with a disk that writes nothing. Throws
-  // std::system_error when there is no thread to be had.
+  // format: that of the blocks and of the sink. patience: how long to wait at the end for a disk
+  // that writes nothing. Throws std::system_error when there is no thread to be had.
   RecordedFile(std::unique_ptr<FileSink> sink, DeviceFormat format,
                std::chrono::milliseconds patience = kPatience);
-  ~RecordedFile();  // Finishes.
+
+  // Finishes.
+  ~RecordedFile();
   RecordedFile(const RecordedFile&) = delete;
   RecordedFile& operator=(const RecordedFile&) = delete;
 
-  // Takes one block; it is lost, and counted, when ten seconds wait to be written. One thread.
+  // Takes one block; it is lost and counted when ten seconds of audio wait to be written. One
+  // thread.
   void Put(const short* samples) { m_worker.Put(samples); }
 
-  // Writes all that was put, as long as that takes, and finishes the file. A disk that writes
-  // nothing for as long as the patience is given up. What is lost is counted among the overruns of
-  // the inputs, and said in one line of the log. To be called once nothing is put any more.
+  // Writes all that was put, however long that takes, and finishes the file; gives up when the disk
+  // writes nothing for as long as the patience. What is lost is counted as overruns of an input,
+  // and the log has one line. To be called once nothing is put any more.
   void Finish();
 
  private:

@@ -30,7 +30,8 @@ void RefuseFile(const char* name, const char* what, const char* reason) {
     Refused& refused = AllRefused();
     const std::scoped_lock lock(refused.mutex);
     if (refused.files.size() < kMaxRemembered) refused.files.push_back({name, reason});
-  } catch (const std::exception&) {  // Memory is short; the log has the line.
+  } catch (const std::exception&) {
+    // Memory is short; the log has the line.
   }
 }
 

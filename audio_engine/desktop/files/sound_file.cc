@@ -30,8 +30,7 @@ sf_count_t Seek(sf_count_t offset, int whence, void* data) {
 }
 
 sf_count_t ReadBytes(void* to, sf_count_t bytes, void* data) {
-  return static_cast<sf_count_t>(
-      fread(to, 1, static_cast<size_t>(bytes), static_cast<FILE*>(data)));
+  return fread(to, 1, bytes, static_cast<FILE*>(data));
 }
 
 sf_count_t WriteNothing(const void* /*from*/, sf_count_t /*bytes*/, void* /*data*/) { return 0; }
@@ -43,7 +42,7 @@ struct CloseSound {
 };
 using Sound = std::unique_ptr<SNDFILE, CloseSound>;
 
-// Whether the file begins as one of a known kind does.
+// Returns whether the file begins as one of a known kind does.
 bool HasKnownStart(FILE* file) {
   unsigned char start[4] = {};
   rewind(file);
@@ -54,9 +53,10 @@ bool HasKnownStart(FILE* file) {
   return memcmp(start, "ID3", 3) == 0 || (start[0] == 0xff && (start[1] & 0xe0) == 0xe0);
 }
 
-// Whether it is a sound WAVE file whose samples are coded in a way that nothing here decodes.
+// Returns whether it is a valid WAVE file whose samples are coded in a way that nothing here
+// decodes.
 bool IsWaveOfOtherCoding(FILE* file) {
-  const wave::Parsed parsed = wave::Find(file, static_cast<uint64_t>(Length(file)));
+  const wave::Parsed parsed = wave::Find(file, Length(file));
   return parsed.audio && parsed.audio->coding != wave::Coding::kPcm &&
          parsed.audio->coding != wave::Coding::kFloat;
 }
@@ -64,25 +64,26 @@ bool IsWaveOfOtherCoding(FILE* file) {
 class SoundFile : public FileSource {
  public:
   SoundFile(File file, Sound sound, const SF_INFO& info)
-      : m_file(std::move(file)), m_sound(std::move(sound)), m_info(info) {}
+      : m_file(std::move(file)),
+        m_sound(std::move(sound)),
+        m_rate(info.samplerate),
+        m_channels(info.channels),
+        m_frames(std::max<sf_count_t>(info.frames, 0)) {}
 
-  uint32_t Rate() const override { return static_cast<uint32_t>(m_info.samplerate); }
-  uint32_t Channels() const override { return static_cast<uint32_t>(m_info.channels); }
-  uint64_t Frames() const override {
-    return static_cast<uint64_t>(std::max<sf_count_t>(m_info.frames, 0));
-  }
+  uint32_t Rate() const override { return m_rate; }
+  uint32_t Channels() const override { return m_channels; }
+  size_t Frames() const override { return m_frames; }
 
   size_t Read(short* samples, size_t frames) override {
-    const auto channels = static_cast<size_t>(m_info.channels);
     size_t done = 0;
     while (done < frames) {
-      const size_t part = std::min(frames - done, std::size(m_floats) / channels);
-      const sf_count_t got = sf_readf_float(m_sound.get(), m_floats, static_cast<sf_count_t>(part));
+      const size_t part = std::min(frames - done, std::size(m_floats) / m_channels);
+      const sf_count_t got = sf_readf_float(m_sound.get(), m_floats, part);
       if (got <= 0) break;
-      const size_t count = static_cast<size_t>(got) * channels;
-      short* const out = samples + done * channels;
+      const size_t count = m_channels * got;
+      short* const out = samples + done * m_channels;
       for (size_t i = 0; i < count; ++i) out[i] = ToShort(m_floats[i]);
-      done += static_cast<size_t>(got);
+      done += got;
     }
     m_read += done;
     m_ended = done < frames;
@@ -105,9 +106,12 @@ class SoundFile : public FileSource {
 
   File m_file;
   Sound m_sound;
-  const SF_INFO m_info;
-  uint64_t m_read = 0;   // Frames since the start.
-  bool m_ended = false;  // There are no more.
+  const uint32_t m_rate;
+  const uint32_t m_channels;
+  const size_t m_frames;
+  // Frames that were read since the start, and whether there are no more.
+  size_t m_read = 0;
+  bool m_ended = false;
   float m_floats[4096];
 };
 

@@ -38,8 +38,7 @@ class WaveWriter : public FileWriter {
   bool Finish() override { return Flush(); }
 
   bool WriteHeader() {
-    const auto header = wave::Header(static_cast<int>(m_format.rate),
-                                     static_cast<int>(m_format.channels), 16, m_bytes);
+    const auto header = wave::Header(m_format.rate, m_format.channels, 16, m_bytes);
     return fseeko(m_file.get(), 0, SEEK_SET) == 0 &&
            fwrite(header.data(), header.size(), 1, m_file.get()) == 1;
   }
@@ -47,7 +46,8 @@ class WaveWriter : public FileWriter {
  private:
   const File m_file;
   const DeviceFormat m_format;
-  uint64_t m_bytes;  // Of samples in the file.
+  // How many bytes of samples are in the file.
+  uint64_t m_bytes;
   std::vector<short> m_waiting;
 };
 
@@ -60,9 +60,9 @@ std::unique_ptr<WaveWriter> GoOn(File file, uint64_t fileBytes) {
   }
   const DeviceFormat format = {static_cast<uint32_t>(parsed.audio->rate),
                                static_cast<uint32_t>(parsed.audio->channels)};
-  const auto frameBytes = static_cast<uint64_t>(parsed.audio->frameBytes);
+  const uint64_t frameBytes = parsed.audio->frameBytes;
   const uint64_t bytes = parsed.audio->bytes / frameBytes * frameBytes;
-  const auto end = static_cast<off_t>(wave::kHeaderBytes + bytes);
+  const off_t end = wave::kHeaderBytes + bytes;
   if (!format.IsValid() || ftruncate(fileno(file.get()), end) != 0) return nullptr;
   return std::make_unique<WaveWriter>(std::move(file), format, bytes);
 }
@@ -73,7 +73,7 @@ std::unique_ptr<FileWriter> OpenWaveWriter(const char* name, DeviceFormat format
   File file = OpenForWriting(name, append);
   if (file == nullptr || fseeko(file.get(), 0, SEEK_END) != 0) return nullptr;
   const off_t fileBytes = ftello(file.get());
-  if (fileBytes > 0) return GoOn(std::move(file), static_cast<uint64_t>(fileBytes));
+  if (fileBytes > 0) return GoOn(std::move(file), fileBytes);
   auto writer = std::make_unique<WaveWriter>(std::move(file), format, 0);
   return writer->WriteHeader() ? std::move(writer) : nullptr;
 }

@@ -15,10 +15,10 @@ class CaptureCleaner {
   CaptureCleaner(const CaptureCleaner&) = delete;
   CaptureCleaner& operator=(const CaptureCleaner&) = delete;
 
-  // Hears what the loudspeaker plays, which the object itself takes care of.
+  // Hears what the loudspeaker plays; the object adds it to the loudspeaker itself.
   PlayListener& FarEnd() { return m_played; }
 
-  // One block of the format. Answers whether there is voice in it.
+  // Takes one block of the format. Returns whether there is voice in it.
   VADResultKind Process(short* samples, size_t frames);
 
  private:
@@ -27,7 +27,8 @@ class CaptureCleaner {
   const DeviceFormat m_format;
   PlayFeed m_played;
   CaptureChain m_chain;
-  Biquad m_highPass[2];  // One for each channel.
+  // One for each channel.
+  Biquad m_highPass[2];
   std::vector<float> m_channel;
   zuwebrtc::AudioFrame m_frame;
   bool m_plays = false;

@@ -54,7 +54,7 @@ const short* ConcealingDecoder::Conceal() {
   return m_samples.data();
 }
 
-// Down to silence while frames are made up, back to full volume once they are there.
+// Fades to silence while packets are made up, and back to full volume once they are there.
 void ConcealingDecoder::Fade(double perSample) {
   const auto channels = static_cast<size_t>(m_setup.channels);
   for (size_t i = 0; i < Frames(); ++i) {

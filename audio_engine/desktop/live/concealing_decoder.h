@@ -9,28 +9,31 @@
 
 namespace desktop {
 
-// Decodes frames into sound without clicks: what is lost or damaged is made up, fading to silence
-// within 100 ms, and the next frame fades in from there. Belongs to one thread.
+// Decodes packets into sound without clicks: what is lost or damaged is made up, fading to silence
+// within 100 ms, and the next packet fades in from there. Belongs to one thread.
 class ConcealingDecoder {
  public:
-  // Null for an id that nothing here codes.
+  // Returns null for an id that nothing here codes.
   static std::unique_ptr<ConcealingDecoder> Create(int rawId);
 
   int Rate() const { return m_setup.rate; }  // Hz
   int Channels() const { return m_setup.channels; }
-  int FrameMs() const { return static_cast<int>(Frames() * 1000) / m_setup.rate; }
+  int PacketMs() const { return static_cast<int>(Frames() * 1000) / m_setup.rate; }
   size_t Frames() const { return m_samples.size() / static_cast<size_t>(m_setup.channels); }
 
-  // Decodes the frame at the start of `data` and returns its Frames() x Channels() samples, valid
-  // until the next call. `taken`: its bytes, all of `size` when no frame is there. What is damaged
-  // is as good as lost.
+  // Decodes the packet at the start of `data` and returns its Frames() x Channels() samples, valid
+  // until the next call. `taken` becomes its length in bytes, all of `size` when no packet is
+  // there. A damaged packet is concealed as a lost one is.
   const short* Decode(const uint8_t* data, int size, int* taken);
 
-  // The same in place of a frame that is lost.
+  // Returns as many samples in place of a packet that is lost.
   const short* Conceal();
 
-  bool IsMadeUp() const { return m_madeUp; }     // The last frame was.
-  bool IsSilent() const { return m_gain == 0; }  // What is made up from now on is silence.
+  // Whether the samples that were returned last were made up.
+  bool IsMadeUp() const { return m_madeUp; }
+
+  // Whether what is made up from now on is silence.
+  bool IsSilent() const { return m_gain == 0; }
 
  private:
   ConcealingDecoder(const CodecSetup& setup, std::unique_ptr<PacketDecoder> decoder);
@@ -40,7 +43,8 @@ class ConcealingDecoder {
   const CodecSetup m_setup;
   const std::unique_ptr<PacketDecoder> m_decoder;
   std::vector<short> m_samples;
-  double m_gain = 0;  // Of the last sample; the first frame fades in.
+  // The gain of the last sample. It starts at 0, so that the first packet fades in.
+  double m_gain = 0;
   bool m_madeUp = false;
 };
 

@@ -1,6 +1,7 @@
 #include "desktop/live/file_player.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <exception>
 
 #include "desktop/dsp/dynamics/volume.h"
@@ -14,8 +15,8 @@ using std::chrono::steady_clock;
 
 namespace {
 
-// Hz. What has a lower rate holds nothing that anybody could hear.
-constexpr uint32_t kLowestRate = 100;
+// What has a lower rate (Hz) holds nothing that anybody could hear.
+constexpr uint32_t kMinRate = 100;
 
 }  // namespace
 
@@ -28,23 +29,26 @@ FileFault FilePlayer::Open(const char* file) {
   m_resampler = nullptr;
   const FileFault fault = OpenAudioFile(file, &m_source);
   if (fault != FileFault::kNone) return fault;
-  if (m_source->Rate() >= kLowestRate && MakeResampler()) return fault;
+  if (m_source->Rate() >= kMinRate && MakeResampler()) return fault;
   m_resampler = nullptr;
   m_source = nullptr;
   RefuseFile(file, "cannot play the audio file", "its rate cannot be played");
   return FileFault::kNoDecoder;
 }
 
-bool FilePlayer::MakeResampler() try {
-  m_pieceFrames = Resampler::BlockFrames(m_source->Rate(), kFormat.rate);
-  m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
-                                            kFormat.channels, m_pieceFrames);
-  if (!m_resampler->IsOpen()) return false;
-  m_piece.resize(m_pieceFrames * m_source->Channels());
-  m_converted.resize(m_resampler->MaxFramesFor(m_pieceFrames) * kFormat.channels);
-  return true;
-} catch (const std::exception&) {  // Memory is short.
-  return false;
+bool FilePlayer::MakeResampler() {
+  try {
+    m_blockFrames = Resampler::BlockFrames(m_source->Rate(), kFormat.rate);
+    m_resampler = std::make_unique<Resampler>(m_source->Rate(), m_source->Channels(), kFormat.rate,
+                                              kFormat.channels, m_blockFrames);
+    if (!m_resampler->IsOpen()) return false;
+    m_block.resize(m_blockFrames * m_source->Channels());
+    m_converted.resize(m_resampler->MaxFramesFor(m_blockFrames) * kFormat.channels);
+    return true;
+  } catch (const std::exception&) {
+    // Memory is short.
+    return false;
+  }
 }
 
 bool FilePlayer::Play() {
@@ -84,17 +88,17 @@ void FilePlayer::Stop() {
 void FilePlayer::Run() {
   ReadAhead();
   m_read = true;
-  Loudspeaker::Shared().Add(this);  // Where the file is too short to be there already.
+  // A short file has not been added by ReadAhead.
+  Loudspeaker::Shared().Add(this);
   if (WaitUntilOver()) {
-    // The last samples are on their way to the loudspeaker.
+    // The last samples are still on their way to the loudspeaker.
     const milliseconds latency(Loudspeaker::Shared().Device().LatencyMs());
     const Time heard = Now() + latency;
     while (!m_stop && Now() < heard) m_wake.WaitUntil(heard);
   }
   Loudspeaker::Shared().Remove(this);
   if (m_underruns > 0) {
-    OutputDebugInfo("player: %llu blocks of 10 ms came too late",
-                    static_cast<unsigned long long>(m_underruns));
+    OutputDebugInfo("player: %" PRIu64 " blocks of 10 ms came too late", m_underruns.load());
     AddDeviceFailures(Direction::kOutput, m_underruns);
   }
   m_plays = false;
@@ -106,24 +110,24 @@ void FilePlayer::ReadAhead() {
     OutputDebugInfo("player: cannot go back to the start of the file");
     return;
   }
-  while (const size_t frames = m_source->Read(m_piece.data(), m_pieceFrames)) {
-    if (!Convert(m_piece.data(), frames)) return;
+  while (const size_t frames = m_source->Read(m_block.data(), m_blockFrames)) {
+    if (!Convert(m_block.data(), frames)) return;
   }
   if (m_source->Failed()) {
     m_failed = true;
     OutputDebugInfo("player: the file cannot be read to its end");
   }
-  // What the resampler still holds.
-  const uint64_t lag = m_resampler->LagFrames() * m_source->Rate() / kFormat.rate;
-  std::fill(m_piece.begin(), m_piece.end(), short{0});
-  for (uint64_t left = lag > 0 ? lag + 1 : 0; left > 0;) {
-    const uint64_t part = std::min<uint64_t>(left, m_pieceFrames);
-    if (!Convert(m_piece.data(), part)) return;
+  // Silence moves what the resampler still holds out of it.
+  const size_t lag = m_resampler->LagFrames() * m_source->Rate() / kFormat.rate;
+  std::fill(m_block.begin(), m_block.end(), short{0});
+  for (size_t left = lag > 0 ? lag + 1 : 0; left > 0;) {
+    const size_t part = std::min(left, m_blockFrames);
+    if (!Convert(m_block.data(), part)) return;
     left -= part;
   }
 }
 
-// False when the player is to stop.
+// Returns false when the player is to stop.
 bool FilePlayer::Convert(const short* samples, size_t frames) {
   const size_t got = m_resampler->Convert(samples, frames, m_converted.data());
   const size_t count = got * kFormat.channels;
@@ -133,7 +137,7 @@ bool FilePlayer::Convert(const short* samples, size_t frames) {
   return !m_stop;
 }
 
-// Waits for room. False when the player is to stop.
+// Waits for room. Returns false when the player is to stop.
 bool FilePlayer::Queue(const short* samples, size_t count) {
   while (!m_ring.Write(samples, count)) {
     if (m_stop) return false;
@@ -143,7 +147,7 @@ bool FilePlayer::Queue(const short* samples, size_t count) {
   return !m_stop;
 }
 
-// False when the player is to stop.
+// Returns false when the player is to stop.
 bool FilePlayer::WaitUntilOver() {
   while (!m_over && !m_stop) m_wake.WaitFor(milliseconds(1000));
   return m_over;

@@ -21,7 +21,9 @@ namespace desktop {
 class FilePlayer : public PlaySource {
  public:
   FilePlayer();
-  ~FilePlayer() override;  // Stops.
+
+  // Stops.
+  ~FilePlayer() override;
   FilePlayer(const FilePlayer&) = delete;
   FilePlayer& operator=(const FilePlayer&) = delete;
 
@@ -29,27 +31,28 @@ class FilePlayer : public PlaySource {
   bool IsOpen() const { return m_source != nullptr; }
   uint32_t LengthMs() const { return IsOpen() ? m_source->LengthMs() : 0; }
 
-  // From the start, or from where Pause left off. False without a file.
+  // Plays from the start, or from where Pause left off. Returns false without a file.
   bool Play();
   void Pause() { m_paused = true; }
   void Stop();
 
   void SetFeedBack(AudioSourceType mode) { m_feedBack = mode; }
 
-  // True from Play until all was heard or Stop. Any thread.
+  // Returns true from Play until all was heard or Stop. Any thread.
   bool IsPlaying() const { return m_plays; }
 
-  // How much was played since the start, ms; and the level of the latest block, 0 to 100. Any
-  // thread.
+  // Returns how much was played since the start, ms. Any thread.
   uint32_t PlayedMs() const {
     return static_cast<uint32_t>(m_playedFrames / (kFormat.rate / 1000));
   }
+
+  // Returns the level of the latest block, 0 to 100. Any thread.
   uint32_t Volume() const { return m_volume; }
 
-  // Whether the latest play could not go on to the end of the file. Any thread.
+  // Returns whether the latest Play could not go on to the end of the file. Any thread.
   bool Failed() const { return m_failed; }
 
-  // How often the reading came too late since the latest Play. Any thread.
+  // Returns how often the reading was too late since the latest Play. Any thread.
   uint64_t Underruns() const { return m_underruns; }
 
   void FillBlock(short* samples, size_t frames) override;
@@ -57,9 +60,11 @@ class FilePlayer : public PlaySource {
 
  private:
   static constexpr DeviceFormat kFormat = Loudspeaker::kFormat;
-  static constexpr size_t kAhead = kFormat.rate * kFormat.channels / 2;  // Samples.
+  // How many samples are read ahead.
+  static constexpr size_t kAhead = kFormat.rate * kFormat.channels / 2;
 
-  bool MakeResampler();  // For the file that is open. False when there is none to be had.
+  // Makes one for the file that is open. Returns false when there is none to be had.
+  bool MakeResampler();
   void Run();
   void ReadAhead();
   bool Convert(const short* samples, size_t frames);
@@ -68,8 +73,9 @@ class FilePlayer : public PlaySource {
 
   std::unique_ptr<FileSource> m_source;
   std::unique_ptr<Resampler> m_resampler;
-  size_t m_pieceFrames = 0;  // Of the file, converted at once.
-  std::vector<short> m_piece;
+  // How many frames of the file are converted at once, and the block that holds them.
+  size_t m_blockFrames = 0;
+  std::vector<short> m_block;
   std::vector<short> m_converted;
   BlockRing m_ring;
   Wake m_wake;
@@ -78,10 +84,12 @@ class FilePlayer : public PlaySource {
   std::atomic<bool> m_paused = false;
   std::atomic<bool> m_stop = false;
   std::atomic<bool> m_plays = false;
-  std::atomic<bool> m_read = false;  // All of the file is in the ring.
+  // All of the file was put into the ring.
+  std::atomic<bool> m_read = false;
   std::atomic<bool> m_failed = false;
-  std::atomic<bool> m_over = false;  // All of it went to the loudspeaker.
-  std::atomic<uint64_t> m_playedFrames = 0;
+  // All of it went to the loudspeaker.
+  std::atomic<bool> m_over = false;
+  std::atomic<size_t> m_playedFrames = 0;
   std::atomic<uint32_t> m_volume = 0;
   std::atomic<uint64_t> m_underruns = 0;
   std::optional<BackgroundWork> m_background;

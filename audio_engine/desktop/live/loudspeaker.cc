@@ -79,7 +79,7 @@ uint64_t Loudspeaker::Change(const Edit& edit) {
   return turn;
 }
 
-// Whether the device's thread is not mixing in that turn any more, or was not.
+// Returns whether the device's thread has ended that turn, or was between two.
 bool Loudspeaker::IsOver(uint64_t turn) const { return turn % 2 == 0 || m_turn != turn; }
 
 void Loudspeaker::WaitForTheEndOf(uint64_t turn) const {

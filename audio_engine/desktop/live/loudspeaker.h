@@ -19,14 +19,15 @@ class PlaySource {
   virtual ~PlaySource() = default;
   virtual void FillBlock(short* samples, size_t frames) = 0;
 
-  // Whether it is also heard in the microphone path.
+  // Returns whether it is also heard in the microphone path.
   virtual AudioSourceType FeedBack() const { return AudioSourceTypeMic; }
 };
 
 // What was played in 10 ms, in the format of the loudspeaker.
 struct PlayedBlock {
   const short* played;
-  const short* feedback;  // The part that goes into the microphone path; null for nothing.
+  // The part that goes into the microphone path; null for nothing.
+  const short* feedback;
   bool replacesMicrophone;
   size_t frames;
 };
@@ -37,7 +38,7 @@ class PlayListener {
   virtual ~PlayListener() = default;
   virtual void OnPlayed(const PlayedBlock& block) = 0;
 
-  // Whether it is also called while nothing plays, which makes the device run.
+  // Returns whether it is also called while nothing plays, for which the device has to run.
   virtual bool HearsSilence() const { return false; }
 };
 
@@ -58,8 +59,8 @@ class Loudspeaker {
   void Add(PlaySource* source);
   void Add(PlayListener* listener);
 
-  // It is not called any more afterwards: waits for a block in which it is being called. One that
-  // was not added, or is removed already, is fine.
+  // Waits for a block in which it is being called; afterwards it is not called any more. Nothing
+  // happens for one that was not added, or is removed already.
   void Remove(PlaySource* source);
   void Remove(PlayListener* listener);
 
@@ -70,8 +71,8 @@ class Loudspeaker {
     std::vector<PlaySource*> sources;
     std::vector<PlayListener*> listeners;
   };
-  // Parts that were replaced in a turn of the device, which may be going through them until its
-  // end.
+  // Parts that were replaced in a turn of the device, which may use them until that turn ends
+  // (Fraser, "Practical lock-freedom", 2004, epochs).
   struct Retired {
     std::unique_ptr<const Parts> parts;
     uint64_t turn;
@@ -85,9 +86,11 @@ class Loudspeaker {
   void MixParts(const Parts& parts, short* samples, size_t frames);
   void StartOrStop();
 
-  std::mutex m_mutex;  // Of what changes the parts and the device; the device's thread has none.
+  // Held while the parts or the device change, but never by the device's thread.
+  std::mutex m_mutex;
   std::atomic<const Parts*> m_parts;
-  std::atomic<uint64_t> m_turn = 0;  // Odd while the device's thread mixes a block.
+  // Odd while the device's thread mixes a block.
+  std::atomic<uint64_t> m_turn = 0;
   std::vector<Retired> m_retired;
   bool m_runs = false;
   SumLimiter m_limiter;

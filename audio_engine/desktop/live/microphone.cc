@@ -62,20 +62,19 @@ void Microphone::Work(short* samples, size_t frames) {
   if (m_cleaner != nullptr) m_cleaner->Process(samples, frames);
   MixFeedback(samples, frames);
 
-  const auto count = static_cast<unsigned>(m_mixed.size());
   const auto timeMs = static_cast<uint32_t>(m_blocks++ * frames * 1000 / Format().rate);
-  const VADResultKind voice = m_voice.Detect(m_mixed.data(), count);
+  const VADResultKind voice = m_voice.Detect(m_mixed.data(), m_mixed.size());
   const CapturedBlock block = {m_mixed.data(),
                                samples,
                                frames,
                                voice,
-                               static_cast<uint8_t>(VolumeOf(m_mixed.data(), count)),
+                               static_cast<uint8_t>(VolumeOf(m_mixed.data(), m_mixed.size())),
                                timeMs,
                                LatencyMs()};
   Tell(block);
 }
 
-// Whoever is removed meanwhile is not called.
+// Calls the listeners, but none that is removed meanwhile.
 void Microphone::Tell(const CapturedBlock& block) {
   std::unique_lock lock(m_mutex);
   m_toCall = m_listeners;

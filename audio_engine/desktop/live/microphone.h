@@ -10,6 +10,7 @@
 #include "desktop/devices/audio_device.h"
 #include "desktop/devices/block_worker.h"
 #include "desktop/dsp/dynamics/sum_limiter.h"
+#include "desktop/enhancement/parts/voice_detector.h"
 #include "desktop/live/capture_cleaner.h"
 #include "desktop/live/play_feed.h"
 
@@ -17,13 +18,19 @@ namespace desktop {
 
 // 10 ms of the microphone path, valid for one call.
 struct CapturedBlock {
-  const short* samples;     // After what players feed back into it.
-  const short* microphone;  // Before that; cleaned if this microphone cleans.
+  // The microphone mixed with what players feed back into it.
+  const short* samples;
+  // The microphone alone, cleaned if it cleans.
+  const short* microphone;
   size_t frames;
-  VADResultKind voice;  // Of `samples`.
-  uint8_t volume;       // The level of `samples`: 0 for -60 dBFS (RMS) and below, 100 for 0 dBFS.
-  uint32_t timeMs;      // Of the first sample, since the start,
-  uint32_t latencyMs;   // and how long ago it was heard.
+  // What the detector says of `samples`.
+  VADResultKind voice;
+  // The level of `samples`: 0 for -60 dBFS (RMS) and below, 100 for 0 dBFS.
+  uint8_t volume;
+  // The time of the first sample since the start.
+  uint32_t timeMs;
+  // How long ago the first sample was heard.
+  uint32_t latencyMs;
 };
 
 // Hears every block, on a thread of its own and never the device's.
@@ -39,23 +46,28 @@ class Microphone {
   // format: a valid one. cleans: whether what is captured is cleaned, looked at in every block.
   // Throws std::system_error when there is no thread to be had.
   Microphone(DeviceFormat format, const std::atomic<bool>& cleans);
-  ~Microphone();  // Stops. Its listeners were removed.
+
+  // Stops. All listeners must have been removed.
+  ~Microphone();
   Microphone(const Microphone&) = delete;
   Microphone& operator=(const Microphone&) = delete;
 
-  bool Start();  // Opens the device. False, with one line in the log, when that fails.
-  void Stop();   // What was captured reaches the listeners before it returns.
+  // Opens the device. Returns false, with one line in the log, when that fails.
+  bool Start();
 
-  // Waits until what was captured has reached the listeners. False when they do not get on with it:
-  // no block within `patience`.
+  // Closes the device. What was captured reaches the listeners before it returns.
+  void Stop();
+
+  // Waits until what was captured has reached the listeners. Returns false when they take no block
+  // within `patience`.
   bool CatchUp(std::chrono::milliseconds patience) const { return m_worker.CatchUp(patience); }
 
   const AudioDevice& Device() const { return m_device; }
   DeviceFormat Format() const { return m_device.Format(); }
   uint32_t LatencyMs() const { return m_device.LatencyMs(); }
 
-  // The listener is not called any more after Remove has returned, or, where it removes itself,
-  // after the call that it is in. Any thread.
+  // A listener is not called any more after Remove has returned, or, where it removes itself, after
+  // the call that it is in. Any thread.
   void Add(CaptureListener* listener);
   void Remove(CaptureListener* listener);
 
@@ -66,19 +78,24 @@ class Microphone {
 
   const std::atomic<bool>& m_cleans;
   PlayFeed m_feedback;
-  std::unique_ptr<CaptureCleaner> m_cleaner;  // Null while nothing is cleaned.
-  CVoiceDetectionEx m_voice;
+  // Null while nothing is cleaned.
+  std::unique_ptr<CaptureCleaner> m_cleaner;
+  VoiceDetector m_voice;
   SumLimiter m_limiter;
   std::vector<short> m_mixed;
   std::vector<int32_t> m_sums;
   uint64_t m_blocks = 0;
-  bool m_listens = false;  // To the loudspeaker.
-  std::mutex m_mutex;      // Of the three that follow; never held while a listener is called.
+  // Whether m_feedback was added to the loudspeaker.
+  bool m_listens = false;
+  // Guards m_listeners, m_called and m_caller; never held while a listener is called.
+  std::mutex m_mutex;
   std::vector<CaptureListener*> m_listeners;
-  const CaptureListener* m_called = nullptr;  // The listener that is being called,
-  std::thread::id m_caller;                   // and on which thread.
+  // The listener that is being called, and the thread that calls it.
+  const CaptureListener* m_called = nullptr;
+  std::thread::id m_caller;
   std::condition_variable m_returned;
-  std::vector<CaptureListener*> m_toCall;  // Of the thread that calls them.
+  // Used by the thread that calls the listeners alone.
+  std::vector<CaptureListener*> m_toCall;
   BlockWorker m_worker;
   AudioDevice m_device;
 };

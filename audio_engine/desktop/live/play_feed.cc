@@ -7,9 +7,10 @@ namespace desktop {
 namespace {
 
 constexpr auto kFormat = Loudspeaker::kFormat;
+constexpr size_t kBlockFrames = kFormat.BlockFrames();
 constexpr size_t kSamplesPerMs = kFormat.rate * kFormat.channels / 1000;
 constexpr size_t kWaitingMs = 80;
-constexpr size_t kTooMuchMs = 300;
+constexpr size_t kMaxWaitingMs = 300;
 
 }  // namespace
 
@@ -17,11 +18,9 @@ PlayFeed::PlayFeed(What what, DeviceFormat target)
     : m_what(what),
       m_target(target),
       m_ring(1000 * kSamplesPerMs),
-      m_resampler(kFormat.rate, kFormat.channels, target.rate, target.channels,
-                  kFormat.BlockFrames()),
+      m_resampler(kFormat.rate, kFormat.channels, target.rate, target.channels, kBlockFrames),
       m_block(kFormat.BlockFrames() * kFormat.channels) {
-  const size_t blockFrames = kFormat.BlockFrames();
-  m_converted.resize((m_resampler.MaxFramesFor(blockFrames) + target.BlockFrames()) *
+  m_converted.resize((m_resampler.MaxFramesFor(kBlockFrames) + target.BlockFrames()) *
                      target.channels);
 }
 
@@ -32,7 +31,7 @@ void PlayFeed::OnPlayed(const PlayedBlock& block) {
 }
 
 bool PlayFeed::Read(short* samples, size_t frames) {
-  if (m_ring.Waiting() > kTooMuchMs * kSamplesPerMs) {
+  if (m_ring.Waiting() > kMaxWaitingMs * kSamplesPerMs) {
     while (m_ring.Waiting() > kWaitingMs * kSamplesPerMs &&
            m_ring.Read(m_block.data(), m_block.size())) {
     }
@@ -44,8 +43,7 @@ bool PlayFeed::Read(short* samples, size_t frames) {
   const size_t got = m_flows ? count : std::min(m_waiting, count);
   std::copy_n(m_converted.begin(), got, samples);
   std::fill(samples + got, samples + count, short{0});
-  std::move(m_converted.begin() + static_cast<ptrdiff_t>(got),
-            m_converted.begin() + static_cast<ptrdiff_t>(m_waiting), m_converted.begin());
+  std::copy(m_converted.data() + got, m_converted.data() + m_waiting, m_converted.data());
   m_waiting -= got;
   return got > 0;
 }
@@ -53,7 +51,7 @@ bool PlayFeed::Read(short* samples, size_t frames) {
 bool PlayFeed::ConvertBlock() {
   if (!m_ring.Read(m_block.data(), m_block.size())) return false;
   const size_t frames =
-      m_resampler.Convert(m_block.data(), kFormat.BlockFrames(), m_converted.data() + m_waiting);
+      m_resampler.Convert(m_block.data(), kBlockFrames, m_converted.data() + m_waiting);
   m_waiting += frames * m_target.channels;
   return true;
 }

@@ -20,11 +20,11 @@ class PlayFeed : public PlayListener {
 
   void OnPlayed(const PlayedBlock& block) override;
 
-  // The next `frames` frames, at most a block of the target; silent where nothing is there. False
-  // when all of it is silent for that reason. The reading thread.
+  // Gives the next `frames` frames, at most a block of the target; silence where nothing waits.
+  // Returns false when nothing waits at all. The reading thread.
   bool Read(short* samples, size_t frames);
 
-  // Whether what is read now stands in place of the microphone. The reading thread.
+  // Returns whether what is read now takes the place of the microphone. The reading thread.
   bool ReplacesMicrophone() const { return m_flows && m_replaces; }
 
  private:
@@ -34,10 +34,12 @@ class PlayFeed : public PlayListener {
   const DeviceFormat m_target;
   BlockRing m_ring;
   std::atomic<bool> m_replaces = false;
-  bool m_flows = false;  // Enough has waited.
+  // Enough has waited.
+  bool m_flows = false;
   Resampler m_resampler;
   std::vector<short> m_block;
-  std::vector<short> m_converted;  // The first m_waiting samples wait.
+  // The first m_waiting samples wait to be read.
+  std::vector<short> m_converted;
   size_t m_waiting = 0;
 };
 

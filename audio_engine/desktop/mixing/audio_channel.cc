@@ -3,16 +3,17 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <exception>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "desktop/devices/ticker.h"
-#include "desktop/live/frame_packer.h"
-#include "desktop/live/frame_player.h"
 #include "desktop/live/loudspeaker.h"
 #include "desktop/live/microphone.h"
+#include "desktop/live/packet_maker.h"
+#include "desktop/live/packet_player.h"
 #include "desktop/mixing/parts/capture_cleaning.h"
+#include "desktop/mixing/parts/try_to_start.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
@@ -27,9 +28,9 @@ using desktop::Resampler;
 // Packs what a microphone hears, on the thread of that.
 class PackedCapture : public desktop::CaptureListener {
  public:
-  // Both formats have the same channels. leavesOutSilence: looked at in every block. channel: the
-  // object in whose name the notify is called.
-  PackedCapture(std::unique_ptr<desktop::FramePacker> packer, DeviceFormat captured,
+  // Both formats have the same channels. leavesOutSilence is looked at in every block; channel is
+  // the object in whose name the notify is called.
+  PackedCapture(std::unique_ptr<desktop::PacketMaker> packer, DeviceFormat captured,
                 DeviceFormat processed, const std::atomic<bool>& leavesOutSilence,
                 const IAudioChannel* channel)
       : m_packer(std::move(packer)),
@@ -40,7 +41,7 @@ class PackedCapture : public desktop::CaptureListener {
         m_block(m_resampler.MaxFramesFor(captured.BlockFrames()) * m_channels) {}
 
   ~PackedCapture() override {
-    const desktop::FramePacker::Counts counts = m_packer->GetCounts();
+    const desktop::PacketMaker::Counts counts = m_packer->GetCounts();
     OutputDebugInfo("packer: %u frames, %u left out, %u too long, %zu samples dropped",
                     counts.packed, counts.leftOut, counts.tooLong, counts.droppedSamples);
   }
@@ -58,7 +59,7 @@ class PackedCapture : public desktop::CaptureListener {
   }
 
  private:
-  const std::unique_ptr<desktop::FramePacker> m_packer;
+  const std::unique_ptr<desktop::PacketMaker> m_packer;
   const std::atomic<bool>& m_leavesOutSilence;
   const IAudioChannel* const m_channel;
   const uint32_t m_channels;
@@ -66,7 +67,7 @@ class PackedCapture : public desktop::CaptureListener {
   std::vector<short> m_block;
 };
 
-// A stream on the loudspeaker, whose frames are pulled on a thread of its own.
+// A stream on the loudspeaker, whose packets are pulled on a thread of its own.
 class PlayedStream final : public desktop::PlaySource {
  public:
   // channel: the object in whose name the notify is called.
@@ -82,7 +83,7 @@ class PlayedStream final : public desktop::PlaySource {
 
   ~PlayedStream() override {
     PlayedStream::Stop();
-    const desktop::FramePlayer::Counts counts = m_player.GetCounts();
+    const desktop::PacketPlayer::Counts counts = m_player.GetCounts();
     OutputDebugInfo(
         "player: stream %u, %u frames, %u concealed, %u refused, %u dropped, %u underruns",
         m_stream, counts.played, counts.concealed, counts.refused, counts.dropped,
@@ -92,7 +93,7 @@ class PlayedStream final : public desktop::PlaySource {
   PlayedStream(const PlayedStream&) = delete;
   PlayedStream& operator=(const PlayedStream&) = delete;
 
-  // No frame is pulled afterwards. From a pull until the frame is heard, ms, the mean.
+  // No packet is pulled afterwards. Returns the mean delay from pull to loudspeaker, ms.
   uint32_t Stop() {
     Loudspeaker::Shared().Remove(this);
     m_ticker = nullptr;
@@ -103,7 +104,7 @@ class PlayedStream final : public desktop::PlaySource {
 
  private:
   const uint32_t m_stream;
-  desktop::FramePlayer m_player;
+  desktop::PacketPlayer m_player;
   std::unique_ptr<desktop::Ticker> m_ticker;
 };
 
@@ -117,44 +118,42 @@ class AudioChannel : public IAudioChannel {
   void EnablePackerVad(bool enable) override { m_leavesOutSilence = enable; }
 
   bool StartPacker(IAudioFramePackerNotify* notify, int codecType, int captureRate, int processRate,
-                   int channels, int bytesPerSample) override try {
+                   int channels, int bytesPerSample) override {
     if (RefusesInCallback(this, "IAudioChannel::StartPacker")) return false;
-    StopPacker();
-    const auto sameChannels = static_cast<uint32_t>(channels);
-    const DeviceFormat captured = {static_cast<uint32_t>(captureRate), sameChannels};
-    const DeviceFormat processed = {static_cast<uint32_t>(processRate), sameChannels};
-    if (notify == nullptr || !captured.IsValid() || !processed.IsValid() ||
-        bytesPerSample != sizeof(short)) {
-      OutputDebugInfo("packer: cannot capture %d Hz, process %d Hz, %d channels, %d bytes",
-                      captureRate, processRate, channels, bytesPerSample);
-      return false;
-    }
-    auto packer = desktop::FramePacker::Create(notify, codecType, processRate, channels);
-    if (packer == nullptr) return false;
-    m_packed = std::make_unique<PackedCapture>(std::move(packer), captured, processed,
-                                               m_leavesOutSilence, this);
-    const bool reopens = m_microphone != nullptr && (m_captured.rate != captured.rate ||
-                                                     m_captured.channels != captured.channels);
-    m_captured = captured;
-    if (reopens) return OpenCapture();
-    if (m_microphone != nullptr) m_microphone->Add(m_packed.get());
-    return true;
-  } catch (const std::exception& error) {
-    OutputDebugInfo("packer: does not start: %s", error.what());
-    return false;
+    return desktop::TryToStart("packer:", [&] {
+      StopPacker();
+      const auto sameChannels = static_cast<uint32_t>(channels);
+      const DeviceFormat captured = {static_cast<uint32_t>(captureRate), sameChannels};
+      const DeviceFormat processed = {static_cast<uint32_t>(processRate), sameChannels};
+      if (notify == nullptr || !captured.IsValid() || !processed.IsValid() ||
+          bytesPerSample != sizeof(short)) {
+        OutputDebugInfo("packer: cannot capture %d Hz, process %d Hz, %d channels, %d bytes",
+                        captureRate, processRate, channels, bytesPerSample);
+        return false;
+      }
+      auto packer = desktop::PacketMaker::Create(notify, codecType, processed);
+      if (packer == nullptr) return false;
+      m_packed = std::make_unique<PackedCapture>(std::move(packer), captured, processed,
+                                                 m_leavesOutSilence, this);
+      const bool reopens = m_microphone != nullptr && (m_captured.rate != captured.rate ||
+                                                       m_captured.channels != captured.channels);
+      m_captured = captured;
+      if (reopens) return OpenCapture();
+      if (m_microphone != nullptr) m_microphone->Add(m_packed.get());
+      return true;
+    });
   }
 
-  bool OpenCapture() override try {
+  bool OpenCapture() override {
     if (RefusesInCallback(this, "IAudioChannel::OpenCapture")) return false;
-    CloseCapture();
-    auto microphone = std::make_unique<Microphone>(m_captured, desktop::CleansCapture());
-    if (m_packed != nullptr) microphone->Add(m_packed.get());
-    if (!microphone->Start()) return false;
-    m_microphone = std::move(microphone);
-    return true;
-  } catch (const std::exception& error) {
-    OutputDebugInfo("microphone: does not start: %s", error.what());
-    return false;
+    return desktop::TryToStart("microphone:", [&] {
+      CloseCapture();
+      auto microphone = std::make_unique<Microphone>(m_captured, desktop::CleansCapture());
+      if (m_packed != nullptr) microphone->Add(m_packed.get());
+      if (!microphone->Start()) return false;
+      m_microphone = std::move(microphone);
+      return true;
+    });
   }
 
   void CloseCapture() override {
@@ -173,19 +172,18 @@ class AudioChannel : public IAudioChannel {
   }
 
   bool StartPlay(IAudioFramePlayerNotify* notify, uint32_t stream, uint32_t sampleRate,
-                 uint32_t channels) override try {
+                 uint32_t channels) override {
     if (RefusesInCallback(this, "IAudioChannel::StartPlay")) return false;
-    StopPlay(stream);
-    if (notify == nullptr || !DeviceFormat{sampleRate, channels}.IsValid()) {
-      OutputDebugInfo("player: stream %u cannot play at %u Hz with %u channels", stream, sampleRate,
-                      channels);
-      return false;
-    }
-    m_streams[stream] = std::make_unique<PlayedStream>(notify, stream, this);
-    return true;
-  } catch (const std::exception& error) {
-    OutputDebugInfo("player: stream %u does not start: %s", stream, error.what());
-    return false;
+    return desktop::TryToStart(("player: stream " + std::to_string(stream)).c_str(), [&] {
+      StopPlay(stream);
+      if (notify == nullptr || !DeviceFormat{sampleRate, channels}.IsValid()) {
+        OutputDebugInfo("player: stream %u cannot play at %u Hz with %u channels", stream,
+                        sampleRate, channels);
+        return false;
+      }
+      m_streams[stream] = std::make_unique<PlayedStream>(notify, stream, this);
+      return true;
+    });
   }
 
   void StopPlay(uint32_t stream) override {
@@ -207,15 +205,17 @@ class AudioChannel : public IAudioChannel {
  private:
   void NotePackDelay() {
     if (m_microphone == nullptr || m_packed == nullptr) return;
-    // The block of 10 ms that the microphone's latency holds is a part of the frame.
+    // The block of 10 ms that the microphone's latency holds is a part of the packet.
     m_packDelayMs = std::max(m_microphone->LatencyMs(), 10U) - 10 + m_packed->DelayMs();
   }
 
   std::atomic<bool> m_leavesOutSilence = false;
   DeviceFormat m_captured = {48000, 1};
   std::unique_ptr<PackedCapture> m_packed;
-  uint32_t m_packDelayMs = 0;  // From the microphone to a packed frame; 0 as long as it is unknown.
-  std::unique_ptr<Microphone> m_microphone;  // Null while it is closed.
+  // The delay from the microphone to a packet; 0 as long as it is unknown.
+  uint32_t m_packDelayMs = 0;
+  // Null while it is closed.
+  std::unique_ptr<Microphone> m_microphone;
   std::map<uint32_t, std::unique_ptr<PlayedStream>> m_streams;
 };
 

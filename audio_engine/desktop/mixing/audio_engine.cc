@@ -1,7 +1,6 @@
 #include "engine_api/mixing/audio_engine.h"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -9,31 +8,35 @@
 #include "desktop/live/microphone.h"
 #include "desktop/mixing/parts/audio_saver.h"
 #include "desktop/mixing/parts/capture_cleaning.h"
+#include "desktop/mixing/parts/try_to_start.h"
 #include "desktop/platform/callback_scope.h"
 #include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
+using desktop::CaptureSaver;
 using desktop::DeviceFormat;
 using desktop::FileSink;
 using desktop::Loudspeaker;
 using desktop::Microphone;
 using desktop::RefusesInCallback;
 
-constexpr DeviceFormat kSaverFormat = {44100, 1};  // Of a saver without an open capture.
+// The format of a saver that is started without an open capture.
+constexpr DeviceFormat kSaverFormat = {44100, 1};
 
-// Null, with one line in the log, when the device does not start.
-std::unique_ptr<Microphone> OpenMicrophone(DeviceFormat format) try {
-  auto microphone = std::make_unique<Microphone>(format, desktop::CleansCapture());
-  return microphone->Start() ? std::move(microphone) : nullptr;
-} catch (const std::exception& error) {
-  OutputDebugInfo("microphone: does not start: %s", error.what());
-  return nullptr;
+// Returns null, with one line in the log, when the device does not start.
+std::unique_ptr<Microphone> OpenMicrophone(DeviceFormat format) {
+  std::unique_ptr<Microphone> microphone;
+  const bool starts = desktop::TryToStart("microphone:", [&] {
+    microphone = std::make_unique<Microphone>(format, desktop::CleansCapture());
+    return microphone->Start();
+  });
+  return starts ? std::move(microphone) : nullptr;
 }
 
-desktop::CaptureSaver::What SavedOf(AudioSaverMode mode) {
-  using What = desktop::CaptureSaver::What;
+CaptureSaver::What SavedOf(AudioSaverMode mode) {
+  using What = CaptureSaver::What;
   if (mode == AudioSaverBoth) return What::kWithPlayed;
   return mode == AusioSaverOnlyCaptureOri ? What::kMicrophone : What::kMicrophonePath;
 }
@@ -80,9 +83,9 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
   void OnCaptured(const desktop::CapturedBlock& block) override {
     const desktop::CallbackScope ofEngine(&m_engine);
     const desktop::CallbackScope ofCapture(this);
-    const size_t bytes = block.frames * m_microphone->Format().channels * sizeof(short);
-    m_notify->OnCaptureAudioData(block.samples, static_cast<uint32_t>(bytes), block.volume,
-                                 block.voice, block.timeMs);
+    const auto bytes =
+        static_cast<uint32_t>(block.frames * m_microphone->Format().channels * sizeof(short));
+    m_notify->OnCaptureAudioData(block.samples, bytes, block.volume, block.voice, block.timeMs);
     if (m_showsVolume) m_showsVolume = m_notify->OnCaptureVolumeVisual(block.volume);
   }
 
@@ -95,7 +98,8 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
   void CloseDevice();
 
   AudioEngine& m_engine;
-  std::unique_ptr<Microphone> m_microphone;  // Null while it is not open.
+  // Null while it is not open.
+  std::unique_ptr<Microphone> m_microphone;
   IAudioCaptureNotify* m_notify = nullptr;
   bool m_showsVolume = true;
 };
@@ -120,33 +124,16 @@ class AudioEngine : public IAudioEngine {
     return m_captures.back().get();
   }
 
-  bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) override try {
+  bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) override {
     if (RefusesInCallback(this, "IAudioEngine::StartAudioSaver")) return false;
     EndSaver();
     const bool append = writing == AudioSaverFileAppend;
-    if (mode == AudioSaverOnlyRender) {
-      auto sink = FileSink::Create(file, Loudspeaker::kFormat, append);
-      if (sink == nullptr) return false;
-      m_renderSaver = std::make_unique<desktop::RenderSaver>(std::move(sink));
-      return true;
-    }
-    Microphone* microphone = OpenCapture();
-    const DeviceFormat format = microphone != nullptr ? microphone->Format() : kSaverFormat;
-    auto sink = FileSink::Create(file, format, append);
-    if (sink == nullptr) return false;
-    if (microphone == nullptr) {
-      m_ownMicrophone = OpenMicrophone(format);
-      microphone = m_ownMicrophone.get();
-      if (microphone == nullptr) return false;
-    }
-    m_savedMicrophone = microphone;
-    m_captureSaver =
-        std::make_unique<desktop::CaptureSaver>(SavedOf(mode), *microphone, std::move(sink));
-    return true;
-  } catch (const std::exception& error) {
-    OutputDebugInfo("saver: does not start: %s", error.what());
-    EndSaver();
-    return false;
+    const bool starts = desktop::TryToStart("saver:", [&] {
+      return mode == AudioSaverOnlyRender ? SaveRender(file, append)
+                                          : SaveCapture(file, SavedOf(mode), append);
+    });
+    if (!starts) EndSaver();
+    return starts;
   }
 
   void StopAudioSaver() override {
@@ -178,6 +165,28 @@ class AudioEngine : public IAudioEngine {
     m_savedMicrophone = nullptr;
   }
 
+  bool SaveRender(const char* file, bool append) {
+    auto sink = FileSink::Create(file, Loudspeaker::kFormat, append);
+    if (sink == nullptr) return false;
+    m_renderSaver = std::make_unique<desktop::RenderSaver>(std::move(sink));
+    return true;
+  }
+
+  bool SaveCapture(const char* file, CaptureSaver::What what, bool append) {
+    Microphone* microphone = OpenCapture();
+    const DeviceFormat format = microphone != nullptr ? microphone->Format() : kSaverFormat;
+    auto sink = FileSink::Create(file, format, append);
+    if (sink == nullptr) return false;
+    if (microphone == nullptr) {
+      m_ownMicrophone = OpenMicrophone(format);
+      microphone = m_ownMicrophone.get();
+      if (microphone == nullptr) return false;
+    }
+    m_savedMicrophone = microphone;
+    m_captureSaver = std::make_unique<CaptureSaver>(what, *microphone, std::move(sink));
+    return true;
+  }
+
   Microphone* OpenCapture() {
     const std::scoped_lock lock(m_capturesMutex);
     for (const auto& capture : m_captures) {
@@ -186,11 +195,13 @@ class AudioEngine : public IAudioEngine {
     return nullptr;
   }
 
-  std::mutex m_capturesMutex;  // A notify may ask for one more.
+  // Guards m_captures: a notify may ask for one more.
+  std::mutex m_capturesMutex;
   std::vector<std::unique_ptr<AudioCapture>> m_captures;
-  std::unique_ptr<Microphone> m_ownMicrophone;  // Of a saver without an open capture.
+  // The microphone of a saver that was started without an open capture.
+  std::unique_ptr<Microphone> m_ownMicrophone;
   Microphone* m_savedMicrophone = nullptr;
-  std::unique_ptr<desktop::CaptureSaver> m_captureSaver;
+  std::unique_ptr<CaptureSaver> m_captureSaver;
   std::unique_ptr<desktop::RenderSaver> m_renderSaver;
 };
 

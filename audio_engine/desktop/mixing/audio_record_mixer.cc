@@ -7,16 +7,16 @@
 #include <vector>
 
 #include "desktop/dsp/dynamics/sum_limiter.h"
-#include "desktop/mixing/parts/frame_converter.h"
+#include "desktop/mixing/parts/block_converter.h"
 
 namespace {
 
 constexpr size_t kMaxWaiting = 50;
 
-// What was pushed with one id.
+// The frames that were pushed with one id.
 struct Source {
   std::deque<std::unique_ptr<zuwebrtc::AudioFrame>> frames;
-  desktop::FrameConverter converter;
+  desktop::BlockConverter converter;
 };
 
 }  // namespace
@@ -50,9 +50,9 @@ void AudioRecordMixer::GetMixedAudioFrame(zuwebrtc::AudioFrame& frame) {
   const std::lock_guard lock(m_state->mutex);
   const int channels = frame.num_channels_;
   if (channels <= 0 || frame.samples_per_channel_ <= 0) return;
-  const int most = zuwebrtc::AudioFrame::kMaxDataSizeSamples / channels;
-  const auto frames = static_cast<size_t>(std::min(frame.samples_per_channel_, most));
-  const size_t samples = frames * static_cast<size_t>(channels);
+  const int maxFrames = zuwebrtc::AudioFrame::kMaxDataSizeSamples / channels;
+  const size_t frames = std::min(frame.samples_per_channel_, maxFrames);
+  const size_t samples = frames * channels;
   if (m_state->mode == AudioSourceTypeMic) return;
 
   std::vector<int32_t>& sums = m_state->sums;
@@ -65,5 +65,5 @@ void AudioRecordMixer::GetMixedAudioFrame(zuwebrtc::AudioFrame& frame) {
     }
     source.converter.AddTo(sums.data(), samples);
   }
-  m_state->limiter.Process(sums.data(), frames, static_cast<size_t>(channels), frame.data_);
+  m_state->limiter.Process(sums.data(), frames, channels, frame.data_);
 }

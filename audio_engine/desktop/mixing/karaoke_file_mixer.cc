@@ -25,12 +25,12 @@ using std::chrono::steady_clock;
 
 constexpr auto kBetweenReports = std::chrono::milliseconds(100);
 
-// As the accompaniment, as far as a file is written like that.
+// Returns the format of the accompaniment, as far as a file can be written in it.
 DeviceFormat FormatOf(const FileSource& music) {
   return {std::clamp(music.Rate(), 8000U, 48000U), std::min(music.Channels(), 2U)};
 }
 
-// One run: what is mixed, and where it goes. Empty when there is nothing to be mixed.
+// One run: what is mixed, and where the mix goes. `mix` is null when there is nothing to be mixed.
 struct Run {
   std::unique_ptr<KaraokeMix> mix;
   std::unique_ptr<FileSink> sink;
@@ -97,7 +97,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
   }
 
  private:
-  // Without a mix when something is missing; the log has a line then.
+  // Returns a run without a mix, with one line in the log, when something is missing.
   Run Prepare(const char* outputFile) const {
     Run run;
     if (!m_isOpen) {
@@ -162,7 +162,8 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     if (m_notify != nullptr) m_notify->OnFileMixerState(std::min(doneMs, total), total);
   }
 
-  IKaraokeFileMixerNotify* m_notify = nullptr;  // The thread reads it: set before a start.
+  // The thread reads it, so it is set before a start only.
+  IKaraokeFileMixerNotify* m_notify = nullptr;
   bool m_isOpen = false;
   std::string m_voiceFile;
   std::string m_musicFile;

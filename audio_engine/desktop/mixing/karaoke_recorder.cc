@@ -1,7 +1,6 @@
 #include "engine_api/mixing/karaoke_recorder.h"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,6 +16,7 @@
 #include "desktop/live/microphone.h"
 #include "desktop/mixing/karaoke/note_scorer.h"
 #include "desktop/mixing/parts/capture_cleaning.h"
+#include "desktop/mixing/parts/try_to_start.h"
 #include "desktop/platform/callback_scope.h"
 #include "engine_api/platform/log.h"
 
@@ -30,16 +30,18 @@ using desktop::RefusesInCallback;
 
 constexpr DeviceFormat kVoice = {44100, 1};
 constexpr DeviceFormat kMix = {44100, 2};
-constexpr size_t kBlock = kVoice.rate / 100;  // Frames of 10 ms.
+// The frames of 10 ms.
+constexpr size_t kBlock = kVoice.BlockFrames();
 
 // What becomes of a voice, on the thread of the microphone: it is written, mixed with the song, and
 // compared with its notes.
 class Recording : public desktop::CaptureListener {
  public:
   struct Files {
-    std::unique_ptr<FileSink> voice;  // Null for none.
+    // Each is null where there is none; without a song the mix has silence in its place.
+    std::unique_ptr<FileSink> voice;
     std::unique_ptr<FileSink> mix;
-    std::unique_ptr<desktop::ConvertedSource> song;  // For the mix; null for silence.
+    std::unique_ptr<desktop::ConvertedSource> song;
   };
 
   // player: plays the song, or null. scorer: null for no score.
@@ -50,7 +52,7 @@ class Recording : public desktop::CaptureListener {
     if (files.mix != nullptr) m_mix.emplace(std::move(files.mix), kMix);
   }
 
-  // Nothing is captured any more. lines: of the song.
+  // Scores the last note. To be called when nothing is captured any more; lines: those of the song.
   void Finish(size_t lines) {
     if (m_scorer == nullptr) return;
     m_scorer->Finish();
@@ -139,32 +141,16 @@ class KaraokeRecorder : public IKaraokeRecorder {
     m_pitchVisual = pitchVisual;
   }
 
-  bool Start() override try {
+  bool Start() override {
     if (RefusesInCallback(this, "IKaraokeRecorder::Start")) return false;
     if (m_recording != nullptr) return false;
     if (m_files.voice == nullptr && m_files.mix == nullptr) {
       OutputDebugInfo("karaoke recorder: there is no file to record into");
       return false;
     }
-    const bool hasSong = !m_songFile.empty();
-    auto scorer = std::make_unique<desktop::NoteScorer>(m_notes, m_pitchVisual);
-    if (!hasSong) scorer = nullptr;
-    if (hasSong && m_files.mix != nullptr) m_files.song = OpenSong();
-    m_recording = std::make_unique<Recording>(std::move(m_files), hasSong ? &m_player : nullptr,
-                                              std::move(scorer));
-    m_files = {};
-    m_microphone = std::make_unique<desktop::Microphone>(kVoice, desktop::CleansCapture());
-    m_microphone->Add(m_recording.get());
-    if (!m_microphone->Start()) {
-      Stop();
-      return false;
-    }
-    if (hasSong) m_player.Play();
-    return true;
-  } catch (const std::exception& error) {
-    OutputDebugInfo("karaoke recorder: does not start: %s", error.what());
-    Stop();
-    return false;
+    const bool starts = desktop::TryToStart("karaoke recorder:", [&] { return Record(); });
+    if (!starts) Stop();
+    return starts;
   }
 
   void Stop() override {
@@ -181,7 +167,22 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
  private:
-  // True without a name too.
+  bool Record() {
+    const bool hasSong = !m_songFile.empty();
+    auto scorer = std::make_unique<desktop::NoteScorer>(m_notes, m_pitchVisual);
+    if (!hasSong) scorer = nullptr;
+    if (hasSong && m_files.mix != nullptr) m_files.song = OpenSong();
+    m_recording = std::make_unique<Recording>(std::move(m_files), hasSong ? &m_player : nullptr,
+                                              std::move(scorer));
+    m_files = {};
+    m_microphone = std::make_unique<desktop::Microphone>(kVoice, desktop::CleansCapture());
+    m_microphone->Add(m_recording.get());
+    if (!m_microphone->Start()) return false;
+    if (hasSong) m_player.Play();
+    return true;
+  }
+
+  // Returns true without a name too.
   static bool OpenSink(const char* name, DeviceFormat format, std::unique_ptr<FileSink>* sink) {
     *sink = nullptr;
     if (name == nullptr || *name == '\0') return true;
@@ -196,7 +197,8 @@ class KaraokeRecorder : public IKaraokeRecorder {
   }
 
   desktop::FilePlayer m_player;
-  std::string m_songFile;  // Empty without one.
+  // Empty without a song.
+  std::string m_songFile;
   Recording::Files m_files;
   std::vector<ScoreLineInfo> m_lines;
   std::vector<desktop::Note> m_notes;

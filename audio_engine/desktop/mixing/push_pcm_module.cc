@@ -13,8 +13,9 @@
 namespace {
 
 constexpr uint32_t kVersion = 1;
-constexpr uint32_t kMostStreams = 64;
-constexpr uint32_t kMostBytes = 16 << 20;  // Of one stream in one push.
+constexpr uint32_t kMaxStreams = 64;
+// Of one stream in one push.
+constexpr uint32_t kMaxBytes = 16 << 20;
 
 // One stream's part of the head.
 struct Stream {
@@ -28,18 +29,18 @@ void Append(std::string& head, uint32_t word) {
   head.append(reinterpret_cast<const char*>(&word), sizeof word);
 }
 
-// The streams of pushed data, none when the head is no head or the samples are cut short.
+// Returns the streams of pushed data, none when the head is no head or the samples are cut short.
 std::vector<Stream> ReadHead(const std::string& data) {
   uint32_t head[2];
   if (data.size() < sizeof head) return {};
   memcpy(head, data.data(), sizeof head);
-  if (head[0] != kVersion || head[1] == 0 || head[1] > kMostStreams) return {};
+  if (head[0] != kVersion || head[1] == 0 || head[1] > kMaxStreams) return {};
   std::vector<Stream> streams(head[1]);
   uint64_t expected = sizeof head + streams.size() * sizeof(Stream);
   if (data.size() < expected) return {};
   memcpy(streams.data(), data.data() + sizeof head, streams.size() * sizeof(Stream));
   for (const Stream& stream : streams) {
-    if (stream.precision != sizeof(int16_t) || stream.channels == 0 || stream.bytes > kMostBytes) {
+    if (stream.precision != sizeof(int16_t) || stream.channels == 0 || stream.bytes > kMaxBytes) {
       return {};
     }
     expected += stream.bytes;
@@ -79,28 +80,28 @@ class PushPcmModule : public IPushPcmModule {
 
   // Adds one stream's samples, in the module's format, to the sums.
   void Add(Converter& converter, const Stream& stream, const char* bytes) {
-    const size_t pieceFrames = desktop::Resampler::BlockFrames(stream.rate, m_rate);
+    const size_t blockFrames = desktop::Resampler::BlockFrames(stream.rate, m_rate);
     const bool same = converter.stream.rate == stream.rate &&
                       converter.stream.channels == stream.channels && converter.resampler;
     if (!same) {
       converter.stream = stream;
       converter.resampler = std::make_unique<desktop::Resampler>(stream.rate, stream.channels,
-                                                                 m_rate, m_channels, pieceFrames);
+                                                                 m_rate, m_channels, blockFrames);
     }
     if (!converter.resampler->IsOpen()) return;
     size_t at = 0;
-    std::vector<short> piece(pieceFrames * stream.channels);
-    std::vector<short> converted(converter.resampler->MaxFramesFor(pieceFrames) * m_channels);
+    std::vector<short> block(blockFrames * stream.channels);
+    std::vector<short> converted(converter.resampler->MaxFramesFor(blockFrames) * m_channels);
     for (size_t left = stream.bytes / (2 * stream.channels); left > 0;) {
-      const size_t frames = std::min(left, pieceFrames);
-      const size_t pieceBytes = frames * stream.channels * sizeof(short);
-      memcpy(piece.data(), bytes, pieceBytes);
-      const size_t got = converter.resampler->Convert(piece.data(), frames, converted.data());
+      const size_t frames = std::min(left, blockFrames);
+      const size_t blockBytes = frames * stream.channels * sizeof(short);
+      memcpy(block.data(), bytes, blockBytes);
+      const size_t got = converter.resampler->Convert(block.data(), frames, converted.data());
       const size_t samples = got * m_channels;
       if (m_sums.size() < at + samples) m_sums.resize(at + samples);
       for (size_t i = 0; i < samples; ++i) m_sums[at + i] += converted[i];
       at += samples;
-      bytes += pieceBytes;
+      bytes += blockBytes;
       left -= frames;
     }
   }
@@ -116,8 +117,8 @@ class PushPcmModule : public IPushPcmModule {
 
 IPushPcmModule* IPushPcmModule::CreatePuchPcmModule(unsigned dstFs, unsigned dstCh,
                                                     unsigned streamCount) {
-  if (streamCount > kMostStreams) {
-    OutputDebugInfo("Pushed PCM: %u streams are more than %u", streamCount, kMostStreams);
+  if (streamCount > kMaxStreams) {
+    OutputDebugInfo("Pushed PCM: %u streams are more than %u", streamCount, kMaxStreams);
   }
   return new PushPcmModule(dstFs, dstCh);
 }

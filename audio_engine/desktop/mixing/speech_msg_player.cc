@@ -54,7 +54,8 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
 
  private:
   static constexpr milliseconds kLookEvery{10};
-  static constexpr int kStatusEvery = 20;  // Looks.
+  // The owner hears of the status at every twentieth look.
+  static constexpr int kStatusEvery = 20;
 
   bool Goes() const { return m_player.IsPlaying() && !m_stop; }
 
@@ -78,7 +79,7 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
     } while (Goes());
   }
 
-  // A changed rate may make the last sample end a little later.
+  // After a change of rate the last sample may end a little later.
   uint32_t Played(uint32_t total) const { return std::min(m_player.PlayedMs(), total); }
 
   desktop::FilePlayer m_player;

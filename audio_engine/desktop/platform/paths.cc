@@ -5,7 +5,8 @@
 namespace {
 
 std::string& DocumentsPath() {
-  static auto* const path = new std::string;  // Lives as long as the process.
+  // Lives as long as the process.
+  static auto* const path = new std::string;
   return *path;
 }
 

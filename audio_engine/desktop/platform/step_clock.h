@@ -7,7 +7,8 @@
 #include <thread>
 #include <vector>
 
-// The time by which the null device, tickers and sleeps go: the machine's, or that of a StepClock.
+// The clock of the null device, of tickers and of sleeps: the machine's, or a StepClock, whose time
+// jumps from event to event as in a discrete-event simulation.
 
 namespace desktop {
 
@@ -19,10 +20,10 @@ Time Now();
 std::thread StartThread(std::function<void()> body);
 
 // For tests: while it lives it takes the place of the machine's clock. It stands still while a
-// thread of the engine works, and goes on to the next time that one waits for once all of them
-// wait. So nothing of the engine is ever late, however busy the machine is, and waiting takes no
+// thread of the engine works; once all of them wait it goes on to the earliest time that one waits
+// for. So nothing of the engine is ever late, however busy the machine is, and waiting takes no
 // time. The thread that makes it takes part as those of the engine do: time passes in its SleepMs.
-// Nothing of the engine runs when it is made and when it ends; there is one at a time.
+// Nothing of the engine may run when it is made or destroyed, and there is one at a time.
 class StepClock {
  public:
   StepClock();
@@ -30,18 +31,19 @@ class StepClock {
   StepClock(const StepClock&) = delete;
   StepClock& operator=(const StepClock&) = delete;
 
-  // Null while the machine's clock counts.
+  // Returns null while the machine's clock counts.
   static StepClock* Current();
 
   Time Now();
 
-  // The calling thread, or one that is about to start, works; or does so no more.
+  // Tells that the calling thread, or one that is about to start, works, or that it has ended.
   void Enter();
   void Leave();
 
-  // What one thread at a time waits on.
+  // One thread at a time waits on it.
   struct Waiter {
-    int posts = 0;  // That nobody has waited for yet.
+    // Posts that nobody has waited for yet.
+    int posts = 0;
     bool waits = false;
     Time until;
     std::condition_variable released;
@@ -57,8 +59,10 @@ class StepClock {
 
   std::mutex m_mutex;
   Time m_now;
-  int m_working = 0;               // Threads.
-  std::vector<Waiter*> m_waiters;  // First come first.
+  // How many threads work.
+  int m_working = 0;
+  // In the order in which they came.
+  std::vector<Waiter*> m_waiters;
 };
 
 }  // namespace desktop

@@ -21,14 +21,15 @@ class Wake {
   // Waits for one Post.
   void Wait();
 
-  // Waits for one Post, but no longer than `limit`, or until a time, whatever becomes of the time
-  // of day.
+  // Waits for one Post, but no longer than `limit`, or until a time. A change of the time of day
+  // does not matter.
   void WaitFor(std::chrono::milliseconds limit) { WaitUntil(Now() + limit); }
   void WaitUntil(Time until);
 
  private:
   sem_t m_semaphore;
-  StepClock::Waiter m_waiter;  // Instead of the semaphore while there is such a clock.
+  // Takes the place of the semaphore while there is a StepClock.
+  StepClock::Waiter m_waiter;
 };
 
 }  // namespace desktop

@@ -89,7 +89,7 @@ TEST(ConcealingDecoder, KnowsItsFormatAndRefusesIdsThatNothingCodes) {
   const AudioStreamFormat format = FormatFromRawCodecId(50);
   EXPECT_EQ(decoder->Rate(), format.iSampleRate);
   EXPECT_EQ(decoder->Channels(), format.iNumOfChannels);
-  EXPECT_EQ(decoder->FrameMs(), 20);
+  EXPECT_EQ(decoder->PacketMs(), 20);
   EXPECT_EQ(ConcealingDecoder::Create(-1), nullptr);
   EXPECT_EQ(ConcealingDecoder::Create(255), nullptr);
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "desktop/live/frame_packer.h"
-#include "desktop/live/frame_player.h"
+#include "desktop/live/packet_maker.h"
+#include "desktop/live/packet_player.h"
 
 void KeptFrames::OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
                                   uint32_t timeStamp, uint8_t /*flag*/) {
@@ -49,18 +49,20 @@ bool FedFrames::OnAudioRenderPTS(uint32_t, uint32_t timeStamp) {
 
 KeptFrames Pack(int rawId, const std::vector<short>& samples, int rate, int channels) {
   KeptFrames kept;
-  const auto packer = desktop::FramePacker::Create(&kept, rawId, rate, channels);
+  const desktop::DeviceFormat format = {static_cast<uint32_t>(rate),
+                                        static_cast<uint32_t>(channels)};
+  const auto packer = desktop::PacketMaker::Create(&kept, rawId, format);
   if (packer == nullptr) return kept;
-  const size_t block = static_cast<size_t>(rate / 100 * channels);
+  const size_t block = format.BlockFrames() * format.channels;
   for (size_t at = 0; at + block <= samples.size(); at += block) {
-    packer->Put(&samples[at], block / static_cast<size_t>(channels));
+    packer->Put(&samples[at], format.BlockFrames());
     packer->Work();
   }
   return kept;
 }
 
 std::vector<short> Play(FedFrames& frames, int ms, uint32_t rate, uint32_t channels) {
-  desktop::FramePlayer player(&frames, 0, rate, channels);
+  desktop::PacketPlayer player(&frames, 0, rate, channels);
   const size_t block = rate / 100;
   std::vector<short> played;
   for (int done = 0; done < ms; done += 10) {

@@ -3,23 +3,7 @@
 #include <memory>
 
 #include "../common/visibility.h"
-
-// What a detector says of one frame. Active, with or without voice, means that there is sound.
-enum VADResultKind {
-  vadResultIsActive = 0,
-  vadResultIsPassive = 1,
-  vadResultIsUnknown = 2,
-  vadResultIsActiveWithoutVoice = 3
-};
-
-// How readily a frame is taken for voice.
-enum VoiceDetectionMode {
-  voiceDetectionUnknown = -1,
-  voiceDetectionVeryLowLikelihood = 0,
-  voiceDetectionLowLikelihood = 1,
-  voiceDetectionModerateLikelihood = 2,
-  voiceDetectionHighLikelihood = 3
-};
+#include "voice_activity.h"
 
 // Tells speech from background noise, for 8 to 48 kHz and any number of channels, which are mixed
 // down. It decides by 10 ms frames and does not look ahead. Belongs to one thread at a time.

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "../common/visibility.h"
-#include "../enhancement/voice_detection.h"
+#include "../enhancement/voice_activity.h"
 
 // What a capture hands to its owner. The calls come on a thread of the engine; the slot order is
 // fixed. From them Open, Start, Stop, Close and Destroy of that capture, and StartAudioSaver,

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "../common/visibility.h"
-#include "../enhancement/voice_detection.h"
+#include "../enhancement/voice_activity.h"
 
 // What a frame packer hands to its owner. The calls come on a thread of the engine, never on the
 // device's; the slot order is fixed. From them EnablePackerVad of the channel works; all else of it

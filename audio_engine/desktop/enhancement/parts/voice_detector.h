@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "engine_api/enhancement/voice_detection.h"
+#include "engine_api/enhancement/voice_activity.h"
 
 namespace desktop {
 

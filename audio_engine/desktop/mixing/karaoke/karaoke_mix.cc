@@ -92,8 +92,8 @@ void KaraokeMix::MixBlock() {
   m_mixed += kMaxFrames;
 }
 
-// Where the last frame of a file lies in the mix; nowhere as long as one has not ended. The
-// accompaniment waited for the voice to come out of its chain.
+// Returns where in the mix both files are over; SIZE_MAX as long as one has not ended. The
+// accompaniment was held back by as much as the voice is late after its chain.
 size_t KaraokeMix::End() const {
   if (!m_voice.ended || !m_music.ended) return SIZE_MAX;
   return std::max(m_voice.frames, m_music.frames - m_chainLatency) + m_latency;

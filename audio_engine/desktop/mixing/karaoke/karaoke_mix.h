@@ -12,7 +12,8 @@ namespace desktop {
 
 // What a karaoke voice goes through on its way into a mix.
 struct VoiceSettings {
-  int offsetMs = 0;  // Positive: the voice comes later.
+  // Positive: the voice comes later.
+  int offsetMs = 0;
   bool equalizer = false;
   EqGains gains = {};
   bool reverb = false;
@@ -29,22 +30,24 @@ class KaraokeMix {
   KaraokeMix(std::unique_ptr<ConvertedSource> voice, std::unique_ptr<ConvertedSource> music,
              DeviceFormat format, const VoiceSettings& settings);
 
-  // The whole length in frames, as far as the files tell: that of the accompaniment, or of the
-  // shifted voice where that is longer.
+  // Returns the whole length in frames, as far as the files tell: that of the accompaniment, or of
+  // the shifted voice where that is longer.
   size_t Frames() const { return m_length; }
 
   static constexpr size_t kMaxFrames = 256;
 
-  // Replaces `samples` by the next frames, interleaved, at most kMaxFrames; 0 at the end. Throws
-  // when there is no memory.
+  // Replaces `samples` by the next frames, interleaved, and returns how many there are: at most
+  // kMaxFrames, and 0 at the end. Throws when there is no memory.
   size_t Next(short* samples);
 
  private:
-  // A file between silence, from a time on that may lie before its start.
+  // A file with silence before and after it.
   struct Track {
     std::unique_ptr<ConvertedSource> source;
-    size_t silence;     // Frames ahead of it that are still to come.
-    size_t frames = 0;  // Of silence and file so far.
+    // Frames of silence before the file that are still to come.
+    size_t silence;
+    // Frames of silence and file so far.
+    size_t frames = 0;
     bool ended = false;
   };
   using Block = float[2][kMaxFrames];

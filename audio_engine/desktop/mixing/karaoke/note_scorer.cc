@@ -10,10 +10,11 @@ namespace desktop {
 
 namespace {
 
-constexpr uint32_t kFewest = 3;  // Pitches that make a note.
+// How many pitches make a note.
+constexpr uint32_t kMinPitches = 3;
 constexpr int kMaxTenths = 60;
 
-// Tenths of the cents of `pitch` above a note, in whichever octave it is nearest.
+// Returns how many tenths of a semitone `pitch` is above a note, in the octave that is nearest.
 int TenthsAbove(int midi, double pitch) {
   const double semitones = 12 * std::log2(pitch / 440) + 69 - midi;
   const double folded = semitones - 12 * std::floor(semitones / 12 + 0.5);
@@ -50,7 +51,7 @@ void NoteScorer::Sing(double timeMs, double pitch) {
   const auto at = static_cast<size_t>(note);
   const int tenths = TenthsAbove(std::min(m_notes[at].midi, 127), pitch);
   ++m_counts[static_cast<unsigned>(tenths + kMaxTenths)];
-  if (++m_heard < kFewest) return;
+  if (++m_heard < kMinPitches) return;
 
   uint32_t below = 0;
   size_t median = 0;

@@ -11,7 +11,8 @@ namespace desktop {
 struct Note {
   double beginMs;
   double endMs;
-  int midi;  // 69 = 440 Hz; 0 or less: nothing is to be sung.
+  // The MIDI note number, 69 for 440 Hz; 0 or less where nothing is to be sung.
+  int midi;
 };
 
 // Compares sung pitch with the notes of a song.
@@ -23,16 +24,19 @@ class NoteScorer {
   // on, so as to be read from other threads at any time.
   NoteScorer(std::vector<Note> notes, int8_t* pitchVisual);
 
-  // Hears a pitch (Hz; 0 = none) at a time of the song, ms; times go up. Shows the median of what
-  // was sung to the note so far, from 30 ms of it on: tenths of the cents above the note, folded
+  // Hears a pitch (Hz; 0 for none) at a time of the song, ms; times go up. From 30 ms of a note on
+  // it shows the median of what was sung to the note: tenths of a semitone above the note, folded
   // into half an octave above and below.
   void Sing(double timeMs, double pitch);
 
-  void Finish() { CloseNote(); }  // The last note is over.
+  // Ends the last note.
+  void Finish() { CloseNote(); }
 
   size_t NotesToSing() const;
   size_t NotesSung() const { return m_sung; }
-  size_t NotesHit() const { return m_hit; }  // Within 50 cents, octaves folded.
+
+  // Returns how many were sung within 50 cents, octaves folded.
+  size_t NotesHit() const { return m_hit; }
 
  private:
   int FindNote(double timeMs) const;
@@ -41,8 +45,10 @@ class NoteScorer {
 
   const std::vector<Note> m_notes;
   int8_t* const m_pitchVisual;
-  int m_note = -1;                     // That is being sung.
-  std::array<uint32_t, 121> m_counts;  // How often which tenth of its cents was heard: -60 to 60.
+  // The note that is being sung; -1 for none.
+  int m_note = -1;
+  // How often it was heard by how many tenths of a semitone, -60 to 60, above the note.
+  std::array<uint32_t, 121> m_counts;
   uint32_t m_heard = 0;
   int8_t m_median = kNotSung;
   size_t m_sung = 0;

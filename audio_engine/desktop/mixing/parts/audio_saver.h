@@ -12,14 +12,19 @@ namespace desktop {
 class CaptureSaver : public CaptureListener {
  public:
   enum class What {
-    kMicrophone,      // Before what players feed back into it.
-    kMicrophonePath,  // After that.
-    kWithPlayed       // Before that, mixed with all that is played.
+    // The microphone alone.
+    kMicrophone,
+    // The microphone with what players feed back into it.
+    kMicrophonePath,
+    // The microphone alone, mixed with all that is played.
+    kWithPlayed
   };
 
-  // sink: of the microphone's format. The microphone outlives the saver.
+  // The sink has the microphone's format. The microphone outlives the saver.
   CaptureSaver(What what, Microphone& microphone, std::unique_ptr<FileSink> sink);
-  ~CaptureSaver() override;  // Finishes the file: all that was captured until now is in it.
+
+  // Finishes the file: all that was captured until now is in it.
+  ~CaptureSaver() override;
   CaptureSaver(const CaptureSaver&) = delete;
   CaptureSaver& operator=(const CaptureSaver&) = delete;
 
@@ -39,9 +44,11 @@ class CaptureSaver : public CaptureListener {
 // Records what is played, silence included.
 class RenderSaver : public PlayListener {
  public:
-  // sink: of the loudspeaker's format.
+  // The sink has the loudspeaker's format.
   explicit RenderSaver(std::unique_ptr<FileSink> sink);
-  ~RenderSaver() override;  // Finishes the file.
+
+  // Finishes the file.
+  ~RenderSaver() override;
   RenderSaver(const RenderSaver&) = delete;
   RenderSaver& operator=(const RenderSaver&) = delete;
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "desktop/live/frame_player.h"
 #include "desktop/live/frames.h"
+#include "desktop/live/packet_player.h"
 #include "support/voice.h"
 
 namespace {
@@ -27,7 +27,7 @@ std::vector<size_t> Onsets(const std::vector<short>& played, size_t block) {
 
 // One frame is less than is waited for: it is heard after 80 ms, counted from the frame, and so is
 // the next one that comes alone.
-TEST(FramePlayer, PlaysALoneFrameOnceItHasWaited80Ms) {
+TEST(PacketPlayer, PlaysALoneFrameOnceItHasWaited80Ms) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 1), 16000);
   FedFrames fed(50, {});
   for (int i = 0; i < 120; ++i) fed.frames.emplace_back();
@@ -37,12 +37,12 @@ TEST(FramePlayer, PlaysALoneFrameOnceItHasWaited80Ms) {
   EXPECT_THAT(Onsets(Play(fed, 1200, 16000), 160), testing::ElementsAre(20 + 7, 69 + 7));
 }
 
-TEST(FramePlayer, TakesAJumpOfMoreThanASecondForAnotherPlaceOfTheStream) {
+TEST(PacketPlayer, TakesAJumpOfMoreThanASecondForAnotherPlaceOfTheStream) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
   for (const auto& [lost, concealed] : {std::pair(50, 50U), {51, 0U}}) {
     FedFrames fed(50, kept.frames);
     std::fill_n(fed.lost.begin() + 4, lost, true);
-    desktop::FramePlayer player(&fed, 0, 16000, 1);
+    desktop::PacketPlayer player(&fed, 0, 16000, 1);
     std::vector<short> block(160);
     for (int i = 0; i < 10; ++i) {
       player.Work(0);
@@ -53,10 +53,10 @@ TEST(FramePlayer, TakesAJumpOfMoreThanASecondForAnotherPlaceOfTheStream) {
 }
 
 // From a pull until the loudspeaker, which takes 37 ms: the second frame waits for the first one.
-TEST(FramePlayer, TellsTheMeanDelayOfWhatItPulled) {
+TEST(PacketPlayer, TellsTheMeanDelayOfWhatItPulled) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 1), 16000);
   FedFrames fed(50, {});
-  desktop::FramePlayer player(&fed, 0, 16000, 1);
+  desktop::PacketPlayer player(&fed, 0, 16000, 1);
   EXPECT_EQ(player.GetCounts().delayMs, 0U);
   const unsigned means[] = {37, (37 + 57) / 2};
   for (const unsigned mean : means) {

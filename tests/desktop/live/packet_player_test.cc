@@ -1,4 +1,4 @@
-#include "desktop/live/frame_player.h"
+#include "desktop/live/packet_player.h"
 
 #include <gmock/gmock.h>
 
@@ -35,7 +35,7 @@ size_t SilentAtTheEnd(const std::vector<short>& samples) {
 
 }  // namespace
 
-TEST(FramePlayer, PlaysWhatWasPacked) {
+TEST(PacketPlayer, PlaysWhatWasPacked) {
   const std::vector<short> talk = Babble(16000, 2);
   for (const int rawId : {0, 2, 3, 50, 52, 35, 46, 38, 39, 43, 1}) {
     if (!IsThere(rawId)) continue;
@@ -46,7 +46,7 @@ TEST(FramePlayer, PlaysWhatWasPacked) {
 }
 
 // The first half is as late as the second.
-TEST(FramePlayer, DoesNotDrift) {
+TEST(PacketPlayer, DoesNotDrift) {
   const std::vector<short> talk = Talk(16000, 20, 1);
   FedFrames fed(52, Pack(52, talk, 16000).frames);
   const std::vector<short> played = Play(fed, 20000, 44100, 2);
@@ -62,7 +62,7 @@ TEST(FramePlayer, DoesNotDrift) {
   EXPECT_EQ(lag(0), lag(19 * 16000));
 }
 
-TEST(FramePlayer, ConcealsLostFramesWithoutClicks) {
+TEST(PacketPlayer, ConcealsLostFramesWithoutClicks) {
   for (const int rawId : {0, 2, 3, 50, 52, 35, 46, 39, 43}) {
     if (!IsThere(rawId)) continue;
     const KeptFrames kept = Pack(rawId, SungNote(220, 48000, 3), 48000);
@@ -83,7 +83,7 @@ TEST(FramePlayer, ConcealsLostFramesWithoutClicks) {
   }
 }
 
-TEST(FramePlayer, FadesOutWhenFramesStopAndBackInWhenTheyComeAgain) {
+TEST(PacketPlayer, FadesOutWhenFramesStopAndBackInWhenTheyComeAgain) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
   FedFrames fed(50, kept.frames);
   // Half a second in which there is nothing.
@@ -104,10 +104,10 @@ TEST(FramePlayer, FadesOutWhenFramesStopAndBackInWhenTheyComeAgain) {
   EXPECT_LT(SharpestBend(played), 2 * SharpestBend(Play(whole, 900, 16000)));
 }
 
-TEST(FramePlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
+TEST(PacketPlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
   const KeptFrames kept = Pack(50, Babble(16000, 1), 16000);
   FedFrames fed(50, kept.frames);
-  desktop::FramePlayer player(&fed, 3, 16000, 1);
+  desktop::PacketPlayer player(&fed, 3, 16000, 1);
   player.Work(0);
   EXPECT_EQ(fed.pulls, 4);  // 80 ms.
   player.Work(0);
@@ -123,7 +123,7 @@ TEST(FramePlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
 }
 
 // A frame without sound is no reason to ask for the next one at once: there is no end to them.
-TEST(FramePlayer, PullsOncePer10MsWhileFramesHoldNoSound) {
+TEST(PacketPlayer, PullsOncePer10MsWhileFramesHoldNoSound) {
   const CapturedStderr log;
   FedFrames empty(50, std::vector<KeptFrames::Frame>(1000, {{0xfc}, vadResultIsUnknown, 0}));
   empty.emptyTo = 1000;
@@ -136,7 +136,7 @@ TEST(FramePlayer, PullsOncePer10MsWhileFramesHoldNoSound) {
 }
 
 // What came without sound is ridden over as what did not come, and then the sound goes on.
-TEST(FramePlayer, GoesOnAfterFramesWithoutSound) {
+TEST(PacketPlayer, GoesOnAfterFramesWithoutSound) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
   FedFrames fed(50, kept.frames);
   FedFrames late(50, kept.frames);
@@ -149,10 +149,10 @@ TEST(FramePlayer, GoesOnAfterFramesWithoutSound) {
   EXPECT_EQ(Play(fed, 1500, 16000), Play(late, 1500, 16000));
 }
 
-TEST(FramePlayer, TellsItsOwnerHowItIsDoing) {
+TEST(PacketPlayer, TellsItsOwnerHowItIsDoing) {
   FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
   fed.lost[20] = true;
-  desktop::FramePlayer player(&fed, 0, 16000, 1);
+  desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> block(160);
   for (int i = 0; i < 90; ++i) {
     player.Work(25);
@@ -168,7 +168,7 @@ TEST(FramePlayer, TellsItsOwnerHowItIsDoing) {
   }
   EXPECT_THAT(fed.volumes, SizeIs(9));
   EXPECT_THAT(fed.times, SizeIs(9));
-  const desktop::FramePlayer::Counts counts = player.GetCounts();
+  const desktop::PacketPlayer::Counts counts = player.GetCounts();
   EXPECT_EQ(counts.played, fed.next - 1);
   EXPECT_EQ(counts.concealed, 1U);
   EXPECT_EQ(counts.underruns, 0U);
@@ -176,7 +176,7 @@ TEST(FramePlayer, TellsItsOwnerHowItIsDoing) {
 }
 
 // What comes late is heard whole: the wait is taken from what lies ahead, without a hole.
-TEST(FramePlayer, WaitsForAFrameThatIsLate) {
+TEST(PacketPlayer, WaitsForAFrameThatIsLate) {
   const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
   FedFrames late(50, kept.frames);
   late.frames.insert(late.frames.begin() + 40, 3, {});  // Three pulls without an answer.
@@ -185,7 +185,7 @@ TEST(FramePlayer, WaitsForAFrameThatIsLate) {
   EXPECT_EQ(Play(late, 1500, 16000), Play(whole, 1500, 16000));
 }
 
-TEST(FramePlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {
+TEST(PacketPlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {
   FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
   fed.wantsMore = false;
   Play(fed, 1000, 16000);
@@ -193,9 +193,9 @@ TEST(FramePlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {
   EXPECT_THAT(fed.times, SizeIs(1));
 }
 
-TEST(FramePlayer, CountsAnUnderrunOnlyWhileFramesCome) {
+TEST(PacketPlayer, CountsAnUnderrunOnlyWhileFramesCome) {
   FedFrames fed(50, Pack(50, Babble(16000, 2), 16000).frames);
-  desktop::FramePlayer player(&fed, 0, 16000, 1);
+  desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> block(160);
   for (int i = 0; i < 10; ++i) player.Render(block.data(), block.size());
   EXPECT_EQ(player.GetCounts().underruns, 0U);
@@ -209,7 +209,7 @@ TEST(FramePlayer, CountsAnUnderrunOnlyWhileFramesCome) {
   EXPECT_EQ(player.GetCounts().underruns, 2U);  // None at the end.
 }
 
-TEST(FramePlayer, SurvivesFramesThatAreNone) {
+TEST(PacketPlayer, SurvivesFramesThatAreNone) {
   FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
   fed.frames.insert(fed.frames.begin() + 5, std::vector<uint8_t>(1025, 1));  // Cut off.
   fed.frames.insert(fed.frames.begin() + 7, std::vector<uint8_t>(1024, 0xff));
@@ -226,10 +226,10 @@ TEST(FramePlayer, SurvivesFramesThatAreNone) {
   EXPECT_THAT(log.Text(), HasSubstr(" player: no codec for raw id 9"));
 }
 
-TEST(FramePlayer, FollowsAChangeOfCodec) {
+TEST(PacketPlayer, FollowsAChangeOfCodec) {
   const KeptFrames first = Pack(50, SungNote(220, 16000, 0.5), 16000);
   FedFrames fed(50, first.frames);
-  desktop::FramePlayer player(&fed, 0, 16000, 1);
+  desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> played(16000);
   for (size_t at = 0; at < played.size(); at += 160) {
     if (fed.next == fed.frames.size() && fed.rawId == 50) {
@@ -249,11 +249,11 @@ TEST(FramePlayer, FollowsAChangeOfCodec) {
             5);
 }
 
-TEST(FramePlayer, AllocatesNothingPerBlock) {
+TEST(PacketPlayer, AllocatesNothingPerBlock) {
   FedFrames fed(50, Pack(50, Babble(16000, 2), 16000).frames);
   fed.feedbacks.reserve(1000);
   fed.wantsMore = false;
-  desktop::FramePlayer player(&fed, 0, 44100, 2);
+  desktop::PacketPlayer player(&fed, 0, 44100, 2);
   std::vector<short> block(882);
   const auto run = [&](int blocks) {
     for (int i = 0; i < blocks; ++i) {

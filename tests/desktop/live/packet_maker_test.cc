@@ -1,4 +1,4 @@
-#include "desktop/live/frame_packer.h"
+#include "desktop/live/packet_maker.h"
 
 #include <gmock/gmock.h>
 
@@ -22,7 +22,7 @@ bool IsThere(int rawId) { return desktop::IsBuiltIn(desktop::FindVariant(rawId)-
 }  // namespace
 
 // Two seconds of each codec, one for each length and rate of a frame.
-TEST(FramePacker, PacksOneFrameForEachFrameLengthOfSound) {
+TEST(PacketMaker, PacksOneFrameForEachFrameLengthOfSound) {
   const std::vector<std::pair<int, size_t>> counts = {
       {0, 100}, {2, 100}, {3, 100},  {22, 100}, {50, 100}, {52, 100}, {35, 86}, {40, 93},
       {46, 43}, {38, 86}, {39, 172}, {43, 62},  {44, 125}, {1, 43},   {55, 43}};
@@ -35,7 +35,7 @@ TEST(FramePacker, PacksOneFrameForEachFrameLengthOfSound) {
   }
 }
 
-TEST(FramePacker, TakesAnyFormatThatIsCaptured) {
+TEST(PacketMaker, TakesAnyFormatThatIsCaptured) {
   for (const auto& [rate, channels] : {std::pair(8000, 1), std::pair(44100, 2)}) {
     const KeptFrames kept = Pack(50, SungNote(220, rate, 1, channels), rate, channels);
     FedFrames fed(50, kept.frames);
@@ -45,17 +45,17 @@ TEST(FramePacker, TakesAnyFormatThatIsCaptured) {
   }
 }
 
-TEST(FramePacker, RefusesWhatNoCodecCodes) {
+TEST(PacketMaker, RefusesWhatNoCodecCodes) {
   KeptFrames kept;
   const CapturedStderr log;
   for (const int rawId : {-1, 7, 255, 100000}) {
-    EXPECT_EQ(desktop::FramePacker::Create(&kept, rawId, 48000, 1), nullptr) << rawId;
+    EXPECT_EQ(desktop::PacketMaker::Create(&kept, rawId, {48000, 1}), nullptr) << rawId;
   }
   EXPECT_THAT(log.Lines(), SizeIs(4));
   EXPECT_THAT(log.Text(), HasSubstr(" packer: no codec for raw id -1"));
 }
 
-TEST(FramePacker, TellsTimeVoiceAndVolume) {
+TEST(PacketMaker, TellsTimeVoiceAndVolume) {
   std::vector<short> sound(16000);  // A second of silence, and one of speech.
   const std::vector<short> talk = Babble(16000, 1);
   sound.insert(sound.end(), talk.begin(), talk.end());
@@ -75,9 +75,9 @@ TEST(FramePacker, TellsTimeVoiceAndVolume) {
   EXPECT_THAT(std::vector(kept.volumes.begin() + 10, kept.volumes.end()), Each(testing::Gt(10U)));
 }
 
-TEST(FramePacker, LeavesFramesWithoutVoiceOut) {
+TEST(PacketMaker, LeavesFramesWithoutVoiceOut) {
   KeptFrames kept;
-  const auto packer = desktop::FramePacker::Create(&kept, 50, 16000, 1);
+  const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   packer->LeaveOutSilence(true);
   std::vector<short> sound = Babble(16000, 1);
   sound.resize(48000);  // Two seconds of silence.
@@ -86,7 +86,7 @@ TEST(FramePacker, LeavesFramesWithoutVoiceOut) {
   packer->Put(sound.data() + 32000, 16000);
   packer->Work();
 
-  const desktop::FramePacker::Counts counts = packer->GetCounts();
+  const desktop::PacketMaker::Counts counts = packer->GetCounts();
   EXPECT_EQ(counts.packed, kept.frames.size());
   EXPECT_EQ(counts.packed + counts.leftOut, 150U);
   ASSERT_FALSE(kept.frames.empty());
@@ -95,9 +95,9 @@ TEST(FramePacker, LeavesFramesWithoutVoiceOut) {
   EXPECT_NE(kept.frames.back().voice, vadResultIsActive);
 }
 
-TEST(FramePacker, DropsWhatIsMoreThanTwoSecondsLateAndCountsIt) {
+TEST(PacketMaker, DropsWhatIsMoreThanTwoSecondsLateAndCountsIt) {
   KeptFrames kept;
-  const auto packer = desktop::FramePacker::Create(&kept, 50, 16000, 1);
+  const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   const std::vector<short> sound(16000 * 3);
   for (size_t at = 0; at < sound.size(); at += 160) packer->Put(&sound[at], 160);
   packer->Work();
@@ -106,23 +106,23 @@ TEST(FramePacker, DropsWhatIsMoreThanTwoSecondsLateAndCountsIt) {
 }
 
 // A frame has room for 1024 bytes when it comes back; what is longer would be cut off there.
-TEST(FramePacker, DropsFramesThatAreTooLongAndCountsThem) {
+TEST(PacketMaker, DropsFramesThatAreTooLongAndCountsThem) {
   if (!IsThere(37)) GTEST_SKIP() << "libfdk-aac is not there";
   std::vector<short> noise = Hiss(44100, 2, 1, -3);
   KeptFrames kept;
-  const auto packer = desktop::FramePacker::Create(&kept, 37, 44100, 1);
+  const auto packer = desktop::PacketMaker::Create(&kept, 37, {44100, 1});
   packer->Put(noise.data(), noise.size());
   packer->Work();
-  const desktop::FramePacker::Counts counts = packer->GetCounts();
+  const desktop::PacketMaker::Counts counts = packer->GetCounts();
   EXPECT_EQ(counts.packed, kept.frames.size());
   EXPECT_EQ(counts.packed + counts.tooLong, 86U);
   for (const KeptFrames::Frame& frame : kept.frames) EXPECT_LE(frame.bytes.size(), 1024U);
 }
 
 // From 200 ms after the last voice on: ten frames of 20 ms still come.
-TEST(FramePacker, PacksTenMoreFramesAfterTheLastVoice) {
+TEST(PacketMaker, PacksTenMoreFramesAfterTheLastVoice) {
   KeptFrames kept;
-  const auto packer = desktop::FramePacker::Create(&kept, 50, 16000, 1);
+  const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   packer->LeaveOutSilence(true);
   std::vector<short> sound = Babble(16000, 1);
   sound.resize(32000);
