@@ -8,10 +8,14 @@
 #include <optional>
 #include <vector>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/tempo/time_scaler.h"
 #include "engine_api/platform/log.h"
 
 namespace {
+
+using desktop::Count;
+using desktop::Size;
 
 class Accelerator final : public IAudioAccelerate {
  public:
@@ -22,15 +26,9 @@ class Accelerator final : public IAudioAccelerate {
     const bool fits =
         samples != nullptr && Fits(samplesPerChannel, sampleRate, channels, sampleSize);
     if (!fits || !Takes(sampleRate, channels)) return samplesPerChannel;
-    try {
-      m_block.resize(static_cast<size_t>(samplesPerChannel) * static_cast<size_t>(channels));
-      memcpy(m_block.data(), samples, m_block.size() * sizeof(short));
-      const size_t frames = Pass(static_cast<size_t>(samplesPerChannel));
-      memcpy(samples, m_block.data(), frames * static_cast<size_t>(channels) * sizeof(short));
-      return static_cast<int>(frames);
-    } catch (const std::exception&) {
-      return GiveUp(samplesPerChannel);
-    }
+    return Pass(
+        samplesPerChannel, [&] { memcpy(m_block.data(), samples, m_block.size() * sizeof(short)); },
+        [&](size_t count) { memcpy(samples, m_block.data(), count * sizeof(short)); });
   }
 
   int Process(int* samples, int samplesPerChannel, int sampleRate, int channels, int sampleSize,
@@ -39,17 +37,14 @@ class Accelerator final : public IAudioAccelerate {
                       Fits(samplesPerChannel, sampleRate, channels, sampleSize) &&
                       samplesPerChannel <= capacity / channels;
     if (!fits || !Takes(sampleRate, channels)) return samplesPerChannel;
-    try {
-      m_block.resize(static_cast<size_t>(samplesPerChannel) * static_cast<size_t>(channels));
-      for (size_t i = 0; i < m_block.size(); ++i) {
-        m_block[i] = static_cast<short>(std::clamp(samples[i], -32768, 32767));
-      }
-      const size_t frames = Pass(static_cast<size_t>(samplesPerChannel));
-      std::copy_n(m_block.begin(), frames * static_cast<size_t>(channels), samples);
-      return static_cast<int>(frames);
-    } catch (const std::exception&) {
-      return GiveUp(samplesPerChannel);
-    }
+    return Pass(
+        samplesPerChannel,
+        [&] {
+          for (size_t i = 0; i < m_block.size(); ++i) {
+            m_block[i] = static_cast<short>(std::clamp(samples[i], -32768, 32767));
+          }
+        },
+        [&](size_t count) { std::copy_n(m_block.begin(), count, samples); });
   }
 
   void Flush() override { m_scaler.reset(); }
@@ -82,14 +77,26 @@ class Accelerator final : public IAudioAccelerate {
     return m_enabled || m_scaler.has_value();
   }
 
-  // Passes m_block, of so many frames, through the scaler and returns how many come out.
-  size_t Pass(size_t frames) {
-    if (!m_scaler) {
-      m_scaler.emplace(m_rate, m_channels);
-      UpdateSpeed();
+  // Passes a block through the scaler and returns how many samples per channel come out. `take`
+  // copies the block into m_block, `give` the first so many samples of it back.
+  template <typename TakeBlock, typename GiveBlock>
+  int Pass(int samplesPerChannel, const TakeBlock& take, const GiveBlock& give) {
+    const size_t frames = Size(samplesPerChannel);
+    const size_t channels = Size(m_channels);
+    try {
+      m_block.resize(frames * channels);
+      take();
+      if (!m_scaler) {
+        m_scaler.emplace(m_rate, m_channels);
+        UpdateSpeed();
+      }
+      m_scaler->Put(m_block.data(), frames);
+      const size_t made = m_scaler->Take(m_block.data(), frames);
+      give(made * channels);
+      return Count(made);
+    } catch (const std::exception&) {
+      return GiveUp(samplesPerChannel);
     }
-    m_scaler->Put(m_block.data(), frames);
-    return m_scaler->Take(m_block.data(), frames);
   }
 
   bool Fits(int samplesPerChannel, int rate, int channels, int sampleSize) {
@@ -121,7 +128,9 @@ class Accelerator final : public IAudioAccelerate {
   int m_channels = 0;
   bool m_told = false;
   std::vector<short> m_block;
-  std::optional<desktop::TimeScaler> m_scaler;  // From when it is enabled first.
+
+  // Empty until it is enabled for the first time.
+  std::optional<desktop::TimeScaler> m_scaler;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <array>
 #include <exception>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/filters/denormal_guard.h"
 #include "desktop/dsp/music/music_features.h"
 #include "desktop/effects/effect_gate.h"
@@ -12,10 +13,15 @@ namespace {
 
 using desktop::MusicFeatures;
 
-constexpr int kFirstLooks = 75;    // 1.5 s; with less there is nothing to decide on.
-constexpr int kLooksPerScore = 5;  // A score every 100 ms.
-constexpr int kScores = 10;        // The decision rests on the mean of 1 s.
-constexpr int kSilentLooks = 75;   // 1.5 s of silence ends the music.
+// With less than 1.5 s there is nothing to decide on. A look is taken every 20 ms.
+constexpr int kFirstLooks = 75;
+
+// A score every 100 ms; the decision rests on the mean of 1 s.
+constexpr int kLooksPerScore = 5;
+constexpr int kScores = 10;
+
+// 1.5 s of silence ends the music.
+constexpr int kSilentLooks = 75;
 constexpr double kHysteresis = 0.15;
 
 // Where a figure lies on the way from `zero` (0) by steps of `unit`, within bounds.
@@ -73,10 +79,10 @@ struct AudioMusicDetector::Impl {
       return;
     }
     if (features.Looks() < kFirstLooks || features.Looks() % kLooksPerScore != 0) return;
-    scores[static_cast<size_t>(scoreCount++ % kScores)] = Score(features.Measure());
+    scores[desktop::Size(scoreCount++ % kScores)] = Score(features.Measure());
     const int count = std::min(scoreCount, kScores);
     double mean = 0;
-    for (int i = 0; i < count; ++i) mean += scores[static_cast<size_t>(i)] / count;
+    for (int i = 0; i < count; ++i) mean += scores[desktop::Size(i)] / count;
     music = mean > (music ? -kHysteresis : kHysteresis);
   }
 };

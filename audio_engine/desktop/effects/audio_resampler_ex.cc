@@ -8,8 +8,9 @@
 namespace {
 
 struct Format {
-  uint32_t frames;  // In one block.
-  uint32_t rate;    // Hz; the ratio of the blocks is what counts.
+  // The length of a block: the ratio of the two is what counts, not that of the rates.
+  uint32_t frames;
+  uint32_t rate;  // Hz
   uint32_t channels;
 };
 

@@ -9,6 +9,7 @@
 #include <new>
 #include <optional>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/music/beat_follower.h"
 #include "desktop/dsp/music/onset_envelope.h"
 #include "desktop/platform/callback_scope.h"
@@ -59,8 +60,8 @@ class BeatTrack final : public IBeatTrack {
     if (block == nullptr || samples < 0) return kBeatTrackBadBlock;
     const int toldBefore = m_told;
     for (int i = 0; i < samples; ++i) {
-      m_frame[static_cast<size_t>(m_filled++)] = block[i];
-      if (m_filled < m_channels) continue;
+      m_frame[m_filled++] = block[i];
+      if (m_filled < desktop::Size(m_channels)) continue;
       m_filled = 0;
       Take();
     }
@@ -76,7 +77,8 @@ class BeatTrack final : public IBeatTrack {
 
  private:
   struct Pending {
-    int64_t due;  // Frames.
+    // The frame at which it is told.
+    int64_t due;
     int bpm;
     float power;
   };
@@ -112,14 +114,20 @@ class BeatTrack final : public IBeatTrack {
   const int m_channels;
   bool m_formatIsGood = false;
   IBeatTrackNotify* m_notify = nullptr;
-  int64_t m_delay = 0;   // Frames.
-  int64_t m_frames = 0;  // Since Start.
+
+  // How many frames later beats are told, and how many have come since Start.
+  int64_t m_delay = 0;
+  int64_t m_frames = 0;
+
+  // The next frame, of which m_filled samples have come.
   std::array<short, kMaxChannels> m_frame{};
-  int m_filled = 0;  // Samples of m_frame.
+  size_t m_filled = 0;
   int m_told = 0;
   std::deque<Pending> m_pending;
   std::optional<desktop::OnsetEnvelope> m_envelope;
-  std::optional<desktop::BeatFollower> m_follower;  // From Start to Stop.
+
+  // There from Start to Stop.
+  std::optional<desktop::BeatFollower> m_follower;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "desktop/dsp/dynamics/compressor.h"
+#include "desktop/dsp/effect_math.h"
 #include "desktop/dsp/filters/denormal_guard.h"
 #include "engine_api/platform/log.h"
 
@@ -56,7 +57,7 @@ void Drc::Process(short* samples, int channels, int samplesPerChannel) {
     for (int c = 0; c < channels; ++c) peak = std::max(peak, std::abs(int{samples[c]}));
     const float gain = m_impl->compressor.Gain(static_cast<float>(peak) / 32768);
     for (int c = 0; c < channels; ++c) {
-      samples[c] = static_cast<short>(std::lrint(gain * static_cast<float>(samples[c])));
+      samples[c] = desktop::ToSample(gain * samples[c]);
     }
   }
 }

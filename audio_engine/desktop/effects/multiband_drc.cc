@@ -44,12 +44,12 @@ struct MultibandDrc::Impl {
       double bands[desktop::kMaxEffectChannels][kBands];
       double level[kBands] = {};
       for (int c = 0; c < channels; ++c) {
-        split.Run(c, static_cast<double>(rows[c][i]), bands[c]);
+        split.Run(c, rows[c][i], bands[c]);
         for (int b = 0; b < kBands; ++b) level[b] = std::max(level[b], std::abs(bands[c][b]));
       }
       double gain[kBands];
       for (int b = 0; b < kBands; ++b) {
-        gain[b] = static_cast<double>(compressor[b].Gain(static_cast<float>(level[b])));
+        gain[b] = compressor[b].Gain(static_cast<float>(level[b]));
       }
       for (int c = 0; c < channels; ++c) {
         rows[c][i] = static_cast<float>(gain[0] * bands[c][0] + gain[1] * bands[c][1] +

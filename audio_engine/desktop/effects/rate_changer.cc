@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "desktop/common/counts.h"
+#include "desktop/dsp/effect_math.h"
 #include "desktop/dsp/tempo/time_scaler.h"
 #include "engine_api/platform/log.h"
 
@@ -17,6 +19,11 @@ namespace {
 constexpr size_t kMaxBlockFrames = 1024;
 constexpr int kMaxChannels = 8;
 
+using desktop::Count;
+using desktop::Offset;
+using desktop::Size;
+using desktop::ToSample;
+using desktop::Unsigned;
 using Shorts = std::vector<short>;
 
 // The speed of a tape: the pitch goes with it.
@@ -24,9 +31,9 @@ class Tape {
  public:
   // Throws when there is no memory, as all of it does.
   Tape(int rate, int channels)
-      : m_channels(static_cast<size_t>(channels)), m_floats(kMaxBlockFrames * m_channels) {
-    m_resampler.setSampleRate(static_cast<unsigned>(rate));
-    m_resampler.setChannels(static_cast<unsigned>(channels));
+      : m_channels(Size(channels)), m_floats(kMaxBlockFrames * m_channels) {
+    m_resampler.setSampleRate(Unsigned(rate));
+    m_resampler.setChannels(Unsigned(channels));
   }
 
   void SetSpeed(double speed) { m_resampler.setRate(speed); }
@@ -35,17 +42,15 @@ class Tape {
     while (frames > 0) {
       const size_t block = std::min(frames, kMaxBlockFrames);
       std::copy_n(samples, block * m_channels, m_floats.begin());
-      m_resampler.putSamples(m_floats.data(), static_cast<unsigned>(block));
+      m_resampler.putSamples(m_floats.data(), Unsigned(Count(block)));
       samples += block * m_channels;
       frames -= block;
     }
   }
 
   size_t Take(short* out, size_t room) {
-    const size_t frames = m_resampler.receiveSamples(m_floats.data(), static_cast<unsigned>(room));
-    for (size_t i = 0; i < frames * m_channels; ++i) {
-      out[i] = static_cast<short>(std::lrint(std::clamp(m_floats[i], -32768.0F, 32767.0F)));
-    }
+    const size_t frames = m_resampler.receiveSamples(m_floats.data(), Unsigned(Count(room)));
+    std::transform(m_floats.begin(), m_floats.begin() + Offset(frames * m_channels), out, ToSample);
     return frames;
   }
 
@@ -87,7 +92,9 @@ struct RateChanger::Impl {
   double ratio = 1;
   int channels = 0;
   bool told = false;
-  std::optional<desktop::TimeScaler> scaler;  // The one or the other, when the format is good.
+
+  // One of the two, when the format is good.
+  std::optional<desktop::TimeScaler> scaler;
   std::optional<Tape> tape;
   Shorts block;
 };
@@ -121,7 +128,7 @@ void RateChanger::SetFsAndCh(int rate, int channels) {
   }
   try {
     impl.channels = channels;
-    impl.block.resize(kMaxBlockFrames * static_cast<size_t>(channels));
+    impl.block.resize(kMaxBlockFrames * Size(channels));
     if (impl.keepPitch) {
       impl.scaler.emplace(rate, channels);
     } else {
@@ -146,8 +153,8 @@ void RateChanger::Process(short* samples, int samplesPerChannel, int channels, s
     impl.Tell("a block that does not have the channels set");
     return;
   }
-  const auto frames = static_cast<size_t>(samplesPerChannel);
-  const auto ch = static_cast<size_t>(channels);
+  const size_t frames = Size(samplesPerChannel);
+  const size_t ch = Size(channels);
   try {
     if (impl.scaler) Pass(*impl.scaler, samples, frames, ch, impl.block, out);
     if (impl.tape) Pass(*impl.tape, samples, frames, ch, impl.block, out);

@@ -6,16 +6,24 @@
 #include <cmath>
 #include <span>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/tempo/best_match.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 constexpr unsigned kMaxChannels = 8;
-constexpr size_t kMaxFrames = 1488;   // 31 ms at 48 kHz.
-constexpr double kPeriodic = 0.6;     // Likeness from which a stretch counts as a repetition.
-constexpr double kLowVoice = 0.85;    // The same where only a longer period than usual would do.
-constexpr double kHardlyAlike = 0.7;  // Below it the longer periods are looked at.
+constexpr size_t kMaxFrames = 1488;  // 31 ms at 48 kHz.
+
+// From which likeness on a stretch counts as a repetition: usually, and where only a longer period
+// than usual would do. Below the last of the three the longer periods are looked at.
+constexpr double kPeriodic = 0.6;
+constexpr double kLowVoice = 0.85;
+constexpr double kHardlyAlike = 0.7;
+
+// Waveform-similarity overlap-add within one block (Verhelst and Roelands, "An overlap-add
+// technique based on waveform similarity for high quality time-scale modification of speech",
+// 1993).
 
 // Two stretches of a block that look alike: [first, first + overlap) and, `lag` later, the other.
 struct Repetition {
@@ -86,7 +94,7 @@ unsigned Splice(std::span<const short> in, unsigned channels, size_t before, siz
   short* end = std::copy(in.data(), leaving, out);
   for (size_t i = 0; i < overlap * channels; ++i) {
     const size_t frame = i / channels;
-    const double phase = (static_cast<double>(frame) + 0.5) / static_cast<double>(overlap);
+    const double phase = (desktop::Real(frame) + 0.5) / desktop::Real(overlap);
     const double share = 0.5 - 0.5 * std::cos(M_PI * phase);
     *end++ = static_cast<short>(std::lrint(leaving[i] + share * (coming[i] - leaving[i])));
   }

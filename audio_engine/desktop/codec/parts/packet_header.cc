@@ -43,7 +43,7 @@ size_t TwoBytePacketBytes(const unsigned char* data) {
 bool IsAdtsSync(const unsigned char* data) { return data[0] == 0xff && (data[1] & 0xf7) == 0xf1; }
 
 size_t AdtsPacketBytes(const unsigned char* data) {
-  return (data[3] & 3U) << 11 | data[4] << 3U | data[5] >> 5U;
+  return Size((data[3] & 3) << 11 | data[4] << 3 | data[5] >> 5);
 }
 
 PacketSpan WholePacket(size_t packetBytes, size_t headerBytes) {

@@ -3,28 +3,40 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
 constexpr double kHistorySeconds = 10;
-constexpr double kFirstSeconds = 3;    // What must have been heard before the first beat.
-constexpr double kPauseSeconds = 2.5;  // Without an onset the music has stopped.
-constexpr double kSlowest = 60;        // Beats a minute.
+
+// How much must have been heard before the first beat, and after how long a time without an onset
+// the music has stopped.
+constexpr double kFirstSeconds = 3;
+constexpr double kPauseSeconds = 2.5;
+
+// The range of tempi in beats a minute, and the ratio of one that is tried to the next.
+constexpr double kSlowest = 60;
 constexpr double kFastest = 190;
-constexpr double kTempoStep = 1.01;  // From one tempo that is tried to the next.
+constexpr double kTempoStep = 1.01;
 constexpr int kCombTeeth = 8;
-constexpr double kToothFade = 0.92;
-constexpr float kPull = 0.35F;         // How far a beat follows the comb.
-constexpr size_t kWeightReach = 3;     // Onset values.
-constexpr float kLeastRhythm = 0.12F;  // Of a tempo's score; below it there is no beat.
+constexpr float kToothFade = 0.92F;
+
+// How far a beat follows the comb.
+constexpr float kPull = 0.35F;
+constexpr size_t kWeightReach = 3;  // Onset values.
+
+// There is no beat where no tempo has this score.
+constexpr float kMinRhythm = 0.12F;
 
 size_t Tempi() {
   return static_cast<size_t>(std::log(kFastest / kSlowest) / std::log(kTempoStep)) + 1;
 }
 
-double TempoOf(size_t index) { return kSlowest * std::pow(kTempoStep, static_cast<double>(index)); }
+double TempoOf(size_t index) { return kSlowest * std::pow(kTempoStep, Real(index)); }
 
-// People tap at about two beats a second rather than at half or twice that (Parncutt 1994).
+// People tap at about two beats a second rather than at half or twice that (Parncutt, "A perceptual
+// model of pulse salience and metrical accent in musical rhythms", 1994).
 double Preference(double bpm) {
   const double octaves = std::log2(bpm / 115);
   return std::exp(-0.5 * octaves * octaves / (0.85 * 0.85));
@@ -54,11 +66,11 @@ void BeatFollower::Put(float onset, float weight) {
   ++m_count;
 
   const auto quarter = static_cast<size_t>(0.25 / m_step);
-  if (static_cast<double>(m_count) * m_step > kFirstSeconds && m_count % quarter == 0) {
+  if (Real(m_count) * m_step > kFirstSeconds && m_count % quarter == 0) {
     UpdateTempo();
   }
   // Half way to the next beat the last one has been heard whole.
-  if (m_steady && !m_looked && static_cast<double>(m_count) > m_next.time - 0.5 * m_next.period) {
+  if (m_steady && !m_looked && Real(m_count) > m_next.time - 0.5 * m_next.period) {
     Follow();
   }
 }
@@ -83,11 +95,11 @@ float BeatFollower::Comb(double age, double period) const {
   float sum = 0;
   float weights = 0;
   float weight = 1;
-  const double end = static_cast<double>(std::min(m_count, m_capacity)) - 1;
+  const double end = Real(std::min(m_count, m_capacity)) - 1;
   for (int tooth = 0; tooth < kCombTeeth && age < end; ++tooth, age += period) {
     sum += weight * At(age);
     weights += weight;
-    weight *= static_cast<float>(kToothFade);
+    weight *= kToothFade;
   }
   return weights > 0 ? sum / weights : 0;
 }
@@ -95,7 +107,7 @@ float BeatFollower::Comb(double age, double period) const {
 float BeatFollower::Correlation(double lag) const {
   const auto whole = static_cast<size_t>(lag);
   if (whole + 1 >= m_correlation.size()) return 0;
-  const auto share = static_cast<float>(lag - static_cast<double>(whole));
+  const auto share = static_cast<float>(lag - Real(whole));
   return m_correlation[whole] + share * (m_correlation[whole + 1] - m_correlation[whole]);
 }
 
@@ -131,7 +143,7 @@ void BeatFollower::UpdateTempo() {
     if (m_scores[i] > m_scores[best]) best = i;
   }
   m_scored = true;
-  if (m_scores[best] < kLeastRhythm || HasStopped()) {
+  if (m_scores[best] < kMinRhythm || HasStopped()) {
     m_steady = false;
     return;
   }
@@ -144,7 +156,7 @@ void BeatFollower::UpdateTempo() {
 void BeatFollower::Lock() {
   const double last = m_steady ? m_next.time - m_next.period : 0;
   float strength = 0;
-  const double now = static_cast<double>(m_count);
+  const double now = Real(m_count);
   m_next.time = now - BestAge(m_period, &strength) + m_period;
   if (m_next.time - last < 0.5 * m_period) m_next.time += m_period;
   m_next.period = m_period;
@@ -171,8 +183,7 @@ double BeatFollower::RefinePeriod(double period) const {
   float bestScore = -1;
   for (double candidate = period * 0.985; candidate < period * 1.015; candidate += period * 0.001) {
     float score = 0;
-    for (int multiple = 1; multiple * candidate < static_cast<double>(m_correlation.size() - 2);
-         ++multiple) {
+    for (int multiple = 1; multiple * candidate < Real(m_correlation.size() - 2); ++multiple) {
       score += Correlation(multiple * candidate);
     }
     if (score > bestScore) {
@@ -185,11 +196,11 @@ double BeatFollower::RefinePeriod(double period) const {
 
 // The mean weight of the onsets at such ages, each the heaviest within 30 ms.
 float BeatFollower::Weight(double age, double period) const {
-  const double end = static_cast<double>(std::min(m_count, m_capacity)) - kWeightReach - 1;
+  const double end = Real(std::min(m_count, m_capacity)) - kWeightReach - 1;
   float sum = 0;
   int teeth = 0;
   for (; age < end; age += period, ++teeth) {
-    const auto middle = static_cast<size_t>(std::lround(age));
+    const size_t middle = Size(std::lround(age));
     float heaviest = 0;
     for (size_t near = middle - std::min(middle, kWeightReach); near <= middle + kWeightReach;
          ++near) {
@@ -240,7 +251,7 @@ void BeatFollower::Follow() {
   float strength = 0;
   const double best = BestAge(m_period, &strength);
   const double last = m_next.time - m_next.period;
-  const double expectedAge = static_cast<double>(m_count) - last;
+  const double expectedAge = Real(m_count) - last;
   double error = expectedAge - best;  // How much later than expected.
   error -= m_period * std::round(error / m_period);
 
@@ -256,7 +267,7 @@ void BeatFollower::Follow() {
   } else if (strength > 1.2F * here && ++m_astray >= 3) {
     m_astray = 0;
     m_next.time = last + m_period + error;
-    if (m_next.time - static_cast<double>(m_count) < 1) m_next.time += m_period;
+    if (m_next.time - Real(m_count) < 1) m_next.time += m_period;
   } else {
     m_next.time = last + m_period;
   }

@@ -5,11 +5,11 @@
 
 namespace desktop {
 
-// A beat that the follower expects: when, counted in onset values from the start, the tempo, and
-// how clearly the music marks the beats, 0 to 1.
+// A beat that the follower expects: its time, counted in onset values from the start, the time from
+// one beat to the next, and how clearly the music marks the beats, 0 to 1.
 struct ExpectedBeat {
   double time = 0;
-  double period = 0;  // Onset values.
+  double period = 0;
   float power = 0;
 };
 
@@ -34,7 +34,8 @@ class BeatFollower {
   void Advance();
 
  private:
-  float At(double age) const;  // The smoothed onset so many values ago.
+  // The smoothed onset so many values ago.
+  float At(double age) const;
   float Comb(double age, double period) const;
   float Correlation(double lag) const;
   void UpdateTempo();
@@ -47,23 +48,36 @@ class BeatFollower {
   double BestAge(double period, float* strength) const;
 
   const double m_step;
-  const size_t m_capacity;       // Onset values that are kept: 10 s.
-  std::vector<float> m_onsets;   // A ring, smoothed.
-  std::vector<float> m_weights;  // The same ring of weights.
-  std::vector<float> m_recent;   // A straight copy of it for the autocorrelation, newest last.
+
+  // Rings of the last 10 s: m_capacity smoothed onsets, and their weights.
+  const size_t m_capacity;
+  std::vector<float> m_onsets;
+  std::vector<float> m_weights;
+
+  // A straight copy of the onsets for the autocorrelation, newest last.
+  std::vector<float> m_recent;
   std::vector<float> m_correlation;
-  std::vector<float> m_scores;  // Of each tempo, averaged over the last seconds.
+
+  // The score of each tempo, averaged over the last seconds.
+  std::vector<float> m_scores;
   bool m_scored = false;
   size_t m_count = 0;
   float m_raw[3] = {};
   float m_mean = 0;
   bool m_steady = false;
   double m_period = 0;
-  double m_evenness = 1;  // Weight of the weaker of two beats in a row by the stronger, averaged.
-  bool m_slow = false;    // Whether the beat is every other one of those.
-  int m_astray = 0;       // Beats in a row at which the comb pointed elsewhere.
+
+  // The weight of the weaker of two beats in a row by that of the stronger, averaged, and whether
+  // the beat is every other one of them.
+  double m_evenness = 1;
+  bool m_slow = false;
+
+  // At how many beats in a row the comb pointed elsewhere.
+  int m_astray = 0;
   ExpectedBeat m_next;
-  bool m_looked = true;  // Whether the comb was asked since the last beat.
+
+  // Whether the comb was asked since the last beat.
+  bool m_looked = true;
 };
 
 }  // namespace desktop

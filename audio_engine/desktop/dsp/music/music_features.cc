@@ -6,17 +6,25 @@
 #include <numbers>
 #include <utility>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
-constexpr double kTop = 3600;           // Hz.
-constexpr double kBottom = 60;          // Hz.
-constexpr double kLookSeconds = 0.064;  // About one bin per 15.6 Hz.
-constexpr double kFloor = 1e-11;        // Power of -110 dBFS.
-constexpr double kSilence = -75;        // dBFS.
-constexpr int kNeighbours = 8;          // Bins on either side that a peak stands out of.
-constexpr double kProminence = 6;       // dB.
+constexpr double kTop = 3600;   // Hz
+constexpr double kBottom = 60;  // Hz
+
+// The length of what is transformed: it gives a bin for each 15.6 Hz.
+constexpr double kLookSeconds = 0.064;
+
+// The power of -110 dBFS.
+constexpr double kFloor = 1e-11;
+constexpr double kSilence = -75;  // dBFS
+
+// A peak stands out of so many bins on either side, by so many dB.
+constexpr int kNeighbours = 8;
+constexpr double kProminence = 6;
 constexpr int kSustainedLooks = 10;
 
 struct Spread {
@@ -41,18 +49,18 @@ void MusicFeatures::Reset(int sampleRate) {
   m_bins = static_cast<int>(kTop * m_fftSize / sampleRate);
   m_fft.reset(kiss_fftr_alloc(m_fftSize, 0, nullptr, nullptr));
   if (!m_fft) throw std::bad_alloc();
-  const auto size = static_cast<size_t>(m_fftSize);
+  const size_t size = Size(m_fftSize);
   m_window.resize(size);
   for (size_t i = 0; i < size; ++i) {
-    m_window[i] = static_cast<float>(
-        0.5 - 0.5 * std::cos(2 * std::numbers::pi * static_cast<double>(i) / m_fftSize));
+    m_window[i] =
+        static_cast<float>(0.5 - 0.5 * std::cos(2 * std::numbers::pi * Real(i) / m_fftSize));
   }
   m_samples.resize(size);
-  m_frame.resize(size);
+  m_windowed.resize(size);
   m_spectrum.resize(size / 2 + 1);
-  m_power.resize(static_cast<size_t>(m_bins));
-  m_standing.resize(static_cast<size_t>(m_bins));
-  m_stood.resize(static_cast<size_t>(m_bins));
+  m_power.resize(Size(m_bins));
+  m_standing.resize(Size(m_bins));
+  m_stood.resize(Size(m_bins));
   m_lowPassStep = 1 - std::exp(-2 * std::numbers::pi * kTop / sampleRate);
   Restart();
 }
@@ -69,7 +77,7 @@ void MusicFeatures::Restart() {
 bool MusicFeatures::Push(float sample) {
   m_samples[m_at] = sample;
   m_at = m_at + 1 == m_samples.size() ? 0 : m_at + 1;
-  m_lowPassed += m_lowPassStep * (static_cast<double>(sample) - m_lowPassed);
+  m_lowPassed += m_lowPassStep * (sample - m_lowPassed);
   m_energy += m_lowPassed * m_lowPassed;
   if (++m_inBlock < m_hop) return false;
   m_levels[m_block] = 10 * std::log10(m_energy / m_hop + kFloor);
@@ -85,19 +93,19 @@ void MusicFeatures::TakeLook() {
   const size_t size = m_samples.size();
   for (size_t i = 0; i < size; ++i) {
     const size_t at = m_at + i < size ? m_at + i : m_at + i - size;
-    m_frame[i] = m_samples[at] * m_window[i];
+    m_windowed[i] = m_samples[at] * m_window[i];
   }
-  kiss_fftr(m_fft.get(), m_frame.data(), m_spectrum.data());
+  kiss_fftr(m_fft.get(), m_windowed.data(), m_spectrum.data());
   const double scale = 16.0 / (3.0 * m_fftSize * m_fftSize);
   for (size_t k = 0; k < m_power.size(); ++k) {
-    const auto re = static_cast<double>(m_spectrum[k].r), im = static_cast<double>(m_spectrum[k].i);
+    const double re = m_spectrum[k].r, im = m_spectrum[k].i;
     m_power[k] = 10 * std::log10((re * re + im * im) * scale + kFloor * 1e-2);
   }
   Look look;
   std::copy_n(m_levels, 2, look.level);
   FollowPeaks(look);
   CompareBands(look);
-  m_history[static_cast<size_t>(m_looks % kHistory)] = look;
+  m_history[Size(m_looks % kHistory)] = look;
   ++m_looks;
   m_silentLooks = std::max(m_levels[0], m_levels[1]) < kSilence ? m_silentLooks + 1 : 0;
 }
@@ -108,17 +116,17 @@ void MusicFeatures::FollowPeaks(Look& look) {
   const int first = static_cast<int>(kBottom * m_fftSize / m_sampleRate) + 1;
   std::fill(m_standing.begin(), m_standing.end(), 0);
   double loudest = -200;
-  for (int k = first; k < m_bins; ++k) loudest = std::max(loudest, m_power[static_cast<size_t>(k)]);
+  for (int k = first; k < m_bins; ++k) loudest = std::max(loudest, m_power[Size(k)]);
   std::array<int, 5> steadiest{};
   for (int k = first; k + 1 < m_bins; ++k) {
-    const auto bin = static_cast<size_t>(k);
+    const size_t bin = Size(k);
     if (m_power[bin] < loudest - 50 || m_power[bin] < m_power[bin - 1] ||
         m_power[bin] <= m_power[bin + 1]) {
       continue;
     }
     double around = 0;
     const int from = std::max(0, k - kNeighbours), to = std::min(m_bins - 1, k + kNeighbours);
-    for (int i = from; i <= to; ++i) around += m_power[static_cast<size_t>(i)];
+    for (int i = from; i <= to; ++i) around += m_power[Size(i)];
     if (m_power[bin] < around / (to - from + 1) + kProminence) continue;
     m_standing[bin] = 1 + std::max({m_stood[bin - 1], m_stood[bin], m_stood[bin + 1]});
     look.peaks += 1;
@@ -134,12 +142,12 @@ void MusicFeatures::CompareBands(Look& look) {
   std::array<double, kBands> bands{};
   double low = 0, high = 0;
   size_t k = 1;
-  const double perHertz = static_cast<double>(m_fftSize) / m_sampleRate;
+  const double perHertz = 1.0 * m_fftSize / m_sampleRate;
   const double octaves = std::log1p(kTop / 500) / kBands;
   for (size_t b = 0; b < kBands; ++b) {
-    const double edge = 500 * std::expm1(octaves * static_cast<double>(b + 1)) * perHertz;
+    const double edge = 500 * std::expm1(octaves * Real(b + 1)) * perHertz;
     double sum = 0;
-    for (; k < m_power.size() && static_cast<double>(k) <= edge; ++k) {
+    for (; k < m_power.size() && Real(k) <= edge; ++k) {
       sum += std::pow(10.0, m_power[k] / 10);
     }
     (b < kBands * 2 / 3 ? low : high) += sum;
@@ -152,15 +160,13 @@ void MusicFeatures::CompareBands(Look& look) {
     look.flux += std::abs(bands[b] - m_bands[b] - mean) / kBands;
     onset += std::clamp(bands[b] - m_bands[b], 0.0, 20.0) / kBands;
   }
-  m_onsets[static_cast<size_t>(m_looks % kOnsets)] = onset;
+  m_onsets[Size(m_looks % kOnsets)] = onset;
   m_bands = bands;
 }
 
 double MusicFeatures::BeatStrength() const {
   const int count = std::min(m_looks, kOnsets);
-  const auto onset = [&](int back) {
-    return m_onsets[static_cast<size_t>((m_looks - 1 - back) % kOnsets)];
-  };
+  const auto onset = [&](int back) { return m_onsets[Size((m_looks - 1 - back) % kOnsets)]; };
   double mean = 0, energy = 0;
   for (int i = 0; i < count; ++i) mean += onset(i) / count;
   for (int i = 0; i < count; ++i) energy += (onset(i) - mean) * (onset(i) - mean);
@@ -197,7 +203,8 @@ MusicFeatures::Values MusicFeatures::Measure() const {
   Values values{};
   values[kLevelDeviation] = level.Deviation();
   values[kSustained] = sustained / std::max(peaks, 1.0);
-  values[kTonal] = tonal / colour.count;  // The loudest look counts at least.
+  // At least the loudest look is counted.
+  values[kTonal] = tonal / colour.count;
   values[kFlux] = flux / colour.count;
   values[kColourDeviation] = colour.Deviation();
   values[kBeat] = BeatStrength();

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 // What tells music from speech in the last seconds of a sound, measured every 20 ms below 3.6 kHz
@@ -14,14 +16,27 @@ namespace desktop {
 class MusicFeatures {
  public:
   enum Feature {
-    kLevelDeviation,   // Of the level of 10 ms, dB: speech has syllables and pauses.
-    kSustained,        // Share of the spectral peaks that have stood still for 200 ms.
-    kTonal,            // Looks that the five steadiest peaks have stood still, at most 50, after
-                       // Seyerlehner et al., Automatic music detection in television productions
-                       // (2007).
-    kFlux,             // Change of the spectrum's shape from one look to the next, dB.
-    kColourDeviation,  // Of the ratio of highs to lows, dB: vowels and consonants alternate.
-    kBeat,             // How well the onsets repeat once, twice and three times, up to 1.
+    // How far the level of 10 ms deviates from its mean, dB: speech has syllables and pauses.
+    kLevelDeviation,
+
+    // The share of the spectral peaks that have stood still for 200 ms.
+    kSustained,
+
+    // For how many looks the five steadiest peaks have stood still, at most 50 (Seyerlehner, Pohle,
+    // Schedl and Widmer, "Automatic music detection in television productions", 2007).
+    kTonal,
+
+    // How much the shape of the spectrum changes from one look to the next, dB (Scheirer and
+    // Slaney,
+    // "Construction and evaluation of a robust multifeature speech/music discriminator", 1997).
+    kFlux,
+
+    // How far the ratio of highs to lows deviates from its mean, dB: vowels and consonants
+    // alternate.
+    kColourDeviation,
+
+    // How well the onsets repeat once, twice and three times, up to 1.
+    kBeat,
     kCount
   };
   using Values = std::array<double, kCount>;
@@ -43,12 +58,14 @@ class MusicFeatures {
   int SilentLooks() const { return m_silentLooks; }
 
  private:
-  static constexpr int kHistory = 150;  // Looks; 3 s.
-  static constexpr int kOnsets = 300;   // Looks; 6 s.
+  // How many looks are kept, 3 s, and how many onsets, 6 s.
+  static constexpr int kHistory = 150;
+  static constexpr int kOnsets = 300;
   static constexpr int kBands = 18;
 
   struct Look {
-    double level[2] = {};  // Of 10 ms each, dB.
+    // The levels of the two 10 ms, dB.
+    double level[2] = {};
     double sustained = 0;
     double peaks = 0;
     double steadiest = 0;
@@ -64,22 +81,27 @@ class MusicFeatures {
   void FollowPeaks(Look& look);
   void CompareBands(Look& look);
   double BeatStrength() const;
-  const Look& Recent(int back) const {
-    return m_history[static_cast<size_t>((m_looks - 1 - back) % kHistory)];
-  }
+  const Look& Recent(int back) const { return m_history[Size((m_looks - 1 - back) % kHistory)]; }
 
   int m_sampleRate = 0;
   int m_fftSize = 0;
-  int m_hop = 0;   // Samples in 10 ms.
-  int m_bins = 0;  // Up to 3.6 kHz.
+
+  // The samples in 10 ms, and the bins up to 3.6 kHz.
+  int m_hop = 0;
+  int m_bins = 0;
   std::unique_ptr<kiss_fftr_state, FreeFft> m_fft;
   std::vector<float> m_window;
-  std::vector<float> m_samples;  // A ring of the last m_fftSize.
-  std::vector<float> m_frame;
+
+  // A ring of the last m_fftSize samples, and these in order and windowed.
+  std::vector<float> m_samples;
+  std::vector<float> m_windowed;
   std::vector<kiss_fft_cpx> m_spectrum;
-  std::vector<double> m_power;  // dB per bin.
-  std::vector<int> m_standing;  // Looks that a peak has stood at a bin.
-  std::vector<int> m_stood;     // The same one look before.
+
+  // By bin: the power in dB, and for how many looks a peak has stood there, now and one look
+  // before.
+  std::vector<double> m_power;
+  std::vector<int> m_standing;
+  std::vector<int> m_stood;
   std::array<double, kBands> m_bands{};
   size_t m_at = 0;
   int m_inBlock = 0;

@@ -4,20 +4,26 @@
 #include <cmath>
 #include <new>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
 constexpr double kLowestBand = 40;      // Hz.
 constexpr double kHighestBand = 12000;  // Hz.
+
 // A band that lies so far under the loudest one counts as empty.
 constexpr float kRange = 1e-5F;
-// Mean power of a block below which all is silence: about -70 dBFS.
+
+// The mean power of a block below which all is silence: about -70 dBFS.
 constexpr float kSilence = 1e-7F;
-constexpr double kForgetSeconds = 8;  // Until a loud passage no longer hides a quiet one.
+
+// How long it takes until a loud passage no longer hides a quiet one.
+constexpr double kForgetSeconds = 8;
 
 size_t TransformSize(int rate) {
   size_t size = 128;
-  while (static_cast<double>(size) < 0.02 * rate) size *= 2;
+  while (Real(size) < 0.02 * rate) size *= 2;
   return size;
 }
 
@@ -26,29 +32,29 @@ size_t TransformSize(int rate) {
 OnsetEnvelope::OnsetEnvelope(int rate, int channels)
     : m_rate(rate),
       m_channels(channels),
-      m_hop(static_cast<size_t>((rate + 50) / 100)),
+      m_hop(Size((rate + 50) / 100)),
       m_size(TransformSize(rate)),
-      m_transform(kiss_fftr_alloc(static_cast<int>(m_size), 0, nullptr, nullptr)),
+      m_transform(kiss_fftr_alloc(Count(m_size), 0, nullptr, nullptr)),
       m_window(m_size),
       m_ring(m_size),
       m_block(m_size),
       m_spectrum(m_size / 2 + 1) {
   if (!m_transform) throw std::bad_alloc();
   for (size_t i = 0; i < m_size; ++i) {
-    const double phase = 2 * M_PI * (static_cast<double>(i) + 0.5) / static_cast<double>(m_size);
+    const double phase = 2 * M_PI * (Real(i) + 0.5) / Real(m_size);
     m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(phase));
   }
-  const double binHz = static_cast<double>(rate) / static_cast<double>(m_size);
+  const double binHz = rate / Real(m_size);
   const double top = std::min(kHighestBand, 0.45 * rate);
   for (double edge = kLowestBand; edge < top * 1.2; edge *= std::sqrt(2.0)) {
-    const auto bin = static_cast<size_t>(std::lround(std::min(edge, top) / binHz));
+    const size_t bin = Size(std::lround(std::min(edge, top) / binHz));
     if (bin >= 1 && (m_edges.empty() || bin > m_edges.back())) m_edges.push_back(bin);
   }
   for (auto* levels : {&m_before[0], &m_before[1], &m_now, &m_loud[0], &m_loud[1], &m_loud[2]})
     levels->resize(m_edges.size() - 1);
 }
 
-double OnsetEnvelope::Latency() const { return 0.5 * static_cast<double>(m_size) / m_rate + 0.004; }
+double OnsetEnvelope::Latency() const { return 0.5 * Real(m_size) / m_rate + 0.004; }
 
 bool OnsetEnvelope::Put(const short* frame) {
   int sum = 0;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 // How much begins to sound, a hundred times a second: the rise of the log energy in bands of half
@@ -27,7 +29,7 @@ class OnsetEnvelope {
   float Weight() const { return m_weight; }
 
   // Seconds between two values, and from an onset to its peak in them.
-  double Step() const { return static_cast<double>(m_hop) / m_rate; }
+  double Step() const { return Real(m_hop) / m_rate; }
   double Latency() const;
 
  private:
@@ -40,14 +42,22 @@ class OnsetEnvelope {
   const int m_rate;
   const int m_channels;
   const size_t m_hop;
-  const size_t m_size;  // Of the transform.
+
+  // The length of the transform.
+  const size_t m_size;
   std::unique_ptr<kiss_fftr_state, Free> m_transform;
   std::vector<float> m_window;
-  std::vector<float> m_ring;  // The last m_size samples.
+
+  // The last m_size samples.
+  std::vector<float> m_ring;
   std::vector<float> m_block;
   std::vector<kiss_fft_cpx> m_spectrum;
-  std::vector<size_t> m_edges;     // First bins of the bands, and the end.
-  std::vector<float> m_before[2];  // Band levels of the two values before.
+
+  // The first bins of the bands, and the end of the last one.
+  std::vector<size_t> m_edges;
+
+  // The levels of the bands at the two values before, and now.
+  std::vector<float> m_before[2];
   std::vector<float> m_now;
   std::vector<float> m_loud[3];
   size_t m_next = 0;

@@ -2,15 +2,22 @@
 
 #include <algorithm>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 namespace {
 
-constexpr size_t kShortest = 15;  // Samples of a period.
+// In samples: the periods that are tried, and how much sound is compared.
+constexpr size_t kShortest = 15;
 constexpr size_t kLongest = 246;
 constexpr size_t kWindow = 640;
-constexpr float kClear = 0.15F;         // A sound that repeats itself so well has a pitch.
-constexpr double kQuiet = 100.0 * 100;  // Power of what is too quiet to be sung: -50 dBFS.
+
+// A sound that repeats itself so well has a pitch.
+constexpr float kClear = 0.15F;
+
+// The power of what is too quiet to be sung: -50 dBFS.
+constexpr double kQuiet = 100.0 * 100;
 
 // Where the parabola through three neighbours has its lowest point, as seen from the middle one.
 double Vertex(double before, double middle, double after) {
@@ -24,8 +31,8 @@ PitchTracker::PitchTracker() : m_samples(kWindow + kLongest + 1), m_distance(kLo
 
 double PitchTracker::Power() const {
   double power = 0;
-  for (const float sample : m_samples) power += static_cast<double>(sample) * sample;
-  return power / static_cast<double>(m_samples.size());
+  for (const float sample : m_samples) power += double{sample} * sample;
+  return power / Real(m_samples.size());
 }
 
 double PitchTracker::Track(const short* samples) {
@@ -42,12 +49,11 @@ double PitchTracker::Track(const short* samples) {
       distance += difference * difference;
     }
     sum += distance;
-    m_distance[period] =
-        sum > 0 ? static_cast<float>(distance * static_cast<double>(period) / sum) : 1;
+    m_distance[period] = sum > 0 ? static_cast<float>(distance * Real(period) / sum) : 1;
   }
   for (size_t period = kShortest; period <= kLongest; ++period) {
     if (m_distance[period] > kClear || m_distance[period + 1] < m_distance[period]) continue;
-    return kRate / (static_cast<double>(period) +
+    return kRate / (Real(period) +
                     Vertex(m_distance[period - 1], m_distance[period], m_distance[period + 1]));
   }
   return 0;

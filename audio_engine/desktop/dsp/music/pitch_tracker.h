@@ -10,9 +10,13 @@ namespace desktop {
 // nothing after construction.
 class PitchTracker {
  public:
-  static constexpr int kRate = 16000;   // Hz
-  static constexpr size_t kHop = 160;   // Samples from one answer to the next.
-  static constexpr double kLagMs = 28;  // By how much an answer is later than the sound it is for.
+  static constexpr int kRate = 16000;  // Hz
+
+  // How many samples lie between two answers.
+  static constexpr size_t kHop = 160;
+
+  // By how much an answer is later than the sound it is for.
+  static constexpr double kLagMs = 28;
 
   PitchTracker();
 
@@ -22,8 +26,11 @@ class PitchTracker {
  private:
   double Power() const;
 
-  std::vector<float> m_samples;   // The last ones.
-  std::vector<float> m_distance;  // Of the sound from itself, by period.
+  // The last samples.
+  std::vector<float> m_samples;
+
+  // How far the sound is from itself, by period.
+  std::vector<float> m_distance;
 };
 
 }  // namespace desktop

@@ -6,14 +6,16 @@
 #include <numbers>
 #include <utility>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
-// Of the impulse response, in samples of the lower rate.
+// Half the length of the impulse response, in samples of the lower rate.
 constexpr uint32_t kHalfWidth = 80;
 
-// Of the Kaiser window: 100 dB beside the band (Kaiser, "Nonrecursive digital filter design using
-// the I0-sinh window function", 1974).
+// The shape of the Kaiser window: 100 dB beside the band (Kaiser, "Nonrecursive digital filter
+// design using the I0-sinh window function", 1974).
 constexpr double kBeta = 10;
 
 // 6 dB down, as a part of the lower rate's half: where the stop band begins at the half itself.
@@ -41,7 +43,7 @@ void Bessel(std::vector<double>& values) {
 
 // The length, in source samples, that kHalfWidth samples of the lower rate have.
 double HalfWidth(uint32_t source, uint32_t target) {
-  return kHalfWidth * std::max(1.0, static_cast<double>(source) / target);
+  return kHalfWidth * std::max(1.0, Real(source) / target);
 }
 
 size_t Taps(double halfWidth) {
@@ -71,12 +73,12 @@ PolyphaseFilter::PolyphaseFilter(uint32_t source, uint32_t target)
       m_lag(desktop::Lag(source, target)),
       m_taps(desktop::Taps(HalfWidth(source, target))),
       m_steps(target) {
-  const double lower = std::max(1.0, static_cast<double>(source) / target);
+  const double lower = std::max(1.0, Real(source) / target);
   if (std::max(source, target) > kMaxPlaces) {
     m_steps = static_cast<size_t>(std::ceil(kSteps / lower));
   }
   m_table.resize((m_steps + 1) * m_taps);
-  Design(static_cast<double>(m_lag) * source / target, HalfWidth(source, target), kCutoff / lower);
+  Design(Real(m_lag) * source / target, HalfWidth(source, target), kCutoff / lower);
 }
 
 // lag and halfWidth in source samples; cutoff as a part of half the source rate.
@@ -84,17 +86,17 @@ void PolyphaseFilter::Design(double lag, double halfWidth, double cutoff) {
   std::vector<double> filter(m_taps);
   const std::complex<double> turn = std::polar(1.0, std::numbers::pi * cutoff);
   for (size_t step = 0; step <= m_steps; ++step) {
-    const double place = static_cast<double>(step) / static_cast<double>(m_steps);
-    const double first = lag - place - static_cast<double>(m_taps - 1);
+    const double place = Ratio(step, m_steps);
+    const double first = lag - place - Real(m_taps - 1);
     for (size_t i = 0; i < m_taps; ++i) {
-      const double part = (first + static_cast<double>(i)) / halfWidth;
+      const double part = (first + Real(i)) / halfWidth;
       filter[i] = std::max(0.0, 1 - part * part);
     }
     Bessel(filter);
     std::complex<double> angle = std::polar(1.0, std::numbers::pi * cutoff * first);
     double sum = 0;
     for (size_t i = 0; i < m_taps; ++i, angle *= turn) {
-      const double at = first + static_cast<double>(i);
+      const double at = first + Real(i);
       const double sinc = std::abs(at) < 1e-6 ? std::numbers::pi * cutoff : angle.imag() / at;
       filter[i] *= std::abs(at) < halfWidth ? sinc : 0;
       sum += filter[i];
@@ -107,12 +109,12 @@ void PolyphaseFilter::Design(double lag, double halfWidth, double cutoff) {
 
 float PolyphaseFilter::At(const float* samples, uint32_t phase) const {
   if (m_steps == m_target) return Dot(samples, &m_table[phase * m_taps], m_taps);
-  const double place = static_cast<double>(phase) * static_cast<double>(m_steps) / m_target;
+  const double place = phase * Real(m_steps) / m_target;
   const auto step = static_cast<size_t>(place);
   const float* const row = &m_table[step * m_taps];
   const float before = Dot(samples, row, m_taps);
   const float after = Dot(samples, row + m_taps, m_taps);
-  return before + static_cast<float>(place - static_cast<double>(step)) * (after - before);
+  return before + static_cast<float>(place - Real(step)) * (after - before);
 }
 
 }  // namespace desktop

@@ -32,8 +32,10 @@ class PolyphaseFilter {
   const uint32_t m_target;
   const uint32_t m_lag;
   const size_t m_taps;
-  size_t m_steps;              // Places in the table.
-  std::vector<float> m_table;  // The filters one after the other; one more at the end, of place 1.
+
+  // The filters of m_steps places one after the other, and one more at the end, of place 1.
+  size_t m_steps;
+  std::vector<float> m_table;
 };
 
 }  // namespace desktop

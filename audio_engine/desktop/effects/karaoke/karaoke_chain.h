@@ -26,7 +26,7 @@ class KaraokeChain {
   int Latency(int sampleRate) const { return m_limiterEnabled ? limiter.Latency(sampleRate) : 0; }
 
   // Processes rows[0..channels) in place. Allocates when a setting or the format changed, and
-  // throws when there is no memory; silent numbers must count as zero.
+  // throws when there is no memory. The caller holds a DenormalGuard.
   void Process(float* const* rows, int channels, size_t frames, int sampleRate);
 
  private:

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 namespace {
 
-size_t FramesOf(double ms, int rate) { return static_cast<size_t>(std::lround(ms * rate / 1000)); }
+size_t FramesOf(double ms, int rate) { return Size(std::lround(ms * rate / 1000)); }
 
 // How fast the measured level of a voice falls, in ms.
 constexpr double kLevelFallMs = 50;
@@ -24,7 +26,7 @@ void VoiceChain::Line::Put(float sample) {
 }
 
 VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
-    : m_recipe(recipe), m_rate(rate), m_channels(channels) {
+    : m_recipe(recipe), m_rate(rate), m_channels(Size(channels)) {
   if (recipe.semitones != 0) m_shifter.emplace(recipe.semitones, rate, channels);
   for (Channel& channel : m_channel) {
     for (size_t i = 0; i < recipe.filters.size(); ++i) {
@@ -53,8 +55,8 @@ VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
 
 void VoiceChain::Process(float* const* rows, size_t frames) {
   if (m_shifter) m_shifter->Process(rows, frames);
-  for (int c = 0; c < m_channels; ++c) {
-    Channel& channel = m_channel[static_cast<size_t>(c)];
+  for (size_t c = 0; c < m_channels; ++c) {
+    Channel& channel = m_channel[c];
     for (size_t i = 0; i < channel.filters.size(); ++i) {
       if (m_recipe.filters[i].kind != BiquadKind::kNone)
         channel.filters[i].Process(rows[c], frames);
@@ -63,13 +65,13 @@ void VoiceChain::Process(float* const* rows, size_t frames) {
     if (m_recipe.ringGain > 0) Echo(channel.ring, m_recipe.ringGain, rows[c], frames);
   }
   if (m_recipe.tremoloDepth > 0) Tremolo(rows, frames);
-  for (int c = 0; c < m_channels; ++c) {
-    Channel& channel = m_channel[static_cast<size_t>(c)];
+  for (size_t c = 0; c < m_channels; ++c) {
+    Channel& channel = m_channel[c];
     if (m_recipe.echoGain > 0) Echo(channel.echo, m_recipe.echoGain, rows[c], frames);
     if (m_recipe.doubleGain > 0) Double(channel, rows[c], frames);
   }
-  if (m_room) m_room->Process(rows, m_channels, frames, m_rate);
-  for (int c = 0; c < m_channels; ++c) {
+  if (m_room) m_room->Process(rows, Count(m_channels), frames, m_rate);
+  for (size_t c = 0; c < m_channels; ++c) {
     for (size_t i = 0; i < frames; ++i) rows[c][i] *= m_gain;
   }
 }
@@ -113,7 +115,7 @@ void VoiceChain::Tremolo(float* const* rows, size_t frames) {
     // A switch, but one that takes a few ms, so that it does not click.
     if (m_recipe.tremoloChops) swing = std::tanh(6 * swing);
     const auto gain = static_cast<float>(1 - m_recipe.tremoloDepth * (0.5 + 0.5 * swing));
-    for (int c = 0; c < m_channels; ++c) rows[c][i] *= gain;
+    for (size_t c = 0; c < m_channels; ++c) rows[c][i] *= gain;
     m_tremoloPhase += step;
     if (m_tremoloPhase >= 1) m_tremoloPhase -= 1;
   }

@@ -12,14 +12,16 @@
 
 namespace desktop {
 
-// A voice recipe at work on a stream of planar floats of full scale 1.
+// A voice recipe at work on a stream of planar floats of full scale 1: pitch shift, equaliser
+// (Bristow- Johnson), waveshaper and tremolo (Zölzer, "DAFX", 2011), combs and reverberation
+// (Schroeder, "Natural sounding artificial reverberation", 1962), in the order of the recipe.
 class VoiceChain {
  public:
   // rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory.
   VoiceChain(const VoiceRecipe& recipe, int rate, int channels);
 
-  // rows[0..channels) in place, at most kMaxEffectFrames frames at once. Silent numbers must count
-  // as zero.
+  // Processes rows[0..channels) in place, at most kMaxEffectFrames frames at once. The caller holds
+  // a DenormalGuard.
   void Process(float* const* rows, size_t frames);
 
   // Frames until what goes in comes out.
@@ -30,12 +32,16 @@ class VoiceChain {
   struct Line {
     std::vector<float> samples;
     size_t next = 0;
-    float Before(size_t frames) const;  // What was put so many frames ago.
+
+    // What was put so many frames ago.
+    float Before(size_t frames) const;
     void Put(float sample);
   };
   struct Channel {
     std::array<Biquad, 4> filters;
-    float level = 0;  // Of the voice, for the drive.
+
+    // The level of the voice, for the drive.
+    float level = 0;
     Line ring;
     Line echo;
     Line past;
@@ -48,11 +54,13 @@ class VoiceChain {
 
   const VoiceRecipe m_recipe;
   const int m_rate;
-  const int m_channels;
+  const size_t m_channels;
   std::optional<PitchShifter> m_shifter;
   std::array<Channel, kMaxEffectChannels> m_channel;
   std::optional<Reverb> m_room;
-  double m_tremoloPhase = 0;  // Turns.
+
+  // In turns.
+  double m_tremoloPhase = 0;
   float m_gain = 1;
 };
 

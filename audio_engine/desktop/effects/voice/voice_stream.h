@@ -17,8 +17,8 @@ class VoiceStream {
   // Taken up at the next Process; at the start of a stream at once, without a fade.
   void Set(const VoiceRecipe& recipe) { m_wanted = recipe; }
 
-  // Interleaved samples in place; Sample is short or int. What cannot be done stays as it is, with
-  // one line in the log.
+  // Processes interleaved samples in place; Sample is short or int. What cannot be done stays as it
+  // is, with one line in the log.
   template <typename Sample>
   void Process(char* samples, int frames, int rate, int channels, int sampleSize) {
     if (!m_gate.Passes(samples, frames, rate, channels, sampleSize) || !Prepare(rate, channels)) {
@@ -42,14 +42,22 @@ class VoiceStream {
 
   EffectGate m_gate;
   VoiceRecipe m_wanted;
-  VoiceRecipe m_playing;  // Of m_next while that fades in, else of m_chain.
-  int m_rate = 0;         // Of the chains; 0 = a stream that has not begun.
+
+  // The recipe of m_next while that fades in, else of m_chain.
+  VoiceRecipe m_playing;
+
+  // The format of the chains; a rate of 0 before the stream has begun.
+  int m_rate = 0;
   int m_channels = 0;
-  std::unique_ptr<VoiceChain> m_chain;  // Null where nothing is to be done.
+
+  // Null where nothing is to be done.
+  std::unique_ptr<VoiceChain> m_chain;
   std::unique_ptr<VoiceChain> m_next;
   bool m_fading = false;
-  int m_wait = 0;   // Frames until m_next gives sound.
-  int m_faded = 0;  // Frames of the fade that are done.
+
+  // How many frames it takes until m_next gives sound, and how many of the fade are done.
+  int m_wait = 0;
+  int m_faded = 0;
 };
 
 }  // namespace desktop
