@@ -70,11 +70,10 @@ std::string_view SampleTypeName(SampleType samples) {
   return "";
 }
 
-std::optional<std::string_view> KnownDevice(const CatalogueRow& row) {
+std::string_view DeviceName(const CatalogueRow& row) {
   switch (row.device) {
     case Device::kNone:
-      if (row.declared.built) return "none";
-      break;
+      return "none";
     case Device::kCapture:
       return "capture";
     case Device::kRender:
@@ -82,7 +81,7 @@ std::optional<std::string_view> KnownDevice(const CatalogueRow& row) {
     case Device::kBoth:
       return "capture and render";
   }
-  return std::nullopt;
+  return "";
 }
 
 std::string Declaration(const CatalogueRow& row) {
@@ -92,7 +91,6 @@ std::string Declaration(const CatalogueRow& row) {
 }
 
 std::string Availability(const CatalogueRow& row) {
-  if (!row.declared.built) return "not built yet";
   if (!row.calledBy.empty()) return "called by " + std::string(row.calledBy);
   return row.helper ? "helper" : "available";
 }

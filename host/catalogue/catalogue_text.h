@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/catalogue.h"
+#include "catalogue/rows.h"
 
 namespace host {
 
@@ -23,7 +23,7 @@ std::string_view SampleTypeName(SampleType samples);
 // "void TestHRTF()"
 std::string Declaration(const CatalogueRow& row);
 
-// "available", "not built yet", "helper", or the routines that call it: "called by TestTemp".
+// "available", "helper", or the routines that call it: "called by TestTemp".
 std::string Availability(const CatalogueRow& row);
 
 // Why the engine at hand cannot run a routine without parameters; empty when it can, and when it
@@ -33,8 +33,8 @@ std::string LackingHere(const CatalogueRow& row);
 // Whether `run` can run it by itself, with some arguments at least.
 bool CanBeRun(const CatalogueRow& row);
 
-// "none", "capture"; nothing while that is not known of a routine that is not built yet.
-std::optional<std::string_view> KnownDevice(const CatalogueRow& row);
+// "none", "capture".
+std::string_view DeviceName(const CatalogueRow& row);
 
 // "as fast as its input is processed", or how long a run takes.
 std::string Duration(const CatalogueRow& row);

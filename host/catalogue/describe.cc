@@ -44,8 +44,8 @@ std::string Describe(std::string_view routine) {
   for (const FileGroup& input : GroupFiles(row.inputs)) text += FileLines("input", input);
   for (const FileGroup& output : GroupFiles(row.outputs)) text += FileLines("output", output);
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
-  if (const auto device = KnownDevice(row)) text += Line("device", *device);
-  if (row.declared.built || row.seconds > 0) text += Line("duration", Duration(row));
+  text += Line("device", DeviceName(row));
+  text += Line("duration", Duration(row));
   const std::string lacking = LackingHere(row);
   return text + Line("status", lacking.empty() ? Availability(row) : "lacking: " + lacking);
 }

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "base/catalogue.h"
+#include "catalogue/rows.h"
 
 namespace host {
 

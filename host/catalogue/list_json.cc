@@ -6,6 +6,9 @@ namespace host {
 
 namespace {
 
+// Raised when a key is left out or changes its meaning.
+constexpr int kListVersion = 3;
+
 // A figure of a declared file; 0 means that there is none.
 Json Declared(int value, const char* unit, const char* reason) {
   return value > 0 ? Count(static_cast<uint64_t>(value), unit) : Figure(std::nullopt, unit, reason);
@@ -31,9 +34,7 @@ Json FileJson(const FileGroup& group) {
           {"remark", use.remark.empty() ? Json() : Json(use.remark)}};
 }
 
-// Null for a routine that is not built and has no files declared yet.
-Json FilesJson(const CatalogueRow& row, const std::vector<FileUse>& uses) {
-  if (uses.empty() && !row.declared.built) return nullptr;
+Json FilesJson(const std::vector<FileUse>& uses) {
   Json json = Json::array();
   for (const FileGroup& group : GroupFiles(uses)) json.push_back(FileJson(group));
   return json;
@@ -49,8 +50,7 @@ Json ParametersJson(const harness::Words& words) {
 
 Json DurationJson(const CatalogueRow& row) {
   if (row.seconds > 0) return Figure(row.seconds, "s", "");
-  return Figure(std::nullopt, "s",
-                row.declared.built ? "as fast as its input is processed" : "not known yet");
+  return Figure(std::nullopt, "s", "as fast as its input is processed");
 }
 
 // The status as `describe` gives it.
@@ -61,7 +61,6 @@ std::string Status(const CatalogueRow& row) {
 
 Json RowJson(const CatalogueRow& row) {
   const harness::Words& words = row.declared.words;
-  const auto device = KnownDevice(row);
   return {{"routine", words.name},
           {"result", words.result},
           {"parameters", ParametersJson(words)},
@@ -69,12 +68,11 @@ Json RowJson(const CatalogueRow& row) {
           {"exercises", row.exercises},
           {"helper", row.helper},
           {"called_by", row.calledBy.empty() ? Json() : Json(row.calledBy)},
-          {"built", row.declared.built},
           {"available", CanBeRun(row)},
           {"status", Status(row)},
-          {"inputs", FilesJson(row, row.inputs)},
-          {"outputs", FilesJson(row, row.outputs)},
-          {"device", device ? Json(*device) : Json()},
+          {"inputs", FilesJson(row.inputs)},
+          {"outputs", FilesJson(row.outputs)},
+          {"device", DeviceName(row)},
           {"expected_duration", DurationJson(row)}};
 }
 
@@ -86,7 +84,7 @@ std::string ListAsJson(const ListFilter& filter) {
   for (const CatalogueRow& row : Catalogue()) {
     if (passes(row)) rows.push_back(RowJson(row));
   }
-  return JsonText({{"schema_version", kSchemaVersion}, {"routines", rows}});
+  return JsonText({{"schema_version", kListVersion}, {"routines", rows}});
 }
 
 }  // namespace host

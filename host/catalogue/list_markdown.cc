@@ -36,8 +36,7 @@ std::string Section(std::string_view title, Belongs belongs) {
     if (!belongs(row)) continue;
     rows += "| " + Code(Declaration(row)) + " | " + Literal(row.exercises) + " | " +
             Files(row.inputs, InputFormat) + " | " + Files(row.outputs, FileFormat) + " | " +
-            std::string(KnownDevice(row).value_or("")) + " | " + std::string(Availability(row)) +
-            " |\n";
+            std::string(DeviceName(row)) + " | " + std::string(Availability(row)) + " |\n";
   }
   if (rows.empty()) return "";
   return "\n## " + std::string(title) +

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/catalogue.h"
+#include "files/file_use.h"
 
 namespace host {
 

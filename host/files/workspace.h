@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "base/catalogue.h"
 #include "files/file_before.h"
+#include "files/file_use.h"
 
 namespace host {
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/rows.h"
 #include "files/workspace.h"
 #include "report/verdict.h"
 

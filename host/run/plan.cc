@@ -16,7 +16,6 @@ constexpr double kMaxSecondsOfNeverReturning = 10;
 // Why a routine is not one to run; empty when it is.
 std::string SkipReason(const CatalogueRow& row) {
   if (row.helper) return "a helper: routines call it, it does not run by itself";
-  if (!row.declared.built) return "not built yet";
   if (!row.calledBy.empty()) return Availability(row) + ", it does not run by itself";
   return "";
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/rows.h"
 #include "files/beneath.h"
 #include "files/workspace.h"
 #include "report/report.h"

@@ -18,8 +18,6 @@ namespace host {
 
 namespace {
 
-using harness::WaveFormat;
-
 std::string Convert(const FilePlace& input) { return "; to convert it: " + WaveConversion(input); }
 
 std::string Says(const FilePlace& input, const std::string& what) {

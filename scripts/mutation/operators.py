@@ -20,7 +20,7 @@ DECLARATION = re.compile(r"^\s*[\w:<>,*& ]+\s[*&]?\w+(\(.*\)|\{.*\}|\s=\s.*)?;")
 CALL = re.compile(r"(\w+)\(([\w.\[\]>-]+), ([\w.\[\]>-]+)([,)])")
 STRING = re.compile(r'"([A-Za-z%][^"\\]*)"')
 NOT_CODE = re.compile(r"^\s*(//|#|/?\*|namespace\b|using\b|template\b|static_assert|public:|private:|protected:|"
-                      r"class \w+;|struct \w+;|ROUTINE\(|HELPER\(|PLANNED\(|[{}()\[\]; ]*$)")
+                      r"class \w+;|struct \w+;|ROUTINE\(|HELPER\(|[{}()\[\]; ]*$)")
 
 
 def sources(root, paths):

@@ -1,5 +1,5 @@
-# The rows that the catalogue marks as built are the routines and helpers that the unit's objects
-# define, all of them and no others. Needs AUDIO_BENCH, NM and OBJECTS, a file of object names.
+# The rows of the catalogue are the routines and helpers that the unit's objects define, all of them
+# and no others. Needs AUDIO_BENCH, NM and OBJECTS, a file of object names.
 
 execute_process(COMMAND ${AUDIO_BENCH} list --json OUTPUT_VARIABLE json COMMAND_ERROR_IS_FATAL ANY)
 string(JSON rows GET "${json}" routines)
@@ -7,11 +7,8 @@ string(JSON count LENGTH "${rows}")
 math(EXPR last "${count} - 1")
 set(listed)
 foreach(index RANGE ${last})
-  string(JSON built GET "${rows}" ${index} built)
-  if(built)
-    string(JSON name GET "${rows}" ${index} routine)
-    list(APPEND listed ${name})
-  endif()
+  string(JSON name GET "${rows}" ${index} routine)
+  list(APPEND listed ${name})
 endforeach()
 
 file(STRINGS ${OBJECTS} objects)
@@ -28,6 +25,6 @@ list(REMOVE_ITEM unlisted ${listed})
 set(missing ${listed})
 list(REMOVE_ITEM missing ${defined})
 if(NOT defined OR unlisted OR missing)
-  message(FATAL_ERROR "Defined but not marked as built: ${unlisted}\n"
-                      "Marked as built but not defined: ${missing}")
+  message(FATAL_ERROR "Defined but not listed: ${unlisted}\n"
+                      "Listed but not defined: ${missing}")
 endif()

@@ -1,6 +1,7 @@
 #include "catalogue/catalogue.h"
 
 #include <utility>
+#include <vector>
 
 #include "catalogue/catalogue_rows.h"
 
@@ -9,7 +10,7 @@ namespace harness {
 namespace {
 
 std::vector<CatalogueRow> AllRows() {
-  const std::pair<Group, std::vector<CatalogueRow>> groups[] = {
+  const std::pair<Group, std::span<const CatalogueRow>> groups[] = {
       {Group::kHarness, HarnessRows()},         {Group::kAec, AecRows()},
       {Group::kEnhancement, EnhancementRows()}, {Group::kCodec, CodecRows()},
       {Group::kEffects, EffectsRows()},         {Group::kMixing, MixingRows()}};

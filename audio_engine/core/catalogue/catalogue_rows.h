@@ -1,17 +1,17 @@
 #pragma once
 
-#include <vector>
+#include <span>
 
-#include "catalogue/catalogue.h"
+#include "catalogue/row.h"
 
 namespace harness {
 
-// The rows of each group; Catalogue() puts the groups together and fills in `group`.
-std::vector<CatalogueRow> HarnessRows();
-std::vector<CatalogueRow> AecRows();
-std::vector<CatalogueRow> EnhancementRows();
-std::vector<CatalogueRow> CodecRows();
-std::vector<CatalogueRow> EffectsRows();
-std::vector<CatalogueRow> MixingRows();
+// The table of each group; Catalogue() puts them together and fills in `group`.
+std::span<const CatalogueRow> HarnessRows();
+std::span<const CatalogueRow> AecRows();
+std::span<const CatalogueRow> EnhancementRows();
+std::span<const CatalogueRow> CodecRows();
+std::span<const CatalogueRow> EffectsRows();
+std::span<const CatalogueRow> MixingRows();
 
 }  // namespace harness

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "catalogue/catalogue.h"
+#include "catalogue/files.h"
 
 // Short words for the files that many rows name.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalogue/catalogue.h"
+#include "catalogue/files.h"
 
 namespace harness {
 

@@ -1,6 +1,6 @@
-#include <algorithm>
+#include "catalogue/row.h"
 
-#include "catalogue/catalogue.h"
+#include <algorithm>
 
 namespace harness {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "catalogue/catalogue.h"
+#include "catalogue/files.h"
 
 namespace harness {
 

@@ -22,13 +22,6 @@
   }                                                                      \
   static_assert(true)
 
-// The words of a routine that is not built yet; nothing is declared.
-#define PLANNED(result, name, ...)                                        \
-  namespace declared {                                                    \
-  inline constexpr harness::Planned name{{#result, #name, #__VA_ARGS__}}; \
-  }                                                                       \
-  static_assert(true)
-
 namespace harness {
 
 // A signature, as it stands in the source.
@@ -44,10 +37,6 @@ struct Routine {
 };
 
 struct Helper {
-  Words words;
-};
-
-struct Planned {
   Words words;
 };
 

@@ -79,7 +79,6 @@ TEST(ListAsText, FitsTheWidthAndSetsHelpersApart) {
   }
   const std::string list = ListAsText({}, 100);
   EXPECT_THAT(list, HasSubstr("  Echo                        available      arguments\n"));
-  EXPECT_THAT(list, HasSubstr("  NotBuilt                    not built yet  nothing yet\n"));
   EXPECT_THAT(list, HasSubstr("not run by themselves)\n  Helper                      help\n"));
 }
 
@@ -96,7 +95,7 @@ TEST(ListFilter, ListsWhatItLetsPass) {
   EXPECT_THAT(globbed, HasSubstr("\n3 routines, 3 available. "));
   const std::string available = ListAsMarkdown({.available = true});
   EXPECT_THAT(available, HasSubstr("void Echo("));
-  EXPECT_THAT(available, Not(HasSubstr("NotBuilt")));
+  EXPECT_THAT(available, Not(HasSubstr("NeedNothing")));
   EXPECT_THAT(available, Not(HasSubstr("## Helpers")));
   EXPECT_THAT(ListAsJson({.glob = "Echo", .group = "harness"}), HasSubstr("\"Echo\""));
 }
@@ -130,15 +129,11 @@ TEST(ListAsJson, GivesParametersOneByOne) {
   EXPECT_EQ(RowAsJson("Nothing")["parameters"], nlohmann::json::array());
 }
 
-TEST(ListAsJson, GivesNullForWhatIsNotKnownYet) {
-  nlohmann::json row = RowAsJson("NotBuilt");
-  EXPECT_EQ(row["device"], nullptr);
-  EXPECT_EQ(row["outputs"], nullptr);
-  EXPECT_EQ(row["inputs"].size(), 1U) << "declared already";
-  EXPECT_EQ(row["expected_duration"]["reason"], "not known yet");
-  row = RowAsJson("Nothing");
+TEST(ListAsJson, SaysWhyThereIsNoFigure) {
+  const nlohmann::json row = RowAsJson("Nothing");
   EXPECT_EQ(row["device"], "none");
   EXPECT_EQ(row["outputs"], nlohmann::json::array());
+  EXPECT_EQ(row["expected_duration"]["reason"], "as fast as its input is processed");
 }
 
 TEST(ListAsJson, KeepsEveryKeyOfAFile) {

@@ -130,7 +130,7 @@ TEST_F(CommandTest, ListsTheCatalogue) {
   EXPECT_THAT(some, HasSubstr("\n1 routine, 1 available. "));
 
   const json parsed = json::parse(Bench({"list", "--json"}).out);
-  EXPECT_EQ(parsed["schema_version"], 2);
+  EXPECT_EQ(parsed["schema_version"], 3);
   const auto row = std::find_if(parsed["routines"].begin(), parsed["routines"].end(),
                                 [](const json& each) { return each["routine"] == "TestHRTF"; });
   ASSERT_NE(row, parsed["routines"].end());

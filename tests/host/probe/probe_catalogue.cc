@@ -77,7 +77,6 @@ std::vector<CatalogueRow> AllRows() {
   return {{.declared = declared::Nothing,
            .exercises = "a line that may not be broken, whatever its length is, when nobody looks "
                         "at it on a terminal"},
-          {.declared = declared::NotBuilt, .exercises = "nothing yet", .inputs = {kPcmInput}},
           {.declared = declared::Helper, .helper = true, .exercises = "help"},
           {.declared = declared::Echo, .exercises = "arguments"},
           {.declared = declared::PrintAndLog},

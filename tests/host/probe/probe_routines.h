@@ -61,5 +61,4 @@ ROUTINE(void, ReportOnList, const char* outFile);         // Has a first line wh
 ROUTINE(void, PlayWhatIsNone, const char* inFile);        // Its engine says so.
 const std::string& RefusedByTheEngine();                  // Empty for nothing.
 ROUTINE(void, WriteUnless, const char* word, int bytes);  // Nothing for "nothing".
-PLANNED(void, NotBuilt, const char* inFile);
 HELPER(void, Helper);

@@ -78,7 +78,7 @@ TEST_F(EarlierReportTest, DoesNotOutliveARunThatEndsByItself) {
       {3, {"ReadAll", "absent"}},
       {4, {"Crash"}},
       {4, {"Hang", "--timeout-s", "0.1"}},
-      {77, {"NotBuilt", "in"}},
+      {77, {"Helper"}},
       {77, {"NeedNothing"}}};
   for (auto [exitCode, words] : runs) {
     for (const bool first : {true, false}) {

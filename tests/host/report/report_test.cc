@@ -83,8 +83,8 @@ TEST(TextReport, TellsTheVerdictThenTheFiles) {
 TEST(TextReport, TellsWhyItIsNoPass) {
   RunReport report;
   report.routine = "TestIt";
-  report.judgement = Judge({{Cause::kNotRunnable, "not built yet"}});
-  EXPECT_EQ(TextReport(report), "skip  TestIt  not built yet\n");
+  report.judgement = Judge({{Cause::kNotRunnable, "a helper"}});
+  EXPECT_EQ(TextReport(report), "skip  TestIt  a helper\n");
 }
 
 TEST(TextReport, TellsAFewMoreProblems) {

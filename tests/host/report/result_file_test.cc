@@ -200,7 +200,7 @@ TEST_F(ResultFileTest, GivesTheExitCodeOfTheProcess) {
   EXPECT_EQ(ReadReport()["exit_code"], 2);
   EXPECT_EQ(Shell("run Crash --json report.json > /dev/full").exitCode, 4);
   EXPECT_EQ(ReadReport()["exit_code"], 4);
-  EXPECT_EQ(Shell("run NotBuilt --json report.json >&-").exitCode, 77);
+  EXPECT_EQ(Shell("run Helper --json report.json >&-").exitCode, 77);
   EXPECT_EQ(ReadReport()["exit_code"], 77);
 }
 

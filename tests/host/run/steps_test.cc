@@ -41,7 +41,7 @@ TEST_F(StepsTest, StopsInThePlanWhatCannotBeRunAsAsked) {
   ASSERT_TRUE(unknown.stop && unknown.stop->refusal);
   const Plan unfit = MakePlan({.routine = "Copy", .arguments = {"one"}});
   ASSERT_TRUE(unfit.stop && unfit.stop->refusal);
-  const Plan skipped = MakePlan({.routine = "NotBuilt"});
+  const Plan skipped = MakePlan({.routine = "Helper"});
   ASSERT_TRUE(skipped.stop && !skipped.stop->refusal);
 
   for (const auto& [plan, verdict] :

@@ -35,8 +35,7 @@ void TestZUAec(const char* inNearFile, const char* inFarFile, const char* outNea
   const int nearChannels = nearend.num_channels();
   zuwebrtc::WavReader farend(inFarFile);
   if (nearFS != farend.sample_rate() || nearChannels != farend.num_channels()) {
-    // Deliberate: never released. Deleted, no test would show that an engine bears a module that
-    // was made and never used.
+    // Deliberate: never released. Here the module was made and is never used.
     LeaveAlive(aec);
     return;
   }
@@ -104,8 +103,7 @@ void TestSoftAec() {
   while (ReadBlock(nearend, InNear, readNearSamples) && ReadBlock(farend, InFar, readFarSamples)) {
     AudioFrame farFrame;
     FillFrame(farFrame, InFar, readFarSamples, farFS, farChannels);
-    // Deliberate: all flags are the other way round than in TestZUAec. Turned, no test would run
-    // the module with these.
+    // Deliberate: all flags are the other way round than in TestZUAec.
     aec->ProcessRenderAudio(farFrame, true);
     AudioFrame nearFrame;
     FillFrame(nearFrame, InNear, readNearSamples, nearFS, nearChannels);
@@ -121,8 +119,8 @@ void TestSoftAec() {
 
 // The platform's module without a far end, with gain control and noise suppression.
 void TestHardwareAec() {
-  // Deliberate: no format is set, and the module lives on. With a format no test would run the
-  // module's own; deleted, none would show that an engine bears a module that is never released.
+  // Deliberate: no format is set, so that the module works in its own, and the module lives on
+  // until the process ends.
   AecModule* aec = CreateHardwareAec();
   LeaveAlive(aec);
   aec->EnableAGC(true);

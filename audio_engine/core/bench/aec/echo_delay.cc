@@ -107,7 +107,7 @@ void TestAECProcess(const char* pFarendFileName, const char* pNearendFileName,
   StdioFile pOutFile(pOutFileName, "wb");
   void* aec = nullptr;
   WebRtcAec_Create(&aec);
-  // Deliberate: nothing is configured. With a configuration no test would run the defaults.
+  // Deliberate: nothing is configured. The canceller runs with its own defaults.
   WebRtcAec_Init(aec, 16000, 16000);
   uint32_t frameIndex = 1;
 

@@ -25,7 +25,7 @@ void TestEchoDetection() {
   StdioFile nearFile("C:\\aecfiles\\nearend.wav", "rb");
   void* handle = echo_detection_create(nullptr, sample_rate, max_delay);
   if (handle == nullptr) {
-    // Deliberate: both files stay open. Closed, no test would show that the rest bears it.
+    // Deliberate: both files stay open, here alone.
     farFile.LeaveOpen();
     nearFile.LeaveOpen();
     return;
@@ -57,8 +57,8 @@ void TestRecord() {
     puts("Can't Open Input File!");
     return;
   }
-  // Deliberate: neither stopped nor destroyed; its thread finishes the files. Destroyed, no test
-  // would show that it does.
+  // Deliberate: neither stopped nor destroyed; its thread finishes the files after the routine has
+  // returned.
   auto* m_pVoipFileWriter = new CAecFileWriter(16000, 1, "far", "near", "out", "delay", "log", 0);
   harness::LeaveAlive(m_pVoipFileWriter);
   m_pVoipFileWriter->EchoDetectionStart(16000);

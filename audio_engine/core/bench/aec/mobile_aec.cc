@@ -43,7 +43,7 @@ void TestZUAECProcess(const char* pFarendFileName, const char* pNearendFileName,
   void* aecm = AecMobile_Creat(&enErrorcode);
   AecMobile_Init(aecm, sampleRate, sampleRate, sampleRate);
   AecMobile_SetAecNewOn(aecm, false);
-  // Deliberate: never released. Deleted, no run would show that an engine bears lost buffers.
+  // Deliberate: never released. Each call leaves its three buffers behind.
   auto* captureBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* renderBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* outputBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
@@ -99,7 +99,7 @@ void TestZUAECNSProcess(FILE* in, FILE* out) {
   void* aecm = AecMobile_Creat(&enErrorcode);
   AecMobile_Init(aecm, sampleRate, sampleRate, sampleRate);
   AecMobile_SetAecNewOn(aecm, false);
-  // Deliberate: never released. Deleted, no run would show that an engine bears lost buffers.
+  // Deliberate: never released. Each call leaves its three buffers behind.
   auto* captureBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* renderBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* outputBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);

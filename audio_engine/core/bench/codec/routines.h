@@ -30,6 +30,7 @@ ROUTINE(void, TestZUCodecNew, const char* wavInFileName, const char* wavOutFileN
 ROUTINE(void, TestMockVADMos, const char* refFile, int codecId);
 ROUTINE(void, calAACMos, char* wavInFileName, char* wavOutFileName, int codecId, int bitRate,
         int sRate);
+ROUTINE(void, TestSilkMos);
 HELPER(int, GetCodecFrameLength, unsigned char* header, int len);
 HELPER(CAudioCodec*, encoderFromRawCodecId, int codecId);
 HELPER(CAudioCodec*, decoderFromRawCodecId, int codecId);

@@ -78,8 +78,8 @@ void TestEqReverb() {
 }
 
 // The equaliser alone over "input.wav", 3 dB in the lowest band.
-// Deliberate: the two counts of samples are those of TestEqReverb. The module is not destroyed
-// either, which nothing in the output would show.
+// Deliberate: the two counts of samples are those of TestEqReverb, and as there the module is never
+// destroyed.
 void TestAudioEffectModule() {
   auto* module = new AudioEffectModule;
   module->SetEqualizerEnable(true);

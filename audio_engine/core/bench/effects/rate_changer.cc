@@ -58,7 +58,6 @@ void TestRateChanger() {
     }
   }
 
-  // Deliberate: never deleted. Otherwise no test would show that an engine bears a changer that
-  // lives on after its last use.
+  // Deliberate: never deleted. The changer lives on after its last use, until the process ends.
   LeaveAlive(rateChanger);
 }  // Closes the writer, then the reader.

@@ -56,8 +56,7 @@ void TestSpeexConverter() {
   const int dst_ch = 1;
   zuwebrtc::WavWriter writer("resampler.wav", dst_fs, dst_ch);
   const unsigned dst_frame = harness::BlockSamples(dst_fs, 1, time_ms);
-  // Deliberate: never destroyed. Otherwise no test would show that an engine bears a converter that
-  // lives on after its last use.
+  // Deliberate: never destroyed. The converter lives on after its last use, until the process ends.
   IAudioResamplerEx* resampler = IAudioResamplerEx::Create(
       src_frame, static_cast<uint32_t>(src_fs), static_cast<uint32_t>(src_ch), dst_frame,
       static_cast<uint32_t>(dst_fs), static_cast<uint32_t>(dst_ch), nullptr);

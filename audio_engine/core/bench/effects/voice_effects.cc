@@ -52,8 +52,7 @@ void TestVoiceBeautify() {
   }
   printf("notSame = %d, total = %d\n", notSameSamples, totalSamples);
 
-  // Deliberate: never destroyed. Otherwise no test would show that an engine bears an effect that
-  // lives on after its last use.
+  // Deliberate: never destroyed. The effect lives on after its last use, until the process ends.
   LeaveAlive(beautify);
 }  // Closes the writer, then the reader.
 

@@ -103,7 +103,7 @@ void TestZUAudioProcessing(const char* pFarendFileName, const char* pNearendFile
   // would announce the near end's length.
   pOutFile.Write(headerFarend, 1, headerBytes);
 
-  // Deliberate: no format is set. With one no test would run the module's own.
+  // Deliberate: no format is set: the module works in its own.
   AecModule* aec = new SoftwareAec;
   int vadVoiceResult = 0;
   int vadPassiveResult = 0;

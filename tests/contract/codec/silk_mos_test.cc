@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "catalogue/routines.h"
+#include "bench/codec/routines.h"
 #include "fake_engine/fake_engine.h"
 
 using testing::ElementsAre;
