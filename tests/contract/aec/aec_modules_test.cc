@@ -6,6 +6,7 @@
 #include "fake_engine/aec/aec_module.h"
 #include "fake_engine/effects/audio_resampler_ex.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -50,12 +51,13 @@ TEST(TestZUAec, RunsThePlatformsModuleOnRequest) {
 
   TestZUAec("near.wav", "far.wav", "out.wav", false);
 
-  EXPECT_THAT(
-      engine.CallsWith("HardwareAec"),
-      ElementsAre("CreateHardwareAec() = HardwareAec#1", "HardwareAec#1.SetFsAndCh(16000, 1, 0)",
-                  "HardwareAec#1.ProcessRenderAudio(160, 16000 Hz, 1 ch, false)",
-                  "HardwareAec#1.ProcessCaptureAudio(160, 16000 Hz, 1 ch, false, true)",
-                  "~HardwareAec#1"));
+  EXPECT_THAT(engine.CallsWith("HardwareAec"), Transcript(R"(
+      CreateHardwareAec() = HardwareAec#1
+      HardwareAec#1.SetFsAndCh(16000, 1, 0)
+      HardwareAec#1.ProcessRenderAudio(160, 16000 Hz, 1 ch, false)
+      HardwareAec#1.ProcessCaptureAudio(160, 16000 Hz, 1 ch, false, true)
+      ~HardwareAec#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
@@ -157,9 +159,10 @@ TEST(TestZUAec, CountsABlockIn16Bits) {
 
   TestZUAec("near.wav", "far.wav", "out.wav", true);
 
-  EXPECT_THAT(engine.CallsWith(".Convert("),
-              ElementsAre("IAudioResamplerEx#1.Convert(@1, 3584, @1, 160) = 1",
-                          "IAudioResamplerEx#1.Convert(@2, 3584, @2, 160) = 1"));
+  EXPECT_THAT(engine.CallsWith(".Convert("), Transcript(R"(
+      IAudioResamplerEx#1.Convert(@1, 3584, @1, 160) = 1
+      IAudioResamplerEx#1.Convert(@2, 3584, @2, 160) = 1
+  )"));
 }
 
 TEST(TestZUAec, WritesNothingAndKeepsItsModuleWhenTheFormatsDiffer) {

@@ -5,6 +5,7 @@
 #include "fake_engine/aec/echo_delay_est.h"
 #include "fake_engine/aec/webrtc_aec.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -26,16 +27,26 @@ TEST(TestEchoDelayEst, FeedsWholeFramesFarBeforeNear) {
 
   TestEchoDelayEst("far.wav", "near.wav");
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fopen(far.wav, rb)", "fseek(far.wav, 44, 0)", "fopen(near.wav, rb)",
-                          "fseek(near.wav, 44, 0)", "CEchoDelayEst#1(16000, 1)",
-                          "fread(far.wav, 320, 1) = 1", "fread(near.wav, 320, 1) = 1",
-                          "CEchoDelayEst#1.ProcessFar(1.., 160)",
-                          "CEchoDelayEst#1.ProcessNear(5001.., 160)", "fread(far.wav, 320, 1) = 1",
-                          "fread(near.wav, 320, 1) = 1", "CEchoDelayEst#1.ProcessFar(161.., 160)",
-                          "CEchoDelayEst#1.ProcessNear(5161.., 160)", "fread(far.wav, 320, 1) = 1",
-                          "fread(near.wav, 320, 1) = 0", "fclose(far.wav)", "fclose(near.wav)",
-                          "~CEchoDelayEst#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(far.wav, rb)
+      fseek(far.wav, 44, 0)
+      fopen(near.wav, rb)
+      fseek(near.wav, 44, 0)
+      CEchoDelayEst#1(16000, 1)
+      fread(far.wav, 320, 1) = 1
+      fread(near.wav, 320, 1) = 1
+      CEchoDelayEst#1.ProcessFar(1.., 160)
+      CEchoDelayEst#1.ProcessNear(5001.., 160)
+      fread(far.wav, 320, 1) = 1
+      fread(near.wav, 320, 1) = 1
+      CEchoDelayEst#1.ProcessFar(161.., 160)
+      CEchoDelayEst#1.ProcessNear(5161.., 160)
+      fread(far.wav, 320, 1) = 1
+      fread(near.wav, 320, 1) = 0
+      fclose(far.wav)
+      fclose(near.wav)
+      ~CEchoDelayEst#1
+  )"));
 }
 
 TEST(TestEchoDelayEst, LogsEveryHundredthFrame) {
@@ -71,8 +82,12 @@ TEST(TestEchoDelayEst, SaysNothingWithoutInputs) {
 
   TestEchoDelayEst("far.wav", "near.wav");
 
-  EXPECT_THAT(engine.calls, ElementsAre("fopen(far.wav, rb) = null", "fopen(near.wav, rb) = null",
-                                        "CEchoDelayEst#1(16000, 1)", "~CEchoDelayEst#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(far.wav, rb) = null
+      fopen(near.wav, rb) = null
+      CEchoDelayEst#1(16000, 1)
+      ~CEchoDelayEst#1
+  )"));
 }
 
 TEST(TestEchoDelayEstAndAEC, CancelsWithTheDelayFoundSoFar) {
@@ -87,28 +102,45 @@ TEST(TestEchoDelayEstAndAEC, CancelsWithTheDelayFoundSoFar) {
 
   TestEchoDelayEstAndAEC("far.wav", "near.wav", "out.wav");
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("fopen(far.wav, rb)", "fread(far.wav, 1, 44) = 44", "fopen(near.wav, rb)",
-                  "fread(near.wav, 1, 44) = 44", "fopen(out.wav, wb)", "fwrite(out.wav, 1, 44)",
-                  "WebRtcAec_Create() = WebRtcAec#1", "WebRtcAec_Init(#1, 16000, 16000)",
-                  "WebRtcAec_set_config(#1, 2, 0, 0, 0)", "CEchoDelayEst#1(16000, 1)",
-                  "GetExactTickCount() = 0",  //
-                  "fread(far.wav, 320, 1) = 1", "fread(near.wav, 320, 1) = 1",
-                  "CEchoDelayEst#1.ProcessFar(1.., 160)",
-                  "CEchoDelayEst#1.ProcessNear(5001.., 160)", "CEchoDelayEst#1.GetDelay() = 40",
-                  "OutputDebugInfo(\"TestEchoDelayEstAndAEC: %d, %d\", 1, 40)",
-                  "WebRtcAec_BufferFarend(#1, 1.0..160.0, 160)",
-                  "WebRtcAec_Process(#1, 5001.0.., 1, 160, 40, 0)", "fwrite(out.wav, 320, 1)",
-                  "fread(far.wav, 320, 1) = 1", "fread(near.wav, 320, 1) = 1",
-                  "CEchoDelayEst#1.ProcessFar(161.., 160)",
-                  "CEchoDelayEst#1.ProcessNear(5161.., 160)", "CEchoDelayEst#1.GetDelay() = 80",
-                  "OutputDebugInfo(\"TestEchoDelayEstAndAEC: %d, %d\", 2, 80)",
-                  "WebRtcAec_BufferFarend(#1, 161.0..320.0, 160)",
-                  "WebRtcAec_Process(#1, 5161.0.., 1, 160, 80, 0)", "fwrite(out.wav, 320, 1)",
-                  "fread(far.wav, 320, 1) = 0", "GetExactTickCount() = 14",
-                  "OutputDebugInfo(\"%d\", 14)", "fclose(far.wav)", "fclose(near.wav)",
-                  "fclose(out.wav)", "WebRtcAec_Free(#1)", "~CEchoDelayEst#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(far.wav, rb)
+      fread(far.wav, 1, 44) = 44
+      fopen(near.wav, rb)
+      fread(near.wav, 1, 44) = 44
+      fopen(out.wav, wb)
+      fwrite(out.wav, 1, 44)
+      WebRtcAec_Create() = WebRtcAec#1
+      WebRtcAec_Init(#1, 16000, 16000)
+      WebRtcAec_set_config(#1, 2, 0, 0, 0)
+      CEchoDelayEst#1(16000, 1)
+      GetExactTickCount() = 0
+      fread(far.wav, 320, 1) = 1
+      fread(near.wav, 320, 1) = 1
+      CEchoDelayEst#1.ProcessFar(1.., 160)
+      CEchoDelayEst#1.ProcessNear(5001.., 160)
+      CEchoDelayEst#1.GetDelay() = 40
+      OutputDebugInfo("TestEchoDelayEstAndAEC: %d, %d", 1, 40)
+      WebRtcAec_BufferFarend(#1, 1.0..160.0, 160)
+      WebRtcAec_Process(#1, 5001.0.., 1, 160, 40, 0)
+      fwrite(out.wav, 320, 1)
+      fread(far.wav, 320, 1) = 1
+      fread(near.wav, 320, 1) = 1
+      CEchoDelayEst#1.ProcessFar(161.., 160)
+      CEchoDelayEst#1.ProcessNear(5161.., 160)
+      CEchoDelayEst#1.GetDelay() = 80
+      OutputDebugInfo("TestEchoDelayEstAndAEC: %d, %d", 2, 80)
+      WebRtcAec_BufferFarend(#1, 161.0..320.0, 160)
+      WebRtcAec_Process(#1, 5161.0.., 1, 160, 80, 0)
+      fwrite(out.wav, 320, 1)
+      fread(far.wav, 320, 1) = 0
+      GetExactTickCount() = 14
+      OutputDebugInfo("%d", 14)
+      fclose(far.wav)
+      fclose(near.wav)
+      fclose(out.wav)
+      WebRtcAec_Free(#1)
+      ~CEchoDelayEst#1
+  )"));
   EXPECT_EQ(SamplesFrom(engine, "out.wav", 44), Negated(Ramp(320, 5001)));
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -179,20 +211,30 @@ TEST(TestAECProcess, CancelsHeaderlessFilesWithTheDefaultsAndTheGivenDelay) {
 
   TestAECProcess("far.pcm", "near.pcm", "out.pcm", 89);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("fopen(far.pcm, rb)", "fopen(near.pcm, rb)", "fopen(out.pcm, wb)",
-                  "WebRtcAec_Create() = WebRtcAec#1", "WebRtcAec_Init(#1, 16000, 16000)",
-                  "fread(far.pcm, 320, 1) = 1", "fread(near.pcm, 320, 1) = 1",
-                  "OutputDebugInfo(\"TestAECProcess: %d, %d\", 1, 89)",
-                  "WebRtcAec_BufferFarend(#1, 1.0..160.0, 160)",
-                  "WebRtcAec_Process(#1, 5001.0.., 1, 160, 89, 0)", "fwrite(out.pcm, 320, 1)",
-                  "fread(far.pcm, 320, 1) = 1", "fread(near.pcm, 320, 1) = 1",
-                  "OutputDebugInfo(\"TestAECProcess: %d, %d\", 2, 89)",
-                  "WebRtcAec_BufferFarend(#1, 161.0..320.0, 160)",
-                  "WebRtcAec_Process(#1, 5161.0.., 1, 160, 89, 0)", "fwrite(out.pcm, 320, 1)",
-                  "fread(far.pcm, 320, 1) = 0", "fclose(far.pcm)", "fclose(near.pcm)",
-                  "fclose(out.pcm)", "WebRtcAec_Free(#1)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(far.pcm, rb)
+      fopen(near.pcm, rb)
+      fopen(out.pcm, wb)
+      WebRtcAec_Create() = WebRtcAec#1
+      WebRtcAec_Init(#1, 16000, 16000)
+      fread(far.pcm, 320, 1) = 1
+      fread(near.pcm, 320, 1) = 1
+      OutputDebugInfo("TestAECProcess: %d, %d", 1, 89)
+      WebRtcAec_BufferFarend(#1, 1.0..160.0, 160)
+      WebRtcAec_Process(#1, 5001.0.., 1, 160, 89, 0)
+      fwrite(out.pcm, 320, 1)
+      fread(far.pcm, 320, 1) = 1
+      fread(near.pcm, 320, 1) = 1
+      OutputDebugInfo("TestAECProcess: %d, %d", 2, 89)
+      WebRtcAec_BufferFarend(#1, 161.0..320.0, 160)
+      WebRtcAec_Process(#1, 5161.0.., 1, 160, 89, 0)
+      fwrite(out.pcm, 320, 1)
+      fread(far.pcm, 320, 1) = 0
+      fclose(far.pcm)
+      fclose(near.pcm)
+      fclose(out.pcm)
+      WebRtcAec_Free(#1)
+  )"));
   EXPECT_EQ(engine.Values<short>("out.pcm"), Negated(Ramp(320, 5001)));
   EXPECT_THAT(engine.live, IsEmpty());
 }

@@ -9,6 +9,7 @@
 #include "contract/aec/pcm_files.h"
 #include "fake_engine/aec/aec_module.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -51,17 +52,25 @@ class TestSoftAecRoutine : public testing::Test {
 TestSoftAecRoutine::Run TestSoftAecRoutine::first;
 
 TEST_F(TestSoftAecRoutine, GivesTheModuleEachFrameInItsOwnFormat) {
-  EXPECT_THAT(
-      first.calls,
-      ElementsAre(
-          "fopen(music_delay/echo_metrics.txt, wb)", "SoftwareAec#1()",
-          "SoftwareAec#1.SetFsAndCh(16000, 1, 0)", "WavReader#1(music_delay/findcap.wav)",
-          "WavReader#2(music_delay/findreceive.wav)", "WavWriter#1(music_delay/out.wav, 16000, 1)",
-          "WavReader#1.ReadSamples(960) = 960", "WavReader#2.ReadSamples(80) = 80",
-          "SoftwareAec#1.ProcessRenderAudio(80, 8000 Hz, 1 ch, true)",
-          "SoftwareAec#1.ProcessCaptureAudio(480, 48000 Hz, 2 ch, true, false)",
-          "WavWriter#1.WriteSamples(160)", "WavReader#1.ReadSamples(960) = 959", "~SoftwareAec#1",
-          "fclose(music_delay/echo_metrics.txt)", "~WavWriter#1", "~WavReader#2", "~WavReader#1"));
+  EXPECT_THAT(first.calls, Transcript(R"(
+      fopen(music_delay/echo_metrics.txt, wb)
+      SoftwareAec#1()
+      SoftwareAec#1.SetFsAndCh(16000, 1, 0)
+      WavReader#1(music_delay/findcap.wav)
+      WavReader#2(music_delay/findreceive.wav)
+      WavWriter#1(music_delay/out.wav, 16000, 1)
+      WavReader#1.ReadSamples(960) = 960
+      WavReader#2.ReadSamples(80) = 80
+      SoftwareAec#1.ProcessRenderAudio(80, 8000 Hz, 1 ch, true)
+      SoftwareAec#1.ProcessCaptureAudio(480, 48000 Hz, 2 ch, true, false)
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(960) = 959
+      ~SoftwareAec#1
+      fclose(music_delay/echo_metrics.txt)
+      ~WavWriter#1
+      ~WavReader#2
+      ~WavReader#1
+  )"));
   EXPECT_EQ(first.far, std::vector<short>(80, 3));
   // 160 samples, whatever the frame holds.
   EXPECT_EQ(first.out, std::vector<short>(160, -7));

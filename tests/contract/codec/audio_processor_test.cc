@@ -10,6 +10,7 @@
 #include "fake_engine/codec/two_byte_header.h"
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/platform/paths.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -70,19 +71,25 @@ TEST(TestSilkPackerOut, HandsFramesOverWithTheirHeaderAndLeavesAllOpen) {
 
   TestSilkPackerOut();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("fopen(packer.out, rb)", "fopen(packer.pcm, wb)", "NetCodecStreamFormat#1()",
-                  "AudioProcessor::Create(null) = AudioProcessor#1", "fread(packer.out, 2, 1) = 1",
-                  "fseek(packer.out, -2, 1)", "ParseTwoByteHeader(0x0005) = 5",
-                  "fread(packer.out, 5, 1) = 1",
-                  "AudioProcessor#1.ProcessData(5, room 65535, 0, 0) = 4",
-                  "fwrite(packer.pcm, 1, 4)",  //
-                  "fread(packer.out, 2, 1) = 1", "fseek(packer.out, -2, 1)",
-                  "ParseTwoByteHeader(0x0003) = 3", "fread(packer.out, 3, 1) = 1",
-                  "AudioProcessor#1.ProcessData(3, room 65535, 0, 0) = 0",
-                  "fwrite(packer.pcm, 1, 0)",  // Whatever came out.
-                  "fread(packer.out, 2, 1) = 0"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(packer.out, rb)
+      fopen(packer.pcm, wb)
+      NetCodecStreamFormat#1()
+      AudioProcessor::Create(null) = AudioProcessor#1
+      fread(packer.out, 2, 1) = 1
+      fseek(packer.out, -2, 1)
+      ParseTwoByteHeader(0x0005) = 5
+      fread(packer.out, 5, 1) = 1
+      AudioProcessor#1.ProcessData(5, room 65535, 0, 0) = 4
+      fwrite(packer.pcm, 1, 4)
+      fread(packer.out, 2, 1) = 1
+      fseek(packer.out, -2, 1)
+      ParseTwoByteHeader(0x0003) = 3
+      fread(packer.out, 3, 1) = 1
+      AudioProcessor#1.ProcessData(3, room 65535, 0, 0) = 0
+      fwrite(packer.pcm, 1, 0)  # Whatever came out.
+      fread(packer.out, 2, 1) = 0
+  )"));
   EXPECT_THAT(frames, ElementsAre(Frame(5, 'a'), Frame(3, 'b')));
   EXPECT_THAT(engine.live, ElementsAre(std::pair("AudioProcessor", 1)));
   EXPECT_EQ(Flushed(engine, "packer.pcm"), "pcm1");
@@ -120,9 +127,12 @@ TEST(TestSilkPackerOut, EndsInsideAFrame) {
 TEST(TestSilkPackerOut, EndsAtOnceWhenTheInputIsMissing) {
   FakeEngine engine;
   TestSilkPackerOut();
-  EXPECT_THAT(engine.calls, ElementsAre("fopen(packer.out, rb) = null", "fopen(packer.pcm, wb)",
-                                        "NetCodecStreamFormat#1()",
-                                        "AudioProcessor::Create(null) = AudioProcessor#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(packer.out, rb) = null
+      fopen(packer.pcm, wb)
+      NetCodecStreamFormat#1()
+      AudioProcessor::Create(null) = AudioProcessor#1
+  )"));
 }
 
 TEST(TestSilkPackerOut, KeepsTheLow16BitsOfALength) {
@@ -162,19 +172,25 @@ TEST(TestZUAudioProcessor, Encodes4096SamplesAtATime) {
 
   TestZUAudioProcessor();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("GetIosDocPath()", "GetIosDocPath()", "WavReader#1(docs-player.wav)",
-                          "fopen(docs-player.aac, wb)", "NetCodecStreamFormat#1()",
-                          "AudioProcessor::Create(null) = AudioProcessor#1",
-                          "WavReader#1.ReadSamples(4096) = 4096",
-                          "AudioProcessor#1.ProcessData(8192, room 65536, 0, 0) = 0",
-                          "fwrite(docs-player.aac, 1, 0)",  //
-                          "WavReader#1.ReadSamples(4096) = 4096",
-                          "AudioProcessor#1.ProcessData(8192, room 65536, 0, 0) = 4",
-                          "fwrite(docs-player.aac, 1, 4)",  //
-                          "WavReader#1.ReadSamples(4096) = 4095", "fclose(docs-player.aac)",
-                          "AudioProcessor::Release(AudioProcessor#1)", "puts(\"Encode End......\")",
-                          "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      GetIosDocPath()
+      GetIosDocPath()
+      WavReader#1(docs-player.wav)
+      fopen(docs-player.aac, wb)
+      NetCodecStreamFormat#1()
+      AudioProcessor::Create(null) = AudioProcessor#1
+      WavReader#1.ReadSamples(4096) = 4096
+      AudioProcessor#1.ProcessData(8192, room 65536, 0, 0) = 0
+      fwrite(docs-player.aac, 1, 0)
+      WavReader#1.ReadSamples(4096) = 4096
+      AudioProcessor#1.ProcessData(8192, room 65536, 0, 0) = 4
+      fwrite(docs-player.aac, 1, 4)
+      WavReader#1.ReadSamples(4096) = 4095
+      fclose(docs-player.aac)
+      AudioProcessor::Release(AudioProcessor#1)
+      puts("Encode End......")
+      ~WavReader#1
+  )"));
   EXPECT_EQ(
       given.compare(0, std::string::npos, reinterpret_cast<const char*>(ramp.data()), 2 * 8192), 0);
   EXPECT_EQ(engine.Bytes("docs-player.aac"), "adts");

@@ -5,6 +5,7 @@
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/codec/codec_format.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -78,18 +79,27 @@ TEST(TestZUDecode, ReadsDecodesLogsAndThenWrites) {
 
   TestZUDecode("in.enc", "out.wav", 2, false);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "fopen(in.enc, rb)", "fseek(in.enc, 0, 2)", "ftell(in.enc) = 11", "fseek(in.enc, 0, 0)",
-          "fread(in.enc, 1, 11) = 11", "fclose(in.enc)", "FormatFromRawCodecId(2)",
-          "GetExactTickCount() = 50", "CreateAudioCodec(4, 0) = CAudioCodec#1",
-          "CAudioCodec#1.Init(id 2, 44100 Hz x 2, 10) = 1",
-          "CAudioCodec#1.Process(4, room 400) = 4", "CAudioCodec#1.Process(2, room 400) = 0",
-          "CAudioCodec#1.Process(5, room 400) = 2", "~CAudioCodec#1", "GetExactTickCount() = 59",
-          "OutputDebugInfo(\"decode elapse time: %d.\", 9)",
-          "CWavFileWriter#1(44100, 2, 16, out.wav)", "CWavFileWriter#1.Write(6)",
-          "~CWavFileWriter#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(in.enc, rb)
+      fseek(in.enc, 0, 2)
+      ftell(in.enc) = 11
+      fseek(in.enc, 0, 0)
+      fread(in.enc, 1, 11) = 11
+      fclose(in.enc)
+      FormatFromRawCodecId(2)
+      GetExactTickCount() = 50
+      CreateAudioCodec(4, 0) = CAudioCodec#1
+      CAudioCodec#1.Init(id 2, 44100 Hz x 2, 10) = 1
+      CAudioCodec#1.Process(4, room 400) = 4
+      CAudioCodec#1.Process(2, room 400) = 0
+      CAudioCodec#1.Process(5, room 400) = 2
+      ~CAudioCodec#1
+      GetExactTickCount() = 59
+      OutputDebugInfo("decode elapse time: %d.", 9)
+      CWavFileWriter#1(44100, 2, 16, out.wav)
+      CWavFileWriter#1.Write(6)
+      ~CWavFileWriter#1
+  )"));
   EXPECT_EQ(engine.wavs["out.wav"].samples, (std::vector<short>{1, 2, 3}));
 }
 
@@ -189,9 +199,11 @@ TEST(TestZUDecode, LeavesAWavWithoutSamplesWithoutACodec) {
   EXPECT_THAT(engine.CallsWith("Codec#"), IsEmpty());
   EXPECT_THAT(engine.CallsWith("OutputDebugInfo"),
               ElementsAre("OutputDebugInfo(\"decode elapse time: %d.\", 0)"));
-  EXPECT_THAT(engine.CallsWith("CWavFileWriter"),
-              ElementsAre("CWavFileWriter#1(44100, 2, 16, out.wav)", "CWavFileWriter#1.Write(0)",
-                          "~CWavFileWriter#1"));
+  EXPECT_THAT(engine.CallsWith("CWavFileWriter"), Transcript(R"(
+      CWavFileWriter#1(44100, 2, 16, out.wav)
+      CWavFileWriter#1.Write(0)
+      ~CWavFileWriter#1
+  )"));
 }
 
 TEST(TestZUDecode, TakesAMissingFileForAnEmptyOne) {

@@ -7,6 +7,7 @@
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/codec/codec_format.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -52,16 +53,24 @@ TEST(TestZUEncode, EncodesLogsAndThenWrites) {
 
   TestZUEncode("in.wav", "out.enc", 35, false);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "WavReader#1(in.wav)", "WavReader#1.ReadSamples(9) = 9", "FormatFromRawCodecId(35)",
-          "GetExactTickCount() = 100", "CreateAudioCodec(64, 1) = CAudioCodec#1",
-          "CAudioCodec#1.Init(id 35, 48000 Hz x 2, 2) = 1", "CAudioCodec#1.Process(8, room 8) = 3",
-          "CAudioCodec#1.Process(8, room 8) = 3", "CAudioCodec#1.Process(8, room 8) = 3",
-          "~CAudioCodec#1", "GetExactTickCount() = 121",
-          "OutputDebugInfo(\"encode elapse time: %d.\", 21)", "fopen(out.enc, wb)",
-          "fwrite(out.enc, 1, 9)", "fclose(out.enc)", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WavReader#1.ReadSamples(9) = 9
+      FormatFromRawCodecId(35)
+      GetExactTickCount() = 100
+      CreateAudioCodec(64, 1) = CAudioCodec#1
+      CAudioCodec#1.Init(id 35, 48000 Hz x 2, 2) = 1
+      CAudioCodec#1.Process(8, room 8) = 3
+      CAudioCodec#1.Process(8, room 8) = 3
+      CAudioCodec#1.Process(8, room 8) = 3
+      ~CAudioCodec#1
+      GetExactTickCount() = 121
+      OutputDebugInfo("encode elapse time: %d.", 21)
+      fopen(out.enc, wb)
+      fwrite(out.enc, 1, 9)
+      fclose(out.enc)
+      ~WavReader#1
+  )"));
   EXPECT_EQ(engine.Bytes("out.enc"), "abcabcabc");
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -103,9 +112,11 @@ TEST(TestZUEncode, PutsLengthsAheadOfFramesWhenAskedTo) {
   // Nothing at all, not even a length, for the frame that gave nothing.
   EXPECT_EQ(engine.Bytes("out.enc"), std::string("\x2C\x01\0\0", 4) + answers[0] +
                                          std::string("\x0C\0\0\0", 4) + answers[2]);
-  EXPECT_THAT(engine.CallsWith("room"), ElementsAre("CAudioCodec#1.Process(400, room 400) = 300",
-                                                    "CAudioCodec#1.Process(400, room 400) = 0",
-                                                    "CAudioCodec#1.Process(400, room 400) = 12"));
+  EXPECT_THAT(engine.CallsWith("room"), Transcript(R"(
+      CAudioCodec#1.Process(400, room 400) = 300
+      CAudioCodec#1.Process(400, room 400) = 0
+      CAudioCodec#1.Process(400, room 400) = 12
+  )"));
 }
 
 TEST(TestZUEncode, GoesOnWhenTheCodecDoesNotStart) {
@@ -128,12 +139,18 @@ TEST(TestZUEncode, LeavesAnEmptyFileAndALineWithoutACodec) {
 
   TestZUEncode("in.wav", "out.enc", 0, true);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(in.wav)", "WavReader#1.ReadSamples(4) = 4",
-                  "FormatFromRawCodecId(0)", "GetExactTickCount() = 0", "GetExactTickCount() = 0",
-                  "OutputDebugInfo(\"encode elapse time: %d.\", 0)", "fopen(out.enc, wb)",
-                  "fwrite(out.enc, 1, 0)", "fclose(out.enc)", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WavReader#1.ReadSamples(4) = 4
+      FormatFromRawCodecId(0)
+      GetExactTickCount() = 0
+      GetExactTickCount() = 0
+      OutputDebugInfo("encode elapse time: %d.", 0)
+      fopen(out.enc, wb)
+      fwrite(out.enc, 1, 0)
+      fclose(out.enc)
+      ~WavReader#1
+  )"));
   EXPECT_TRUE(engine.HasFile("out.enc"));
   EXPECT_EQ(engine.Bytes("out.enc"), "");
 }

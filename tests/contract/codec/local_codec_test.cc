@@ -4,6 +4,7 @@
 
 #include "bench/codec/routines.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -67,26 +68,42 @@ TEST(TestAudioEncode, EncodesThenDecodes) {
 
   TestAudioEncode();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("fopen(audio_test.pcm, rb)", "fopen(out.enc, wb)",
-                  "CreateAudioEncoder(4) = IAudioEncoder#1", "IAudioEncoder#1.Init()",
-                  "IAudioEncoder#1.GetEncoderBytes() = 4", "fread(audio_test.pcm, 4, 1) = 1",
-                  "IAudioEncoder#1.Encode(4, out of 0) = 3", "fwrite(out.enc, 2, 1)",
-                  "fwrite(out.enc, 1, 3)", "fread(audio_test.pcm, 4, 1) = 1",
-                  "IAudioEncoder#1.Encode(4, out of 3) = 0",  // The same string again.
-                  "fread(audio_test.pcm, 4, 1) = 1", "IAudioEncoder#1.Encode(4, out of 0) = 3",
-                  "fwrite(out.enc, 2, 1)", "fwrite(out.enc, 1, 3)",
-                  "fread(audio_test.pcm, 4, 1) = 0",  // Dropped.
-                  "IAudioEncoder#1.Destroy()", "fclose(audio_test.pcm)", "fclose(out.enc)",
-                  "fopen(out.enc, rb)", "fopen(dec.pcm, wb)",
-                  "CreateAudioDecoder(4) = IAudioDecoder#1", "IAudioDecoder#1.Init()",
-                  "fread(out.enc, 2, 1) = 1", "fread(out.enc, 3, 1) = 1",
-                  "IAudioDecoder#1.Decode(3, out of 0) = 4", "fwrite(dec.pcm, 1, 4)",
-                  "fread(out.enc, 2, 1) = 1", "fread(out.enc, 3, 1) = 1",
-                  "IAudioDecoder#1.Decode(3, out of 4) = 0",  // Again the same string.
-                  "fread(out.enc, 2, 1) = 0", "IAudioDecoder#1.Destroy()", "fclose(dec.pcm)",
-                  "fclose(out.enc)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(audio_test.pcm, rb)
+      fopen(out.enc, wb)
+      CreateAudioEncoder(4) = IAudioEncoder#1
+      IAudioEncoder#1.Init()
+      IAudioEncoder#1.GetEncoderBytes() = 4
+      fread(audio_test.pcm, 4, 1) = 1
+      IAudioEncoder#1.Encode(4, out of 0) = 3
+      fwrite(out.enc, 2, 1)
+      fwrite(out.enc, 1, 3)
+      fread(audio_test.pcm, 4, 1) = 1
+      IAudioEncoder#1.Encode(4, out of 3) = 0  # The same string again.
+      fread(audio_test.pcm, 4, 1) = 1
+      IAudioEncoder#1.Encode(4, out of 0) = 3
+      fwrite(out.enc, 2, 1)
+      fwrite(out.enc, 1, 3)
+      fread(audio_test.pcm, 4, 1) = 0  # Dropped.
+      IAudioEncoder#1.Destroy()
+      fclose(audio_test.pcm)
+      fclose(out.enc)
+      fopen(out.enc, rb)
+      fopen(dec.pcm, wb)
+      CreateAudioDecoder(4) = IAudioDecoder#1
+      IAudioDecoder#1.Init()
+      fread(out.enc, 2, 1) = 1
+      fread(out.enc, 3, 1) = 1
+      IAudioDecoder#1.Decode(3, out of 0) = 4
+      fwrite(dec.pcm, 1, 4)
+      fread(out.enc, 2, 1) = 1
+      fread(out.enc, 3, 1) = 1
+      IAudioDecoder#1.Decode(3, out of 4) = 0  # Again the same string.
+      fread(out.enc, 2, 1) = 0
+      IAudioDecoder#1.Destroy()
+      fclose(dec.pcm)
+      fclose(out.enc)
+  )"));
   EXPECT_EQ(engine.Bytes("out.enc"), Packet("aaa") + Packet("ccc"));
   EXPECT_EQ(engine.Bytes("dec.pcm"), "aaa!");
   EXPECT_THAT(engine.live, IsEmpty());
@@ -95,8 +112,12 @@ TEST(TestAudioEncode, EncodesThenDecodes) {
 TEST(TestAudioEncode, LeavesAnEmptyStreamWhenTheInputIsMissing) {
   FakeEngine engine;
   TestAudioEncode();
-  EXPECT_THAT(engine.calls, ElementsAre("fopen(audio_test.pcm, rb) = null", "fopen(out.enc, wb)",
-                                        "puts(\"Can't Open Input File!\")", "fclose(out.enc)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(audio_test.pcm, rb) = null
+      fopen(out.enc, wb)
+      puts("Can't Open Input File!")
+      fclose(out.enc)
+  )"));
   EXPECT_TRUE(engine.HasFile("out.enc"));
 }
 
@@ -201,15 +222,27 @@ TEST(TestEncodeFile, OpensReadsEncodesAndCloses) {
 
   TestEncodeFile(g_in, g_out);
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fopen(in.wav, rb)", "fopen(out.enc, wb)", "fread(in.wav, 44, 1) = 1",
-                          "CreateAudioEncoder(2) = IAudioEncoder#1", "IAudioEncoder#1.Init()",
-                          "IAudioEncoder#1.GetEncoderBytes() = 2", "fread(in.wav, 2, 1) = 1",
-                          "IAudioEncoder#1.Encode(2, out of 0) = 2", "fwrite(out.enc, 4, 1)",
-                          "fwrite(out.enc, 1, 1)", "fwrite(out.enc, 4, 1)", "fwrite(out.enc, 1, 1)",
-                          "fwrite(out.enc, 1, 1)", "fwrite(out.enc, 2, 1)", "fwrite(out.enc, 1, 2)",
-                          "fread(in.wav, 2, 1) = 0", "IAudioEncoder#1.Destroy()", "fclose(out.enc)",
-                          "fclose(in.wav)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(in.wav, rb)
+      fopen(out.enc, wb)
+      fread(in.wav, 44, 1) = 1
+      CreateAudioEncoder(2) = IAudioEncoder#1
+      IAudioEncoder#1.Init()
+      IAudioEncoder#1.GetEncoderBytes() = 2
+      fread(in.wav, 2, 1) = 1
+      IAudioEncoder#1.Encode(2, out of 0) = 2
+      fwrite(out.enc, 4, 1)
+      fwrite(out.enc, 1, 1)
+      fwrite(out.enc, 4, 1)
+      fwrite(out.enc, 1, 1)
+      fwrite(out.enc, 1, 1)
+      fwrite(out.enc, 2, 1)
+      fwrite(out.enc, 1, 2)
+      fread(in.wav, 2, 1) = 0
+      IAudioEncoder#1.Destroy()
+      fclose(out.enc)
+      fclose(in.wav)
+  )"));
 }
 
 TEST(TestEncodeFile, CutsTheFrameTo16BitsOfItsLength) {
@@ -233,9 +266,13 @@ TEST(TestEncodeFile, ReturnsForEveryOtherFormat) {
                    Header(static_cast<uint32_t>(rate), static_cast<uint16_t>(channels)) + "aa");
     engine.script<LocalCodecScript>().encoderBytes = 1;
     TestEncodeFile(g_in, g_out);
-    EXPECT_THAT(engine.calls,
-                ElementsAre("fopen(in.wav, rb)", "fopen(out.enc, wb)", "fread(in.wav, 44, 1) = 1",
-                            "fclose(out.enc)", "fclose(in.wav)"));
+    EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(in.wav, rb)
+      fopen(out.enc, wb)
+      fread(in.wav, 44, 1) = 1
+      fclose(out.enc)
+      fclose(in.wav)
+  )"));
     EXPECT_EQ(engine.Bytes(g_out), "");
   }
   EXPECT_EQ(FramesSoFar(), before + 1);
@@ -279,16 +316,25 @@ TEST(TestDecodeFile, DecodesShortPrefixedPackets) {
 
   TestDecodeFile(g_in, g_out, AudioLocalCodec::SPEEX_CODEC_4);
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fopen(in.wav, rb)", "fopen(out.enc, wb)",
-                          "CreateAudioDecoder(21) = IAudioDecoder#1", "IAudioDecoder#1.Init()",
-                          "fread(in.wav, 2, 1) = 1", "fread(in.wav, 3, 1) = 1",
-                          "IAudioDecoder#1.Decode(3, out of 0) = 3", "fwrite(out.enc, 1, 3)",
-                          "fread(in.wav, 2, 1) = 1", "fread(in.wav, 1, 1) = 1",
-                          "IAudioDecoder#1.Decode(1, out of 0) = 1",  // A fresh string each time.
-                          "fwrite(out.enc, 1, 1)", "fread(in.wav, 2, 1) = 1",
-                          "fread(in.wav, 0, 1) = 0",  // A length of 0 ends it.
-                          "IAudioDecoder#1.Destroy()", "fclose(out.enc)", "fclose(in.wav)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(in.wav, rb)
+      fopen(out.enc, wb)
+      CreateAudioDecoder(21) = IAudioDecoder#1
+      IAudioDecoder#1.Init()
+      fread(in.wav, 2, 1) = 1
+      fread(in.wav, 3, 1) = 1
+      IAudioDecoder#1.Decode(3, out of 0) = 3
+      fwrite(out.enc, 1, 3)
+      fread(in.wav, 2, 1) = 1
+      fread(in.wav, 1, 1) = 1
+      IAudioDecoder#1.Decode(1, out of 0) = 1  # A fresh string each time.
+      fwrite(out.enc, 1, 1)
+      fread(in.wav, 2, 1) = 1
+      fread(in.wav, 0, 1) = 0  # A length of 0 ends it.
+      IAudioDecoder#1.Destroy()
+      fclose(out.enc)
+      fclose(in.wav)
+  )"));
   EXPECT_EQ(engine.Bytes(g_out), "abcd");
   EXPECT_THAT(engine.live, IsEmpty());
 }

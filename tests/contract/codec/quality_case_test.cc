@@ -5,6 +5,7 @@
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/codec/codec_format.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -48,17 +49,23 @@ TEST(TestZUCodecNew, EncodesDecodesAndGoesTo16KhzMono) {
 
   TestZUCodecNew("in.wav", "out.wav", 2);
 
-  EXPECT_THAT(FileCalls(engine),
-              ElementsAre("WavReader#1(in.wav)", "fopen(out.wav.enc, wb)", "fopen(out.wav.enc, rb)",
-                          "CWavFileWriter#1(16000, 1, 16, out.wav.dec.wav)",
-                          "WavReader#2(out.wav.dec.wav)", "WavWriter#1(out.wav, 16000, 1)"));
-  EXPECT_THAT(engine.CallsWith("CreateAudioCodec("),
-              ElementsAre("CreateAudioCodec(4, 1) = CAudioCodec#1",
-                          "CreateAudioCodec(4, 0) = CAudioCodec#2"));
-  EXPECT_THAT(engine.CallsWith("OutputDebugInfo"),
-              ElementsAre("OutputDebugInfo(\"encode elapse time: %d.\", 10)",
-                          "OutputDebugInfo(\"decode elapse time: %d.\", 10)",
-                          "OutputDebugInfo(\"total elapse time:%d %d.\", 10, 20)"));
+  EXPECT_THAT(FileCalls(engine), Transcript(R"(
+      WavReader#1(in.wav)
+      fopen(out.wav.enc, wb)
+      fopen(out.wav.enc, rb)
+      CWavFileWriter#1(16000, 1, 16, out.wav.dec.wav)
+      WavReader#2(out.wav.dec.wav)
+      WavWriter#1(out.wav, 16000, 1)
+  )"));
+  EXPECT_THAT(engine.CallsWith("CreateAudioCodec("), Transcript(R"(
+      CreateAudioCodec(4, 1) = CAudioCodec#1
+      CreateAudioCodec(4, 0) = CAudioCodec#2
+  )"));
+  EXPECT_THAT(engine.CallsWith("OutputDebugInfo"), Transcript(R"(
+      OutputDebugInfo("encode elapse time: %d.", 10)
+      OutputDebugInfo("decode elapse time: %d.", 10)
+      OutputDebugInfo("total elapse time:%d %d.", 10, 20)
+  )"));
   EXPECT_EQ(engine.calls.front(), "GetExactTickCount() = 1000");
   EXPECT_EQ(engine.Bytes("out.wav.enc").substr(0, 2), "\x02\xFC");  // Without prefixes.
   EXPECT_EQ(engine.wavs["out.wav"].samples.size(), 480U);           // Both files stay beside it.
@@ -96,21 +103,25 @@ TEST(CalAACMos, MakesTheFilesOfOneCase) {
   calAACMos(in, out, 35, 64000, 16000);
 
   // The reference is made from the resampled input, and nothing is called ".deg.wav".
-  EXPECT_THAT(FileCalls(engine),
-              ElementsAre("WavReader#1(in.wav)", "WavWriter#1(44100_2_64000.res.wav, 44100, 2)",
-                          "WavReader#2(44100_2_64000.res.wav)",
-                          "WavWriter#2(44100_2_64000.ref.wav, 44100, 1)",
-                          "WavReader#3(44100_2_64000.res.wav)", "fopen(44100_2_64000.enc.wav, wb)",
-                          "fopen(44100_2_64000.enc.wav, rb)",
-                          "CWavFileWriter#1(44100, 2, 16, 44100_2_64000.dec.wav)"));
+  EXPECT_THAT(FileCalls(engine), Transcript(R"(
+      WavReader#1(in.wav)
+      WavWriter#1(44100_2_64000.res.wav, 44100, 2)
+      WavReader#2(44100_2_64000.res.wav)
+      WavWriter#2(44100_2_64000.ref.wav, 44100, 1)
+      WavReader#3(44100_2_64000.res.wav)
+      fopen(44100_2_64000.enc.wav, wb)
+      fopen(44100_2_64000.enc.wav, rb)
+      CWavFileWriter#1(44100, 2, 16, 44100_2_64000.dec.wav)
+  )"));
   EXPECT_THAT(engine.CallsWith("deg.wav"), IsEmpty());
   EXPECT_THAT(engine.CallsWith("ignored"), IsEmpty());
   EXPECT_EQ(engine.calls[0], "GetExactTickCount() = 0");
   EXPECT_EQ(engine.calls[1], "FormatFromRawCodecId(35)");
-  EXPECT_THAT(engine.CallsWith("OutputDebugInfo"),
-              ElementsAre("OutputDebugInfo(\"Tavik Create silk encoder success %d.\", 1)",
-                          "OutputDebugInfo(\"Tavik call aac decoder Init %d\", 1)",
-                          "OutputDebugInfo(\"total elapse time:%d %d.\", 10, 20)"));
+  EXPECT_THAT(engine.CallsWith("OutputDebugInfo"), Transcript(R"(
+      OutputDebugInfo("Tavik Create silk encoder success %d.", 1)
+      OutputDebugInfo("Tavik call aac decoder Init %d", 1)
+      OutputDebugInfo("total elapse time:%d %d.", 10, 20)
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

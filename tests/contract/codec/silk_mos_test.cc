@@ -2,8 +2,7 @@
 
 #include "bench/codec/routines.h"
 #include "fake_engine/fake_engine.h"
-
-using testing::ElementsAre;
+#include "support/transcript.h"
 
 TEST(TestSilkMos, BuildsAFreshFormatTableOnEveryCallAndNothingElse) {
   FakeEngine engine;
@@ -11,5 +10,8 @@ TEST(TestSilkMos, BuildsAFreshFormatTableOnEveryCallAndNothingElse) {
   TestSilkMos();
   TestSilkMos();
 
-  EXPECT_THAT(engine.calls, ElementsAre("NetCodecStreamFormat#1()", "NetCodecStreamFormat#2()"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      NetCodecStreamFormat#1()
+      NetCodecStreamFormat#2()
+  )"));
 }

@@ -7,6 +7,7 @@
 #include "fake_engine/effects/audio_accelerate.h"
 #include "fake_engine/effects/sound_process.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -122,13 +123,17 @@ TEST_P(SoundProcessTest, ReportsAnErrorUnderOneNameAndWritesTheCountThatWasLeft)
 
   EXPECT_EQ(GetParam().routine(), 0);
 
-  EXPECT_THAT(engine.CallsWith("printf"),
-              ElementsAre("printf(\"error in AccelerateSoundProcess, %d\\n\", -7)",
-                          "printf(\"error in AccelerateSoundProcess, %d\\n\", -3)",
-                          "printf(\"error in AccelerateSoundProcess, %d\\n\", -4)"));
-  EXPECT_THAT(engine.CallsWith("WriteSamples"),
-              ElementsAre("WavWriter#1.WriteSamples(8192)", "WavWriter#1.WriteSamples(2)",
-                          "WavWriter#1.WriteSamples(0)", "WavWriter#1.WriteSamples(2)"));
+  EXPECT_THAT(engine.CallsWith("printf"), Transcript(R"(
+      printf("error in AccelerateSoundProcess, %d\n", -7)
+      printf("error in AccelerateSoundProcess, %d\n", -3)
+      printf("error in AccelerateSoundProcess, %d\n", -4)
+  )"));
+  EXPECT_THAT(engine.CallsWith("WriteSamples"), Transcript(R"(
+      WavWriter#1.WriteSamples(8192)
+      WavWriter#1.WriteSamples(2)
+      WavWriter#1.WriteSamples(0)
+      WavWriter#1.WriteSamples(2)
+  )"));
   Shorts expected(8192, 0);
   expected.resize(8196, 5);
   EXPECT_EQ(engine.wavs["out.wav"].samples, expected);
@@ -165,9 +170,12 @@ TEST_P(SoundProcessTest, EndsAtOnceWhenTheInputIsMissing) {
 
   EXPECT_EQ(GetParam().routine(), 0);
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(whenold_8000_1.wav)", "WavWriter#1(out.wav, 0, 0)",
-                          "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(whenold_8000_1.wav)
+      WavWriter#1(out.wav, 0, 0)
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
 }
 
 INSTANTIATE_TEST_SUITE_P(, SoundProcessTest,
@@ -227,13 +235,14 @@ TEST(TestAudioAccelerate, SwitchesEvery220500Frames) {
     }
   }
   EXPECT_EQ(block, 650);
-  EXPECT_THAT(switches,
-              ElementsAre("216 OutputDebugInfo(\"TestAudioAccelerate1 enable: %d, %d\", 1, 221184)",
-                          "216 IAudioAccelerate#1.SetEnabled(true)",
-                          "431 OutputDebugInfo(\"TestAudioAccelerate disable: %d, %d\", 2, 441344)",
-                          "431 IAudioAccelerate#1.SetEnabled(false)",
-                          "646 OutputDebugInfo(\"TestAudioAccelerate1 enable: %d, %d\", 3, 661504)",
-                          "646 IAudioAccelerate#1.SetEnabled(true)"));
+  EXPECT_THAT(switches, Transcript(R"(
+      216 OutputDebugInfo("TestAudioAccelerate1 enable: %d, %d", 1, 221184)
+      216 IAudioAccelerate#1.SetEnabled(true)
+      431 OutputDebugInfo("TestAudioAccelerate disable: %d, %d", 2, 441344)
+      431 IAudioAccelerate#1.SetEnabled(false)
+      646 OutputDebugInfo("TestAudioAccelerate1 enable: %d, %d", 3, 661504)
+      646 IAudioAccelerate#1.SetEnabled(true)
+  )"));
 }
 
 TEST(TestAudioAccelerate, ProcessesEveryBlockWhileItIsDisabled) {
@@ -251,8 +260,10 @@ TEST(TestAudioAccelerate, SaysSoWhenTheInputCannotBeOpened) {
 
   TestAudioAccelerate();
 
-  EXPECT_THAT(engine.calls, ElementsAre("fopen(F:\\44100_2_new1.wav, rb) = null",
-                                        "puts(\"fail to open file!\")"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(F:\44100_2_new1.wav, rb) = null
+      puts("fail to open file!")
+  )"));
 }
 
 TEST(TestAudioAccelerate, SaysSoAndLeavesTheInputOpenWhenTheOutputCannotBeOpened) {
@@ -262,9 +273,11 @@ TEST(TestAudioAccelerate, SaysSoAndLeavesTheInputOpenWhenTheOutputCannotBeOpened
 
   TestAudioAccelerate();
 
-  EXPECT_THAT(engine.calls, ElementsAre("fopen(F:\\44100_2_new1.wav, rb)",
-                                        "fopen(F:\\44100_2_new1_out.wav, wb) = null",
-                                        "puts(\"fail to open file!\")"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(F:\44100_2_new1.wav, rb)
+      fopen(F:\44100_2_new1_out.wav, wb) = null
+      puts("fail to open file!")
+  )"));
 }
 
 TEST(TestAudioAccelerate, WritesNoMoreThanItsArrayHolds) {

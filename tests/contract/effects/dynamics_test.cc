@@ -7,8 +7,8 @@
 #include "fake_engine/effects/drc.h"
 #include "fake_engine/effects/frame_effect.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -24,15 +24,23 @@ TEST(TestMdrc, CompressesWholeFramesThenReleasesLastOpenedFirst) {
 
   TestMdrc();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(voice.wav)", "WavWriter#1(mdrc.wav, 16000, 1)",
-                  "printf(\"TestInFile Fs = %d, ch = %d\\n\", 16000, 1)", "MultibandDrc#1()",
-                  "MultibandDrc#1.Init()", "WavReader#1.ReadSamples(160) = 160",
-                  "MultibandDrc#1.Process(16000 Hz, 1, 160)", "WavWriter#1.WriteSamples(160)",
-                  "WavReader#1.ReadSamples(160) = 160", "MultibandDrc#1.Process(16000 Hz, 1, 160)",
-                  "WavWriter#1.WriteSamples(160)", "WavReader#1.ReadSamples(160) = 100",
-                  "~MultibandDrc#1", "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(voice.wav)
+      WavWriter#1(mdrc.wav, 16000, 1)
+      printf("TestInFile Fs = %d, ch = %d\n", 16000, 1)
+      MultibandDrc#1()
+      MultibandDrc#1.Init()
+      WavReader#1.ReadSamples(160) = 160
+      MultibandDrc#1.Process(16000 Hz, 1, 160)
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 160
+      MultibandDrc#1.Process(16000 Hz, 1, 160)
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 100
+      ~MultibandDrc#1
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 
@@ -59,10 +67,16 @@ TEST(TestMdrc, PrintsItsLineAndWritesAnEmptyFileWithoutItsInput) {
 
   TestMdrc();
 
-  EXPECT_THAT(engine.calls, ElementsAre("WavReader#1(voice.wav)", "WavWriter#1(mdrc.wav, 0, 0)",
-                                        "printf(\"TestInFile Fs = %d, ch = %d\\n\", 0, 0)",
-                                        "MultibandDrc#1()", "MultibandDrc#1.Init()",
-                                        "~MultibandDrc#1", "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(voice.wav)
+      WavWriter#1(mdrc.wav, 0, 0)
+      printf("TestInFile Fs = %d, ch = %d\n", 0, 0)
+      MultibandDrc#1()
+      MultibandDrc#1.Init()
+      ~MultibandDrc#1
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
 }
 
 // Every sample of a block is written from the frame, also where rate / 100 leaves a rest.
@@ -85,12 +99,18 @@ TEST(TestDrc, CompressesWholeBlocksThenReleasesInOrder) {
 
   TestDrc();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(music.wav)", "Drc#1()", "WavWriter#1(drc_out.wav, 44100, 2)",
-                          "WavReader#1.ReadSamples(882) = 882",
-                          "Drc#1.Process(2, 441)",  // Channels, then samples per channel.
-                          "WavWriter#1.WriteSamples(882)", "WavReader#1.ReadSamples(882) = 881",
-                          "~WavWriter#1", "~Drc#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(music.wav)
+      Drc#1()
+      WavWriter#1(drc_out.wav, 44100, 2)
+      WavReader#1.ReadSamples(882) = 882
+      Drc#1.Process(2, 441)  # Channels, then samples per channel.
+      WavWriter#1.WriteSamples(882)
+      WavReader#1.ReadSamples(882) = 881
+      ~WavWriter#1
+      ~Drc#1
+      ~WavReader#1
+  )"));
   EXPECT_EQ(engine.wavs["drc_out.wav"].samples, Shorts(882, 5));
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -114,7 +134,12 @@ TEST(TestDrc, WritesAnEmptyFileWithoutItsInput) {
 
   TestDrc();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(music.wav)", "Drc#1()", "WavWriter#1(drc_out.wav, 0, 0)",
-                          "~WavWriter#1", "~Drc#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(music.wav)
+      Drc#1()
+      WavWriter#1(drc_out.wav, 0, 0)
+      ~WavWriter#1
+      ~Drc#1
+      ~WavReader#1
+  )"));
 }

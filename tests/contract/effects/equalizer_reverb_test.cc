@@ -6,6 +6,7 @@
 #include "fake_engine/effects/audio_dsp_processor.h"
 #include "fake_engine/effects/equalizer.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -33,19 +34,27 @@ TEST(TestIIREq, SetsSixBandsThenEqualisesWholeBlocksInPlace) {
 
   TestIIREq();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "CreateEqualizer() = IEqualizer#1", "IEqualizer#1.SetEqGain(0, 1)",
-          "IEqualizer#1.SetEqGain(5, 6)", "IEqualizer#1.SetEqGain(6, 7)",
-          "IEqualizer#1.SetEqGain(7, 8)", "IEqualizer#1.SetEqGain(8, 9)",
-          "IEqualizer#1.SetEqGain(9, 10)", "IEqualizer#1.SetEnabled(true)",
-          "fopen(c:\\44100_2_music.wav, rb)", "fread(c:\\44100_2_music.wav, 1, 44) = 44",
-          "fopen(c:\\44100_2_music_eq.wav, wb)", "fwrite(c:\\44100_2_music_eq.wav, 1, 44)",
-          "fread(c:\\44100_2_music.wav, 1764, 1) = 1", "IEqualizer#1.Process(@1, 441, 44100, 2, 2)",
-          "fwrite(c:\\44100_2_music_eq.wav, 1764, 1)", "fread(c:\\44100_2_music.wav, 1764, 1) = 1",
-          "IEqualizer#1.Process(@1, 441, 44100, 2, 2)", "fwrite(c:\\44100_2_music_eq.wav, 1764, 1)",
-          "fread(c:\\44100_2_music.wav, 1764, 1) = 0"));  // Dropped: not a whole block.
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CreateEqualizer() = IEqualizer#1
+      IEqualizer#1.SetEqGain(0, 1)
+      IEqualizer#1.SetEqGain(5, 6)
+      IEqualizer#1.SetEqGain(6, 7)
+      IEqualizer#1.SetEqGain(7, 8)
+      IEqualizer#1.SetEqGain(8, 9)
+      IEqualizer#1.SetEqGain(9, 10)
+      IEqualizer#1.SetEnabled(true)
+      fopen(c:\44100_2_music.wav, rb)
+      fread(c:\44100_2_music.wav, 1, 44) = 44
+      fopen(c:\44100_2_music_eq.wav, wb)
+      fwrite(c:\44100_2_music_eq.wav, 1, 44)
+      fread(c:\44100_2_music.wav, 1764, 1) = 1
+      IEqualizer#1.Process(@1, 441, 44100, 2, 2)
+      fwrite(c:\44100_2_music_eq.wav, 1764, 1)
+      fread(c:\44100_2_music.wav, 1764, 1) = 1
+      IEqualizer#1.Process(@1, 441, 44100, 2, 2)
+      fwrite(c:\44100_2_music_eq.wav, 1764, 1)
+      fread(c:\44100_2_music.wav, 1764, 1) = 0
+  )"));  // Dropped: not a whole block.
 }
 
 TEST(TestIIREq, LeavesTheEqualiserAliveAndBothFilesOpen) {
@@ -81,8 +90,10 @@ TEST(TestIIREq, EndsAtOnceWithoutItsInput) {
   TestIIREq();
 
   EXPECT_THAT(engine.CallsWith("Process"), IsEmpty());
-  EXPECT_THAT(engine.CallsWith("fopen"), ElementsAre("fopen(c:\\44100_2_music.wav, rb) = null",
-                                                     "fopen(c:\\44100_2_music_eq.wav, wb)"));
+  EXPECT_THAT(engine.CallsWith("fopen"), Transcript(R"(
+      fopen(c:\44100_2_music.wav, rb) = null
+      fopen(c:\44100_2_music_eq.wav, wb)
+  )"));
 }
 
 TEST(TestReverb, AddsTheReverberationToWholeBlocksThenReleasesInOrder) {
@@ -91,15 +102,24 @@ TEST(TestReverb, AddsTheReverberationToWholeBlocksThenReleasesInOrder) {
 
   TestReverb("in.wav", "out.wav", 3, 44100, 1);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("CAudioDspProcessor#1()", "CAudioDspProcessor#1.SetReverbExEnable(true)",
-                  "fopen(in.wav, rb)", "fread(in.wav, 1, 44) = 44", "fopen(out.wav, wb)",
-                  "fwrite(out.wav, 1, 44)", "fread(in.wav, 882, 1) = 1",
-                  "CAudioDspProcessor#1.Process(441, 44100, 1, 16)", "fwrite(out.wav, 882, 1)",
-                  "fread(in.wav, 882, 1) = 1", "CAudioDspProcessor#1.Process(441, 44100, 1, 16)",
-                  "fwrite(out.wav, 882, 1)", "fread(in.wav, 882, 1) = 0", "fclose(in.wav)",
-                  "fclose(out.wav)", "~CAudioDspProcessor#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CAudioDspProcessor#1()
+      CAudioDspProcessor#1.SetReverbExEnable(true)
+      fopen(in.wav, rb)
+      fread(in.wav, 1, 44) = 44
+      fopen(out.wav, wb)
+      fwrite(out.wav, 1, 44)
+      fread(in.wav, 882, 1) = 1
+      CAudioDspProcessor#1.Process(441, 44100, 1, 16)
+      fwrite(out.wav, 882, 1)
+      fread(in.wav, 882, 1) = 1
+      CAudioDspProcessor#1.Process(441, 44100, 1, 16)
+      fwrite(out.wav, 882, 1)
+      fread(in.wav, 882, 1) = 0
+      fclose(in.wav)
+      fclose(out.wav)
+      ~CAudioDspProcessor#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

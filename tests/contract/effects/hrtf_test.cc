@@ -7,6 +7,7 @@
 #include "fake_engine/effects/fir_filter.h"
 #include "fake_engine/effects/mit_hrtf.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -106,9 +107,10 @@ TEST(TestHRTF, TakesAsManyTapsAsItsArraysHold) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("Create"),
-              ElementsAre("FIRFilter::Create(8192, 1765) = FIRFilter#1",
-                          "FIRFilter::Create(8192, 1765) = FIRFilter#2"));
+  EXPECT_THAT(engine.CallsWith("Create"), Transcript(R"(
+      FIRFilter::Create(8192, 1765) = FIRFilter#1
+      FIRFilter::Create(8192, 1765) = FIRFilter#2
+  )"));
   EXPECT_THAT(engine.script<FirFilterScript>().coefficients[0], Each(0.5F));
   EXPECT_THAT(engine.script<FirFilterScript>().coefficients[1], Each(0.25F));
 }
@@ -120,9 +122,10 @@ TEST(TestHRTF, GoesOnWhateverTheTableSaysOfItsAvailability) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("mit_hrtf"),
-              ElementsAre("mit_hrtf_availability(90, 0, 44100, 0) = 0",
-                          "mit_hrtf_get(90, 0, 44100, 0) = 1"));
+  EXPECT_THAT(engine.CallsWith("mit_hrtf"), Transcript(R"(
+      mit_hrtf_availability(90, 0, 44100, 0) = 0
+      mit_hrtf_get(90, 0, 44100, 0) = 1
+  )"));
   EXPECT_THAT(engine.Values<float>(kOutput), SizeIs(882));
 }
 
@@ -152,9 +155,10 @@ TEST(TestHRTF, TakesATapCountBeyondIntForANegativeOne) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("Create"),
-              ElementsAre("FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#1",
-                          "FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#2"));
+  EXPECT_THAT(engine.CallsWith("Create"), Transcript(R"(
+      FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#1
+      FIRFilter::Create(18446744073709551615, 1765) = FIRFilter#2
+  )"));
 }
 
 // A sample of 0xFFFF is -1, not 65535.
@@ -214,10 +218,14 @@ TEST(TestHRTF, MakesFiltersWithoutCoefficientsWhenTheTableHasNone) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.CallsWith("Create"), ElementsAre("FIRFilter::Create(0, 1765) = FIRFilter#1",
-                                                      "FIRFilter::Create(0, 1765) = FIRFilter#2"));
-  EXPECT_THAT(engine.CallsWith(".Filter("),
-              ElementsAre("FIRFilter#1.Filter(@1, 441, @2)", "FIRFilter#2.Filter(@3, 441, @4)"));
+  EXPECT_THAT(engine.CallsWith("Create"), Transcript(R"(
+      FIRFilter::Create(0, 1765) = FIRFilter#1
+      FIRFilter::Create(0, 1765) = FIRFilter#2
+  )"));
+  EXPECT_THAT(engine.CallsWith(".Filter("), Transcript(R"(
+      FIRFilter#1.Filter(@1, 441, @2)
+      FIRFilter#2.Filter(@3, 441, @4)
+  )"));
 }
 
 TEST(TestHRTF, LeavesAnEmptyOutputWhenTheInputIsMissing) {
@@ -225,15 +233,19 @@ TEST(TestHRTF, LeavesAnEmptyOutputWhenTheInputIsMissing) {
 
   TestHRTF();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "OutputDebugInfo(\"TestHrtf..start\")", "mit_hrtf_availability(90, 0, 44100, 0) = 0",
-          "mit_hrtf_get(90, 0, 44100, 0) = 1", "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb) = null",
-          "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)",
-          "FIRFilter::Create(1, 1765) = FIRFilter#1", "FIRFilter::Create(1, 1765) = FIRFilter#2",
-          "fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)", "~FIRFilter#1", "~FIRFilter#2",
-          "OutputDebugInfo(\"TestHrtf..end\")"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      OutputDebugInfo("TestHrtf..start")
+      mit_hrtf_availability(90, 0, 44100, 0) = 0
+      mit_hrtf_get(90, 0, 44100, 0) = 1
+      fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb) = null
+      fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)
+      FIRFilter::Create(1, 1765) = FIRFilter#1
+      FIRFilter::Create(1, 1765) = FIRFilter#2
+      fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)
+      ~FIRFilter#1
+      ~FIRFilter#2
+      OutputDebugInfo("TestHrtf..end")
+  )"));
   EXPECT_TRUE(engine.HasFile(kOutput));
   EXPECT_EQ(engine.Bytes(kOutput), "");
 }

@@ -6,6 +6,7 @@
 #include "bench/effects/routines.h"
 #include "fake_engine/effects/audio_music_detector.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -36,18 +37,25 @@ TEST(TestAudioMusicDetector, AsksAfterEachBlockThenReleasesLastOpenedFirst) {
 
   TestAudioMusicDetector();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(music.wav)", "printf(\"TestInFile Fs = %d, ch = %d\\n\", 16000, 1)",
-                  "WavWriter#1(music_det.wav, 48000, 2)", "AudioMusicDetector#1()",
-                  "AudioMusicDetector#1.Enable(true)", "WavReader#1.ReadSamples(160) = 160",
-                  "AudioMusicDetector#1.Process(16000 Hz, 1, 160)",
-                  "AudioMusicDetector#1.IsMusic() = false", "WavWriter#1.WriteSamples(320)",
-                  "WavReader#1.ReadSamples(160) = 160",
-                  "AudioMusicDetector#1.Process(16000 Hz, 1, 160)",
-                  "AudioMusicDetector#1.IsMusic() = false", "WavWriter#1.WriteSamples(320)",
-                  "WavReader#1.ReadSamples(160) = 0", "~AudioMusicDetector#1", "~WavWriter#1",
-                  "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(music.wav)
+      printf("TestInFile Fs = %d, ch = %d\n", 16000, 1)
+      WavWriter#1(music_det.wav, 48000, 2)
+      AudioMusicDetector#1()
+      AudioMusicDetector#1.Enable(true)
+      WavReader#1.ReadSamples(160) = 160
+      AudioMusicDetector#1.Process(16000 Hz, 1, 160)
+      AudioMusicDetector#1.IsMusic() = false
+      WavWriter#1.WriteSamples(320)
+      WavReader#1.ReadSamples(160) = 160
+      AudioMusicDetector#1.Process(16000 Hz, 1, 160)
+      AudioMusicDetector#1.IsMusic() = false
+      WavWriter#1.WriteSamples(320)
+      WavReader#1.ReadSamples(160) = 0
+      ~AudioMusicDetector#1
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

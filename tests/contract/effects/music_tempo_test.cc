@@ -6,6 +6,7 @@
 #include "fake_engine/effects/beat_track.h"
 #include "fake_engine/effects/soundtouch_recorder.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -25,14 +26,21 @@ TEST(TestBeatTrack, TracksWholeBlocksStopsAndReleasesInOrder) {
 
   TestBeatTrack();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)",
-                  "CreateBeatTrack(44100, 1) = IBeatTrack#1", "fopen(BeatTrack.txt, wb)",
-                  "IBeatTrack#1.Start(0, notify, 0)", "WavReader#1.ReadSamples(441) = 441",
-                  "IBeatTrack#1.Detectbeat(@1, 441) = 0", "WavReader#1.ReadSamples(441) = 441",
-                  "IBeatTrack#1.Detectbeat(@1, 441) = 0", "WavReader#1.ReadSamples(441) = 440",
-                  "IBeatTrack#1.Stop()", "~IBeatTrack#1", "fclose(BeatTrack.txt)", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)
+      CreateBeatTrack(44100, 1) = IBeatTrack#1
+      fopen(BeatTrack.txt, wb)
+      IBeatTrack#1.Start(0, notify, 0)
+      WavReader#1.ReadSamples(441) = 441
+      IBeatTrack#1.Detectbeat(@1, 441) = 0
+      WavReader#1.ReadSamples(441) = 441
+      IBeatTrack#1.Detectbeat(@1, 441) = 0
+      WavReader#1.ReadSamples(441) = 440
+      IBeatTrack#1.Stop()
+      ~IBeatTrack#1
+      fclose(BeatTrack.txt)
+      ~WavReader#1
+  )"));
   EXPECT_EQ(engine.Bytes("BeatTrack.txt"), "");
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -58,15 +66,12 @@ TEST(TestBeatTrack, WritesEachBeatWithTheTimeOfTheEngine) {
             "bpm = 128, power = 0.100000, time = 3000000020\n"
             "Notify Start, time = 3000000020\n"
             "bpm = -1, power = 1.000000, time = 3000000020\n");
-  EXPECT_THAT(
-      engine.CallsWith("fprintf"),
-      ElementsAre("fprintf(BeatTrack.txt, \"bpm = %d, power = %f, time = %u\\n\", 128, 0.100000, "
-                  "3000000010)",
-                  "fprintf(BeatTrack.txt, \"bpm = %d, power = %f, time = %u\\n\", 128, 0.100000, "
-                  "3000000020)",
-                  "fprintf(BeatTrack.txt, \"Notify Start, time = %u\\n\", 3000000020)",
-                  "fprintf(BeatTrack.txt, \"bpm = %d, power = %f, time = %u\\n\", -1, 1.000000, "
-                  "3000000020)"));
+  EXPECT_THAT(engine.CallsWith("fprintf"), Transcript(R"(
+      fprintf(BeatTrack.txt, "bpm = %d, power = %f, time = %u\n", 128, 0.100000, 3000000010)
+      fprintf(BeatTrack.txt, "bpm = %d, power = %f, time = %u\n", 128, 0.100000, 3000000020)
+      fprintf(BeatTrack.txt, "Notify Start, time = %u\n", 3000000020)
+      fprintf(BeatTrack.txt, "bpm = %d, power = %f, time = %u\n", -1, 1.000000, 3000000020)
+  )"));
 }
 
 TEST(TestBeatTrack, PrintsEachStatusThatIsNotZeroAndGoesOn) {
@@ -83,9 +88,10 @@ TEST(TestBeatTrack, PrintsEachStatusThatIsNotZeroAndGoesOn) {
   EXPECT_EQ(block, 4);
   EXPECT_THAT(engine.CallsWith("CreateBeatTrack"),
               ElementsAre("CreateBeatTrack(44100, 2) = IBeatTrack#1"));
-  EXPECT_THAT(engine.CallsWith("printf(\"Test"),
-              ElementsAre("printf(\"TestBeatTrack: res = %d.\\n\", -2)",
-                          "printf(\"TestBeatTrack: res = %d.\\n\", 1)"));
+  EXPECT_THAT(engine.CallsWith("printf(\"Test"), Transcript(R"(
+      printf("TestBeatTrack: res = %d.\n", -2)
+      printf("TestBeatTrack: res = %d.\n", 1)
+  )"));
 }
 
 TEST(TestBeatTrack, TellsNobodyWhenItsFileCannotBeOpened) {
@@ -110,11 +116,16 @@ TEST(TestBeatTrack, LeavesAnEmptyListWhenTheInputIsMissing) {
 
   TestBeatTrack();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)",
-                          "CreateBeatTrack(0, 0) = IBeatTrack#1", "fopen(BeatTrack.txt, wb)",
-                          "IBeatTrack#1.Start(0, notify, 0)", "IBeatTrack#1.Stop()",
-                          "~IBeatTrack#1", "fclose(BeatTrack.txt)", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)
+      CreateBeatTrack(0, 0) = IBeatTrack#1
+      fopen(BeatTrack.txt, wb)
+      IBeatTrack#1.Start(0, notify, 0)
+      IBeatTrack#1.Stop()
+      ~IBeatTrack#1
+      fclose(BeatTrack.txt)
+      ~WavReader#1
+  )"));
 }
 
 TEST(TestSoundTouchBpm, FeedsFramesOfWholeBlocksAndPrintsTheTempo) {
@@ -124,14 +135,19 @@ TEST(TestSoundTouchBpm, FeedsFramesOfWholeBlocksAndPrintsTheTempo) {
 
   TestSoundTouchBpm();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)", "BPMDetect#1(2, 44100)",
-                  "WavReader#1.ReadSamples(882 floats) = 882",
-                  "BPMDetect#1.inputSamples(@1, 441)",  // Frames, not samples.
-                  "WavReader#1.ReadSamples(882 floats) = 882", "BPMDetect#1.inputSamples(@1, 441)",
-                  "WavReader#1.ReadSamples(882 floats) = 881", "BPMDetect#1.getBpm()",
-                  "printf(\"bpm=%f\\n\", 123.456001)", "~BPMDetect#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)
+      BPMDetect#1(2, 44100)
+      WavReader#1.ReadSamples(882 floats) = 882
+      BPMDetect#1.inputSamples(@1, 441)  # Frames, not samples.
+      WavReader#1.ReadSamples(882 floats) = 882
+      BPMDetect#1.inputSamples(@1, 441)
+      WavReader#1.ReadSamples(882 floats) = 881
+      BPMDetect#1.getBpm()
+      printf("bpm=%f\n", 123.456001)
+      ~BPMDetect#1
+      ~WavReader#1
+  )"));
 }
 
 TEST(TestSoundTouchBpm, PrintsATempoAlsoOfNothing) {
@@ -165,6 +181,8 @@ TEST(TestSoundTouchBpm, HandsOnWhatTheLibraryThrows) {
 
   EXPECT_THROW(TestSoundTouchBpm(), std::runtime_error);
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(yedegangqinqu_Fs44100_Ch1.wav)
+      ~WavReader#1
+  )"));
 }

@@ -5,6 +5,7 @@
 #include "bench/effects/routines.h"
 #include "fake_engine/effects/audio_resampler_ex.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -26,19 +27,23 @@ TEST(TestAudioResamplerEx, ConvertsWholeBlocksThenReleasesInOrder) {
 
   TestAudioResamplerEx("in.wav", "out.wav", 16000, 1);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "WavReader#1(in.wav)", "WavWriter#1(out.wav, 16000, 1)",
-          "GetPlaceString(TestAudioResamplerEx, audio_engine/core/audio_tester, 1719)",
-          "IAudioResamplerEx::Create(441, 44100, 2, 160, 16000, 1, the place) = "
-          "IAudioResamplerEx#1",
-          "WavReader#1.ReadSamples(882) = 882", "IAudioResamplerEx#1.Convert(@1, 882, @2, 160) = 1",
-          "WavWriter#1.WriteSamples(160)", "WavReader#1.ReadSamples(882) = 882",
-          "IAudioResamplerEx#1.Convert(@1, 882, @2, 160) = 1", "WavWriter#1.WriteSamples(160)",
-          "WavReader#1.ReadSamples(882) = 881",  // Dropped: neither converted nor written.
-          "IAudioResamplerEx::Destroy(IAudioResamplerEx#1)", "~IAudioResamplerEx#1", "~WavWriter#1",
-          "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WavWriter#1(out.wav, 16000, 1)
+      GetPlaceString(TestAudioResamplerEx, audio_engine/core/audio_tester, 1719)
+      IAudioResamplerEx::Create(441, 44100, 2, 160, 16000, 1, the place) = IAudioResamplerEx#1
+      WavReader#1.ReadSamples(882) = 882
+      IAudioResamplerEx#1.Convert(@1, 882, @2, 160) = 1
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(882) = 882
+      IAudioResamplerEx#1.Convert(@1, 882, @2, 160) = 1
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(882) = 881  # Dropped: neither converted nor written.
+      IAudioResamplerEx::Destroy(IAudioResamplerEx#1)
+      ~IAudioResamplerEx#1
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
   EXPECT_EQ(engine.wavs["out.wav"].samples[0], 1);
   EXPECT_EQ(engine.wavs["out.wav"].samples[160], 883);
@@ -108,14 +113,16 @@ TEST(TestAudioResamplerEx, EndsAtOnceWhenTheInputIsMissing) {
 
   TestAudioResamplerEx("in.wav", "out.wav", 16000, 1);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(in.wav)", "WavWriter#1(out.wav, 16000, 1)",
-                  "GetPlaceString(TestAudioResamplerEx, audio_engine/core/audio_tester, 1719)",
-                  "IAudioResamplerEx::Create(0, 0, 0, 160, 16000, 1, the place) = "
-                  "IAudioResamplerEx#1",
-                  "IAudioResamplerEx::Destroy(IAudioResamplerEx#1)", "~IAudioResamplerEx#1",
-                  "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WavWriter#1(out.wav, 16000, 1)
+      GetPlaceString(TestAudioResamplerEx, audio_engine/core/audio_tester, 1719)
+      IAudioResamplerEx::Create(0, 0, 0, 160, 16000, 1, the place) = IAudioResamplerEx#1
+      IAudioResamplerEx::Destroy(IAudioResamplerEx#1)
+      ~IAudioResamplerEx#1
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.wavs["out.wav"].samples, IsEmpty());
 }
 
@@ -161,15 +168,17 @@ TEST(TestSpeexConverter, OffersItsWholeArrayAndLeavesTheConverterAlive) {
 
   TestSpeexConverter();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(niannujiao_44100_2.wav)", "WavWriter#1(resampler.wav, 24000, 1)",
-                  "IAudioResamplerEx::Create(441, 44100, 2, 240, 24000, 1, null) = "
-                  "IAudioResamplerEx#1",
-                  "WavReader#1.ReadSamples(882) = 882",
-                  "IAudioResamplerEx#1.Convert(@1, 882, @2, 8192) = 1",
-                  "WavWriter#1.WriteSamples(240)", "WavReader#1.ReadSamples(882) = 881",
-                  "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(niannujiao_44100_2.wav)
+      WavWriter#1(resampler.wav, 24000, 1)
+      IAudioResamplerEx::Create(441, 44100, 2, 240, 24000, 1, null) = IAudioResamplerEx#1
+      WavReader#1.ReadSamples(882) = 882
+      IAudioResamplerEx#1.Convert(@1, 882, @2, 8192) = 1
+      WavWriter#1.WriteSamples(240)
+      WavReader#1.ReadSamples(882) = 881
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.live, ElementsAre(std::pair("IAudioResamplerEx", 1)));
 }
 

@@ -6,6 +6,7 @@
 #include "fake_engine/effects/soundtouch_recorder.h"
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/platform/paths.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -39,22 +40,35 @@ TEST(TestSoundTouch, SetsUpInOrderAndWritesWhatTheLibraryGives) {
 
   TestSoundTouch();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre(
-          "SoundTouch#1()", "SoundTouch#1.setSampleRate(44100)", "SoundTouch#1.setChannels(1)",
-          "SoundTouch#1.setTempoChange(0)", "SoundTouch#1.setPitchSemiTones(0)",
-          "SoundTouch#1.setRateChange(0)", "SoundTouch#1.setSetting(0, 1)",
-          "SoundTouch#1.setSetting(2, 0)", "SoundTouch#1.setTempo(0.5)",
-          "SoundTouch#1.setSetting(3, 40)", "SoundTouch#1.setSetting(4, 15)",
-          "SoundTouch#1.setSetting(5, 8)", "GetIosDocPath()", "WavReader#1(/docs/input.wav)",
-          "GetIosDocPath()", "WavWriter#1(/docs/out.wav, 44100, 1)",
-          "WavReader#1.ReadSamples(441 floats) = 441", "SoundTouch#1.putSamples(@1, 441)",
-          "SoundTouch#1.receiveSamples(@1, 8192) = 0", "WavReader#1.ReadSamples(441 floats) = 441",
-          "SoundTouch#1.putSamples(@1, 441)", "SoundTouch#1.receiveSamples(@1, 8192) = 900",
-          "WavWriter#1.WriteSamples(900 floats)",
-          "WavReader#1.ReadSamples(441 floats) = 440",  // No flush follows.
-          "~WavWriter#1", "~WavReader#1", "~SoundTouch#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      SoundTouch#1()
+      SoundTouch#1.setSampleRate(44100)
+      SoundTouch#1.setChannels(1)
+      SoundTouch#1.setTempoChange(0)
+      SoundTouch#1.setPitchSemiTones(0)
+      SoundTouch#1.setRateChange(0)
+      SoundTouch#1.setSetting(0, 1)
+      SoundTouch#1.setSetting(2, 0)
+      SoundTouch#1.setTempo(0.5)
+      SoundTouch#1.setSetting(3, 40)
+      SoundTouch#1.setSetting(4, 15)
+      SoundTouch#1.setSetting(5, 8)
+      GetIosDocPath()
+      WavReader#1(/docs/input.wav)
+      GetIosDocPath()
+      WavWriter#1(/docs/out.wav, 44100, 1)
+      WavReader#1.ReadSamples(441 floats) = 441
+      SoundTouch#1.putSamples(@1, 441)
+      SoundTouch#1.receiveSamples(@1, 8192) = 0
+      WavReader#1.ReadSamples(441 floats) = 441
+      SoundTouch#1.putSamples(@1, 441)
+      SoundTouch#1.receiveSamples(@1, 8192) = 900
+      WavWriter#1.WriteSamples(900 floats)
+      WavReader#1.ReadSamples(441 floats) = 440  # No flush follows.
+      ~WavWriter#1
+      ~WavReader#1
+      ~SoundTouch#1
+  )"));
   EXPECT_EQ(engine.wavs["/docs/out.wav"].samples, Shorts(900, 5));
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -87,8 +101,10 @@ TEST(TestSoundTouch, TakesEveryFileForMono) {
   EXPECT_THAT(engine.CallsWith("setSampleRate"), ElementsAre("SoundTouch#1.setSampleRate(44100)"));
   EXPECT_THAT(engine.CallsWith("setChannels"), ElementsAre("SoundTouch#1.setChannels(1)"));
   EXPECT_THAT(engine.CallsWith("WavWriter#1("), ElementsAre("WavWriter#1(out.wav, 48000, 2)"));
-  EXPECT_THAT(engine.CallsWith("putSamples"),
-              ElementsAre("SoundTouch#1.putSamples(@1, 960)", "SoundTouch#1.putSamples(@1, 960)"));
+  EXPECT_THAT(engine.CallsWith("putSamples"), Transcript(R"(
+      SoundTouch#1.putSamples(@1, 960)
+      SoundTouch#1.putSamples(@1, 960)
+  )"));
   // Of the second hundred the array holds what was read.
   Shorts expected(100, 3);
   expected.resize(200, 1);
@@ -115,7 +131,10 @@ TEST(TestSoundTouch, WritesAnEmptyFileWhenTheInputIsMissing) {
   TestSoundTouch();
 
   EXPECT_THAT(engine.CallsWith("putSamples"), IsEmpty());
-  EXPECT_THAT(engine.CallsWith("Wav"),
-              ElementsAre("WavReader#1(input.wav)", "WavWriter#1(out.wav, 0, 0)", "~WavWriter#1",
-                          "~WavReader#1"));
+  EXPECT_THAT(engine.CallsWith("Wav"), Transcript(R"(
+      WavReader#1(input.wav)
+      WavWriter#1(out.wav, 0, 0)
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
 }

@@ -5,6 +5,7 @@
 #include "bench/enhancement/routines.h"
 #include "fake_engine/enhancement/audio_denoise.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -29,15 +30,22 @@ TEST(TestDenoiseProcess, CleansWholeBlocksThenReleasesLastOpenedFirst) {
 
   TestDenoiseProcess();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(ns_in.wav)", "CAudioDenoise#1(16000, 1)",
-                  "WavWriter#1(ns_out.wav, 16000, 1)", "CAudioDenoise#1.EnableLightDenoise(false)",
-                  "WavReader#1.ReadSamples(160) = 160", "CAudioDenoise#1.Process",
-                  "WavWriter#1.WriteSamples(160)", "WavReader#1.ReadSamples(160) = 160",
-                  "CAudioDenoise#1.Process", "WavWriter#1.WriteSamples(160)",
-                  "WavReader#1.ReadSamples(160) = 7",  // Dropped.
-                  "~WavWriter#1", "~CAudioDenoise#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(ns_in.wav)
+      CAudioDenoise#1(16000, 1)
+      WavWriter#1(ns_out.wav, 16000, 1)
+      CAudioDenoise#1.EnableLightDenoise(false)
+      WavReader#1.ReadSamples(160) = 160
+      CAudioDenoise#1.Process
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 160
+      CAudioDenoise#1.Process
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 7  # Dropped.
+      ~WavWriter#1
+      ~CAudioDenoise#1
+      ~WavReader#1
+  )"));
   EXPECT_EQ(engine.wavs["ns_out.wav"].samples, Samples(320, 5));
 }
 
@@ -45,8 +53,10 @@ TEST(TestDenoiseProcess, TruncatesTheBlockOfAllChannels) {
   FakeEngine engine;
   engine.wavs["ns_in.wav"] = {22050, 2, Samples(441, 1)};
   TestDenoiseProcess();
-  EXPECT_THAT(engine.CallsWith("ReadSamples"), ElementsAre("WavReader#1.ReadSamples(441) = 441",
-                                                           "WavReader#1.ReadSamples(441) = 0"));
+  EXPECT_THAT(engine.CallsWith("ReadSamples"), Transcript(R"(
+      WavReader#1.ReadSamples(441) = 441
+      WavReader#1.ReadSamples(441) = 0
+  )"));
 }
 
 TEST(TestDenoiseProcess, LeavesAnEmptyFileWhenTheInputIsMissing) {

@@ -8,6 +8,7 @@
 #include "fake_engine/enhancement/agc.h"
 #include "fake_engine/enhancement/block_gain.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -58,19 +59,27 @@ TEST(TestAGCProcess, WorksInPlaceAndNeverFeedsTheLevelBack) {
 
   TestAGCProcess("in.wav", "out.wav");
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("fopen(in.wav, rb)", "fopen(out.wav, wb)", "fread(in.wav, 1, 44) = 44",
-                  "fwrite(out.wav, 1, 44)", "WebRtcAgc_Create() = WebRtcAgc#1",
-                  "WebRtcAgc_Init(#1, 0, 255, 2, 16000)", "WebRtcAgc_set_config(#1, 3, 0, 1)",
-                  "fread(in.wav, 320, 1) = 1", "WebRtcAgc_VirtualMic(#1, @1, 1, 160, 0, 0 -> 70)",
-                  "WebRtcAgc_Process(#1, @1, 1, 160, @1, 0, 70 -> 90, 0, 0)",
-                  "fwrite(out.wav, 320, 1)", "fread(in.wav, 320, 1) = 1",
-                  // What came out stays where it is: the next block starts from it.
-                  "WebRtcAgc_VirtualMic(#1, @1, 1, 160, 0, 90 -> 70)",
-                  "WebRtcAgc_Process(#1, @1, 1, 160, @1, 0, 70 -> 90, 0, 1)",
-                  "fwrite(out.wav, 320, 1)", "fread(in.wav, 320, 1) = 0", "WebRtcAgc_Free(#1)",
-                  "fclose(in.wav)", "fclose(out.wav)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(in.wav, rb)
+      fopen(out.wav, wb)
+      fread(in.wav, 1, 44) = 44
+      fwrite(out.wav, 1, 44)
+      WebRtcAgc_Create() = WebRtcAgc#1
+      WebRtcAgc_Init(#1, 0, 255, 2, 16000)
+      WebRtcAgc_set_config(#1, 3, 0, 1)
+      fread(in.wav, 320, 1) = 1
+      WebRtcAgc_VirtualMic(#1, @1, 1, 160, 0, 0 -> 70)
+      WebRtcAgc_Process(#1, @1, 1, 160, @1, 0, 70 -> 90, 0, 0)
+      fwrite(out.wav, 320, 1)
+      fread(in.wav, 320, 1) = 1  # What came out stays where it is: the next block starts from it.
+      WebRtcAgc_VirtualMic(#1, @1, 1, 160, 0, 90 -> 70)
+      WebRtcAgc_Process(#1, @1, 1, 160, @1, 0, 70 -> 90, 0, 1)
+      fwrite(out.wav, 320, 1)
+      fread(in.wav, 320, 1) = 0
+      WebRtcAgc_Free(#1)
+      fclose(in.wav)
+      fclose(out.wav)
+  )"));
   EXPECT_EQ(engine.Bytes("out.wav").substr(0, 44), std::string(44, 'h'));
   std::vector<short> expected = Ramp(320);
   for (short& sample : expected) sample = static_cast<short>((sample + 1) * 10);
@@ -107,14 +116,22 @@ TEST(TestSpeexAgc, ControlsWholeBlocksInPlaceAndReleasesLastOpenedFirst) {
 
   TestSpeexAgc();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(music.wav)", "AudioAgc#1(22050, 2)",
-                          "AudioAgc#1.EnableAGC(true)", "WavWriter#1(agc_out.wav, 22050, 2)",
-                          "WavReader#1.ReadSamples(441) = 441", "AudioAgc#1.Process",
-                          "WavWriter#1.WriteSamples(441)", "WavReader#1.ReadSamples(441) = 441",
-                          "AudioAgc#1.Process", "WavWriter#1.WriteSamples(441)",
-                          "WavReader#1.ReadSamples(441) = 440",  // Dropped.
-                          "~WavWriter#1", "~AudioAgc#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(music.wav)
+      AudioAgc#1(22050, 2)
+      AudioAgc#1.EnableAGC(true)
+      WavWriter#1(agc_out.wav, 22050, 2)
+      WavReader#1.ReadSamples(441) = 441
+      AudioAgc#1.Process
+      WavWriter#1.WriteSamples(441)
+      WavReader#1.ReadSamples(441) = 441
+      AudioAgc#1.Process
+      WavWriter#1.WriteSamples(441)
+      WavReader#1.ReadSamples(441) = 440  # Dropped.
+      ~WavWriter#1
+      ~AudioAgc#1
+      ~WavReader#1
+  )"));
   EXPECT_EQ(engine.wavs["agc_out.wav"].samples, std::vector<short>(882, 9));
   EXPECT_THAT(engine.live, IsEmpty());
 }
@@ -124,10 +141,15 @@ TEST(TestSpeexAgc, StopsAtOnceWhenTheInputIsMissing) {
 
   TestSpeexAgc();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("WavReader#1(music.wav)", "AudioAgc#1(0, 0)", "AudioAgc#1.EnableAGC(true)",
-                  "WavWriter#1(agc_out.wav, 0, 0)", "~WavWriter#1", "~AudioAgc#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(music.wav)
+      AudioAgc#1(0, 0)
+      AudioAgc#1.EnableAGC(true)
+      WavWriter#1(agc_out.wav, 0, 0)
+      ~WavWriter#1
+      ~AudioAgc#1
+      ~WavReader#1
+  )"));
 }
 
 TEST(TestWebrtcAgc, ControlsTheCaptureSideInPlace) {
@@ -137,12 +159,19 @@ TEST(TestWebrtcAgc, ControlsTheCaptureSideInPlace) {
 
   TestWebrtcAgc();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(niannujiao_44100_1.wav)", "WebrtcAgc#1(44100, 1)",
-                          "WebrtcAgc#1.EnableAGC(true)", "WavWriter#1(agc_out.wav, 44100, 1)",
-                          "WavReader#1.ReadSamples(441) = 441", "WebrtcAgc#1.ProcessCapture(false)",
-                          "WavWriter#1.WriteSamples(441)", "WavReader#1.ReadSamples(441) = 440",
-                          "~WavWriter#1", "~WebrtcAgc#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(niannujiao_44100_1.wav)
+      WebrtcAgc#1(44100, 1)
+      WebrtcAgc#1.EnableAGC(true)
+      WavWriter#1(agc_out.wav, 44100, 1)
+      WavReader#1.ReadSamples(441) = 441
+      WebrtcAgc#1.ProcessCapture(false)
+      WavWriter#1.WriteSamples(441)
+      WavReader#1.ReadSamples(441) = 440
+      ~WavWriter#1
+      ~WebrtcAgc#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.wavs["agc_out.wav"].samples, Each(-9));
   EXPECT_THAT(engine.live, IsEmpty());
 }

@@ -7,9 +7,9 @@
 
 #include "bench/enhancement/routines.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::Each;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
@@ -99,11 +99,17 @@ TEST(TestHPFProcess, ClearsItsStateAndFiltersWholeBlocks) {
   FakeEngine engine;
   engine.wavs["in.wav"] = {8000, 1, Samples(80 + 79)};
   TestHPFProcess("in.wav", "out.wav");
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(in.wav)", "WebRtcSpl_MemSetW16(@1, 0, 2)",
-                          "WebRtcSpl_MemSetW16(@2, 0, 4)", "WavWriter#1(out.wav, 8000, 1)",
-                          "WavReader#1.ReadSamples(80) = 80", "WavWriter#1.WriteSamples(80)",
-                          "WavReader#1.ReadSamples(80) = 79", "~WavWriter#1", "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WebRtcSpl_MemSetW16(@1, 0, 2)
+      WebRtcSpl_MemSetW16(@2, 0, 4)
+      WavWriter#1(out.wav, 8000, 1)
+      WavReader#1.ReadSamples(80) = 80
+      WavWriter#1.WriteSamples(80)
+      WavReader#1.ReadSamples(80) = 79
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

@@ -8,8 +8,8 @@
 #include "bench/enhancement/routines.h"
 #include "bench/enhancement/speech_segment.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
-using testing::ElementsAre;
 using testing::SizeIs;
 
 namespace {
@@ -146,9 +146,12 @@ TEST(MeasureAverageSNR, StopsWithTheShorterFileAndLeavesPartFramesOut) {
   FILE* pf = fopen("processed", "rb");
   engine.calls.clear();
   MeasureAverageSNR(cf, pf);
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fread(clean, 320, 1) = 1", "fread(processed, 320, 1) = 1",
-                          "fread(clean, 320, 1) = 1", "fread(processed, 320, 1) = 0"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fread(clean, 320, 1) = 1
+      fread(processed, 320, 1) = 1
+      fread(clean, 320, 1) = 1
+      fread(processed, 320, 1) = 0
+  )"));
   fclose(cf);
   fclose(pf);
 }

@@ -9,6 +9,7 @@
 #include "bench/enhancement/routines.h"
 #include "fake_engine/enhancement/voice_detection.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -77,12 +78,18 @@ TEST(TestMeasureVAD, OpensItsFilesInOrderAndNeverTheReference) {
 
   Measure("in.wav");
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("WavReader#1(in.wav)", "WavWriter#1(in_opt.wav, 8000, 1)",
-                          "WavWriter#2(in_vad.wav, 8000, 1)", "WavReader#1.ReadSamples(3) = 3",
-                          "WavWriter#1.WriteSamples(1)", "WavWriter#2.WriteSamples(1)",
-                          "WavReader#1.ReadSamples(3) = 1", "~WavWriter#2", "~WavWriter#1",
-                          "~WavReader#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      WavReader#1(in.wav)
+      WavWriter#1(in_opt.wav, 8000, 1)
+      WavWriter#2(in_vad.wav, 8000, 1)
+      WavReader#1.ReadSamples(3) = 3
+      WavWriter#1.WriteSamples(1)
+      WavWriter#2.WriteSamples(1)
+      WavReader#1.ReadSamples(3) = 1
+      ~WavWriter#2
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
 }
 
 TEST(TestMeasureVAD, CutsTheLastFourCharactersWhateverTheyAre) {
@@ -163,15 +170,14 @@ TEST(TestVAD, OpensTheReportBeforeTheDescriptionAndClosesItAfter) {
   FakeEngine engine;
   engine.PutFile(kDescription, "0\n");
   TestVAD("x");
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fopen(F:/Stream/vad/output/report_x.txt, wt)",
-                          "fprintf(F:/Stream/vad/output/report_x.txt, \"Input filename\\t\\tBW "
-                          "Saving(%%)\\topt BW Saving(%%)\\tPESQ\\t\\topt PESQ\\t\\tFaulty "
-                          "Alarm(dB)\\t\\tFalse Alarm(dB)\\n\")",
-                          "fopen(F:/Stream/vad/input/vad_input_description.txt, rt)",
-                          "fscanf(F:/Stream/vad/input/vad_input_description.txt, \"%d\\n\") = 1",
-                          "fclose(F:/Stream/vad/input/vad_input_description.txt)",
-                          "fclose(F:/Stream/vad/output/report_x.txt)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(F:/Stream/vad/output/report_x.txt, wt)
+      fprintf(F:/Stream/vad/output/report_x.txt, "Input filename\t\tBW Saving(%%)\topt BW Saving(%%)\tPESQ\t\topt PESQ\t\tFaulty Alarm(dB)\t\tFalse Alarm(dB)\n")
+      fopen(F:/Stream/vad/input/vad_input_description.txt, rt)
+      fscanf(F:/Stream/vad/input/vad_input_description.txt, "%d\n") = 1
+      fclose(F:/Stream/vad/input/vad_input_description.txt)
+      fclose(F:/Stream/vad/output/report_x.txt)
+  )"));
 }
 
 TEST(TestVAD, ReadsAnEntryFieldByField) {

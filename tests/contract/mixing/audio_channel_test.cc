@@ -6,6 +6,7 @@
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/mixing/audio_engine.h"
 #include "harness/log_sinks.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -42,19 +43,32 @@ TEST(TestAudioChannel, PacksTenSecondsThenPlaysThem) {
 
   TestAudioChannel(51);
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("CreateAudioEngine(null, 0, null, log) = IAudioEngine#1",
-                  "IAudioEngine#1.Start(0)", "IAudioChannel::Create() = IAudioChannel#1",
-                  "IAudioChannel#1.EnablePackerVad(0)",
-                  "IAudioChannel#1.StartPacker(notify, 51, 48000, 48000, 1, 2) = 1",
-                  "IAudioChannel#1.OpenCapture()", "SleepMs(10000)", "fopen(pack.enc, wb)",
-                  "fwrite(pack.enc, 4, 1)", "fwrite(pack.enc, 2, 1)", "fwrite(pack.enc, 4, 1)",
-                  "fwrite(pack.enc, 3, 1)", "IAudioChannel#1.StopPacker()", "fclose(pack.enc)",
-                  "fopen(pack.enc, rb)", "IAudioChannel#1.StartPlay(notify, 0, 44100, 2) = 1",
-                  "SleepMs(10000)", "fread(pack.enc, 4, 1) = 1", "fread(pack.enc, 2, 1) = 1",
-                  "fread(pack.enc, 4, 1) = 1", "fread(pack.enc, 3, 1) = 1",
-                  "fread(pack.enc, 4, 1) = 0", "IAudioChannel#1.StopPlay(0)", "fclose(pack.enc)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CreateAudioEngine(null, 0, null, log) = IAudioEngine#1
+      IAudioEngine#1.Start(0)
+      IAudioChannel::Create() = IAudioChannel#1
+      IAudioChannel#1.EnablePackerVad(0)
+      IAudioChannel#1.StartPacker(notify, 51, 48000, 48000, 1, 2) = 1
+      IAudioChannel#1.OpenCapture()
+      SleepMs(10000)
+      fopen(pack.enc, wb)
+      fwrite(pack.enc, 4, 1)
+      fwrite(pack.enc, 2, 1)
+      fwrite(pack.enc, 4, 1)
+      fwrite(pack.enc, 3, 1)
+      IAudioChannel#1.StopPacker()
+      fclose(pack.enc)
+      fopen(pack.enc, rb)
+      IAudioChannel#1.StartPlay(notify, 0, 44100, 2) = 1
+      SleepMs(10000)
+      fread(pack.enc, 4, 1) = 1
+      fread(pack.enc, 2, 1) = 1
+      fread(pack.enc, 4, 1) = 1
+      fread(pack.enc, 3, 1) = 1
+      fread(pack.enc, 4, 1) = 0
+      IAudioChannel#1.StopPlay(0)
+      fclose(pack.enc)
+  )"));
   EXPECT_EQ(played, "ab|cde|");  // No silence is simulated.
   EXPECT_THAT(codecs, ElementsAre(51, 51));
   EXPECT_EQ(engine.script<AudioEngineScript>().log, PrintSdkLog);

@@ -5,6 +5,7 @@
 #include "fake_engine/mixing/audio_engine.h"
 #include "fake_engine/mixing/speech_msg_player.h"
 #include "harness/log_sinks.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -17,12 +18,14 @@ TEST(TestFilePlayer, StartsToPlayAndReturnsAtOnce) {
 
   TestFilePlayer();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("CreateAudioEngine(null, 0, null, log) = IAudioEngine#1",
-                          "IAudioEngine#1.CreateAudioCapture() = IAudioCapture#1",
-                          "IAudioFilePlayer::Create() = IAudioFilePlayer#1",
-                          "IAudioFilePlayer#1.Open(music.wav) = 0", "IAudioFilePlayer#1.Play()",
-                          "IAudioFilePlayer#1.SetFeedBackToMicMode(0)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CreateAudioEngine(null, 0, null, log) = IAudioEngine#1
+      IAudioEngine#1.CreateAudioCapture() = IAudioCapture#1
+      IAudioFilePlayer::Create() = IAudioFilePlayer#1
+      IAudioFilePlayer#1.Open(music.wav) = 0
+      IAudioFilePlayer#1.Play()
+      IAudioFilePlayer#1.SetFeedBackToMicMode(0)
+  )"));
   EXPECT_EQ(engine.script<AudioEngineScript>().log, PrintSdkLog);
   EXPECT_THAT(engine.live, UnorderedElementsAre(Pair("IAudioEngine", 1), Pair("IAudioCapture", 1),
                                                 Pair("IAudioFilePlayer", 1)));
@@ -59,19 +62,25 @@ TEST(TestAudioSaver, RecordsFiveSecondsWithOnePlayerAndFiveWithTwo) {
 
   TestAudioSaver();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("CreateAudioEngine(null, 0, null, log) = IAudioEngine#1",
-                  "IAudioEngine#1.Start(3)", "IAudioFilePlayer::Create() = IAudioFilePlayer#1",
-                  "IAudioFilePlayer#1.Open(gangqin.wav) = 0", "IAudioFilePlayer#1.Play()",
-                  "IAudioFilePlayer#1.SetFeedBackToMicMode(2)",
-                  "IAudioEngine#1.CreateAudioCapture() = IAudioCapture#1",
-                  "IAudioCapture#1.Open(44100, 2, 16)", "IAudioCapture#1.Start(null)",
-                  "IAudioEngine#1.StartAudioSaver(saver.aac, 0, 1) = 1", "SleepMs(5000)",
-                  "IAudioFilePlayer::Create() = IAudioFilePlayer#2",
-                  "IAudioFilePlayer#2.Open(gangqin2.wav) = 0", "IAudioFilePlayer#2.Play()",
-                  "IAudioFilePlayer#2.SetFeedBackToMicMode(2)", "SleepMs(5000)",
-                  "IAudioEngine#1.StopAudioSaver()"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CreateAudioEngine(null, 0, null, log) = IAudioEngine#1
+      IAudioEngine#1.Start(3)
+      IAudioFilePlayer::Create() = IAudioFilePlayer#1
+      IAudioFilePlayer#1.Open(gangqin.wav) = 0
+      IAudioFilePlayer#1.Play()
+      IAudioFilePlayer#1.SetFeedBackToMicMode(2)
+      IAudioEngine#1.CreateAudioCapture() = IAudioCapture#1
+      IAudioCapture#1.Open(44100, 2, 16)
+      IAudioCapture#1.Start(null)
+      IAudioEngine#1.StartAudioSaver(saver.aac, 0, 1) = 1
+      SleepMs(5000)
+      IAudioFilePlayer::Create() = IAudioFilePlayer#2
+      IAudioFilePlayer#2.Open(gangqin2.wav) = 0
+      IAudioFilePlayer#2.Play()
+      IAudioFilePlayer#2.SetFeedBackToMicMode(2)
+      SleepMs(5000)
+      IAudioEngine#1.StopAudioSaver()
+  )"));
   EXPECT_EQ(engine.script<AudioEngineScript>().log, PrintSdkLog);
   EXPECT_THAT(engine.live, UnorderedElementsAre(Pair("IAudioEngine", 1), Pair("IAudioCapture", 1),
                                                 Pair("IAudioFilePlayer", 2)));
@@ -92,13 +101,16 @@ TEST(TestSpeechMsg, TakesAMinuteAndSaysHowLongTheMessageIs) {
 
   TestSpeechMsg();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("ISpeechMsgPlayer::CreateAudioPlayer() = ISpeechMsgPlayer#1",
-                  "ISpeechMsgPlayer#1.Init() = 1", "ISpeechMsgPlayer#1.GetRecordFileTime() = 1234",
-                  "ISpeechMsgPlayer#1.Start(notify)", "SleepMs(60000)", "ISpeechMsgPlayer#1.Stop()",
-                  "ISpeechMsgPlayer#1.Destroy()",
-                  "printf(\"Play Done, totalTime = %d.\\n\", 1234)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      ISpeechMsgPlayer::CreateAudioPlayer() = ISpeechMsgPlayer#1
+      ISpeechMsgPlayer#1.Init() = 1
+      ISpeechMsgPlayer#1.GetRecordFileTime() = 1234
+      ISpeechMsgPlayer#1.Start(notify)
+      SleepMs(60000)
+      ISpeechMsgPlayer#1.Stop()
+      ISpeechMsgPlayer#1.Destroy()
+      printf("Play Done, totalTime = %d.\n", 1234)
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

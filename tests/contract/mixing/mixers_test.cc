@@ -6,6 +6,7 @@
 #include "fake_engine/fake_engine.h"
 #include "fake_engine/mixing/audio_block_mixer.h"
 #include "fake_engine/mixing/audio_record_mixer.h"
+#include "support/transcript.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -27,21 +28,39 @@ TEST(TestAudioMixer, OpensSeeksMixesAndClosesInOrder) {
 
   TestAudioMixer();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("fopen(c:\\5.wav, rb)", "fopen(c:\\5.wav, rb)", "fopen(c:\\5.wav, rb)",
-                          "fopen(c:\\5.wav, rb)", "fopen(c:\\5.wav, rb)",
-                          "fopen(c:\\outmix.pcm, wb)", "fseek(c:\\5.wav, 44, 0)",
-                          "fseek(c:\\5.wav, 96044, 0)", "fseek(c:\\5.wav, 192044, 0)",
-                          "fseek(c:\\5.wav, 288044, 0)", "fseek(c:\\5.wav, 384044, 0)",
-                          "CAudioBlockMixer#1(160, 1)", "fread(c:\\5.wav, 320, 1) = 1",
-                          "fread(c:\\5.wav, 320, 1) = 0", "fread(c:\\5.wav, 320, 1) = 0",
-                          "fread(c:\\5.wav, 320, 1) = 0", "fread(c:\\5.wav, 320, 1) = 0",
-                          "CAudioBlockMixer#1.Process(320) = 1", "fwrite(c:\\outmix.pcm, 1, 1)",
-                          "fread(c:\\5.wav, 320, 1) = 0", "fread(c:\\5.wav, 320, 1) = 0",
-                          "fread(c:\\5.wav, 320, 1) = 0", "fread(c:\\5.wav, 320, 1) = 0",
-                          "fread(c:\\5.wav, 320, 1) = 0", "fclose(c:\\5.wav)", "fclose(c:\\5.wav)",
-                          "fclose(c:\\5.wav)", "fclose(c:\\5.wav)", "fclose(c:\\5.wav)",
-                          "fclose(c:\\outmix.pcm)", "~CAudioBlockMixer#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      fopen(c:\5.wav, rb)
+      fopen(c:\5.wav, rb)
+      fopen(c:\5.wav, rb)
+      fopen(c:\5.wav, rb)
+      fopen(c:\5.wav, rb)
+      fopen(c:\outmix.pcm, wb)
+      fseek(c:\5.wav, 44, 0)
+      fseek(c:\5.wav, 96044, 0)
+      fseek(c:\5.wav, 192044, 0)
+      fseek(c:\5.wav, 288044, 0)
+      fseek(c:\5.wav, 384044, 0)
+      CAudioBlockMixer#1(160, 1)
+      fread(c:\5.wav, 320, 1) = 1
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      CAudioBlockMixer#1.Process(320) = 1
+      fwrite(c:\outmix.pcm, 1, 1)
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fread(c:\5.wav, 320, 1) = 0
+      fclose(c:\5.wav)
+      fclose(c:\5.wav)
+      fclose(c:\5.wav)
+      fclose(c:\5.wav)
+      fclose(c:\5.wav)
+      fclose(c:\outmix.pcm)
+      ~CAudioBlockMixer#1
+  )"));
 }
 
 TEST(TestAudioMixer, LosesItsShiftedSourcesOneByOne) {
@@ -112,19 +131,28 @@ TEST(TestRecordMixer, MixesBlockByBlockAndReleasesInOrder) {
 
   TestRecordMixer();
 
-  EXPECT_THAT(
-      engine.calls,
-      ElementsAre("AudioRecordMixer#1()", "WavReader#1(record_acc.wav)",
-                  "WavReader#2(record_voice.wav)", "WavWriter#1(record_out.wav, 16000, 1)",
-                  "AudioRecordMixer#1.SetMixerMode(2)", "WavReader#1.ReadSamples(160) = 160",
-                  "WavReader#2.ReadSamples(160) = 160",
-                  "AudioRecordMixer#1.PushAudioFrame(160 x 1, 0)",
-                  "AudioRecordMixer#1.GetMixedAudioFrame(160 x 1)", "WavWriter#1.WriteSamples(160)",
-                  "WavReader#1.ReadSamples(160) = 160", "WavReader#2.ReadSamples(160) = 160",
-                  "AudioRecordMixer#1.PushAudioFrame(160 x 1, 0)",
-                  "AudioRecordMixer#1.GetMixedAudioFrame(160 x 1)", "WavWriter#1.WriteSamples(160)",
-                  "WavReader#1.ReadSamples(160) = 159", "~WavWriter#1", "~WavReader#2",
-                  "~WavReader#1", "~AudioRecordMixer#1"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      AudioRecordMixer#1()
+      WavReader#1(record_acc.wav)
+      WavReader#2(record_voice.wav)
+      WavWriter#1(record_out.wav, 16000, 1)
+      AudioRecordMixer#1.SetMixerMode(2)
+      WavReader#1.ReadSamples(160) = 160
+      WavReader#2.ReadSamples(160) = 160
+      AudioRecordMixer#1.PushAudioFrame(160 x 1, 0)
+      AudioRecordMixer#1.GetMixedAudioFrame(160 x 1)
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 160
+      WavReader#2.ReadSamples(160) = 160
+      AudioRecordMixer#1.PushAudioFrame(160 x 1, 0)
+      AudioRecordMixer#1.GetMixedAudioFrame(160 x 1)
+      WavWriter#1.WriteSamples(160)
+      WavReader#1.ReadSamples(160) = 159
+      ~WavWriter#1
+      ~WavReader#2
+      ~WavReader#1
+      ~AudioRecordMixer#1
+  )"));
   EXPECT_THAT(engine.wavs["record_out.wav"].samples, SizeIs(320));
   EXPECT_THAT(engine.wavs["record_out.wav"].samples, Each(6));  // The voice, mixed in place.
 }
@@ -198,8 +226,10 @@ TEST(TestRecordMixer, WritesNothingWithoutAnAccompaniment) {
 
   TestRecordMixer();
 
-  EXPECT_THAT(engine.CallsWith("WavWriter"),
-              ElementsAre("WavWriter#1(record_out.wav, 0, 0)", "~WavWriter#1"));
+  EXPECT_THAT(engine.CallsWith("WavWriter"), Transcript(R"(
+      WavWriter#1(record_out.wav, 0, 0)
+      ~WavWriter#1
+  )"));
   EXPECT_THAT(engine.CallsWith("PushAudioFrame"), IsEmpty());
 }
 

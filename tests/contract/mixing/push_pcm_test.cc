@@ -2,6 +2,7 @@
 
 #include "bench/mixing/routines.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -13,14 +14,17 @@ TEST(TestPushPcm, BuildsAHeadForEveryChunkAndWritesNothing) {
 
   TestPushPcm();
 
-  EXPECT_THAT(engine.calls,
-              ElementsAre("IPushPcmModule::CreatePuchPcmModule(44100, 2, 1) = IPushPcmModule#1",
-                          "fopen(Fs44100_Ch2.pcm, rb)", "fopen(out.pcm, wb)",
-                          "fread(Fs44100_Ch2.pcm, 3528, 1) = 1",
-                          "IPushPcmModule::MakeStreamInfo(44100, 2, 2, 3528, 1)",
-                          "fread(Fs44100_Ch2.pcm, 3528, 1) = 1",
-                          "IPushPcmModule::MakeStreamInfo(44100, 2, 2, 3528, 1)",
-                          "fread(Fs44100_Ch2.pcm, 3528, 1) = 0", "fclose(out.pcm)"));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      IPushPcmModule::CreatePuchPcmModule(44100, 2, 1) = IPushPcmModule#1
+      fopen(Fs44100_Ch2.pcm, rb)
+      fopen(out.pcm, wb)
+      fread(Fs44100_Ch2.pcm, 3528, 1) = 1
+      IPushPcmModule::MakeStreamInfo(44100, 2, 2, 3528, 1)
+      fread(Fs44100_Ch2.pcm, 3528, 1) = 1
+      IPushPcmModule::MakeStreamInfo(44100, 2, 2, 3528, 1)
+      fread(Fs44100_Ch2.pcm, 3528, 1) = 0
+      fclose(out.pcm)
+  )"));
   EXPECT_EQ(engine.Bytes("out.pcm"), "");
   EXPECT_THAT(engine.live, ElementsAre(Pair("IPushPcmModule", 1)));
 }
