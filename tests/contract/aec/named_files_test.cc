@@ -12,7 +12,6 @@
 #include "support/transcript.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
@@ -113,18 +112,21 @@ TEST(TestHardwareAec, ControlsAndCleansTheCaptureSideAlone) {
 
   TestHardwareAec();
 
-  const std::vector<std::string> block = {
-      "WavReader#1.ReadSamples(441) = 441",
-      "HardwareAec#1.ProcessCaptureAudio(220, 22050 Hz, 2 ch, false, true)",
-      "WavWriter#1.WriteSamples(440)"};
-  std::vector<std::string> expected = {
-      "CreateHardwareAec() = HardwareAec#1", "HardwareAec#1.EnableAGC(true)",
-      "HardwareAec#1.EnableDenoise(true)", "WavReader#1(noise_in.wav)",
-      "WavWriter#1(out.wav, 32000, 1)"};
-  Append(expected, block);
-  Append(expected, block);
-  Append(expected, {"WavReader#1.ReadSamples(441) = 440", "~WavWriter#1", "~WavReader#1"});
-  EXPECT_THAT(engine.calls, ElementsAreArray(expected));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      CreateHardwareAec() = HardwareAec#1
+      HardwareAec#1.EnableAGC(true)
+      HardwareAec#1.EnableDenoise(true)
+      WavReader#1(noise_in.wav)
+      WavWriter#1(out.wav, 32000, 1)
+  )" + Times(2, R"(
+      WavReader#1.ReadSamples(441) = 441
+      HardwareAec#1.ProcessCaptureAudio(220, 22050 Hz, 2 ch, false, true)
+      WavWriter#1.WriteSamples(440)
+  )") + R"(
+      WavReader#1.ReadSamples(441) = 440  # Dropped.
+      ~WavWriter#1
+      ~WavReader#1
+  )"));
   std::vector<short> written = Negated(Ramp(440));
   const std::vector<short> second = Negated(Ramp(440, 442));
   written.insert(written.end(), second.begin(), second.end());

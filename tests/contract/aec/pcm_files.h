@@ -36,8 +36,3 @@ inline std::vector<short> Negated(std::vector<short> samples) {
   for (short& sample : samples) sample = static_cast<short>(-sample);
   return samples;
 }
-
-// `calls`, and after them `more`.
-inline void Append(std::vector<std::string>& calls, const std::vector<std::string>& more) {
-  calls.insert(calls.end(), more.begin(), more.end());
-}

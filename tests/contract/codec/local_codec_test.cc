@@ -6,7 +6,6 @@
 #include "fake_engine/fake_engine.h"
 #include "support/transcript.h"
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -204,13 +203,15 @@ TEST(TestEncodeFile, WritesFrameRecords) {
     EXPECT_EQ(engine.Bytes(g_out), FrameRecord(first, codecType, "aa") +
                                        FrameRecord(first + 1, codecType, "") +
                                        FrameRecord(first + 2, codecType, "cc"));
-    const std::string create = "CreateAudioEncoder(" + std::to_string(type) + ") = IAudioEncoder#1";
-    EXPECT_THAT(
-        engine.CallsWith("Encoder"),
-        ElementsAre(create, "IAudioEncoder#1.Init()", "IAudioEncoder#1.GetEncoderBytes() = 4",
-                    "IAudioEncoder#1.Encode(4, out of 0) = 2",
-                    "IAudioEncoder#1.Encode(4, out of 0) = 0",  // A fresh string each time.
-                    "IAudioEncoder#1.Encode(4, out of 0) = 2", "IAudioEncoder#1.Destroy()"));
+    EXPECT_THAT(engine.CallsWith("Encoder"),
+                Transcript("CreateAudioEncoder(" + std::to_string(type) + R"() = IAudioEncoder#1
+        IAudioEncoder#1.Init()
+        IAudioEncoder#1.GetEncoderBytes() = 4
+        IAudioEncoder#1.Encode(4, out of 0) = 2
+        IAudioEncoder#1.Encode(4, out of 0) = 0  # A fresh string each time.
+        IAudioEncoder#1.Encode(4, out of 0) = 2
+        IAudioEncoder#1.Destroy()
+    )"));
     EXPECT_THAT(engine.live, IsEmpty());
   }
 }

@@ -37,26 +37,28 @@ TEST(TestHRTF, FiltersWholeChunksAndReleasesInOrder) {
 
   TestHRTF();
 
-  const std::string chunk[] = {"fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 882",
-                               "S16ToFloat(882)", "FIRFilter#1.Filter(@1, 441, @2)",
-                               "FIRFilter#2.Filter(@3, 441, @4)",
-                               "fwrite(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, 4, 882)"};
-  std::vector<std::string> expected = {"OutputDebugInfo(\"TestHrtf..start\")",
-                                       "mit_hrtf_availability(90, 0, 44100, 0) = 3",
-                                       "mit_hrtf_get(90, 0, 44100, 0) = 3",
-                                       "fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb)",
-                                       "fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)",
-                                       "FIRFilter::Create(3, 1765) = FIRFilter#1",
-                                       "FIRFilter::Create(3, 1765) = FIRFilter#2"};
-  expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
-  expected.insert(expected.end(), std::begin(chunk), std::end(chunk));
-  expected.insert(
-      expected.end(),
-      {"fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 881",  // Dropped: neither filtered nor
-                                                                // written.
-       "fclose(/sdcard/ZUAudioDemo/44100_2.pcm)", "fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)",
-       "~FIRFilter#1", "~FIRFilter#2", "OutputDebugInfo(\"TestHrtf..end\")"});
-  EXPECT_THAT(engine.calls, ElementsAreArray(expected));
+  EXPECT_THAT(engine.calls, Transcript(R"(
+      OutputDebugInfo("TestHrtf..start")
+      mit_hrtf_availability(90, 0, 44100, 0) = 3
+      mit_hrtf_get(90, 0, 44100, 0) = 3
+      fopen(/sdcard/ZUAudioDemo/44100_2.pcm, rb)
+      fopen(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, wb)
+      FIRFilter::Create(3, 1765) = FIRFilter#1
+      FIRFilter::Create(3, 1765) = FIRFilter#2
+  )" + Times(2, R"(
+      fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 882
+      S16ToFloat(882)
+      FIRFilter#1.Filter(@1, 441, @2)
+      FIRFilter#2.Filter(@3, 441, @4)
+      fwrite(/sdcard/ZUAudioDemo/44100_2_out_902.pcm, 4, 882)
+  )") + R"(
+      fread(/sdcard/ZUAudioDemo/44100_2.pcm, 2, 882) = 881  # Dropped: neither filtered nor written.
+      fclose(/sdcard/ZUAudioDemo/44100_2.pcm)
+      fclose(/sdcard/ZUAudioDemo/44100_2_out_902.pcm)
+      ~FIRFilter#1
+      ~FIRFilter#2
+      OutputDebugInfo("TestHrtf..end")
+  )"));
   EXPECT_THAT(engine.live, IsEmpty());
 }
 

@@ -7,7 +7,6 @@
 #include "fake_engine/fake_engine.h"
 #include "support/transcript.h"
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -77,14 +76,20 @@ TEST(TestDenoiseProcessNoizeus, TakesAFreshSuppressorForEachFile) {
 
   TestDenoiseProcessNoizeus();
 
-  const std::string in = kIn;
-  const std::string out = kOut;
   EXPECT_THAT(std::vector<std::string>(engine.calls.begin(), engine.calls.begin() + 11),
-              ElementsAre("fopen(" + in + ", rb)", "fopen(" + out + ", wb)",
-                          "CAudioDenoise#1(8000, 1)", "CAudioDenoise#1.EnableLightDenoise(false)",
-                          "fread(" + in + ", 2, 80) = 80", "CAudioDenoise#1.Process",
-                          "fwrite(" + out + ", 2, 80)", "fread(" + in + ", 2, 80) = 79",
-                          "fclose(" + in + ")", "fclose(" + out + ")", "~CAudioDenoise#1"));
+              Transcript(R"(
+      fopen(NOIZEUS/in/airport/0dB/sp01_airport_sn0.pcm, rb)
+      fopen(NOIZEUS/out/sp01_airport_sn0_denoise.pcm, wb)
+      CAudioDenoise#1(8000, 1)
+      CAudioDenoise#1.EnableLightDenoise(false)
+      fread(NOIZEUS/in/airport/0dB/sp01_airport_sn0.pcm, 2, 80) = 80
+      CAudioDenoise#1.Process
+      fwrite(NOIZEUS/out/sp01_airport_sn0_denoise.pcm, 2, 80)
+      fread(NOIZEUS/in/airport/0dB/sp01_airport_sn0.pcm, 2, 80) = 79  # Dropped.
+      fclose(NOIZEUS/in/airport/0dB/sp01_airport_sn0.pcm)
+      fclose(NOIZEUS/out/sp01_airport_sn0_denoise.pcm)
+      ~CAudioDenoise#1
+  )"));
   EXPECT_EQ(engine.Values<short>(kOut), Samples(80, 5));
   EXPECT_EQ(engine.Values<short>(kOutLight), Samples(80, 5));
   EXPECT_THAT(engine.CallsWith("CAudioDenoise#1920(8000, 1)"), SizeIs(1));

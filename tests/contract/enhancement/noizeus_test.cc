@@ -8,7 +8,6 @@
 #include "support/transcript.h"
 
 using testing::Each;
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -52,25 +51,31 @@ TEST(TestNoizeusEx, OpensAlignsScoresAndClosesSentenceBySentence) {
 
   TestNoizeusEx(0, 0);
 
-  const std::vector<std::string> start(engine.calls.begin(), engine.calls.begin() + 17);
-  EXPECT_THAT(
-      start,
-      ElementsAre(
-          "fopen(NOIZEUS/out/result_avg_snr_aec_airport.txt, wt)",
-          "fopen(NOIZEUS/in/clean/sp01.pcm, rb)", "fopen(NOIZEUS/out/sp01_airport_sn0_aec.pcm, rb)",
-          "fseek(NOIZEUS/in/clean/sp01.pcm, 0, 0)",
-          "fseek(NOIZEUS/out/sp01_airport_sn0_aec.pcm, 96, 0)",
-          "fread(NOIZEUS/in/clean/sp01.pcm, 320, 1) = 1",
-          "fread(NOIZEUS/out/sp01_airport_sn0_aec.pcm, 320, 1) = 1",
-          "fread(NOIZEUS/in/clean/sp01.pcm, 320, 1) = 0",
-          "fprintf(NOIZEUS/out/result_avg_snr_aec_airport.txt, \"%f \", 42.501431)",
-          "fclose(NOIZEUS/in/clean/sp01.pcm)", "fclose(NOIZEUS/out/sp01_airport_sn0_aec.pcm)",
-          "fopen(NOIZEUS/in/clean/sp02.pcm, rb) = null",
-          "fopen(NOIZEUS/out/sp02_airport_sn0_aec.pcm, rb) = null",
-          MatchesRegex("fprintf.NOIZEUS/out/result_avg_snr_aec_airport.txt, \"%f \", "
-                       "-?nan."),
-          "fopen(NOIZEUS/in/clean/sp03.pcm, rb) = null",
-          "fopen(NOIZEUS/out/sp03_airport_sn0_aec.pcm, rb) = null", testing::_));
+  // The score of a missing sentence is not a number, of whatever sign.
+  for (std::string& call : engine.calls) {
+    const size_t at = call.find("-nan");
+    if (at != std::string::npos) call.erase(at, 1);
+  }
+  EXPECT_THAT(std::vector<std::string>(engine.calls.begin(), engine.calls.begin() + 17),
+              Transcript(R"(
+      fopen(NOIZEUS/out/result_avg_snr_aec_airport.txt, wt)
+      fopen(NOIZEUS/in/clean/sp01.pcm, rb)
+      fopen(NOIZEUS/out/sp01_airport_sn0_aec.pcm, rb)
+      fseek(NOIZEUS/in/clean/sp01.pcm, 0, 0)
+      fseek(NOIZEUS/out/sp01_airport_sn0_aec.pcm, 96, 0)
+      fread(NOIZEUS/in/clean/sp01.pcm, 320, 1) = 1
+      fread(NOIZEUS/out/sp01_airport_sn0_aec.pcm, 320, 1) = 1
+      fread(NOIZEUS/in/clean/sp01.pcm, 320, 1) = 0
+      fprintf(NOIZEUS/out/result_avg_snr_aec_airport.txt, "%f ", 42.501431)
+      fclose(NOIZEUS/in/clean/sp01.pcm)
+      fclose(NOIZEUS/out/sp01_airport_sn0_aec.pcm)
+      fopen(NOIZEUS/in/clean/sp02.pcm, rb) = null
+      fopen(NOIZEUS/out/sp02_airport_sn0_aec.pcm, rb) = null
+      fprintf(NOIZEUS/out/result_avg_snr_aec_airport.txt, "%f ", nan)
+      fopen(NOIZEUS/in/clean/sp03.pcm, rb) = null
+      fopen(NOIZEUS/out/sp03_airport_sn0_aec.pcm, rb) = null
+      fprintf(NOIZEUS/out/result_avg_snr_aec_airport.txt, "%f ", nan)
+  )"));
 }
 
 TEST(TestNoizeusEx, WalksNoisesThenLevelsThenSentences) {

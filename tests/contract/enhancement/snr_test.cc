@@ -164,16 +164,25 @@ TEST(MeasureAverageSNR, IsNotANumberWithoutAFrame) {
 TEST(MeasureSpeechSNR, SeeksEachSegmentAndReadsItsWholeFrames) {
   std::vector<std::string> calls;
   Speech(2, Constant(30000, 256), Constant(30000, 257), &calls, 100, 260);
-  std::vector<std::string> expected = {"ftell(clean) = 100", "ftell(processed) = 260"};
-  const int segments[][2] = {{1313, 5687 / 160}, {7218, 8782 / 160}, {16800, 3759 / 160}};
-  for (const auto& [start, frames] : segments) {
-    expected.push_back("fseek(clean, " + std::to_string(100 + 2 * start) + ", 0)");
-    expected.push_back("fseek(processed, " + std::to_string(260 + 2 * start) + ", 0)");
-    for (int i = 0; i < frames; ++i) {
-      expected.insert(expected.end(), {"fread(clean, 320, 1) = 1", "fread(processed, 320, 1) = 1"});
-    }
-  }
-  EXPECT_EQ(calls, expected);
+  const std::string frame = R"(
+      fread(clean, 320, 1) = 1
+      fread(processed, 320, 1) = 1
+  )";
+  // Each seek is where the file stood and the segment's start, of two bytes a sample.
+  EXPECT_THAT(calls, Transcript(R"(
+      ftell(clean) = 100
+      ftell(processed) = 260
+      fseek(clean, 2726, 0)  # 100 + 2 * 1313
+      fseek(processed, 2886, 0)
+  )" + Times(5687 / 160, frame) +
+                                R"(
+      fseek(clean, 14536, 0)  # 100 + 2 * 7218
+      fseek(processed, 14696, 0)
+  )" + Times(8782 / 160, frame) +
+                                R"(
+      fseek(clean, 33700, 0)  # 100 + 2 * 16800
+      fseek(processed, 33860, 0)
+  )" + Times(3759 / 160, frame)));
 }
 
 // Every frame has the 160 samples that were read for it: alike frames score alike, however long
