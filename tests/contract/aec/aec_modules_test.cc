@@ -2,7 +2,7 @@
 
 #include "bench/aec/routines.h"
 #include "contract/aec/frames.h"
-#include "contract/aec/pcm_files.h"
+#include "contract/pcm_files.h"
 #include "fake_engine/aec/aec_module.h"
 #include "fake_engine/effects/audio_resampler_ex.h"
 #include "fake_engine/fake_engine.h"

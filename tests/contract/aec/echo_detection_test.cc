@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "bench/aec/routines.h"
-#include "contract/aec/pcm_files.h"
+#include "contract/pcm_files.h"
 #include "fake_engine/aec/aec_file_writer.h"
 #include "fake_engine/fake_engine.h"
 #include "support/transcript.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "bench/aec/routines.h"
-#include "contract/aec/pcm_files.h"
+#include "contract/pcm_files.h"
 #include "fake_engine/aec/aec_mobile.h"
 #include "fake_engine/aec/audio_buffer.h"
 #include "fake_engine/fake_engine.h"

@@ -6,7 +6,7 @@
 
 #include "bench/aec/routines.h"
 #include "contract/aec/frames.h"
-#include "contract/aec/pcm_files.h"
+#include "contract/pcm_files.h"
 #include "fake_engine/aec/aec_module.h"
 #include "fake_engine/fake_engine.h"
 #include "support/transcript.h"

@@ -125,8 +125,7 @@ TEST(TestVADCodecMosByVADResult, SendsSpeechAndFillsTheRestWithSilence) {
       ~WavReader#1
   )"));
   EXPECT_THAT(run.sent, ElementsAre(2, 3));
-  // One silent frame more than was read.
-  EXPECT_EQ(run.Output(), ".ab..");
+  EXPECT_EQ(run.Output(), ".ab..");  // One silent frame more than was read.
   EXPECT_EQ(run.Track(), (std::vector<short>{0, 0, 0, 0, 32000, 32000, 32000, 32000, 13000, 13000,
                                              13000, 13000, 0, 0, 0, 0}));
 }

@@ -146,20 +146,20 @@ TEST(TestVoiceChangerEx, GoesOnWithTheCountThatTheEffectLeft) {
 
   TestVoiceChangerEx();
 
-  const std::vector<std::string> reads = engine.CallsWith("ReadSamples");
-  EXPECT_THAT(std::vector<std::string>(reads.begin(), reads.begin() + 3), Transcript(R"(
+  // Of 1000 samples.
+  EXPECT_THAT(engine.CallsWith("Samples("), Transcript(R"(
       WavReader#1.ReadSamples(160) = 160
+      WavWriter#1.WriteSamples(200)
       WavReader#1.ReadSamples(200) = 200
+      WavWriter#1.WriteSamples(100)
+  )" + Times((1000 - 160 - 200) / 100, R"(
       WavReader#1.ReadSamples(100) = 100
+      WavWriter#1.WriteSamples(100)
+  )") + R"(
+      WavReader#1.ReadSamples(100) = 40
   )"));
   EXPECT_THAT(engine.CallsWith("is not the same"), Transcript(R"(
       printf("output samples is not the same with input, totalSamples = %d, return = %d, expect = %d\n", 1, 160, 200)
-  )"));
-  const std::vector<std::string> writes = engine.CallsWith("WriteSamples");
-  EXPECT_THAT(std::vector<std::string>(writes.begin(), writes.begin() + 3), Transcript(R"(
-      WavWriter#1.WriteSamples(200)
-      WavWriter#1.WriteSamples(100)
-      WavWriter#1.WriteSamples(100)
   )"));
   EXPECT_THAT(engine.CallsWith("notSame"),
               ElementsAre("printf(\"notSame = %d, total = %d\\n\", 1, 8)"));

@@ -36,10 +36,10 @@ TEST(TestAudioMixer, OpensSeeksMixesAndClosesInOrder) {
       fopen(c:\5.wav, rb)
       fopen(c:\outmix.pcm, wb)
       fseek(c:\5.wav, 44, 0)
-      fseek(c:\5.wav, 96044, 0)
-      fseek(c:\5.wav, 192044, 0)
-      fseek(c:\5.wav, 288044, 0)
-      fseek(c:\5.wav, 384044, 0)
+      fseek(c:\5.wav, 96044, 0)  # 44 + 3 s of 32000 bytes
+      fseek(c:\5.wav, 192044, 0)  # 6 s
+      fseek(c:\5.wav, 288044, 0)  # 9 s
+      fseek(c:\5.wav, 384044, 0)  # 12 s
       CAudioBlockMixer#1(160, 1)
       fread(c:\5.wav, 320, 1) = 1
       fread(c:\5.wav, 320, 1) = 0

@@ -2,38 +2,20 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-
 #include "desktop/codec/codec_material.h"
+#include "desktop/codec/stream_material.h"
 #include "engine_api/codec/codec_format.h"
-#include "engine_api/codec/stream_to_aac.h"
 #include "support/captured_stderr.h"
 
 namespace {
 
 using testing::HasSubstr;
 
-std::string Converted(const std::string& stream) {
-  unsigned char* out = nullptr;
-  const std::vector<char> exact(stream.begin(), stream.end());
-  const int bytes = TransZUStreamToAAC(exact.data(), static_cast<int>(exact.size()), &out);
-  EXPECT_EQ(out == nullptr, bytes == 0);
-  std::string aac(reinterpret_cast<const char*>(out), static_cast<size_t>(bytes));
-  free(out);
-  return aac;
-}
-
 std::vector<std::string> Packets(int rawId) {
   const AudioStreamFormat format = FormatFromRawCodecId(rawId);
   return Encode(*OpenCodec(rawId, kAudioLibraryEncoder),
                 Voice(format.iSampleRate, format.iNumOfChannels, 0.5),
                 format.iSamplesOfFrame * format.iNumOfChannels);
-}
-
-std::string Join(const std::vector<std::string>& packets) {
-  std::string stream;
-  for (const std::string& packet : packets) stream += packet;
-  return stream;
 }
 
 class StreamToAacEdges : public testing::Test {

@@ -2,30 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-
 #include "desktop/codec/codec_material.h"
 #include "desktop/codec/ffmpeg.h"
+#include "desktop/codec/stream_material.h"
 #include "engine_api/codec/codec_format.h"
 #include "support/captured_stderr.h"
 
 namespace {
-
-std::string Converted(const std::string& stream) {
-  unsigned char* out = nullptr;
-  const std::vector<char> exact(stream.begin(), stream.end());
-  const int bytes = TransZUStreamToAAC(exact.data(), static_cast<int>(exact.size()), &out);
-  EXPECT_EQ(out == nullptr, bytes == 0);
-  std::string aac(reinterpret_cast<const char*>(out), static_cast<size_t>(bytes));
-  free(out);
-  return aac;
-}
-
-std::string Join(const std::vector<std::string>& packets) {
-  std::string stream;
-  for (const std::string& packet : packets) stream += packet;
-  return stream;
-}
 
 class EachId : public testing::TestWithParam<int> {
  protected:

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "process.h"
+#include "bench_process.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "process.h"
+#include "bench_process.h"
 #include "support/file_bytes.h"
 #include "support/talk.h"
 #include "support/temporary_directory.h"

@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "bench_process.h"
 #include "catalogue/catalogue.h"
-#include "process.h"
 #include "support/file_bytes.h"
 #include "support/talk.h"
 #include "support/temporary_directory.h"

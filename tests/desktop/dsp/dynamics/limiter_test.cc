@@ -148,7 +148,7 @@ TEST(Limiter, FallsWithItsAttack) {
   desktop::Limiter limiter;
   limiter.SetParameter(parameter);
   const Doubles slow = Processed(parameter, {in}, 48000)[0];
-  EXPECT_NEAR(Peak({slow.data() + 48048, 10}), 0.501, 0.01);  // Held by the ceiling meanwhile.
+  EXPECT_NEAR(Peak({slow.data() + 48000 + 48, 10}), 0.501, 0.01);  // Held by the ceiling meanwhile.
   EXPECT_NEAR(SteadyPeak(slow), 0.501, 0.01);
 }
 

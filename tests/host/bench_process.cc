@@ -1,4 +1,4 @@
-#include "process.h"
+#include "bench_process.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
