@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 namespace {
 
@@ -33,7 +34,7 @@ void Show(const std::vector<std::string>& lines, size_t at, const char* whose, s
 
 class TranscriptMatcher : public testing::MatcherInterface<const std::vector<std::string>&> {
  public:
-  explicit TranscriptMatcher(std::string_view text) : m_expected(Lines(text)) {}
+  explicit TranscriptMatcher(std::vector<std::string> expected) : m_expected(std::move(expected)) {}
 
   bool MatchAndExplain(const std::vector<std::string>& calls,
                        testing::MatchResultListener* listener) const override {
@@ -60,7 +61,11 @@ class TranscriptMatcher : public testing::MatcherInterface<const std::vector<std
 }  // namespace
 
 testing::Matcher<const std::vector<std::string>&> Transcript(std::string_view text) {
-  return testing::Matcher<const std::vector<std::string>&>(new TranscriptMatcher(text));
+  return Transcript(Lines(text));
+}
+
+testing::Matcher<const std::vector<std::string>&> Transcript(std::vector<std::string> calls) {
+  return testing::Matcher<const std::vector<std::string>&>(new TranscriptMatcher(std::move(calls)));
 }
 
 std::string Times(int count, std::string_view text) {

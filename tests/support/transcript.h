@@ -15,5 +15,8 @@
 //       ~WavReader#1)"));
 testing::Matcher<const std::vector<std::string>&> Transcript(std::string_view text);
 
+// The same for the calls of another run, or for lines that a test has put together.
+testing::Matcher<const std::vector<std::string>&> Transcript(std::vector<std::string> calls);
+
 // The text `count` times: what a routine does for each of so many blocks.
 std::string Times(int count, std::string_view text);

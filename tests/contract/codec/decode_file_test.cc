@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <regex>
+
 #include "bench/codec/routines.h"
 #include "codec_formats.h"
 #include "fake_engine/codec/audio_codec.h"
@@ -226,8 +228,7 @@ TEST(NewTestZUDecode, LogsTheStartOfTheCodecAndNoTime) {
 
     newTestZUDecode("in.enc", "out.wav", 44, 16000, false);
 
-    const std::string answer = std::to_string(started);
-    EXPECT_THAT(engine.calls, Transcript(R"(
+    const std::string calls = R"(
         fopen(in.enc, rb)
         fseek(in.enc, 0, 2)
         ftell(in.enc) = 4
@@ -236,16 +237,16 @@ TEST(NewTestZUDecode, LogsTheStartOfTheCodecAndNoTime) {
         fclose(in.enc)
         FormatFromRawCodecId(44)
         CreateAudioCodec(256, 0) = CAudioCodec#1
-        CAudioCodec#1.Init(id 44, 44100 Hz x 2, 10) = )" +
-                                         answer + R"(
-        OutputDebugInfo("Tavik call aac decoder Init %d", )" +
-                                         answer + R"()
+        CAudioCodec#1.Init(id 44, 44100 Hz x 2, 10) = STARTED
+        OutputDebugInfo("Tavik call aac decoder Init %d", STARTED)
         CAudioCodec#1.Process(4, room 400) = 0
         ~CAudioCodec#1
         CWavFileWriter#1(44100, 2, 16, out.wav)
         CWavFileWriter#1.Write(0)
         ~CWavFileWriter#1
-    )"));
+    )";
+    EXPECT_THAT(engine.calls, Transcript(std::regex_replace(calls, std::regex("STARTED"),
+                                                            std::to_string(started))));
   }
 }
 

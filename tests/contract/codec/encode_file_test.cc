@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <numeric>
+#include <regex>
 
 #include "bench/codec/routines.h"
 #include "codec_formats.h"
@@ -198,16 +199,13 @@ TEST(NewTestZUEncode, LogsTheStartOfTheCodecAndNoTime) {
 
     newTestZUEncode("in.wav", "out.enc", 44, 32000, 16000, true);
 
-    const std::string answer = std::to_string(started);
-    EXPECT_THAT(engine.calls, Transcript(R"(
+    const std::string calls = R"(
         WavReader#1(in.wav)
         WavReader#1.ReadSamples(5) = 5
         FormatFromRawCodecId(44)
         CreateAudioCodec(256, 1) = CAudioCodec#1
-        CAudioCodec#1.Init(id 44, 48000 Hz x 2, 2) = )" +
-                                         answer + R"(
-        OutputDebugInfo("Tavik Create silk encoder success %d.", )" +
-                                         answer + R"()
+        CAudioCodec#1.Init(id 44, 48000 Hz x 2, 2) = STARTED
+        OutputDebugInfo("Tavik Create silk encoder success %d.", STARTED)
         CAudioCodec#1.Process(8, room 8) = 2
         CAudioCodec#1.Process(8, room 8) = 2
         ~CAudioCodec#1
@@ -215,7 +213,9 @@ TEST(NewTestZUEncode, LogsTheStartOfTheCodecAndNoTime) {
         fwrite(out.enc, 1, 12)
         fclose(out.enc)
         ~WavReader#1
-    )"));
+    )";
+    EXPECT_THAT(engine.calls, Transcript(std::regex_replace(calls, std::regex("STARTED"),
+                                                            std::to_string(started))));
   }
 }
 
@@ -228,7 +228,7 @@ TEST(NewTestZUEncode, TakesNeitherItsBitRateNorItsRate) {
     newTestZUEncode("in.wav", "out.enc", 44, run == 0 ? 32000 : 1, run == 0 ? 16000 : -9, false);
     calls[run] = engine.calls;
   }
-  EXPECT_EQ(calls[0], calls[1]);
+  EXPECT_THAT(calls[1], Transcript(calls[0]));
 }
 
 TEST(NewTestZUEncode, HandsTheCodecTheFormatOfTheIdAsItIs) {

@@ -6,6 +6,7 @@
 #include "bench/codec/routines.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/fake_engine.h"
+#include "support/transcript.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -50,11 +51,11 @@ int Length(std::vector<unsigned char> header, int style) {
 
 TEST(RawCodecId, MakesNineteenEncodersAndInitialisesNone) {
   EXPECT_THAT(ExpectedCalls(1), SizeIs(2 * 19));
-  EXPECT_EQ(CallsForEveryId(encoderFromRawCodecId), ExpectedCalls(1));
+  EXPECT_THAT(CallsForEveryId(encoderFromRawCodecId), Transcript(ExpectedCalls(1)));
 }
 
 TEST(RawCodecId, MakesNineteenDecodersAndInitialisesNone) {
-  EXPECT_EQ(CallsForEveryId(decoderFromRawCodecId), ExpectedCalls(0));
+  EXPECT_THAT(CallsForEveryId(decoderFromRawCodecId), Transcript(ExpectedCalls(0)));
 }
 
 TEST(RawCodecId, LogsAMissingEncoderOf55Alone) {

@@ -9,7 +9,6 @@
 #include "support/transcript.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
@@ -166,7 +165,7 @@ TEST(TestReverb, SelectsNoPreset) {
     TestReverb("in.wav", "out.wav", preset, 44100, 1);
 
     if (first.empty()) first = engine.calls;
-    EXPECT_THAT(engine.calls, ElementsAreArray(first)) << preset;
+    EXPECT_THAT(engine.calls, Transcript(first)) << preset;
   }
 }
 
@@ -209,7 +208,7 @@ TEST(TestReverbPreset, RunsEachPresetAsMonoAt44100) {
     opens.push_back("fopen(e:\\reverb\\lumo_reverb_" + std::to_string(i) + ".wav, wb)");
     blocks.push_back("CAudioDspProcessor#" + std::to_string(i + 1) + ".Process(441, 44100, 1, 16)");
   }
-  EXPECT_THAT(engine.CallsWith("fopen"), ElementsAreArray(opens));
-  EXPECT_THAT(engine.CallsWith("Process("), ElementsAreArray(blocks));
+  EXPECT_THAT(engine.CallsWith("fopen"), Transcript(opens));
+  EXPECT_THAT(engine.CallsWith("Process("), Transcript(blocks));
   EXPECT_THAT(engine.live, IsEmpty());
 }

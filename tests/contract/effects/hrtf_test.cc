@@ -11,7 +11,6 @@
 
 using testing::Each;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -289,5 +288,5 @@ TEST(TestHRTF, StartsAfreshOnEveryCall) {
 
   TestHRTF();
 
-  EXPECT_THAT(engine.calls, ElementsAreArray(first));
+  EXPECT_THAT(engine.calls, Transcript(first));
 }

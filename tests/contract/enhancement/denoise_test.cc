@@ -114,7 +114,7 @@ TEST(TestDenoiseProcessNoizeus, CleansTheCorpusInNormalModeThenInLightMode) {
       }
     }
   }
-  EXPECT_EQ(engine.CallsWith("fopen"), expected);
+  EXPECT_THAT(engine.CallsWith("fopen"), Transcript(expected));
   EXPECT_THAT(engine.CallsWith("EnableLightDenoise(false)"), SizeIs(960));
   EXPECT_THAT(engine.CallsWith("EnableLightDenoise(true)"), SizeIs(960));
   EXPECT_EQ(engine.CallsWith("EnableLightDenoise")[959],

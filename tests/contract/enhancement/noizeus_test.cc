@@ -8,7 +8,6 @@
 #include "support/transcript.h"
 
 using testing::Each;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
@@ -92,8 +91,8 @@ TEST(TestNoizeusEx, WalksNoisesThenLevelsThenSentences) {
       }
     }
   }
-  EXPECT_EQ(Opened(engine, ""), expected);
-  EXPECT_THAT(engine.CallsWith(", wt)"), ElementsAreArray(ResultNames("speech_snr", "denoise")));
+  EXPECT_THAT(Opened(engine, ""), Transcript(expected));
+  EXPECT_THAT(engine.CallsWith(", wt)"), Transcript(ResultNames("speech_snr", "denoise")));
 }
 
 TEST(TestNoizeusEx, ReadsTheNoisySentencesThemselvesForOff) {
@@ -104,7 +103,7 @@ TEST(TestNoizeusEx, ReadsTheNoisySentencesThemselvesForOff) {
   const std::vector<std::string> noisy = Opened(engine, "street/15dB");
   ASSERT_THAT(noisy, SizeIs(30));
   EXPECT_EQ(noisy.back(), "NOIZEUS/in/street/15dB/sp30_street_sn15.pcm");
-  EXPECT_THAT(engine.CallsWith(", wt)"), ElementsAreArray(ResultNames("avg_snr", "off")));
+  EXPECT_THAT(engine.CallsWith(", wt)"), Transcript(ResultNames("avg_snr", "off")));
 }
 
 TEST(TestNoizeusEx, NamesTheAlgorithmsAndTheirShifts) {
@@ -189,7 +188,7 @@ TEST(TestNoizeusEx, ClosesEachResultBeforeTheNextIsOpened) {
   for (const std::string& call : engine.CallsWith("NOIZEUS/out/result__off_")) {
     if (call.find("fprintf") != 0) calls.push_back(call);
   }
-  EXPECT_EQ(calls, expected);
+  EXPECT_THAT(calls, Transcript(expected));
 }
 
 TEST(TestNoizeusEx, WritesZerosForAMeasureThatIsNone) {
@@ -197,7 +196,7 @@ TEST(TestNoizeusEx, WritesZerosForAMeasureThatIsNone) {
     FakeEngine engine;
     engine.PutSamples("NOIZEUS/in/clean/sp01.pcm", Samples(160, 256));
     TestNoizeusEx(4, ms);
-    EXPECT_THAT(engine.CallsWith(", wt)"), ElementsAreArray(ResultNames("", "off")));
+    EXPECT_THAT(engine.CallsWith(", wt)"), Transcript(ResultNames("", "off")));
     EXPECT_THAT(Opened(engine, ""), SizeIs(2 * 960)) << "the files are opened all the same";
     std::string line;
     for (int i = 0; i < 30; ++i) line += "0.000000 ";
@@ -211,7 +210,7 @@ TEST(TestNoizeusEx, FindsNothingForAnAlgorithmThatIsNone) {
   for (const int ns : {-1, 5, 1000000}) {
     FakeEngine engine;
     TestNoizeusEx(ns, 0);
-    EXPECT_THAT(engine.CallsWith(", wt)"), ElementsAreArray(ResultNames("avg_snr", "")));
+    EXPECT_THAT(engine.CallsWith(", wt)"), Transcript(ResultNames("avg_snr", "")));
     EXPECT_EQ(Opened(engine, "/out/").front(), "NOIZEUS/out/sp01_airport_sn0_.pcm");
   }
 }
@@ -242,5 +241,5 @@ TEST(TestNoizeus, ScoresEveryAlgorithmWithBothMeasures) {
       expected.insert(expected.end(), names.begin(), names.end());
     }
   }
-  EXPECT_THAT(engine.CallsWith(", wt)"), ElementsAreArray(expected));
+  EXPECT_THAT(engine.CallsWith(", wt)"), Transcript(expected));
 }

@@ -8,8 +8,7 @@
 #include "bench/effects/routines.h"
 #include "fake_engine/effects/mit_hrtf.h"
 #include "fake_engine/fake_engine.h"
-
-using testing::ElementsAreArray;
+#include "support/transcript.h"
 
 namespace {
 
@@ -32,7 +31,7 @@ TEST(RunTestCase, RunsTheSelectedTestAndNothingElse) {
 
   RunTestCase();
 
-  EXPECT_THAT(engine.calls, ElementsAreArray(direct));
+  EXPECT_THAT(engine.calls, Transcript(direct));
 }
 
 TEST(RunTestCase, LetsWhatTheEngineThrowsPass) {

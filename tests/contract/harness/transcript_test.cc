@@ -33,6 +33,14 @@ TEST(Transcript, IsOneCallALine) {
   EXPECT_THAT(std::vector<std::string>(), Transcript("\n   \n"));
 }
 
+TEST(Transcript, TakesTheCallsOfAnotherRunAsTheyAre) {
+  EXPECT_THAT(kCalls, Transcript(kCalls));
+  EXPECT_THAT(std::vector<std::string>{"a  # b"}, Transcript(std::vector<std::string>{"a  # b"}));
+  std::vector<std::string> fewer = kCalls;
+  fewer.pop_back();
+  EXPECT_THAT(kCalls, Not(Transcript(fewer)));
+}
+
 TEST(Transcript, RepeatsBlocks) {
   EXPECT_THAT((std::vector<std::string>{"a", "b", "a", "b", "c"}), Transcript(Times(2, R"(
                   a
