@@ -49,7 +49,7 @@ grep -qE 'NEEDED.*\[libaudio_engine\.so\.[0-9]+\]' dynamic
 cat >CMakeLists.txt <<'PROJECT'
 cmake_minimum_required(VERSION 3.25)
 project(consumer LANGUAGES CXX)
-find_package(audio_engine 0.1 REQUIRED)
+find_package(audio_engine 0.2 REQUIRED)
 add_executable(consumer consumer.cc)
 target_link_libraries(consumer PRIVATE audio_engine::audio_engine)
 add_library(my_engine OBJECT my_engine.cc)
