@@ -14,6 +14,7 @@
 #include "catalogue/list.h"
 #include "cli/request.h"
 #include "demo/demo.h"
+#include "demo/demo_all.h"
 #include "report/output.h"
 #include "run/deliver.h"
 #include "run/run.h"
@@ -52,6 +53,8 @@ int Execute(const Request& request) {
       return PrintResults(Describe(request.routine));
     case Request::Command::kDemo:
       return PrintResults(PlaceDemo(request.run.work));
+    case Request::Command::kDemoAll:
+      return PrintResults(PlaceAllDemos(request.run.work));
     case Request::Command::kRun:
       break;
   }

@@ -79,9 +79,7 @@ class CommandLine {
         ->add_option("ROUTINE", m_request.routine)
         ->required();
     AddRun();
-    AddWork(*m_app.add_subcommand(
-                "demo", "Put a recording in place for the selected test, if there is none"),
-            m_request.run.work);
+    AddDemo();
     m_app.add_subcommand("help", "Help on a command");
   }
 
@@ -122,6 +120,13 @@ class CommandLine {
     m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
   }
 
+  void AddDemo() {
+    CLI::App& demo = *m_app.add_subcommand(
+        "demo", "Put a recording in place for the selected test, if there is none");
+    AddWork(demo, m_request.run.work);
+    demo.add_flag("--all", m_all, "For every routine that reads any; what is there stays");
+  }
+
   void AddRun() {
     Case& options = m_request.run;
     CLI::App& run = *m_app.add_subcommand("run", "Run one routine in a process of its own");
@@ -154,6 +159,7 @@ class CommandLine {
     m_request.command = command == "list"       ? Command::kList
                         : command == "describe" ? Command::kDescribe
                         : command == "run"      ? Command::kRun
+                        : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (m_json) m_request.form = Request::Form::kJson;
     if (m_markdown) m_request.form = Request::Form::kMarkdown;
@@ -164,6 +170,7 @@ class CommandLine {
   CLI::App* m_list = nullptr;
   bool m_json = false;
   bool m_markdown = false;
+  bool m_all = false;
 };
 
 // Throws UsageError when there is no such command, with a suggestion.

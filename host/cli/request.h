@@ -12,7 +12,7 @@ namespace host {
 
 // What audio_bench is asked to do.
 struct Request {
-  enum class Command { kPrint, kList, kDescribe, kRun, kDemo };
+  enum class Command { kPrint, kList, kDescribe, kRun, kDemo, kDemoAll };
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "demo/arithmetic.h"
 #include "demo/demo.h"
 
 namespace host {
@@ -36,19 +37,6 @@ constexpr Note kMelody[] = {
     {12, kA3, 0.50, 0.7},      {12, kA4, 0.20, 0.8},     {13, kE4, 0.40, 0.7},
     {14, kFSharp4, 0.65, 0.7}, {15, kD3, 0.50, 0.9},     {15, kD4, 0.90, 0.9},
     {15, kA3, 0.15, 0.6},
-};
-
-// White noise from -1 to 1 (linear congruential, constants of Knuth's MMIX).
-class Noise {
- public:
-  explicit Noise(uint64_t seed) : m_state(seed) {}
-  double Next() {
-    m_state = m_state * 6364136223846793005U + 1442695040888963407U;
-    return static_cast<double>(static_cast<int32_t>(m_state >> 32)) * (1.0 / 2147483648.0);
-  }
-
- private:
-  uint64_t m_state;
 };
 
 // A string that has just been plucked.

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// Writes an input for every routine that reads any into a workspace, next to a description of what
+// is true of them, demo/truth.json. The PCM is the same on every machine; coded streams are made by
+// the engine at hand, each by a run of this program. A file that is there already is left alone.
+// Returns what was done, for the user, a line for each file and list. Throws UsageError.
+std::string PlaceAllDemos(const std::string& workspace);
+
+// What is true of the demo's sounds, as JSON: tempo, beats, notes, delay, signal-to-noise ratios,
+// where somebody speaks.
+std::string DemoTruth();
+
+}  // namespace host
