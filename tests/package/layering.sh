@@ -64,7 +64,7 @@ allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_devic
 below='base|engine'
 for folder in base files process catalogue report demo run cli; do
   below+="|$folder"
-  core='harness/format_name'
+  core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
   [[ $folder == base ]] || core+='|catalogue/files'
   allow "host/$folder" "$library|\"($below|wave)/$name\"|\"($core)\.h\""
