@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/catalogue.h"
+#include "catalogue/rows.h"
 
 namespace host {
 
