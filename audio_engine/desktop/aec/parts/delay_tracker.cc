@@ -16,8 +16,8 @@ constexpr float kSmoothing = 0.9f;
 constexpr float kSureScore = 8.0f;
 
 // Below these an end is silent: nothing is learnt from its noise. On the scale of 16-bit samples.
-constexpr float kLeastFarRms = 5.0f;
-constexpr float kLeastNearRms = 2.0f;
+constexpr float kMinFarRms = 5.0f;
+constexpr float kMinNearRms = 2.0f;
 
 // Where loudspeakers play nothing and converters let nothing through, phases mean nothing.
 constexpr float kLowestHz = 100.0f;
@@ -75,8 +75,8 @@ bool DelayTracker::Transform(const End& end, float leastRms, Spectrum& spectrum)
 }
 
 void DelayTracker::Analyse() {
-  const bool sounding = Transform(m_far, kLeastFarRms, m_farSpectrum) &&
-                        Transform(m_near, kLeastNearRms, m_nearSpectrum);
+  const bool sounding =
+      Transform(m_far, kMinFarRms, m_farSpectrum) && Transform(m_near, kMinNearRms, m_nearSpectrum);
   m_next += m_hop;
   if (!sounding) return;
 

@@ -44,9 +44,14 @@ class EchoCanceller {
   void ProcessNear(float* block);
   static constexpr int kLagSamples = 112;
 
-  bool HasEcho() const { return m_hasEcho; }         // In the last block.
-  int Block() const { return m_block; }              // Samples of a block.
-  const float* Far() const { return m_far.data(); }  // The block that went with the last near end.
+  // Whether there was echo in the last block.
+  bool HasEcho() const { return m_hasEcho; }
+
+  // The length of a block in samples.
+  int Block() const { return m_block; }
+
+  // The block of the far end that went with the last one of the near end.
+  const float* Far() const { return m_far.data(); }
 
  private:
   void TakeFar();
@@ -57,15 +62,22 @@ class EchoCanceller {
   const int m_rate;
   const int m_block;
   KalmanFilter m_filter;
-  std::unique_ptr<DelayTracker> m_tracker;  // Null when the delay is given.
+
+  // Null when the delay is given.
+  std::unique_ptr<DelayTracker> m_tracker;
   std::unique_ptr<webrtc::AudioProcessing> m_apm;
   bool m_cancels = true;
   bool m_suppressesNoise = false;
   bool m_hasEcho = false;
-  int m_delayMs = 0;           // As estimated or given.
-  int m_apmDelayMs = 0;        // What the module is told,
-  int m_differentFor = 0;      // and for how many blocks it has been far from that.
-  std::vector<float> m_early;  // Far-end blocks, oldest first.
+
+  // The delay as estimated or given, the one that the module is told, and for how many blocks the
+  // two have been far apart.
+  int m_delayMs = 0;
+  int m_apmDelayMs = 0;
+  int m_differentFor = 0;
+
+  // The far-end blocks that wait, oldest first.
+  std::vector<float> m_early;
   int m_earlyBlocks = 0;
   std::vector<float> m_far;
   std::vector<short> m_shorts;

@@ -13,13 +13,14 @@ namespace {
 // farther from it follows a moving talker faster.
 constexpr float kPersistence = 0.9995f;
 
-// Power of a path nobody has heard yet: at its start, and what is left of it per block, as rooms
-// fade.
+// The power of a path that has not been heard yet: at its start, and what is left of it per block,
+// as rooms fade.
 constexpr float kFirstUncertainty = 1.0f;
 constexpr float kFade = 0.87f;
 
-constexpr float kNearSmoothing = 0.8f;  // Per block.
-constexpr float kNoisePower = 1000.0f;  // Of a near end that is never quieter than this.
+// How much of the power of the near end stays from block to block, and what it is at least.
+constexpr float kNearSmoothing = 0.8f;
+constexpr float kNoisePower = 1000.0f;
 
 // A filter that makes the near end louder by this factor of energy, over about 200 ms, is wrong.
 constexpr float kDivergence = 2.0f;
@@ -31,7 +32,9 @@ constexpr float kEnergySmoothing = 0.95f;
 constexpr float kUsefulness = 0.25f;
 constexpr float kUselessness = 0.7f;
 constexpr int kUselessBlocks = 50;
-constexpr float kFarRms = 50.0f;  // Below, nothing can be told.
+
+// With a quieter far end nothing can be told.
+constexpr float kFarRms = 50.0f;
 
 // The sum of the squares of `count` samples.
 float Energy(const float* samples, int count) {

@@ -44,21 +44,32 @@ class KalmanFilter {
   const int m_partitions;
   int m_offset = 0;
   RealFft m_fft;
-  std::vector<float> m_farSamples;  // The last two blocks.
-  std::vector<Spectrum> m_far;      // A ring of far-end spectra, newest at m_newest.
+
+  // The last two blocks of the far end, and a ring of its spectra, the newest at m_newest.
+  std::vector<float> m_farSamples;
+  std::vector<Spectrum> m_far;
   size_t m_newest = 0;
-  std::vector<Spectrum> m_path;      // The estimated echo path, by partition,
-  std::vector<Power> m_uncertainty;  // and the variance of its error.
-  Power m_predicted;                 // Power of the echo that the error of the path makes.
-  Power m_nearPower;                 // Of the near end without echo, smoothed.
+
+  // By partition: the estimated echo path, and the variance of its error.
+  std::vector<Spectrum> m_path;
+  std::vector<Power> m_uncertainty;
+
+  // The power of the echo that the error of the path makes, and that of the near end without echo,
+  // smoothed.
+  Power m_predicted;
+  Power m_nearPower;
   Spectrum m_echo;
   Spectrum m_error;
   Spectrum m_step;
   std::vector<float> m_samples;
-  float m_nearEnergy = 0;  // Of the input,
-  float m_outEnergy = 0;   // and of what is left, smoothed.
+
+  // The energy of the input and that of what is left of it, smoothed.
+  float m_nearEnergy = 0;
+  float m_outEnergy = 0;
   bool m_wasUseful = false;
-  int m_uselessFor = 0;  // Blocks with a far end that cancelled next to nothing.
+
+  // In how many blocks with a far end next to nothing was cancelled.
+  int m_uselessFor = 0;
 };
 
 }  // namespace desktop

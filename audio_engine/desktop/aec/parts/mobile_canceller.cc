@@ -9,8 +9,11 @@ namespace desktop {
 
 namespace {
 
-constexpr int kNoiseLevel = 0;        // About 6 dB: more costs more speech than it takes noise.
-constexpr int kNoiseLagSamples = 96;  // Of noise suppression alone, at 16 kHz.
+// Noise suppression of about 6 dB: more costs more speech than it takes noise.
+constexpr int kNoiseLevel = 0;
+
+// By how much noise suppression alone is late at 16 kHz.
+constexpr int kNoiseLagSamples = 96;
 
 // Even the weakest noise suppression takes about 1 dB of speech, which is given back.
 constexpr float kSpeechGain = 1.1f;

@@ -50,11 +50,15 @@ class MobileCanceller {
   Stages m_stages = {false, true, true};
   std::vector<int16_t> m_farBands;
   std::vector<float> m_block;
-  std::vector<float> m_in;   // The lowest band of this block and the one before,
-  std::vector<float> m_out;  // and what came out now.
+
+  // The lowest band of this block and the one before, and what came out now.
+  std::vector<float> m_in;
+  std::vector<float> m_out;
   std::vector<int16_t> m_alignedFar;
   std::vector<int16_t> m_alignedNear;
-  std::vector<std::vector<int16_t>> m_late;  // Upper bands, as late as the lowest.
+
+  // The upper bands, as late as the lowest one.
+  std::vector<std::vector<int16_t>> m_late;
   float m_gain = 1;
 };
 

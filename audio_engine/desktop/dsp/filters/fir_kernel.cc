@@ -60,7 +60,8 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
   Unroll(std::make_index_sequence<kRows + kSharedTaps - 1>(), [&](auto diagonal) HWY_ATTR {
     const Vector samples = hn::LoadU(d, in - kLanes * (kSharedTaps - 1) + kLanes * diagonal);
     Unroll(std::make_index_sequence<kSharedTaps>(), [&](auto tap) HWY_ATTR {
-      constexpr size_t kRow = diagonal + tap - (kSharedTaps - 1);  // Above the tile: wraps.
+      // Above the tile it wraps round.
+      constexpr size_t kRow = diagonal + tap - (kSharedTaps - 1);
       if constexpr (kRow < kRows) sums[kRow] = hn::MulAdd(samples, shared[tap], sums[kRow]);
     });
   });
