@@ -6,9 +6,9 @@
 
 enum AECMOBILE_ERROR_CODE {
   AECMOBILE_NO_ERROR = 0,
-  AECMOBILE_NO_MEMORY,
-  AECMOBILE_NOT_INITIALIZED,
-  AECMOBILE_BAD_PARAMETER
+  AECMOBILE_NO_MEMORY,        // No handle, or a handle that is as before the call.
+  AECMOBILE_NOT_INITIALIZED,  // Audio, or a question about it, before AecMobile_Init.
+  AECMOBILE_BAD_PARAMETER     // A null handle or pointer, a rate, count or length not as said.
 };
 
 // The echo canceller for handheld devices, mono, on the bands of zuwebrtc::AudioBuffer: 8 and
@@ -17,8 +17,11 @@ enum AECMOBILE_ERROR_CODE {
 // handle: AECMOBILE_BAD_PARAMETER. Before AecMobile_Init no audio is taken and no state is known:
 // AECMOBILE_NOT_INITIALIZED. One thread at a time.
 
-// A new handle, owned by the caller until AecMobile_Free; null without memory. *error says which.
+// A new handle, owned by the caller until AecMobile_Free; null without memory. *error says which; a
+// null `error` is left out.
 ENGINE_API void* AecMobile_Creat(AECMOBILE_ERROR_CODE* error);
+
+// Ends the canceller; the handle and the pointers that it gave are void afterwards.
 ENGINE_API AECMOBILE_ERROR_CODE AecMobile_Free(void* handle);
 
 // Starts afresh. The rates (Hz) of near end, far end and output must be one of 8000, 16000, 32000,
@@ -30,7 +33,7 @@ ENGINE_API AECMOBILE_ERROR_CODE AecMobile_Init(void* handle, int nearRate, int f
 // AecMobile_Process_Bands.
 ENGINE_API AECMOBILE_ERROR_CODE AecMobile_SetAecNewOn(void* handle, bool on);
 
-// Takes 10 ms of the far end, all bands in one signal.
+// Takes 10 ms of the far end, all bands in one signal: `frames` is a hundredth of the rate.
 ENGINE_API AECMOBILE_ERROR_CODE AecMobile_BufferFarend(void* handle, const int16_t* farend,
                                                        int frames);
 

@@ -5,7 +5,9 @@
 #include "../enhancement/voice_detection.h"
 
 // Which stage's rate and channel count an echo-cancellation module is asked for or told.
-enum PlatFormFsChSel { APMFSCHSEL = 0 };
+enum PlatFormFsChSel {
+  APMFSCHSEL = 0  // The one in which the signals are processed; there is no other.
+};
 
 // The capture chain of a call: echo cancellation, and on request noise suppression and gain
 // control. Per 10 ms first the far end, then the near end. Frames may have any rate from 8 to
@@ -32,9 +34,11 @@ class ENGINE_API AecModule {
   virtual bool SetFsAndCh(unsigned int, unsigned int, PlatFormFsChSel) { return true; }
   virtual bool GetFsAndCh(unsigned int& rate, unsigned int& channels, PlatFormFsChSel select) = 0;
 
-  virtual bool IsSoftAecEnabled() = 0;  // True when this module cancels by itself.
+  // True when this module cancels by itself, false when a device does.
+  virtual bool IsSoftAecEnabled() = 0;
 
-  // Both are off at first.
+  // Gain control and noise suppression of what is captured; both are off at first. False when the
+  // stage cannot be switched.
   virtual bool EnableAGC(bool) { return true; }
   virtual bool EnableDenoise(bool) { return true; }
 
@@ -44,7 +48,8 @@ class ENGINE_API AecModule {
   virtual bool EnableKalaok(bool on) = 0;
   virtual int GetKalaokDelay() = 0;
 
-  virtual void NotifySpeekerRouting() = 0;  // Another loudspeaker: the echo path is learnt anew.
+  // Another loudspeaker is in use: the echo path is learnt anew.
+  virtual void NotifySpeekerRouting() = 0;
 
   // Starts the chain afresh, for frames of that rate (Hz).
   virtual bool ResetPreProc(unsigned int rate) = 0;

@@ -18,4 +18,5 @@ ENGINE_API int echo_detection_process(void* detector, const short* farend, const
 // The verdict over all that was taken so far: 1 echo, 0 none (or not enough heard yet).
 ENGINE_API int get_echo_detection_result(void* detector);
 
-ENGINE_API void echo_detection_free(void* detector);  // Null is harmless.
+// Ends the detector; the handle is void afterwards. Null is harmless.
+ENGINE_API void echo_detection_free(void* detector);

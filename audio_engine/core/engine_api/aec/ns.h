@@ -9,6 +9,8 @@
 
 // Fills in a new handle, owned by the caller until Ns_Free.
 ENGINE_API int Ns_Create(void** handle);
+
+// Ends the suppressor; the handle is void afterwards.
 ENGINE_API int Ns_Free(void* handle);
 
 // Starts afresh. rate: 8000 to 48000 Hz, 44100 among them.

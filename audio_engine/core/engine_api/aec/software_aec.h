@@ -5,7 +5,7 @@
 #include "aec_module.h"
 
 // The engine's own canceller, at 16 kHz mono until set otherwise; what a frame has above half the
-// processing rate is lost.
+// processing rate is lost. Threads and results are those of AecModule.
 class ENGINE_API SoftwareAec : public AecModule {
  public:
   SoftwareAec();

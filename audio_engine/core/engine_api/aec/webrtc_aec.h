@@ -4,6 +4,8 @@
 
 #include "../common/visibility.h"
 
+// How strongly the echo that the filter leaves is suppressed, from the least to the most; more
+// costs more of a near talker who speaks at the same time.
 enum { kAecNlpConservative = 0, kAecNlpModerate, kAecNlpAggressive };
 
 struct AecConfig {
@@ -20,11 +22,15 @@ extern "C" {
 
 // Fills in a new handle, owned by the caller until WebRtcAec_Free; null and -1 without memory.
 ENGINE_API int32_t WebRtcAec_Create(void** handle) ENGINE_C_NAME(WebRtcAec_Create);
+
+// Ends the canceller; the handle is void afterwards.
 ENGINE_API int32_t WebRtcAec_Free(void* handle) ENGINE_C_NAME(WebRtcAec_Free);
 
 // Starts afresh with moderate suppression. rate and cardRate: 16000 Hz.
 ENGINE_API int32_t WebRtcAec_Init(void* handle, int32_t rate, int32_t cardRate)
     ENGINE_C_NAME(WebRtcAec_Init);
+
+// Takes effect with the next block. -1, and nothing changes, for an nlpMode that is none.
 ENGINE_API int32_t WebRtcAec_set_config(void* handle, AecConfig config)
     ENGINE_C_NAME(WebRtcAec_set_config);
 

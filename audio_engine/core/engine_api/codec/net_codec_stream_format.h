@@ -7,7 +7,7 @@ namespace ZUAudio {
 
 // The network codec formats. The constructor fills in what each format fixes and leaves the rest as
 // the memory was: most bit rates and the whole of iNetAACSTDFormat have no value, and nobody may
-// read them.
+// read them. Belongs to one thread at a time.
 class ENGINE_API NetCodecStreamFormat {
  public:
   NetCodecStreamFormat();

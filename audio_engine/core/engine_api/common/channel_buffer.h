@@ -7,6 +7,7 @@ namespace zuwebrtc {
 
 // De-interleaved samples of some channels, each optionally split into bands of equal length,
 // zero-filled at first. Memory holds channel after channel, and within a channel band after band.
+// The pointers are valid as long as the buffer. Belongs to one thread at a time.
 template <typename T>
 class ChannelBuffer {
  public:
@@ -29,8 +30,8 @@ class ChannelBuffer {
   }
 
   std::unique_ptr<T[]> data_;  // num_channels_ * num_frames_ samples.
-  std::unique_ptr<T*[]>
-      channels_;  // [band * num_channels_ + channel]; the first num_channels_ are whole channels.
+  // [band * num_channels_ + channel]; the first num_channels_ are whole channels.
+  std::unique_ptr<T*[]> channels_;
   std::unique_ptr<T*[]> bands_;    // [channel * num_bands_ + band].
   const int num_frames_;           // Samples per channel.
   const int num_frames_per_band_;  // Samples per channel and band.

@@ -44,8 +44,8 @@ class ENGINE_API CWavFileWriter {
   int m_nTotalBytes = 0;  // Data bytes in the file.
   WavHeader m_wavHeader;
   std::string m_FileName;
-  int m_startLength = 0;           // Data bytes before and
-  int m_endLength = 0;             // after the last write that kept bytes.
+  int m_startLength = 0;           // Data bytes before the last write that kept bytes.
+  int m_endLength = 0;             // Data bytes after that write.
   bool m_startrecordFlag = false;  // Some data was kept.
   int m_notWav = 0;                // 1 when the file could not be opened or written.
 };

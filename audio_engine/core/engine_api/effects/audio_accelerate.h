@@ -7,7 +7,7 @@
 // is enabled a call may return fewer than were passed, none even, but never more; when it is
 // disabled again the stream goes on at its normal speed, without a jump, and what waits stays
 // waiting. All channels are shortened at the same places. 8 to 48 kHz, one or two channels; other
-// formats pass unchanged.
+// formats pass unchanged. Belongs to one thread at a time.
 class ENGINE_API IAudioAccelerate : public IDSP {
  public:
   // Speeds the stream up by `percent`, 0 to 100 (clamped; a new object has 0): at 25 a minute takes

@@ -4,7 +4,7 @@
 
 // An eleven-band graphic equaliser for mono and stereo from 8 to 192 kHz. Its gains are set before
 // any rate is known; the filters are designed for the rate of a block when it comes. Other formats
-// pass unchanged, with one line in the log.
+// pass unchanged, with one line in the log. Belongs to one thread at a time.
 class ENGINE_API IEqualizer : public IDSP {
  public:
   // Sets the gain of a band: 0 to 10 for 16, 31.5, 63, 125, 250, 500 Hz, 1, 2, 4, 8, 16 kHz, in dB,

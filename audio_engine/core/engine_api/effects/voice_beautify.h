@@ -13,7 +13,8 @@ enum VoiceBeautifyOption {
 };
 
 // Makes a singer's or a speaker's voice more pleasant. As every IDSP it is disabled at first: then
-// samples pass unchanged. 8 to 192 kHz, one or two channels; other formats pass unchanged.
+// samples pass unchanged. 8 to 192 kHz, one or two channels; other formats pass unchanged. Belongs
+// to one thread at a time.
 class ENGINE_API IAudioVoiceBeautify : public IDSP {
  public:
   // Changes `count` interleaved samples (of all channels together) in place and returns how many

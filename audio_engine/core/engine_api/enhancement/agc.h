@@ -4,7 +4,12 @@
 
 #include "../common/visibility.h"
 
-enum { kAgcModeUnchanged, kAgcModeAdaptiveAnalog, kAgcModeAdaptiveDigital, kAgcModeFixedDigital };
+enum {
+  kAgcModeUnchanged,        // Samples and volume pass as they are.
+  kAgcModeAdaptiveAnalog,   // Follows the talker; also asks for a better microphone volume.
+  kAgcModeAdaptiveDigital,  // Follows the talker.
+  kAgcModeFixedDigital      // One gain: compressionGaindB.
+};
 
 struct WebRtcAgcConfig {
   int16_t targetLevelDbfs;    // Peak level wanted, dB below full scale, 0 to 31.
@@ -19,11 +24,15 @@ extern "C" {
 
 // Fills in a new handle, owned by the caller until WebRtcAgc_Free.
 ENGINE_API int WebRtcAgc_Create(void** handle) ENGINE_C_NAME(WebRtcAgc_Create);
+
+// Ends the gain control; the handle is void afterwards.
 ENGINE_API int WebRtcAgc_Free(void* handle) ENGINE_C_NAME(WebRtcAgc_Free);
 
 // Starts afresh. minLevel, maxLevel: the microphone's range; rate: 8000, 16000, 32000 or 48000 Hz.
 ENGINE_API int WebRtcAgc_Init(void* handle, int32_t minLevel, int32_t maxLevel, int16_t mode,
                               uint32_t rate) ENGINE_C_NAME(WebRtcAgc_Init);
+
+// Starts the gain afresh with these settings. -1, and nothing changes, for one out of its range.
 ENGINE_API int WebRtcAgc_set_config(void* handle, WebRtcAgcConfig config)
     ENGINE_C_NAME(WebRtcAgc_set_config);
 

@@ -9,23 +9,23 @@
 // suppression, gain control, and echo cancellation while something plays; at 16000 Hz and in mono
 // inside, so that nothing above 8 kHz is left. The others leave it alone.
 enum AudioEngineFeature_t {
-  AudioEngineFeatureVOIP = 0,
-  AudioEngineFeatureCommon = 1,
-  AudioEngineFeatureSpeechMsg = 2,
-  AudioEngineFeatureLiveBroadcast = 3,
-  AudioEngineFeatureHDVOIP = 4,
-  AudioEngineKaraokeOffLine = 5,
-  TotalFeatureMode = 6
+  AudioEngineFeatureVOIP = 0,           // A call.
+  AudioEngineFeatureCommon = 1,         // Whatever else.
+  AudioEngineFeatureSpeechMsg = 2,      // Recorded messages.
+  AudioEngineFeatureLiveBroadcast = 3,  // One who speaks to many.
+  AudioEngineFeatureHDVOIP = 4,         // A call; cleaned as in VOIP.
+  AudioEngineKaraokeOffLine = 5,        // Singing to a recording.
+  TotalFeatureMode = 6                  // How many there are; none of them.
 };
 
-// What an audio saver records: the microphone path after what players feed back into it; what is
-// played, always at 48000 Hz stereo; the microphone path before that feedback mixed with what is
-// played, so that nobody is in it twice; or the microphone path before that feedback.
+// What an audio saver records. Players may feed what they play back into the microphone path: the
+// third mode takes that path as it was before, so that nobody is in the mix twice. What is played
+// is always recorded at 48000 Hz stereo.
 enum AudioSaverMode {
-  AudioSaverOnlyCapture = 0,
-  AudioSaverOnlyRender = 1,
-  AudioSaverBoth = 2,
-  AusioSaverOnlyCaptureOri = 3
+  AudioSaverOnlyCapture = 0,    // The microphone path with that feedback.
+  AudioSaverOnlyRender = 1,     // What is played.
+  AudioSaverBoth = 2,           // The microphone path before the feedback, and what is played.
+  AusioSaverOnlyCaptureOri = 3  // The microphone path before the feedback.
 };
 
 // Whether a saver goes on after what a file holds, in the format of that file, or replaces it.
@@ -66,7 +66,7 @@ class ENGINE_API IAudioEngine {
   // frames reach the file at least every 500 ms. False, and no file, for another ending or without
   // the codec.
   virtual bool StartAudioSaver(char* file, AudioSaverMode mode, AudioSaverWfMode writing) = 0;
-  virtual void StopAudioSaver() = 0;
+  virtual void StopAudioSaver() = 0;  // Finishes the file.
 
   // Ends everything of the engine and deletes it. A callback that it waits for may call
   // CreateAudioEngine, which makes the next engine then.

@@ -4,7 +4,7 @@
 #include "audio_source.h"
 
 enum FilePlayerOpenStatus {
-  PLAYER_OPEN_SUCCESS = 0,
+  PLAYER_OPEN_SUCCESS = 0,                   // It can be played.
   PLAYER_CREATE_FILE_DECODER_FAILED = -1,    // No decoder for it, no memory, or below 100 Hz.
   PLAYER_OPEN_FILE_DECODER_FAILED = -2,      // Known by its first bytes, but damaged.
   PLAYER_OPEN_FILE_FORMAT_NOT_SUPPORT = -3,  // No audio that the engine knows.
@@ -23,8 +23,8 @@ class ENGINE_API IAudioFilePlayer {
 
   // Plays once to the end, from its start or from where Pause left off. Nothing without a file.
   virtual void Play() = 0;
-  virtual void Pause() = 0;
-  virtual void Stop() = 0;
+  virtual void Pause() = 0;  // Play goes on from here.
+  virtual void Stop() = 0;   // Play starts over.
 
   // Where the player is heard: on the loudspeaker only (AudioSourceTypeMic, at first), in the
   // microphone path in place of the microphone (AudioSourceTypeOuterPCM) or mixed into it

@@ -1,8 +1,8 @@
 #pragma once
 
-// Where captured audio comes from: the microphone, samples handed in from outside, or both mixed.
+// Where captured audio comes from.
 enum AudioSourceType {
-  AudioSourceTypeMic = 0,
-  AudioSourceTypeOuterPCM = 1,
-  AudioSourceTypeMix = 2
+  AudioSourceTypeMic = 0,       // The microphone alone.
+  AudioSourceTypeOuterPCM = 1,  // The samples from outside alone.
+  AudioSourceTypeMix = 2        // Both, mixed.
 };
