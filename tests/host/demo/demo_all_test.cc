@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "process.h"
+#include "bench_process.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
