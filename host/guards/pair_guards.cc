@@ -1,0 +1,63 @@
+#include "guards/pair_guards.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/units.h"
+#include "guards/thresholds.h"
+
+namespace host {
+
+namespace {
+
+constexpr double kInverted = -0.5;  // Correlation from which on a channel is upside down.
+
+// Whether all that both have in common is the same, with the output `lag` frames later.
+bool Same(const Signal& in, const Signal& out, int64_t lag) {
+  const auto from = static_cast<size_t>(std::max<int64_t>(0, -lag));
+  const auto to = static_cast<size_t>(std::max<int64_t>(0, lag));
+  if (from >= in.Frames() || to >= out.Frames()) return false;
+  const size_t frames = std::min(in.Frames() - from, out.Frames() - to);
+  if (static_cast<double>(frames) < kShortestJudged * out.rate) return false;
+  const auto stride = static_cast<size_t>(in.channels);
+  return std::equal(in.samples.begin() + static_cast<int64_t>(from * stride),
+                    in.samples.begin() + static_cast<int64_t>((from + frames) * stride),
+                    out.samples.begin() + static_cast<int64_t>(to * stride), [](float a, float b) {
+                      return std::fabs(static_cast<double>(a - b)) <= kSameSample;
+                    });
+}
+
+}  // namespace
+
+void CheckUnchanged(const GuardInput& input, const Surveys& surveys, const Pairing* pairing,
+                    GuardHits& hits) {
+  const Signal& in = *input.input;
+  const Signal& out = *input.output;
+  if (in.rate != out.rate || in.channels != out.channels) return;
+  if (std::ranges::all_of(surveys.input, IsStill)) return;
+  if (Same(in, out, 0)) {
+    hits.Add(Guard::kUnchanged, {}, "the same as the input");
+    return;
+  }
+  const int64_t lag = pairing != nullptr && pairing->Of(0).known ? pairing->Of(0).lag : 0;
+  if (lag == 0 || !Same(in, out, lag)) return;
+  const double later = static_cast<double>(lag) / out.rate;
+  hits.Add(
+      Guard::kUnchanged, {},
+      "the same as the input, " + Seconds(std::fabs(later)) + (lag > 0 ? " later" : " earlier"));
+}
+
+void CheckInverted(const Pairing& pairing, int channels, GuardHits& hits) {
+  for (int channel = 0; channel < channels; ++channel) {
+    const Match& match = pairing.Of(channel);
+    if (!match.known || match.correlation > kInverted) continue;
+    hits.Add(Guard::kInverted, {.at = 0, .channel = channel}, "upside down against the input");
+    return;
+  }
+}
+
+void CheckSwapped(const Pairing& pairing, GuardHits& hits) {
+  if (pairing.Swapped()) hits.Add(Guard::kSwapped, {.at = 0}, "left and right are swapped");
+}
+
+}  // namespace host

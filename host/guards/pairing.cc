@@ -1,0 +1,135 @@
+#include "guards/pairing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "measures/delay_finder.h"
+#include "measures/phase_fit.h"
+
+namespace host {
+
+namespace {
+
+constexpr int64_t kStretches = 6;     // That a delay is looked for in,
+constexpr int64_t kFits = 12;         // and that it is checked in.
+constexpr size_t kFit = 16384;        // Frames of the latter.
+constexpr double kLikely = 0.2;       // Correlation from which the delay is believed.
+constexpr double kLeastWidth = 1e-4;  // Power of the difference of two channels against their sum
+constexpr double kLeastDifference = 1e-12;  // and by itself, so that it is no rounding.
+constexpr double kTurned = -0.5;            // Correlation of the differences of swapped channels.
+constexpr double kUpright = 0.3;            // That of their sums.
+
+// At most `most` places where stretches of `length` start that are spread over `frames`.
+std::vector<int64_t> Places(int64_t frames, int64_t length, int64_t most) {
+  const int64_t count = std::clamp<int64_t>((frames + length - 1) / length, 1, most);
+  std::vector<int64_t> places;
+  for (int64_t i = 0; i < count; ++i) {
+    places.push_back(count * length >= frames ? i * length : i * (frames - length) / (count - 1));
+  }
+  return places;
+}
+
+// What two signals have in common, from sums over any number of samples.
+struct Common {
+  double product = 0;
+  double first = 0;
+  double second = 0;
+
+  void Add(double a, double b) {
+    product += a * b;
+    first += a * a;
+    second += b * b;
+  }
+  double Correlation() const {
+    const double both = first * second;
+    return both > 0 ? product / std::sqrt(both) : 0;
+  }
+};
+
+}  // namespace
+
+Pairing::Pairing(const Signal& input, const Signal& output, const GuardRules& rules)
+    : m_input(input, output.rate),
+      m_output(output, output.rate),
+      m_rate(output.rate),
+      m_channels(output.channels),
+      m_least(-std::llround(rules.mostAdvance * m_rate)),
+      m_most(std::llround(rules.mostDelay * m_rate)),
+      m_alike(input.channels == output.channels) {
+  std::optional<int64_t> lag;
+  for (int channel = 0; channel < m_channels; ++channel) {
+    m_matches.push_back(MatchOf(channel, Source(channel)));
+    if (!lag && m_matches.back().known) lag = m_matches.back().lag;
+  }
+  if (m_channels != 2 || !m_alike) return;
+  Match crossed[2];
+  if (!lag) {
+    for (const int channel : {0, 1}) {
+      crossed[channel] = MatchOf(channel, 1 - channel);
+      if (!lag && crossed[channel].known) lag = crossed[channel].lag;
+    }
+  }
+  m_swapped = lag && AreSwapped(*lag);
+  if (!m_swapped) return;
+  for (const int channel : {0, 1})
+    m_matches[static_cast<size_t>(channel)] = MatchOf(channel, Source(channel));
+}
+
+int Pairing::Source(int channel) const {
+  if (!m_alike) return Track::kMean;
+  return m_swapped ? 1 - channel : channel;
+}
+
+Match Pairing::MatchOf(int channel, int source) const {
+  const int64_t frames = std::max(m_input.Frames(), m_output.Frames());
+  measures::DelayFinder finder(m_least, m_most, static_cast<uint64_t>(frames));
+  std::vector<float> in(finder.ReferenceFrames());
+  std::vector<float> out(finder.SignalFrames());
+  for (const int64_t place :
+       Places(m_input.Frames(), static_cast<int64_t>(in.size()), kStretches)) {
+    m_input.Read(source, place, in);
+    m_output.Read(channel, place + m_least, out);
+    finder.Add(in, out);
+  }
+  const auto peak = finder.Find();
+  if (!peak || peak->sharpness < measures::DelayFinder::kClear) return {};
+
+  measures::PhaseFit phases;
+  in.resize(kFit);
+  out.resize(kFit);
+  for (const int64_t place : Places(m_input.Frames(), kFit, kFits)) {
+    m_input.Read(source, place, in);
+    m_output.Read(channel, place + peak->lag, out);
+    phases.Add(in, out);
+  }
+  const auto fit = phases.Find(peak->polarity);
+  if (!fit || std::fabs(fit->correlation) < kLikely) return {};
+  return {
+      .known = true, .lag = peak->lag + std::llround(fit->later), .correlation = fit->correlation};
+}
+
+bool Pairing::AreSwapped(int64_t lag) const {
+  Common difference;
+  Common sum;
+  std::vector<float> block[4];
+  for (auto& samples : block) samples.resize(kFit);
+  for (const int64_t place : Places(m_input.Frames(), kFit, kFits)) {
+    for (const int channel : {0, 1}) {
+      m_input.Read(channel, place, block[channel]);
+      m_output.Read(channel, place + lag, block[2 + channel]);
+    }
+    for (size_t i = 0; i < kFit; ++i) {
+      difference.Add(static_cast<double>(block[0][i] - block[1][i]),
+                     static_cast<double>(block[2][i] - block[3][i]));
+      sum.Add(static_cast<double>(block[0][i] + block[1][i]),
+              static_cast<double>(block[2][i] + block[3][i]));
+    }
+  }
+  const double least = kLeastDifference * static_cast<double>(kFit);
+  return difference.first > std::max(least, kLeastWidth * sum.first) &&
+         difference.second > std::max(least, kLeastWidth * sum.second) &&
+         difference.Correlation() <= kTurned && sum.Correlation() >= kUpright;
+}
+
+}  // namespace host

@@ -1,0 +1,74 @@
+#include "guards/track.h"
+
+#include <soxr.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+// Samples, at the lower rate, that the filter of the resampler reaches on either side.
+constexpr int64_t kReach = 512;
+
+float Finite(float sample) { return std::isfinite(sample) ? sample : 0; }
+
+int64_t FloorDivide(int64_t value, int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
+
+}  // namespace
+
+int64_t Track::Frames() const {
+  return static_cast<int64_t>(m_signal.Frames()) * m_rate / m_signal.rate;
+}
+
+void Track::Read(int channel, int64_t first, std::span<float> to) const {
+  if (m_rate == m_signal.rate) {
+    Copy(channel, first, to);
+  } else {
+    Resample(channel, first, to);
+  }
+}
+
+void Track::Copy(int channel, int64_t first, std::span<float> to) const {
+  const auto stride = static_cast<size_t>(m_signal.channels);
+  const auto frames = static_cast<int64_t>(m_signal.Frames());
+  const int64_t begin = std::clamp<int64_t>(first, 0, frames);
+  const int64_t end = std::clamp<int64_t>(first + static_cast<int64_t>(to.size()), begin, frames);
+  std::ranges::fill(to, 0.0F);
+  const float* from = m_signal.samples.data() + static_cast<size_t>(begin) * stride;
+  float* sample = to.data() + (begin - first);
+  for (int64_t i = begin; i < end; ++i, from += stride, ++sample) {
+    if (channel == kMean) {
+      for (size_t c = 0; c < stride; ++c) *sample += Finite(from[c]);
+      *sample /= static_cast<float>(stride);
+    } else {
+      *sample = Finite(from[channel]);
+    }
+  }
+}
+
+void Track::Resample(int channel, int64_t first, std::span<float> to) const {
+  // Both rates have a sample at each multiple of `step`, counted in samples of the track.
+  const int64_t common = std::gcd(m_rate, m_signal.rate);
+  const int64_t step = m_rate / common;
+  const int64_t stepOfSignal = m_signal.rate / common;
+  const int64_t reach = kReach * m_rate / std::min(m_rate, m_signal.rate);
+  const int64_t steps = FloorDivide(first - reach, step);
+  const auto skip = static_cast<size_t>(first - steps * step);
+  const size_t wanted = skip + to.size() + static_cast<size_t>(reach);
+  std::vector<float> in(wanted / static_cast<size_t>(step) * static_cast<size_t>(stepOfSignal) +
+                        static_cast<size_t>(stepOfSignal));
+  Copy(channel, steps * stepOfSignal, in);
+
+  std::vector<float> out(wanted);
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  size_t done = 0;
+  soxr_oneshot(m_signal.rate, m_rate, 1, in.data(), in.size(), nullptr, out.data(), out.size(),
+               &done, nullptr, &quality, nullptr);
+  std::copy_n(out.begin() + static_cast<int64_t>(skip), to.size(), to.begin());
+}
+
+}  // namespace host

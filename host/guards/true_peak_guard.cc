@@ -1,0 +1,85 @@
+#include "guards/true_peak_guard.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "guards/thresholds.h"
+#include "harness/format_name.h"
+#include "measures/true_peak.h"
+
+namespace host {
+
+namespace {
+
+// Samples that all lie below this, in dBFS, have no crest above full scale between them: the
+// interpolation makes no more than 2.5 times of them.
+constexpr double kCertain = -8;
+
+// Passes a signal on in interleaved blocks of a tenth of a second without what is not finite, until
+// `use` returns false.
+void ForEachBlock(const Signal& signal, const std::function<bool(std::span<const float>)>& use) {
+  const size_t length =
+      static_cast<size_t>(std::max(1, signal.rate / 10)) * static_cast<size_t>(signal.channels);
+  std::vector<float> block(length);
+  for (std::span<const float> left = signal.samples; !left.empty();) {
+    const size_t count = std::min(length, left.size());
+    std::ranges::transform(left.first(count), block.begin(),
+                           [](float sample) { return std::isfinite(sample) ? sample : 0; });
+    if (!use(std::span(block).first(count))) return;
+    left = left.subspan(count);
+  }
+}
+
+// dBTP of each channel; of silence, or where nothing can be said, minus infinity.
+std::vector<double> PeaksOf(const Signal& signal) {
+  measures::TruePeak peak(signal.channels, signal.rate);
+  ForEachBlock(signal, [&](std::span<const float> block) {
+    peak.Add(block);
+    return true;
+  });
+  std::vector<double> peaks;
+  for (int channel = 0; channel < signal.channels; ++channel) {
+    peaks.push_back(peak.Peak(channel).value.value_or(-INFINITY));
+  }
+  return peaks;
+}
+
+}  // namespace
+
+void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& hits) {
+  const Signal& out = *input.output;
+  if (!hits.IsOn(Guard::kTruePeak) ||
+      std::ranges::all_of(surveys.output, [](const ChannelSurvey& survey) {
+        return survey.level.Peak().value.value_or(-INFINITY) < kCertain;
+      })) {
+    return;
+  }
+  const std::vector<double> peaks = PeaksOf(out);
+  if (std::ranges::max(peaks) <= kMostTruePeak) return;
+  std::vector<double> limits(peaks.size(), kMostTruePeak);
+  if (input.input != nullptr) {
+    const std::vector<double> given = PeaksOf(*input.input);
+    for (size_t i = 0; i < limits.size(); ++i) {
+      const double like = given.size() == limits.size() ? given[i] : std::ranges::max(given);
+      limits[i] = std::max(limits[i], like + kMoreTruePeak);
+    }
+  }
+  measures::TruePeak peak(out.channels, out.rate);
+  size_t frames = 0;
+  ForEachBlock(out, [&](std::span<const float> block) {
+    peak.Add(block);
+    for (int channel = 0; channel < out.channels; ++channel) {
+      if (peak.LastPeak(channel).value.value_or(-INFINITY) <= limits[static_cast<size_t>(channel)])
+        continue;
+      hits.Add(Guard::kTruePeak, {.at = static_cast<double>(frames) / out.rate, .channel = channel},
+               harness::FormatName("%+.1f dBTP", peaks[static_cast<size_t>(channel)]));
+      return false;
+    }
+    frames += block.size() / static_cast<size_t>(out.channels);
+    return true;
+  });
+}
+
+}  // namespace host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "measures/figure.h"
+
+namespace measures {
+
+inline constexpr int kActiveLevelVersion = 1;
+inline constexpr int kActivityVersion = 1;
+
+// active_level and activity of one channel: ITU-T P.56 (12/2011), method B. The level of a signal
+// over the time that it is active: that its envelope (two smoothings of 30 ms) stands above a
+// threshold 15.9 dB below that very level, or did within the last 0.2 s.
+//   active_level  dBFS on the scale of rms.
+//   activity      share of the time, from 0 to 1.
+// Any rate from 100 Hz; the thresholds reach from 2^-20 to 2^3 of full scale. Unknown for silence,
+// for what is not finite, and for what is no more than a click.
+class ActiveLevel {
+ public:
+  explicit ActiveLevel(int rate);
+
+  void Add(std::span<const float> samples);
+
+  Figure Level() const;
+  Figure Activity() const;
+
+ private:
+  static constexpr size_t kThresholds = 24;
+  static constexpr double kMargin = 15.9;  // dB
+
+  void AddRun(std::span<const float> samples);
+
+  double m_smoothing;
+  int32_t m_hangover;  // Samples.
+  std::array<float, kThresholds> m_thresholds;
+  std::array<int32_t, kThresholds> m_left;  // Samples for which the signal is still active.
+  std::array<uint64_t, kThresholds> m_active = {};
+  double m_first = 0;   // The envelope after one smoothing,
+  double m_second = 0;  // and after two.
+  double m_squares = 0;
+  uint64_t m_samples = 0;
+};
+
+}  // namespace measures

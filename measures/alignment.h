@@ -1,0 +1,28 @@
+#pragma once
+
+#include <span>
+
+#include "measures/figure.h"
+
+namespace measures {
+
+inline constexpr int kDelayVersion = 1;
+inline constexpr int kGainVersion = 1;
+inline constexpr int kPolarityVersion = 1;
+
+// How a signal lies beside its reference: whole samples by GCC-PHAT (delay_finder.h), the rest by
+// the phase of the cross-spectrum (phase_fit.h).
+struct Alignment {
+  Figure delay;        // Seconds by which the signal is later; below 0: earlier.
+  Figure gain;         // dB, of what both have in common, over all frequencies.
+  Figure polarity;     // 1, or -1 when upside down.
+  Figure correlation;  // From 0 to 1, once delay and polarity are taken out.
+};
+
+// One channel each, of one rate, finite, at least 4096 samples in common. least, most: seconds
+// between which the delay is looked for. Unknown for silence, for what is too short, and without a
+// clear delay, as between two signals that have nothing to do with each other.
+Alignment Align(std::span<const float> reference, std::span<const float> signal, int rate,
+                double least, double most);
+
+}  // namespace measures

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+
+// Measures of audio: what can be said of samples in figures. Each header states the definition, its
+// source in the literature, the unit, what input is valid, and the version, which is raised
+// whenever a figure changes. One thread, no files, no state beside the objects; samples are floats
+// with full scale at 1.
+namespace measures {
+
+// A figure, or why there is none. What cannot be computed is never 0.
+struct Figure {
+  std::optional<double> value = {};
+  const char* reason = "";  // Empty where there is a value.
+};
+
+inline Figure Known(double value) { return {.value = value}; }
+inline Figure Unknown(const char* reason) { return {.reason = reason}; }
+
+inline constexpr const char* kNoSamples = "no samples";
+inline constexpr const char* kSilence = "silence";
+inline constexpr const char* kNotFinite = "samples that are not finite";
+inline constexpr const char* kTooShort = "too short";
+
+}  // namespace measures

@@ -1,0 +1,88 @@
+#include "measures/phase_fit.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace measures {
+
+namespace {
+
+constexpr double kMostWeight = 1000;  // Bins that agree to 30 dB count no more for agreeing better.
+
+double Angle(size_t bin) { return 2 * M_PI * static_cast<double>(bin) / PhaseFit::kBlock; }
+
+}  // namespace
+
+PhaseFit::PhaseFit()
+    : m_fft(kBlock),
+      m_window(kBlock),
+      m_block(kBlock),
+      m_reference(m_fft.Bins()),
+      m_signal(m_fft.Bins()),
+      m_cross(m_fft.Bins()),
+      m_referencePower(m_fft.Bins()),
+      m_signalPower(m_fft.Bins()) {
+  for (size_t i = 0; i < kBlock; ++i) {
+    m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(Angle(i)));
+  }
+}
+
+void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
+  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
+    for (const bool isSignal : {false, true}) {
+      const auto block = (isSignal ? signal : reference).subspan(start, kBlock);
+      for (size_t i = 0; i < kBlock; ++i) m_block[i] = block[i] * m_window[i];
+      m_fft.Forward(m_block, isSignal ? m_signal : m_reference);
+    }
+    for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
+      const std::complex<double> a(m_reference[i]);
+      const std::complex<double> b(m_signal[i]);
+      m_cross[i] += CrossBin(a, b);
+      m_referencePower[i] += std::norm(a);
+      m_signalPower[i] += std::norm(b);
+    }
+  }
+}
+
+// How much later the signal is than `later`, by the bins up to `band` of half the rate.
+double PhaseFit::Slope(double later, int polarity, double band) const {
+  const auto last = static_cast<size_t>(band * static_cast<double>(m_cross.size() - 1));
+  double product = 0;
+  double squares = 0;
+  for (size_t i = 1; i < last; ++i) {
+    const double both = m_referencePower[i] * m_signalPower[i];
+    if (!(both > 0)) continue;
+    const double coherence = std::min(1.0, std::norm(m_cross[i]) / both);
+    const double weight = coherence / std::max(1 - coherence, 1 / kMostWeight);
+    const std::complex<double> turned =
+        m_cross[i] * std::polar(static_cast<double>(1), Angle(i) * later);
+    product -= weight * Angle(i) * std::arg(turned * static_cast<double>(polarity));
+    squares += weight * Angle(i) * Angle(i);
+  }
+  return squares > 0 ? product / squares : 0;
+}
+
+std::optional<PhaseFit::Fit> PhaseFit::Find(int polarity) const {
+  double reference = 0;
+  double signal = 0;
+  for (size_t i = 0; i < m_cross.size(); ++i) {
+    reference += m_referencePower[i];
+    signal += m_signalPower[i];
+  }
+  if (!(reference > 0) || !(signal > 0)) return std::nullopt;
+
+  // From the low bins up, so that no phase is more than half a turn away when its turn comes.
+  Fit fit;
+  for (const double band : {0.125, 0.25, 0.5, 1.0, 1.0, 1.0}) {
+    fit.later += Slope(fit.later, polarity, band);
+  }
+  double common = 0;
+  for (size_t i = 0; i < m_cross.size(); ++i) {
+    common += (m_cross[i] * std::polar(1.0, Angle(i) * fit.later)).real();
+  }
+  fit.gain = common / reference;
+  fit.correlation = common / std::sqrt(reference * signal);
+  return fit;
+}
+
+}  // namespace measures

@@ -1,0 +1,83 @@
+#include "guards/dropout.h"
+
+#include <gtest/gtest.h>
+
+#include "guards/treatments.h"
+
+namespace host {
+namespace {
+
+const GuardHit* DropoutHit(const std::vector<GuardHit>& hits) {
+  return Find(hits, Guard::kDropout);
+}
+
+TEST(DropoutGuard, BeginsAtTwoMilliseconds) {
+  const Sound in = Noise(0.1, 2, 1);
+  const auto hits = Check(in, Cut(in, 1, 0.0021));
+  ASSERT_NE(DropoutHit(hits), nullptr);
+  EXPECT_TRUE(DropoutHit(hits)->fails);
+  EXPECT_DOUBLE_EQ(*DropoutHit(hits)->at, 1);
+  EXPECT_EQ(DropoutHit(hits)->text, "zeros for 2.1 ms where the input has signal");
+  EXPECT_EQ(DropoutHit(Check(in, Cut(in, 1, 0.0019))), nullptr);
+}
+
+TEST(DropoutGuard, CountsThePlacesAndNamesTheFirst) {
+  Sound in = Noise(0.1, 2, 1);
+  in.channels = 2;
+  const auto hits = Check(in, Cut(Cut(in, 0.7, 0.01), 0.5, 0.01));
+  ASSERT_NE(DropoutHit(hits), nullptr);
+  EXPECT_NEAR(*DropoutHit(hits)->at, 0.5, 1e-4);
+  EXPECT_EQ(DropoutHit(hits)->text,
+            "zeros for 10.0 ms where the input has signal, the first of 4 places");
+}
+
+TEST(DropoutGuard, ZerosOfTheInputAreItsOwn) {
+  const Sound in = Cut(Noise(0.1, 2, 1), 1, 0.003);
+  EXPECT_EQ(DropoutHit(Check(in, in)), nullptr);
+  EXPECT_EQ(DropoutHit(Check(in, Louder(Later(in, 0.05), 3))), nullptr);
+}
+
+TEST(DropoutGuard, WhatIs15DecibelsSofterMayBeGatedAway) {
+  const Sound loud = Noise(0.1, 2, 1);
+  for (const double softer : {-13.0, -17.0}) {
+    Sound in = Louder(loud, softer);
+    std::copy_n(loud.samples.begin(), 48000, in.samples.begin());
+    EXPECT_EQ(DropoutHit(Check(in, Cut(in, 1.4, 0.1))) != nullptr, softer > -15) << softer;
+  }
+}
+
+TEST(DropoutGuard, PaddingAtTheEndsIsAllowed) {
+  const Sound in = Noise(0.1, 2, 1);
+  EXPECT_EQ(DropoutHit(Check(in, Cut(in, 0, 0.1))), nullptr);
+  EXPECT_EQ(DropoutHit(Check(in, Cut(in, 1.9, 0.1))), nullptr);
+  EXPECT_NE(DropoutHit(Check(in, Cut(in, 0, 0.15))), nullptr);
+  EXPECT_NE(DropoutHit(Check(in, Cut(in, 1.85, 0.15))), nullptr);
+}
+
+TEST(DropoutGuard, IsFoundThroughADelayAndAtAnotherRate) {
+  const Sound in = Noise(0.1, 2, 1);
+  const auto hits = Check(in, Cut(Later(in, 0.4), 1, 0.005));
+  ASSERT_NE(DropoutHit(hits), nullptr);
+  EXPECT_DOUBLE_EQ(*DropoutHit(hits)->at, 1);
+  Sound half = Silence(2, 1, 24000);
+  for (size_t i = 0; i < half.samples.size(); ++i) half.samples[i] = in.samples[2 * i];
+  EXPECT_NE(DropoutHit(Check(in, Cut(half, 1, 0.005))), nullptr);
+}
+
+// Without a delay that is sure, zeros are wrong only where the input has signal at every delay.
+TEST(DropoutGuard, AnUnknownDelayHitsOnlyWhatIsWrongAtAnyDelay) {
+  const Sound in = Noise(0.1, 4, 1);
+  const Sound other = Noise(0.1, 4, 2);
+  EXPECT_NE(DropoutHit(Check(in, Cut(other, 2, 0.005))), nullptr);
+  EXPECT_EQ(DropoutHit(Check(Cut(in, 1.5, 0.2), Cut(other, 2, 0.005))), nullptr);
+}
+
+TEST(DropoutGuard, RowsThatAreNotComparableAreLeftOut) {
+  const Sound in = Noise(0.1, 2, 1);
+  GuardRules rules;
+  rules.comparable = false;
+  EXPECT_EQ(DropoutHit(Check(in, Cut(in, 1, 0.05), rules)), nullptr);
+}
+
+}  // namespace
+}  // namespace host

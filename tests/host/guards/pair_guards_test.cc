@@ -1,0 +1,108 @@
+#include "guards/pair_guards.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "guards/treatments.h"
+
+namespace host {
+namespace {
+
+bool Hits(const std::vector<GuardHit>& hits, Guard guard) { return Find(hits, guard) != nullptr; }
+
+// `input` and part of another sound.
+Sound Mixed(Sound sound, const Sound& other, double part) {
+  for (size_t i = 0; i < sound.samples.size(); ++i) {
+    sound.samples[i] += static_cast<float>(part) * other.samples[i];
+  }
+  return sound;
+}
+
+// The same sound at any rate: 30 tones below 3 kHz that come and go at their own times, in stereo
+// at 44.1 kHz.
+Sound Between(int rate, double seconds) {
+  const int channels = rate == 44100 ? 2 : 1;
+  Sound sound = Silence(seconds, channels, rate);
+  for (size_t i = 0; i < sound.samples.size(); ++i) {
+    const double time = static_cast<double>(i / static_cast<size_t>(channels)) / rate;
+    double sum = 0;
+    for (int tone = 1; tone <= 30; ++tone) {
+      sum += std::sin(2 * M_PI * 97.3 * tone * time + 1.7 * tone * tone) *
+             std::sin(2 * M_PI * std::sqrt(tone) * time);
+    }
+    sound.samples[i] = static_cast<float>(0.02 * sum);
+  }
+  return sound;
+}
+
+TEST(UnchangedGuard, AHalfStepOf16BitsIsNoChangeAndAWholeOneIs) {
+  const Sound in = Speech(1);
+  EXPECT_TRUE(Hits(Check(in, in), Guard::kUnchanged));
+  EXPECT_TRUE(Hits(Check(in, Integers(in)), Guard::kUnchanged));
+  Sound out = in;
+  out.samples[24000] += 1.0F / 32768;
+  EXPECT_FALSE(Hits(Check(in, out), Guard::kUnchanged));
+}
+
+TEST(UnchangedGuard, IsSeenThroughADelay) {
+  const Sound in = Speech(2);
+  const auto hits = Check(in, Later(in, 0.089));
+  ASSERT_TRUE(Hits(hits, Guard::kUnchanged));
+  EXPECT_EQ(Find(hits, Guard::kUnchanged)->text, "the same as the input, 89.0 ms later");
+  GuardRules rules;
+  rules.comparable = false;
+  EXPECT_FALSE(Hits(Check(in, Later(in, 0.089), rules), Guard::kUnchanged));
+  EXPECT_TRUE(Hits(Check(in, in, rules), Guard::kUnchanged));
+}
+
+TEST(UnchangedGuard, SilenceAndOtherFormsAreNotCompared) {
+  EXPECT_FALSE(Hits(Check(Silence(1), Silence(1)), Guard::kUnchanged));
+  EXPECT_FALSE(Hits(Check(Sine(440, 0.1, 1), Sine(440, 0.1, 1, 2)), Guard::kUnchanged));
+}
+
+// Unrelated noise brings the correlation to where the guard begins.
+TEST(InvertedGuard, BeginsAtACorrelationOfMinusOneHalf) {
+  const Sound in = Noise(0.1, 2, 1);
+  const Sound strange = Noise(0.1, 2, 2);
+  EXPECT_TRUE(Hits(Check(in, Mixed(Inverted(in), strange, 1.6)), Guard::kInverted));   // -0.53
+  EXPECT_FALSE(Hits(Check(in, Mixed(Inverted(in), strange, 1.9)), Guard::kInverted));  // -0.47
+  EXPECT_FALSE(Hits(Check(in, in), Guard::kInverted));
+}
+
+TEST(InvertedGuard, SeesOneChannelOfTwoAndThroughADelay) {
+  const Sound in = Music(2);
+  Sound out = in;
+  for (size_t i = 1; i < out.samples.size(); i += 2) out.samples[i] *= -1;
+  const auto hits = Check(in, out);
+  ASSERT_TRUE(Hits(hits, Guard::kInverted));
+  EXPECT_EQ(Find(hits, Guard::kInverted)->channel, 1);
+  EXPECT_TRUE(Hits(Check(in, Inverted(Later(in, 0.3))), Guard::kInverted));
+}
+
+TEST(InvertedGuard, SeesThroughAnotherRateAndOtherChannels) {
+  const Sound out = Inverted(Between(16000, 2));
+  const auto hits = Check(Between(44100, 2), out);
+  EXPECT_EQ(Names(hits), "inverted");
+  EXPECT_EQ(Names(Check(Between(44100, 2), Inverted(out))), "");
+}
+
+TEST(SwappedGuard, GoesByTheDifferenceOfTheChannels) {
+  const Sound in = Music(2);
+  EXPECT_TRUE(Hits(Check(in, Swapped(in)), Guard::kSwapped));
+  EXPECT_TRUE(Hits(Check(in, Swapped(Later(in, 0.1))), Guard::kSwapped));
+  EXPECT_FALSE(Hits(Check(in, in), Guard::kSwapped));
+  // Two thirds of the way the two are still swapped, one third of the way they are not.
+  Sound most = Mixed(Louder(Swapped(in), 20 * std::log10(0.67)), in, 0.33);
+  Sound few = Mixed(Louder(Swapped(in), 20 * std::log10(0.33)), in, 0.67);
+  EXPECT_TRUE(Hits(Check(in, most), Guard::kSwapped));
+  EXPECT_FALSE(Hits(Check(in, few), Guard::kSwapped));
+}
+
+TEST(SwappedGuard, NothingCanBeSaidOfTwoAlike) {
+  const Sound in = Integers(Sine(440, 0.3, 1, 2));
+  EXPECT_FALSE(Hits(Check(in, Swapped(in)), Guard::kSwapped));
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,56 @@
+#include "guards/true_peak_guard.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "guards/treatments.h"
+
+namespace host {
+namespace {
+
+// A sine at a quarter of the rate, its samples 3 dB below its crests, faded in and out so that the
+// crests are all there is. The meter reads up to 0.2 dB more or 0.4 dB less.
+Sound Crests(double decibels) {
+  Sound sound = Silence(1);
+  for (size_t i = 0; i < sound.samples.size(); ++i) {
+    const double time = static_cast<double>(i) / 48000;
+    const double fade = std::min({1.0, time / 0.25, (1 - time) / 0.25});
+    sound.samples[i] = static_cast<float>(fade * std::pow(10, decibels / 20) *
+                                          std::sin(M_PI / 4 + M_PI / 2 * static_cast<double>(i)));
+  }
+  return sound;
+}
+
+const GuardHit* TruePeakHit(const std::vector<GuardHit>& hits) {
+  return Find(hits, Guard::kTruePeak);
+}
+
+TEST(TruePeakGuard, BeginsAtFullScaleBetweenTheSamples) {
+  const Sound in = Crests(-6);
+  EXPECT_EQ(TruePeakHit(Check(in, Crests(-0.3))), nullptr);
+  const auto hits = Check(in, Crests(0.6));
+  ASSERT_NE(TruePeakHit(hits), nullptr);
+  EXPECT_FALSE(TruePeakHit(hits)->fails);
+  EXPECT_EQ(TruePeakHit(hits)->channel, 0);
+  EXPECT_DOUBLE_EQ(*TruePeakHit(hits)->at, 0.2);  // The block in which the fade gets there.
+}
+
+TEST(TruePeakGuard, AllowsADecibelMoreThanTheInput) {
+  EXPECT_EQ(TruePeakHit(Check(Crests(2), Crests(2.9))), nullptr);
+  EXPECT_NE(TruePeakHit(Check(Crests(2), Crests(3.1))), nullptr);
+}
+
+TEST(TruePeakGuard, NeedsNoInput) {
+  EXPECT_NE(TruePeakHit(CheckAlone(Crests(1))), nullptr);
+  EXPECT_EQ(TruePeakHit(CheckAlone(Crests(-1))), nullptr);
+}
+
+TEST(TruePeakGuard, JudgesFloatsBeyondFullScale) {
+  const Sound in = Speech(1);
+  EXPECT_NE(TruePeakHit(Check(in, Louder(in, 30))), nullptr);
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,45 @@
+#include "measures/noise.h"
+
+#include <cmath>
+#include <complex>
+#include <random>
+
+namespace measures {
+
+namespace {
+
+// From 0 to 1.
+double Even(std::mt19937& random) { return static_cast<double>(random()) / 4294967296.0; }
+
+}  // namespace
+
+std::vector<float> Noise(size_t samples, double rms, unsigned seed) {
+  // Twelve even distributions: unlike std::normal_distribution the same everywhere.
+  std::mt19937 random(seed);
+  std::vector<float> noise(samples);
+  for (float& sample : noise) {
+    double sum = -6;
+    for (int i = 0; i < 12; ++i) sum += Even(random);
+    sample = static_cast<float>(rms * sum);
+  }
+  return noise;
+}
+
+std::vector<float> Between(size_t samples, double rms, unsigned seed, double later) {
+  constexpr int kCosines = 200;
+  std::mt19937 random(seed);
+  std::vector<double> sum(samples);
+  for (int i = 0; i < kCosines; ++i) {
+    const double angle = 2 * M_PI * 0.4 * (i + Even(random)) / kCosines;
+    const double phase = 2 * M_PI * Even(random);
+    const std::complex<double> turn = std::polar(1.0, angle);
+    std::complex<double> now = std::polar(rms * std::sqrt(2.0 / kCosines), phase - angle * later);
+    for (double& sample : sum) {
+      sample += now.real();
+      now *= turn;
+    }
+  }
+  return {sum.begin(), sum.end()};
+}
+
+}  // namespace measures
