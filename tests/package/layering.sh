@@ -1,6 +1,7 @@
 #!/bin/bash
 # Includes point one way: layering.sh PROJECT_FOLDER
 #   host -> catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
+#   host/guards -> measures, which know nothing of either
 set -euo pipefail
 
 cd "$1"
@@ -26,6 +27,7 @@ api="engine_api/[a-z]+"
 
 allow audio_engine/core/engine_api "$standard|\"(\.\./[a-z]+/)?$name\""
 allow audio_engine/wave "$standard|$beside"
+allow measures "$library|\"measures/$name\""
 allow audio_engine/core/harness "$library|\"($api|harness)/$name\""
 # The routines of a group stand by themselves. Codec quality is measured on what routines of others
 # have resampled and gated.
@@ -67,12 +69,14 @@ for folder in base guards files process catalogue report demo run cli; do
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
   [[ $folder == base ]] || core+='|catalogue/files'
-  allow "host/$folder" "$library|\"($below|wave)/$name\"|\"($core)\.h\""
+  measures='measures'
+  [[ $folder == guards ]] || measures=wave
+  allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""
 
 # Angle brackets are for the headers of others.
 if grep -rnE --include='*.h' --include='*.cc' \
-  'include[[:space:]]*<(engine_api|harness|bench|desktop|host|fake_engine)/' \
-  audio_engine host tests >&2; then failed=1; fi
+  'include[[:space:]]*<(engine_api|harness|bench|desktop|host|fake_engine|measures)/' \
+  audio_engine host measures tests >&2; then failed=1; fi
 exit $failed
