@@ -8,8 +8,6 @@ namespace host {
 
 // What the JSON documents have in common.
 
-inline constexpr int kSchemaVersion = 2;
-
 // Members stay in the order in which they are added.
 using Json = nlohmann::ordered_json;
 

@@ -31,6 +31,12 @@ std::string Attenuation(double decibels) { return FormatName("%.1f dB", decibels
 
 std::string Ratio(double ratio) { return FormatName("%.2g", ratio); }
 
+std::string Amount(double value, const std::string& unit) {
+  const bool whole = value == std::floor(value) && std::abs(value) < 1e15;
+  const std::string text = whole ? FormatName("%.0f", value) : FormatName("%.4g", value);
+  return unit == "1" ? text : text + " " + unit;
+}
+
 std::string Hertz(int rate) { return std::to_string(rate) + " Hz"; }
 
 std::string Channels(int channels) {

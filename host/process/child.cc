@@ -190,9 +190,9 @@ class Child {
 }  // namespace
 
 ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
-                        FILE* log, Progress& progress) {
+                        FILE* log, const Hearing& hearing, Progress& progress) {
   const SharedMemory shared;
-  Relay relay(log, progress);
+  Relay relay(log, hearing, progress);
   fflush(nullptr);  // What is still buffered here must not come out of the child as well.
   const pid_t host = getpid();
   const double start = Now();

@@ -10,6 +10,7 @@
 #include "engine/engine_work.h"
 #include "process/limits.h"
 #include "process/progress.h"
+#include "process/relay.h"
 
 namespace host {
 
@@ -57,10 +58,10 @@ struct ChildWork {
 
 // Does the work in a child with `workspace` as its current directory and its files mapped into it
 // (see path_map.h), for as long as the limits allow. What it prints goes to stdout, and its stderr
-// to stderr and to `log`, as it comes. All that the routine has started ends with it, and it ends
-// with the host, however that ends. To be called on the host's only thread. Throws
-// std::system_error when no process can be started.
+// to stderr and to `log`, as it comes; `hearing` gets both. All that the routine has started ends
+// with it, and it ends with the host, however that ends. To be called on the host's only thread.
+// Throws std::system_error when no process can be started.
 ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
-                        FILE* log, Progress& progress);
+                        FILE* log, const Hearing& hearing, Progress& progress);
 
 }  // namespace host

@@ -29,7 +29,8 @@ size_t ReadPipe(int& pipe, char* bytes) {
 
 }  // namespace
 
-Relay::Relay(FILE* log, Progress& progress) : m_log(log), m_progress(progress) {
+Relay::Relay(FILE* log, const Hearing& hearing, Progress& progress)
+    : m_log(log), m_hearing(hearing), m_progress(progress) {
   for (Pipe* pipe : {&m_output, &m_errors}) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
@@ -95,6 +96,7 @@ bool Relay::CarryOutput() {
   char bytes[kMaxRead];
   const size_t count = ReadPipe(m_output.read, bytes);
   m_progress.PrintOutput({bytes, count});
+  m_hearing.output({bytes, count});
   if (count > 0) m_lastOutput = bytes[count - 1];
   return count > 0;
 }
@@ -104,6 +106,7 @@ bool Relay::CarryLog() {
   const size_t count = ReadPipe(m_errors.read, bytes);
   m_progress.PrintError({bytes, count});
   WriteLog({bytes, count});
+  m_hearing.log({bytes, count});
   return count > 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <string_view>
 
 #include "process/limits.h"
@@ -8,11 +9,17 @@
 
 namespace host {
 
+// Who else hears what a child prints and logs, in the parts in which it comes.
+struct Hearing {
+  std::function<void(std::string_view bytes)> output;
+  std::function<void(std::string_view bytes)> log;
+};
+
 // Carries what a child prints to the host's stdout, and what it logs to the host's stderr and to a
 // log file, as it comes. What nobody reads holds up the child, never the host.
 class Relay {
  public:
-  Relay(FILE* log, Progress& progress);
+  Relay(FILE* log, const Hearing& hearing, Progress& progress);
   ~Relay();
   Relay(const Relay&) = delete;
   Relay& operator=(const Relay&) = delete;
@@ -49,6 +56,7 @@ class Relay {
   Pipe m_output;
   Pipe m_errors;
   FILE* m_log;
+  const Hearing& m_hearing;
   int m_logFailure = 0;
   char m_lastOutput = '\n';
   Progress& m_progress;

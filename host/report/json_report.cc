@@ -10,6 +10,8 @@ namespace host {
 
 namespace {
 
+constexpr int kReportSchema = 3;
+
 Json ChannelJson(const ChannelFigures& figures, const std::string& name) {
   const char* const silent =
       figures.samples == figures.notFinite ? "no finite sample" : "silence has no level";
@@ -77,6 +79,24 @@ Json FileJson(const FileReport& file) {
       {"wave_copy", CopyJson(file.copy)}};
 }
 
+// A number, or null where it is none.
+Json Number(std::optional<double> value) { return value ? Json(*value) : Json(); }
+
+Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+Json ResultsJson(const std::vector<Result>& results) {
+  Json json = Json::array();
+  for (const Result& result : results) {
+    json.push_back({{"name", result.name},
+                    {"value", Number(result.value)},
+                    {"unit", result.unit},
+                    {"better", BetterName(result.better)},
+                    {"file", TextOrNull(result.file)},
+                    {"reason", TextOrNull(result.reason)}});
+  }
+  return json;
+}
+
 Json FilesJson(const std::vector<FileReport>& files) {
   Json json = Json::array();
   for (const FileReport& file : files) json.push_back(FileJson(file));
@@ -139,7 +159,7 @@ void AddFigures(const RunReport& report, Json& json) {
 }  // namespace
 
 std::string JsonReport(const RunReport& report) {
-  Json json = {{"schema_version", kSchemaVersion}};
+  Json json = {{"schema_version", kReportSchema}};
   json.update(OriginJson());
   json["started"] = report.started;
   json["workspace"] = report.workspace;
@@ -150,6 +170,7 @@ std::string JsonReport(const RunReport& report) {
   AddVerdict(report.judgement, json);
   AddFigures(report, json);
   json["log"] = report.log;
+  json["results"] = ResultsJson(report.results);
   json["inputs"] = FilesJson(report.inputs);
   json["outputs"] = FilesJson(report.outputs);
   return JsonText(json);

@@ -11,6 +11,7 @@
 #include "files/workspace.h"
 #include "process/child.h"
 #include "report/verdict.h"
+#include "results/result.h"
 
 namespace host {
 
@@ -68,6 +69,7 @@ struct RunReport {
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};
   std::optional<Stop> stop = {};
+  std::vector<Result> results = {};  // Empty when the routine was not run.
 };
 
 // Processing time / audio time, which is that of the longest input; for a run over lists of files,

@@ -12,6 +12,7 @@
 #include "files/audio_layout.h"
 #include "files/regular_file.h"
 #include "files/wave_copy.h"
+#include "run/collect_results.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -115,6 +116,7 @@ RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
   for (size_t i = 0; i < plan.outputs.size(); ++i) {
     report.outputs.push_back(examiner.Output(plan.outputs[i], executed.outputsBefore[i]));
   }
+  report.results = CollectResults(plan, std::move(executed.heard), report, limits);
   report.lookEnded = examiner.lookEnded();
   return report;
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 #include "base/usage_error.h"
@@ -36,7 +37,8 @@ class Log {
 
 // Runs the routine; stops one that never returns when its time is up, and gives as much time anew
 // for what follows.
-ChildOutcome RunRoutine(const Plan& plan, FILE* log, Limits& limits, Progress& progress) {
+ChildOutcome RunRoutine(const Plan& plan, FILE* log, LineResults& heard, Limits& limits,
+                        Progress& progress) {
   const CatalogueRow& row = *plan.row;
   const ArgumentList words = plan.Words();
   const double seconds =
@@ -45,7 +47,10 @@ ChildOutcome RunRoutine(const Plan& plan, FILE* log, Limits& limits, Progress& p
   const ChildWork work = {
       .routine = [&] { harness::Run(row, words); },
       .afterwards = [&] { return FinishEngineWork(background, row.runsOn > 0); }};
-  ChildOutcome outcome = RunInChild(work, plan.what.work, limits, log, progress);
+  const Hearing hearing = {
+      .output = [&](std::string_view bytes) { heard.Hear(Stands::kPrinted, bytes); },
+      .log = [&](std::string_view bytes) { heard.Hear(Stands::kLogged, bytes); }};
+  ChildOutcome outcome = RunInChild(work, plan.what.work, limits, log, hearing, progress);
   // One that stood still, or whose end was not seen, did not go on for all of its time.
   const bool wentOn = outcome.stopSignal == 0 && outcome.cpu;
   if (row.neverReturns && wentOn && outcome.end == ChildOutcome::End::kTimedOut) {
@@ -66,7 +71,8 @@ void LookAndRun(const Plan& plan, Limits& limits, Executed& executed) {
     executed.outputsBefore.emplace_back(output);
   }
   Progress progress(plan.what.routine, executed.checked.inputs.size() + plan.outputs.size());
-  executed.outcome = RunRoutine(plan, log.file(), limits, progress);
+  executed.heard = LineResults(plan.row->results);
+  executed.outcome = RunRoutine(plan, log.file(), executed.heard, limits, progress);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "files/workspace.h"
 #include "process/child.h"
 #include "process/limits.h"
+#include "results/line_results.h"
 #include "run/check.h"
 #include "run/plan.h"
 
@@ -17,6 +18,7 @@ struct Executed {
   Checked checked;
   std::vector<FileBefore> inputsBefore = {};
   std::vector<OutputBefore> outputsBefore = {};
+  LineResults heard = LineResults();         // Of what the routine printed and logged.
   std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
   std::optional<Stop> stop = {};
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "catalogue/catalogue_rows.h"
+#include "catalogue/tables.h"
 
 namespace harness {
 
@@ -18,6 +19,8 @@ std::vector<CatalogueRow> AllRows() {
   for (const auto& [group, rows] : groups) {
     for (CatalogueRow row : rows) {
       row.group = group;
+      row.results = ResultLines(row.declared.words.name);
+      row.tables = ResultTables;
       all.push_back(std::move(row));
     }
   }

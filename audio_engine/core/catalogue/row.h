@@ -1,11 +1,13 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "catalogue/files.h"
 #include "catalogue/invoke.h"
+#include "catalogue/results.h"
 #include "harness/declared.h"
 
 // What the catalogue says of one routine, and how it is run with the words of a command line.
@@ -55,6 +57,10 @@ struct CatalogueRow {
   // Why nothing comes out of words that the routine takes all the same, a codec id that stands for
   // no codec for example; empty when something does. Null: it always does.
   std::string (*fruitless)(ArgumentWords words) = nullptr;
+  // The figures in what it prints, logs and writes as text.
+  std::span<const ResultLine> results = {};
+  // The tables among the outputs of one run. Null: none.
+  std::vector<ResultTable> (*tables)(std::span<const FileUse> outputs) = nullptr;
   Device device = Device::kNone;
   double seconds = 0;  // How long a run takes by the clock; 0: as fast as its input is processed.
   // How long what the routine has started may run on after it has returned, in seconds, such as a

@@ -73,6 +73,18 @@ std::vector<FileUse> ListInputs() {
   return files;
 }
 
+constexpr harness::ResultLine kResults[] = {
+    {.name = "delay", .unit = "ms", .stands = harness::Stands::kLogged, .line = "delay: *, #"},
+    {.name = "tempo", .unit = "BPM", .line = "bpm=#"},
+    {.name = "beats",
+     .unit = "beats",
+     .better = harness::Better::kHigher,
+     .stands = harness::Stands::kWritten,
+     .line = "b=#",
+     .takes = harness::Takes::kCount,
+     .file = "beats.txt"},
+    {.name = "errors", .unit = "1", .better = harness::Better::kLower, .line = "error #"}};
+
 std::vector<CatalogueRow> AllRows() {
   return {{.declared = declared::Nothing,
            .exercises = "a line that may not be broken, whatever its length is, when nobody looks "
@@ -81,6 +93,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::Echo, .exercises = "arguments"},
           {.declared = declared::PrintAndLog},
           {.declared = declared::PrintPartOfALine},
+          {.declared = declared::Measure, .outputs = {{.name = "beats.txt"}}, .results = kResults},
           {.declared = declared::Crash},
           {.declared = declared::Abort},
           {.declared = declared::Throw},

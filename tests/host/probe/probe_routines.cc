@@ -64,6 +64,12 @@ void PrintAndLog() {
   fprintf(stderr, "logged\n");
 }
 
+void Measure(bool whole) {
+  printf("bpm=120.5\n");
+  fprintf(stderr, "12:34:56.789 delay: 1, 0\n12:34:57.789 delay: 2, 8%s", whole ? "9\n" : "");
+  WriteFile<char>("beats.txt", {'b', '=', '1', '\n', 'b', '=', '2', '\n', 'b', '='});
+}
+
 void PrintPartOfALine() { printf("no newline"); }
 
 void Crash() {

@@ -10,6 +10,7 @@ ROUTINE(void, Nothing);
 ROUTINE(void, Echo, const char* text, char* more, bool flag, int number);
 ROUTINE(void, PrintAndLog);
 ROUTINE(void, PrintPartOfALine);
+ROUTINE(void, Measure, bool whole);  // Says what it found, in whole lines or in torn ones.
 ROUTINE(void, Crash);
 ROUTINE(void, Abort);
 ROUTINE(void, Throw);

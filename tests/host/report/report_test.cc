@@ -143,7 +143,7 @@ TEST(TextReport, SaysThatAnInputMayBeAbsentOnlyWhereTheRunIsGood) {
 
 TEST(JsonReport, GivesEveryFigureAUnit) {
   const json report = ParseReport(JsonReport(Example()));
-  EXPECT_EQ(report["schema_version"], 2);
+  EXPECT_EQ(report["schema_version"], 3);
   EXPECT_EQ(report["routine"], "TestIt");
   EXPECT_EQ(report["arguments"], json({"-1", "\xEF\xBF\xBD"})) << "bytes that are no text";
   EXPECT_EQ(report["verdict"], "pass");
