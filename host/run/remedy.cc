@@ -3,22 +3,12 @@
 #include <filesystem>
 #include <system_error>
 
+#include "base/shell_word.h"
 #include "catalogue/catalogue_text.h"
 
 namespace host {
 
 namespace {
-
-// As a shell takes it for one word.
-std::string Quoted(const std::string& word) {
-  const bool plain = word.find_first_not_of(
-                         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-") ==
-                     std::string::npos;
-  if (plain && !word.empty()) return word;
-  std::string quoted = "'";
-  for (const char letter : word) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-  return quoted + "'";
-}
 
 // The options of ffmpeg for those that are given.
 std::string RateAndChannels(const FileUse& use) {
@@ -31,12 +21,12 @@ std::string RateAndChannels(const FileUse& use) {
 // How to make headerless samples of an audio file.
 std::string Conversion(const FileUse& use, const std::string& from, const std::string& to) {
   return "ffmpeg -i " + from + (use.samples == SampleType::kPcm16 ? " -f s16le" : " -f f32le") +
-         RateAndChannels(use) + " " + Quoted(to);
+         RateAndChannels(use) + " " + ShellWord(to);
 }
 
 // Puts what a command left in one place into another.
 std::string Move(const std::string& from, const std::string& to) {
-  return " && mv " + Quoted(from) + " " + Quoted(to);
+  return " && mv " + ShellWord(from) + " " + ShellWord(to);
 }
 
 }  // namespace
@@ -62,19 +52,19 @@ std::string MissingInputRemedy(const FilePlace& input) {
   std::error_code error;
   const bool there = std::filesystem::is_directory(folder, error);
   return "; it takes " + FileFormat(input.use) + ": " +
-         (there ? "" : "mkdir -p " + Quoted(folder) + " && ") +
+         (there ? "" : "mkdir -p " + ShellWord(folder) + " && ") +
          Conversion(input.use, "YOUR_FILE", input.path);
 }
 
 std::string WaveConversion(const FilePlace& input) {
   const std::string converted = input.path + ".16.wav";
-  return "ffmpeg -i " + Quoted(input.path) + " -c:a pcm_s16le -map_metadata -1 -bitexact" +
-         RateAndChannels(input.use) + " " + Quoted(converted) + Move(converted, input.path);
+  return "ffmpeg -i " + ShellWord(input.path) + " -c:a pcm_s16le -map_metadata -1 -bitexact" +
+         RateAndChannels(input.use) + " " + ShellWord(converted) + Move(converted, input.path);
 }
 
 std::string HeaderlessConversion(const FilePlace& input) {
   const std::string converted = input.path + ".raw";
-  return Conversion(input.use, Quoted(input.path), converted) + Move(converted, input.path);
+  return Conversion(input.use, ShellWord(input.path), converted) + Move(converted, input.path);
 }
 
 }  // namespace host

@@ -16,3 +16,5 @@ struct ToneFit {
 // that the ends of a filter's response do not count.
 ToneFit FitTone(const std::vector<short>& samples, double frequency, int rate, int channels = 1,
                 int channel = 0);
+ToneFit FitTone(const std::vector<double>& samples, double frequency, int rate, int channels = 1,
+                int channel = 0);

@@ -1,0 +1,60 @@
+#include "files/sha256.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <string>
+
+#include "files/audio_figures.h"
+#include "support/file_bytes.h"
+#include "support/temporary_directory.h"
+
+namespace host {
+namespace {
+
+std::string DigestOfText(const std::string& text, size_t blockBytes) {
+  Sha256 hash;
+  for (size_t at = 0; at < text.size(); at += blockBytes) {
+    const std::string block = text.substr(at, blockBytes);
+    hash.Add({reinterpret_cast<const unsigned char*>(block.data()), block.size()});
+  }
+  return hash.Digest();
+}
+
+// The examples of FIPS 180-2, appendix B, and what no bytes give.
+TEST(Sha256, GivesTheValuesOfTheStandard) {
+  EXPECT_EQ(DigestOfText("", 64),
+            "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  EXPECT_EQ(DigestOfText("abc", 64),
+            "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(DigestOfText("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", 64),
+            "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+  EXPECT_EQ(DigestOfText(std::string(1000000, 'a'), 4096),
+            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+TEST(Sha256, DoesNotDependOnTheBlocks) {
+  for (const size_t length : {54, 55, 56, 63, 64, 65, 119, 120, 128}) {
+    const std::string text(length, 'x');
+    for (const size_t block : {1, 7, 64, 100}) {
+      EXPECT_EQ(DigestOfText(text, block), DigestOfText(text, 1000)) << length << " " << block;
+    }
+  }
+}
+
+TEST(Sha256, ReadsAFileFromItsBeginning) {
+  const TemporaryDirectory directory;
+  WriteFile("abc", "abc");
+  FILE* const file = fopen("abc", "rb");
+  fgetc(file);
+  const FileDigest made = DigestOf(fileno(file), [] { return true; });
+  const FileDigest stopped = DigestOf(fileno(file), [] { return false; });
+  fclose(file);
+  EXPECT_EQ(made.digest, "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(made.bytes, 3U);
+  EXPECT_EQ(made.fault, "");
+  EXPECT_EQ(stopped.fault, kStopped);
+}
+
+}  // namespace
+}  // namespace host
