@@ -18,6 +18,7 @@
 #include "report/output.h"
 #include "run/deliver.h"
 #include "run/run.h"
+#include "run/stage_command.h"
 
 namespace host {
 
@@ -55,6 +56,8 @@ int Execute(const Request& request) {
       return PrintResults(PlaceDemo(request.run.work));
     case Request::Command::kDemoAll:
       return PrintResults(PlaceAllDemos(request.run.work));
+    case Request::Command::kStage:
+      return StageOnly(request.run);
     case Request::Command::kRun:
       break;
   }

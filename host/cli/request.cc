@@ -2,16 +2,16 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <memory>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "cli/seconds_word.h"
+#include "cli/staging_options.h"
 #include "cli/words.h"
 
 namespace host {
@@ -28,6 +28,7 @@ constexpr Synopsis kSynopses[] = {
     {"list", "[GLOB] [OPTIONS]"},
     {"describe", "ROUTINE"},
     {"run", "[ROUTINE [ARGUMENT...]] [OPTIONS]"},
+    {"stage", "ROUTINE [ARGUMENT...] --in [NAME=]FILE [OPTIONS]"},
     {"demo", "[OPTIONS]"},
     {"help", "[COMMAND]"},
 };
@@ -48,14 +49,6 @@ class UsageFormatter : public CLI::Formatter {
     return CLI::Formatter::make_usage(app, std::move(name));
   }
 };
-
-std::string SecondsProblem(const std::string& word) {
-  double seconds = 0;
-  const char* const end = word.data() + word.size();
-  const auto [last, error] = std::from_chars(word.data(), end, seconds);
-  const bool fits = error == std::errc() && last == end && seconds > 0 && seconds <= 1e6;
-  return fits ? "" : "not a number of seconds between 0 and 1000000: " + word;
-}
 
 std::string EmptyProblem(const std::string& word) { return word.empty() ? "is empty" : ""; }
 
@@ -80,6 +73,7 @@ class CommandLine {
         ->required();
     AddRun();
     AddDemo();
+    AddStage();
     m_app.add_subcommand("help", "Help on a command");
   }
 
@@ -132,7 +126,10 @@ class CommandLine {
     CLI::App& run = *m_app.add_subcommand("run", "Run one routine in a process of its own");
     run.footer(
         "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"
-        "declared order; after \"--\" every word is an argument.");
+        "declared order; after \"--\" every word is an argument. With --in and --out those that "
+        "name\n"
+        "files may be left out, all of them, and the workspace is a temporary one unless it is "
+        "given.");
     AddWork(run, options.work);
     run.add_option("--timeout-s", options.timeout,
                    "End a run that takes longer, in seconds (600; a routine that never returns "
@@ -150,6 +147,20 @@ class CommandLine {
     run.add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
     run.add_flag("--figures", options.figures, "Also measure the files of lists");
     run.add_flag("--wav", options.wav, "Also write headerless audio outputs as NAME.wav, 16-bit");
+    m_staging.AddTo(run, options);
+    run.add_option("--out", options.out, "Write an output to this file: .wav, .flac, .ogg or .raw")
+        ->type_name("[NAME=]FILE")
+        ->allow_extra_args(false);
+    m_run = &run;
+  }
+
+  void AddStage() {
+    CLI::App& stage = *m_app.add_subcommand(
+        "stage", "Put recordings in the places of a routine's inputs, in the form it takes");
+    stage.footer("Arguments as for run.");
+    AddWork(stage, m_request.run.work);
+    stage.add_flag("--wait", m_request.run.wait, "Wait for the end of a run in the workspace");
+    m_stagingAlone.AddTo(stage, m_request.run);
   }
 
   // Fills in what the options do not set by themselves.
@@ -159,15 +170,23 @@ class CommandLine {
     m_request.command = command == "list"       ? Command::kList
                         : command == "describe" ? Command::kDescribe
                         : command == "run"      ? Command::kRun
+                        : command == "stage"    ? Command::kStage
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (m_json) m_request.form = Request::Form::kJson;
+    Case& run = m_request.run;
+    (m_request.command == Command::kStage ? m_stagingAlone : m_staging).Take(run);
+    run.temporary =
+        m_request.command == Command::kRun && !run.in.empty() && m_run->count("--work") == 0;
     if (m_markdown) m_request.form = Request::Form::kMarkdown;
   }
 
   Request& m_request;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
   CLI::App* m_list = nullptr;
+  CLI::App* m_run = nullptr;
+  StagingOptions m_staging;
+  StagingOptions m_stagingAlone;
   bool m_json = false;
   bool m_markdown = false;
   bool m_all = false;
@@ -205,7 +224,7 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
   }
   std::vector<std::string> read = {command};
   read.insert(read.end(), words.options().begin(), words.options().end());
-  if (command != "run") {
+  if (command != "run" && command != "stage") {
     if (!words.literal().empty()) throw UsageError{"unexpected " + words.literal().front()};
     read.insert(read.end(), words.free().begin(), words.free().end());
     line.Parse(read);
@@ -214,6 +233,7 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
   line.Parse(read);
   std::vector<std::string> routine = words.free();
   routine.insert(routine.end(), words.literal().begin(), words.literal().end());
+  if (routine.empty() && command == "stage") throw UsageError{"stage needs the name of a routine"};
   if (routine.empty()) return;
   request.run.routine = routine.front();
   request.run.arguments.assign(std::next(routine.begin()), routine.end());

@@ -12,12 +12,12 @@ namespace host {
 
 // What audio_bench is asked to do.
 struct Request {
-  enum class Command { kPrint, kList, kDescribe, kRun, kDemo, kDemoAll };
+  enum class Command { kPrint, kList, kDescribe, kRun, kStage, kDemo, kDemoAll };
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;
   std::string text;         // kPrint: help or the version.
-  Case run;                 // kRun; of it kDemo uses the workspace.
+  Case run;                 // kRun, kStage; of it kDemo uses the workspace.
   ListFilter filter;        // kList
   Form form = Form::kText;  // kList
   std::string routine;      // kDescribe

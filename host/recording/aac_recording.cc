@@ -22,8 +22,8 @@ struct CloseDecoder {
 using Decoder = std::unique_ptr<std::remove_pointer_t<HANDLE_AACDECODER>, CloseDecoder>;
 
 constexpr size_t kHeaderBytes = 7;
-constexpr size_t kMostFrameBytes = 8191;
-constexpr size_t kMostSamples = 2048 * 8;  // Of a frame, all channels.
+constexpr size_t kMaxFrameBytes = 8191;
+constexpr size_t kMaxSamples = 2048 * 8;  // Of a frame, all channels.
 
 // Band replication and the second channel of HE may show after the first frame only.
 constexpr int kFramesToSettle = 8;
@@ -44,7 +44,7 @@ class AdtsFrames {
 
   // False at the end, and where no whole frame follows.
   bool Next(std::vector<unsigned char>& frame) {
-    frame.resize(kMostFrameBytes);
+    frame.resize(kMaxFrameBytes);
     const ssize_t count = pread(m_file, frame.data(), frame.size(), m_at);
     if (count <= 0) return false;
     m_broken = true;
@@ -153,7 +153,7 @@ class AacRecording : public Recording {
     const auto size = static_cast<UINT>(m_frame.size());
     UINT left = size;
     if (aacDecoder_Fill(m_decoder.get(), &data, &size, &left) != AAC_DEC_OK) return false;
-    if (aacDecoder_DecodeFrame(m_decoder.get(), m_samples, kMostSamples, 0) != AAC_DEC_OK) {
+    if (aacDecoder_DecodeFrame(m_decoder.get(), m_samples, kMaxSamples, 0) != AAC_DEC_OK) {
       return false;
     }
     const CStreamInfo* const info = aacDecoder_GetStreamInfo(m_decoder.get());
@@ -173,7 +173,7 @@ class AacRecording : public Recording {
   size_t m_at = 0;       // The next frame of samples in m_samples,
   size_t m_waiting = 0;  // of so many.
   std::string m_fault;
-  INT_PCM m_samples[kMostSamples];
+  INT_PCM m_samples[kMaxSamples];
 };
 
 }  // namespace

@@ -131,8 +131,8 @@ std::string EndingFault(const std::string& to, Container container, const std::s
          "; there are .wav, .flac, .ogg and .raw";
 }
 
-Delivery Deliver(const DeliveredOutput& output, const std::string& to,
-                 const std::function<bool()>& goOn) {
+Delivery DeliverOutput(const DeliveredOutput& output, const std::string& to,
+                       const std::function<bool()>& goOn) {
   const auto blame = [&](const FileFault& fault) -> Delivery {
     if (fault.kind == FaultKind::kStopped) return {.fault = fault};
     const bool ofOutput = fault.kind == FaultKind::kInput;

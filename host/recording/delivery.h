@@ -33,7 +33,7 @@ struct Delivery {
 
 // Writes the output to the path `to`, through the links that lead there, whole or not at all. Gives
 // up as soon as `goOn` returns false.
-Delivery Deliver(const DeliveredOutput& output, const std::string& to,
-                 const std::function<bool()>& goOn);
+Delivery DeliverOutput(const DeliveredOutput& output, const std::string& to,
+                       const std::function<bool()>& goOn);
 
 }  // namespace host

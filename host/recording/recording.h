@@ -66,7 +66,7 @@ OpenedRecording OpenAacRecording(int file);
 OpenedRecording OpenRawRecording(int file, const RawForm& form);
 
 // Rates and channel counts beyond which a file is taken for damaged.
-inline constexpr int kMostRate = 768000;
-inline constexpr int kMostRecordedChannels = 64;
+inline constexpr int kMaxRate = 768000;
+inline constexpr int kMaxRecordedChannels = 64;
 
 }  // namespace host

@@ -16,7 +16,7 @@ using Kind = WrittenForm::Kind;
 using Samples = WrittenForm::Samples;
 
 // The most that a header of RIFF counts, and what is in front of the samples.
-constexpr uint64_t kMostWaveBytes = UINT32_MAX - 100;
+constexpr uint64_t kMaxWaveBytes = UINT32_MAX - 100;
 
 int SoundFormat(const WrittenForm& form) {
   const int samples = form.samples == Samples::kPcm16   ? SF_FORMAT_PCM_16
@@ -79,7 +79,7 @@ bool RecordingWriter::Write(std::span<const double> samples) {
   Look(samples);
   const uint64_t bytes =
       m_level.frames * static_cast<uint64_t>(m_form.channels) * SampleBytes(m_form.samples);
-  if (m_form.kind == Kind::kWave && bytes > kMostWaveBytes) {
+  if (m_form.kind == Kind::kWave && bytes > kMaxWaveBytes) {
     return Fail("too long for a WAVE file");
   }
   return WriteBlock(samples);

@@ -146,8 +146,8 @@ OpenedRecording OpenSoundRecording(int file) {
   SF_INFO info = {};
   Sound sound(sf_open_virtual(&io, SFM_READ, &info, place.get()));
   if (sound == nullptr) return {.fault = "is of no kind that is known"};
-  if (info.samplerate < 1 || info.samplerate > kMostRate || info.channels < 1 ||
-      info.channels > kMostRecordedChannels) {
+  if (info.samplerate < 1 || info.samplerate > kMaxRate || info.channels < 1 ||
+      info.channels > kMaxRecordedChannels) {
     return {.fault = "is damaged: " + std::to_string(info.samplerate) + " Hz, " +
                      std::to_string(info.channels) + " channels"};
   }

@@ -92,8 +92,8 @@ class Stager {
 
 }  // namespace
 
-Staging Stage(const std::string& workspace, std::span<const StageInput> inputs,
-              const StageWishes& wishes, const std::function<bool()>& goOn) {
+Staging StageRecordings(const std::string& workspace, std::span<const StageInput> inputs,
+                        const StageWishes& wishes, const std::function<bool()>& goOn) {
   Stager stager(workspace, inputs, wishes, goOn);
   if (auto fault = stager.Run()) return {.fault = std::move(fault)};
   return {.files = stager.Files()};

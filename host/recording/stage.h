@@ -39,7 +39,7 @@ struct Staging {
 // records that. A file that has the form is copied. What is there already is replaced only where
 // the record says that it was put there, and it has not been changed since. Gives up as soon as
 // `goOn` returns false.
-Staging Stage(const std::string& workspace, std::span<const StageInput> inputs,
-              const StageWishes& wishes, const std::function<bool()>& goOn);
+Staging StageRecordings(const std::string& workspace, std::span<const StageInput> inputs,
+                        const StageWishes& wishes, const std::function<bool()>& goOn);
 
 }  // namespace host

@@ -13,7 +13,7 @@ namespace host {
 namespace {
 
 constexpr int kRecordVersion = 1;
-constexpr size_t kMostRecordBytes = 100'000'000;
+constexpr size_t kMaxRecordBytes = 100'000'000;
 
 std::string RecordPath(const std::string& workspace) { return workspace + "/" + kStagedRecord; }
 
@@ -55,7 +55,7 @@ std::string StagedFile::Line() const {
 }
 
 std::vector<StagedFile> ReadStagedRecord(const std::string& workspace) {
-  const TextRead read = ReadText(RecordPath(workspace), kMostRecordBytes, [] { return true; });
+  const TextRead read = ReadText(RecordPath(workspace), kMaxRecordBytes, [] { return true; });
   if (!read.fault.empty()) return {};
   try {
     std::vector<StagedFile> files;

@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 
-constexpr int kMostChunks = 10000;
+constexpr int kMaxChunks = 10000;
 
 struct Head {
   unsigned char bytes[32] = {};
@@ -53,13 +53,13 @@ std::string Shortage(uint64_t announced, uint64_t there) {
 
 // Where the chunks of a CAF file end, by what they announce; that of the samples may be open.
 uint64_t EndOfCaf(int file, uint64_t fileBytes) {
-  constexpr uint64_t kMost = uint64_t{1} << 62U;
+  constexpr uint64_t kMax = uint64_t{1} << 62U;
   uint64_t at = 8;
-  for (int i = 0; i < kMostChunks && at + 12 <= fileBytes; ++i) {
+  for (int i = 0; i < kMaxChunks && at + 12 <= fileBytes; ++i) {
     const Head chunk = ReadAt(file, at);
     const uint64_t bytes = BigEndian(chunk.bytes + 4, 8);
     if (bytes == UINT64_MAX) return fileBytes;
-    at += 12 + std::min(bytes, kMost);
+    at += 12 + std::min(bytes, kMax);
   }
   return at;
 }

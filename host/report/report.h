@@ -10,6 +10,7 @@
 #include "files/wave_copy.h"
 #include "files/workspace.h"
 #include "process/child.h"
+#include "recording/staged_record.h"
 #include "report/verdict.h"
 #include "results/result.h"
 
@@ -26,6 +27,14 @@ struct Concern {
   };
   Kind kind;
   std::string text;  // As a problem has it.
+};
+
+// What became of a file of the user's to which an output was to be written.
+struct HandedOver {
+  size_t output = 0;  // Its index.
+  std::string path = {};
+  std::string text = {};  // "written as 24 bits", "is from before this run"
+  bool done = false;
 };
 
 // A declared file; only the place and its problems when it was not looked at.
@@ -63,8 +72,11 @@ struct RunReport {
   Judgement judgement = {};
   std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
   std::string log = {};                      // Its path; empty when the routine was not run.
+  std::vector<StagedFile> staged = {};       // What was put into the workspace for the run.
   std::vector<FileReport> inputs = {};
   std::vector<FileReport> outputs = {};
+  std::vector<HandedOver> handedOver = {};
+  std::string kept = {};       // The temporary workspace, where it is kept; else empty.
   std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};

@@ -78,6 +78,24 @@ std::string CopyLine(const WaveCopy& copy) {
   return line + "\n";
 }
 
+std::string Line(const StagedFile& file) { return Printable(file.Line()); }
+
+std::string Line(const HandedOver& file) {
+  return "out     " + Printable(file.path) + "  " + Printable(file.text);
+}
+
+// The first ones: a list has hundreds.
+template <typename T>
+std::string FirstLines(const std::vector<T>& files) {
+  constexpr size_t kMaxLines = 10;
+  std::string lines;
+  for (size_t i = 0; i < std::min(files.size(), kMaxLines); ++i) {
+    lines += "  " + Line(files[i]) + "\n";
+  }
+  if (files.size() <= kMaxLines) return lines;
+  return lines + "          and " + std::to_string(files.size() - kMaxLines) + " more\n";
+}
+
 // Only a run that did what it should shows that a file may be absent.
 std::string FileLines(const char* kind, const FileReport& file, bool absentAsItMayBe) {
   if (file.absent && file.problems.empty()) {
@@ -159,9 +177,12 @@ std::string TextReport(const RunReport& report) {
   std::string text = VerdictLine(report) + FurtherProblems(report);
   const Verdict verdict = report.judgement.verdict;
   const bool good = verdict == Verdict::kPass || verdict == Verdict::kWarn;
+  text += FirstLines(report.staged);
   text += AllLines("input   ", report.inputs, good) + AllLines("output  ", report.outputs, good);
   text += ResultLines(report);
+  text += FirstLines(report.handedOver);
   if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
+  if (!report.kept.empty()) text += "  kept    " + Printable(report.kept) + "\n";
   return text;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "recording/stage.h"
+
 namespace host {
 
 // One routine to run, and all that decides about its run.
@@ -19,6 +21,11 @@ struct Case {
   bool wait = false;      // For the end of another run in the workspace.
   bool wav = false;       // Also write WAVE copies of headerless audio outputs.
   bool figures = false;   // Also measure the files of lists.
+  // Recordings to put in the place of inputs, and where outputs go: "FILE" or "NAME=FILE".
+  std::vector<std::string> in = {};
+  std::vector<std::string> out = {};
+  StageWishes wishes = {};
+  bool temporary = false;  // `work` is a folder that the run makes, and removes if it may.
 };
 
 }  // namespace host

@@ -1,13 +1,7 @@
 #include "run/check.h"
 
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <string>
-#include <system_error>
 #include <utility>
 
-#include "base/usage_error.h"
 #include "run/input_problem.h"
 #include "run/inputs.h"
 #include "run/shared_files.h"
@@ -17,15 +11,6 @@
 namespace host {
 
 namespace {
-
-void CreateFolder(const std::string& path) {
-  std::error_code error;
-  std::filesystem::create_directories(path, error);
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) return;
-  throw UsageError{"cannot create the folder " + path + ": " +
-                   (error ? error.message() : strerror(ENOTDIR))};
-}
 
 // Looks at the inputs, and at those that the first one lists.
 void LookAtInputs(const Plan& plan, Limits& limits, std::vector<FileReport>& inputs) {
@@ -58,7 +43,9 @@ void MakeReady(const Plan& plan, Limits& limits, Checked& checked) {
 }  // namespace
 
 Checked Check(const Plan& plan, Staged staged, Limits& limits) {
-  Checked checked = {.lock = std::move(staged.lock), .stop = std::move(staged.stop)};
+  Checked checked = {.lock = std::move(staged.lock),
+                     .staged = std::move(staged.files),
+                     .stop = std::move(staged.stop)};
   StopWhereFailing(checked.stop, [&] {
     LookAtInputs(plan, limits, checked.inputs);
     AddFormatWarnings(checked.inputs);
@@ -69,6 +56,7 @@ Checked Check(const Plan& plan, Staged staged, Limits& limits) {
 
 RunReport ReportOf(const Plan& plan, const Checked& checked) {
   RunReport report = ReportOf(plan);
+  report.staged = checked.staged;
   report.inputs = checked.inputs;
   if (checked.ready) report.log = plan.Log().Path();
   report.stop = checked.stop;

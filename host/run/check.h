@@ -14,6 +14,7 @@ namespace host {
 // The third step: what the inputs are, those that the first one lists among them.
 struct Checked {
   std::unique_ptr<const WorkspaceLock> lock = {};
+  std::vector<StagedFile> staged = {};
   std::vector<FileReport> inputs = {};
   bool ready = false;  // The routine can be run: on these inputs, and its outputs have their place.
   std::optional<Stop> stop = {};

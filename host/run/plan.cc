@@ -3,6 +3,7 @@
 #include "base/units.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "recording/delivery.h"
 #include "run/inputs.h"
 #include "run/shared_files.h"
 #include "run/stopped.h"
@@ -20,9 +21,16 @@ std::string SkipReason(const CatalogueRow& row) {
   return "";
 }
 
+// The arguments, where files stand in for those that name them.
+std::vector<std::string> Completed(const CatalogueRow& row, const Case& what) {
+  if (what.in.empty() && what.out.empty()) return what.arguments;
+  return CompleteArguments(row, what.arguments, what.in);
+}
+
 void FillIn(Plan& plan) {
   plan.row = &FindRow(plan.what.routine);
   const CatalogueRow& row = *plan.row;
+  plan.what.arguments = Completed(row, plan.what);
   const ArgumentList words = plan.Words();
   if (!plan.what.timeout && row.neverReturns) plan.timeout = kMaxSecondsOfNeverReturning;
   if (const std::string skip = SkipReason(row); !skip.empty()) {
@@ -39,6 +47,13 @@ void FillIn(Plan& plan) {
   plan.inputs = DeclaredInputs(row, words, plan.what.work);
   plan.outputs = PlaceFiles(harness::Outputs(row, words), row.declared.words.parameters, words,
                             plan.what.work);
+  plan.sources = NameFiles("--in", plan.what.in, plan.inputs);
+  plan.takers = NameFiles("--out", plan.what.out, plan.outputs);
+  for (const NamedFile& taker : plan.takers.files) {
+    const FilePlace& output = plan.outputs[taker.index];
+    const std::string fault = EndingFault(taker.path, output.use.container, output.name);
+    if (!fault.empty()) throw UsageError{fault};
+  }
   RefuseSharedFiles(plan.inputs, plan, [] {});
   plan.fruitless = harness::Fruitless(row, words);
 }

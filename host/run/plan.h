@@ -10,6 +10,7 @@
 #include "files/workspace.h"
 #include "report/report.h"
 #include "run/case.h"
+#include "run/named_files.h"
 
 namespace host {
 
@@ -26,6 +27,8 @@ struct Plan {
   double timeout = kMaxSeconds;
   std::vector<FilePlace> inputs = {};  // Those that the row declares.
   std::vector<FilePlace> outputs = {};
+  NamedFiles sources = {};     // Recordings for the inputs, by their index,
+  NamedFiles takers = {};      // and where the outputs go.
   std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
   std::optional<Stop> stop = {};
 
@@ -35,8 +38,9 @@ struct Plan {
   WorkFile Log() const { return {what.work, "logs/" + what.routine + ".log"}; }
 };
 
-// Reads and writes nothing. A routine that cannot be run by itself, arguments that do not fit it,
-// and files that would be written and used at the same time stop the run.
+// Reads and writes nothing. Completes the arguments. A routine that cannot be run by itself,
+// arguments that do not fit it, and files that would be written and used at the same time stop the
+// run.
 Plan MakePlan(const Case& what);
 
 // What the report says before the step that follows the plan.

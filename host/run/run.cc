@@ -1,7 +1,9 @@
 #include "run/run.h"
 
 #include <csignal>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "base/exit_code.h"
@@ -10,9 +12,11 @@
 #include "run/deliver.h"
 #include "run/examine.h"
 #include "run/execute.h"
+#include "run/hand_over.h"
 #include "run/judge.h"
 #include "run/stage.h"
 #include "run/stopped.h"
+#include "run/temporary_workspace.h"
 
 namespace host {
 
@@ -23,6 +27,14 @@ std::string Unfinished(RunReport report) {
   report.judgement =
       Judge({{Cause::kUnfinished, "the run has not ended, or audio_bench was killed"}});
   return JsonReport(report);
+}
+
+// Whether there is something in a temporary workspace that may be looked at.
+bool IsToBeKept(const RunReport& report, const Case& what) {
+  if (report.stop && report.stop->refusal) return false;
+  std::error_code error;
+  if (std::filesystem::is_empty(report.workspace, error)) return false;
+  return report.judgement.verdict != Verdict::kPass || !what.json.empty() || !AllHandedOver(report);
 }
 
 }  // namespace
@@ -38,11 +50,14 @@ RunReport RunPlan(Plan plan, Limits& limits, ResultFile* json) {
     if (json != nullptr && checked.ready) json->Replace(Unfinished(ReportOf(plan, checked)));
   });
   Executed executed = Execute(plan, std::move(checked), limits);
-  return Judged(Examine(plan, std::move(executed), limits));
+  return HandOver(plan, Judged(Examine(plan, std::move(executed), limits)), limits);
 }
 
 int Run(const Case& what) {
-  Plan plan = MakePlan(what);
+  std::optional<TemporaryWorkspace> temporary;
+  Case own = what;
+  if (what.temporary) own.work = temporary.emplace().path();
+  Plan plan = MakePlan(own);
   std::optional<ResultFile> json;
   if (!what.json.empty()) json.emplace(what.json, Now() + what.timeout.value_or(kMaxSeconds));
   int exitCode = exit_code::kPass;
@@ -51,10 +66,16 @@ int Run(const Case& what) {
     const HostSignals signals;
     Limits limits(signals, plan.timeout);
     ResultFile* const place = json ? &*json : nullptr;
-    exitCode = Deliver(RunPlan(std::move(plan), limits, place), limits, place);
+    RunReport report = RunPlan(std::move(plan), limits, place);
+    if (temporary && IsToBeKept(report, what)) {
+      temporary->Keep();
+      report.kept = temporary->path();
+    }
+    exitCode = Deliver(std::move(report), limits, place);
     interruption = limits.interruption();
   }
   json.reset();
+  temporary.reset();
   if (interruption != 0) raise(interruption);  // The caller sees that this process was interrupted.
   return exitCode;
 }

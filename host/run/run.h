@@ -10,9 +10,10 @@
 
 namespace host {
 
-// Takes a plan through the steps of a run: stage, check, execute, examine, judge. What goes wrong
-// on the way stands in the report. Where `json` is not null, an earlier report there says while the
-// routine runs, and for ever if this process is killed meanwhile, that the run has not ended.
+// Takes a plan through the steps of a run: stage, check, execute, examine, judge, hand over. What
+// goes wrong on the way stands in the report. Where `json` is not null, an earlier report there
+// says while the routine runs, and for ever if this process is killed meanwhile, that the run has
+// not ended.
 RunReport RunPlan(Plan plan, Limits& limits, ResultFile* json);
 
 // Runs one case, reports, and returns the host's exit code. Throws UsageError when it cannot be run

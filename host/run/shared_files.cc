@@ -40,6 +40,12 @@ std::vector<Role> Roles(std::span<const FilePlace> inputs, const Plan& plan) {
       roles.push_back({.name = "the copy of output " + output.name, .path = output.path + ".wav"});
     }
   }
+  for (const NamedFile& taker : plan.takers.files) {
+    roles.push_back({.name = "--out", .path = taker.path});
+  }
+  for (const NamedFile& source : plan.sources.files) {
+    roles.push_back({.name = "--in", .path = source.path, .written = false});
+  }
   for (const FilePlace& input : inputs) {
     if (input.path.empty()) continue;
     roles.push_back({.name = "input " + input.name, .path = input.path, .written = false});

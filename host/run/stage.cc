@@ -2,13 +2,90 @@
 
 #include <poll.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <system_error>
+#include <utility>
 
+#include "base/usage_error.h"
+#include "recording/stage.h"
+#include "run/listed_sources.h"
+#include "run/stage_form.h"
 #include "run/stopped.h"
 
 namespace host {
+
+namespace {
+
+// Of a list: each file is open while it is staged.
+constexpr size_t kMaxAtOnce = 64;
+
+constexpr const char* kDuring = "staging its inputs";
+
+// The recordings for inputs, those that stand alone first, because they may be one group.
+std::vector<StageInput> Inputs(const Plan& plan, Limits& limits) {
+  std::vector<NamedFile> sources = plan.sources.files;
+  for (const std::string& folder : plan.sources.folders) {
+    const std::vector<NamedFile> found =
+        FindListed(folder, plan.inputs, [&] { EndAtLimits(limits, plan.timeout, kDuring); });
+    sources.insert(sources.end(), found.begin(), found.end());
+  }
+  const bool paired = std::any_of(plan.inputs.begin(), plan.inputs.end(),
+                                  [](const FilePlace& input) { return input.use.withFirst; });
+  std::vector<StageInput> inputs;
+  for (const NamedFile& source : sources) {
+    const FilePlace& input = plan.inputs[source.index];
+    if (input.path.empty()) throw UsageError{"input " + input.name + " leads out of the workspace"};
+    const bool grouped = input.use.withFirst || (paired && source.index == 0);
+    inputs.push_back({.source = source.path,
+                      .place = input.place,
+                      .form = FormOf(input.use),
+                      .group = grouped ? 1 : 0});
+  }
+  return inputs;
+}
+
+// What a fault makes of a run.
+void Throw(const FileFault& fault, const Plan& plan, const Limits& limits) {
+  if (fault.kind == FileFault::Kind::kStopped) {
+    throw Ended{Stopped(limits, plan.timeout, kDuring)};
+  }
+  if (fault.kind == FileFault::Kind::kInput) {
+    throw Ended{{Cause::kUnreadableInput, fault.text}};
+  }
+  throw UsageError{fault.text};
+}
+
+void PutInputs(const Plan& plan, Limits& limits, Staged& staged) {
+  const std::vector<StageInput> inputs = Inputs(plan, limits);
+  if (inputs.empty()) return;
+  CreateFolder(plan.what.work);
+  if (staged.lock == nullptr) staged.lock = LockWorkspace(plan, limits);
+  for (size_t at = 0; at < inputs.size(); at += kMaxAtOnce) {
+    const size_t count = std::min(kMaxAtOnce, inputs.size() - at);
+    Staging made =
+        StageRecordings(plan.what.work, std::span(inputs).subspan(at, count), plan.what.wishes,
+                        [&] { return limits.Check() == Limits::Stop::kNone; });
+    if (made.fault) Throw(*made.fault, plan, limits);
+    std::move(made.files.begin(), made.files.end(), std::back_inserter(staged.files));
+  }
+  // The time of the run is the routine's.
+  limits.Restart(plan.timeout);
+}
+
+}  // namespace
+
+void CreateFolder(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) return;
+  throw UsageError{"cannot create the folder " + path + ": " +
+                   (error ? error.message() : strerror(ENOTDIR))};
+}
 
 Staged Stage(const Plan& plan, Limits& limits) {
   Staged staged = {.stop = plan.stop};
@@ -16,6 +93,7 @@ Staged Stage(const Plan& plan, Limits& limits) {
     std::error_code error;
     const bool there = std::filesystem::is_directory(plan.what.work, error);
     if (there) staged.lock = LockWorkspace(plan, limits);
+    PutInputs(plan, limits, staged);
   });
   return staged;
 }

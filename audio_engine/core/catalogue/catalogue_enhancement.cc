@@ -117,7 +117,7 @@ const CatalogueRow kRows[] = {
     {.declared = declared::TestZUAudioProcessing,
      .exercises = "SoftwareAec processing chain with VAD result logging",
      .inputs = {TakenFor("{pFarendFileName}", kMono16, 320, WaveHeader::kCopied),
-                TakenFor("{pNearendFileName}", kMono16, 320, WaveHeader::kSkipped)},
+                WithFirst(TakenFor("{pNearendFileName}", kMono16, 320, WaveHeader::kSkipped))},
      .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
     {.declared = declared::TestHPFProcess,
      .exercises = "high-pass filter over a WAVE file",

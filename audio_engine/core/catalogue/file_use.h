@@ -72,7 +72,14 @@ inline FileUse Dispensable(FileUse use) {
 // A file that is right only in the format of another input.
 inline FileUse InFormatOf(std::string other, FileUse use, OtherFormat otherFormat) {
   use.formatOf = std::move(other);
+  use.withFirst = true;
   use.otherFormat = otherFormat;
+  return use;
+}
+
+// An input that belongs to the first one.
+inline FileUse WithFirst(FileUse use) {
+  use.withFirst = true;
   return use;
 }
 

@@ -64,6 +64,9 @@ struct FileUse {
   // An input that is read alongside another one, as a far end with its near end, so that in lists
   // of files their duration counts once.
   bool beside = false;
+  // An input that belongs to the first one, as a far end does to its near end: a recording that is
+  // taken for it is brought to the format of that one, and made softer by the same amount.
+  bool withFirst = false;
   // An output with so many bytes of samples, or of content where it is no audio, is full: the
   // routine leaves out what more there would be. 0: it never is.
   uint64_t fullBytes = 0;

@@ -47,7 +47,7 @@ class DeliveryTest : public testing::Test {
 
   // What was done, or the fault.
   std::string To(const std::string& to, const DeliveredOutput& output) {
-    const Delivery delivery = Deliver(output, to, [] { return true; });
+    const Delivery delivery = DeliverOutput(output, to, [] { return true; });
     if (delivery.fault) return delivery.fault->text;
     std::string text;
     for (const StagingStep& step : delivery.steps) text += (text.empty() ? "" : ", ") + step.text;

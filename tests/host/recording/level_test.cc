@@ -172,7 +172,7 @@ TEST_F(LevelTest, AGroupIsMadeSofterTogether) {
   const std::vector<StageInput> inputs = {
       {.source = "near", .place = "near.wav", .form = WaveForm(), .group = 1},
       {.source = "far", .place = "far.wav", .form = WaveForm(), .group = 1}};
-  const Staging staging = Stage("work", inputs, {}, [] { return true; });
+  const Staging staging = StageRecordings("work", inputs, {}, [] { return true; });
   ASSERT_EQ(FaultText(staging), "");
   EXPECT_EQ(StepNames(staging), "softer, dither; rate, softer, dither");
   EXPECT_EQ(*staging.files[0].steps[0].value, *staging.files[1].steps[1].value);
@@ -190,7 +190,7 @@ TEST_F(LevelTest, FilesThatAreNoGroupKeepTheirOwnLevel) {
   const std::vector<StageInput> inputs = {
       {.source = "one", .place = "one.wav", .form = WaveForm()},
       {.source = "other", .place = "other.wav", .form = WaveForm()}};
-  const Staging staging = Stage("work", inputs, {}, [] { return true; });
+  const Staging staging = StageRecordings("work", inputs, {}, [] { return true; });
   EXPECT_EQ(StepNames(staging), "copy; softer, dither");
   EXPECT_EQ(ReadFile("work/one.wav"), ReadFile("one"));
 }

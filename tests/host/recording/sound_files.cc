@@ -72,7 +72,7 @@ std::vector<float> Floats(const std::string& path, size_t from) {
 Staging StageOne(const std::string& source, const Form& form, const StageWishes& wishes) {
   std::filesystem::create_directories("work");
   const StageInput input = {.source = source, .place = "in", .form = form};
-  return Stage("work", std::span(&input, 1), wishes, [] { return true; });
+  return StageRecordings("work", std::span(&input, 1), wishes, [] { return true; });
 }
 
 Form WaveForm(WaveFormat format) { return {.kind = Form::Kind::kWave, .formats = {format}}; }

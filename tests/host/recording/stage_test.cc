@@ -95,7 +95,7 @@ TEST_F(StageTest, AGroupTakesTheFormOfTheFirst) {
   const std::vector<StageInput> inputs = {
       {.source = "near", .place = "a/near.wav", .form = WaveForm(), .group = 1},
       {.source = "far", .place = "a/far.wav", .form = WaveForm(), .group = 1}};
-  const Staging staging = Stage("work", inputs, {}, [] { return true; });
+  const Staging staging = StageRecordings("work", inputs, {}, [] { return true; });
   ASSERT_EQ(FaultText(staging), "");
   EXPECT_EQ(StepNames(staging), "copy; channels, rate, samples");
   const Sound far = ReadSound("work/a/far.wav");
@@ -153,7 +153,7 @@ TEST_F(StageTest, NothingIsWrittenThroughALinkThatLeadsOut) {
   fs::create_symlink("../outside", "work/folder");
   WriteFile("source.wav", WavBytes({}, {1, 2}));
   const StageInput input = {.source = "source.wav", .place = "folder/in", .form = WaveForm()};
-  const Staging staging = Stage("work", std::span(&input, 1), {}, [] { return true; });
+  const Staging staging = StageRecordings("work", std::span(&input, 1), {}, [] { return true; });
   EXPECT_THAT(FaultText(staging), HasSubstr("leads out of the workspace"));
   EXPECT_TRUE(fs::is_empty("outside"));
 }
@@ -164,7 +164,7 @@ TEST_F(StageTest, AFaultOfOneLeavesAllAsTheyWere) {
   WriteFile("bad", "no audio");
   const std::vector<StageInput> inputs = {{.source = "good", .place = "a.wav", .form = WaveForm()},
                                           {.source = "bad", .place = "b.wav", .form = WaveForm()}};
-  const Staging staging = Stage("work", inputs, {}, [] { return true; });
+  const Staging staging = StageRecordings("work", inputs, {}, [] { return true; });
   EXPECT_THAT(FaultText(staging), HasSubstr("input bad "));
   EXPECT_TRUE(fs::is_empty("work"));
 }
@@ -190,12 +190,15 @@ TEST_F(StageTest, GivesUpWhereverItIsToldTo) {
   const StageInput input = {.source = "source", .place = "in", .form = WaveForm({16000, 1})};
   int asked = 0;
   const StageWishes late = {.cut = {.start = 0.1}};
-  ASSERT_EQ(FaultText(Stage("work", std::span(&input, 1), late, [&] { return ++asked > 0; })), "");
+  ASSERT_EQ(
+      FaultText(StageRecordings("work", std::span(&input, 1), late, [&] { return ++asked > 0; })),
+      "");
   fs::remove_all("work");
   fs::create_directories("work");
   for (int most = 0; most < asked; ++most) {
     int left = most;
-    const Staging staging = Stage("work", std::span(&input, 1), late, [&] { return left-- > 0; });
+    const Staging staging =
+        StageRecordings("work", std::span(&input, 1), late, [&] { return left-- > 0; });
     ASSERT_TRUE(staging.fault) << most << " of " << asked;
     EXPECT_EQ(staging.fault->kind, FileFault::Kind::kStopped);
     EXPECT_TRUE(fs::is_empty("work"));
