@@ -9,6 +9,6 @@ namespace host {
 
 // Copies all bytes of an open file, from its beginning, in place of what another one holds. Gives
 // up as soon as `goOn` returns false.
-std::optional<FileFault> CopyBytes(int from, int to, const std::function<bool()>& goOn);
+std::optional<RecordingFault> CopyBytes(int from, int to, const std::function<bool()>& goOn);
 
 }  // namespace host

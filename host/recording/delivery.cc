@@ -20,7 +20,7 @@ namespace host {
 namespace {
 
 namespace fs = std::filesystem;
-using FaultKind = FileFault::Kind;
+using FaultKind = RecordingFault::Kind;
 using Kind = WrittenForm::Kind;
 
 struct CloseFile {
@@ -73,11 +73,11 @@ WrittenForm FormOf(const AudioLayout& audio, Kind kind) {
 }
 
 // Writes the output in another kind.
-std::optional<FileFault> Convert(FILE* source, const DeliveredOutput& output, Kind kind, int target,
-                                 const std::function<bool()>& goOn,
-                                 std::vector<StagingStep>& steps) {
+std::optional<RecordingFault> Convert(FILE* source, const DeliveredOutput& output, Kind kind,
+                                      int target, const std::function<bool()>& goOn,
+                                      std::vector<StagingStep>& steps) {
   if (!output.audio || !output.audio->samples) {
-    return FileFault{FaultKind::kInput, "holds no audio that can be converted"};
+    return RecordingFault{FaultKind::kInput, "holds no audio that can be converted"};
   }
   const WrittenForm form = FormOf(*output.audio, kind);
   Rendering rendering({.source = source,
@@ -133,10 +133,11 @@ std::string EndingFault(const std::string& to, Container container, const std::s
 
 Delivery DeliverOutput(const DeliveredOutput& output, const std::string& to,
                        const std::function<bool()>& goOn) {
-  const auto blame = [&](const FileFault& fault) -> Delivery {
+  const auto blame = [&](const RecordingFault& fault) -> Delivery {
     if (fault.kind == FaultKind::kStopped) return {.fault = fault};
     const bool ofOutput = fault.kind == FaultKind::kInput;
-    return {.fault = FileFault{fault.kind, ofOutput ? "output " + output.path + " " + fault.text
+    return {.fault =
+                RecordingFault{fault.kind, ofOutput ? "output " + output.path + " " + fault.text
                                                     : "cannot write " + to + ": " + fault.text}};
   };
   const std::unique_ptr<FILE, CloseFile> source(OpenRegular(output.path));
@@ -149,7 +150,7 @@ Delivery DeliverOutput(const DeliveredOutput& output, const std::string& to,
   if (file.descriptor() < 0) return blame({FaultKind::kOutput, file.fault()});
 
   Delivery delivery;
-  std::optional<FileFault> fault;
+  std::optional<RecordingFault> fault;
   const std::optional<Kind> kind = KindOf(to);
   if (IsAlready(output, to) || !kind) {
     fault = CopyBytes(fileno(source.get()), file.descriptor(), goOn);

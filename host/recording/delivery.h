@@ -28,7 +28,8 @@ std::string EndingFault(const std::string& to, Container container, const std::s
 
 struct Delivery {
   std::vector<StagingStep> steps = {};
-  std::optional<FileFault> fault = {};  // A whole sentence; what was at the place is as it was.
+  std::optional<RecordingFault> fault =
+      {};  // A whole sentence; what was at the place is as it was.
 };
 
 // Writes the output to the path `to`, through the links that lead there, whole or not at all. Gives

@@ -9,7 +9,7 @@ namespace host {
 Rendering::Rendering(const Task& task, std::function<bool()> goOn)
     : m_task(task), m_goOn(std::move(goOn)) {}
 
-std::optional<FileFault> Rendering::Write(double gain) {
+std::optional<RecordingFault> Rendering::Write(double gain) {
   const bool narrow = m_task.form.samples == WrittenForm::Samples::kPcm16;
   m_dithered = narrow && (m_inexact || gain < 1);
   const bool knewBefore = m_inexact;
@@ -22,9 +22,10 @@ std::optional<FileFault> Rendering::Write(double gain) {
 
 double Rendering::SafeGain() const { return GainWithoutClipping(m_level, m_task.form, m_dithered); }
 
-std::optional<FileFault> Rendering::Attempt(double gain) {
+std::optional<RecordingFault> Rendering::Attempt(double gain) {
   const OpenedRecording opened = OpenRecording(m_task.source, m_task.raw);
-  if (opened.recording == nullptr) return FileFault{FileFault::Kind::kInput, opened.fault};
+  if (opened.recording == nullptr)
+    return RecordingFault{RecordingFault::Kind::kInput, opened.fault};
   RecordingWriter writer(m_task.target, m_task.form, gain, m_dithered);
   const bool watch =
       !m_dithered && m_task.form.samples == WrittenForm::Samples::kPcm16 && !m_inexact;
@@ -38,9 +39,9 @@ std::optional<FileFault> Rendering::Attempt(double gain) {
   if (watch && m_inexact) return std::nullopt;
   m_level = writer.Level();
   if (fault.empty()) writer.Close();
-  if (!writer.Fault().empty()) return FileFault{FileFault::Kind::kOutput, writer.Fault()};
-  if (fault == kStopped) return FileFault{FileFault::Kind::kStopped, fault};
-  if (!fault.empty()) return FileFault{FileFault::Kind::kInput, fault};
+  if (!writer.Fault().empty()) return RecordingFault{RecordingFault::Kind::kOutput, writer.Fault()};
+  if (fault == kStopped) return RecordingFault{RecordingFault::Kind::kStopped, fault};
+  if (!fault.empty()) return RecordingFault{RecordingFault::Kind::kInput, fault};
   return std::nullopt;
 }
 

@@ -11,7 +11,7 @@
 namespace host {
 
 // What keeps a file from being made of another one.
-struct FileFault {
+struct RecordingFault {
   enum class Kind {
     kInput,   // The file that is read.
     kOutput,  // The place that is written to.
@@ -38,7 +38,7 @@ class Rendering {
 
   // Writes the whole file, multiplied by `gain`. To 16 bits it is dithered where the samples have
   // more, or get more by the gain.
-  std::optional<FileFault> Write(double gain);
+  std::optional<RecordingFault> Write(double gain);
 
   // After Write: the greatest gain, 1 at most, at which nothing clips.
   double SafeGain() const;
@@ -46,7 +46,7 @@ class Rendering {
   bool Dithered() const { return m_dithered; }
 
  private:
-  std::optional<FileFault> Attempt(double gain);
+  std::optional<RecordingFault> Attempt(double gain);
 
   Task m_task;
   std::function<bool()> m_goOn;

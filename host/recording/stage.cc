@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-using Fault = std::optional<FileFault>;
+using Fault = std::optional<RecordingFault>;
 
 class Stager {
  public:
@@ -35,8 +35,9 @@ class Stager {
       if (auto fault = each(step)) return fault;
     }
     if (AddToStagedRecord(m_workspace, Files())) return std::nullopt;
-    return FileFault{FileFault::Kind::kOutput,
-                     "cannot write " + m_workspace + "/" + kStagedRecord + ": " + strerror(errno)};
+    return RecordingFault{
+        RecordingFault::Kind::kOutput,
+        "cannot write " + m_workspace + "/" + kStagedRecord + ": " + strerror(errno)};
   }
 
   std::vector<StagedFile> Files() const {
@@ -51,7 +52,7 @@ class Stager {
     const std::vector<StagedFile> earlier = ReadStagedRecord(m_workspace);
     for (const StagedItem& item : m_items) {
       const std::string foreign = ForeignTarget(m_workspace, item.input().place, earlier);
-      if (!foreign.empty()) return FileFault{FileFault::Kind::kAsked, foreign};
+      if (!foreign.empty()) return RecordingFault{RecordingFault::Kind::kAsked, foreign};
     }
     return std::nullopt;
   }

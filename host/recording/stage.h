@@ -32,7 +32,8 @@ struct StageWishes {
 
 struct Staging {
   std::vector<StagedFile> files = {};
-  std::optional<FileFault> fault = {};  // A whole sentence; no file has been put in place then.
+  std::optional<RecordingFault> fault =
+      {};  // A whole sentence; no file has been put in place then.
 };
 
 // Puts recordings into a workspace, which exists, each in the form in which it is taken, and

@@ -15,7 +15,7 @@ namespace host {
 
 namespace {
 
-using Kind = FileFault::Kind;
+using Kind = RecordingFault::Kind;
 
 // How to make a recording that is read here of one that is not.
 std::string Remedy(const std::string& path, FILE* file, bool knownRaw) {
@@ -43,7 +43,7 @@ StagedItem::StagedItem(const std::string& workspace, const StageInput& input,
                        const StageWishes& wishes, const std::function<bool()>& goOn)
     : m_workspace(workspace), m_input(input), m_wishes(wishes), m_goOn(goOn) {}
 
-FileFault StagedItem::Blame(Kind kind, const std::string& text) const {
+RecordingFault StagedItem::Blame(Kind kind, const std::string& text) const {
   if (kind == Kind::kStopped) return {kind, text};
   if (kind == Kind::kOutput) {
     return {kind, "cannot write " + m_workspace + "/" + m_input.place + ": " + text};
@@ -51,7 +51,7 @@ FileFault StagedItem::Blame(Kind kind, const std::string& text) const {
   return {kind, "input " + m_input.source + " " + text};
 }
 
-std::optional<FileFault> StagedItem::Open() {
+std::optional<RecordingFault> StagedItem::Open() {
   m_file.reset(OpenRegular(m_input.source));
   if (m_file == nullptr) return Blame(Kind::kInput, "cannot be read: " + FaultText(errno));
   m_before.emplace(fileno(m_file.get()));
@@ -64,7 +64,7 @@ std::optional<FileFault> StagedItem::Open() {
   return std::nullopt;
 }
 
-std::optional<FileFault> StagedItem::Choose(std::optional<WaveFormat> given) {
+std::optional<RecordingFault> StagedItem::Choose(std::optional<WaveFormat> given) {
   const Form& form = m_input.form;
   if (form.kind == Form::Kind::kBytes) {
     if (!m_wishes.cut.Whole()) return Blame(Kind::kAsked, "is taken as no audio that can be cut");
@@ -87,7 +87,7 @@ std::optional<FileFault> StagedItem::Choose(std::optional<WaveFormat> given) {
   return std::nullopt;
 }
 
-std::optional<FileFault> StagedItem::Write(double gain) {
+std::optional<RecordingFault> StagedItem::Write(double gain) {
   if (!m_target) m_target.emplace(m_workspace, m_input.place);
   if (m_target->descriptor() < 0) return Blame(Kind::kOutput, m_target->fault());
   // What is no audio has no level.
@@ -96,13 +96,13 @@ std::optional<FileFault> StagedItem::Write(double gain) {
   return m_copied ? Copy() : Render(gain);
 }
 
-std::optional<FileFault> StagedItem::Copy() {
+std::optional<RecordingFault> StagedItem::Copy() {
   const auto fault = CopyBytes(fileno(m_file.get()), m_target->descriptor(), m_goOn);
   if (fault) return Blame(fault->kind, fault->text);
   return std::nullopt;
 }
 
-std::optional<FileFault> StagedItem::Render(double gain) {
+std::optional<RecordingFault> StagedItem::Render(double gain) {
   if (!m_rendering) {
     const Rendering::Task task = {.source = m_file.get(),
                                   .raw = m_wishes.raw,
@@ -119,7 +119,7 @@ std::optional<FileFault> StagedItem::Render(double gain) {
   return std::nullopt;
 }
 
-std::optional<FileFault> StagedItem::Complete() {
+std::optional<RecordingFault> StagedItem::Complete() {
   const bool same = m_before->SameContent(FileState(fileno(m_file.get())));
   if (!same) return Blame(Kind::kInput, "was changed while it was read");
   const FileDigest made = m_target->Digest();
@@ -139,7 +139,7 @@ std::optional<FileFault> StagedItem::Complete() {
   return std::nullopt;
 }
 
-std::optional<FileFault> StagedItem::Publish() {
+std::optional<RecordingFault> StagedItem::Publish() {
   const std::string fault = m_target->Publish();
   if (!fault.empty()) return Blame(Kind::kOutput, fault);
   return std::nullopt;

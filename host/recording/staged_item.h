@@ -21,22 +21,22 @@ class StagedItem {
   StagedItem(const std::string& workspace, const StageInput& input, const StageWishes& wishes,
              const std::function<bool()>& goOn);
 
-  std::optional<FileFault> Open();
+  std::optional<RecordingFault> Open();
 
   // Chooses the format, or takes that of another one.
-  std::optional<FileFault> Choose(std::optional<WaveFormat> given);
+  std::optional<RecordingFault> Choose(std::optional<WaveFormat> given);
   WaveFormat Wanted() const { return m_wanted; }
 
   // Makes the file; again when it is to be softer.
-  std::optional<FileFault> Write(double gain);
+  std::optional<RecordingFault> Write(double gain);
 
   // The greatest gain, 1 at most, at which nothing clips.
   double SafeGain() const { return m_rendering ? m_rendering->SafeGain() : 1; }
 
   // Notes what was done.
-  std::optional<FileFault> Complete();
+  std::optional<RecordingFault> Complete();
 
-  std::optional<FileFault> Publish();
+  std::optional<RecordingFault> Publish();
 
   const StageInput& input() const { return m_input; }
   const StagedFile& staged() const { return m_staged; }
@@ -46,9 +46,9 @@ class StagedItem {
     void operator()(FILE* file) const { fclose(file); }
   };
 
-  FileFault Blame(FileFault::Kind kind, const std::string& text) const;
-  std::optional<FileFault> Render(double gain);
-  std::optional<FileFault> Copy();
+  RecordingFault Blame(RecordingFault::Kind kind, const std::string& text) const;
+  std::optional<RecordingFault> Render(double gain);
+  std::optional<RecordingFault> Copy();
 
   const std::string& m_workspace;
   const StageInput& m_input;

@@ -81,7 +81,7 @@ class HandingOver {
       m_files.push_back({.output = index, .path = to, .text = StepsText(made.steps), .done = true});
       return;
     }
-    const bool stopped = made.fault->kind == FileFault::Kind::kStopped;
+    const bool stopped = made.fault->kind == RecordingFault::Kind::kStopped;
     m_problems.push_back(stopped ? Stopped(m_limits, m_plan.timeout, "writing " + to)
                                  : Problem{Cause::kNotDelivered, made.fault->text});
     Leave(index, to);

@@ -49,11 +49,11 @@ std::vector<StageInput> Inputs(const Plan& plan, Limits& limits) {
 }
 
 // What a fault makes of a run.
-void Throw(const FileFault& fault, const Plan& plan, const Limits& limits) {
-  if (fault.kind == FileFault::Kind::kStopped) {
+void Throw(const RecordingFault& fault, const Plan& plan, const Limits& limits) {
+  if (fault.kind == RecordingFault::Kind::kStopped) {
     throw Ended{Stopped(limits, plan.timeout, kDuring)};
   }
-  if (fault.kind == FileFault::Kind::kInput) {
+  if (fault.kind == RecordingFault::Kind::kInput) {
     throw Ended{{Cause::kUnreadableInput, fault.text}};
   }
   throw UsageError{fault.text};

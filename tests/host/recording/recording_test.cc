@@ -33,8 +33,8 @@ class RecordingTest : public testing::Test {
     const Staging staging = StageOne("my file", WaveForm(), wishes);
     EXPECT_FALSE(std::filesystem::exists("work/in")) << "a file although there is a fault";
     std::filesystem::remove_all("work");
-    EXPECT_EQ(staging.fault ? staging.fault->kind : FileFault::Kind::kStopped,
-              FileFault::Kind::kInput);
+    EXPECT_EQ(staging.fault ? staging.fault->kind : RecordingFault::Kind::kStopped,
+              RecordingFault::Kind::kInput);
     return FaultText(staging);
   }
 
@@ -121,7 +121,7 @@ TEST_F(RecordingTest, EverySingleByteOfAHeaderMayBeWrong) {
         WriteFile("my file", bytes);
         const Staging staging = StageOne("my file", WaveForm(), {.force = true});
         if (staging.fault) {
-          EXPECT_EQ(staging.fault->kind, FileFault::Kind::kInput);
+          EXPECT_EQ(staging.fault->kind, RecordingFault::Kind::kInput);
           EXPECT_THAT(staging.fault->text, StartsWith("input my file "));
         } else {
           EXPECT_GT(ReadFile("work/in").size(), 44U);

@@ -177,7 +177,7 @@ TEST_F(StageTest, AFullDiskLeavesWhatWasThere) {
     const FileSizeLimit limit(50000);
     const Staging staging = StageOne("source.wav", form);
     EXPECT_EQ(FaultText(staging), "cannot write work/in: File too large");
-    EXPECT_EQ(staging.fault->kind, FileFault::Kind::kOutput);
+    EXPECT_EQ(staging.fault->kind, RecordingFault::Kind::kOutput);
   }
   EXPECT_EQ(ReadFile("work/in"), before);
   EXPECT_EQ(std::distance(fs::directory_iterator("work"), fs::directory_iterator()), 2);
@@ -200,7 +200,7 @@ TEST_F(StageTest, GivesUpWhereverItIsToldTo) {
     const Staging staging =
         StageRecordings("work", std::span(&input, 1), late, [&] { return left-- > 0; });
     ASSERT_TRUE(staging.fault) << most << " of " << asked;
-    EXPECT_EQ(staging.fault->kind, FileFault::Kind::kStopped);
+    EXPECT_EQ(staging.fault->kind, RecordingFault::Kind::kStopped);
     EXPECT_TRUE(fs::is_empty("work"));
   }
 }
