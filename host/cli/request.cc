@@ -233,7 +233,8 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
   line.Parse(read);
   std::vector<std::string> routine = words.free();
   routine.insert(routine.end(), words.literal().begin(), words.literal().end());
-  if (routine.empty() && command == "stage") throw UsageError{"stage needs the name of a routine"};
+  if (routine.empty() && command == "stage" && request.text.empty())
+    throw UsageError{"stage needs the name of a routine"};
   if (routine.empty()) return;
   request.run.routine = routine.front();
   request.run.arguments.assign(std::next(routine.begin()), routine.end());

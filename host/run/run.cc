@@ -70,6 +70,8 @@ int Run(const Case& what) {
     if (temporary && IsToBeKept(report, what)) {
       temporary->Keep();
       report.kept = temporary->path();
+    } else if (temporary) {
+      report.log.clear();  // It is gone with the workspace.
     }
     exitCode = Deliver(std::move(report), limits, place);
     interruption = limits.interruption();
