@@ -12,6 +12,15 @@ namespace host {
 
 namespace {
 
+bool Passes(const CatalogueRow& row, const ListFilter& filter) {
+  if (filter.available && !CanBeRun(row)) return false;
+  if (!filter.group.empty() && GroupWord(row.group) != filter.group) return false;
+  const std::string name(row.declared.words.name);
+  return filter.glob.empty() || fnmatch(filter.glob.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
+}
+
+}  // namespace
+
 void CheckGroup(const std::string& group) {
   std::string words;
   for (const Group each : kGroups) {
@@ -21,15 +30,6 @@ void CheckGroup(const std::string& group) {
   }
   throw UsageError{"no group is called \"" + group + "\"; there are " + words};
 }
-
-bool Passes(const CatalogueRow& row, const ListFilter& filter) {
-  if (filter.available && !CanBeRun(row)) return false;
-  if (!filter.group.empty() && GroupWord(row.group) != filter.group) return false;
-  const std::string name(row.declared.words.name);
-  return filter.glob.empty() || fnmatch(filter.glob.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
-}
-
-}  // namespace
 
 std::function<bool(const CatalogueRow&)> Selector(const ListFilter& filter) {
   CheckGroup(filter.group);

@@ -14,6 +14,9 @@ struct ListFilter {
   bool available = false;  // Only those that can be run.
 };
 
+// Throws UsageError when there is no such group; empty stands for all.
+void CheckGroup(const std::string& group);
+
 // Whether a row passes the filter. Throws UsageError when the group is none, or no row passes.
 std::function<bool(const CatalogueRow&)> Selector(const ListFilter& filter);
 

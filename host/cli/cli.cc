@@ -19,6 +19,7 @@
 #include "run/deliver.h"
 #include "run/run.h"
 #include "run/stage_command.h"
+#include "suite/suite.h"
 
 namespace host {
 
@@ -44,6 +45,23 @@ std::string List(const Request& request) {
   return ListAsText(request.filter, OutputWidth());
 }
 
+// Puts the recording of the demo into the workspace of a routine that reads the same as the
+// selected test.
+void PlaceDemoFor(const CatalogueRow& row, const std::string& workspace) {
+  const auto rows = Catalogue();
+  const auto entry = std::find_if(rows.begin(), rows.end(), [](const CatalogueRow& each) {
+    return each.declared.words.name == Case().routine;
+  });
+  if (entry == rows.end() || entry->inputs.empty() || row.inputs.empty()) return;
+  if (row.inputs.front().name == entry->inputs.front().name) PlaceDemo(workspace);
+}
+
+// With the recordings of the demo for the routines of the catalogue.
+SuiteOptions OnDemo(SuiteOptions options) {
+  options.demo.place = PlaceDemoFor;
+  return options;
+}
+
 int Execute(const Request& request) {
   switch (request.command) {
     case Request::Command::kPrint:
@@ -58,6 +76,10 @@ int Execute(const Request& request) {
       return PrintResults(PlaceAllDemos(request.run.work));
     case Request::Command::kStage:
       return StageOnly(request.run);
+    case Request::Command::kSuite:
+      return RunSuite(OnDemo(request.suite));
+    case Request::Command::kMerge:
+      return MergeSuites(request.merge);
     case Request::Command::kRun:
       break;
   }

@@ -12,6 +12,7 @@
 #include "catalogue/catalogue_text.h"
 #include "cli/seconds_word.h"
 #include "cli/staging_options.h"
+#include "cli/suite_words.h"
 #include "cli/words.h"
 
 namespace host {
@@ -29,6 +30,8 @@ constexpr Synopsis kSynopses[] = {
     {"describe", "ROUTINE"},
     {"run", "[ROUTINE [ARGUMENT...]] [OPTIONS]"},
     {"stage", "ROUTINE [ARGUMENT...] --in [NAME=]FILE [OPTIONS]"},
+    {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},
+    {"merge", "DIR... --out DIR"},
     {"demo", "[OPTIONS]"},
     {"help", "[COMMAND]"},
 };
@@ -62,7 +65,9 @@ void AddWork(CLI::App& command, std::string& work) {
 // The command line as CLI11 reads it, filling in a request.
 class CommandLine {
  public:
-  explicit CommandLine(Request& request) : m_request(request) {
+  // `words` are all that were typed, which stay alive.
+  CommandLine(Request& request, std::span<const std::string> words)
+      : m_request(request), m_words(words) {
     m_app.formatter(std::make_shared<UsageFormatter>());
     m_app.require_subcommand(1);
     m_app.set_version_flag("--version", AUDIO_TESTER_VERSION);
@@ -74,6 +79,7 @@ class CommandLine {
     AddRun();
     AddDemo();
     AddStage();
+    m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
     m_app.add_subcommand("help", "Help on a command");
   }
 
@@ -171,8 +177,12 @@ class CommandLine {
                         : command == "describe" ? Command::kDescribe
                         : command == "run"      ? Command::kRun
                         : command == "stage"    ? Command::kStage
+                        : command == "suite"    ? Command::kSuite
+                        : command == "merge"    ? Command::kMerge
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
+    if (command == "suite") m_suite->TakeSuite(m_words);
+    if (command == "merge") m_suite->TakeMerge(m_words);
     if (m_json) m_request.form = Request::Form::kJson;
     Case& run = m_request.run;
     (m_request.command == Command::kStage ? m_stagingAlone : m_staging).Take(run);
@@ -182,6 +192,8 @@ class CommandLine {
   }
 
   Request& m_request;
+  std::span<const std::string> m_words;
+  std::unique_ptr<SuiteWords> m_suite;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
   CLI::App* m_list = nullptr;
   CLI::App* m_run = nullptr;
@@ -248,7 +260,7 @@ Request ParseRequest(std::span<const std::string> words) {
   if (!read.empty() && !read.front().starts_with('-')) CheckCommand(read.front());
 
   Request request;
-  CommandLine line(request);
+  CommandLine line(request, words);
   const CLI::App* const command = read.empty() ? nullptr : line.Command(read.front());
   if (command == nullptr) {
     line.Parse(read);

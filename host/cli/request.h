@@ -7,12 +7,23 @@
 #include "base/usage_error.h"
 #include "catalogue/list.h"
 #include "run/case.h"
+#include "suite/suite.h"
 
 namespace host {
 
 // What audio_bench is asked to do.
 struct Request {
-  enum class Command { kPrint, kList, kDescribe, kRun, kStage, kDemo, kDemoAll };
+  enum class Command {
+    kPrint,
+    kList,
+    kDescribe,
+    kRun,
+    kStage,
+    kSuite,
+    kMerge,
+    kDemo,
+    kDemoAll
+  };
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;
@@ -21,6 +32,8 @@ struct Request {
   ListFilter filter;        // kList
   Form form = Form::kText;  // kList
   std::string routine;      // kDescribe
+  SuiteOptions suite;       // kSuite
+  MergeOptions merge;       // kMerge
 };
 
 // Why the words of a command line ask for nothing that can be done.

@@ -15,6 +15,14 @@ bool IsOption(const std::string& word) {
          std::isdigit(static_cast<unsigned char>(word[1])) == 0;
 }
 
+// "-j", which has its value in the next word or right after it.
+bool IsShort(const std::string& option) { return option.size() == 2 && option[1] != '-'; }
+
+bool TakesValue(const CLI::App& command, const std::string& name) {
+  const CLI::Option* const option = command.get_option_no_throw(name);
+  return option != nullptr && option->get_items_expected_min() > 0;
+}
+
 }  // namespace
 
 Words::Words(const CLI::App& command, std::span<const std::string> words) {
@@ -27,6 +35,9 @@ Words::Words(const CLI::App& command, std::span<const std::string> words) {
         IsOption(word) ? command.get_option_no_throw(word.substr(0, equals)) : nullptr;
     if (!IsOption(word)) {
       m_free.push_back(word);
+    } else if (const std::string start = word.substr(0, 2);
+               option == nullptr && IsShort(start) && TakesValue(command, start)) {
+      Take(start, word.substr(2));
     } else if (option == nullptr) {
       Refuse("unknown option " + word);
     } else if (equals != std::string::npos) {
@@ -53,7 +64,11 @@ void Words::Take(const std::string& option, const std::string& value) {
   if (value.empty()) {
     Refuse(option + " is empty");
   } else {
-    m_options.push_back(option + "=" + value);
+    if (IsShort(option)) {
+      m_options.insert(m_options.end(), {option, value});
+    } else {
+      m_options.push_back(option + "=" + value);
+    }
   }
 }
 

@@ -20,7 +20,7 @@ class Words {
   // The first thing that is wrong with them; empty when nothing is.
   const std::string& fault() const { return m_fault; }
 
-  // The options, each with its value after a '='.
+  // The options, each with its value after a "=", or, after a short one, in the next word.
   const std::vector<std::string>& options() const { return m_options; }
 
   // What is neither option nor value: before "--", and after it.

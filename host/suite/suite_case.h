@@ -24,6 +24,7 @@ struct SuiteCase {
   bool strict = false;                  // A warning is a failure.
   std::string sameAs = {};              // Id of the case whose outputs it must equal; or empty.
   std::string skip = {};                // Why it is not to be run; empty when it is.
+  bool demo = false;                    // It runs on the recordings of `demo`.
   bool counted = true;                  // False when it runs for the outputs that others read.
   std::string at = {};                  // Where it was declared: "suite.toml:3:1: ", or empty.
 };

@@ -9,10 +9,10 @@
 
 namespace {
 
-rapidjson::SchemaDocument LoadSchema() {
+rapidjson::SchemaDocument LoadSchema(const char* path) {
   rapidjson::Document schema;
-  schema.Parse(ReadFile(REPORT_SCHEMA).c_str());
-  EXPECT_FALSE(schema.HasParseError()) << REPORT_SCHEMA;
+  schema.Parse(ReadFile(path).c_str());
+  EXPECT_FALSE(schema.HasParseError()) << path;
   return rapidjson::SchemaDocument(schema);
 }
 
@@ -22,10 +22,7 @@ std::string Text(const rapidjson::Pointer& pointer) {
   return buffer.GetString();
 }
 
-}  // namespace
-
-nlohmann::json ParseReport(const std::string& text) {
-  static const rapidjson::SchemaDocument schema = LoadSchema();
+nlohmann::json Parse(const std::string& text, const rapidjson::SchemaDocument& schema) {
   rapidjson::Document report;
   report.Parse(text.c_str());
   EXPECT_FALSE(report.HasParseError()) << text;
@@ -36,4 +33,16 @@ nlohmann::json ParseReport(const std::string& text) {
       << validator.GetInvalidSchemaKeyword() << ") in\n"
       << text;
   return nlohmann::json::parse(text, nullptr, false);
+}
+
+}  // namespace
+
+nlohmann::json ParseReport(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(REPORT_SCHEMA);
+  return Parse(text, schema);
+}
+
+nlohmann::json ParseResults(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(RESULTS_SCHEMA);
+  return Parse(text, schema);
 }

@@ -5,3 +5,6 @@
 
 // A report, parsed. Fails the test when it is not as the schema that is installed says.
 nlohmann::json ParseReport(const std::string& text);
+
+// The same for the results of a suite.
+nlohmann::json ParseResults(const std::string& text);

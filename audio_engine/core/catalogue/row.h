@@ -68,6 +68,8 @@ struct CatalogueRow {
   double runsOn = 0;
   // Whether it returns never, so that a run of it ends when its time is up.
   bool neverReturns = false;
+  // The routines whose outputs it reads, so that it runs after them where many are run.
+  std::vector<std::string_view> after = {};
   Group group = Group::kHarness;
 };
 

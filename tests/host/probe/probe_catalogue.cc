@@ -130,6 +130,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::WriteTo, .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::ChangeRights, .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::OpenAs},
+          {.declared = declared::WriteItsProcess, .outputs = {{.name = "pid"}}},
           {.declared = declared::PrintForEver},
           {.declared = declared::LogForEver},
           {.declared = declared::PrintMuch},

@@ -94,6 +94,12 @@ void Hang() {
   while (true) pause();
 }
 
+void WriteItsProcess() {
+  FILE* const file = fopen("pid", "w");
+  fprintf(file, "%d", static_cast<int>(getpid()));
+  fclose(file);
+}
+
 void WriteEmpty() { WriteFile<short>("out.pcm", {}); }
 
 void WritePcm() { WriteFile<short>("out.pcm", {0, 16384, -8192, 0}); }

@@ -1,0 +1,71 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+#include "files/fingerprint.h"
+#include "files/sha256.h"
+#include "report/origin.h"
+#include "suite/case_work.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string DigestOfText(const std::string& text) {
+  Sha256 hash;
+  hash.Add(std::span(reinterpret_cast<const unsigned char*>(text.data()), text.size()));
+  return hash.Digest();
+}
+
+std::string DigestOfFile(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (file < 0) return "";
+  const FileDigest digest = DigestOf(file, [] { return true; });
+  close(file);
+  return digest.digest;
+}
+
+// Of a file, or of all files in a folder with their names.
+std::string DigestOfSource(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_directory(path, error)) return DigestOfFile(path);
+  std::vector<std::string> files;
+  for (fs::recursive_directory_iterator each(path, error), end; !error && each != end;
+       each.increment(error)) {
+    if (each->is_regular_file(error)) files.push_back(each->path());
+  }
+  std::sort(files.begin(), files.end());
+  std::string text;
+  for (const std::string& file : files) text += file + '\0' + DigestOfFile(file) + '\n';
+  return DigestOfText(text);
+}
+
+Json Optional(const std::optional<double>& value) { return value ? Json(*value) : Json(); }
+
+}  // namespace
+
+std::string OriginText() {
+  const Json origin = OriginJson();
+  return Json({origin["bench"], origin["engine"], Fingerprint("/proc/self/exe")}).dump();
+}
+
+std::string CaseFingerprint(const SuitePlace& suite, size_t at) {
+  const SuiteCase& one = suite.cases[at];
+  Json inputs = Json::array();
+  for (const auto& [name, source] : one.inputs) {
+    inputs.push_back({name, source, DigestOfSource(source)});
+  }
+  Json before = Json::array();
+  for (const size_t each : suite.order.Before(at)) before.push_back(CaseFingerprint(suite, each));
+  const Json all = {suite.origin, one.routine,           one.arguments,        inputs, one.sameAs,
+                    one.strict,   Optional(one.timeout), Optional(one.linger), before};
+  return DigestOfText(all.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+}  // namespace host

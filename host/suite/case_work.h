@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/json_parts.h"
+#include "suite/case_order.h"
+#include "suite/catalogue_cases.h"
+#include "suite/suite_case.h"
+
+namespace host {
+
+// The cases of a suite as they run, and where.
+struct SuitePlace {
+  const std::vector<SuiteCase>& cases;
+  const CaseOrder& order;
+  std::string folder;  // Of the results.
+  std::string origin;  // See OriginText().
+  DemoRecordings demo;
+
+  std::string Workspace(const std::string& id) const { return folder + "/cases/" + id; }
+  std::string Report(const std::string& id) const { return folder + "/reports/" + id + ".json"; }
+  std::string Output(const std::string& id) const { return folder + "/reports/" + id + ".txt"; }
+};
+
+// Bench, engine and this very program, as text.
+std::string OriginText();
+
+// All that decides about the result of a case: routine, words, inputs with their content, limits,
+// engine and bench, and the same of the cases that it reads from. Two that differ in it may differ
+// in their results.
+std::string CaseFingerprint(const SuitePlace& suite, size_t at);
+
+// Runs a case, in the process that is made for it: takes over its standard streams. Returns its
+// record. Throws UsageError when there is not even a report.
+Json RunOneCase(const SuitePlace& suite, size_t at);
+
+}  // namespace host

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "catalogue/rows.h"
+#include "suite/suite_case.h"
+
+namespace host {
+
+// The recordings that the bench makes for its routines. Null: there are none.
+struct DemoRecordings {
+  // The words with which a routine runs on them; nothing when there are none for it. Null: those
+  // that take no words have none.
+  std::function<std::optional<std::vector<std::string>>(const CatalogueRow& row)> words = {};
+  // Puts those that a routine reads into a workspace. Throws UsageError when it cannot be written.
+  std::function<void(const CatalogueRow& row, const std::string& workspace)> place = {};
+};
+
+// The catalogue as a suite: a case for each routine that can be run by itself; its id is the
+// routine's name.
+std::vector<SuiteCase> CatalogueCases(const DemoRecordings& demo);
+
+}  // namespace host

@@ -1,0 +1,115 @@
+#include "suite/selection.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+#include "base/suggest.h"
+#include "base/usage_error.h"
+#include "catalogue/catalogue_text.h"
+#include "catalogue/list_filter.h"
+#include "catalogue/rows.h"
+#include "suite/case_order.h"
+#include "suite/catalogue_cases.h"
+#include "suite/suite_file.h"
+
+namespace host {
+
+namespace {
+
+// Throws UsageError when the routine is none, or its words do not fit.
+void CheckCase(const SuiteCase& one) {
+  if (!one.skip.empty()) return;
+  try {
+    const CatalogueRow& row = FindRow(one.routine);
+    if (!CanBeRun(row)) return;  // Running it says why it is skipped.
+    const std::vector<std::string_view> words(one.arguments.begin(), one.arguments.end());
+    const std::string fault = harness::ArgumentFault(row, words);
+    if (!fault.empty()) throw UsageError{one.routine + " " + fault + ": " + Declaration(row)};
+  } catch (const UsageError& error) {
+    throw UsageError{one.at + error.message};
+  }
+}
+
+bool Chosen(const SuiteCase& one, const SuiteOptions& options) {
+  if (!options.glob.empty() && fnmatch(options.glob.c_str(), one.id.c_str(), FNM_CASEFOLD) != 0) {
+    return false;
+  }
+  return options.group.empty() || GroupWord(FindRow(one.routine).group) == options.group;
+}
+
+[[noreturn]] void RefuseEmpty(const SuiteOptions& options, const std::vector<SuiteCase>& cases) {
+  if (options.glob.empty()) throw UsageError{"no case is in the group " + options.group};
+  std::vector<std::string_view> ids;
+  for (const SuiteCase& one : cases) ids.push_back(one.id);
+  const auto alike = NamesAlike(options.glob, ids);
+  throw UsageError{"no case is like \"" + options.glob + "\"" +
+                   (options.group.empty() ? "" : " in the group " + options.group) +
+                   (alike.empty() ? "" : "; did you mean " + std::string(alike.front()) + "?")};
+}
+
+std::string DigestOf(const std::vector<SuiteCase>& cases, const std::vector<bool>& chosen) {
+  std::string text;
+  for (size_t i = 0; i < cases.size(); ++i) {
+    if (!chosen[i]) continue;
+    text += cases[i].id + '\0' + cases[i].routine + '\0';
+    for (const std::string& word : cases[i].arguments) text += word + '\0';
+    text += '\n';
+  }
+  char digest[17];
+  snprintf(digest, sizeof digest, "%016lx", Fnv1a(text));
+  return digest;
+}
+
+// Adds what the cases need that are to run, and what that needs.
+void AddNeeded(const CaseOrder& order, std::vector<bool>& runs) {
+  std::vector<size_t> open;
+  for (size_t i = 0; i < runs.size(); ++i) {
+    if (runs[i]) open.push_back(i);
+  }
+  while (!open.empty()) {
+    const size_t at = open.back();
+    open.pop_back();
+    for (const size_t before : order.Before(at)) {
+      if (!runs[before]) open.push_back(before);
+      runs[before] = true;
+    }
+  }
+}
+
+}  // namespace
+
+Selection SelectCases(const SuiteOptions& options) {
+  std::vector<SuiteCase> cases =
+      options.file.empty() ? CatalogueCases(options.demo) : ReadSuite(options.file);
+  const CaseOrder order(cases);
+  for (const SuiteCase& one : cases) CheckCase(one);
+  CheckGroup(options.group);
+
+  Selection selection;
+  std::vector<bool> chosen(cases.size());
+  for (size_t i = 0; i < cases.size(); ++i) {
+    chosen[i] = Chosen(cases[i], options);
+    if (chosen[i]) cases[i].index = selection.chosen++;
+  }
+  if (selection.chosen == 0) RefuseEmpty(options, cases);
+  selection.digest = DigestOf(cases, chosen);
+
+  std::vector<bool> counted(cases.size());
+  for (size_t i = 0; i < cases.size(); ++i) {
+    counted[i] = chosen[i] && options.shard.Holds(cases[i].id);
+  }
+  std::vector<bool> runs = counted;
+  AddNeeded(order, runs);
+  for (size_t i = 0; i < cases.size(); ++i) {
+    if (!runs[i]) continue;
+    cases[i].counted = counted[i];
+    cases[i].strict = cases[i].strict || options.strict;
+    selection.cases.push_back(std::move(cases[i]));
+  }
+  return selection;
+}
+
+}  // namespace host

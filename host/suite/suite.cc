@@ -1,0 +1,214 @@
+#include "suite/suite.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <ctime>
+#include <filesystem>
+#include <optional>
+#include <thread>
+
+#include "base/exit_code.h"
+#include "base/printable.h"
+#include "base/usage_error.h"
+#include "process/limits.h"
+#include "report/origin.h"
+#include "report/output.h"
+#include "suite/case_record.h"
+#include "suite/case_work.h"
+#include "suite/selection.h"
+#include "suite/suite_folder.h"
+#include "suite/suite_journal.h"
+#include "suite/suite_progress.h"
+#include "suite/suite_results.h"
+#include "suite/suite_runner.h"
+#include "suite/suite_summary.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kResultsVersion = 1;
+constexpr double kResultsSeconds = 5;  // Between two writes of the results.
+
+std::string TimeOfDay() {
+  const time_t now = time(nullptr);
+  tm parts;
+  char text[32];
+  return std::string(text, strftime(text, sizeof text, "%FT%TZ", gmtime_r(&now, &parts)));
+}
+
+// The first line of the plan.
+Json Header(const SuiteOptions& options, const Selection& selection) {
+  Json header = {{"schema_version", kResultsVersion}};
+  header.update(OriginJson());
+  header["started"] = TimeOfDay();
+  header["command"] = options.command;
+  header["suite"] = options.file.empty() ? Json() : Json(options.file);
+  header["shard"] = Json();
+  if (options.shard.of > 0) {
+    header["shard"] = {{"index", options.shard.index}, {"of", options.shard.of}};
+  }
+  header["chosen"] = selection.chosen;
+  header["selection"] = selection.digest;
+  return header;
+}
+
+std::string PlanText(const SuiteOptions& options, const Selection& selection) {
+  std::string text = JournalLine(Header(options, selection));
+  for (const SuiteCase& one : selection.cases) {
+    if (one.counted) text += JournalLine(NotRunRecord(one));
+  }
+  return text;
+}
+
+std::string DryRun(const Selection& selection) {
+  std::string text;
+  size_t counted = 0;
+  for (const SuiteCase& one : selection.cases) {
+    std::string line = one.id;
+    if (one.id != one.routine) line += "  " + one.routine;
+    for (const std::string& word : one.arguments) line += " " + word;
+    if (!one.skip.empty()) line += "  (skipped: " + one.skip + ")";
+    if (!one.counted) line += "  (for the cases that follow it)";
+    text += Printable(line) + "\n";
+    counted += one.counted ? 1 : 0;
+  }
+  return text + std::to_string(counted) + (counted == 1 ? " case\n" : " cases\n");
+}
+
+// What an earlier suite in the folder has left that holds for this one as well.
+struct Kept {
+  std::vector<bool> cases;
+  std::string lines;  // For cases.jsonl.
+  SuiteCounts counts;
+};
+
+// A record that was kept, with what the suite says of the case today.
+Json Renewed(const SuiteCase& one, const Json& earlier) {
+  Json record = NotRunRecord(one);
+  for (const auto& [key, value] : earlier.items()) {
+    const bool declared = key == "index" || key == "tags" || key == "known" || key == "cluster";
+    if (!declared) record[key] = value;
+  }
+  return record;
+}
+
+Kept FindKept(const SuitePlace& suite, bool resumed) {
+  Kept kept = {std::vector<bool>(suite.cases.size()), "", {}};
+  if (!resumed) return kept;
+  std::map<std::string, size_t> places;
+  for (size_t at = 0; at < suite.cases.size(); ++at) {
+    if (suite.cases[at].counted) places.emplace(suite.cases[at].id, at);
+  }
+  const SuiteJournal journal(suite.folder);
+  for (size_t i = 0; i < journal.size(); ++i) {
+    if (!journal.Ended(i)) continue;
+    const Json earlier = journal.Read(i);
+    const auto place = places.find(earlier.value("id", ""));
+    if (place == places.end()) continue;
+    const size_t at = place->second;
+    const Json record = Renewed(suite.cases[at], earlier);
+    if (!HasOutputs(record) || kept.cases[at]) continue;
+    if (record.value(kFingerprintKey, "") != CaseFingerprint(suite, at)) continue;
+    kept.cases[at] = true;
+    kept.lines += JournalLine(record);
+    kept.counts.Add(record);
+  }
+  return kept;
+}
+
+// A case that is not counted runs only where one that runs again reads from it.
+void LeaveOutUnneeded(const SuitePlace& suite, std::vector<bool>& kept) {
+  std::vector<bool> needed(suite.cases.size());
+  std::vector<size_t> open;
+  for (size_t at = 0; at < suite.cases.size(); ++at) {
+    if (suite.cases[at].counted && !kept[at]) open.push_back(at);
+  }
+  while (!open.empty()) {
+    const size_t at = open.back();
+    open.pop_back();
+    for (const size_t before : suite.order.Before(at)) {
+      if (!suite.cases[before].counted && !needed[before]) open.push_back(before);
+      needed[before] = true;
+    }
+  }
+  for (size_t at = 0; at < suite.cases.size(); ++at) {
+    if (!suite.cases[at].counted && !needed[at]) kept[at] = true;
+  }
+}
+
+size_t Jobs(int asked) {
+  return asked > 0 ? static_cast<size_t>(asked) : std::max(1U, std::thread::hardware_concurrency());
+}
+
+// Runs what is to run. Returns the signal by which somebody asked for an end; 0 for none.
+int RunCases(const SuitePlace& suite, const SuiteOptions& options, const Kept& kept,
+             size_t counted) {
+  const HostSignals signals;
+  CaseLog log(suite.folder, kept.lines);
+  SuiteProgress progress(counted, kept.counts);
+  double next = Now() + kResultsSeconds;
+  bool changed = false;
+  const SuiteRunner::Listener listener = {.ended =
+                                              [&](size_t at, const Json& record) {
+                                                if (!suite.cases[at].counted) return;
+                                                log.Append(record);
+                                                progress.Ended(record);
+                                                changed = true;
+                                              },
+                                          .tick =
+                                              [&] {
+                                                progress.Show();
+                                                if (!changed || Now() < next) return;
+                                                const double start = Now();
+                                                WriteResults(suite.folder);
+                                                // Of a long suite the results take long to write;
+                                                // that is a small part of the time.
+                                                next = Now() + std::max(kResultsSeconds,
+                                                                        20 * (Now() - start));
+                                                changed = false;
+                                              }};
+  return SuiteRunner(suite, kept.cases, Jobs(options.jobs), signals, listener).Run();
+}
+
+// The folders of the results, of which the workspaces are made case by case.
+void MakeFolders(const std::string& folder) {
+  for (const char* const name : {"/cases", "/reports"}) {
+    std::error_code error;
+    fs::create_directories(folder + name, error);
+    if (error) throw UsageError{"cannot make the folder " + folder + name + ": " + error.message()};
+  }
+}
+
+}  // namespace
+
+int RunSuite(const SuiteOptions& options) {
+  const Selection selection = SelectCases(options);
+  if (options.dryRun) return PrintResults(DryRun(selection));
+  const CaseOrder order(selection.cases);
+  const SuiteFolder folder(options.out, options.resume);
+  MakeFolders(folder.path());
+  const SuitePlace suite = {selection.cases, order, folder.path(), OriginText(), options.demo};
+
+  Kept kept = FindKept(suite, folder.resumed());
+  LeaveOutUnneeded(suite, kept.cases);
+  WritePlan(folder.path(), PlanText(options, selection));
+  const auto counted = std::count_if(selection.cases.begin(), selection.cases.end(),
+                                     [](const SuiteCase& one) { return one.counted; });
+  const int interruption = RunCases(suite, options, kept, static_cast<size_t>(counted));
+  WriteResults(folder.path());
+  const int printed = PrintResults(SuiteSummary(folder.path()));
+  if (interruption != 0) {
+    fflush(nullptr);
+    raise(interruption);  // Who has interrupted the suite wants to see its end.
+    return exit_code::kSignal + interruption;
+  }
+  const int exitCode = SuiteJournal(folder.path()).counts().ExitCode();
+  return exitCode != exit_code::kPass ? exitCode : printed;
+}
+
+}  // namespace host

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/json_parts.h"
+#include "suite/suite_counts.h"
+
+namespace host {
+
+// What a suite leaves in its folder while it runs: plan.jsonl, whose first line says what the suite
+// is and each other line which case it has, and cases.jsonl, a line for each case that has ended.
+
+// A line of these files.
+std::string JournalLine(const Json& json);
+
+// Writes the plan, in place of an earlier one. Throws UsageError when that fails.
+void WritePlan(const std::string& folder, const std::string& lines);
+
+// The lines of cases.jsonl that are being added.
+class CaseLog {
+ public:
+  // Continues after these lines, which replace those that are there. Throws UsageError when the
+  // file cannot be written.
+  CaseLog(const std::string& folder, const std::string& kept);
+  ~CaseLog();
+  CaseLog(const CaseLog&) = delete;
+  CaseLog& operator=(const CaseLog&) = delete;
+
+  // One line, in one write. Throws UsageError when it cannot be written.
+  void Append(const Json& record);
+
+ private:
+  std::string m_path;
+  int m_file;
+};
+
+// The cases of a suite in declared order, whatever the order was in which they ended. Of each no
+// more is kept than where its line stands.
+class SuiteJournal {
+ public:
+  // Throws UsageError when the folder holds no plan, or a line that is none; a last line that is
+  // not whole is as if it were not there.
+  explicit SuiteJournal(const std::string& folder);
+  ~SuiteJournal();
+  SuiteJournal(const SuiteJournal&) = delete;
+  SuiteJournal& operator=(const SuiteJournal&) = delete;
+
+  // The first line of the plan.
+  const Json& header() const { return m_header; }
+
+  const SuiteCounts& counts() const { return m_counts; }
+  size_t size() const { return m_lines.size(); }
+
+  // What cases.jsonl says of a case, or, when it has not ended, the plan.
+  Json Read(size_t at) const;
+  bool Ended(size_t at) const { return m_lines[at].ended; }
+  uint64_t Index(size_t at) const { return m_lines[at].index; }
+
+ private:
+  struct Line {
+    uint64_t index;
+    uint64_t start;
+    bool ended;
+  };
+  void ReadPlan(const std::string& path);
+  void ReadEnded(const std::string& path);
+
+  Json m_header;
+  std::vector<Line> m_lines;
+  SuiteCounts m_counts;
+  FILE* m_plan = nullptr;
+  FILE* m_ended = nullptr;  // Null when no case has ended.
+};
+
+}  // namespace host

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// What is said at the end of a suite, read from its folder: a table of what did not pass, with
+// reasons; the counts; where the results are.
+std::string SuiteSummary(const std::string& folder);
+
+}  // namespace host
