@@ -13,17 +13,7 @@ namespace host {
 
 // What audio_bench is asked to do.
 struct Request {
-  enum class Command {
-    kPrint,
-    kList,
-    kDescribe,
-    kRun,
-    kStage,
-    kSuite,
-    kMerge,
-    kDemo,
-    kDemoAll
-  };
+  enum class Command { kPrint, kList, kDescribe, kRun, kStage, kSuite, kMerge, kDemo, kDemoAll };
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;

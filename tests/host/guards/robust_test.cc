@@ -65,7 +65,8 @@ TEST(Guards, TenMinutesAreLookedAtToTheEnd) {
   Sound in = Noise(0.1, 10, 1);
   in.rate = 8000;
   const std::vector<float> part = in.samples;
-  while (in.AsSignal().Seconds() < 600) in.samples.insert(in.samples.end(), part.begin(), part.end() - 1777);
+  while (in.AsSignal().Seconds() < 600)
+    in.samples.insert(in.samples.end(), part.begin(), part.end() - 1777);
   const auto hits = Check(in, Cut(in, 598, 0.005));
   EXPECT_EQ(Names(hits), "DROPOUT");
   EXPECT_DOUBLE_EQ(*hits[0].at, 598);

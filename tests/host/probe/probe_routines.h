@@ -43,7 +43,7 @@ ROUTINE(void, WriteWave, int dataBytes, int riffBytes);  // 8 bytes of samples, 
 ROUTINE(void, WriteTo, const char* outFile);
 ROUTINE(void, ChangeRights, const char* outFile);           // And writes nothing.
 ROUTINE(void, OpenAs, const char* mode, const char* file);  // Not declared in its row.
-ROUTINE(void, WriteItsProcess);  // Other bytes each time.
+ROUTINE(void, WriteItsProcess);                             // Other bytes each time.
 ROUTINE(void, PrintForEver);
 ROUTINE(void, LogForEver);
 ROUTINE(void, PrintMuch, int lines);
