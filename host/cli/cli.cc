@@ -45,20 +45,9 @@ std::string List(const Request& request) {
   return ListAsText(request.filter, OutputWidth());
 }
 
-// Puts the recording of the demo into the workspace of a routine that reads the same as the
-// selected test.
-void PlaceDemoFor(const CatalogueRow& row, const std::string& workspace) {
-  const auto rows = Catalogue();
-  const auto entry = std::find_if(rows.begin(), rows.end(), [](const CatalogueRow& each) {
-    return each.declared.words.name == Case().routine;
-  });
-  if (entry == rows.end() || entry->inputs.empty() || row.inputs.empty()) return;
-  if (row.inputs.front().name == entry->inputs.front().name) PlaceDemo(workspace);
-}
-
 // With the recordings of the demo for the routines of the catalogue.
 SuiteOptions OnDemo(SuiteOptions options) {
-  options.demo.place = PlaceDemoFor;
+  options.demo = {DemoWords, PlaceDemosOf};
   return options;
 }
 

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
+
+#include "catalogue/rows.h"
 
 namespace host {
 
@@ -9,6 +13,12 @@ namespace host {
 // the engine at hand, each by a run of this program. A file that is there already is left alone.
 // Returns what was done, for the user, a line for each file and list. Throws UsageError.
 std::string PlaceAllDemos(const std::string& workspace);
+
+// The words with which a routine runs on the demo's files; nothing where there are none for it.
+std::optional<std::vector<std::string>> DemoWords(const CatalogueRow& row);
+
+// Writes only what one routine reads with these words, coded streams included.
+void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace);
 
 // What is true of the demo's sounds, as JSON: tempo, beats, notes, delay, signal-to-noise ratios,
 // where somebody speaks.

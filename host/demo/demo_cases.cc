@@ -1,14 +1,19 @@
 #include "demo/demo_cases.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+#include <string>
 
 #include "catalogue/rows.h"
+#include "harness/noizeus_cases.h"
 
 namespace host {
 
 namespace {
 
-// The words of those that take any, and what they follow.
+// The words of those that take any.
 const std::vector<DemoCase>& Worded() {
   static const std::vector<DemoCase> cases = {
       {"TestEchoDelayEst", {"demo/far.wav", "demo/near.wav"}},
@@ -17,8 +22,7 @@ const std::vector<DemoCase>& Worded() {
       {"TestAECProcess", {"demo/far.pcm", "demo/near.pcm", "demo/out.pcm", "89"}},
       {"TestZUAec", {"demo/near.wav", "demo/far.wav", "demo/out.wav", "true"}},
       {"TestAecDenoiseInternal", {"demo/noisy.wav", "demo/out.wav"}},
-      {"TestNoizeus", {}, {"TestAECNsNoizeus", "TestDenoiseProcessNoizeus"}},
-      {"TestNoizeusEx", {"2", "0"}, {"TestDenoiseProcessNoizeus"}},
+      {"TestNoizeusEx", {"4", "0"}},
       {"TestAGCProcess", {"demo/speech.wav", "demo/out.wav"}},
       {"TestVADProcess", {"demo/speech.wav", "demo/out.wav", "demo/vad.wav"}},
       {"TestZUAudioProcessing", {"demo/far.wav", "demo/near.wav", "demo/out.wav"}},
@@ -26,7 +30,7 @@ const std::vector<DemoCase>& Worded() {
       {"TestVADProcessRefined", {"demo/speech.wav", "demo/out.wav", "none", "0"}},
       {"TestVAD", {"demo"}},
       {"TestEncodeFile", {"demo/band.wav", "demo/out.enc"}},
-      {"TestDecodeFile", {"out.enc", "demo/out.pcm", "4"}, {"TestAudioEncode"}},
+      {"TestDecodeFile", {"out.enc", "demo/out.pcm", "4"}},
       {"TestVADCodecMosByVADResult", {"demo/speech.wav", "demo/out.wav", "demo/vad.wav", "50"}},
       {"TestZUEncode", {"demo/speech.wav", "demo/out.stream", "50", "true"}},
       {"TestZUDecode", {"demo/speech.stream", "demo/out.wav", "50", "true"}},
@@ -146,6 +150,25 @@ std::optional<Sound> SoundOf(std::string_view name) {
                                          [&](const Place& place) { return place.name == name; });
   if (found == std::end(kPlaces)) return std::nullopt;
   return found->sound;
+}
+
+std::optional<SentenceName> SentenceOf(std::string_view name) {
+  constexpr std::string_view kFolder = "NOIZEUS/in/";
+  if (!name.starts_with(kFolder)) return std::nullopt;
+  const std::string base = std::filesystem::path(name).stem();
+  int number = 0;
+  int snr = 0;
+  char noise[32] = "";
+  const int fields = sscanf(base.c_str(), "sp%d_%31[a-z]_sn%d", &number, noise, &snr);
+  if (fields == 1) return SentenceName{number - 1};
+  if (fields != 3) return std::nullopt;
+  const auto& noises = harness::kNoizeusNoises;
+  const auto& levels = harness::kNoizeusLevels;
+  const auto place = std::find(std::begin(noises), std::end(noises), std::string_view(noise));
+  const auto level = std::find(std::begin(levels), std::end(levels), snr);
+  if (place == std::end(noises) || level == std::end(levels)) return std::nullopt;
+  return SentenceName{number - 1, static_cast<int>(place - std::begin(noises)),
+                      static_cast<int>(level - std::begin(levels))};
 }
 
 std::string_view TextOf(std::string_view name) {

@@ -15,8 +15,6 @@ namespace host {
 struct DemoCase {
   std::string_view routine;
   std::vector<std::string_view> arguments = {};
-  // The routines whose outputs it reads.
-  std::vector<std::string_view> after = {};
 };
 
 // One for every routine that can be run by itself, in the catalogue's order.
@@ -24,6 +22,14 @@ const std::vector<DemoCase>& DemoCases();
 
 // What belongs into a file that routines open by this name; nothing for what is no sound of ours.
 std::optional<Sound> SoundOf(std::string_view name);
+
+// Which recording of the corpus of noisy speech a name is; nothing for any other name.
+struct SentenceName {
+  int number;      // From 0, as all of these.
+  int place = -1;  // -1: clean.
+  int level = 0;
+};
+std::optional<SentenceName> SentenceOf(std::string_view name);
 
 // The text that belongs into a file of this name; empty for what is no text of ours.
 std::string_view TextOf(std::string_view name);
