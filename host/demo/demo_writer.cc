@@ -32,17 +32,15 @@ harness::WaveFormat FormatOf(const FileUse& use, Sound sound) {
 
 std::vector<std::byte> InContainer(const FileUse& use, const harness::WaveFormat& format,
                                    const std::vector<int16_t>& samples) {
-  int written = 0;
-  int kept = 0;
-  std::string what = {};
-};
-
-void Put(const FilePlace& file, std::span<const std::byte> bytes) {
-  const Placed placed = PlaceFile(m_workspace, file.place, bytes);
-  Line& line = m_lines[file.use.pattern.empty() ? file.place : file.use.pattern];
-  const bool kept = placed == Placed::kKept || placed == Placed::kThere;
-  ++(kept ? line.kept : line.written);
-  if (file.use.container != Container::kOther) line.what = FileFormat(file.use);
+  const auto pcm = std::as_bytes(std::span(samples));
+  std::vector<std::byte> bytes;
+  if (use.container != Container::kHeaderless) {
+    const auto header = wave::Header(format.rate, format.channels, 16, pcm.size());
+    const auto span = std::as_bytes(std::span(header));
+    bytes.assign(span.begin(), span.end());
+  }
+  bytes.insert(bytes.end(), pcm.begin(), pcm.end());
+  return bytes;
 }
 
 }  // namespace
@@ -91,24 +89,6 @@ void DemoWriter::WriteText(const std::string& place, const std::string& text) {
 }
 
 void DemoWriter::Put(const FilePlace& file, std::span<const std::byte> bytes) {
-  const std::string path = m_workspace + "/" + std::string(maker.stream);
-  std::error_code error;
-  if (std::filesystem::exists(path, error)) {
-    m_lines[std::string(maker.stream)] = {0, 1, "coded by " + std::string(maker.routine)};
-  } else if (RunMaker(maker) && std::filesystem::exists(path, error)) {
-    m_lines[std::string(maker.stream)] = {1, 0, "coded by " + std::string(maker.routine)};
-  } else {
-    m_lines[std::string(maker.stream)] = {0, 0, "not made: the engine at hand does not code it"};
-  }
-}
-
-const std::vector<int16_t>& DemoWriter::Rendered(Sound sound, const harness::WaveFormat& format) {
-  int written = 0;
-  int kept = 0;
-  std::string what = {};
-};
-
-void Put(const FilePlace& file, std::span<const std::byte> bytes) {
   const Placed placed = PlaceFile(m_workspace, file.place, bytes);
   Line& line = m_lines[file.use.pattern.empty() ? file.place : file.use.pattern];
   const bool kept = placed == Placed::kKept || placed == Placed::kThere;
@@ -116,10 +96,16 @@ void Put(const FilePlace& file, std::span<const std::byte> bytes) {
   if (file.use.container != Container::kOther) line.what = FileFormat(file.use);
 }
 
-std::vector<int16_t> DemoWriter::SentenceSamples(const SentenceName& sentence) {
-  const harness::WaveFormat format = FormatOf(input.use, *sound);
-  Put(input, InContainer(input.use, format, Rendered(*sound, format)));
+const std::vector<int16_t>& DemoWriter::Rendered(Sound sound, const harness::WaveFormat& format) {
+  auto& samples = m_rendered[{sound, format.rate, format.channels}];
+  if (samples.empty()) samples = Render(sound, format.rate, format.channels);
+  return samples;
 }
+
+std::vector<int16_t> DemoWriter::SentenceSamples(const SentenceName& sentence) {
+  if (!m_sentences) m_sentences.emplace();
+  if (sentence.place < 0) return m_sentences->Clean(sentence.number);
+  return m_sentences->Noisy(sentence.number, sentence.place, sentence.level);
 }
 
 void DemoWriter::Make(const StreamMaker& maker) {
@@ -135,11 +121,21 @@ void DemoWriter::Make(const StreamMaker& maker) {
 }
 
 bool DemoWriter::Run(const StreamMaker& maker) const {
-  m_lines[std::string(maker.stream)] = {1, 0, "coded by " + std::string(maker.routine)};
-}
-else {
-  m_lines[std::string(maker.stream)] = {0, 0, "not made: the engine at hand does not code it"};
-}
+  std::vector<std::string> words = {"audio_bench", "run",       std::string(maker.routine),
+                                    "--work",      m_workspace, "--"};
+  words.insert(words.end(), maker.arguments.begin(), maker.arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t quiet;
+  posix_spawn_file_actions_init(&quiet);
+  posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&quiet, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  pid_t child = 0;
+  const int fault = posix_spawn(&child, "/proc/self/exe", &quiet, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&quiet);
+  int status = -1;
+  return fault == 0 && waitpid(child, &status, 0) == child && status == 0;
 }
 
 std::string DemoWriter::Lines() const {
