@@ -16,6 +16,7 @@
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "run/run.h"
+#include "suite/case_inputs.h"
 #include "suite/case_record.h"
 
 namespace host {
@@ -136,6 +137,7 @@ Json RunOneCase(const SuitePlace& suite, size_t at) {
     for (const std::string& id : one.after) {
       TakeOutputs(suite.Report(id), suite.Workspace(id), suite.Workspace(one.id));
     }
+    PlaceInputs(one, suite.Workspace(one.id));
     if (one.demo && suite.demo.place) {
       suite.demo.place(FindRow(one.routine), suite.Workspace(one.id));
     }

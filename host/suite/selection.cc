@@ -11,6 +11,7 @@
 #include "catalogue/catalogue_text.h"
 #include "catalogue/list_filter.h"
 #include "catalogue/rows.h"
+#include "suite/case_inputs.h"
 #include "suite/case_order.h"
 #include "suite/catalogue_cases.h"
 #include "suite/suite_file.h"
@@ -28,6 +29,7 @@ void CheckCase(const SuiteCase& one) {
     const std::vector<std::string_view> words(one.arguments.begin(), one.arguments.end());
     const std::string fault = harness::ArgumentFault(row, words);
     if (!fault.empty()) throw UsageError{one.routine + " " + fault + ": " + Declaration(row)};
+    CheckInputNames(one);
   } catch (const UsageError& error) {
     throw UsageError{one.at + error.message};
   }

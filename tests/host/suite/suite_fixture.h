@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "process.h"
+#include "bench_process.h"
 #include "report_schema.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"

@@ -147,6 +147,22 @@ TEST_F(SuiteRunTest, ACaseThatFollowsAnotherReadsWhatThatHasLeft) {
   EXPECT_EQ(skipped["reason"], "not run, because first, which it follows, did not pass");
 }
 
+TEST_F(SuiteRunTest, InputsAreTakenFromWhereTheCaseSays) {
+  WriteFile("mine", std::string(320, 'x'));
+  const std::string words = "arguments = [\"/sdcard/in.pcm\", \"out.pcm\"]\n";
+  for (const char* const name : {"in.pcm", "/sdcard/in.pcm"}) {
+    EXPECT_EQ(RunCases(Case("a", "Copy", words + "in = { \"" + name + "\" = \"mine\" }")).exitCode,
+              0);
+    EXPECT_EQ(ReadFile("r/cases/a/out.pcm"), ReadFile("mine"));
+  }
+  EXPECT_EQ(RunCases(Case("a", "Copy", words + "in = { \"in.pcm\" = \"none\" }")).exitCode, 3);
+
+  const Finished suite = RunCases(Case("a", "Copy", words + "in = { \"im.pcm\" = \"mine\" }"));
+  EXPECT_EQ(suite.exitCode, 2);
+  EXPECT_THAT(suite.err,
+              HasSubstr("s.toml:2:6: in: Copy reads no \"im.pcm\" with these arguments"));
+}
+
 TEST_F(SuiteRunTest, ARepeatedCaseMustLeaveTheSameBytesWhereThatIsAsked) {
   EXPECT_EQ(RunCases(Case("a", "WritePcm", "repeat = 3\nsame_bytes = true")).exitCode, 0);
   EXPECT_EQ(RunCases(Case("a", "WriteItsProcess", "repeat = 2")).exitCode, 0);
