@@ -1,6 +1,7 @@
 #include "guards/click.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -16,9 +17,11 @@ constexpr double kAround = 0.0025;     // s on either side that a click stands o
 constexpr int64_t kLeastAround = 64;   // as many samples at the least.
 constexpr double kSamePlace = 0.002;   // s by which the place in the input may be off.
 constexpr float kLeastClick = 0.002F;  // Of full scale: what is softer is not heard as a click.
-constexpr float kStandsOut = 8;        // Times the median error on either side.
+constexpr float kStandsOut = 12;       // Times the median error on either side.
 constexpr float kOfLevel = 0.25F;      // Of the RMS of the output around: what is softer is masked.
-constexpr float kBeyondInput = 4;      // Times the largest error of the input at the place.
+constexpr size_t kEchoFrames = 13;     // In which the input may have had what is now its echo,
+constexpr float kBeyondEcho = 1.5F;    // were it not louder than the sound itself by that.
+constexpr float kBeyondInput = 6;      // Times the largest error of the input at the place.
 
 float Magnitude(std::span<const float> samples) {
   float squares = 0;
@@ -52,14 +55,14 @@ class ClickSearch {
   std::optional<int64_t> Search(int64_t first) {
     const int64_t start = first - m_around - static_cast<int64_t>(Prediction::kOrder);
     m_pairing.Output().Read(m_channel, start, m_out);
-    if (LargestError(m_out) < kLeastClick) return std::nullopt;
     m_pairing.Input().Read(m_pairing.Source(m_channel), start - m_pairing.Of(m_channel).lag, m_in);
     const Prediction prediction(m_in);
     prediction.Errors(m_out, m_outErrors);
     prediction.Errors(m_in, m_inErrors);
-    const float level = Magnitude(m_in);
+    m_before[m_frames++ % kEchoFrames] = LargestError(m_inErrors);
     m_level = Magnitude(m_out);
-    m_gain = level > 0 ? m_level / level : 0;
+    const float median = Median(m_in);
+    m_gain = median > 0 ? Median(m_out) / median : 0;
 
     // Window by window: only the largest error of each can be a click.
     for (int64_t window = 0; window < m_frame; window += m_around) {
@@ -82,6 +85,7 @@ class ClickSearch {
   bool IsClick(int64_t place) {
     const float error = std::fabs(m_outErrors[static_cast<size_t>(place)]);
     if (error < std::max(kLeastClick, kOfLevel * m_level)) return false;
+    if (error < kBeyondEcho * m_gain * std::ranges::max(m_before)) return false;
     const int64_t from = std::max<int64_t>(0, place - m_samePlace);
     const int64_t to = std::min(static_cast<int64_t>(m_inErrors.size()), place + m_samePlace + 1);
     const auto there =
@@ -93,11 +97,15 @@ class ClickSearch {
 
   // Of the errors in the output from `from` on.
   float MedianError(int64_t from) {
+    return Median(
+        std::span(m_outErrors).subspan(static_cast<size_t>(from), static_cast<size_t>(m_around)));
+  }
+
+  // Of the magnitudes.
+  float Median(std::span<const float> samples) {
     m_sorted.clear();
-    for (int64_t i = from; i < from + m_around; ++i) {
-      m_sorted.push_back(std::fabs(m_outErrors[static_cast<size_t>(i)]));
-    }
-    const auto middle = m_sorted.begin() + m_around / 2;
+    for (const float sample : samples) m_sorted.push_back(std::fabs(sample));
+    const auto middle = m_sorted.begin() + static_cast<int64_t>(samples.size() / 2);
     std::nth_element(m_sorted.begin(), middle, m_sorted.end());
     return *middle;
   }
@@ -112,8 +120,10 @@ class ClickSearch {
   std::vector<float> m_outErrors;
   std::vector<float> m_inErrors;
   std::vector<float> m_sorted = {};
-  float m_level = 0;  // Of the frame in the output,
-  float m_gain = 1;   // and against that in the input.
+  std::array<float, kEchoFrames> m_before = {};  // Largest errors in the last frames of the input.
+  size_t m_frames = 0;
+  float m_level = 0;  // RMS of the frame in the output.
+  float m_gain = 1;   // Of the output against the input, by medians, which a click leaves alone.
 };
 
 }  // namespace

@@ -26,12 +26,13 @@ void CheckFinite(const GuardInput& input, GuardHits& hits) {
   if (first == samples.end()) return;
   const auto index = static_cast<size_t>(first - samples.begin());
   const auto channels = static_cast<size_t>(input.output->channels);
+  const size_t frame = index / channels;
   const auto count = std::count_if(first, samples.end(), isOdd);
   std::string text = std::to_string(count) + " samples that are not finite";
   const bool given = input.input != nullptr && std::ranges::any_of(input.input->samples, isOdd);
   if (given) text += ", as in the input";
   hits.Add(Guard::kNotFinite,
-           {.at = static_cast<double>(index / channels) / input.output->rate,
+           {.at = static_cast<double>(frame) / input.output->rate,
             .channel = static_cast<int>(index % channels)},
            text, !given);
 }

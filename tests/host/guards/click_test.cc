@@ -30,14 +30,22 @@ TEST(ClickGuard, StandsOutFromItsSurroundings) {
 TEST(ClickGuard, WhatIsSofterThan54DecibelsIsNotHeard) {
   Sound in = Noise(0.1, 2, 1);
   for (size_t i = 48000; i < in.samples.size(); ++i) in.samples[i] = 0;
-  EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.2, 0.0022F))), nullptr);
-  EXPECT_EQ(ClickHit(Check(in, WithStep(in, 1.2, 0.0018F))), nullptr);
+  EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.5, 0.0022F))), nullptr);
+  EXPECT_EQ(ClickHit(Check(in, WithStep(in, 1.5, 0.0018F))), nullptr);
 }
 
 TEST(ClickGuard, ClicksOfTheInputAreItsOwn) {
   const Sound in = WithStep(Noise(0.003, 2, 1), 1.2, 0.1F);
   EXPECT_EQ(ClickHit(Check(in, Louder(Later(in, 0.1), -3))), nullptr);
   EXPECT_NE(ClickHit(Check(in, WithStep(in, 0.8, 0.1F))), nullptr);
+}
+
+// A quarter of a second later and no louder it is an echo of the input.
+TEST(ClickGuard, AnEchoOfTheInputIsNoClick) {
+  const Sound in = WithStep(Noise(0.003, 2, 1), 1.2, 0.1F);
+  EXPECT_EQ(ClickHit(Check(in, WithStep(in, 1.44, 0.1F))), nullptr);
+  EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.44, 0.2F))), nullptr);
+  EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.55, 0.1F))), nullptr);
 }
 
 TEST(ClickGuard, CountsPlacesAndNamesTheChannel) {
