@@ -61,8 +61,7 @@ class ClickSearch {
     prediction.Errors(m_in, m_inErrors);
     m_before[m_frames++ % kEchoFrames] = LargestError(m_inErrors);
     m_level = Magnitude(m_out);
-    const float median = Median(m_in);
-    m_gain = median > 0 ? Median(m_out) / median : 0;
+    m_gain = Gain();
 
     // Window by window: only the largest error of each can be a click.
     for (int64_t window = 0; window < m_frame; window += m_around) {
@@ -95,6 +94,15 @@ class ClickSearch {
            error > kStandsOut * MedianError(place + 1);
   }
 
+  // Of the output against the input: by medians, which a click leaves alone, where the input has
+  // any.
+  float Gain() {
+    const float median = Median(m_in);
+    if (median > 0) return Median(m_out) / median;
+    const float level = Magnitude(m_in);
+    return level > 0 ? m_level / level : 0;
+  }
+
   // Of the errors in the output from `from` on.
   float MedianError(int64_t from) {
     return Median(
@@ -123,7 +131,7 @@ class ClickSearch {
   std::array<float, kEchoFrames> m_before = {};  // Largest errors in the last frames of the input.
   size_t m_frames = 0;
   float m_level = 0;  // RMS of the frame in the output.
-  float m_gain = 1;   // Of the output against the input, by medians, which a click leaves alone.
+  float m_gain = 1;
 };
 
 }  // namespace

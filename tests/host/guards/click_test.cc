@@ -40,6 +40,11 @@ TEST(ClickGuard, ClicksOfTheInputAreItsOwn) {
   EXPECT_NE(ClickHit(Check(in, WithStep(in, 0.8, 0.1F))), nullptr);
 }
 
+TEST(ClickGuard, AClickInSilenceIsTheInputsOwn) {
+  const Sound in = WithStep(Cut(Noise(0.003, 2, 1), 1, 0.5), 1.2, 0.1F);
+  EXPECT_EQ(ClickHit(Check(in, Later(in, 0.1))), nullptr);
+}
+
 // A quarter of a second later and no louder it is an echo of the input.
 TEST(ClickGuard, AnEchoOfTheInputIsNoClick) {
   const Sound in = WithStep(Noise(0.003, 2, 1), 1.2, 0.1F);
