@@ -90,8 +90,8 @@ struct RowFiles {
 };
 
 constexpr const char* kUnwritten =
-    "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 (nothing in "
-    "the bench writes these)";
+    "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 optional "
+    "(nothing in the bench writes these)";
 
 const RowFiles kRows[] = {
     {"RunTestCase",

@@ -133,7 +133,9 @@ TEST_F(AbsenceTest, EndsEachRunAsTheTableSays) {
       const bool ran = !report["elapsed"]["value"].is_null();
       if (!ran && inputs.contains(name) && inputs.at(name)["optional"]) continue;
       const bool absent = line.missing == "all" || line.missing == name;
-      const bool missed = absent && !dispensable.contains(line.words + " " + name);
+      // A list that nothing in the bench writes: its tables stay empty without it.
+      const bool foreign = line.words == "TestNoizeus" && name.ends_with("_mcra2.pcm");
+      const bool missed = absent && !foreign && !dispensable.contains(line.words + " " + name);
       EXPECT_EQ(input["problems"] == json({"missing_input"}), missed) << line.words << ", " << name;
     }
   }
