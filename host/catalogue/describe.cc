@@ -33,6 +33,23 @@ std::string FileLines(std::string_view label, const FileGroup& group) {
   return lines;
 }
 
+// Which guards say nothing of which outputs, and why.
+std::string GuardLines(const CatalogueRow& row) {
+  std::string lines;
+  const auto add = [&](std::string_view output, const std::string& text) {
+    lines += Line(lines.empty() ? "guards" : "",
+                  (output.empty() ? "" : std::string(output) + ": ") + text);
+  };
+  for (const harness::SoundUse& sound : row.sounds) {
+    if (!sound.noSound.empty()) add(sound.output, "none: " + std::string(sound.noSound));
+    for (const harness::GuardOff& off : sound.off) {
+      add(sound.output, (off.warns ? "only a warning: " : "without ") + std::string(off.guard) +
+                            ": " + std::string(off.reason));
+    }
+  }
+  return lines;
+}
+
 }  // namespace
 
 std::string Describe(std::string_view routine) {
@@ -43,6 +60,7 @@ std::string Describe(std::string_view routine) {
   text += Line("exercises", row.exercises);
   for (const FileGroup& input : GroupFiles(row.inputs)) text += FileLines("input", input);
   for (const FileGroup& output : GroupFiles(row.outputs)) text += FileLines("output", output);
+  text += GuardLines(row);
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
   text += Line("device", DeviceName(row));
   text += Line("duration", Duration(row));

@@ -97,6 +97,20 @@ Json ResultsJson(const std::vector<Result>& results) {
   return json;
 }
 
+Json GuardsJson(const std::vector<FileReport>& outputs) {
+  Json json = Json::array();
+  for (const FileReport& output : outputs) {
+    for (const GuardHit& hit : output.guards) {
+      json.push_back({{"name", hit.Name()},
+                      {"file", output.place.name},
+                      {"at", Number(hit.at)},
+                      {"channel", hit.channel ? Json(*hit.channel) : Json()},
+                      {"fails", hit.fails}});
+    }
+  }
+  return json;
+}
+
 Json FilesJson(const std::vector<FileReport>& files) {
   Json json = Json::array();
   for (const FileReport& file : files) json.push_back(FileJson(file));
@@ -171,6 +185,7 @@ std::string JsonReport(const RunReport& report) {
   AddFigures(report, json);
   json["log"] = report.log;
   json["results"] = ResultsJson(report.results);
+  json["guards"] = GuardsJson(report.outputs);
   json["inputs"] = FilesJson(report.inputs);
   json["outputs"] = FilesJson(report.outputs);
   return JsonText(json);

@@ -9,6 +9,7 @@
 #include "files/audio_layout.h"
 #include "files/wave_copy.h"
 #include "files/workspace.h"
+#include "guards/guards.h"
 #include "process/child.h"
 #include "recording/staged_record.h"
 #include "report/verdict.h"
@@ -52,8 +53,9 @@ struct FileReport {
   std::string unmeasured = {};  // Why there are no figures of its channels, where there might be.
   bool givenUp =
       false;  // The limits of the run ended the look at it, which is no fault of the file.
-  bool changed = false;  // An input during the run, an output while it was looked at.
-  bool figures = true;   // Whether those of its channels were asked for.
+  bool changed = false;               // An input during the run, an output while it was looked at.
+  std::vector<GuardHit> guards = {};  // That an output hits.
+  bool figures = true;                // Whether those of its channels were asked for.
 };
 
 // Why a run goes no further, where that is known before its routine has been started.
@@ -77,6 +79,7 @@ struct RunReport {
   std::vector<FileReport> outputs = {};
   std::vector<HandedOver> handedOver = {};
   std::string kept = {};       // The temporary workspace, where it is kept; else empty.
+  bool strict = false;         // Whether a warning is a failure.
   std::string fruitless = {};  // Why nothing comes out of these arguments; empty when it does.
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};

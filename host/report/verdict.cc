@@ -35,11 +35,13 @@ struct CauseFacts {
 
 // From bad to worse.
 constexpr CauseFacts kCauses[] = {
+    {Cause::kGuardWarning, "guard_warning", Verdict::kWarn, exit_code::kPass},
     {Cause::kInputAsItIs, "input_as_it_is", Verdict::kWarn, exit_code::kPass},
     {Cause::kInputNotWhole, "input_not_whole", Verdict::kWarn, exit_code::kPass},
     {Cause::kNotDelivered, "not_delivered", Verdict::kError, exit_code::kUsage},
     {Cause::kNotRunnable, "not_runnable", Verdict::kSkip, exit_code::kSkip},
     {Cause::kLogIncomplete, "log_incomplete", Verdict::kError, exit_code::kUsage},
+    {Cause::kGuard, "guard", Verdict::kFail, exit_code::kFail},
     {Cause::kCopyFailed, "copy_failed", Verdict::kFail, exit_code::kFail},
     {Cause::kSamplesNotFinite, "samples_not_finite", Verdict::kFail, exit_code::kFail},
     {Cause::kOutputNotMeasured, "output_not_measured", Verdict::kFail, exit_code::kFail},

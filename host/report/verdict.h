@@ -16,9 +16,11 @@ const char* VerdictName(Verdict verdict);  // "pass", "warn", "fail", "error", "
 enum class Cause {
   kInputAsItIs,
   kInputNotWhole,
+  kGuardWarning,
   kNotDelivered,
   kNotRunnable,
   kLogIncomplete,
+  kGuard,
   kCopyFailed,
   kSamplesNotFinite,
   kOutputNotMeasured,

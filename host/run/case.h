@@ -20,6 +20,7 @@ struct Case {
   std::string json = {};  // Where the report goes as JSON; empty for nowhere.
   bool wait = false;      // For the end of another run in the workspace.
   bool wav = false;       // Also write WAVE copies of headerless audio outputs.
+  bool strict = false;    // A warning is a failure.
   bool figures = false;   // Also measure the files of lists.
   // Recordings to put in the place of inputs, and where outputs go: "FILE" or "NAME=FILE".
   std::vector<std::string> in = {};

@@ -13,6 +13,7 @@
 #include "files/regular_file.h"
 #include "files/wave_copy.h"
 #include "run/collect_results.h"
+#include "run/guard_outputs.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -115,6 +116,10 @@ RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
   }
   for (size_t i = 0; i < plan.outputs.size(); ++i) {
     report.outputs.push_back(examiner.Output(plan.outputs[i], executed.outputsBefore[i]));
+  }
+  const ChildOutcome::End end = report.outcome->end;
+  if (end == ChildOutcome::End::kReturned || end == ChildOutcome::End::kStopped) {
+    GuardOutputs(plan, limits, report);
   }
   report.results = CollectResults(plan, std::move(executed.heard), report, limits);
   report.lookEnded = examiner.lookEnded();

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
@@ -130,6 +131,31 @@ std::optional<Problem> InputProblemAfter(const FileReport& input, const ChildOut
   return Problem{Cause::kReadError, name + " could not be read: " + reason};
 }
 
+// What the guards say of an output.
+void AddGuardProblems(const FileReport& output, std::vector<Problem>& problems) {
+  for (const GuardHit& hit : output.guards) {
+    std::string text = "output " + FileName(output.place) + ": " + hit.Name() + ": " + hit.text;
+    if (hit.at) text += ", at " + Seconds(*hit.at);
+    if (hit.channel && output.audio) {
+      text += ", " + ChannelName(*hit.channel, output.audio->channels);
+    }
+    problems.push_back({hit.fails ? Cause::kGuard : Cause::kGuardWarning, text});
+  }
+}
+
+// Takes warnings for failures.
+Problems Strict(Problems problems) {
+  const auto take = [](std::vector<Problem>& own) {
+    for (Problem& problem : own) {
+      if (IsWarning(problem.cause)) problem.cause = Cause::kGuard;
+    }
+  };
+  take(problems.run);
+  for (std::vector<Problem>& own : problems.inputs) take(own);
+  for (std::vector<Problem>& own : problems.outputs) take(own);
+  return problems;
+}
+
 void JudgeOutput(const FileReport& output, const ChildOutcome& outcome,
                  std::vector<Problem>& problems) {
   if (const auto problem = NotWritten(output, outcome)) {
@@ -137,6 +163,7 @@ void JudgeOutput(const FileReport& output, const ChildOutcome& outcome,
   } else {
     AddLookProblems(output, problems);
     AddContentProblems(output, problems);
+    AddGuardProblems(output, problems);
   }
 }
 
@@ -215,8 +242,8 @@ RunReport Judged(RunReport report) {
     report.judgement = Judge({report.stop->problem});
     return report;
   }
-  const Problems problems =
-      report.outcome ? RunProblems(report, report.timeout) : KnownProblems(report);
+  Problems problems = report.outcome ? RunProblems(report, report.timeout) : KnownProblems(report);
+  if (report.strict) problems = Strict(std::move(problems));
   report.judgement = Judge(problems.All());
   for (size_t i = 0; i < report.inputs.size(); ++i) report.inputs[i].problems = problems.inputs[i];
   for (size_t i = 0; i < report.outputs.size(); ++i) {

@@ -74,6 +74,7 @@ RunReport ReportOf(const Plan& plan) {
           .timeout = plan.timeout,
           .routine = plan.what.routine,
           .arguments = plan.what.arguments,
+          .strict = plan.what.strict,
           .fruitless = plan.fruitless,
           .stop = plan.stop};
 }

@@ -21,6 +21,7 @@ std::vector<CatalogueRow> AllRows() {
       row.group = group;
       row.results = ResultLines(row.declared.words.name);
       row.tables = ResultTables;
+      row.sounds = Sounds(row.declared.words.name);
       all.push_back(std::move(row));
     }
   }

@@ -8,6 +8,7 @@
 #include "catalogue/files.h"
 #include "catalogue/invoke.h"
 #include "catalogue/results.h"
+#include "catalogue/sounds.h"
 #include "harness/declared.h"
 
 // What the catalogue says of one routine, and how it is run with the words of a command line.
@@ -61,6 +62,8 @@ struct CatalogueRow {
   std::span<const ResultLine> results = {};
   // The tables among the outputs of one run. Null: none.
   std::vector<ResultTable> (*tables)(std::span<const FileUse> outputs) = nullptr;
+  // What its audio outputs are made from. An output that none of them names has no guards.
+  std::span<const SoundUse> sounds = {};
   Device device = Device::kNone;
   double seconds = 0;  // How long a run takes by the clock; 0: as fast as its input is processed.
   // How long what the routine has started may run on after it has returned, in seconds, such as a

@@ -73,6 +73,13 @@ std::vector<FileUse> ListInputs() {
   return files;
 }
 
+FileUse Pcm16k(const std::string& name) {
+  return {.name = name, .container = Container::kHeaderless, .rate = 16000, .channels = 1};
+}
+
+constexpr harness::GuardOff kWithoutLevel[] = {{"level", "its gain is free"}};
+constexpr harness::SoundUse kBroken[] = {{.input = "in.pcm", .off = kWithoutLevel}};
+
 constexpr harness::ResultLine kResults[] = {
     {.name = "delay", .unit = "ms", .stands = harness::Stands::kLogged, .line = "delay: *, #"},
     {.name = "tempo", .unit = "BPM", .line = "bpm=#"},
@@ -93,6 +100,10 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::Echo, .exercises = "arguments"},
           {.declared = declared::PrintAndLog},
           {.declared = declared::PrintPartOfALine},
+          {.declared = declared::Break,
+           .inputs = {Pcm16k("in.pcm")},
+           .outputs = {Pcm16k("broken.pcm")},
+           .sounds = kBroken},
           {.declared = declared::Measure, .outputs = {{.name = "beats.txt"}}, .results = kResults},
           {.declared = declared::Crash},
           {.declared = declared::Abort},

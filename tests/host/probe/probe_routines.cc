@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -62,6 +63,27 @@ void Echo(const char* text, char* more, bool flag, int number) {
 void PrintAndLog() {
   printf("printed\n");
   fprintf(stderr, "logged\n");
+}
+
+void Break(const char* how) {
+  const std::string fault(how);
+  std::vector<short> samples(48000);
+  FILE* const in = fopen("in.pcm", "rb");
+  samples.resize(fread(samples.data(), sizeof(short), samples.size(), in));
+  fclose(in);
+  for (size_t i = 0; i < samples.size(); ++i) {
+    const int sample = samples[i];
+    if (fault == "softer") samples[i] = static_cast<short>(sample / 2);
+    if (fault == "mute") samples[i] = 0;
+    if (fault == "inverted") samples[i] = static_cast<short>(-sample / 2);
+    if (fault == "holes" && i % 40 == 0) samples[i] = 0;
+    if (fault == "loud") samples[i] = static_cast<short>(std::clamp(4 * sample, -32768, 32767));
+    if (fault == "gap" && i >= 20000 && i < 20160) samples[i] = 0;
+    if (fault == "offset") samples[i] = static_cast<short>(sample / 2 + 2000);
+    if (fault == "faint") samples[i] = static_cast<short>(sample / 20);
+  }
+  if (fault == "cut") samples.resize(samples.size() / 2);
+  WriteFile("broken.pcm", samples);
 }
 
 void Measure(bool whole) {

@@ -10,7 +10,8 @@ ROUTINE(void, Nothing);
 ROUTINE(void, Echo, const char* text, char* more, bool flag, int number);
 ROUTINE(void, PrintAndLog);
 ROUTINE(void, PrintPartOfALine);
-ROUTINE(void, Measure, bool whole);  // Says what it found, in whole lines or in torn ones.
+ROUTINE(void, Break, const char* how);  // Copies "in.pcm" to "broken.pcm", with a fault.
+ROUTINE(void, Measure, bool whole);     // Says what it found, in whole lines or in torn ones.
 ROUTINE(void, Crash);
 ROUTINE(void, Abort);
 ROUTINE(void, Throw);

@@ -17,11 +17,13 @@ struct Expected {
 };
 
 // From the least to the worst.
-const Expected kExpected[] = {{Cause::kInputAsItIs, "input_as_it_is", "warn", 0},
+const Expected kExpected[] = {{Cause::kGuardWarning, "guard_warning", "warn", 0},
+                              {Cause::kInputAsItIs, "input_as_it_is", "warn", 0},
                               {Cause::kInputNotWhole, "input_not_whole", "warn", 0},
                               {Cause::kNotDelivered, "not_delivered", "error", 2},
                               {Cause::kNotRunnable, "not_runnable", "skip", 77},
                               {Cause::kLogIncomplete, "log_incomplete", "error", 2},
+                              {Cause::kGuard, "guard", "fail", 1},
                               {Cause::kCopyFailed, "copy_failed", "fail", 1},
                               {Cause::kSamplesNotFinite, "samples_not_finite", "fail", 1},
                               {Cause::kOutputNotMeasured, "output_not_measured", "fail", 1},

@@ -1,0 +1,110 @@
+#include "run/guard_outputs.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "files/audio_figures.h"
+#include "files/regular_file.h"
+#include "guards/guards.h"
+
+namespace host {
+
+namespace {
+
+using harness::SoundUse;
+
+// Both signals are held in memory: what is longer has no guards on its sound.
+constexpr uint64_t kMaxSamples = 100'000'000;
+
+// The samples of a file.
+class Loaded {
+ public:
+  // Null where the file holds no samples that are decoded here, or too many.
+  const Signal* Load(const FileReport& file, const std::function<bool()>& goOn) {
+    const std::optional<AudioLayout>& audio = file.audio;
+    if (file.absent || !audio || !audio->samples || audio->rate <= 0) return nullptr;
+    const uint64_t width = *audio->samples == SampleType::kPcm16 ? 2 : 4;
+    if (audio->bytes == 0 || audio->bytes / width > kMaxSamples) return nullptr;
+    const std::unique_ptr<FILE, int (*)(FILE*)> stream(OpenRegular(file.place.path), fclose);
+    if (stream == nullptr) return nullptr;
+    m_samples.clear();
+    m_samples.reserve(audio->bytes / width);
+    const std::string fault =
+        ForEachSampleBlock(stream.get(), *audio, [&](std::span<const float> block) {
+          m_samples.insert(m_samples.end(), block.begin(), block.end());
+          return goOn();
+        });
+    if (!fault.empty() || m_samples.empty()) return nullptr;
+    m_signal = {.samples = m_samples,
+                .rate = audio->rate,
+                .channels = audio->channels,
+                .bits = width == 2 ? 16 : 0};
+    return &m_signal;
+  }
+
+ private:
+  std::vector<float> m_samples;
+  Signal m_signal;
+};
+
+const SoundUse* FindSound(std::span<const SoundUse> sounds, const FileUse& output) {
+  for (const SoundUse& sound : sounds) {
+    if (output.name.ends_with(sound.output)) return &sound;
+  }
+  return nullptr;
+}
+
+GuardRules RulesOf(const SoundUse& sound) {
+  GuardRules rules;
+  rules.comparable = sound.comparable;
+  rules.lengthFactor = sound.lengthFactor;
+  rules.lengthTolerance = sound.lengthTolerance;
+  rules.leastLevel = sound.leastLevel;
+  rules.mostLevel = sound.mostLevel;
+  for (const harness::GuardOff& off : sound.off) {
+    if (const auto guard = FindGuard(off.guard))
+      rules[*guard] = off.warns ? GuardAction::kWarn : GuardAction::kOff;
+  }
+  return rules;
+}
+
+// The input that the output number `place` under this rule was made from; null for none.
+const FileReport* InputOf(const SoundUse& sound, size_t place, std::span<const FileReport> inputs) {
+  if (sound.input.empty()) return nullptr;
+  std::vector<const FileReport*> fitting;
+  for (const FileReport& input : inputs) {
+    if (input.place.use.name.ends_with(sound.input)) fitting.push_back(&input);
+  }
+  return fitting.empty() ? nullptr : fitting[place % fitting.size()];
+}
+
+}  // namespace
+
+void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
+  const auto goOn = [&] { return limits.Check() == Limits::Stop::kNone; };
+  // No microphone hears nothing but zeros.
+  const bool captures = plan.row->device == Device::kCapture || plan.row->device == Device::kBoth;
+  std::map<const SoundUse*, size_t> places;
+  Loaded input;
+  Loaded output;
+  for (FileReport& file : report.outputs) {
+    const SoundUse* const sound = FindSound(plan.row->sounds, file.place.use);
+    if (sound == nullptr) continue;
+    const size_t place = places[sound]++;
+    if (!sound->noSound.empty() || file.state != OutputState::kWritten) continue;
+    if (file.changed || !goOn()) continue;
+    const Signal* const made = output.Load(file, goOn);
+    if (made == nullptr) continue;
+    const FileReport* const source = InputOf(*sound, place, report.inputs);
+    file.guards = CheckGuards(
+        {.input = source == nullptr || source->changed ? nullptr : input.Load(*source, goOn),
+         .output = made,
+         .rules = RulesOf(*sound),
+         .facts = {.nullDevice = source == nullptr && captures}});
+  }
+}
+
+}  // namespace host
