@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/create_payload_codec.h"
 #include "desktop/codec/parts/packet_codec.h"
 #include "desktop/common/counts.h"
 #include "engine_api/codec/codec_format.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/create_payload_codec.h"
 #include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 

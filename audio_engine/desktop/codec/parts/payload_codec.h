@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 namespace desktop {
 
@@ -58,13 +57,5 @@ class PayloadDecoder {
   // Makes up a block in place of one that was lost. False when there is nothing to make it from.
   virtual bool Conceal(short* block) = 0;
 };
-
-// Null when the library does not code that.
-std::unique_ptr<PayloadEncoder> CreatePayloadEncoder(const CodecSetup& setup);
-std::unique_ptr<PayloadDecoder> CreatePayloadDecoder(const CodecSetup& setup);
-
-// By how many frames a signal is late after an encoder and a decoder of one of the codec families:
-// measured. blockFrames: the length of a block.
-int PayloadCodecLag(const CodecSetup& setup, size_t blockFrames);
 
 }  // namespace desktop

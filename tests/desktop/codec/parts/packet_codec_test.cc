@@ -8,6 +8,7 @@
 
 #include "desktop/codec/codec_material.h"
 #include "desktop/codec/parts/codec_table.h"
+#include "desktop/codec/parts/create_payload_codec.h"
 #include "engine_api/codec/audio_processor.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/codec/stream_to_aac.h"

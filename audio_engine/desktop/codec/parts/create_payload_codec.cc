@@ -1,4 +1,4 @@
-#include "desktop/codec/parts/payload_codec.h"
+#include "desktop/codec/parts/create_payload_codec.h"
 
 #include "desktop/codec/parts/aac_codec.h"
 #include "desktop/codec/parts/amr_wb_codec.h"
@@ -8,32 +8,36 @@
 
 namespace desktop {
 
-std::unique_ptr<PayloadEncoder> CreatePayloadEncoder(const CodecSetup& setup) {
-  switch (setup.variant->coder) {
+namespace {
+
+// What codes and decodes with one library.
+struct Library {
+  std::unique_ptr<PayloadEncoder> (*createEncoder)(const CodecSetup& setup);
+  std::unique_ptr<PayloadDecoder> (*createDecoder)(const CodecSetup& setup);
+};
+
+Library LibraryOf(Coder coder) {
+  switch (coder) {
     case Coder::kOpus:
     case Coder::kSilk:
-      return CreateOpusEncoder(setup);
+      return {CreateOpusEncoder, CreateOpusDecoder};
     case Coder::kSpeex:
-      return CreateSpeexEncoder(setup);
+      return {CreateSpeexEncoder, CreateSpeexDecoder};
     case Coder::kAmrWb:
-      return CreateAmrWbEncoder(setup);
+      return {CreateAmrWbEncoder, CreateAmrWbDecoder};
     default:
-      return CreateAacEncoder(setup);
+      return {CreateAacEncoder, CreateAacDecoder};
   }
 }
 
+}  // namespace
+
+std::unique_ptr<PayloadEncoder> CreatePayloadEncoder(const CodecSetup& setup) {
+  return LibraryOf(setup.variant->coder).createEncoder(setup);
+}
+
 std::unique_ptr<PayloadDecoder> CreatePayloadDecoder(const CodecSetup& setup) {
-  switch (setup.variant->coder) {
-    case Coder::kOpus:
-    case Coder::kSilk:
-      return CreateOpusDecoder(setup);
-    case Coder::kSpeex:
-      return CreateSpeexDecoder(setup);
-    case Coder::kAmrWb:
-      return CreateAmrWbDecoder(setup);
-    default:
-      return CreateAacDecoder(setup);
-  }
+  return LibraryOf(setup.variant->coder).createDecoder(setup);
 }
 
 int PayloadCodecLag(const CodecSetup& setup, size_t blockFrames) {
