@@ -14,20 +14,20 @@
 
 namespace {
 
-constexpr uint32_t kPieceFrames = 1024;  // As a player reads.
-constexpr size_t kPieces = 100;          // Between two looks at the clock.
+constexpr uint32_t kBlockFrames = 1024;  // As a player reads.
+constexpr size_t kBlocks = 100;          // Between two looks at the clock.
 constexpr double kTaps = 160;            // For each frame of the higher rate.
 
 // The rates from and to which. Both works in turn, so that a change of the clock rate meets both.
 void ChangeOfRate(benchmark::State& state) {
   const auto source = static_cast<uint32_t>(state.range(0));
   const auto target = static_cast<uint32_t>(state.range(1));
-  desktop::Resampler resampler(source, 2, target, 2, kPieceFrames);
+  desktop::Resampler resampler(source, 2, target, 2, kBlockFrames);
   Noise noise(1);
-  std::vector<short> in(size_t{2} * kPieceFrames);
-  std::vector<short> out(size_t{2} * resampler.MostFramesFor(kPieceFrames));
+  std::vector<short> in(size_t{2} * kBlockFrames);
+  std::vector<short> out(size_t{2} * resampler.MostFramesFor(kBlockFrames));
   FillRecording(noise, in.data(), in.size());
-  const double audio = kPieces * double{kPieceFrames} / source;  // Seconds.
+  const double audio = kBlocks * double{kBlockFrames} / source;  // Seconds.
   const double multiplyAdds = 2 * kTaps * audio * std::max(source, target);
 
   double seconds = 0;
@@ -35,8 +35,8 @@ void ChangeOfRate(benchmark::State& state) {
   double peakDone = 0;
   for (auto _ : state) {
     const double took = TimeOf([&] {
-      for (size_t piece = 0; piece < kPieces; ++piece) {
-        resampler.Convert(in.data(), kPieceFrames, out.data());
+      for (size_t block = 0; block < kBlocks; ++block) {
+        resampler.Convert(in.data(), kBlockFrames, out.data());
         benchmark::DoNotOptimize(out.data());
       }
     });

@@ -61,9 +61,11 @@ PlacedText Needed(const std::optional<PlacedText>& text, const CaseTables& table
 
 // Why an id cannot be the name of a folder; empty when it can.
 std::string IdFault(const std::string& id) {
-  constexpr size_t kMost = 200;  // Bytes
+  constexpr size_t kMaxIdBytes = 200;
   if (id.empty()) return "an id is empty";
-  if (id.size() > kMost) return "an id is longer than " + std::to_string(kMost) + " bytes: " + id;
+  if (id.size() > kMaxIdBytes) {
+    return "an id is longer than " + std::to_string(kMaxIdBytes) + " bytes: " + id;
+  }
   const bool control = std::any_of(id.begin(), id.end(),
                                    [](unsigned char byte) { return byte < ' ' || byte == 127; });
   if (control || id.find('/') != std::string::npos || id.starts_with('.')) {

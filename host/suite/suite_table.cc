@@ -11,8 +11,8 @@ namespace host {
 
 namespace {
 
-constexpr int kMostRepeats = 10000;
-constexpr double kMostSeconds = 1e6;
+constexpr int kMaxRepeats = 10000;
+constexpr double kMaxTimeoutSeconds = 1e6;
 
 // "a string", "a whole number", ...
 std::string Kind(const toml::node& node) {
@@ -128,7 +128,7 @@ std::optional<double> SuiteTable::Seconds(std::string_view key) const {
   const char* const expected = "a number of seconds between 0 and 1000000";
   if (!node->is_number()) RefuseNode(m_file, *node, key, expected);
   const double seconds = node->value<double>().value_or(0);
-  if (seconds > 0 && seconds <= kMostSeconds) return seconds;
+  if (seconds > 0 && seconds <= kMaxTimeoutSeconds) return seconds;
   std::ostringstream text;
   text << PlaceOf(m_file, node->source()) << key << " must be " << expected << ", not " << seconds;
   throw UsageError{text.str()};
@@ -144,10 +144,10 @@ std::optional<bool> SuiteTable::Flag(std::string_view key) const {
 std::optional<int> SuiteTable::Count(std::string_view key) const {
   const toml::node* const node = m_table.get(key);
   if (node == nullptr) return std::nullopt;
-  const std::string expected = "a whole number from 1 to " + std::to_string(kMostRepeats);
+  const std::string expected = "a whole number from 1 to " + std::to_string(kMaxRepeats);
   if (!node->is_integer()) RefuseNode(m_file, *node, key, expected);
   const int64_t count = node->as_integer()->get();
-  if (count >= 1 && count <= kMostRepeats) return static_cast<int>(count);
+  if (count >= 1 && count <= kMaxRepeats) return static_cast<int>(count);
   throw UsageError{PlaceOf(m_file, node->source()) + std::string(key) + " must be " + expected +
                    ", not " + std::to_string(count)};
 }

@@ -47,7 +47,8 @@ void WriteCorpus(const std::filesystem::path& folder) {
 }
 
 void Search(const std::vector<std::string>& words) {
-  constexpr size_t kMostKept = 1 << 20;  // Tables that are made at first use, and the allocator's.
+  // Tables that are made at first use, and the allocator's.
+  constexpr size_t kMaxKeptBytes = 1 << 20;
   const TemporaryDirectory directory;
   const std::vector<std::string> seeds = Seeds();
   for (const std::string& seed : seeds) Run(seed);
@@ -57,7 +58,7 @@ void Search(const std::vector<std::string>& words) {
   for (int i = 0; i < kIterations; ++i) Run(mutator.Next());
   REQUIRE(OpenDescriptors() == descriptors);
   REQUIRE(AllocatedBytes() <=
-          bytes + kMostKept + static_cast<size_t>(kIterations) * LostByLibraries());
+          bytes + kMaxKeptBytes + static_cast<size_t>(kIterations) * LostByLibraries());
 }
 
 }  // namespace

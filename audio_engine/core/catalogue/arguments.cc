@@ -26,7 +26,7 @@ bool Argument<int*>::Parse(std::string_view word) {
     word.remove_prefix(std::min(comma + 1, word.size()));
   }
   const bool pairs = !numbers.empty() && numbers.size() % 2 == 0;
-  if (!pairs || numbers.size() > 2 * kMostPairs) return false;
+  if (!pairs || numbers.size() > 2 * kMaxPairs) return false;
   numbers.push_back(-1);
   return true;
 }

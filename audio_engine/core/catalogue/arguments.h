@@ -98,7 +98,7 @@ struct Argument<T> {
 // "none" a null pointer. What the routine gets ends in -1.
 template <>
 struct Argument<int*> {
-  static constexpr size_t kMostPairs = 15;
+  static constexpr size_t kMaxPairs = 15;
   static std::string Expected() {
     return "\"none\" or up to 15 pairs of numbers such as 1200,5000,9000,4000";
   }

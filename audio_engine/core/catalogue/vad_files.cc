@@ -13,8 +13,8 @@ namespace harness {
 
 namespace {
 
-constexpr int kMostSegments = 15;     // With more of them the batch ends.
-constexpr size_t kMostOfAName = 255;  // What follows is taken for something else.
+constexpr int kMaxSegments = 15;       // With more of them the batch ends.
+constexpr size_t kMaxNameBytes = 255;  // What follows is taken for something else.
 
 // Reads a text as the batch reads its file by fscanf, each byte once.
 class Scanner {
@@ -45,7 +45,7 @@ class Scanner {
     const auto isSpace = [](unsigned char letter) { return std::isspace(letter) != 0; };
     const auto end = std::find_if(m_left.begin(), m_left.end(), isSpace);
     const auto length = static_cast<size_t>(end - m_left.begin());
-    word = m_left.substr(0, std::min(length, kMostOfAName));
+    word = m_left.substr(0, std::min(length, kMaxNameBytes));
     m_left.remove_prefix(word.size());
     return !word.empty();
   }
@@ -79,7 +79,7 @@ std::vector<FileUse> VadRecordings(std::string_view description) {
     if (!scanner.ReadWord(name)) break;
     int segments = 0;
     scanner.ReadNumber(segments);
-    if (segments > kMostSegments) break;
+    if (segments > kMaxSegments) break;
     // A zero byte is read like a letter, and ends the name that is opened.
     name = name.substr(0, name.find('\0'));
     recordings.push_back(MonoWave("F:/Stream/vad/input/" + std::string(name)));

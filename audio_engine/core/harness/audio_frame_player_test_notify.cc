@@ -17,9 +17,9 @@ bool ReadRecord(FILE* file, size_t bytes, uint8_t (&data)[capacity]) {
   if (fread(data, kept, 1, file) != 1) return false;
   uint8_t dropped[1024];
   for (size_t left = bytes - kept; left > 0;) {
-    const size_t piece = std::min(left, sizeof dropped);
-    if (fread(dropped, piece, 1, file) != 1) return false;
-    left -= piece;
+    const size_t count = std::min(left, sizeof dropped);
+    if (fread(dropped, count, 1, file) != 1) return false;
+    left -= count;
   }
   return true;
 }

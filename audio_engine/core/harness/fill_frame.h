@@ -12,8 +12,8 @@ void FillFrame(zuwebrtc::AudioFrame& frame, const short* samples, int count, int
 
 // As many of `count` samples as the data of a frame hold, for writing them out.
 inline unsigned FrameSamples(unsigned count) {
-  constexpr unsigned kMost = zuwebrtc::AudioFrame::kMaxDataSizeSamples;
-  return count < kMost ? count : kMost;
+  constexpr unsigned kMax = zuwebrtc::AudioFrame::kMaxDataSizeSamples;
+  return count < kMax ? count : kMax;
 }
 
 }  // namespace harness

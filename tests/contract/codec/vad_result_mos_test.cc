@@ -257,7 +257,7 @@ TEST(TestVADCodecMosByVADResult, KeepsFromTheDecoderWhatReachesPastTheEnd) {
   EXPECT_THAT(engine.CallsWith("CAudioCodec#2.Process"), IsEmpty());
 }
 
-TEST(TestVADCodecMosByVADResult, WritesTheMarksOfLongFramesInPieces) {
+TEST(TestVADCodecMosByVADResult, WritesTheMarksOfLongFramesInBlocks) {
   FakeEngine engine;
   engine.script<CodecFormatScript>().format = [](int id) {
     return CodecFormat(id, 44100, 1, 2049);  // The last part is of one sample.

@@ -7,7 +7,7 @@ namespace {
 
 using Lines = std::span<const std::string>;
 
-constexpr size_t kMostCells = 4'000'000;
+constexpr size_t kMaxCells = 4'000'000;
 
 // The lengths of the longest common subsequences of all pairs of tails.
 std::vector<std::vector<int>> CommonTails(Lines a, Lines b) {
@@ -33,7 +33,7 @@ std::vector<std::string> Difference(const std::vector<std::string>& before,
   std::vector<std::string> lines;
   size_t i = 0;
   size_t j = 0;
-  if ((a.size() + 1) * (b.size() + 1) <= kMostCells) {
+  if ((a.size() + 1) * (b.size() + 1) <= kMaxCells) {
     const auto common = CommonTails(a, b);
     while (i < a.size() && j < b.size()) {
       if (a[i] == b[j]) {

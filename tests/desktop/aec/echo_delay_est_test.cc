@@ -11,17 +11,17 @@
 
 namespace {
 
-// The delay at the end of every second, fed in pieces of `piece` samples.
+// The delay at the end of every second, fed in blocks of `block` samples.
 std::vector<int> Delays(CEchoDelayEst& estimator, const Samples& far, const Samples& near, int rate,
-                        int piece) {
+                        int block) {
   std::vector<int> delays;
   int fed = 0;
-  for (size_t at = 0; at + static_cast<size_t>(piece) <= near.size();
-       at += static_cast<size_t>(piece)) {
-    estimator.ProcessFar(&far[at], piece);
-    estimator.ProcessNear(&near[at], piece);
-    fed += piece;
-    if (fed / rate != (fed - piece) / rate) delays.push_back(estimator.GetDelay());
+  for (size_t at = 0; at + static_cast<size_t>(block) <= near.size();
+       at += static_cast<size_t>(block)) {
+    estimator.ProcessFar(&far[at], block);
+    estimator.ProcessNear(&near[at], block);
+    fed += block;
+    if (fed / rate != (fed - block) / rate) delays.push_back(estimator.GetDelay());
   }
   return delays;
 }

@@ -125,14 +125,14 @@ TEST_P(EachCodec, CollectsFramesFromInputOfAnyLength) {
   std::string expected;
   for (const std::string& packet : packets) expected += packet;
 
-  for (const size_t piece : {size_t{1001}, size_t{100000}}) {
+  for (const size_t count : {size_t{1001}, size_t{100000}}) {
     m_encoder = OpenCodec(m_id, kAudioLibraryEncoder);
     std::string bytes;
     const std::string in = BytesOf(voice);
-    for (size_t at = 0; at < in.size(); at += piece) {
-      bytes += Process(*m_encoder, in.substr(at, piece));
+    for (size_t at = 0; at < in.size(); at += count) {
+      bytes += Process(*m_encoder, in.substr(at, count));
     }
-    EXPECT_EQ(bytes, expected) << piece;
+    EXPECT_EQ(bytes, expected) << count;
   }
   // Several packets at once come back as several frames.
   EXPECT_EQ(Process(*m_decoder, packets[0] + packets[1]).size(), 2 * BlockBytes());

@@ -41,9 +41,9 @@ class Processor {
     return {target.begin(), target.begin() + bytes};
   }
 
-  std::string InPieces(const std::string& in, size_t piece, uint32_t room = 65536) {
+  std::string InParts(const std::string& in, size_t bytes, uint32_t room = 65536) {
     std::string out;
-    for (size_t at = 0; at < in.size(); at += piece) out += Process(in.substr(at, piece), room);
+    for (size_t at = 0; at < in.size(); at += bytes) out += Process(in.substr(at, bytes), room);
     return out;
   }
 
@@ -74,9 +74,9 @@ TEST_P(EachId, CodesSamplesAndBringsThemBack) {
   Processor encoder(pcm, m_format);
   Processor decoder(m_format, pcm);
   const Samples voice = Voice(m_format.iSampleRate, m_format.iNumOfChannels, 2);
-  const std::string stream = encoder.InPieces(BytesOf(voice), 4000);
+  const std::string stream = encoder.InParts(BytesOf(voice), 4000);
   EXPECT_GT(stream.size(), 1000U);
-  const Samples decoded = SamplesOf(decoder.InPieces(stream, 300));
+  const Samples decoded = SamplesOf(decoder.InParts(stream, 300));
   const auto frame =
       static_cast<size_t>(m_format.iSamplesOfFrame) * static_cast<size_t>(m_format.iNumOfChannels);
   EXPECT_EQ(decoded.size(), voice.size() / frame * frame);
@@ -86,11 +86,11 @@ TEST_P(EachId, CodesSamplesAndBringsThemBack) {
 TEST_P(EachId, DoesNotMindHowTheStreamIsCut) {
   const AudioStreamFormat pcm = Pcm(m_format.iSampleRate, m_format.iNumOfChannels);
   const std::string voice = BytesOf(Voice(m_format.iSampleRate, m_format.iNumOfChannels, 0.5));
-  const std::string stream = Processor(pcm, m_format).InPieces(voice, 4000);
-  const std::string samples = Processor(m_format, pcm).InPieces(stream, 4000, 400000);
-  for (const size_t piece : {size_t{1}, size_t{7}, size_t{1001}, size_t{1000000}}) {
-    EXPECT_EQ(Processor(pcm, m_format).InPieces(voice, piece), stream) << piece;
-    EXPECT_EQ(Processor(m_format, pcm).InPieces(stream, piece, 400000), samples) << piece;
+  const std::string stream = Processor(pcm, m_format).InParts(voice, 4000);
+  const std::string samples = Processor(m_format, pcm).InParts(stream, 4000, 400000);
+  for (const size_t bytes : {size_t{1}, size_t{7}, size_t{1001}, size_t{1000000}}) {
+    EXPECT_EQ(Processor(pcm, m_format).InParts(voice, bytes), stream) << bytes;
+    EXPECT_EQ(Processor(m_format, pcm).InParts(stream, bytes, 400000), samples) << bytes;
   }
   // What finds no room at once comes later, in whole packets and whole frames.
   Processor encoder(pcm, m_format);
@@ -109,7 +109,7 @@ TEST_P(EachId, PassesOverWhatIsNoFrame) {
   const CapturedStderr log;
   const AudioStreamFormat pcm = Pcm(m_format.iSampleRate, m_format.iNumOfChannels);
   const std::string voice = BytesOf(Voice(m_format.iSampleRate, m_format.iNumOfChannels, 0.5));
-  const std::string stream = Processor(pcm, m_format).InPieces(voice, 4000);
+  const std::string stream = Processor(pcm, m_format).InParts(voice, 4000);
   const std::string samples = Processor(m_format, pcm).Process(stream, 400000);
   Processor decoder(m_format, pcm);
   EXPECT_EQ(decoder.Process(std::string(5000, '\x55') + stream, 400000), samples);
@@ -123,8 +123,8 @@ TEST(AudioProcessor, BringsTheSignalBackAsLateAsDocumented) {
     const AudioStreamFormat format = FormatFromRawCodecId(id);
     const AudioStreamFormat pcm = Pcm(format.iSampleRate, format.iNumOfChannels);
     const Samples voice = Voice(format.iSampleRate, format.iNumOfChannels, 2);
-    const std::string stream = Processor(pcm, format).InPieces(BytesOf(voice), 4000);
-    const Samples decoded = SamplesOf(Processor(format, pcm).InPieces(stream, 300));
+    const std::string stream = Processor(pcm, format).InParts(BytesOf(voice), 4000);
+    const Samples decoded = SamplesOf(Processor(format, pcm).InParts(stream, 300));
     if (format.iBytesOfCodedFrame != 0) {  // In packets of one length.
       const int coded = format.iBytesOfCodedFrame;
       EXPECT_EQ(stream.size(), static_cast<size_t>(100 * (3 + coded))) << id;
@@ -139,10 +139,10 @@ TEST(AudioProcessor, BringsTheSignalBackAsLateAsDocumented) {
 TEST(AudioProcessor, ConvertsSamplesAlone) {
   Processor same(Pcm(16000, 1), Pcm(16000, 1));
   const std::string voice = BytesOf(Voice(16000, 1, 0.3));
-  EXPECT_EQ(same.InPieces(voice, 333), voice);
+  EXPECT_EQ(same.InParts(voice, 333), voice);
 
   Processor more(Pcm(16000, 1), Pcm(48000, 2));
-  const std::string out = more.InPieces(voice, 333);
+  const std::string out = more.InParts(voice, 333);
   EXPECT_EQ(out.size(), voice.size() * 6);
 }
 
@@ -150,9 +150,9 @@ TEST(AudioProcessor, ConvertsOneCodecToAnother) {
   const AudioStreamFormat silk = FormatFromRawCodecId(2);
   const AudioStreamFormat opus = FormatFromRawCodecId(52);
   const std::string voice = BytesOf(Voice(16000, 1, 2));
-  const std::string stream = Processor(Pcm(16000, 1), silk).InPieces(voice, 640);
-  const std::string other = Processor(silk, opus).InPieces(stream, 100);
-  const Samples decoded = SamplesOf(Processor(opus, Pcm(48000, 2)).InPieces(other, 100));
+  const std::string stream = Processor(Pcm(16000, 1), silk).InParts(voice, 640);
+  const std::string other = Processor(silk, opus).InParts(stream, 100);
+  const Samples decoded = SamplesOf(Processor(opus, Pcm(48000, 2)).InParts(other, 100));
   ASSERT_EQ(decoded.size() / 1920, 100U);
   Samples left;
   for (size_t i = 0; i < decoded.size(); i += 6) left.push_back(decoded[i]);

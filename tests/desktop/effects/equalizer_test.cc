@@ -172,13 +172,13 @@ TEST(Equalizer, FadesFromGainToGain) {
   for (int block = 0; block < 100; ++block) {
     equalizer->SetEqGain(5, block % 10 < 5 ? 0.0f : 12.0f);
     equalizer->SetEqGain(4, block % 10 < 5 ? 0.0f : -12.0f);
-    std::vector<short> piece = Tone(200, 8000, 44100, 441);  // Two whole periods and more: below.
+    std::vector<short> tone = Tone(200, 8000, 44100, 441);  // Two whole periods and more: below.
     for (int i = 0; i < 441; ++i) {
-      piece[static_cast<size_t>(i)] = static_cast<short>(
+      tone[static_cast<size_t>(i)] = static_cast<short>(
           std::lrint(8000 * std::sin(2 * std::numbers::pi * 200 * (block * 441 + i) / 44100)));
     }
-    Process(*equalizer, piece, 44100);
-    samples.insert(samples.end(), piece.begin(), piece.end());
+    Process(*equalizer, tone, 44100);
+    samples.insert(samples.end(), tone.begin(), tone.end());
   }
   const std::vector<double> sound = ToDoubles(samples);
   std::vector<double> above = HighPassed(sound, 3000, 44100);

@@ -32,11 +32,11 @@ int Process(Way way, int rate, int channels, const short* in, size_t samples, sh
 Shorts ProcessAll(Way way, const Shorts& in, int rate, int channels = 1, bool always = true) {
   const auto block = static_cast<size_t>(3 * (rate * channels / 100));
   Shorts out;
-  short piece[kRoom];
+  short outBlock[kRoom];
   for (size_t done = 0; done + block <= in.size(); done += block) {
     unsigned length = kRoom;
-    EXPECT_EQ(Process(way, rate, channels, &in[done], block, piece, &length, always), 0);
-    out.insert(out.end(), piece, piece + length);
+    EXPECT_EQ(Process(way, rate, channels, &in[done], block, outBlock, &length, always), 0);
+    out.insert(out.end(), outBlock, outBlock + length);
   }
   return out;
 }

@@ -10,9 +10,9 @@ namespace {
 
 using desktop::AdtsReader;
 
-// A frame of so many bytes, header included, whose other bytes are all `fill`.
-std::string Frame(size_t bytes, char fill = 'a') {
-  std::string frame(bytes, fill);
+// A packet of so many bytes, header included, whose other bytes are all `fill`.
+std::string Packet(size_t bytes, char fill = 'a') {
+  std::string packet(bytes, fill);
   const unsigned char header[] = {0xff,
                                   0xf1,
                                   0x50,
@@ -20,7 +20,7 @@ std::string Frame(size_t bytes, char fill = 'a') {
                                   static_cast<unsigned char>(bytes >> 3),
                                   static_cast<unsigned char>((bytes & 7) << 5 | 0x1f),
                                   0xfc};
-  return frame.replace(0, sizeof header, reinterpret_cast<const char*>(header), sizeof header);
+  return packet.replace(0, sizeof header, reinterpret_cast<const char*>(header), sizeof header);
 }
 
 // A tag of so many bytes behind its head.
@@ -48,98 +48,98 @@ bool IsAdtsFile(const std::string& bytes) {
 }
 
 struct Found {
-  std::vector<std::string> frames;
+  std::vector<std::string> packets;
   uint64_t end = 0;
 };
 
-Found FramesIn(const std::string& bytes) {
+Found PacketsIn(const std::string& bytes) {
   const auto file = FileOf(bytes);
   AdtsReader reader(file.get());
   EXPECT_EQ(reader.End(), 0U);
   Found found;
-  const unsigned char* frame = nullptr;
-  while (const size_t count = reader.Next(&frame)) {
-    found.frames.emplace_back(reinterpret_cast<const char*>(frame), count);
+  const unsigned char* packet = nullptr;
+  while (const size_t count = reader.Next(&packet)) {
+    found.packets.emplace_back(reinterpret_cast<const char*>(packet), count);
   }
   found.end = reader.End();
   return found;
 }
 
-TEST(IsAdts, AsksForAWholeHeaderAndAnotherOneAfterItsFrame) {
-  const std::string frame = Frame(20);
-  EXPECT_TRUE(IsAdtsFile(frame));
-  EXPECT_TRUE(IsAdtsFile(frame + frame));
-  EXPECT_TRUE(IsAdtsFile(frame.substr(0, 7)));  // The beginning of a frame that was cut off.
-  EXPECT_FALSE(IsAdtsFile(frame.substr(0, 6)));
+TEST(IsAdts, AsksForAWholeHeaderAndAnotherOneAfterItsPacket) {
+  const std::string packet = Packet(20);
+  EXPECT_TRUE(IsAdtsFile(packet));
+  EXPECT_TRUE(IsAdtsFile(packet + packet));
+  EXPECT_TRUE(IsAdtsFile(packet.substr(0, 7)));  // The beginning of a packet that was cut off.
+  EXPECT_FALSE(IsAdtsFile(packet.substr(0, 6)));
   EXPECT_FALSE(IsAdtsFile(""));
-  EXPECT_TRUE(IsAdtsFile(frame + "sixsix"));
-  EXPECT_FALSE(IsAdtsFile(frame + "seven 7"));
-  EXPECT_TRUE(IsAdtsFile(frame + frame.substr(0, 7)));
+  EXPECT_TRUE(IsAdtsFile(packet + "sixsix"));
+  EXPECT_FALSE(IsAdtsFile(packet + "seven 7"));
+  EXPECT_TRUE(IsAdtsFile(packet + packet.substr(0, 7)));
 }
 
 TEST(IsAdts, LooksAtTheBitsThatAllHeadersShare) {
   for (const auto& [at, bits] : {std::pair<size_t, char>{0, 1}, {1, '\x10'}, {1, 2}, {1, 4}}) {
-    std::string frame = Frame(20);
-    frame[at] = static_cast<char>(frame[at] ^ bits);
-    EXPECT_FALSE(IsAdtsFile(frame)) << at << " " << static_cast<int>(bits);
+    std::string packet = Packet(20);
+    packet[at] = static_cast<char>(packet[at] ^ bits);
+    EXPECT_FALSE(IsAdtsFile(packet)) << at << " " << static_cast<int>(bits);
   }
-  std::string other = Frame(20);
+  std::string other = Packet(20);
   other[1] = static_cast<char>(other[1] ^ 9);  // MPEG-2, with a checksum.
   EXPECT_TRUE(IsAdtsFile(other));
 }
 
-TEST(IsAdts, KnowsAFrameThatIsNoMoreThanItsHeader) {
-  EXPECT_FALSE(IsAdtsFile(Frame(7)));
-  EXPECT_TRUE(IsAdtsFile(Frame(8)));
-  EXPECT_TRUE(IsAdtsFile(Frame(8191)));
+TEST(IsAdts, KnowsAPacketThatIsNoMoreThanItsHeader) {
+  EXPECT_FALSE(IsAdtsFile(Packet(7)));
+  EXPECT_TRUE(IsAdtsFile(Packet(8)));
+  EXPECT_TRUE(IsAdtsFile(Packet(8191)));
 }
 
 TEST(IsAdts, LooksBehindATag) {
   for (const size_t bytes : {0U, 1U, 127U, 128U, 300U, 20000U}) {
-    EXPECT_TRUE(IsAdtsFile(Tag(bytes) + Frame(20) + Frame(30))) << bytes;
-    EXPECT_FALSE(IsAdtsFile(Tag(bytes) + "x" + Frame(20) + Frame(30))) << bytes;
+    EXPECT_TRUE(IsAdtsFile(Tag(bytes) + Packet(20) + Packet(30))) << bytes;
+    EXPECT_FALSE(IsAdtsFile(Tag(bytes) + "x" + Packet(20) + Packet(30))) << bytes;
   }
   // As a tag that is made while its length is not known has it: bits that do not count.
   std::string tag = Tag(300);
   for (size_t i = 6; i < 10; ++i) tag[i] = static_cast<char>(tag[i] | 0x80);
-  EXPECT_TRUE(IsAdtsFile(tag + Frame(20)));
+  EXPECT_TRUE(IsAdtsFile(tag + Packet(20)));
 }
 
-TEST(AdtsReader, GivesEachFrameWholeWhateverItsLength) {
-  std::vector<std::string> frames;
+TEST(AdtsReader, GivesEachPacketWholeWhateverItsLength) {
+  std::vector<std::string> packets;
   std::string bytes;
   for (const size_t length :
        {8U, 9U, 255U, 256U, 2047U, 2048U, 8190U, 8191U, 8191U, 8191U, 8U, 8191U, 20U}) {
-    frames.push_back(Frame(length, static_cast<char>('a' + frames.size())));
-    bytes += frames.back();
+    packets.push_back(Packet(length, static_cast<char>('a' + packets.size())));
+    bytes += packets.back();
   }
-  const Found found = FramesIn(bytes);
-  EXPECT_EQ(found.frames, frames);
+  const Found found = PacketsIn(bytes);
+  EXPECT_EQ(found.packets, packets);
   EXPECT_EQ(found.end, bytes.size());
 }
 
-TEST(AdtsReader, PassesOverWhatIsNoFrame) {
-  const std::string one = Frame(20, 'a');
-  const std::string two = Frame(30, 'b');
-  const Found found = FramesIn("x" + one + two + std::string(40000, 'n') + one + two + "end");
-  // What is followed by something else may be no frame: the second one is not confirmed.
-  EXPECT_EQ(found.frames, (std::vector<std::string>{one, one, two}));
+TEST(AdtsReader, PassesOverWhatIsNoPacket) {
+  const std::string one = Packet(20, 'a');
+  const std::string two = Packet(30, 'b');
+  const Found found = PacketsIn("x" + one + two + std::string(40000, 'n') + one + two + "end");
+  // What is followed by something else may be no packet: the second one is not confirmed.
+  EXPECT_EQ(found.packets, (std::vector<std::string>{one, one, two}));
   EXPECT_EQ(found.end, 1U + 50 + 40000 + 50);
 }
 
-TEST(AdtsReader, GivesNoFrameThatWasCutOff) {
-  const std::string one = Frame(20, 'a');
+TEST(AdtsReader, GivesNoPacketThatWasCutOff) {
+  const std::string one = Packet(20, 'a');
   for (size_t left = 0; left < 30; ++left) {
-    const Found found = FramesIn(one + Frame(30, 'b').substr(0, left));
-    EXPECT_EQ(found.frames, std::vector<std::string>{one}) << left;
+    const Found found = PacketsIn(one + Packet(30, 'b').substr(0, left));
+    EXPECT_EQ(found.packets, std::vector<std::string>{one}) << left;
     EXPECT_EQ(found.end, 20U) << left;
   }
 }
 
-TEST(AdtsReader, GivesALastFrameBeforeLessThanAHeader) {
-  const std::string one = Frame(20, 'a');
-  EXPECT_EQ(FramesIn(one + "sixsix").frames, std::vector<std::string>{one});
-  EXPECT_EQ(FramesIn(one + "seven 7").frames, std::vector<std::string>{});
+TEST(AdtsReader, GivesALastPacketBeforeLessThanAHeader) {
+  const std::string one = Packet(20, 'a');
+  EXPECT_EQ(PacketsIn(one + "sixsix").packets, std::vector<std::string>{one});
+  EXPECT_EQ(PacketsIn(one + "seven 7").packets, std::vector<std::string>{});
 }
 
 }  // namespace

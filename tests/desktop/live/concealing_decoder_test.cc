@@ -7,7 +7,7 @@
 #include <string>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "engine_api/codec/codec_format.h"
 #include "support/voice.h"
 
@@ -25,9 +25,9 @@ class Expected {
         m_decoder(PacketDecoder::Create({desktop::FindVariant(rawId), rate, channels})),
         m_samples(m_decoder->blockSamples()) {}
 
-  const std::vector<short>& Decoded(const std::vector<uint8_t>& frame) {
-    const auto span = m_decoder->Find(frame.data(), frame.size());
-    EXPECT_TRUE(m_decoder->Decode(frame.data(), span, m_samples.data()));
+  const std::vector<short>& Decoded(const std::vector<uint8_t>& packet) {
+    const auto span = m_decoder->Find(packet.data(), packet.size());
+    EXPECT_TRUE(m_decoder->Decode(packet.data(), span, m_samples.data()));
     Fade(5);
     return m_samples;
   }
@@ -61,22 +61,22 @@ TEST(ConcealingDecoder, FadesSampleBySampleOverFramesThatAreNotThere) {
     const auto decoder = ConcealingDecoder::Create(rawId);
     ASSERT_NE(decoder, nullptr);
     const int rate = decoder->Rate();
-    const KeptFrames kept = Pack(rawId, SungNote(220, rate, 1), rate);
+    const KeptPackets kept = Pack(rawId, SungNote(220, rate, 1), rate);
     Expected expected(rawId, rate, decoder->Channels());
     EXPECT_TRUE(decoder->IsSilent());
     EXPECT_FALSE(decoder->IsMadeUp());
     size_t next = 0;
     for (const char kind : std::string("ldddlldclllllldldd")) {
-      const std::vector<uint8_t>& frame = kept.frames[next++].bytes;
-      const int size = kind == 'c' ? 2 : static_cast<int>(frame.size());
+      const std::vector<uint8_t>& packet = kept.packets[next++].bytes;
+      const int size = kind == 'c' ? 2 : static_cast<int>(packet.size());
       int taken = 0;
       const short* const samples =
-          kind == 'l' ? decoder->Conceal() : decoder->Decode(frame.data(), size, &taken);
+          kind == 'l' ? decoder->Conceal() : decoder->Decode(packet.data(), size, &taken);
       EXPECT_EQ(taken, kind == 'l' ? 0 : size);
       const std::vector<short>& right =
-          kind == 'd' ? expected.Decoded(frame) : expected.Concealed();
+          kind == 'd' ? expected.Decoded(packet) : expected.Concealed();
       ASSERT_EQ(right.size(), decoder->Frames() * static_cast<size_t>(decoder->Channels()));
-      EXPECT_TRUE(std::equal(right.begin(), right.end(), samples)) << rawId << " frame " << next;
+      EXPECT_TRUE(std::equal(right.begin(), right.end(), samples)) << rawId << " packet " << next;
       EXPECT_EQ(decoder->IsMadeUp(), kind != 'd');
       EXPECT_EQ(decoder->IsSilent(), expected.Gain() == 0);
     }

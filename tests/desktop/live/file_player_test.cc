@@ -96,7 +96,7 @@ TEST_F(FilePlayerTest, ChangesTheRateWithoutDistortion) {
   }
 }
 
-// Of a low rate one piece of the file is long.
+// At a low rate one block of the file lasts long.
 TEST_F(FilePlayerTest, PlaysLowRatesToTheEnd) {
   desktop::UseNullDevices(20);
   for (const int rate : {100, 1000, 2000, 2047, 2048}) {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "support/captured_stderr.h"
 #include "support/talk.h"
 #include "support/tone.h"
@@ -29,7 +29,7 @@ TEST(PacketMaker, PacksOneFrameForEachFrameLengthOfSound) {
   const std::vector<short> voice = Babble(48000, 2);
   for (const auto& [rawId, count] : counts) {
     if (!IsThere(rawId)) continue;
-    EXPECT_THAT(Pack(rawId, voice, 48000).frames,
+    EXPECT_THAT(Pack(rawId, voice, 48000).packets,
                 SizeIs(testing::AllOf(testing::Ge(count - 1), testing::Le(count))))
         << rawId;
   }
@@ -37,8 +37,8 @@ TEST(PacketMaker, PacksOneFrameForEachFrameLengthOfSound) {
 
 TEST(PacketMaker, TakesAnyFormatThatIsCaptured) {
   for (const auto& [rate, channels] : {std::pair(8000, 1), std::pair(44100, 2)}) {
-    const KeptFrames kept = Pack(50, SungNote(220, rate, 1, channels), rate, channels);
-    FedFrames fed(50, kept.frames);
+    const KeptPackets kept = Pack(50, SungNote(220, rate, 1, channels), rate, channels);
+    FedPackets fed(50, kept.packets);
     const std::vector<short> played = Play(fed, 1000, 16000);
     EXPECT_NEAR(CentsOff(played, 220, 16000), 0, 3) << rate;
     EXPECT_GT(Level(played), 1000) << rate;
@@ -46,7 +46,7 @@ TEST(PacketMaker, TakesAnyFormatThatIsCaptured) {
 }
 
 TEST(PacketMaker, RefusesWhatNoCodecCodes) {
-  KeptFrames kept;
+  KeptPackets kept;
   const CapturedStderr log;
   for (const int rawId : {-1, 7, 255, 100000}) {
     EXPECT_EQ(desktop::PacketMaker::Create(&kept, rawId, {48000, 1}), nullptr) << rawId;
@@ -59,13 +59,13 @@ TEST(PacketMaker, TellsTimeVoiceAndVolume) {
   std::vector<short> sound(16000);  // A second of silence, and one of speech.
   const std::vector<short> talk = Babble(16000, 1);
   sound.insert(sound.end(), talk.begin(), talk.end());
-  const KeptFrames kept = Pack(50, sound, 16000);
+  const KeptPackets kept = Pack(50, sound, 16000);
 
-  ASSERT_THAT(kept.frames, SizeIs(100));
-  for (size_t i = 0; i < 100; ++i) EXPECT_EQ(kept.frames[i].timeMs, 20 * i);
+  ASSERT_THAT(kept.packets, SizeIs(100));
+  for (size_t i = 0; i < 100; ++i) EXPECT_EQ(kept.packets[i].timeMs, 20 * i);
   size_t active = 0;
   for (size_t i = 0; i < 100; ++i) {
-    const bool voice = kept.frames[i].voice == vadResultIsActive;
+    const bool voice = kept.packets[i].voice == vadResultIsActive;
     EXPECT_FALSE(voice && i < 50) << i;
     active += voice ? 1 : 0;
   }
@@ -76,7 +76,7 @@ TEST(PacketMaker, TellsTimeVoiceAndVolume) {
 }
 
 TEST(PacketMaker, LeavesFramesWithoutVoiceOut) {
-  KeptFrames kept;
+  KeptPackets kept;
   const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   packer->LeaveOutSilence(true);
   std::vector<short> sound = Babble(16000, 1);
@@ -87,21 +87,21 @@ TEST(PacketMaker, LeavesFramesWithoutVoiceOut) {
   packer->Work();
 
   const desktop::PacketMaker::Counts counts = packer->GetCounts();
-  EXPECT_EQ(counts.packed, kept.frames.size());
+  EXPECT_EQ(counts.packed, kept.packets.size());
   EXPECT_EQ(counts.packed + counts.leftOut, 150U);
-  ASSERT_FALSE(kept.frames.empty());
+  ASSERT_FALSE(kept.packets.empty());
   EXPECT_GT(counts.leftOut, 80U);
   // The end of the last word is not cut off: what is quieter than voice follows for 200 ms.
-  EXPECT_NE(kept.frames.back().voice, vadResultIsActive);
+  EXPECT_NE(kept.packets.back().voice, vadResultIsActive);
 }
 
 TEST(PacketMaker, DropsWhatIsMoreThanTwoSecondsLateAndCountsIt) {
-  KeptFrames kept;
+  KeptPackets kept;
   const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   const std::vector<short> sound(16000 * 3);
   for (size_t at = 0; at < sound.size(); at += 160) packer->Put(&sound[at], 160);
   packer->Work();
-  EXPECT_THAT(kept.frames, SizeIs(100));
+  EXPECT_THAT(kept.packets, SizeIs(100));
   EXPECT_EQ(packer->GetCounts().droppedSamples, 16000U);
 }
 
@@ -109,19 +109,19 @@ TEST(PacketMaker, DropsWhatIsMoreThanTwoSecondsLateAndCountsIt) {
 TEST(PacketMaker, DropsFramesThatAreTooLongAndCountsThem) {
   if (!IsThere(37)) GTEST_SKIP() << "libfdk-aac is not there";
   std::vector<short> noise = Hiss(44100, 2, 1, -3);
-  KeptFrames kept;
+  KeptPackets kept;
   const auto packer = desktop::PacketMaker::Create(&kept, 37, {44100, 1});
   packer->Put(noise.data(), noise.size());
   packer->Work();
   const desktop::PacketMaker::Counts counts = packer->GetCounts();
-  EXPECT_EQ(counts.packed, kept.frames.size());
+  EXPECT_EQ(counts.packed, kept.packets.size());
   EXPECT_EQ(counts.packed + counts.tooLong, 86U);
-  for (const KeptFrames::Frame& frame : kept.frames) EXPECT_LE(frame.bytes.size(), 1024U);
+  for (const KeptPackets::Packet& packet : kept.packets) EXPECT_LE(packet.bytes.size(), 1024U);
 }
 
 // From 200 ms after the last voice on: ten frames of 20 ms still come.
 TEST(PacketMaker, PacksTenMoreFramesAfterTheLastVoice) {
-  KeptFrames kept;
+  KeptPackets kept;
   const auto packer = desktop::PacketMaker::Create(&kept, 50, {16000, 1});
   packer->LeaveOutSilence(true);
   std::vector<short> sound = Babble(16000, 1);
@@ -129,8 +129,8 @@ TEST(PacketMaker, PacksTenMoreFramesAfterTheLastVoice) {
   packer->Put(sound.data(), 32000);
   packer->Work();
   int sinceVoice = 0;
-  for (const KeptFrames::Frame& frame : kept.frames) {
-    sinceVoice = frame.voice == vadResultIsActive ? 0 : sinceVoice + 1;
+  for (const KeptPackets::Packet& packet : kept.packets) {
+    sinceVoice = packet.voice == vadResultIsActive ? 0 : sinceVoice + 1;
   }
   EXPECT_EQ(sinceVoice, 10);
 }

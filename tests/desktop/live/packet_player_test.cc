@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "desktop/codec/parts/codec_table.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/talk.h"
@@ -39,7 +39,7 @@ TEST(PacketPlayer, PlaysWhatWasPacked) {
   const std::vector<short> talk = Babble(16000, 2);
   for (const int rawId : {0, 2, 3, 50, 52, 35, 46, 38, 39, 43, 1}) {
     if (!IsThere(rawId)) continue;
-    FedFrames fed(rawId, Pack(rawId, talk, 16000).frames);
+    FedPackets fed(rawId, Pack(rawId, talk, 16000).packets);
     const std::vector<short> played = Play(fed, 2000, 16000);
     EXPECT_GT(FindLag(talk, played, 4000).agreement, 0.75) << rawId;
   }
@@ -48,9 +48,9 @@ TEST(PacketPlayer, PlaysWhatWasPacked) {
 // The first half is as late as the second.
 TEST(PacketPlayer, DoesNotDrift) {
   const std::vector<short> talk = Talk(16000, 20, 1);
-  FedFrames fed(52, Pack(52, talk, 16000).frames);
+  FedPackets fed(52, Pack(52, talk, 16000).packets);
   const std::vector<short> played = Play(fed, 20000, 44100, 2);
-  FedFrames again(52, Pack(52, talk, 16000).frames);
+  FedPackets again(52, Pack(52, talk, 16000).packets);
   const std::vector<short> at16k = Play(again, 20000, 16000);
   ASSERT_THAT(played, SizeIs(20 * 88200));
   const auto lag = [&](size_t from) {
@@ -65,16 +65,16 @@ TEST(PacketPlayer, DoesNotDrift) {
 TEST(PacketPlayer, ConcealsLostFramesWithoutClicks) {
   for (const int rawId : {0, 2, 3, 50, 52, 35, 46, 39, 43}) {
     if (!IsThere(rawId)) continue;
-    const KeptFrames kept = Pack(rawId, SungNote(220, 48000, 3), 48000);
-    FedFrames whole(rawId, kept.frames);
-    FedFrames lossy(rawId, kept.frames);
-    FedFrames broken(rawId, kept.frames);
-    for (size_t i = 10; i < kept.frames.size(); i += 20) {
+    const KeptPackets kept = Pack(rawId, SungNote(220, 48000, 3), 48000);
+    FedPackets whole(rawId, kept.packets);
+    FedPackets lossy(rawId, kept.packets);
+    FedPackets broken(rawId, kept.packets);
+    for (size_t i = 10; i < kept.packets.size(); i += 20) {
       lossy.lost[i] = true;
-      std::fill(broken.frames[i].begin(), broken.frames[i].end(), uint8_t{0});
+      std::fill(broken.packets[i].begin(), broken.packets[i].end(), uint8_t{0});
     }
     const std::vector<short> good = Play(whole, 2900, 44100);
-    for (FedFrames* fed : {&lossy, &broken}) {
+    for (FedPackets* fed : {&lossy, &broken}) {
       const std::vector<short> played = Play(*fed, 2900, 44100);
       EXPECT_LT(SharpestBend(played), 1.5 * SharpestBend(good)) << rawId;
       EXPECT_GT(Level(played), 0.85 * Level(good)) << rawId;               // No holes.
@@ -84,11 +84,11 @@ TEST(PacketPlayer, ConcealsLostFramesWithoutClicks) {
 }
 
 TEST(PacketPlayer, FadesOutWhenFramesStopAndBackInWhenTheyComeAgain) {
-  const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
-  FedFrames fed(50, kept.frames);
+  const KeptPackets kept = Pack(50, SungNote(220, 16000, 2), 16000);
+  FedPackets fed(50, kept.packets);
   // Half a second in which there is nothing.
-  fed.frames.insert(fed.frames.begin() + 50, 50, {});
-  fed.lost.resize(fed.frames.size());
+  fed.packets.insert(fed.packets.begin() + 50, 50, {});
+  fed.lost.resize(fed.packets.size());
   const std::vector<short> played = Play(fed, 3500, 16000);
 
   const auto silent = [&](double from, double to) {
@@ -100,13 +100,13 @@ TEST(PacketPlayer, FadesOutWhenFramesStopAndBackInWhenTheyComeAgain) {
   EXPECT_TRUE(silent(1.25, 1.35));
   EXPECT_FALSE(silent(1.5, 1.6));
   EXPECT_GT(SilentAtTheEnd(played), 8000U);
-  FedFrames whole(50, kept.frames);
+  FedPackets whole(50, kept.packets);
   EXPECT_LT(SharpestBend(played), 2 * SharpestBend(Play(whole, 900, 16000)));
 }
 
 TEST(PacketPlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
-  const KeptFrames kept = Pack(50, Babble(16000, 1), 16000);
-  FedFrames fed(50, kept.frames);
+  const KeptPackets kept = Pack(50, Babble(16000, 1), 16000);
+  FedPackets fed(50, kept.packets);
   desktop::PacketPlayer player(&fed, 3, 16000, 1);
   player.Work(0);
   EXPECT_EQ(fed.pulls, 4);  // 80 ms.
@@ -117,7 +117,7 @@ TEST(PacketPlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
   player.Work(0);
   EXPECT_EQ(fed.pulls, 5);
 
-  FedFrames nothing(50, {});
+  FedPackets nothing(50, {});
   Play(nothing, 100, 16000);
   EXPECT_EQ(nothing.pulls, 10);
 }
@@ -125,32 +125,32 @@ TEST(PacketPlayer, PullsNoMoreThanItNeedsAndOncePer10MsWhenThereIsNothing) {
 // A frame without sound is no reason to ask for the next one at once: there is no end to them.
 TEST(PacketPlayer, PullsOncePer10MsWhileFramesHoldNoSound) {
   const CapturedStderr log;
-  FedFrames empty(50, std::vector<KeptFrames::Frame>(1000, {{0xfc}, vadResultIsUnknown, 0}));
+  FedPackets empty(50, std::vector<KeptPackets::Packet>(1000, {{0xfc}, vadResultIsUnknown, 0}));
   empty.emptyTo = 1000;
   Play(empty, 100, 16000);
   EXPECT_EQ(empty.pulls, 10);
 
-  FedFrames unknown(9, std::vector<KeptFrames::Frame>(1000, {{0xfc}, vadResultIsUnknown, 0}));
+  FedPackets unknown(9, std::vector<KeptPackets::Packet>(1000, {{0xfc}, vadResultIsUnknown, 0}));
   Play(unknown, 100, 16000);
   EXPECT_EQ(unknown.pulls, 10);
 }
 
 // What came without sound is ridden over as what did not come, and then the sound goes on.
 TEST(PacketPlayer, GoesOnAfterFramesWithoutSound) {
-  const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
-  FedFrames fed(50, kept.frames);
-  FedFrames late(50, kept.frames);
-  late.frames.insert(late.frames.begin() + 40, 3, {});
-  late.lost.resize(late.frames.size());
-  fed.frames.insert(fed.frames.begin() + 40, 3, {0xfc});
-  fed.lost.resize(fed.frames.size());
+  const KeptPackets kept = Pack(50, SungNote(220, 16000, 2), 16000);
+  FedPackets fed(50, kept.packets);
+  FedPackets late(50, kept.packets);
+  late.packets.insert(late.packets.begin() + 40, 3, {});
+  late.lost.resize(late.packets.size());
+  fed.packets.insert(fed.packets.begin() + 40, 3, {0xfc});
+  fed.lost.resize(fed.packets.size());
   fed.emptyFrom = 40;
   fed.emptyTo = 43;
   EXPECT_EQ(Play(fed, 1500, 16000), Play(late, 1500, 16000));
 }
 
 TEST(PacketPlayer, TellsItsOwnerHowItIsDoing) {
-  FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
+  FedPackets fed(50, Pack(50, Babble(16000, 1), 16000).packets);
   fed.lost[20] = true;
   desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> block(160);
@@ -177,16 +177,16 @@ TEST(PacketPlayer, TellsItsOwnerHowItIsDoing) {
 
 // What comes late is heard whole: the wait is taken from what lies ahead, without a hole.
 TEST(PacketPlayer, WaitsForAFrameThatIsLate) {
-  const KeptFrames kept = Pack(50, SungNote(220, 16000, 2), 16000);
-  FedFrames late(50, kept.frames);
-  late.frames.insert(late.frames.begin() + 40, 3, {});  // Three pulls without an answer.
-  late.lost.resize(late.frames.size());
-  FedFrames whole(50, kept.frames);
+  const KeptPackets kept = Pack(50, SungNote(220, 16000, 2), 16000);
+  FedPackets late(50, kept.packets);
+  late.packets.insert(late.packets.begin() + 40, 3, {});  // Three pulls without an answer.
+  late.lost.resize(late.packets.size());
+  FedPackets whole(50, kept.packets);
   EXPECT_EQ(Play(late, 1500, 16000), Play(whole, 1500, 16000));
 }
 
 TEST(PacketPlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {
-  FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
+  FedPackets fed(50, Pack(50, Babble(16000, 1), 16000).packets);
   fed.wantsMore = false;
   Play(fed, 1000, 16000);
   EXPECT_THAT(fed.volumes, SizeIs(1));
@@ -194,7 +194,7 @@ TEST(PacketPlayer, ReportsNoMoreOnceItsOwnerHasHadEnough) {
 }
 
 TEST(PacketPlayer, CountsAnUnderrunOnlyWhileFramesCome) {
-  FedFrames fed(50, Pack(50, Babble(16000, 2), 16000).frames);
+  FedPackets fed(50, Pack(50, Babble(16000, 2), 16000).packets);
   desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> block(160);
   for (int i = 0; i < 10; ++i) player.Render(block.data(), block.size());
@@ -210,11 +210,11 @@ TEST(PacketPlayer, CountsAnUnderrunOnlyWhileFramesCome) {
 }
 
 TEST(PacketPlayer, SurvivesFramesThatAreNone) {
-  FedFrames fed(50, Pack(50, Babble(16000, 1), 16000).frames);
-  fed.frames.insert(fed.frames.begin() + 5, std::vector<uint8_t>(1025, 1));  // Cut off.
-  fed.frames.insert(fed.frames.begin() + 7, std::vector<uint8_t>(1024, 0xff));
-  fed.frames.insert(fed.frames.begin() + 9, std::vector<uint8_t>(1, 0xfc));
-  fed.lost.resize(fed.frames.size());
+  FedPackets fed(50, Pack(50, Babble(16000, 1), 16000).packets);
+  fed.packets.insert(fed.packets.begin() + 5, std::vector<uint8_t>(1025, 1));  // Cut off.
+  fed.packets.insert(fed.packets.begin() + 7, std::vector<uint8_t>(1024, 0xff));
+  fed.packets.insert(fed.packets.begin() + 9, std::vector<uint8_t>(1, 0xfc));
+  fed.lost.resize(fed.packets.size());
   const CapturedStderr log;
   EXPECT_GT(Level(Play(fed, 800, 16000)), 300);
   EXPECT_THAT(log.Lines(), SizeIs(1));
@@ -227,16 +227,16 @@ TEST(PacketPlayer, SurvivesFramesThatAreNone) {
 }
 
 TEST(PacketPlayer, FollowsAChangeOfCodec) {
-  const KeptFrames first = Pack(50, SungNote(220, 16000, 0.5), 16000);
-  FedFrames fed(50, first.frames);
+  const KeptPackets first = Pack(50, SungNote(220, 16000, 0.5), 16000);
+  FedPackets fed(50, first.packets);
   desktop::PacketPlayer player(&fed, 0, 16000, 1);
   std::vector<short> played(16000);
   for (size_t at = 0; at < played.size(); at += 160) {
-    if (fed.next == fed.frames.size() && fed.rawId == 50) {
-      const KeptFrames second = Pack(0, SungNote(330, 16000, 1), 16000);
-      fed.frames.clear();
-      for (const KeptFrames::Frame& frame : second.frames) fed.frames.push_back(frame.bytes);
-      fed.lost.assign(fed.frames.size(), false);
+    if (fed.next == fed.packets.size() && fed.rawId == 50) {
+      const KeptPackets second = Pack(0, SungNote(330, 16000, 1), 16000);
+      fed.packets.clear();
+      for (const KeptPackets::Packet& packet : second.packets) fed.packets.push_back(packet.bytes);
+      fed.lost.assign(fed.packets.size(), false);
       fed.next = 0;
       fed.rawId = 0;
     }
@@ -250,7 +250,7 @@ TEST(PacketPlayer, FollowsAChangeOfCodec) {
 }
 
 TEST(PacketPlayer, AllocatesNothingPerBlock) {
-  FedFrames fed(50, Pack(50, Babble(16000, 2), 16000).frames);
+  FedPackets fed(50, Pack(50, Babble(16000, 2), 16000).packets);
   fed.feedbacks.reserve(1000);
   fed.wantsMore = false;
   desktop::PacketPlayer player(&fed, 0, 44100, 2);

@@ -10,7 +10,7 @@
 
 #include "desktop/devices/audio_device.h"
 #include "desktop/live/file_player.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "desktop/live/played.h"
 #include "desktop/live/wait.h"
 #include "desktop/platform/step_clock.h"
@@ -39,14 +39,14 @@ class AudioChannel : public testing::Test {
   }
 
   // Packs `count` frames, or a few more, of what a singer sings into the microphone path.
-  KeptFrames PackSinger(int rawId, int count) {
+  KeptPackets PackSinger(int rawId, int count) {
     WriteFile("singer.wav", WavBytes({.rate = 48000}, SungNote(220, 48000, 4)));
     desktop::FilePlayer singer;
     singer.SetFeedBack(AudioSourceTypeOuterPCM);
     EXPECT_EQ(singer.Open("singer.wav"), desktop::FileFault::kNone);
     singer.Play();
     EXPECT_TRUE(WaitUntil([&] { return singer.PlayedMs() > 200; }));
-    KeptFrames kept;
+    KeptPackets kept;
     EXPECT_TRUE(StartPacker(&kept, rawId));
     EXPECT_TRUE(m_channel->OpenCapture());
     EXPECT_TRUE(WaitUntil([&] { return kept.count >= count; }));
@@ -67,8 +67,8 @@ TEST_F(AudioChannel, PacksWhatIsHeardAndPlaysItBack) {
   std::string log;
   {
     const CapturedStderr lines;
-    const KeptFrames kept = PackSinger(51, 60);
-    FedFrames fed(51, kept.frames);
+    const KeptPackets kept = PackSinger(51, 60);
+    FedPackets fed(51, kept.packets);
     {
       const Played played;
       ASSERT_TRUE(m_channel->StartPlay(&fed, 0, 44100, 2));
@@ -92,17 +92,17 @@ TEST_F(AudioChannel, PacksWhatIsHeardAndPlaysItBack) {
 }
 
 TEST_F(AudioChannel, OpensTheMicrophoneInTheFormatOfItsPacker) {
-  KeptFrames kept;
+  KeptPackets kept;
   ASSERT_TRUE(m_channel->OpenCapture());
   ASSERT_TRUE(m_channel->StartPacker(&kept, 50, 16000, 8000, 2, 2));
   EXPECT_TRUE(WaitUntil([&] { return kept.count >= 15; }));
   m_channel->StopPacker();
   // As much of the microphone's time has passed as the frames say.
-  EXPECT_EQ(kept.frames[14].timeMs, 280U);
+  EXPECT_EQ(kept.packets[14].timeMs, 280U);
 }
 
 TEST_F(AudioChannel, OpensTheMicrophoneAnewForAnotherFormatOnly) {
-  KeptFrames kept;
+  KeptPackets kept;
   ASSERT_TRUE(m_channel->OpenCapture());
   struct {
     int rate;
@@ -131,7 +131,7 @@ TEST_F(AudioChannel, OpensTheMicrophoneAnewForAnotherFormatOnly) {
 // A silent microphone is left out after 200 ms, until that is asked for no more.
 TEST_F(AudioChannel, LeavesOutSilenceWhileItsOwnerWantsThat) {
   const CapturedStderr log;
-  KeptFrames kept;
+  KeptPackets kept;
   m_channel->EnablePackerVad(true);
   ASSERT_TRUE(StartPacker(&kept, 50));
   ASSERT_TRUE(m_channel->OpenCapture());
@@ -144,8 +144,8 @@ TEST_F(AudioChannel, LeavesOutSilenceWhileItsOwnerWantsThat) {
 }
 
 TEST_F(AudioChannel, RefusesWhatItCannotDo) {
-  KeptFrames kept;
-  FedFrames fed(50, {});
+  KeptPackets kept;
+  FedPackets fed(50, {});
   EXPECT_FALSE(StartPacker(&kept, -1));
   EXPECT_FALSE(StartPacker(nullptr, 50));
   EXPECT_FALSE(m_channel->StartPacker(&kept, 50, 96000, 48000, 1, 2));
@@ -163,7 +163,7 @@ TEST_F(AudioChannel, RefusesWhatItCannotDo) {
 
 // The samples end with a codec that is not there: the capture runs on without calls.
 TEST_F(AudioChannel, PlaysSilenceWhileItsOwnerHasNothing) {
-  FedFrames nothing(255, {});
+  FedPackets nothing(255, {});
   ASSERT_TRUE(m_channel->StartPlay(&nothing, 0, 44100, 2));
   SleepMs(300);
   m_channel->StopPlay(0);
@@ -172,8 +172,8 @@ TEST_F(AudioChannel, PlaysSilenceWhileItsOwnerHasNothing) {
 }
 
 TEST_F(AudioChannel, PlaysSeveralStreams) {
-  FedFrames one(50, Pack(50, SungNote(220, 16000, 1), 16000).frames);
-  FedFrames other(0, Pack(0, SungNote(330, 16000, 1), 16000).frames);
+  FedPackets one(50, Pack(50, SungNote(220, 16000, 1), 16000).packets);
+  FedPackets other(0, Pack(0, SungNote(330, 16000, 1), 16000).packets);
   const Played played;
   ASSERT_TRUE(m_channel->StartPlay(&one, 1, 44100, 2));
   ASSERT_TRUE(m_channel->StartPlay(&other, 2, 44100, 2));
@@ -190,15 +190,15 @@ TEST_F(AudioChannel, PlaysSeveralStreams) {
 // What is freed right after a stop must not be called: the address or thread checkers see it.
 TEST_F(AudioChannel, CallsNobodyAfterItWasStopped) {
   m_clock.reset();  // One that stands still would keep threads from meeting.
-  const KeptFrames kept = Pack(50, SungNote(220, 16000, 1), 16000);
+  const KeptPackets kept = Pack(50, SungNote(220, 16000, 1), 16000);
   ASSERT_TRUE(m_channel->OpenCapture());
   std::atomic<bool> ends = false;
   std::thread load([&] {
     while (!ends) Pack(52, std::vector<short>(4800), 48000);
   });
   for (int i = 0; i < 12; ++i) {
-    auto packer = std::make_unique<KeptFrames>();
-    auto player = std::make_unique<FedFrames>(50, kept.frames);
+    auto packer = std::make_unique<KeptPackets>();
+    auto player = std::make_unique<FedPackets>(50, kept.packets);
     ASSERT_TRUE(StartPacker(packer.get(), i % 2 == 0 ? 50 : 0));
     ASSERT_TRUE(m_channel->StartPlay(player.get(), 0, 44100, 2));
     SleepMs(5 * i);
@@ -207,8 +207,8 @@ TEST_F(AudioChannel, CallsNobodyAfterItWasStopped) {
     m_channel->StopPlay(0);
     player.reset();
   }
-  auto packer = std::make_unique<KeptFrames>();
-  auto player = std::make_unique<FedFrames>(50, kept.frames);
+  auto packer = std::make_unique<KeptPackets>();
+  auto player = std::make_unique<FedPackets>(50, kept.packets);
   IAudioChannel* const channel = IAudioChannel::Create();
   ASSERT_TRUE(channel->StartPacker(packer.get(), 50, 48000, 48000, 1, 2));
   ASSERT_TRUE(channel->OpenCapture());

@@ -9,7 +9,7 @@
 
 #include "call_back_in.h"
 #include "desktop/devices/audio_device.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "desktop/live/wait.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
@@ -167,15 +167,15 @@ class PackerNotify : public IAudioFramePackerNotify, public CallsBackIn {
   void OnAudioCaptureVolume(uint32_t) override { In("OnAudioCaptureVolume"); }
 };
 
-class PlayerNotify : public FedFrames, public CallsBackIn {
+class PlayerNotify : public FedPackets, public CallsBackIn {
  public:
-  PlayerNotify(const std::vector<KeptFrames::Frame>& kept, const CapturedStderr& log,
+  PlayerNotify(const std::vector<KeptPackets::Packet>& kept, const CapturedStderr& log,
                const char* callback)
-      : FedFrames(50, kept), CallsBackIn(log, callback) {}
+      : FedPackets(50, kept), CallsBackIn(log, callback) {}
   bool OnPullAudioFrame(uint32_t stream, AudioFrameData& frame, bool first,
                         FramePlayerFeedbackInfo& feedback) override {
     In("OnPullAudioFrame");
-    return FedFrames::OnPullAudioFrame(stream, frame, first, feedback);
+    return FedPackets::OnPullAudioFrame(stream, frame, first, feedback);
   }
   bool OnAudioVolume(uint32_t, uint32_t) override {
     In("OnAudioVolume");
@@ -194,10 +194,10 @@ INSTANTIATE_TEST_SUITE_P(, ChannelCallbacks,
 
 TEST_P(ChannelCallbacks, RefuseAllButTheVadSwitch) {
   ExpectToEnd([](const CapturedStderr& log) {
-    const KeptFrames kept = Pack(50, Tone(300, 5000, 16000, 16000), 16000);
+    const KeptPackets kept = Pack(50, Tone(300, 5000, 16000, 16000), 16000);
     IAudioChannel* const channel = IAudioChannel::Create();
     PackerNotify packer(log, GetParam());
-    PlayerNotify player(kept.frames, log, GetParam());
+    PlayerNotify player(kept.packets, log, GetParam());
     packer.calls = player.calls = ChannelCalls(channel, &packer, &player);
     ASSERT_TRUE(channel->StartPacker(&packer, 50, 48000, 48000, 1, 2));
     ASSERT_TRUE(channel->OpenCapture());

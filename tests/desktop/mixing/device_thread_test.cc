@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "desktop/live/file_player.h"
-#include "desktop/live/frames.h"
 #include "desktop/live/microphone.h"
+#include "desktop/live/packets.h"
 #include "desktop/mixing/parts/audio_saver.h"
 #include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_channel.h"
@@ -59,7 +59,7 @@ TEST(DeviceThreads, AllocateNothingOnceAllRuns) {
   IgnoredCapture ignoredCapture;
   IgnoredMessage ignoredMessage;
   IgnoredFrames ignoredFrames;
-  FedFrames fed(50, Pack(50, Babble(16000, 10), 16000).frames);
+  FedPackets fed(50, Pack(50, Babble(16000, 10), 16000).packets);
   const desktop::StepClock clock;
   desktop::UseNullDevices(1);
 

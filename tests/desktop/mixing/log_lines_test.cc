@@ -7,7 +7,7 @@
 #include <string>
 
 #include "desktop/devices/audio_device.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
@@ -64,8 +64,8 @@ TEST_F(LogLines, SayWhatAnEngineCannotDo) {
 
 TEST_F(LogLines, SayWhatAChannelCannotDo) {
   IAudioChannel* const channel = IAudioChannel::Create();
-  KeptFrames kept;
-  FedFrames fed(50, {});
+  KeptPackets kept;
+  FedPackets fed(50, {});
   EXPECT_THAT(
       Of([&] { return channel->StartPacker(&kept, 50, 96000, 48000, 1, 2); }),
       ElementsAre("packer: cannot capture 96000 Hz, process 48000 Hz, 1 channels, 2 bytes"));

@@ -111,14 +111,14 @@ TEST(CAudioBlockMixer, IsIndependentOfTheBlocksThatItsInputIsCutInto) {
   const std::vector<short> a = Tone(440, 25000, 16000, 3200);
   const std::vector<short> b = Tone(700, 25000, 16000, 3200);
   CAudioBlockMixer whole(160, 1);
-  CAudioBlockMixer pieces(160, 1);
+  CAudioBlockMixer byBlocks(160, 1);
   std::vector<short> joined;
   for (size_t at = 0; at < a.size(); at += 160) {
     const auto part = [at](const std::vector<short>& samples) {
       return Bytes(std::vector<short>(&samples[at], &samples[at] + 160));
     };
-    const std::vector<short> piece = MixBlocks(pieces, {part(a), part(b)});
-    joined.insert(joined.end(), piece.begin(), piece.end());
+    const std::vector<short> block = MixBlocks(byBlocks, {part(a), part(b)});
+    joined.insert(joined.end(), block.begin(), block.end());
   }
   EXPECT_EQ(joined, MixBlocks(whole, {Bytes(a), Bytes(b)}));
 }

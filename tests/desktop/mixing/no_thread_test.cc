@@ -12,7 +12,7 @@
 
 #include "desktop/devices/audio_device.h"
 #include "desktop/live/file_player.h"
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 #include "engine_api/mixing/audio_channel.h"
 #include "engine_api/mixing/audio_engine.h"
 #include "engine_api/mixing/karaoke_file_mixer.h"
@@ -79,7 +79,7 @@ TEST_F(WithoutThreads, ASpeechMessageDoesNotPlay) {
 TEST_F(WithoutThreads, AChannelOpensNeitherItsMicrophoneNorAStream) {
   EXPECT_THAT(Log([] {
                 IAudioChannel* const channel = IAudioChannel::Create();
-                FedFrames fed(51, {});
+                FedPackets fed(51, {});
                 AllowNoThread();
                 const bool opens = channel->OpenCapture();
                 const bool plays = channel->StartPlay(&fed, 7, 48000, 2);

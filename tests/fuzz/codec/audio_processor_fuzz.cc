@@ -1,5 +1,5 @@
 // AudioProcessor from any format to any other, on bytes of any kind, cut anywhere, with any room.
-// The first bytes choose both formats, the length of the pieces and the room.
+// The first bytes choose both formats, the bytes of a call and the room.
 
 #include <algorithm>
 
@@ -41,10 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   AudioProcessor* processor = nullptr;
   AudioProcessor::Create(FormatOf(data[0]), FormatOf(data[1]), processor);
   REQUIRE(processor != nullptr);
-  const size_t piece = 1 + data[2] * 8U;
+  const size_t count = 1 + data[2] * 8U;
   const uint32_t room = data[3] * 64U;
-  for (size_t at = 4; at < size; at += piece) {
-    const std::vector<uint8_t> in(data + at, data + std::min(size, at + piece));
+  for (size_t at = 4; at < size; at += count) {
+    const std::vector<uint8_t> in(data + at, data + std::min(size, at + count));
     std::vector<uint8_t> out(room);
     auto inLen = static_cast<uint32_t>(in.size());
     uint32_t outLen = room;

@@ -47,9 +47,9 @@ class DecisionTrack {
 
   void WriteMark(const short* mark, unsigned samples) {
     for (unsigned left = samples; left > 0;) {
-      const unsigned piece = std::min(left, kMarkSamples);
-      m_writer.WriteSamples(mark, piece);
-      left -= piece;
+      const unsigned count = std::min(left, kMarkSamples);
+      m_writer.WriteSamples(mark, count);
+      left -= count;
     }
   }
 

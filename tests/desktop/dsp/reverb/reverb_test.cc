@@ -70,9 +70,9 @@ double EchoDensity(const Doubles& tail, int rate, double from, double to) {
   int windows = 0;
   for (auto at = static_cast<size_t>(from * rate); at + window <= static_cast<size_t>(to * rate);
        at += window / 2, ++windows) {
-    const std::span<const double> piece(tail.data() + at, window);
-    const double sigma = Rms(piece);
-    const auto beyond = std::count_if(piece.begin(), piece.end(),
+    const std::span<const double> block(tail.data() + at, window);
+    const double sigma = Rms(block);
+    const auto beyond = std::count_if(block.begin(), block.end(),
                                       [&](double value) { return std::abs(value) > sigma; });
     sum += static_cast<double>(beyond) / static_cast<double>(window) / 0.3173;
   }

@@ -1,33 +1,33 @@
-#include "desktop/live/frames.h"
+#include "desktop/live/packets.h"
 
 #include <algorithm>
 
 #include "desktop/live/packet_maker.h"
 #include "desktop/live/packet_player.h"
 
-void KeptFrames::OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
-                                  uint32_t timeStamp, uint8_t /*flag*/) {
-  frames.push_back({std::vector<uint8_t>(data, data + len), voice, timeStamp});
+void KeptPackets::OnPackAudioFrame(const uint8_t* data, uint32_t len, VADResultKind voice,
+                                   uint32_t timeStamp, uint8_t /*flag*/) {
+  packets.push_back({std::vector<uint8_t>(data, data + len), voice, timeStamp});
   ++count;
 }
 
-FedFrames::FedFrames(int rawId, const std::vector<KeptFrames::Frame>& kept) : rawId(rawId) {
-  for (const KeptFrames::Frame& frame : kept) frames.push_back(frame.bytes);
-  lost.resize(frames.size());
+FedPackets::FedPackets(int rawId, const std::vector<KeptPackets::Packet>& kept) : rawId(rawId) {
+  for (const KeptPackets::Packet& packet : kept) packets.push_back(packet.bytes);
+  lost.resize(packets.size());
 }
 
-bool FedFrames::OnPullAudioFrame(uint32_t, AudioFrameData& frame, bool isFirst,
-                                 FramePlayerFeedbackInfo& feedback) {
+bool FedPackets::OnPullAudioFrame(uint32_t, AudioFrameData& frame, bool isFirst,
+                                  FramePlayerFeedbackInfo& feedback) {
   ++pulls;
   firstPulls += isFirst ? 1 : 0;
   feedbacks.push_back(feedback);
-  while (next < frames.size() && lost[next]) {
+  while (next < packets.size() && lost[next]) {
     ++next;
     ++frame.frameIndex;
   }
-  if (next >= frames.size()) return false;
+  if (next >= packets.size()) return false;
   const bool isEmpty = next >= emptyFrom && next < emptyTo;
-  const std::vector<uint8_t>& bytes = frames[next++];
+  const std::vector<uint8_t>& bytes = packets[next++];
   if (bytes.empty()) return false;
   std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof frame.frameData), frame.frameData);
   frame.frameLength = isEmpty ? uint16_t{0} : static_cast<uint16_t>(bytes.size());
@@ -37,18 +37,18 @@ bool FedFrames::OnPullAudioFrame(uint32_t, AudioFrameData& frame, bool isFirst,
   return true;
 }
 
-bool FedFrames::OnAudioVolume(uint32_t, uint32_t volume) {
+bool FedPackets::OnAudioVolume(uint32_t, uint32_t volume) {
   volumes.push_back(volume);
   return wantsMore;
 }
 
-bool FedFrames::OnAudioRenderPTS(uint32_t, uint32_t timeStamp) {
+bool FedPackets::OnAudioRenderPTS(uint32_t, uint32_t timeStamp) {
   times.push_back(timeStamp);
   return wantsMore;
 }
 
-KeptFrames Pack(int rawId, const std::vector<short>& samples, int rate, int channels) {
-  KeptFrames kept;
+KeptPackets Pack(int rawId, const std::vector<short>& samples, int rate, int channels) {
+  KeptPackets kept;
   const desktop::DeviceFormat format = {static_cast<uint32_t>(rate),
                                         static_cast<uint32_t>(channels)};
   const auto packer = desktop::PacketMaker::Create(&kept, rawId, format);
@@ -61,8 +61,8 @@ KeptFrames Pack(int rawId, const std::vector<short>& samples, int rate, int chan
   return kept;
 }
 
-std::vector<short> Play(FedFrames& frames, int ms, uint32_t rate, uint32_t channels) {
-  desktop::PacketPlayer player(&frames, 0, rate, channels);
+std::vector<short> Play(FedPackets& packets, int ms, uint32_t rate, uint32_t channels) {
+  desktop::PacketPlayer player(&packets, 0, rate, channels);
   const size_t block = rate / 100;
   std::vector<short> played;
   for (int done = 0; done < ms; done += 10) {
