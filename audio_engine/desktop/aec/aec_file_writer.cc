@@ -3,6 +3,7 @@
 #include <new>
 
 #include "desktop/aec/parts/aec_recorder.h"
+#include "desktop/common/counts.h"
 
 using desktop::AecRecorder;
 
@@ -31,15 +32,15 @@ void CAecFileWriter::EchoDetectionEnd() {
 int CAecFileWriter::EchoDetect() { return m_recorder && m_recorder->recorder->HasEcho() ? 1 : 0; }
 
 void CAecFileWriter::RecordFarendData(const void* data, int bytes) {
-  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kFar, data, bytes);
+  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kFar, data, desktop::Size(bytes));
 }
 
 void CAecFileWriter::RecordNearendData(const void* data, int bytes) {
-  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kNear, data, bytes);
+  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kNear, data, desktop::Size(bytes));
 }
 
 void CAecFileWriter::RecordOutData(const void* data, int bytes) {
-  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kOut, data, bytes);
+  if (m_recorder) m_recorder->recorder->Record(AecRecorder::kOut, data, desktop::Size(bytes));
 }
 
 void CAecFileWriter::WriteAecFiles() {

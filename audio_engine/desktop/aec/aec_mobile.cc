@@ -5,11 +5,13 @@
 #include <new>
 
 #include "desktop/aec/parts/mobile_canceller.h"
+#include "desktop/common/counts.h"
 #include "engine_api/platform/log.h"
 
 namespace {
 
 using desktop::MobileCanceller;
+using desktop::Size;
 
 // A handle; without a canceller until AecMobile_Init.
 struct Handle {
@@ -64,7 +66,7 @@ AECMOBILE_ERROR_CODE AecMobile_BufferFarend(void* handle, const int16_t* farend,
   const AECMOBILE_ERROR_CODE state = StateOf(handle);
   if (state != AECMOBILE_NO_ERROR) return state;
   MobileCanceller& canceller = *Of(handle)->canceller;
-  if (farend == nullptr || frames != canceller.Frames()) return AECMOBILE_BAD_PARAMETER;
+  if (farend == nullptr || Size(frames) != canceller.Frames()) return AECMOBILE_BAD_PARAMETER;
   canceller.ProcessFar(farend);
   return AECMOBILE_NO_ERROR;
 }
@@ -77,8 +79,8 @@ AECMOBILE_ERROR_CODE AecMobile_Process_Bands(void* handle, const int16_t* const*
   const AECMOBILE_ERROR_CODE state = StateOf(handle);
   if (state != AECMOBILE_NO_ERROR) return state;
   MobileCanceller& canceller = *Of(handle)->canceller;
-  if (nearBands == nullptr || outBands == nullptr || bands != canceller.Bands() ||
-      framesPerBand != canceller.FramesPerBand()) {
+  if (nearBands == nullptr || outBands == nullptr || Size(bands) != canceller.Bands() ||
+      Size(framesPerBand) != canceller.FramesPerBand()) {
     return AECMOBILE_BAD_PARAMETER;
   }
   canceller.ProcessNear(nearBands, outBands, {newNlp || Of(handle)->newOn, aec, ns});

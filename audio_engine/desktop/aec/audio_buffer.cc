@@ -34,7 +34,7 @@ struct AudioBuffer::Bands {
                               in.MaxFramesFor(Size(inFrames)) * Size(channels),
                               out.MaxFramesFor(Size(frames)) * Size(channels)})) {
     for (int channel = 0; split.num_bands_ > 1 && channel < channels; ++channel) {
-      filters.emplace_back(split.num_bands_, frames);
+      filters.emplace_back(Size(split.num_bands_), Size(frames));
     }
   }
 

@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <new>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 void RealFft::Free::operator()(kiss_fftr_state* plan) const { kiss_fftr_free(plan); }
 
-RealFft::RealFft(int size)
+RealFft::RealFft(size_t size)
     : m_size(size),
-      m_forward(kiss_fftr_alloc(size, 0, nullptr, nullptr)),
-      m_inverse(kiss_fftr_alloc(size, 1, nullptr, nullptr)) {
+      m_forward(kiss_fftr_alloc(Count(size), 0, nullptr, nullptr)),
+      m_inverse(kiss_fftr_alloc(Count(size), 1, nullptr, nullptr)) {
   if (!m_forward || !m_inverse) throw std::bad_alloc();
 }
 

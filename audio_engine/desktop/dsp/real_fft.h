@@ -1,6 +1,7 @@
 #pragma once
 
 #include <complex>
+#include <cstddef>
 #include <memory>
 
 struct kiss_fftr_state;
@@ -13,10 +14,10 @@ namespace desktop {
 class RealFft {
  public:
   // size: an even number of samples; products of 2, 3 and 5 are fast.
-  explicit RealFft(int size);
+  explicit RealFft(size_t size);
 
-  int Size() const { return m_size; }
-  int Bins() const { return m_size / 2 + 1; }
+  size_t Size() const { return m_size; }
+  size_t Bins() const { return m_size / 2 + 1; }
 
   // Size() samples to Bins() bins, and back, so that both together change nothing.
   void Forward(const float* samples, std::complex<float>* bins);
@@ -27,7 +28,7 @@ class RealFft {
     void operator()(kiss_fftr_state* plan) const;
   };
 
-  const int m_size;
+  const size_t m_size;
   std::unique_ptr<kiss_fftr_state, Free> m_forward;
   std::unique_ptr<kiss_fftr_state, Free> m_inverse;
 };

@@ -111,9 +111,9 @@ AecRecorder::~AecRecorder() {
   m_thread.join();
 }
 
-void AecRecorder::Record(Stream stream, const void* data, int bytes) {
-  if (!m_takes || data == nullptr || bytes <= 0) return;
-  const size_t frames = Size(bytes) / sizeof(short) / m_channels;
+void AecRecorder::Record(Stream stream, const void* data, size_t bytes) {
+  if (!m_takes || data == nullptr) return;
+  const size_t frames = bytes / sizeof(short) / m_channels;
   m_tracks[stream]->queue.Push(static_cast<const short*>(data), frames * m_channels);
 }
 

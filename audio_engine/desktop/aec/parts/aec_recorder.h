@@ -41,7 +41,7 @@ class AecRecorder {
 
   // Takes whole frames of interleaved samples without waiting; after 30 s of a disk that stands
   // still it drops them, and after Finish always.
-  void Record(Stream stream, const void* data, int bytes);
+  void Record(Stream stream, const void* data, size_t bytes);
 
   // Looks for echo from now on, at this rate (Hz).
   void Detect(int rate);

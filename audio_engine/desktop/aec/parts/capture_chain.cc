@@ -121,7 +121,7 @@ bool CaptureChain::ProcessRender(const zuwebrtc::AudioFrame& frame) {
 bool CaptureChain::ProcessCapture(zuwebrtc::AudioFrame& frame) {
   if (!Prepare(m_capture, frame, "near")) return false;
   short* const samples = m_capture.samples.data();
-  const int bytes = 2 * m_canceller->Block();
+  const size_t bytes = 2 * m_canceller->Block();
   m_capture.in->Convert(frame.data_, Size(frame.samples_per_channel_), samples);
   if (m_recorder) m_recorder->Record(AecRecorder::kNear, samples, bytes);
 

@@ -30,12 +30,12 @@ DelayTracker::DelayTracker(int rate, int maxDelayMs)
       m_hop(Size(rate / 10)),
       m_maxDelay(Size(std::clamp(maxDelayMs, 1, 500) * rate / 1000)),
       m_samplesPerMs(Size(rate / 1000)),
-      m_fft(Count(2 * m_window)),
+      m_fft(2 * m_window),
       m_next(m_hop),
-      m_block(Size(m_fft.Size())),
-      m_farSpectrum(Size(m_fft.Bins())),
-      m_nearSpectrum(Size(m_fft.Bins())),
-      m_cross(Size(m_fft.Bins())) {
+      m_block(m_fft.Size()),
+      m_farSpectrum(m_fft.Bins()),
+      m_nearSpectrum(m_fft.Bins()),
+      m_cross(m_fft.Bins()) {
   m_far.ring.resize(2 * m_window);
   m_near.ring.resize(2 * m_window);
 }

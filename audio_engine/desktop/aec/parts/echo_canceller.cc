@@ -11,9 +11,9 @@ namespace desktop {
 
 namespace {
 
-constexpr int kPartitions = 32;  // 320 ms of echo path.
-constexpr int kMaxOffsetBlocks = 50;
-constexpr int kEarlyBlocks = 8;
+constexpr size_t kPartitions = 32;  // 320 ms of echo path.
+constexpr size_t kMaxOffsetBlocks = 50;
+constexpr size_t kEarlyBlocks = 8;
 
 // The module loses 8 dB when it is told 10 ms too much, and nothing when it is told 30 ms too
 // little; a new delay makes it learn the path anew, so it hears of lasting changes only.
@@ -41,21 +41,21 @@ webrtc::AudioProcessing* CreateApm(int rate) {
   return apm;
 }
 
-void Scale(float* block, int count, float factor) {
-  for (int i = 0; i < count; ++i) block[i] *= factor;
+void Scale(float* block, size_t count, float factor) {
+  for (size_t i = 0; i < count; ++i) block[i] *= factor;
 }
 
 }  // namespace
 
 EchoCanceller::EchoCanceller(int rate, Delay delay)
     : m_rate(rate),
-      m_block(rate / 100),
+      m_block(Size(rate / 100)),
       m_filter(m_block, kPartitions, kMaxOffsetBlocks),
       m_tracker(delay == Delay::kFound ? std::make_unique<DelayTracker>(rate, 500) : nullptr),
       m_apm(CreateApm(rate)),
-      m_early(Size(kEarlyBlocks * m_block)),
-      m_far(Size(m_block)),
-      m_shorts(Size(m_block)) {
+      m_early(kEarlyBlocks * m_block),
+      m_far(m_block),
+      m_shorts(m_block) {
   m_apm->echo_cancellation()->Enable(true);
   SetSuppression(Suppression::kModerate);
 }
@@ -90,7 +90,7 @@ void EchoCanceller::ProcessFar(const float* block) {
     std::copy(m_early.begin() + m_block, m_early.end(), m_early.begin());
     --m_earlyBlocks;
   }
-  std::copy(block, block + m_block, &m_early[Size(m_earlyBlocks * m_block)]);
+  std::copy(block, block + m_block, &m_early[m_earlyBlocks * m_block]);
   ++m_earlyBlocks;
 }
 
@@ -112,7 +112,7 @@ void EchoCanceller::ProcessNear(float* block) {
     m_filter.Process(m_far.data(), block, block);
   }
   if (m_cancels || m_suppressesNoise) Suppress(block);
-  for (int i = 0; i < m_block; ++i) block[i] = std::clamp(block[i], -32768.0f, 32767.0f);
+  for (size_t i = 0; i < m_block; ++i) block[i] = std::clamp(block[i], -32768.0f, 32767.0f);
 }
 
 void EchoCanceller::FollowDelay(const float* near) {
@@ -137,9 +137,9 @@ void EchoCanceller::FollowDelay(const float* near) {
 }
 
 void EchoCanceller::MoveFilter() {
-  const int margin = m_apmDelayMs + kModuleMarginMs - 10 * m_filter.Offset();
+  const int margin = m_apmDelayMs + kModuleMarginMs - 10 * Count(m_filter.Offset());
   if (m_apmDelayMs == 0 || (margin >= kMinMarginMs && margin <= kMaxMarginMs)) return;
-  m_filter.SetOffset(std::max(0, m_apmDelayMs + kModuleMarginMs - kFilterMarginMs) / 10);
+  m_filter.SetOffset(Size(m_apmDelayMs + kModuleMarginMs - kFilterMarginMs) / 10);
 }
 
 void EchoCanceller::Suppress(float* block) {

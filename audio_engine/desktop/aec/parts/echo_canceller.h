@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -42,13 +43,13 @@ class EchoCanceller {
   // In place. Cancellation makes it kLagSamples late at 8 and 16 kHz, noise suppression alone
   // 6 ms. The result stays within -32768..32767.
   void ProcessNear(float* block);
-  static constexpr int kLagSamples = 112;
+  static constexpr size_t kLagSamples = 112;
 
   // Whether there was echo in the last block.
   bool HasEcho() const { return m_hasEcho; }
 
   // The length of a block in samples.
-  int Block() const { return m_block; }
+  size_t Block() const { return m_block; }
 
   // The block of the far end that went with the last one of the near end.
   const float* Far() const { return m_far.data(); }
@@ -60,7 +61,7 @@ class EchoCanceller {
   void Suppress(float* block);
 
   const int m_rate;
-  const int m_block;
+  const size_t m_block;
   KalmanFilter m_filter;
 
   // Null when the delay is given.
@@ -78,7 +79,7 @@ class EchoCanceller {
 
   // The far-end blocks that wait, oldest first.
   std::vector<float> m_early;
-  int m_earlyBlocks = 0;
+  size_t m_earlyBlocks = 0;
   std::vector<float> m_far;
   std::vector<short> m_shorts;
 };

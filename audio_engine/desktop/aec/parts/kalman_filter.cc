@@ -37,66 +37,66 @@ constexpr int kUselessBlocks = 50;
 constexpr float kFarRms = 50.0f;
 
 // The sum of the squares of `count` samples.
-float Energy(const float* samples, int count) {
+float Energy(const float* samples, size_t count) {
   float energy = 0;
-  for (int i = 0; i < count; ++i) energy += samples[i] * samples[i];
+  for (size_t i = 0; i < count; ++i) energy += samples[i] * samples[i];
   return energy;
 }
 
 }  // namespace
 
-KalmanFilter::KalmanFilter(int block, int partitions, int maxOffset)
+KalmanFilter::KalmanFilter(size_t block, size_t partitions, size_t maxOffset)
     : m_block(block),
       m_partitions(partitions),
       m_fft(2 * block),
-      m_farSamples(Size(2 * block)),
-      m_far(Size(partitions + maxOffset), Spectrum(Size(m_fft.Bins()))),
-      m_path(Size(partitions), Spectrum(Size(m_fft.Bins()))),
-      m_uncertainty(Size(partitions), Power(Size(m_fft.Bins()))),
-      m_predicted(Size(m_fft.Bins())),
-      m_nearPower(Size(m_fft.Bins())),
-      m_echo(Size(m_fft.Bins())),
-      m_error(Size(m_fft.Bins())),
-      m_step(Size(m_fft.Bins())),
-      m_samples(Size(2 * block)) {
+      m_farSamples(2 * block),
+      m_far(partitions + maxOffset, Spectrum(m_fft.Bins())),
+      m_path(partitions, Spectrum(m_fft.Bins())),
+      m_uncertainty(partitions, Power(m_fft.Bins())),
+      m_predicted(m_fft.Bins()),
+      m_nearPower(m_fft.Bins()),
+      m_echo(m_fft.Bins()),
+      m_error(m_fft.Bins()),
+      m_step(m_fft.Bins()),
+      m_samples(2 * block) {
   Restart();
 }
 
 void KalmanFilter::Restart() {
-  for (int partition = 0; partition < m_partitions; ++partition) ForgetPartition(partition);
+  for (size_t partition = 0; partition < m_partitions; ++partition) ForgetPartition(partition);
   m_nearEnergy = 0;
   m_outEnergy = 0;
 }
 
-void KalmanFilter::ForgetPartition(int partition) {
-  Spectrum& path = m_path[Size(partition)];
-  Power& uncertainty = m_uncertainty[Size(partition)];
+void KalmanFilter::ForgetPartition(size_t partition) {
+  Spectrum& path = m_path[partition];
+  Power& uncertainty = m_uncertainty[partition];
   std::fill(path.begin(), path.end(), 0.0f);
   std::fill(uncertainty.begin(), uncertainty.end(), FirstUncertainty(partition));
 }
 
-float KalmanFilter::FirstUncertainty(int partition) const {
+float KalmanFilter::FirstUncertainty(size_t partition) const {
   return kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
 }
 
-void KalmanFilter::SetOffset(int blocks) {
-  const int wanted = std::clamp(blocks, 0, static_cast<int>(m_far.size()) - m_partitions);
-  const int shift = std::clamp(wanted - m_offset, -m_partitions, m_partitions);
-  m_offset = wanted;
-  const auto by = static_cast<std::ptrdiff_t>(std::abs(shift));
-  if (shift > 0) {
-    std::rotate(m_path.begin(), m_path.begin() + by, m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + by, m_uncertainty.end());
-    for (int i = m_partitions - shift; i < m_partitions; ++i) ForgetPartition(i);
-  } else if (shift < 0) {
-    std::rotate(m_path.begin(), m_path.end() - by, m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - by, m_uncertainty.end());
-    for (int i = 0; i < -shift; ++i) ForgetPartition(i);
+void KalmanFilter::SetOffset(size_t blocks) {
+  const size_t wanted = std::min(blocks, m_far.size() - m_partitions);
+  if (wanted > m_offset) {
+    const size_t shift = std::min(wanted - m_offset, m_partitions);
+    std::rotate(m_path.begin(), m_path.begin() + shift, m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + shift, m_uncertainty.end());
+    for (size_t i = m_partitions - shift; i < m_partitions; ++i) ForgetPartition(i);
+  } else if (wanted < m_offset) {
+    const size_t shift = std::min(m_offset - wanted, m_partitions);
+    std::rotate(m_path.begin(), m_path.end() - shift, m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - shift, m_uncertainty.end());
+    for (size_t i = 0; i < shift; ++i) ForgetPartition(i);
   }
+  m_offset = wanted;
 }
 
-const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(int partition) const {
-  return m_far[(m_newest + Size(m_offset + partition)) % m_far.size()];
+const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(size_t partition) const {
+  return m_far[(m_newest + m_offset + partition) % m_far.size()];
 }
 
 void KalmanFilter::Process(const float* far, const float* near, float* out) {
@@ -106,12 +106,12 @@ void KalmanFilter::Process(const float* far, const float* near, float* out) {
   m_fft.Forward(m_farSamples.data(), m_far[m_newest].data());
 
   PredictEcho();
-  for (int i = 0; i < m_block; ++i) {
-    m_samples[Size(m_block + i)] = near[i] - m_samples[Size(m_block + i)];
+  for (size_t i = 0; i < m_block; ++i) {
+    m_samples[m_block + i] = near[i] - m_samples[m_block + i];
   }
   std::fill(m_samples.begin(), m_samples.begin() + m_block, 0.0f);
-  const bool diverged = Diverged(near, &m_samples[Size(m_block)]);
-  if (diverged) std::copy(near, near + m_block, &m_samples[Size(m_block)]);
+  const bool diverged = Diverged(near, &m_samples[m_block]);
+  if (diverged) std::copy(near, near + m_block, &m_samples[m_block]);
   std::copy(m_samples.begin() + m_block, m_samples.end(), out);
   if (diverged) {
     Restart();
@@ -126,10 +126,10 @@ void KalmanFilter::PredictEcho() {
   constexpr float kKept = kPersistence * kPersistence;
   std::fill(m_echo.begin(), m_echo.end(), 0.0f);
   std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
-  for (int partition = 0; partition < m_partitions; ++partition) {
+  for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(partition);
-    Spectrum& path = m_path[Size(partition)];
-    Power& uncertainty = m_uncertainty[Size(partition)];
+    Spectrum& path = m_path[partition];
+    Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       uncertainty[bin] = kKept * uncertainty[bin] + (1 - kKept) * std::norm(path[bin]);
       path[bin] *= kPersistence;
@@ -152,9 +152,9 @@ void KalmanFilter::Adapt() {
         kNearSmoothing * m_nearPower[bin] + (1 - kNearSmoothing) * std::norm(m_error[bin]);
     m_predicted[bin] = 1 / (0.5f * m_predicted[bin] + m_nearPower[bin] + kNoisePower);
   }
-  for (int partition = 0; partition < m_partitions; ++partition) {
+  for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(partition);
-    Power& uncertainty = m_uncertainty[Size(partition)];
+    Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       const float gain = uncertainty[bin] * m_predicted[bin];
       const std::complex<float> x = far[bin];
@@ -167,7 +167,7 @@ void KalmanFilter::Adapt() {
     m_fft.Inverse(m_step.data(), m_samples.data());
     std::fill(m_samples.begin() + m_block, m_samples.end(), 0.0f);
     m_fft.Forward(m_samples.data(), m_step.data());
-    Spectrum& path = m_path[Size(partition)];
+    Spectrum& path = m_path[partition];
     for (size_t bin = 0; bin < path.size(); ++bin) path[bin] += m_step[bin];
   }
 }
@@ -181,7 +181,7 @@ bool KalmanFilter::Diverged(const float* near, const float* error) {
 
 void KalmanFilter::DoubtUselessPath() {
   const float least = kFarRms * kFarRms * static_cast<float>(m_block);
-  if (Energy(&m_farSamples[Size(m_block)], m_block) < least) return;
+  if (Energy(&m_farSamples[m_block], m_block) < least) return;
   if (m_outEnergy < kUsefulness * m_nearEnergy) m_wasUseful = true;
   const bool useless = m_outEnergy > kUselessness * m_nearEnergy;
   m_uselessFor = useless ? m_uselessFor + 1 : 0;
@@ -189,9 +189,9 @@ void KalmanFilter::DoubtUselessPath() {
 
   m_wasUseful = false;
   m_uselessFor = 0;
-  for (int partition = 0; partition < m_partitions; ++partition) {
+  for (size_t partition = 0; partition < m_partitions; ++partition) {
     const float first = FirstUncertainty(partition);
-    for (float& variance : m_uncertainty[Size(partition)]) variance = std::max(variance, first);
+    for (float& variance : m_uncertainty[partition]) variance = std::max(variance, first);
   }
 }
 

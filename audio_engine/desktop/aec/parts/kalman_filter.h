@@ -1,6 +1,7 @@
 #pragma once
 
 #include <complex>
+#include <cstddef>
 #include <vector>
 
 #include "desktop/dsp/real_fft.h"
@@ -16,13 +17,14 @@ namespace desktop {
 class KalmanFilter {
  public:
   // The filter is `partitions` blocks long and may start at up to `maxOffset` blocks of delay.
-  KalmanFilter(int block, int partitions, int maxOffset);
+  KalmanFilter(size_t block, size_t partitions, size_t maxOffset);
 
   // Moves the start of the filter, in blocks of delay; what it has learnt moves along.
-  void SetOffset(int blocks);
-  int Offset() const { return m_offset; }
+  void SetOffset(size_t blocks);
+  size_t Offset() const { return m_offset; }
 
-  void Restart();  // Forgets the echo path.
+  // Forgets the echo path.
+  void Restart();
 
   // Takes a far-end block and the near-end block that was captured with it, and gives the near end
   // without the echo; `out` may be `near`. Every pointer is to one block.
@@ -32,17 +34,17 @@ class KalmanFilter {
   using Spectrum = std::vector<std::complex<float>>;
   using Power = std::vector<float>;
 
-  const Spectrum& FarSpectrum(int partition) const;
-  float FirstUncertainty(int partition) const;
-  void ForgetPartition(int partition);
+  const Spectrum& FarSpectrum(size_t partition) const;
+  float FirstUncertainty(size_t partition) const;
+  void ForgetPartition(size_t partition);
   void PredictEcho();
   void Adapt();
   bool Diverged(const float* near, const float* error);
   void DoubtUselessPath();
 
-  const int m_block;
-  const int m_partitions;
-  int m_offset = 0;
+  const size_t m_block;
+  const size_t m_partitions;
+  size_t m_offset = 0;
   RealFft m_fft;
 
   // The last two blocks of the far end, and a ring of its spectra, the newest at m_newest.

@@ -13,15 +13,15 @@ namespace {
 constexpr int kNoiseLevel = 0;
 
 // By how much noise suppression alone is late at 16 kHz.
-constexpr int kNoiseLagSamples = 96;
+constexpr size_t kNoiseLagSamples = 96;
 
 // Even the weakest noise suppression takes about 1 dB of speech, which is given back.
 constexpr float kSpeechGain = 1.1f;
 
 // The energy of the upper half of a signal's band.
-float UpperEnergy(const float* samples, int count) {
+float UpperEnergy(const float* samples, size_t count) {
   float energy = 0;
-  for (int i = 1; i < count; ++i) {
+  for (size_t i = 1; i < count; ++i) {
     const float step = samples[i] - samples[i - 1];
     energy += step * step;
   }
@@ -35,25 +35,25 @@ bool MobileCanceller::Accepts(int rate) {
 }
 
 MobileCanceller::MobileCanceller(int rate)
-    : m_frames(rate / 100),
-      m_bands(std::max(1, rate / 16000)),
+    : m_frames(Size(rate / 100)),
+      m_bands(Size(std::max(1, rate / 16000))),
       m_canceller(std::min(rate, 16000), EchoCanceller::Delay::kFound),
       m_farSplit(m_bands, m_frames),
-      m_farBands(Size(m_frames)),
-      m_block(Size(FramesPerBand())),
+      m_farBands(m_frames),
+      m_block(FramesPerBand()),
       m_in(2 * m_block.size()),
       m_out(m_block.size()),
       m_alignedFar(m_block.size()),
       m_alignedNear(m_block.size()),
-      m_late(Size(m_bands - 1), std::vector<int16_t>(2 * m_block.size())) {
+      m_late(m_bands - 1, std::vector<int16_t>(2 * m_block.size())) {
   m_canceller.SetNoiseSuppression(kNoiseLevel);
 }
 
 void MobileCanceller::ProcessFar(const int16_t* block) {
-  const int frames = FramesPerBand();
+  const size_t frames = FramesPerBand();
   if (m_bands > 1) {
     int16_t* bands[3];
-    for (int band = 0; band < m_bands; ++band) bands[band] = &m_farBands[Size(band * frames)];
+    for (size_t band = 0; band < m_bands; ++band) bands[band] = &m_farBands[band * frames];
     m_farSplit.Analyse(block, bands);
     block = m_farBands.data();
   }
@@ -75,7 +75,7 @@ void MobileCanceller::SetStages(Stages stages) {
 
 void MobileCanceller::ProcessNear(const int16_t* const* near, int16_t* const* out, Stages stages) {
   SetStages(stages);
-  const int frames = FramesPerBand();
+  const size_t frames = FramesPerBand();
   std::copy(near[0], near[0] + frames, m_alignedNear.begin());
   std::copy(near[0], near[0] + frames, m_out.begin());
   m_canceller.ProcessNear(m_out.data());
@@ -88,32 +88,37 @@ void MobileCanceller::ProcessNear(const int16_t* const* near, int16_t* const* ou
   std::copy(m_in.begin() + frames, m_in.end(), m_in.begin());
   std::copy(near[0], near[0] + frames, m_in.begin() + frames);
   const float gain = m_bands > 1 ? UpperGain() : 1;
-  for (int band = 1; band < m_bands; ++band) ProcessUpperBand(band, near[band], out[band], gain);
+  for (size_t band = 1; band < m_bands; ++band) ProcessUpperBand(band, near[band], out[band], gain);
   m_gain = gain;
   std::transform(m_out.begin(), m_out.end(), out[0],
                  [](float sample) { return static_cast<int16_t>(sample); });
 }
 
+// Returns by how many samples the lowest band comes out later than it went in.
+size_t MobileCanceller::Lag() const {
+  return m_stages.aec ? EchoCanceller::kLagSamples : m_stages.ns ? kNoiseLagSamples : 0;
+}
+
 // What became of the upper half of the lowest band, with the lag of the canceller.
 float MobileCanceller::UpperGain() {
-  const int frames = FramesPerBand();
-  const int lag = m_stages.aec ? EchoCanceller::kLagSamples : m_stages.ns ? kNoiseLagSamples : 0;
-  const float before = UpperEnergy(&m_in[Size(frames - lag)], frames);
+  const size_t frames = FramesPerBand();
+  const size_t lag = Lag();
+  const float before = UpperEnergy(&m_in[frames - lag], frames);
   const float after = UpperEnergy(m_out.data(), frames);
   const float gain = after < before ? std::sqrt(after / before) : 1;
   return gain < m_gain ? gain : 0.5f * (gain + m_gain);
 }
 
-void MobileCanceller::ProcessUpperBand(int band, const int16_t* near, int16_t* out, float gain) {
-  const int frames = FramesPerBand();
-  const int lag = m_stages.aec ? EchoCanceller::kLagSamples : m_stages.ns ? kNoiseLagSamples : 0;
-  std::vector<int16_t>& late = m_late[Size(band - 1)];
+void MobileCanceller::ProcessUpperBand(size_t band, const int16_t* near, int16_t* out, float gain) {
+  const size_t frames = FramesPerBand();
+  const size_t lag = Lag();
+  std::vector<int16_t>& late = m_late[band - 1];
   std::copy(late.begin() + frames, late.end(), late.begin());
   std::copy(near, near + frames, late.begin() + frames);
-  for (int i = 0; i < frames; ++i) {
+  for (size_t i = 0; i < frames; ++i) {
     const float part = static_cast<float>(i + 1) / static_cast<float>(frames);
     const float now = m_gain + part * (gain - m_gain);
-    out[i] = static_cast<int16_t>(now * late[Size(frames - lag + i)]);
+    out[i] = static_cast<int16_t>(now * late[frames - lag + i]);
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -13,20 +14,24 @@ namespace desktop {
 class MobileCanceller {
  public:
   struct Stages {
-    bool newNlp;  // Stronger suppression of what the linear filter leaves.
+    // Stronger suppression of what the linear filter leaves.
+    bool newNlp;
     bool aec;
     bool ns;
   };
 
-  static bool Accepts(int rate);  // 8000, 16000, 32000 or 48000 Hz.
+  // Returns whether the rate is 8000, 16000, 32000 or 48000 Hz.
+  static bool Accepts(int rate);
 
   explicit MobileCanceller(int rate);
 
-  int Frames() const { return m_frames; }  // Of one block, 10 ms.
-  int Bands() const { return m_bands; }
-  int FramesPerBand() const { return m_frames / m_bands; }
+  // The length of a block, 10 ms, and of its part in each band.
+  size_t Frames() const { return m_frames; }
+  size_t Bands() const { return m_bands; }
+  size_t FramesPerBand() const { return m_frames / m_bands; }
 
-  void ProcessFar(const int16_t* block);  // All bands in one signal.
+  // Takes a block of the far end, all bands in one signal.
+  void ProcessFar(const int16_t* block);
 
   // near and out: [band][sample]; they may be the same.
   void ProcessNear(const int16_t* const* near, int16_t* const* out, Stages stages);
@@ -40,11 +45,12 @@ class MobileCanceller {
 
  private:
   void SetStages(Stages stages);
-  void ProcessUpperBand(int band, const int16_t* near, int16_t* out, float gain);
+  void ProcessUpperBand(size_t band, const int16_t* near, int16_t* out, float gain);
   float UpperGain();
+  size_t Lag() const;
 
-  const int m_frames;
-  const int m_bands;
+  const size_t m_frames;
+  const size_t m_bands;
   EchoCanceller m_canceller;
   BandSplit m_farSplit;
   Stages m_stages = {false, true, true};

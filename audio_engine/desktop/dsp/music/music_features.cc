@@ -23,7 +23,7 @@ constexpr double kFloor = 1e-11;
 constexpr double kSilence = -75;  // dBFS
 
 // A peak stands out of so many bins on either side, by so many dB.
-constexpr int kNeighbours = 8;
+constexpr size_t kNeighbours = 8;
 constexpr double kProminence = 6;
 constexpr int kSustainedLooks = 10;
 
@@ -44,23 +44,22 @@ struct Spread {
 
 void MusicFeatures::Reset(int sampleRate) {
   m_sampleRate = sampleRate;
-  m_hop = sampleRate / 100;
-  m_fftSize = kiss_fftr_next_fast_size_real(static_cast<int>(kLookSeconds * sampleRate));
-  m_bins = static_cast<int>(kTop * m_fftSize / sampleRate);
-  m_fft.reset(kiss_fftr_alloc(m_fftSize, 0, nullptr, nullptr));
+  m_hop = Size(sampleRate / 100);
+  const int size = kiss_fftr_next_fast_size_real(static_cast<int>(kLookSeconds * sampleRate));
+  m_fftSize = Size(size);
+  m_bins = static_cast<size_t>(kTop * size / sampleRate);
+  m_fft.reset(kiss_fftr_alloc(size, 0, nullptr, nullptr));
   if (!m_fft) throw std::bad_alloc();
-  const size_t size = Size(m_fftSize);
-  m_window.resize(size);
-  for (size_t i = 0; i < size; ++i) {
-    m_window[i] =
-        static_cast<float>(0.5 - 0.5 * std::cos(2 * std::numbers::pi * Real(i) / m_fftSize));
+  m_window.resize(m_fftSize);
+  for (size_t i = 0; i < m_fftSize; ++i) {
+    m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(2 * std::numbers::pi * Real(i) / size));
   }
-  m_samples.resize(size);
-  m_windowed.resize(size);
-  m_spectrum.resize(size / 2 + 1);
-  m_power.resize(Size(m_bins));
-  m_standing.resize(Size(m_bins));
-  m_stood.resize(Size(m_bins));
+  m_samples.resize(m_fftSize);
+  m_windowed.resize(m_fftSize);
+  m_spectrum.resize(m_fftSize / 2 + 1);
+  m_power.resize(m_bins);
+  m_standing.resize(m_bins);
+  m_stood.resize(m_bins);
   m_lowPassStep = 1 - std::exp(-2 * std::numbers::pi * kTop / sampleRate);
   Restart();
 }
@@ -71,7 +70,8 @@ void MusicFeatures::Restart() {
   m_bands.fill(-90);
   m_lowPassed = m_energy = 0;
   m_at = 0;
-  m_inBlock = m_block = m_looks = m_silentLooks = 0;
+  m_inBlock = 0;
+  m_block = m_looks = m_silentLooks = 0;
 }
 
 bool MusicFeatures::Push(float sample) {
@@ -80,7 +80,7 @@ bool MusicFeatures::Push(float sample) {
   m_lowPassed += m_lowPassStep * (sample - m_lowPassed);
   m_energy += m_lowPassed * m_lowPassed;
   if (++m_inBlock < m_hop) return false;
-  m_levels[m_block] = 10 * std::log10(m_energy / m_hop + kFloor);
+  m_levels[m_block] = 10 * std::log10(m_energy / Real(m_hop) + kFloor);
   m_inBlock = 0;
   m_energy = 0;
   m_block = 1 - m_block;
@@ -96,7 +96,7 @@ void MusicFeatures::TakeLook() {
     m_windowed[i] = m_samples[at] * m_window[i];
   }
   kiss_fftr(m_fft.get(), m_windowed.data(), m_spectrum.data());
-  const double scale = 16.0 / (3.0 * m_fftSize * m_fftSize);
+  const double scale = 16.0 / (3.0 * Real(m_fftSize) * Real(m_fftSize));
   for (size_t k = 0; k < m_power.size(); ++k) {
     const double re = m_spectrum[k].r, im = m_spectrum[k].i;
     m_power[k] = 10 * std::log10((re * re + im * im) * scale + kFloor * 1e-2);
@@ -113,21 +113,21 @@ void MusicFeatures::TakeLook() {
 // A peak stands still while it is the largest of its surroundings at the same bin or the next one.
 void MusicFeatures::FollowPeaks(Look& look) {
   std::swap(m_standing, m_stood);
-  const int first = static_cast<int>(kBottom * m_fftSize / m_sampleRate) + 1;
+  const size_t first = static_cast<size_t>(kBottom * Real(m_fftSize) / m_sampleRate) + 1;
   std::fill(m_standing.begin(), m_standing.end(), 0);
   double loudest = -200;
-  for (int k = first; k < m_bins; ++k) loudest = std::max(loudest, m_power[Size(k)]);
+  for (size_t k = first; k < m_bins; ++k) loudest = std::max(loudest, m_power[k]);
   std::array<int, 5> steadiest{};
-  for (int k = first; k + 1 < m_bins; ++k) {
-    const size_t bin = Size(k);
+  for (size_t bin = first; bin + 1 < m_bins; ++bin) {
     if (m_power[bin] < loudest - 50 || m_power[bin] < m_power[bin - 1] ||
         m_power[bin] <= m_power[bin + 1]) {
       continue;
     }
     double around = 0;
-    const int from = std::max(0, k - kNeighbours), to = std::min(m_bins - 1, k + kNeighbours);
-    for (int i = from; i <= to; ++i) around += m_power[Size(i)];
-    if (m_power[bin] < around / (to - from + 1) + kProminence) continue;
+    const size_t from = bin - std::min(bin, kNeighbours);
+    const size_t to = std::min(m_bins - 1, bin + kNeighbours);
+    for (size_t i = from; i <= to; ++i) around += m_power[i];
+    if (m_power[bin] < around / Real(to - from + 1) + kProminence) continue;
     m_standing[bin] = 1 + std::max({m_stood[bin - 1], m_stood[bin], m_stood[bin + 1]});
     look.peaks += 1;
     if (m_standing[bin] >= kSustainedLooks) look.sustained += 1;
@@ -142,7 +142,7 @@ void MusicFeatures::CompareBands(Look& look) {
   std::array<double, kBands> bands{};
   double low = 0, high = 0;
   size_t k = 1;
-  const double perHertz = 1.0 * m_fftSize / m_sampleRate;
+  const double perHertz = Real(m_fftSize) / m_sampleRate;
   const double octaves = std::log1p(kTop / 500) / kBands;
   for (size_t b = 0; b < kBands; ++b) {
     const double edge = 500 * std::expm1(octaves * Real(b + 1)) * perHertz;

@@ -27,8 +27,8 @@ class MusicFeatures {
     kTonal,
 
     // How much the shape of the spectrum changes from one look to the next, dB (Scheirer and
-    // Slaney,
-    // "Construction and evaluation of a robust multifeature speech/music discriminator", 1997).
+    // Slaney, "Construction and evaluation of a robust multifeature speech/music discriminator",
+    // 1997).
     kFlux,
 
     // How far the ratio of highs to lows deviates from its mean, dB: vowels and consonants
@@ -84,11 +84,11 @@ class MusicFeatures {
   const Look& Recent(int back) const { return m_history[Size((m_looks - 1 - back) % kHistory)]; }
 
   int m_sampleRate = 0;
-  int m_fftSize = 0;
+  size_t m_fftSize = 0;
 
   // The samples in 10 ms, and the bins up to 3.6 kHz.
-  int m_hop = 0;
-  int m_bins = 0;
+  size_t m_hop = 0;
+  size_t m_bins = 0;
   std::unique_ptr<kiss_fftr_state, FreeFft> m_fft;
   std::vector<float> m_window;
 
@@ -104,7 +104,7 @@ class MusicFeatures {
   std::vector<int> m_stood;
   std::array<double, kBands> m_bands{};
   size_t m_at = 0;
-  int m_inBlock = 0;
+  size_t m_inBlock = 0;
   int m_block = 0;
   double m_lowPassed = 0;
   double m_lowPassStep = 1;

@@ -12,9 +12,10 @@ PitchShifter::PitchShifter(double semitones, int rate, int channels)
   m_shifter.setSampleRate(Unsigned(rate));
   m_shifter.setChannels(Unsigned(channels));
   m_shifter.setPitchSemiTones(semitones);
-  m_latency = m_shifter.getSetting(SETTING_INITIAL_LATENCY);
-  const std::vector<float> silence(Size(m_latency) * m_channels);
-  m_shifter.putSamples(silence.data(), Unsigned(m_latency));
+  const int latency = m_shifter.getSetting(SETTING_INITIAL_LATENCY);
+  m_latency = Size(latency);
+  const std::vector<float> silence(m_latency * m_channels);
+  m_shifter.putSamples(silence.data(), Unsigned(latency));
 }
 
 void PitchShifter::Process(float* const* rows, size_t frames) {

@@ -20,12 +20,12 @@ class PitchShifter {
   void Process(float* const* rows, size_t frames);
 
   // Frames until what goes in comes out, as far as the library tells.
-  int Latency() const { return m_latency; }
+  size_t Latency() const { return m_latency; }
 
  private:
   soundtouch::SoundTouch m_shifter;
   const size_t m_channels;
-  int m_latency = 0;
+  size_t m_latency = 0;
 
   // Interleaved.
   std::vector<float> m_block;

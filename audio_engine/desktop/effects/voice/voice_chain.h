@@ -25,7 +25,7 @@ class VoiceChain {
   void Process(float* const* rows, size_t frames);
 
   // Frames until what goes in comes out.
-  int Latency() const { return m_shifter ? m_shifter->Latency() : 0; }
+  size_t Latency() const { return m_shifter ? m_shifter->Latency() : 0; }
 
  private:
   // The last samples of a channel.

@@ -51,13 +51,13 @@ void VoiceStream::Run(float* const* rows, size_t frames) {
   if (m_chain) m_chain->Process(rows, frames);
   if (m_next) m_next->Process(coming, frames);
 
-  const int fade = m_rate / 50;
+  const size_t fade = Size(m_rate / 50);
   for (size_t i = 0; i < frames; ++i) {
     if (m_wait > 0) {
       --m_wait;
       continue;
     }
-    const double phase = std::min((m_faded + 0.5) / fade, 1.0);
+    const double phase = std::min((Real(m_faded) + 0.5) / Real(fade), 1.0);
     const auto share = static_cast<float>(0.5 - 0.5 * std::cos(M_PI * phase));
     for (int c = 0; c < m_channels; ++c) rows[c][i] += share * (coming[c][i] - rows[c][i]);
     ++m_faded;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "desktop/dsp/filters/denormal_guard.h"
@@ -56,8 +57,8 @@ class VoiceStream {
   bool m_fading = false;
 
   // How many frames it takes until m_next gives sound, and how many of the fade are done.
-  int m_wait = 0;
-  int m_faded = 0;
+  size_t m_wait = 0;
+  size_t m_faded = 0;
 };
 
 }  // namespace desktop
