@@ -48,7 +48,7 @@ struct AudioBuffer::Bands {
   const int outFrames;
   ChannelBuffer<int16_t> whole;
 
-  // Not used where the whole band is the only one.
+  // The bands of a block. Not used where the whole is the only one.
   ChannelBuffer<int16_t> split;
   desktop::Resampler in;
   desktop::Resampler out;

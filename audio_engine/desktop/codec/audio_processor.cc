@@ -16,7 +16,8 @@ namespace {
 using desktop::CodecSetup;
 using desktop::Unsigned;
 
-// Samples have no variant. Nothing for a format that no codec codes.
+// Returns what codes a format, which has no variant for samples; nothing for a format that no codec
+// codes.
 std::optional<CodecSetup> SetupOf(const AudioStreamFormat& format) {
   const desktop::CodecVariant* variant = nullptr;
   if (format.iCodec != kAudioCodecPCM) {

@@ -37,7 +37,7 @@ constexpr StreamFormat NetCodecStreamFormat::*kFormats[] = {
     &NetCodecStreamFormat::iNetAACUniversalFormat,
 };
 
-// Also where the table of formats has none.
+// Returns a bit rate for formats as well whose record has none.
 int BitRate(const AudioStreamFormat& format) {
   if (format.iCodec == kAudioCodecPCM) {
     return format.iSampleRate * format.iNumOfChannels * format.iBitsOfSample;

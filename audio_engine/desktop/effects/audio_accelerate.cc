@@ -68,8 +68,8 @@ class Accelerator final : public IAudioAccelerate {
   }
 
  private:
-  // False as long as nothing waits inside and it is disabled: then a block stays as it is. Once
-  // samples wait, all go through the scaler, enabled or not.
+  // Returns false as long as it is disabled and nothing waits inside: a block then stays as it is.
+  // Once samples wait, all go through the scaler, enabled or not.
   bool Takes(int rate, int channels) {
     if (rate != m_rate || channels != m_channels) m_scaler.reset();
     m_rate = rate;
@@ -116,7 +116,7 @@ class Accelerator final : public IAudioAccelerate {
     if (m_scaler) m_scaler->SetSpeed(m_enabled ? m_speed : 1);
   }
 
-  // The first block is worth a line, not each of them.
+  // Writes one line for the first block and none for the others.
   void Tell(const char* what) {
     if (!m_told) OutputDebugInfo("IAudioAccelerate: %s", what);
     m_told = true;

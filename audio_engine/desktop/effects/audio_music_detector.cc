@@ -24,15 +24,15 @@ constexpr int kScores = 10;
 constexpr int kSilentLooks = 75;
 constexpr double kHysteresis = 0.15;
 
-// Where a figure lies on the way from `zero` (0) by steps of `unit`, within bounds.
+// Returns by how many `unit`s a figure lies above `zero`, within bounds.
 double Ramp(double value, double zero, double unit, double lowest, double highest) {
   return std::clamp((value - zero) / unit, lowest, highest);
 }
 
-// Above 0 for music. Speech pauses, glides and changes its colour without a beat; of these signs
-// none is sure by itself, so each speaks for one side or the other within bounds. They were weighed
-// on speech in seventeen languages, clean, noisy and reverberant, and on music of some seventy
-// kinds, from drums alone to orchestras.
+// Returns a score, which is above 0 for music. Speech pauses, glides and changes its colour without
+// a beat; of these signs none is sure by itself, so each speaks for one side or the other within
+// bounds. They were weighed on speech in seventeen languages, clean, noisy and reverberant, and on
+// music of some seventy kinds, from drums alone to orchestras.
 double Score(const MusicFeatures::Values& values) {
   const double deviation = values[MusicFeatures::kLevelDeviation];
   const double tonal = values[MusicFeatures::kTonal];

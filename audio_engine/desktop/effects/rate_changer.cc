@@ -26,10 +26,10 @@ using desktop::ToSample;
 using desktop::Unsigned;
 using Shorts = std::vector<short>;
 
-// The speed of a tape: the pitch goes with it.
+// Changes the speed as a tape does: the pitch goes with it.
 class Tape {
  public:
-  // Throws when there is no memory, as all of it does.
+  // Throws when there is no memory, as all its functions do.
   Tape(int rate, int channels)
       : m_channels(Size(channels)), m_floats(kMaxBlockFrames * m_channels) {
     m_resampler.setSampleRate(Unsigned(rate));
@@ -81,7 +81,7 @@ struct RateChanger::Impl {
     if (tape) tape->SetSpeed(speed);
   }
 
-  // One line for each format, not one for each block.
+  // Writes one line for each format, not one for each block.
   void Tell(const char* what) {
     if (!told) OutputDebugInfo("RateChanger: %s", what);
     told = true;

@@ -25,7 +25,8 @@ constexpr double kHardlyAlike = 0.7;
 // technique based on waveform similarity for high quality time-scale modification of speech",
 // 1993).
 
-// Two stretches of a block that look alike: [first, first + overlap) and, `lag` later, the other.
+// Two stretches of a block that look alike: one is [first, first + overlap), the other lies `lag`
+// later.
 struct Repetition {
   size_t first = 0;
   size_t lag = 0;
@@ -33,10 +34,10 @@ struct Repetition {
   double likeness = -2;
 };
 
-// The frames that so many tenths of a millisecond last.
+// Returns how many frames last so many tenths of a millisecond, rounded up.
 size_t Frames(unsigned rate, unsigned tenths) { return (size_t{rate} * tenths + 9999) / 10000; }
 
-// All channels of a block together, so that they are cut at the same place.
+// Adds up all channels of a block, so that they are cut at the same place.
 void Mix(const short* in, unsigned channels, std::span<float> mono) {
   for (size_t i = 0; i < mono.size(); ++i) {
     int sum = 0;
@@ -45,8 +46,8 @@ void Mix(const short* in, unsigned channels, std::span<float> mono) {
   }
 }
 
-// The best repetition with a lag of lowest..highest frames, tried early, amid and late in the
-// block.
+// Returns the best repetition with a lag of `lowest` to `highest` frames. It is looked for early,
+// amid and late in the block.
 Repetition Search(std::span<const float> mono, unsigned rate, size_t lowest, size_t highest) {
   const size_t overlap = Frames(rate, 70);
   const size_t slack = mono.size() - overlap - highest;
@@ -62,15 +63,15 @@ Repetition Search(std::span<const float> mono, unsigned rate, size_t lowest, siz
   return best;
 }
 
-// Half the blocks of a voice, by where its pulses happen to lie in them: a choice that needs no
-// memory of the block before.
+// Returns true for half the blocks of a voice, by where its pulses happen to lie in them: a choice
+// that needs no memory of the block before.
 bool PulsesLieEarly(std::span<const float> mono, size_t period) {
   const auto quieter = [](float a, float b) { return std::fabs(a) < std::fabs(b); };
   const auto loudest = std::max_element(mono.begin(), mono.end(), quieter);
   return static_cast<size_t>(loudest - mono.begin()) % period < period / 2;
 }
 
-// What to take out or put in; lag 0 when the block is to stay as it is.
+// Returns what to take out or put in; its lag is 0 when the block is to stay as it is.
 Repetition FindRepetition(std::span<const float> mono, unsigned rate, bool always) {
   const size_t shortest = Frames(rate, 24);
   const size_t longest = Frames(rate, 90) - 1;
@@ -102,7 +103,7 @@ unsigned Splice(std::span<const short> in, unsigned channels, size_t before, siz
   return static_cast<unsigned>(end - out);
 }
 
-// Only the first refusal is logged, not one for each block.
+// Returns `code`. Only the first refusal is logged, not one for each block.
 int Refuse(int code, const char* why) {
   static std::atomic_flag told;
   if (!told.test_and_set()) OutputDebugInfo("sound process: %s", why);

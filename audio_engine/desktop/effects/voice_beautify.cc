@@ -14,7 +14,7 @@ using desktop::Peak;
 using desktop::Treble;
 using desktop::VoiceRecipe;
 
-// s: the strength, above 0.
+// Returns the recipe of a mode. s: the strength, above 0.
 VoiceRecipe ModeAt(VoiceBeautifyOption mode, double s) {
   VoiceRecipe recipe;
   switch (mode) {
@@ -48,8 +48,8 @@ VoiceRecipe ModeAt(VoiceBeautifyOption mode, double s) {
   return recipe;
 }
 
-// strength: 0 to 1; NaN counts as 0, as it does for the semitones. These are added to the pitch of
-// the mode, and the sum is clamped to -7..12.
+// Returns the recipe of a mode at a strength of 0 to 1, where NaN counts as 0, as it does for the
+// semitones. These are added to the pitch of the mode, and the sum is clamped to -7..12.
 VoiceRecipe RecipeOf(VoiceBeautifyOption mode, double strength, double semitones) {
   const double s = std::isnan(strength) ? 0 : std::clamp(strength, 0.0, 1.0);
   VoiceRecipe recipe = s > 0 ? ModeAt(mode, s) : VoiceRecipe();

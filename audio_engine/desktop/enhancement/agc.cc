@@ -17,7 +17,7 @@ constexpr size_t kMaxSamples = 480;
 constexpr float kCrestDb = 20;
 constexpr float kAnalogToleranceDb = 3;
 
-// From the middle of the microphone's range to either end.
+// How far either end of the microphone's range is from its middle.
 constexpr float kMicRangeDb = 20;
 
 using desktop::Count;
@@ -56,7 +56,7 @@ bool Takes(const Agc* agc, const void* bands, int bandCount, int samples) {
          samples == agc->rate / 100;
 }
 
-// One step towards the volume that gives the level wanted.
+// Returns a volume that is one step nearer to the one that gives the level wanted.
 int BetterVolume(const Agc& agc, int now) {
   const float level = agc.control.LevelDb();
   int step = 0;

@@ -15,7 +15,7 @@ using desktop::Size;
 constexpr float kNormalGain = 0.1f;    // -20 dB
 constexpr float kLightGain = 0.3548f;  // -9 dB
 
-// One channel: hops of 10 ms are cleaned as they fill, whatever share of a block comes in.
+// Cleans one channel in hops of 10 ms as they fill, whatever share of a block comes in.
 class Channel {
  public:
   Channel(int rate, size_t hop, size_t delay) : m_suppressor(rate, hop), m_hop(hop) {
@@ -34,7 +34,7 @@ class Channel {
 
   float Pop() { return m_out[m_taken++]; }
 
-  // Drops what has been popped.
+  // Drops the samples that have been popped.
   void EndBlock() {
     m_out.erase(m_out.begin(), m_out.begin() + desktop::Offset(m_taken));
     m_taken = 0;

@@ -65,7 +65,7 @@ class AdtsWriter : public FileWriter {
   }
 
  private:
-  // The first packet is of the time before the first sample and left out.
+  // The first packet, which is of the time before the first sample, is left out.
   void Encode(const short* samples) {
     unsigned char packet[kMaxPacketBytes];
     const size_t bytes = m_encoder->Encode(samples, packet);
@@ -83,7 +83,7 @@ class AdtsWriter : public FileWriter {
   uint64_t m_packets = 0;
 };
 
-// The rate and channels of a packet of LC; no valid format for others.
+// Returns the rate and channels of a packet of LC; no valid format for others.
 DeviceFormat FormatOf(const unsigned char* header) {
   constexpr uint32_t kRates[16] = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
                                    22050, 16000, 12000, 11025, 8000,  7350};

@@ -26,7 +26,7 @@ class WaveWriter : public FileWriter {
     m_waiting.insert(m_waiting.end(), samples, samples + frames * m_format.channels);
   }
 
-  // The samples first: a header never announces more than there is.
+  // The samples are written first, so that a header never announces more than there is.
   bool Flush() override {
     const size_t bytes = m_waiting.size() * sizeof(short);
     if (!AppendWhole(m_file.get(), m_waiting.data(), bytes)) return false;

@@ -22,7 +22,7 @@ CaptureCleaner::~CaptureCleaner() { Loudspeaker::Shared().Remove(&m_played); }
 
 VADResultKind CaptureCleaner::Process(short* samples, size_t frames) {
   const size_t count = frames * m_format.channels;
-  // While nothing plays the canceller hears silence from the far end, once something has played.
+  // Once something has played, the canceller hears silence from the far end while nothing plays.
   m_plays = m_played.Read(m_frame.data_, frames) || m_plays;
   if (m_plays) m_chain.ProcessRender(m_frame);
   HighPass(samples, frames);

@@ -17,7 +17,7 @@ constexpr size_t kHangoverMs = 200;
 constexpr int kBlocksPerVolume = 10;
 constexpr size_t kMaxBytes = sizeof(AudioFrameData::frameData);
 
-// The one that says more of a packet that has both.
+// Returns which of the two says more about a packet that has both.
 VADResultKind Stronger(VADResultKind one, VADResultKind other) {
   for (const VADResultKind kind :
        {vadResultIsActive, vadResultIsActiveWithoutVoice, vadResultIsPassive}) {
@@ -92,7 +92,8 @@ void PacketMaker::Pack() {
   m_sinceVoiceMs += m_packetFrames * 1000 / m_target.rate;
   if (voice == vadResultIsActive) m_sinceVoiceMs = 0;
 
-  // The encoder codes in any case, so that its state goes on and voice does not start with a click.
+  // The encoder codes what is left out, too, so that its state goes on and voice does not start
+  // with a click.
   unsigned char bytes[kMaxPacketBytes];
   const size_t length = m_encoder->Encode(m_samples.data(), bytes);
   if (m_leavesOutSilence && m_sinceVoiceMs > kHangoverMs) {

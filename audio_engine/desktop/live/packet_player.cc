@@ -11,11 +11,14 @@ namespace desktop {
 namespace {
 
 constexpr int kTickMs = 10;
+
 // When less than this waits, the next block may find too little.
 constexpr int kLowMs = 20;
+
 // A gap of more than this is no loss, but another place of the stream.
 constexpr int kMaxGapMs = 1000;
 constexpr int kTicksPerReport = 10;
+
 // More than the longest packet holds.
 constexpr size_t kQueueSeconds = 8;
 
@@ -100,14 +103,15 @@ bool PacketPlayer::SetCodec(int rawId) {
   return true;
 }
 
-// A jump of the index is what was lost on the way. An owner that does not count leaves it as it is.
+// Makes up the packets that were lost on the way, by which the index has jumped. An owner that does
+// not count leaves the index as it is.
 void PacketPlayer::ConcealLost() {
   const auto lost = static_cast<int32_t>(m_packet.frameIndex - m_lastIndex) - 1;
   if (lost <= 0 || lost > kMaxGapMs / std::max(1, m_decoder->PacketMs())) return;
   for (int32_t i = 0; i < lost; ++i) Queue(m_decoder->Conceal(), true);
 }
 
-// The notify has nothing and little waits: goes on with what is made up until that is silent.
+// Goes on with made-up sound, until that is silent, when the notify has nothing and little waits.
 void PacketPlayer::Starve() {
   m_state = State::kStarving;
   if (m_decoder != nullptr && !m_decoder->IsSilent()) return Queue(m_decoder->Conceal(), true);

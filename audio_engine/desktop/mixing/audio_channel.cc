@@ -25,7 +25,7 @@ using desktop::Microphone;
 using desktop::RefusesInCallback;
 using desktop::Resampler;
 
-// Packs what a microphone hears, on the thread of that.
+// Packs what a microphone hears, on the microphone's thread.
 class PackedCapture : public desktop::CaptureListener {
  public:
   // Both formats have the same channels. leavesOutSilence is looked at in every block; channel is
@@ -93,7 +93,8 @@ class PlayedStream final : public desktop::PlaySource {
   PlayedStream(const PlayedStream&) = delete;
   PlayedStream& operator=(const PlayedStream&) = delete;
 
-  // No packet is pulled afterwards. Returns the mean delay from pull to loudspeaker, ms.
+  // Stops the stream, after which no packet is pulled. Returns the mean delay from pull to
+  // loudspeaker, ms.
   uint32_t Stop() {
     Loudspeaker::Shared().Remove(this);
     m_ticker = nullptr;

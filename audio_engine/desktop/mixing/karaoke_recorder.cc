@@ -52,7 +52,8 @@ class Recording : public desktop::CaptureListener {
     if (files.mix != nullptr) m_mix.emplace(std::move(files.mix), kMix);
   }
 
-  // Scores the last note. To be called when nothing is captured any more; lines: those of the song.
+  // Scores the last note. It is called when nothing is captured any more. lines: how many the song
+  // has.
   void Finish(size_t lines) {
     if (m_scorer == nullptr) return;
     m_scorer->Finish();

@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kVersion = 1;
 constexpr uint32_t kMaxStreams = 64;
-// Of one stream in one push.
+// The most bytes of one stream in one push.
 constexpr uint32_t kMaxBytes = 16 << 20;
 
 // One stream's part of the head.
@@ -29,7 +29,7 @@ void Append(std::string& head, uint32_t word) {
   head.append(reinterpret_cast<const char*>(&word), sizeof word);
 }
 
-// Returns the streams of pushed data, none when the head is no head or the samples are cut short.
+// Returns the streams of pushed data; none when the head is not valid or the samples are cut short.
 std::vector<Stream> ReadHead(const std::string& data) {
   uint32_t head[2];
   if (data.size() < sizeof head) return {};

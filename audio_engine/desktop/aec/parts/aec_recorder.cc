@@ -82,7 +82,8 @@ std::unique_ptr<AecRecorder> AecRecorder::Create(int rate, int channels, const T
     return std::unique_ptr<AecRecorder>(new AecRecorder(rate, channels, names));
   } catch (const std::bad_alloc&) {
     OutputDebugInfo("no memory for a recorder");
-  } catch (const std::exception& error) {  // No thread, or a tag that is null.
+  } catch (const std::exception& error) {
+    // There is no thread to be had, or a tag is null.
     OutputDebugInfo("no recorder: %s", error.what());
   }
   return nullptr;
@@ -168,7 +169,8 @@ void AecRecorder::Run() {
   }
 }
 
-// Stream by stream in blocks, so that detection hears of both ends at about the same time.
+// Writes what is queued a block of each stream at a time, so that detection hears of both ends at
+// about the same time.
 void AecRecorder::WriteAll() {
   bool more = true;
   while (more) {

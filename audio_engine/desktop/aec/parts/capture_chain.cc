@@ -75,7 +75,8 @@ bool CaptureChain::Record(const char* tag) {
   return true;
 }
 
-// Makes the resamplers of a path for the format of a frame; false for one that is not processed.
+// Makes the resamplers of a path for the format of a frame. Returns false for a frame that is not
+// processed.
 bool CaptureChain::Follow(Path& path, const zuwebrtc::AudioFrame& frame) const {
   const int rate = frame.sample_rate_hz_;
   const int channels = frame.num_channels_;
@@ -96,8 +97,8 @@ bool CaptureChain::Follow(Path& path, const zuwebrtc::AudioFrame& frame) const {
   return true;
 }
 
-// Prepares the path of one end, "far" or "near", for a frame. False for a frame that is not
-// processed, and with one line in the log where there is no memory for its format.
+// Prepares the path of one end, "far" or "near", for a frame. Returns false for a frame that is not
+// processed, and, with one line in the log, where there is no memory for its format.
 bool CaptureChain::Prepare(Path& path, const zuwebrtc::AudioFrame& frame, const char* end) const {
   try {
     return Follow(path, frame);

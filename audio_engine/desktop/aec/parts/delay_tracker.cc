@@ -12,10 +12,11 @@ namespace {
 // How much of the cross spectrum stays from one look to the next, which comes 100 ms later.
 constexpr float kSmoothing = 0.9f;
 
-// From here on the peak of one look is believed.
+// The least score at which the peak of a single look is believed.
 constexpr float kSureScore = 8.0f;
 
-// Below these an end is silent: nothing is learnt from its noise. On the scale of 16-bit samples.
+// An end whose RMS, on the scale of 16-bit samples, is less than this is silent: nothing is learnt
+// from its noise.
 constexpr float kMinFarRms = 5.0f;
 constexpr float kMinNearRms = 2.0f;
 
@@ -58,7 +59,7 @@ void DelayTracker::AddBlock(End& end, const short* samples, size_t count) {
   for (size_t i = 0; i < count; ++i) end.ring[end.count++ % end.ring.size()] = samples[i];
 }
 
-// False when the end is silent.
+// Returns false when the end is silent.
 bool DelayTracker::Transform(const End& end, float leastRms, Spectrum& spectrum) {
   // Before the first whole window, what is looked at starts in the ring's zeros.
   const size_t first = m_next + end.ring.size() - m_window;

@@ -133,7 +133,8 @@ void KalmanFilter::PredictEcho() {
     for (size_t bin = 0; bin < far.size(); ++bin) {
       uncertainty[bin] = kKept * uncertainty[bin] + (1 - kKept) * std::norm(path[bin]);
       path[bin] *= kPersistence;
-      // By hand: the operator looks for infinities, which costs more than the product.
+      // The product is written out, because the operator of std::complex looks for infinities,
+      // which costs more than the product.
       const float re = far[bin].real() * path[bin].real() - far[bin].imag() * path[bin].imag();
       const float im = far[bin].real() * path[bin].imag() + far[bin].imag() * path[bin].real();
       m_echo[bin] += std::complex<float>(re, im);
@@ -143,8 +144,8 @@ void KalmanFilter::PredictEcho() {
   m_fft.Inverse(m_echo.data(), m_samples.data());
 }
 
-// With the error in m_samples, preceded by a block of zeros. Half of a transform is samples, so
-// powers count half.
+// Learns from the error, which stands in m_samples after a block of zeros. Only half of what is
+// transformed are samples, so powers count half.
 void KalmanFilter::Adapt() {
   m_fft.Forward(m_samples.data(), m_error.data());
   for (size_t bin = 0; bin < m_error.size(); ++bin) {

@@ -9,7 +9,7 @@ namespace desktop {
 
 namespace {
 
-// Noise suppression of about 6 dB: more costs more speech than it takes noise.
+// This level takes about 6 dB of noise; a higher one would cost more speech than it takes noise.
 constexpr int kNoiseLevel = 0;
 
 // By how much noise suppression alone is late at 16 kHz.
@@ -99,7 +99,8 @@ size_t MobileCanceller::Lag() const {
   return m_stages.aec ? EchoCanceller::kLagSamples : m_stages.ns ? kNoiseLagSamples : 0;
 }
 
-// What became of the upper half of the lowest band, with the lag of the canceller.
+// Returns by how much the upper half of the lowest band was turned down, taking account of the lag.
+// The gain falls at once and rises by halves.
 float MobileCanceller::UpperGain() {
   const size_t frames = FramesPerBand();
   const size_t lag = Lag();

@@ -32,7 +32,7 @@ bool Set(AACENCODER* encoder, AACENC_PARAM parameter, int value) {
   return aacEncoder_SetParam(encoder, parameter, Unsigned(value)) == AACENC_OK;
 }
 
-// What was set takes effect here.
+// Makes what was set take effect.
 bool Configure(AACENCODER* encoder) {
   return aacEncEncode(encoder, nullptr, nullptr, nullptr, nullptr) == AACENC_OK;
 }
@@ -51,7 +51,7 @@ AUDIO_OBJECT_TYPE ObjectType(Coder coder) {
   }
 }
 
-// The library divides by zero at others.
+// Returns whether the library takes the rate and the channels: at other rates it divides by zero.
 bool IsSupported(const CodecSetup& setup) {
   constexpr int kRates[] = {8000,  11025, 12000, 16000, 22050, 24000,
                             32000, 44100, 48000, 64000, 88200, 96000};
@@ -94,7 +94,7 @@ Encoder OpenWith(const CodecSetup& setup, bool sbr) {
   return ready ? std::move(encoder) : nullptr;
 }
 
-// At low rates a payload of ordinary length already would not fit its packet.
+// Returns whether a payload of the mean length fits its packet; at low rates it may not.
 bool FitsPacket(int64_t bitRate, int64_t blockFrames, int rate) {
   constexpr int64_t kMaxBytes = kMaxEncodedPayloadBytes;
   return bitRate / 8 * blockFrames <= kMaxBytes * rate;
@@ -158,7 +158,7 @@ class AacEncoder : public PayloadEncoder {
   }
 
  private:
-  // What is set, or what the library has made of it.
+  // Returns the bit rate that was set, or what the library has made of it.
   UINT BitRate() const { return aacEncoder_GetParam(m_encoder.get(), AACENC_BITRATE); }
 
   Encoder m_encoder;
@@ -222,7 +222,7 @@ std::unique_ptr<PayloadEncoder> CreateAacEncoder(const CodecSetup& setup) {
 }
 
 std::unique_ptr<PayloadDecoder> CreateAacDecoder(const CodecSetup& setup) {
-  // Bare access units do not say how they are coded; an encoder alike does.
+  // Bare access units do not say how they are coded, but an encoder of the same setup does.
   AACENC_InfoStruct info = {};
   const Encoder encoder = Open(setup, &info);
   if (encoder == nullptr) return nullptr;

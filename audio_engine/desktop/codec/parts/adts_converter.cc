@@ -71,7 +71,7 @@ Kind KindOf(const Stream& stream) {
   return {};
 }
 
-// Whether two ADTS headers tell the same profile, rate and channels.
+// Returns whether two ADTS headers tell the same profile, rate and channels.
 bool IsAlike(const unsigned char* one, const unsigned char* other) {
   return ((one[2] ^ other[2]) & 0xfd) == 0 && ((one[3] ^ other[3]) & 0xc0) == 0;
 }
@@ -109,7 +109,7 @@ class LcWriter {
 
   bool IsOpen() const { return m_encoder != nullptr; }
 
-  // False when a packet found no place: then nothing more may come.
+  // Returns false when a packet found no room; nothing may be added then.
   bool Add(const short* samples, size_t count) {
     m_samples.insert(m_samples.end(), samples, samples + count);
     size_t at = 0;
@@ -146,7 +146,7 @@ class LcWriter {
   const size_t m_blockSamples;
   MallocBytes& m_out;
 
-  // What does not fill a block yet.
+  // The samples that do not fill a block yet.
   std::vector<short> m_samples;
   int64_t m_blocks = 0;
 };

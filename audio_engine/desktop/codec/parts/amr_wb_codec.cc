@@ -40,7 +40,7 @@ class AmrWbEncoder : public PayloadEncoder {
   // The length of the payloads is a part of the format.
   bool SetBitRate(int /*bitRate*/) override { return false; }
 
-  // One complexity for all.
+  // The library has one complexity only, so that any will do.
   bool SetComplexity(int /*complexity*/) override { return true; }
 
  private:
@@ -63,8 +63,8 @@ class AmrWbDecoder : public PayloadDecoder {
     return true;
   }
 
-  // The last payload again. Told that there is none, the library falls by 12 dB at once and needs
-  // 300 ms of good payloads to come back.
+  // Decodes the last payload again. When it is told that there is none, the library falls by 12 dB
+  // at once and needs 300 ms of good payloads to come back.
   bool Conceal(short* block) override {
     if (m_hasLast) D_IF_decode(m_state.get(), m_last, block, _good_frame);
     return m_hasLast;

@@ -82,12 +82,12 @@ std::unique_ptr<PayloadEncoder> CreateOpusEncoder(const CodecSetup& setup) {
   };
   bool ready = set(OPUS_SET_BITRATE_REQUEST, setup.variant->bitRate);
   if (setup.variant->coder == Coder::kSilk) {
-    // Together these two leave Silk alone.
+    // These two together leave only Silk.
     ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_VOICE) &&
             set(OPUS_SET_MAX_BANDWIDTH_REQUEST, OPUS_BANDWIDTH_WIDEBAND);
   } else if (setup.rate == 48000) {
-    // No Silk, for speech as well: 3 dB better at these rates, and the lag of all bands is the
-    // same. Silk's part of a hybrid payload is 2 frames early.
+    // Without Silk speech, too, is 3 dB better at these rates, and the lag of all bands is the
+    // same: Silk's part of a hybrid payload would be 2 frames early.
     ready = ready && set(OPUS_SET_SIGNAL_REQUEST, OPUS_SIGNAL_MUSIC);
   }
   if (!ready) return nullptr;

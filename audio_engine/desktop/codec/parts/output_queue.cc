@@ -49,7 +49,7 @@ bool OutputQueue::Add(const unsigned char* data, size_t bytes) {
   return true;
 }
 
-// How many of these bytes have room now: a packet as a whole or not at all.
+// Returns how many of these bytes have room now. A packet has room as a whole or not at all.
 size_t OutputQueue::Fitting(size_t bytes) const {
   const size_t left = m_room - m_given;
   if (bytes <= left) return bytes;

@@ -34,12 +34,13 @@ int CoreChannels(const CodecSetup& setup) {
 // The lowest eight bits.
 unsigned char Byte(size_t bits) { return static_cast<unsigned char>(bits & 0xff); }
 
-// The bytes of the packet whose 2-byte header starts at `data`; 0 when none starts there.
+// Returns the bytes of the packet whose 2-byte header starts at `data`; 0 when none starts there.
 size_t TwoBytePacketBytes(const unsigned char* data) {
   return Size(ParseTwoByteHeader(static_cast<unsigned short>(data[0] | data[1] << 8)));
 }
 
-// Sync word, layer 0, no checksum. Either MPEG version: the bit says nothing about what LC holds.
+// Returns whether a header starts here: sync word, layer 0, no checksum, and either MPEG version,
+// for that bit says nothing about what LC holds.
 bool IsAdtsSync(const unsigned char* data) { return data[0] == 0xff && (data[1] & 0xf7) == 0xf1; }
 
 size_t AdtsPacketBytes(const unsigned char* data) {
@@ -82,7 +83,7 @@ void PacketHeader::Write(unsigned char* header, size_t payloadBytes) const {
   header[3] = Byte((channels & 3) << 6 | length >> 11);
   header[4] = Byte(length >> 3);
   header[5] = Byte((length & 7) << 5 | 0x1f);
-  // Together with the five bits before: how full the buffer is, is not told.
+  // These bits and the five before them are all set: how full the buffer is, is not told.
   header[6] = 0xfc;
 }
 

@@ -74,7 +74,7 @@ size_t StreamReader::NextPacket() {
       if (decoded) return m_decoder->blockSamples();
       continue;
     }
-    // None of it was a packet, or the rest is the start of one.
+    // Either none of it was a packet, or the rest is the start of one.
     Drop(at);
     if (m_fedBytes == 0) return 0;
   }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kHoldSeconds = 0.012;
 
-// Less than that many dB are no difference.
+// A reduction that has come so near to its target, in dB, has reached it.
 constexpr double kNothing = 1e-4;
 
 }  // namespace
@@ -42,7 +42,7 @@ float Compressor::Gain(float level) {
   if (missing == 0) return m_gain;
   m_reduction += missing * (missing > 0 ? m_attack : m_release);
   if (std::abs(m_target - m_reduction) < kNothing) m_reduction = m_target;
-  // 10^(-x / 20).
+  // This is 10^(-x / 20).
   m_gain = static_cast<float>(std::exp(-0.11512925464970229 * m_reduction));
   return m_gain;
 }

@@ -85,7 +85,7 @@ float Limiter::LevelOf(Channel& channel, float sample) const {
   if (m_rms == 0) return std::abs(sample);
   const double value = sample;
   channel.power += m_rms * (value * value - channel.power);
-  // The peak of a sine of that power.
+  // This is the peak of a sine of that power.
   return static_cast<float>(std::numbers::sqrt2 * std::sqrt(channel.power));
 }
 

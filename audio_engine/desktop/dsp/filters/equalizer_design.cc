@@ -12,14 +12,14 @@ constexpr std::array<double, kEqualizerBands> kCentres = {16,   31.5, 63,   125,
                                                           1000, 2000, 4000, 8000, 16000};
 constexpr double kOctaves = 1.0;
 
-// What a bell may need between neighbours that pull down, dB.
+// The most gain, dB, that a bell may need between neighbours that pull down.
 constexpr double kMaxGain = 60;
 
 using Vector = std::array<double, kEqualizerBands>;
 using Matrix = std::array<Vector, kEqualizerBands>;
 
-// Gain (dB) of a bell at a frequency, and how it grows with the bell's own gain (dB per dB): the
-// peaking filter of Bristow-Johnson's cookbook (Audio EQ Cookbook, 1998) in the analogue plane that
+// The gain (dB) of a bell at a frequency, and how it grows with the bell's own gain (dB per dB):
+// those of Bristow-Johnson's peaking filter ("Audio EQ Cookbook", 1998) in the analogue plane that
 // the bilinear transform maps to.
 struct BellGain {
   double decibels;

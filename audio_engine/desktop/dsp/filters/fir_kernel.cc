@@ -5,10 +5,11 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "desktop/dsp/filters/fir_kernel.cc"
-// The tiles are arrays of vectors, which the vectors of unknown length of these cannot be put into.
+// A tile is an array of vectors. These targets have vectors of unknown length, which no array can
+// hold.
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #include <hwy/foreach_target.h>
-// After foreach_target.h.
+// This header has to come after foreach_target.h.
 #include <hwy/highway.h>
 
 #include <algorithm>
@@ -60,14 +61,14 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
   Unroll(std::make_index_sequence<kRows + kSharedTaps - 1>(), [&](auto diagonal) HWY_ATTR {
     const Vector samples = hn::LoadU(d, in - kLanes * (kSharedTaps - 1) + kLanes * diagonal);
     Unroll(std::make_index_sequence<kSharedTaps>(), [&](auto tap) HWY_ATTR {
-      // Above the tile it wraps round.
+      // Above the tile the diagonal wraps round.
       constexpr size_t kRow = diagonal + tap - (kSharedTaps - 1);
       if constexpr (kRow < kRows) sums[kRow] = hn::MulAdd(samples, shared[tap], sums[kRow]);
     });
   });
 }
 
-// kRows * kLanes outputs.
+// Computes kRows * kLanes outputs.
 template <size_t kRows>
 void ConvolveTile(const float* in, const float* coefficients, size_t count, float* out) {
   const Tag d;
@@ -110,12 +111,12 @@ constexpr std::array<Tile, sizeof...(kIndex)> Tiles(std::index_sequence<kIndex..
   return {ConvolveTile<kIndex + 1>...};
 }
 
-// The tile of 1 row, of 2 rows and so on.
+// These are the tiles of 1 row, of 2 rows and so on.
 constexpr auto kTiles = Tiles(std::make_index_sequence<kMaxRows>());
 
 void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
   while (length > 0) {
-    // Tiles of about the same height: a low one wastes loads.
+    // All tiles get about the same height, because a low one wastes loads.
     const size_t rows = (length + kLanes - 1) / kLanes;
     const size_t tiles = (rows + kMaxRows - 1) / kMaxRows;
     const size_t height = (rows + tiles - 1) / tiles;

@@ -9,7 +9,9 @@
 namespace desktop {
 
 // The eleven bells in a row over planar floats of any scale: what IEqualizer, AudioEffectModule and
-// the karaoke chain share. Without gain, or switched off, it changes no bit.
+// the karaoke chain share. The gains of the bells allow for how they overlap, as in Abel and
+// Berners, "Filter design using second-order peaking and shelving sections", 2004. Without gain, or
+// switched off, it changes no bit.
 class GraphicEqualizer {
  public:
   // Takes effect at the next Process; `smooth` spreads it over 20 ms. Gains in dB are clamped to

@@ -14,11 +14,11 @@ struct Corner {
 
 Corner CornerAt(double corner, double sampleRate) {
   const double w = 2 * std::numbers::pi * corner / sampleRate;
-  // With a Q of 1 / sqrt(2).
+  // The Q is 1 / sqrt(2).
   return {std::cos(w), std::sin(w) / std::numbers::sqrt2};
 }
 
-// Scales so that a0 is 1.
+// Scales all coefficients so that a0 is 1.
 BiquadCoefficients Scaled(double b0, double b1, double b2, const Corner& corner) {
   const double a0 = 1 + corner.alpha;
   return {b0 / a0, b1 / a0, b2 / a0, -2 * corner.cosine / a0, (1 - corner.alpha) / a0};

@@ -69,7 +69,7 @@ void BeatFollower::Put(float onset, float weight) {
   if (Real(m_count) * m_step > kFirstSeconds && m_count % quarter == 0) {
     UpdateTempo();
   }
-  // Half way to the next beat the last one has been heard whole.
+  // The last beat has been heard whole when half the time to the next one has gone.
   if (m_steady && !m_looked && Real(m_count) > m_next.time - 0.5 * m_next.period) {
     Follow();
   }
@@ -194,7 +194,8 @@ double BeatFollower::RefinePeriod(double period) const {
   return best;
 }
 
-// The mean weight of the onsets at such ages, each the heaviest within 30 ms.
+// Returns the mean weight of the onsets that lie `age`, `age` + `period` and so on back, each the
+// heaviest within 30 ms.
 float BeatFollower::Weight(double age, double period) const {
   const double end = Real(std::min(m_count, m_capacity)) - kWeightReach - 1;
   float sum = 0;

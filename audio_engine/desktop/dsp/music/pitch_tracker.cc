@@ -13,13 +13,15 @@ constexpr size_t kShortest = 15;
 constexpr size_t kLongest = 246;
 constexpr size_t kWindow = 640;
 
-// A sound that repeats itself so well has a pitch.
+// A sound repeats itself, and has a pitch, where its distance to itself is less than this part of
+// the mean.
 constexpr float kClear = 0.15F;
 
 // The power of what is too quiet to be sung: -50 dBFS.
 constexpr double kQuiet = 100.0 * 100;
 
-// Where the parabola through three neighbours has its lowest point, as seen from the middle one.
+// Returns where the parabola through three neighbours has its lowest point, as seen from the middle
+// one.
 double Vertex(double before, double middle, double after) {
   const double bend = before - 2 * middle + after;
   return bend <= 0 ? 0 : std::clamp((before - after) / (2 * bend), -0.5, 0.5);
@@ -40,7 +42,8 @@ double PitchTracker::Track(const short* samples) {
   std::copy_n(samples, kHop, m_samples.end() - kHop);
   if (Power() < kQuiet) return 0;
 
-  // The distance by period, against its mean over all shorter ones.
+  // The distance of the sound to itself one period later, against the mean over all shorter
+  // periods.
   double sum = 0;
   for (size_t period = 1; period <= kLongest + 1; ++period) {
     float distance = 0;

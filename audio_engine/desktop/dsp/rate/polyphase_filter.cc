@@ -18,7 +18,8 @@ constexpr uint32_t kHalfWidth = 80;
 // design using the I0-sinh window function", 1974).
 constexpr double kBeta = 10;
 
-// 6 dB down, as a part of the lower rate's half: where the stop band begins at the half itself.
+// Where the filters are 6 dB down, as a part of half the lower rate, so that their stop band begins
+// at that half.
 constexpr double kCutoff = 0.96;
 
 // A ratio with more places than this is interpolated between kSteps of them for each sample of the
@@ -26,11 +27,11 @@ constexpr double kCutoff = 0.96;
 constexpr uint32_t kMaxPlaces = 640;
 constexpr uint32_t kSteps = 512;
 
-// As many sums side by side as keep vector instructions busy.
+// So many sums side by side keep vector instructions busy.
 constexpr size_t kSums = 16;
 
-// The modified Bessel function of order 0 of kBeta * sqrt(x) in place of each x, from 0 to 1: its
-// series, for all of them side by side.
+// Puts the modified Bessel function of order 0 of kBeta * sqrt(x) in place of each x, which is 0 to
+// 1. Sums its series for all of them side by side.
 void Bessel(std::vector<double>& values) {
   std::vector<double> sums(values.size(), 1);
   for (double& x : values) x *= kBeta * kBeta / 4;
@@ -41,7 +42,7 @@ void Bessel(std::vector<double>& values) {
   values = std::move(sums);
 }
 
-// The length, in source samples, that kHalfWidth samples of the lower rate have.
+// Returns the length, in source samples, that kHalfWidth samples of the lower rate have.
 double HalfWidth(uint32_t source, uint32_t target) {
   return kHalfWidth * std::max(1.0, Real(source) / target);
 }
@@ -50,7 +51,7 @@ size_t Taps(double halfWidth) {
   return (static_cast<size_t>(std::ceil(2 * halfWidth)) + kSums - 1) / kSums * kSums;
 }
 
-// Whole target samples, at most half a width.
+// Returns the lag, which is half a width, rounded down to whole target samples.
 uint32_t Lag(uint32_t source, uint32_t target) {
   const uint64_t lag = uint64_t{kHalfWidth} * std::max(source, target) / source;
   return static_cast<uint32_t>(lag);
@@ -81,7 +82,8 @@ PolyphaseFilter::PolyphaseFilter(uint32_t source, uint32_t target)
   Design(Real(m_lag) * source / target, HalfWidth(source, target), kCutoff / lower);
 }
 
-// lag and halfWidth in source samples; cutoff as a part of half the source rate.
+// Fills the table. lag and halfWidth are in source samples, cutoff is a part of half the source
+// rate.
 void PolyphaseFilter::Design(double lag, double halfWidth, double cutoff) {
   std::vector<double> filter(m_taps);
   const std::complex<double> turn = std::polar(1.0, std::numbers::pi * cutoff);

@@ -25,7 +25,7 @@ float Mean(const short* samples, size_t count) {
   return static_cast<float>(sum) / static_cast<float>(count);
 }
 
-// The most frames that come out for `frames` frames.
+// Returns the most frames that come out for `frames` frames.
 size_t MaxFrames(size_t frames, uint32_t sourceRate, uint32_t targetRate) {
   return sourceRate > 0 ? (frames * targetRate + sourceRate - 1) / sourceRate : 0;
 }

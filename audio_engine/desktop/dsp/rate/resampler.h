@@ -11,8 +11,9 @@ namespace desktop {
 
 // Brings interleaved 16-bit audio from one rate and channel count to another. To mono is the mean
 // of all channels, mono to several is copies, else the first channels are kept and further ones are
-// silent. Samples beyond full scale are limited. Nothing is allocated after construction. Belongs
-// to one thread at a time.
+// silent. The rate is changed by a bank of polyphase filters (Crochiere and Rabiner, "Multirate
+// Digital Signal Processing", 1983). Samples beyond full scale are limited. Nothing is allocated
+// after construction. Belongs to one thread at a time.
 class Resampler {
  public:
   // The ratio of the rates is sourceRate : targetRate; two block lengths do as well, and then one

@@ -12,7 +12,7 @@ namespace desktop {
 
 namespace {
 
-// The orthogonal mix of sixteen values in place.
+// Mixes sixteen values in place by an orthogonal matrix.
 void Hadamard(float* values) {
   for (int half = 1; half < kReverbLines; half *= 2) {
     for (int start = 0; start < kReverbLines; start += 2 * half) {
@@ -26,7 +26,8 @@ void Hadamard(float* values) {
   for (int i = 0; i < kReverbLines; ++i) values[i] *= 0.25f;
 }
 
-// Signs of the lines in each output: unrelated to each other and to the rows of the mix.
+// The signs of the lines in each output, which are unrelated to each other and to the rows of the
+// mix.
 constexpr float kSigns[2][kReverbLines] = {
     {1, 1, -1, 1, 1, -1, -1, 1, -1, 1, 1, 1, -1, -1, 1, -1},
     {1, -1, -1, -1, 1, 1, -1, -1, -1, -1, 1, -1, -1, 1, 1, 1}};
@@ -106,7 +107,7 @@ float Reverb::Diffuse(int channel, float sample) {
   return sample;
 }
 
-// One frame through the network: two diffused inputs, two outputs.
+// Passes one frame through the network: two diffused inputs, two outputs.
 void Reverb::Room(const float* in, float* out) {
   float values[kReverbLines];
   for (size_t i = 0; i < kReverbLines; ++i) values[i] = m_line[i].Oldest();

@@ -15,7 +15,7 @@ namespace {
 constexpr double kHighCorner = 5000;  // Hz.
 constexpr double kLowCorner = 150;    // Hz.
 
-// Where the reverberation time holds exactly, Hz.
+// The frequency, Hz, at which the reverberation time holds exactly.
 constexpr double kMiddle = 750;
 
 // With full damping the end of the spectrum decays 1 + 4 times as fast.
@@ -25,7 +25,8 @@ constexpr double kDampedTimes = 4;
 constexpr double kShortestMs = 9;
 constexpr double kLongestMs = 23;
 
-// Delays of the diffusers, ms. No common divisors, and none of one channel in the other.
+// The delays of the diffusers, ms. They have no common divisors, and neither channel has one of the
+// other.
 constexpr double kDiffuserMs[2][kReverbDiffusers] = {{2.13, 3.61, 5.87, 8.93},
                                                      {1.89, 4.07, 6.31, 8.29}};
 
@@ -36,7 +37,7 @@ bool IsPrime(int number) {
   return number > 1;
 }
 
-// The next prime number of samples: lines without common divisors do not coincide.
+// Returns the next prime number of samples: lines without common divisors do not coincide.
 int PrimeSamples(double milliseconds, int sampleRate) {
   int samples = std::max(2, static_cast<int>(milliseconds * sampleRate / 1000));
   while (!IsPrime(samples)) ++samples;
@@ -47,7 +48,7 @@ float StepOf(double corner, int sampleRate) {
   return static_cast<float>(1 - std::exp(-2 * std::numbers::pi * corner / sampleRate));
 }
 
-// A one-pole low-pass of this coefficient at a frequency given by e^(-jw).
+// Returns the response of a one-pole low-pass of this coefficient at a frequency given by e^(-jw).
 std::complex<double> LowPass(float step, std::complex<double> delay) {
   const double share = step;
   return share / (1.0 - (1 - share) * delay);
@@ -57,7 +58,7 @@ std::complex<double> Unit(double frequency, int sampleRate) {
   return std::polar(1.0, -2 * std::numbers::pi * frequency / sampleRate);
 }
 
-// What remains after the losses of highs and lows.
+// Returns the part that remains after the losses of highs and lows.
 double Remaining(const ReverbDesign& design, float highLoss, float lowLoss,
                  std::complex<double> delay) {
   const auto high = 1.0 - double{highLoss} * (1.0 - LowPass(design.highStep, delay));
@@ -65,7 +66,8 @@ double Remaining(const ReverbDesign& design, float highLoss, float lowLoss,
   return std::norm(high * low);
 }
 
-// Part of the energy that one pass leaves, mean over the lines, which the mixing keeps equal.
+// Returns the part of the energy that one pass leaves, as the mean over the lines, which the mixing
+// keeps equal.
 double EnergyPerPass(const ReverbDesign& design, std::complex<double> delay) {
   double energy = 0;
   for (const ReverbLine& line : design.lines) {
@@ -75,7 +77,8 @@ double EnergyPerPass(const ReverbDesign& design, std::complex<double> delay) {
   return energy / kReverbLines;
 }
 
-// The diffused input itself and all that comes out of the lines, over the whole spectrum.
+// Returns the energy of the diffused input itself and of all that comes out of the lines, over the
+// whole spectrum.
 double TailEnergy(const ReverbDesign& design, int sampleRate) {
   constexpr int kPoints = 256;
   double sum = 0;
@@ -120,7 +123,7 @@ ReverbDesign DesignReverb(const NreverbFv3Parameter& parameter, int sampleRate) 
     ReverbLine& line = design.lines[i];
     const double spread = std::pow(kLongestMs / kShortestMs, Ratio(i, kReverbLines - 1));
     line.delay = PrimeSamples(kShortestMs * factor * spread, sampleRate);
-    // In nepers per pass.
+    // The loss is in nepers per pass.
     const double loss = std::numbers::ln10 * 3 * line.delay / (sampleRate * time);
     line.highLoss = static_cast<float>(1 - std::exp(-loss * kDampedTimes * parameter.Damp1));
     line.lowLoss = static_cast<float>(1 - std::exp(-loss * kDampedTimes * parameter.Damp2));

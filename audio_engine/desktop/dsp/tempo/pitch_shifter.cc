@@ -26,8 +26,8 @@ void PitchShifter::Process(float* const* rows, size_t frames) {
   const unsigned wanted = Unsigned(Count(frames));
   m_shifter.putSamples(m_block.data(), wanted);
   const unsigned ready = m_shifter.receiveSamples(m_block.data(), wanted);
-  // The silence put first makes `ready` all of them; should the library hold some back
-  // nevertheless, silence stands in.
+  // Because of the silence that was put first, `ready` is all of them. Should the library hold some
+  // back nevertheless, silence takes their place.
   std::fill(m_block.begin() + Offset(ready * m_channels), m_block.end(), 0.0F);
   block = m_block.data();
   for (size_t i = 0; i < frames; ++i) {

@@ -41,7 +41,7 @@ void TimeScaler::SetSpeed(double speed) {
 }
 
 void TimeScaler::Put(const short* samples, size_t frames) {
-  // What a join may still look back at stays.
+  // The frames that a join may still look back at stay.
   const size_t kept = m_long + m_reach;
   const size_t needed = std::min(m_position, m_faded < m_overlap ? m_fadingOut : m_position);
   if (needed > kept) {
@@ -76,7 +76,7 @@ void TimeScaler::Reset() {
   m_faded = m_overlap;
 }
 
-// Finds where the next segment begins; false when the input does not reach that far yet.
+// Finds where the next segment begins. Returns false when the input does not reach that far yet.
 bool TimeScaler::Join() {
   const size_t low = static_cast<size_t>(std::max(std::floor(m_target) - Real(m_reach), 0.0));
   const size_t places = 2 * m_reach;

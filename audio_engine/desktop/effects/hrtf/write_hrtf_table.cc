@@ -21,8 +21,8 @@ struct FreeHrtf {
 };
 using Measurements = std::unique_ptr<MYSOFA_HRTF, FreeHrtf>;
 
-// The set of `taps` taps at `rate`, its positions spherical and in degrees. Null, with one line on
-// stderr, when `file` has no such set.
+// Returns the set of `taps` taps at `rate`, its positions spherical and in degrees; null, with one
+// line on stderr, when `file` has no such set.
 Measurements Load(const char* file, unsigned rate, unsigned taps) {
   int error = MYSOFA_OK;
   Measurements set(mysofa_load(file, &error));
@@ -57,7 +57,7 @@ void CopyPositions(const MYSOFA_HRTF& set, desktop::HrtfTable& table) {
 }
 
 // Fills the responses at `rate`, in 16 bits; a filter of more taps has smaller ones. The positions
-// are the same at every rate. False, with one line on stderr, on failure.
+// are the same at every rate. Returns false, with one line on stderr, on failure.
 template <unsigned taps>
 bool Copy(const char* file, unsigned rate, desktop::HrtfTable& table,
           desktop::HrtfResponses<taps>& responses) {

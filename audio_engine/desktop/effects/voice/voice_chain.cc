@@ -112,7 +112,7 @@ void VoiceChain::Tremolo(float* const* rows, size_t frames) {
   const double step = m_recipe.tremoloHz / m_rate;
   for (size_t i = 0; i < frames; ++i) {
     double swing = std::sin(2 * M_PI * m_tremoloPhase);
-    // A switch, but one that takes a few ms, so that it does not click.
+    // It is a switch, but one that takes a few ms, so that it does not click.
     if (m_recipe.tremoloChops) swing = std::tanh(6 * swing);
     const auto gain = static_cast<float>(1 - m_recipe.tremoloDepth * (0.5 + 0.5 * swing));
     for (size_t c = 0; c < m_channels; ++c) rows[c][i] *= gain;

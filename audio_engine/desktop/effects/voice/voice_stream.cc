@@ -14,7 +14,7 @@ std::unique_ptr<VoiceChain> ChainOf(const VoiceRecipe& recipe, int rate, int cha
 
 }  // namespace
 
-// Makes the chains that are missing. False when there is no memory for them.
+// Makes the chains that are missing. Returns false when there is no memory for them.
 bool VoiceStream::Prepare(int rate, int channels) {
   const bool anew = rate != m_rate || channels != m_channels;
   try {

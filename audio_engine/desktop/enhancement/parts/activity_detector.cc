@@ -10,7 +10,7 @@ namespace {
 constexpr double kEdges[] = {100,  200,  300,  400,  510,  630,  770,  920, 1080,
                              1270, 1480, 1720, 2000, 2320, 2700, 3150, 3800};  // Hz
 
-// What every band gets on top: sounds below about -75 dBFS do not count.
+// The power that is added to every band, so that sounds below about -75 dBFS do not count.
 constexpr float kGate = 37.5f;
 
 constexpr NoiseTracker::Speed kSpeed = {4.0f, 0.9f, 0.7f};
@@ -87,15 +87,16 @@ float ActivityDetector::LikelihoodRatio() {
   return sum / static_cast<float>(m_power.size());
 }
 
-// Up within a syllable, down within seconds.
+// Follows the ratio of speech to noise up within a syllable and down within seconds.
 void ActivityDetector::FollowSpeechRatio() {
   const float gates = kGate * static_cast<float>(m_power.size());
   const float ratio = Decibels(Sum(m_power)) - Decibels(std::max(Sum(m_noise.Noise()), gates));
   m_speechRatio += (ratio > m_speechRatio ? 0.1f : 0.01f) * (ratio - m_speechRatio);
 }
 
-// In blocks: 8 at 12 dB and below, 1 at 28 dB and above. In quiet recordings the decision itself is
-// good to a block; in noise the ends of words are lost in it.
+// Returns for how many blocks a decision for speech holds on: 8 at a ratio of 12 dB and below, 1 at
+// 28 dB and above. In quiet recordings the decision itself is good to a block; in noise the ends of
+// words are lost in it.
 int ActivityDetector::HangOver() const {
   const float quiet = std::clamp((m_speechRatio - 12.0f) / 16.0f, 0.0f, 1.0f);
   return static_cast<int>(std::lround(8.0f - 7.0f * quiet));

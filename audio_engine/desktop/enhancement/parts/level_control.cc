@@ -13,7 +13,7 @@ constexpr float kSilenceDb = -96;
 constexpr float kMinActiveDb = -66;
 constexpr float kOverFloorDb = 8;
 
-// By so much below the level of the active parts, a block is mostly the fading of a sound.
+// A block that lies so far below the level of the active parts is mostly the fading of a sound.
 constexpr float kUnderLevelDb = 18;
 constexpr float kFloorRiseDbPerSecond = 2;
 

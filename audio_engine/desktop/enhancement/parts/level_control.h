@@ -5,8 +5,10 @@
 namespace desktop {
 
 // Brings speech or music to one level by a gain that moves slowly and stays where it is in pauses,
-// and limits peaks without lag. Samples are floats in the 16-bit range, of all channels in turn,
-// which get the same gain. Allocates nothing. Belongs to one thread at a time.
+// and limits peaks without lag. The level is that of the active parts, as ITU-T P.56, "Objective
+// measurement of active speech level", 1993, defines it, but as a moving mean, and the threshold
+// follows the background. Samples are floats in the 16-bit range, of all channels in turn, which
+// get the same gain. Allocates nothing. Belongs to one thread at a time.
 class LevelControl {
  public:
   struct Settings {

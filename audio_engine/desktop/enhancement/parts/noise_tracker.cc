@@ -8,18 +8,19 @@ namespace {
 
 constexpr int kFirstBlocks = 5;
 
-// A bin that has been speech for this long on end is noise that has grown: some of it is let in.
+// A bin whose smoothed probability of speech stays above the maximum is noise that has grown: some
+// of it is let in.
 constexpr float kProbabilitySmoothing = 0.9f;
 constexpr float kMaxProbability = 0.99f;
 
-// By how much steady noise must be louder than the estimate to take its place: less comes of
-// itself.
+// Steady noise that is louder than the estimate by this factor takes its place; a smaller
+// difference goes away by itself.
 constexpr float kMuch = 2.0f;
 
 // How many blocks m_recent stands for.
 constexpr int kRecentBlocks = 10;
 
-// e^-80 is as good as nothing; much beyond, it is no number that a float can hold.
+// e^-80 is as good as 0, and much smaller powers of e are beyond a float.
 constexpr float kMaxExponent = 80.0f;
 
 }  // namespace
@@ -44,8 +45,8 @@ void NoiseTracker::Update(std::span<const float> power, bool steady) {
   if (steady && RiseOverNoise() > kMuch) m_noise = m_recent;
 }
 
-// Over all bins: a single one is louder than its mean at times, and to follow it then would
-// overestimate the noise.
+// Returns the rise over all bins: a single one is louder than its mean at times, and to follow it
+// then would overestimate the noise.
 float NoiseTracker::RiseOverNoise() const {
   float sum = 0.0f;
   for (size_t i = 0; i < m_noise.size(); ++i) sum += m_recent[i] / m_noise[i];

@@ -9,13 +9,13 @@ namespace {
 // How much of the hop before goes into the a-priori ratio: more is smoother, less is quicker.
 constexpr float kMemory = 0.93f;
 
-// -25 dB; it keeps musical noise down.
+// The least a-priori ratio, -25 dB, keeps musical noise down.
 constexpr float kLowestPriorRatio = 0.00316f;
 
 constexpr NoiseTracker::Speed kSpeed = {31.6f, 0.95f, 0.95f};
 
-// The exponential integral E1 for x > 0, to about 1e-4 of itself (Abramowitz and Stegun, 5.1.53
-// and 5.1.54).
+// Returns the exponential integral E1 for x > 0, to about 1e-4 of itself (Abramowitz and Stegun,
+// "Handbook of Mathematical Functions", 1964, 5.1.53 and 5.1.54).
 float ExponentialIntegral(float x) {
   if (x < 1.0f) {
     const float sum =
@@ -28,7 +28,7 @@ float ExponentialIntegral(float x) {
          ((x * x + 3.330657f * x + 1.681534f) * x * std::exp(x));
 }
 
-// The gain of the estimator for an a-priori and an a-posteriori ratio.
+// Returns the gain of the estimator for an a-priori and an a-posteriori ratio.
 float LogSpectralGain(float prior, float posterior) {
   const float wiener = prior / (1.0f + prior);
   const float v = std::clamp(wiener * posterior, 1e-6f, 80.0f);

@@ -12,7 +12,8 @@ constexpr float kSteady = 1.5f;
 // How far the level of a clap falls, dB.
 constexpr float kFall = 12.0f;
 
-// The level of the differences between samples: that of rumble wavers, however steady it sounds.
+// Returns the level of the differences between samples, because the level of rumble wavers, however
+// steady it sounds.
 float LevelOf(std::span<const float> samples) {
   float energy = 0.0f;
   for (size_t i = 1; i < samples.size(); ++i) {

@@ -62,7 +62,7 @@ VADResultKind VoiceDetector::Detect(const short* samples, size_t count) {
   return m_last;
 }
 
-// Takes one sample of one channel; true when it completed 10 ms.
+// Takes one sample of one channel. Returns true when it completed 10 ms.
 bool VoiceDetector::Push(short sample) {
   m_sum += sample;
   if (++m_channel < m_channels) return false;

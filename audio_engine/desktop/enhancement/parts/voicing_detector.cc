@@ -12,7 +12,8 @@ namespace {
 constexpr size_t kHistoryBlocks = 4;
 constexpr float kVoiced = 0.6f;
 
-// Takes rumble down; the whole difference would lose speech in noise.
+// The share of the sample before that is taken off each sample, which takes rumble down. With all
+// of it, speech in noise would be lost.
 constexpr float kTilt = 0.5f;
 
 }  // namespace
@@ -39,7 +40,8 @@ bool VoicingDetector::Process(std::span<const float> samples) {
   return false;
 }
 
-// Compares the last half of the history with what was `lag` earlier; 0 for silence.
+// Compares the last half of the history with the samples that came `lag` earlier. Returns 0 for
+// silence.
 float VoicingDetector::Correlation(size_t lag) const {
   const size_t begin = m_history.size() / 2;
   float cross = 0.0f;

@@ -11,7 +11,7 @@ namespace desktop {
 
 namespace {
 
-// Lets everything up to full scale pass as it is.
+// This limiter lets everything up to full scale pass as it is.
 constexpr LimiterParam kMixLimiter = {.fCeiling = 0,
                                       .fThreshold = 0,
                                       .fPreGain = 0,
@@ -46,7 +46,7 @@ KaraokeMix::KaraokeMix(std::unique_ptr<ConvertedSource> voice,
   const size_t voiceEnd = voice->Frames() + later - std::min(cut, voice->Frames());
   m_length = std::max(music->Frames(), voiceEnd);
   m_voice = {std::move(voice), later};
-  // As late as the voice is after its chain.
+  // The music waits for as long as the voice takes through its chain.
   m_music = {std::move(music), m_chainLatency};
   Skip(m_voice, cut, format);
 }
