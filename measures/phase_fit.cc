@@ -7,7 +7,7 @@ namespace measures {
 
 namespace {
 
-constexpr double kMostWeight = 1000;  // Bins that agree to 30 dB count no more for agreeing better.
+constexpr double kMaxWeight = 1000;  // Bins that agree to 30 dB count no more for agreeing better.
 
 double Angle(size_t bin) { return 2 * M_PI * static_cast<double>(bin) / PhaseFit::kBlock; }
 
@@ -53,7 +53,7 @@ double PhaseFit::Slope(double later, int polarity, double band) const {
     const double both = m_referencePower[i] * m_signalPower[i];
     if (!(both > 0)) continue;
     const double coherence = std::min(1.0, std::norm(m_cross[i]) / both);
-    const double weight = coherence / std::max(1 - coherence, 1 / kMostWeight);
+    const double weight = coherence / std::max(1 - coherence, 1 / kMaxWeight);
     const std::complex<double> turned =
         m_cross[i] * std::polar(static_cast<double>(1), Angle(i) * later);
     product -= weight * Angle(i) * std::arg(turned * static_cast<double>(polarity));

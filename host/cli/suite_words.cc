@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-constexpr int kMostJobs = 1024;
+constexpr int kMaxJobs = 1024;
 
 // The words as they were typed, the program's name before them.
 std::vector<std::string> Typed(std::span<const std::string> words) {
@@ -37,7 +37,7 @@ void SuiteWords::AddSuite(CLI::App& app) {
   suite.add_option("--group", m_suite.group, "Only routines of this group")->type_name("G");
   suite.add_option("-j,--jobs", m_suite.jobs, "Cases at a time (as many as processors)")
       ->type_name("N")
-      ->check(CLI::Range(1, kMostJobs));
+      ->check(CLI::Range(1, kMaxJobs));
   suite.add_option("--out", m_suite.out, "Where the results go (bench_results/UTC-TIME)")
       ->type_name("DIR");
   suite.add_flag(

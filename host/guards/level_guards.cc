@@ -95,7 +95,7 @@ void CheckDc(const Surveys& surveys, GuardHits& hits) {
     double given = 0;
     if (!surveys.input.empty()) given = gain * std::fabs(surveys.input[channel].offset.Mean());
     const double beyond = std::fabs(out.Mean()) - given;
-    if (beyond < kMostDc || beyond < kSureErrors * *out.Error()) continue;
+    if (beyond < kMaxDc || beyond < kSureErrors * *out.Error()) continue;
     hits.Add(Guard::kDc, {.at = 0, .channel = static_cast<int>(channel)},
              harness::FormatName("a mean of %.2g %% of full scale", 100 * out.Mean()));
     return;

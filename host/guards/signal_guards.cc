@@ -24,10 +24,10 @@ bool NeedsPairing(const GuardHits& hits) {
 }
 
 // Rates so far apart have no sound in common that would show a delay.
-constexpr int kMostRateFactor = 32;
+constexpr int kMaxRateFactor = 32;
 
 bool CanBePaired(const Signal& input, const Signal& output) {
-  return std::max(input.rate, output.rate) / std::min(input.rate, output.rate) < kMostRateFactor;
+  return std::max(input.rate, output.rate) / std::min(input.rate, output.rate) < kMaxRateFactor;
 }
 
 }  // namespace

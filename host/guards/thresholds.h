@@ -14,10 +14,10 @@ inline constexpr double kStill = 2.5 / 32768;  // A swing of two steps of 16 bit
 inline constexpr double kGraveClipping = 1e-4;  // Share of the samples from which clipping fails.
 inline constexpr double kMoreClipped = 1.1;  // Times the input's share that is still the input's.
 
-inline constexpr double kMostDc = 0.003;    // Of full scale, beyond the input's.
+inline constexpr double kMaxDc = 0.003;     // Of full scale, beyond the input's.
 inline constexpr double kSureErrors = 4.0;  // Standard errors that an offset must stand out by.
 
-inline constexpr double kMostTruePeak = 0;           // dBTP
+inline constexpr double kMaxTruePeak = 0;            // dBTP
 inline constexpr double kMoreTruePeak = 1;           // dB above that of the input.
 inline constexpr double kSameSample = 0.51 / 32768;  // Half a step of 16 bits, and rounding.
 

@@ -57,8 +57,8 @@ void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& h
     return;
   }
   const std::vector<double> peaks = PeaksOf(out);
-  if (std::ranges::max(peaks) <= kMostTruePeak) return;
-  std::vector<double> limits(peaks.size(), kMostTruePeak);
+  if (std::ranges::max(peaks) <= kMaxTruePeak) return;
+  std::vector<double> limits(peaks.size(), kMaxTruePeak);
   if (input.input != nullptr) {
     const std::vector<double> given = PeaksOf(*input.input);
     for (size_t i = 0; i < limits.size(); ++i) {

@@ -11,7 +11,7 @@ namespace host {
 
 namespace {
 
-constexpr size_t kMostRows = 200;
+constexpr size_t kMaxRows = 200;
 
 struct Row {
   std::string verdict;
@@ -64,7 +64,7 @@ std::string SuiteSummary(const std::string& folder) {
     if (!journal.Ended(at)) continue;
     const Json record = journal.Read(at);
     if (!IsTold(record)) continue;
-    if (rows.size() < kMostRows) {
+    if (rows.size() < kMaxRows) {
       rows.push_back(RowOf(record));
     } else {
       ++more;
