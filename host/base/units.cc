@@ -24,7 +24,7 @@ std::string Bytes(uint64_t bytes) {
 
 std::string Decibels(std::optional<double> level) {
   if (!level) return "silent";
-  return FormatName("%.1f dBFS", std::round(*level * 10) / 10 + 0.0);  // Never "-0.0".
+  return FormatName("%.1f dBFS", std::round(*level * 10) / 10 + 0.0);  // This is never "-0.0".
 }
 
 std::string Attenuation(double decibels) { return FormatName("%.1f dB", decibels); }

@@ -9,9 +9,14 @@ namespace host {
 struct UsageError {
   // What becomes of the report that was asked for.
   enum class Report {
-    kWritten,   // It says this.
-    kReplaced,  // Only where an earlier one is: its file is also one that the run would write.
-    kLeft       // Its file is also one that the run would read.
+    // It is written and says this.
+    kWritten,
+
+    // It is written only in place of an earlier one, because the run would write that file, too.
+    kReplaced,
+
+    // It is not written, because the run would read that file.
+    kLeft
   };
 
   std::string message;

@@ -26,11 +26,11 @@ std::string Declaration(const CatalogueRow& row);
 // "available", "helper", or the routines that call it: "called by TestTemp".
 std::string Availability(const CatalogueRow& row);
 
-// Why the engine at hand cannot run a routine without parameters; empty when it can, and when it
-// takes the arguments to tell.
+// Returns why the engine at hand cannot run a routine without parameters; empty when it can, and
+// when it takes the arguments to tell.
 std::string LackingHere(const CatalogueRow& row);
 
-// Whether `run` can run it by itself, with some arguments at least.
+// Returns whether `run` can run it by itself, with some arguments at least.
 bool CanBeRun(const CatalogueRow& row);
 
 // "none", "capture".
@@ -42,10 +42,12 @@ std::string Duration(const CatalogueRow& row);
 // "16-bit samples, 44100 Hz, stereo"
 std::string FileFormat(const FileUse& use);
 
-// Of a WAVE input also which rates and channel counts are right: "16-bit WAVE, 16000 Hz, mono".
+// As FileFormat, and for a WAVE input also which rates and channel counts are right: "16-bit WAVE,
+// 16000 Hz, mono".
 std::string InputFormat(const FileUse& use);
 
-// These alone: "16000 Hz, mono", "mono, any rate", "any rate and channel count".
+// The right rates and channel counts alone: "16000 Hz, mono", "mono, any rate", "any rate and
+// channel count".
 std::string RightFormat(const FileUse& use);
 
 // The files of a row as a reader wants them: one entry for each list, with its pattern as the name.

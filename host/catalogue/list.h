@@ -10,19 +10,19 @@ namespace host {
 
 // The catalogue as documents.
 
-// For readers: the routines group by group, then the helpers, in lines of at most `width` columns;
-// SIZE_MAX for one line each.
+// Returns the catalogue for readers: the routines group by group, then the helpers, in lines of at
+// most `width` columns; SIZE_MAX for one line each.
 std::string ListAsText(const ListFilter& filter, size_t width);
 
-// The document docs/catalogue.md.
+// Returns the document docs/catalogue.md.
 std::string ListAsMarkdown(const ListFilter& filter);
 
-// For programs.
+// Returns the catalogue for programs.
 std::string ListAsJson(const ListFilter& filter);
 
 // All three throw UsageError when the filter lets nothing pass.
 
-// All that is known of one routine. Throws UsageError when there is none of that name.
+// Returns all that is known of one routine. Throws UsageError when there is none of that name.
 std::string Describe(std::string_view routine);
 
 }  // namespace host

@@ -9,9 +9,13 @@ namespace host {
 
 // Which routines to list: those that every given condition holds for.
 struct ListFilter {
-  std::string glob = {};   // Of the name, capitals aside: "Test*Reverb*"; empty for all.
-  std::string group = {};  // "codec"; empty for all.
-  bool available = false;  // Only those that can be run.
+  // A pattern of the name, "Test*Reverb*", whose capitals do not matter, and the word of a group,
+  // "codec". An empty one lets all pass.
+  std::string glob = {};
+  std::string group = {};
+
+  // Whether only those are listed that can be run.
+  bool available = false;
 };
 
 // Throws UsageError when there is no such group; empty stands for all.

@@ -12,8 +12,11 @@ namespace host {
 
 namespace {
 
-constexpr size_t kLanes = 16;  // Figures are gathered side by side, so that the loop vectorises.
-constexpr size_t kRun = 64;    // Values of a lane that are summed in single precision.
+// Figures are gathered in so many lanes side by side, so that the loop vectorises.
+constexpr size_t kLanes = 16;
+
+// So many values of a lane are summed in single precision.
+constexpr size_t kRun = 64;
 constexpr size_t kBlockValues = 16 * kRun * kLanes;
 
 // What a vector register of any machine holds. The compiler does not find this by itself.
@@ -26,7 +29,7 @@ struct Lanes {
   std::array<float, kLanes> squares = {};
 };
 
-// `values` is a multiple of kLanes.
+// Gathers the figures of `values` samples, which are a multiple of kLanes.
 Lanes Gather(const float* samples, size_t values) {
   Bits peak[kVectors] = {};
   Floats squares[kVectors] = {};
@@ -45,7 +48,7 @@ Lanes Gather(const float* samples, size_t values) {
   return lanes;
 }
 
-// Sample by sample; also for what is not finite, or too large to square in single precision.
+// Measures sample by sample, also what is not finite or too large to square in single precision.
 void MeasureEach(std::span<const float> samples, std::span<ChannelFigures> channels) {
   size_t channel = 0;
   for (const float sample : samples) {
@@ -67,7 +70,7 @@ bool AllFinite(const Lanes& lanes) {
   return std::isfinite(sum);
 }
 
-// A block of whole frames.
+// Measures a block of whole frames.
 void MeasureBlock(std::span<const float> block, std::span<ChannelFigures> channels) {
   const size_t count = channels.size();
   for (ChannelFigures& figures : channels) figures.samples += block.size() / count;

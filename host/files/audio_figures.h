@@ -15,12 +15,15 @@ namespace host {
 // What can be said of one channel. Levels are relative to full scale (1); samples that are not
 // finite are counted and left out of both.
 struct ChannelFigures {
-  double peak = 0;          // Of the absolute value.
-  double sumOfSquares = 0;  // Of the finite samples.
-  uint64_t samples = 0;     // Finite and not.
+  // The greatest absolute value, and the sum of the squares, of the finite samples.
+  double peak = 0;
+  double sumOfSquares = 0;
+
+  // How many samples there are, and how many of them are not finite.
+  uint64_t samples = 0;
   uint64_t notFinite = 0;
 
-  // In dBFS; nothing for silence.
+  // Return the level in dBFS; nothing for silence.
   std::optional<double> PeakLevel() const;
   std::optional<double> RmsLevel() const;
 };
@@ -36,11 +39,13 @@ std::string ForEachSampleBlock(FILE* file, const AudioLayout& layout,
 
 struct Measurement {
   std::optional<std::vector<ChannelFigures>> channels = {};
-  std::string fault = {};  // Why there are none; kStopped when it was given up.
+
+  // Why there are none; kStopped when it was given up.
+  std::string fault = {};
 };
 
-// The figures of each channel, in one pass and in memory that does not grow with the file. Gives up
-// as soon as `goOn` returns false.
+// Returns the figures of each channel, in one pass and in memory that does not grow with the file.
+// Gives up as soon as `goOn` returns false.
 Measurement MeasureAudio(FILE* file, const AudioLayout& layout, const std::function<bool()>& goOn);
 
 // The greatest peak of all channels.

@@ -23,7 +23,7 @@ std::string SampleWords(const wave::Audio& audio) {
                 : words + " in " + Bytes(static_cast<uint64_t>(audio.frameBytes)) + " a frame";
 }
 
-// What an output that is written in whole blocks may end with, and nothing else.
+// Returns whether the output is written in blocks and holds whole ones only.
 bool WholeBlocks(const FileUse& use, const AudioLayout& layout) {
   if (use.blockMs == 0 || layout.samples != SampleType::kPcm16) return false;
   const uint64_t block = BlockBytes(use, layout.rate, layout.channels);

@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// By the kernel, in one step. ENOSYS from one that cannot.
+// Lets the kernel open the file in one step; one that cannot gives ENOSYS.
 int OpenByKernel(int folder, const std::string& place, int flags, mode_t mode) {
   open_how how = {};
   how.flags = static_cast<unsigned>(flags);
@@ -39,7 +39,7 @@ std::string RealPlace(int folder, const std::string& place) {
   return relative.empty() || *relative.begin() == ".." ? "" : relative.string();
 }
 
-// Part by part, following no link.
+// Opens the path part by part and follows no link.
 int OpenByWalk(int folder, const std::string& place, int flags, mode_t mode) {
   int at = dup(folder);
   size_t begin = 0;
@@ -61,7 +61,7 @@ int OpenByWalk(int folder, const std::string& place, int flags, mode_t mode) {
   errno = error;
   struct stat status;
   const bool link = opened >= 0 ? fstat(opened, &status) == 0 && S_ISLNK(status.st_mode)
-                                : error == ELOOP;  // One that leads nowhere yet.
+                                : error == ELOOP;  // The link leads nowhere yet.
   if (!link) return opened;
   if (opened >= 0) close(opened);
   errno = EXDEV;

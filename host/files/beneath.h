@@ -21,7 +21,7 @@ int OpenBeneath(int folder, const std::string& place, int flags, mode_t mode);
 // link: who writes it writes what may be somewhere else. Nothing is changed then.
 int OpenToWriteBeneath(int folder, const std::string& place, int flags, mode_t mode);
 
-// Creates the folders above `place` that are missing. 0, or -1 and errno.
+// Creates the folders above `place` that are missing. Returns 0, or -1 and errno.
 int CreateParentsBeneath(int folder, const std::string& place);
 
 // A file that the host itself writes in a folder.
@@ -35,11 +35,11 @@ struct WorkFile {
   // than a regular file is there. Never waits.
   FILE* Create() const;
 
-  // Removes it, if it is there and is a regular file. 0, or errno.
+  // Removes it, if it is there and is a regular file. Returns 0, or errno.
   int Remove() const;
 };
 
-// errno of a file that could not be opened for writing, in words.
+// Returns the errno of a file that could not be opened for writing, in words.
 std::string WriteFault(int error);
 
 }  // namespace host

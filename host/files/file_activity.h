@@ -12,8 +12,10 @@ namespace host {
 
 // Something that went wrong with a file.
 struct FileFault {
-  int error = 0;        // errno
-  char name[252] = {};  // As much of it as fits.
+  int error = 0;  // errno
+
+  // As much of the name as fits.
+  char name[252] = {};
   void Set(std::string_view fileName, int fault);
 };
 
@@ -32,13 +34,18 @@ class FirstFault {
 struct FileActivity {
   static constexpr size_t kMaxOpenFaults = 64;
 
-  std::atomic<uint64_t> opened = 0;  // Files opened so far.
-  std::atomic<uint64_t> done = 0;    // Different names of files that have been closed.
-  FirstFault writeFault;             // A file that could not be written whole.
-  FirstFault readFault;              // A file that could not be read.
-  // Files that could not be opened, by their place in the workspace.
+  // How many files were opened so far, and how many different names have been closed.
+  std::atomic<uint64_t> opened = 0;
+  std::atomic<uint64_t> done = 0;
+
+  // The first file that could not be written whole, and the first one that could not be read.
+  FirstFault writeFault;
+  FirstFault readFault;
+
+  // The files that could not be opened, by their place in the workspace, and how many they are,
+  // which may be more than there is room for.
   FileFault openFaults[kMaxOpenFaults];
-  std::atomic<size_t> openFaultCount = 0;  // May be more than there is room for.
+  std::atomic<size_t> openFaultCount = 0;
 
   void NoteOpenFault(std::string_view place, int error);
 };

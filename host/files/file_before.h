@@ -14,12 +14,12 @@ class FileBefore {
   // gets another date, and reads the file, see Fingerprint.
   explicit FileBefore(const std::string& path);
 
-  // Whether there was a file.
+  // Returns whether there was a file.
   bool WasThere() const { return m_state.status().has_value(); }
 
-  // Whether there is the same file with the same content, or none as before. The dates tell, as far
-  // as they can; where they cannot, the content does: a change of its rights moves one of them, and
-  // whoever overwrites a file may set the other one back.
+  // Returns whether there is the same file with the same content, or none as before. The dates
+  // tell, as far as they can; where they cannot, the content does: a change of its rights moves one
+  // of them, and whoever overwrites a file may set the other one back.
   bool IsSameNow() const;
 
  private:

@@ -44,7 +44,7 @@ bool FileState::MayBeDatedAlikeAt(const timespec& now) const {
 }
 
 void FileState::WaitForClockTick() const {
-  // Should the clock be set back again and again.
+  // The wait has a limit, should the clock be set back again and again.
   const int mostMilliseconds = HasWholeSeconds() ? 4100 : 50;
   for (int i = 0; i < mostMilliseconds; ++i) {
     timespec now;
@@ -54,7 +54,7 @@ void FileState::WaitForClockTick() const {
   }
 }
 
-// Those of a file system with a finer clock are so by chance once in a thousand years.
+// On a file system with a finer clock dates are whole seconds by chance once in a thousand years.
 bool FileState::HasWholeSeconds() const {
   return m_status && m_status->st_ctim.tv_nsec == 0 && m_status->st_mtim.tv_nsec == 0;
 }

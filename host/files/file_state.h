@@ -17,16 +17,18 @@ class FileState {
   // Waits for a clock tick, so that a change from now on changes the time stamp.
   void WaitForClockTick() const;
 
-  // Whether a change at this time by the clock of files may get the date of the last one.
+  // Returns whether a change at this time by the clock of files may get the date of the last one.
   bool MayBeDatedAlikeAt(const timespec& now) const;
 
-  // The same file, with content that nobody has written to in between; or none both times.
+  // Returns whether it is the same file and nobody has written to it in between, or there was none
+  // both times.
   bool SameContent(const FileState& later) const;
 
-  // Whether its file system seems to date files by whole seconds.
+  // Returns whether the file system seems to date files by whole seconds.
   bool HasWholeSeconds() const;
 
-  // As SameContent, and neither was the file written and dated back, nor its rights changed.
+  // Returns whether, besides SameContent, the file was neither written and dated back nor its
+  // rights changed.
   bool Untouched(const FileState& later) const;
 
   const std::optional<struct stat>& status() const { return m_status; }

@@ -5,9 +5,10 @@
 
 namespace host {
 
-// A number that differs for files with different content, of a regular file: of all its bytes up to
-// 16 MiB, of 256 blocks of 64 KiB from its beginning to its end beyond that, so that it costs about
-// the same for a file of any length. 0 for what is no regular file, or cannot be read.
+// Returns a number that differs for regular files with different content. It is made of all bytes
+// of a file of up to 16 MiB, and of 256 blocks of 64 KiB from the beginning to the end of a longer
+// one, so that it costs about the same for any length. Returns 0 for what is no regular file or
+// cannot be read.
 uint64_t Fingerprint(const std::string& path);
 
 }  // namespace host

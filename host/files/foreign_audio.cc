@@ -53,7 +53,7 @@ bool HasAt(Bytes head, size_t at, std::string_view text) {
   return std::equal(text.begin(), text.end(), head.begin() + static_cast<ptrdiff_t>(at), same);
 }
 
-// Of four bytes, which are there.
+// Returns the number in four bytes, which are there.
 uint32_t LittleEndian(Bytes head, size_t at) {
   uint32_t value = 0;
   for (size_t i = 4; i-- > 0;) value = value << 8U | head[at + i];
@@ -66,15 +66,16 @@ uint32_t BigEndian(Bytes head, size_t at) {
   return value;
 }
 
-// Microsoft's PE format: a header at the place that the old one names.
+// Returns whether it is Microsoft's PE format: a header at the place that the old one names.
 bool IsPortableExecutable(Bytes head) {
   constexpr size_t kPlace = 0x3C;
   return HasAt(head, 0, "MZ") && head.size() >= kPlace + 4 &&
          HasAt(head, LittleEndian(head, kPlace), "PE\0\0"sv);
 }
 
-// Apple's loader.h: the magic number, a processor that there is (without the bit for 64 of them),
-// and a type of file. The magic number alone may be four quiet samples.
+// Returns whether the file begins as Apple's loader.h says: with the magic number, a processor that
+// there is (without the bit for 64 of them), and a type of file. The magic number alone may be four
+// quiet samples.
 bool IsMachO(Bytes head, uint32_t (*number)(Bytes, size_t)) {
   if (head.size() < 28 || (number(head, 0) & ~1U) != 0xFEEDFACE) return false;
   const uint32_t processor = number(head, 4) & ~0x01000000U;
@@ -82,7 +83,8 @@ bool IsMachO(Bytes head, uint32_t (*number)(Bytes, size_t)) {
   return processor > 0 && processor <= 18 && type > 0 && type <= 15;
 }
 
-// Several Mach-O files in one. A class file of Java begins alike, but with a version beyond 44.
+// Returns whether it holds several Mach-O files. A class file of Java begins alike, but with a
+// version beyond 44.
 bool IsFatMachO(Bytes head) {
   if (head.size() < 28 || BigEndian(head, 0) != 0xCAFEBABE) return false;
   const uint32_t count = BigEndian(head, 4);

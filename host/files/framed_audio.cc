@@ -9,7 +9,7 @@ namespace {
 
 using Bytes = std::span<const unsigned char>;
 
-// ISO/IEC 13818-7, 6.2: the bytes of the frame that begins here; 0 when none does.
+// Returns the bytes of the frame of ISO/IEC 13818-7, 6.2, that begins here; 0 when none does.
 size_t AdtsFrameBytes(Bytes head) {
   if (head.size() < 7 || head[0] != 0xFF || (head[1] & 0xF6) != 0xF0) return 0;
   const int rateIndex = head[2] >> 2 & 0xF;
@@ -17,7 +17,8 @@ size_t AdtsFrameBytes(Bytes head) {
   return rateIndex > 12 || bytes < 7 ? 0 : bytes;
 }
 
-// ISO/IEC 11172-3, 2.4 and 13818-3: the bytes of the frame that begins here; 0 when none does.
+// Returns the bytes of the frame of ISO/IEC 11172-3, 2.4, or 13818-3 that begins here; 0 when none
+// does.
 size_t MpegFrameBytes(Bytes head) {
   if (head.size() < 4 || head[0] != 0xFF || (head[1] & 0xE0) != 0xE0) return 0;
   const int version = head[1] >> 3 & 3;  // 3: MPEG-1, 2: MPEG-2, 0: MPEG-2.5.
@@ -45,7 +46,8 @@ size_t MpegFrameBytes(Bytes head) {
   return slots * rate / frequency + padding;
 }
 
-// ATSC A/52, 5.3 and table 5.18: the bytes of the frame that begins here; 0 when none does.
+// Returns the bytes of the frame of ATSC A/52, 5.3 and table 5.18, that begins here; 0 when none
+// does.
 size_t Ac3FrameBytes(Bytes head) {
   if (head.size() < 6 || head[0] != 0x0B || head[1] != 0x77) return 0;
   static constexpr uint16_t kRates[] = {32,  40,  48,  56,  64,  80,  96,  112, 128, 160,
@@ -60,9 +62,9 @@ size_t Ac3FrameBytes(Bytes head) {
   return size_t{2} * (rate * 320 / 147 + sizeIndex % 2);
 }
 
-// Frames in a row whose headers agree in what does not change from frame to frame: as many as there
-// are here, but no more than four. Two of MPEG's are soon found in quiet noise, where -1 is half a
-// header.
+// Returns whether frames follow each other here whose headers agree in what does not change from
+// frame to frame: as many as there are, but no more than four. Two of MPEG's are soon found in
+// quiet noise, where -1 is half a header.
 template <size_t kCount>
 bool FramesFollow(Bytes head, size_t (*frameBytes)(Bytes),
                   const unsigned char (&constant)[kCount]) {

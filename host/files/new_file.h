@@ -17,7 +17,7 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  // To be written to; -1, and errno is set by the constructor, when there is none.
+  // Returns the descriptor to write to; -1 when there is none, and the constructor has set errno.
   int descriptor() const { return m_descriptor; }
 
   // Gives the file its name, in place of what has that name or, without `replace`, only if nothing

@@ -17,7 +17,7 @@
 #include "base/printable.h"
 #include "files/beneath.h"
 
-// The linker's names for a wrapped function and for what it wraps (--wrap).
+// These are the linker's names for a wrapped function and for what it wraps (--wrap).
 extern "C" {
 FILE* RealFopen(const char* name, const char* mode) __asm__("__real_fopen");
 FILE* RealFopen64(const char* name, const char* mode) __asm__("__real_fopen64");
@@ -64,7 +64,8 @@ std::string NameOf(FILE* file) {
   return found == files.names.end() ? "" : found->second;
 }
 
-// The name of a file that is about to be closed, after which its address may be that of another.
+// Returns and forgets the name of a file that is about to be closed, after which its address may be
+// that of another.
 std::string ForgetName(FILE* file) {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);
@@ -80,7 +81,7 @@ bool HasDrive(std::string_view name) {
 
 bool Writes(const char* mode) { return strpbrk(mode, "wa+") != nullptr; }
 
-// The flags of open for a mode of fopen that writes.
+// Returns the flags of open for a mode of fopen that writes.
 int Flags(std::string_view mode) {
   int flags = mode.find('+') != std::string_view::npos ? O_RDWR : O_WRONLY;
   if (mode.front() == 'w') flags |= O_CREAT | O_TRUNC;
@@ -132,7 +133,8 @@ void NoteFault(FirstFault& fault, std::string_view name, int error) {
   if (error != EBADF && !name.empty()) fault.Note(name, error);
 }
 
-// What was transferred by other means than fread and fwrite shows in the end.
+// Notes a fault of what was transferred by other means than fread and fwrite, which shows in the
+// end.
 void NoteErrorFlag(FILE* file, std::string_view name) {
   if (ferror(file) == 0) return;
   const bool written = __fwritable(file) != 0;
@@ -194,8 +196,8 @@ FILE* WrapFopen64(const char* name, const char* mode) {
   return host::OpenMapped(RealFopen64, name, mode);
 }
 
-// Asks for the file that opening the name would open. To refuse one that leads out of the workspace
-// aloud is left to that.
+// Asks for the file that opening the name would open. A name that leads out of the workspace is
+// refused without a line, which opening it writes.
 int WrapStat(const char* name, struct stat* status) {
   if (host::g_activity == nullptr || name == nullptr) return RealStat(name, status);
   const std::optional<std::string> place = host::PlaceInWorkspace(name);
@@ -234,7 +236,8 @@ int WrapFflush(FILE* file) {
   return result;
 }
 
-// A routine does not look at what becomes of its reads and writes; a full disk shows here.
+// Notes what the routine, which does not look at what becomes of its reads and writes, would miss:
+// a full disk shows here.
 int WrapFclose(FILE* file) {
   if (host::g_activity == nullptr || file == nullptr) return RealFclose(file);
   const std::string name = host::ForgetName(file);

@@ -13,9 +13,9 @@ namespace host {
 // neither the unit nor the engine knows of it. Nothing else that takes the name of a file may be
 // called there. Code in shared libraries is not reached.
 
-// Where a file of this name is, relative to the workspace: "sdcard/x" for "/sdcard/x", "C/x/y" for
-// "c:\x\y"; a relative name is its own place. Nothing for a name with a ".." in it, which would
-// lead out of the workspace.
+// Returns where a file of this name is, relative to the workspace: "sdcard/x" for "/sdcard/x",
+// "C/x/y" for "c:\x\y"; a relative name is its own place. Returns nothing for a name with a ".." in
+// it, which would lead out of the workspace.
 std::optional<std::string> PlaceInWorkspace(std::string_view name);
 
 // From now on this process, whose current directory is the workspace, opens every file at its place

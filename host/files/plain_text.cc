@@ -17,7 +17,7 @@ bool IsPrintable(unsigned char byte) {
   return (byte >= 0x20 && byte < 0x7F) || (byte >= '\t' && byte <= '\r');
 }
 
-// The length of the UTF-8 sequence of several bytes that begins here; 0 for none.
+// Returns the length of the UTF-8 sequence of several bytes that begins here; 0 for none.
 size_t SequenceBytes(Bytes text) {
   const unsigned char first = text.front();
   const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
@@ -41,7 +41,8 @@ size_t CountFaults(Bytes text) {
   return faults;
 }
 
-// Whether every other byte has one of several values, none of them more than half of the time.
+// Returns whether every other byte has one of several values, none of them more than half of the
+// time.
 bool Varies(Bytes text, size_t first) {
   std::array<size_t, 256> counts = {};
   for (size_t i = first; i < text.size(); i += 2) ++counts[text[i]];

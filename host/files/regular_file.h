@@ -11,17 +11,17 @@ namespace host {
 // Files that the host reads: regular ones only, because what a routine or its user put in their
 // place, such as a FIFO or a device, could keep it waiting for ever.
 
-// errno of what is there but is no regular file.
+// The errno for what is there but is no regular file.
 inline constexpr int kNotRegular = ENXIO;
 
-// Opens a regular file for reading, or what a link leads to; never waits. Null and errno for
-// anything else.
+// Opens a regular file for reading, or what a link leads to; never waits. Returns null and sets
+// errno for anything else.
 FILE* OpenRegular(const std::string& path);
 
-// As OpenRegular, a descriptor; -1 and errno.
+// As OpenRegular, but returns a descriptor, or -1 with errno.
 int OpenRegularDescriptor(const std::string& path);
 
-// errno of a file that could not be opened, in words.
+// Returns the errno of a file that could not be opened, in words.
 std::string FaultText(int error);
 
 struct TextRead {
@@ -29,7 +29,8 @@ struct TextRead {
   std::string fault = {};  // Why the text is not whole; kStopped when it was given up.
 };
 
-// The text of a regular file of `mostBytes` at most. Gives up as soon as `goOn` returns false.
+// Returns the text of a regular file of `mostBytes` at most. Gives up as soon as `goOn` returns
+// false.
 TextRead ReadText(const std::string& path, size_t mostBytes, const std::function<bool()>& goOn);
 
 }  // namespace host

@@ -14,7 +14,7 @@ class Sha256 {
  public:
   void Add(std::span<const unsigned char> bytes);
 
-  // 64 hexadecimal digits, lower case. To be called once, at the end.
+  // Returns 64 hexadecimal digits, lower case. It is called once, at the end.
   std::string Digest();
 
  private:
@@ -33,8 +33,8 @@ struct FileDigest {
   std::string fault = {};  // Why there is none; kStopped when it was given up.
 };
 
-// Of an open file from its beginning to its end, wherever it is read at the moment. Gives up as
-// soon as `goOn` returns false.
+// Returns the digest of an open file from its beginning to its end, wherever it is read at the
+// moment. Gives up as soon as `goOn` returns false.
 FileDigest DigestOf(int file, const std::function<bool()>& goOn);
 
 }  // namespace host

@@ -22,7 +22,7 @@ int16_t ToPcm16(float sample, float gain) {
   return static_cast<int16_t>(std::clamp(value, -32768.0F, 32767.0F));
 }
 
-// What went wrong; empty when nothing did.
+// Returns what went wrong; empty when nothing did.
 std::string WriteSamples(FILE* in, const AudioLayout& layout, float gain,
                          const std::function<bool()>& goOn, FILE* out) {
   std::vector<int16_t> block;
@@ -38,7 +38,7 @@ std::string WriteSamples(FILE* in, const AudioLayout& layout, float gain,
   return error != 0 ? strerror(error) : fault;
 }
 
-// What went wrong; empty when nothing did.
+// Returns what went wrong; empty when nothing did.
 std::string Copy(FILE* in, const AudioLayout& layout, float gain, const std::function<bool()>& goOn,
                  FILE* out) {
   const uint64_t frames = layout.bytes / static_cast<uint64_t>(layout.frameBytes);

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr int kWrite = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-// The place of an open file. Empty, and errno set, when it has none any more.
+// Returns the place of an open file. Returns an empty one and sets errno when it has none any more.
 std::string PlaceOf(int file) {
   std::error_code error;
   const fs::path place = fs::read_symlink("/proc/self/fd/" + std::to_string(file), error);
@@ -64,7 +64,7 @@ bool WriteNew(int folder, const std::string& path, mode_t mode, const std::strin
          fchmod(file.descriptor(), mode) == 0 && file.Publish(true);
 }
 
-// Whether an open file has no other name. Sets errno when it has.
+// Returns whether an open file has no other name. Sets errno when it has.
 bool HasOneName(int file) {
   struct stat status;
   if (fstat(file, &status) != 0) return false;
@@ -126,7 +126,7 @@ bool OverwriteFile(const std::string& path, const std::string& text) {
 void DiscardFile(const std::string& path) {
   const int file = open(path.c_str(), kWrite | O_NOFOLLOW);
   if (file >= 0) {
-    // Where the folder keeps the file it is empty at least.
+    // Where the folder keeps the file, it is at least made empty.
     if (HasOneName(file) && ftruncate(file, 0) != 0) errno = EIO;
     close(file);
   }

@@ -8,12 +8,13 @@ namespace host {
 
 // Files that are written whole at a path of the user's. All that fails sets errno.
 
-// The file that a path names after all symbolic links, whether it exists or not. Only the kernel
-// follows them, as it does for those who write there: where everybody may put links, it follows
-// nobody else's. Empty when it does not.
+// Returns the file that a path names after all symbolic links, whether it exists or not. Only the
+// kernel follows them, as it does for those who write there: where everybody may put links, it
+// follows nobody else's. Returns an empty path when it does not.
 std::string FollowLinks(const std::string& path);
 
-// Atomically replaces the file at `path`, which is no link, or creates it. False on failure.
+// Atomically replaces the file at `path`, which is no link, or creates it. Returns false on
+// failure.
 bool ReplaceFile(const std::string& path, mode_t mode, const std::string& text);
 
 // Returns whether the file can be replaced. Changes nothing.

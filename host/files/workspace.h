@@ -13,15 +13,20 @@ namespace host {
 // A file that a routine declares, and where it is in the workspace of a run.
 struct FilePlace {
   FileUse use;
-  std::string name;        // As the routine opens it, its arguments filled in.
-  std::string path;        // As the host opens it; empty when the name leads out of the workspace.
-  std::string place = {};  // Relative to the workspace.
+
+  // The name as the routine opens it, its arguments filled in, and the path as the host opens it,
+  // which is empty when the name leads out of the workspace.
+  std::string name;
+  std::string path;
+
+  // Relative to the workspace.
+  std::string place = {};
 };
 
-// The names of the declared parameters of a routine, in their order.
+// Returns the names of the declared parameters of a routine, in their order.
 std::vector<std::string> ParameterNames(std::string_view parameters);
 
-// The places of the declared files when a routine runs in `workspace` with these arguments.
+// Returns the places of the declared files when a routine runs in `workspace` with these arguments.
 std::vector<FilePlace> PlaceFiles(std::span<const FileUse> uses, std::string_view parameters,
                                   std::span<const std::string_view> arguments,
                                   const std::string& workspace);
@@ -32,7 +37,7 @@ struct InputFault {
   std::string text;  // "No such file or directory"
 };
 
-// Nothing when the input is a regular file that can be opened.
+// Returns nothing when the input is a regular file that can be opened.
 std::optional<InputFault> FindInputFault(const FilePlace& input);
 
 // How an output came through a run.

@@ -51,8 +51,8 @@ class SharedMemory {
   Shared* m_shared;
 };
 
-// In the routine's process: everything up to its end, which is where an exception that the routine
-// lets go ends.
+// Lives as the routine's process: does everything up to its end, which is where an exception that
+// the routine lets go ends.
 [[noreturn]] void LiveAsChild(const ChildWork& work, const std::string& workspace,
                               Shared& shared) noexcept {
   const int nothing = open("/dev/null", O_RDONLY);
@@ -87,7 +87,7 @@ std::string Signal(int number) {
   return "signal " + std::to_string(number) + " (" + strsignal(number) + ")";
 }
 
-// In the host: a running child, by way of its keeper.
+// A running child as the host sees it, by way of its keeper.
 class Child {
  public:
   Child(pid_t keeper, Relay& relay, Limits& limits, Progress& progress)
@@ -133,7 +133,8 @@ class Child {
     usleep(1000);  // The limits do not make anybody wait any more.
   }
 
-  // Whether the keeper has ended. One that was stopped watches nothing any more: it is told to end.
+  // Returns whether the keeper has ended. One that was stopped watches nothing any more: it is told
+  // to end.
   bool Ended() {
     int status = 0;
     if (waitpid(m_keeper, &status, WNOHANG | WUNTRACED) != m_keeper) return false;

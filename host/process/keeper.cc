@@ -24,7 +24,7 @@ double ToSeconds(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-// The parent of a process; 0 when that is not to be known.
+// Returns the parent of a process; 0 when it cannot be known.
 pid_t Parent(const char* process) {
   char name[64];
   snprintf(name, sizeof name, "/proc/%.20s/stat", process);
@@ -54,7 +54,8 @@ class Keeper {
  public:
   Keeper(pid_t routine, KeeperReport& report) : m_routine(routine), m_report(report) {}
 
-  // Takes note of the children that have ended, or were stopped. False when there are none left.
+  // Takes note of the children that have ended, or were stopped. Returns false when there are none
+  // left.
   bool Reap() {
     int status = 0;
     rusage usage;

@@ -12,14 +12,21 @@ namespace host {
 // starts becomes the keeper's child sooner or later, so it can be ended with the routine, also when
 // the host is killed.
 
-// What it tells the host, in memory that they share.
+// What the keeper tells the host, in memory that they share.
 struct KeeperReport {
-  std::atomic<bool> ended = false;  // Of the routine's process; all below the next is known then.
-  std::atomic<int> stopSignal = 0;  // That has stopped the routine's process; 0 while it goes on.
-  int status = 0;                   // As wait gives it.
-  double time = 0;                  // Seconds, see Now().
-  double cpu = 0;                   // Seconds of processing, user and system.
-  uint64_t peakMemory = 0;          // Bytes
+  // The signal that has stopped the routine's process; 0 while it goes on.
+  std::atomic<int> stopSignal = 0;
+
+  // Whether the routine's process has ended. What follows is known then.
+  std::atomic<bool> ended = false;
+
+  // How it ended, as wait gives it, and when, see Now().
+  int status = 0;
+  double time = 0;
+
+  // Seconds of processing, user and system, and the peak of the memory in bytes.
+  double cpu = 0;
+  uint64_t peakMemory = 0;
 };
 
 // Turns this process, which `host` has just forked, into the keeper of a new process that executes

@@ -4,11 +4,11 @@
 
 namespace host {
 
-// Seconds of a clock that only runs forward.
+// Returns the seconds of a clock that only runs forward.
 double Now();
 
-// What ends a run from outside: its time is up, or somebody asks the host to end. To be looked at
-// again and again by whatever takes long.
+// What ends a run from outside: its time is up, or somebody asks the host to end. Whatever takes
+// long looks at it again and again.
 class Limits {
  public:
   enum class Stop { kNone, kTimedOut, kInterrupted };
@@ -19,16 +19,16 @@ class Limits {
   // Gives this much time from now on, to a run whose time was up as well.
   void Restart(double seconds);
 
-  // Remembers the first reason to stop.
+  // Returns the first reason to stop, and remembers it.
   Stop Check();
 
   // As Check, whatever time is left.
   bool Interrupted();
 
-  // Something that ends more than `seconds` from now is late; never less than 0.
+  // Returns the seconds that are left; never less than 0.
   double Left() const;
 
-  // The signal by which somebody asked the host to end; 0 for none.
+  // Returns the signal by which somebody asked the host to end; 0 for none.
   int interruption() const { return m_interruption; }
   const HostSignals& signals() const { return m_signals; }
 

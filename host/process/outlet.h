@@ -23,13 +23,13 @@ class Outlet {
   // Sends what the reader takes now.
   void Send();
 
-  // Bytes that the reader has not taken yet.
+  // Returns how many bytes the reader has not taken yet.
   size_t waiting() const { return m_text.size(); }
 
-  // Becomes writable when the reader takes more.
+  // This descriptor becomes writable when the reader takes more.
   int descriptor() const { return m_descriptor; }
 
-  // errno of the write that failed; 0 for none. From then on all text is dropped.
+  // Returns the errno of the write that failed; 0 for none. From then on all text is dropped.
   int error() const { return m_error; }
 
  private:
@@ -42,7 +42,7 @@ class Outlet {
   std::string m_text;  // Not yet sent.
 };
 
-// Seconds that a reader has to take what is printed, also when the limits are reached.
+// How many seconds a reader has to take what is printed, also when the limits are reached.
 inline constexpr double kPatience = 2;
 
 // Writes the text and waits for its reader for as long as the limits allow, and for kPatience in

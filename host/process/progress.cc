@@ -25,7 +25,8 @@ Progress::Progress(std::string routine, uint64_t expectedFiles)
       m_output(STDOUT_FILENO),
       m_error(STDERR_FILENO) {}
 
-// What has become of the files so far, and for many files how long the rest will take at this pace.
+// Returns what has become of the files so far, and for many files how long the rest will take at
+// this pace.
 std::string Progress::Files(double elapsed, const FileActivity& files) const {
   const uint64_t opened = files.opened;
   const std::string of = " of " + std::to_string(m_expectedFiles);

@@ -15,7 +15,8 @@ namespace {
 
 constexpr size_t kMaxRead = 65536;  // Bytes of one read; what a pipe holds.
 
-// What one read gives; 0 when there is nothing now. At the end of the pipe it is closed.
+// Returns how many bytes one read gives; 0 when there is nothing now. At the end of the pipe it is
+// closed.
 size_t ReadPipe(int& pipe, char* bytes) {
   if (pipe < 0) return 0;
   const ssize_t got = read(pipe, bytes, kMaxRead);

@@ -24,10 +24,10 @@ class Relay {
   Relay(const Relay&) = delete;
   Relay& operator=(const Relay&) = delete;
 
-  // In the child: its stdout and stderr lead into the relay.
+  // Is called in the child, whose stdout and stderr lead into the relay from then on.
   void BecomeChild();
 
-  // In the host: this side only reads.
+  // Is called in the host, which only reads.
   void BecomeHost();
 
   // Carries what is there, waiting up to `seconds` for it or for `other` to become readable.
@@ -38,7 +38,7 @@ class Relay {
   // stdout has not taken everything.
   bool Drain(Limits& limits);
 
-  // errno of the first write to the log file that failed; 0 for none.
+  // Returns the errno of the first write to the log file that failed; 0 for none.
   int logFailure() const { return m_logFailure; }
 
  private:
@@ -48,7 +48,7 @@ class Relay {
   };
   static void Close(int& descriptor);
 
-  // Carry what one read gives; false when there is nothing, now or for ever.
+  // Carry what one read gives, and return false when there is nothing, now or for ever.
   bool CarryOutput();
   bool CarryLog();
   void WriteLog(std::string_view text);

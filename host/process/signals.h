@@ -13,13 +13,13 @@ class HostSignals {
   HostSignals(const HostSignals&) = delete;
   HostSignals& operator=(const HostSignals&) = delete;
 
-  // Readable when something has arrived.
+  // This descriptor is readable when something has arrived.
   int descriptor() const { return m_descriptor; }
 
-  // The request to end that has arrived, 0 for none.
+  // Returns the request to end that has arrived; 0 for none.
   int TakeInterruption() const;
 
-  // In a child: all signals as a program expects them.
+  // Is called in a child: sets all signals as a program expects them.
   void RestoreInChild() const;
 
  private:
