@@ -48,9 +48,8 @@ void TestZUAECProcess(const char* pFarendFileName, const char* pNearendFileName,
   auto* renderBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   auto* outputBuf = new AudioBuffer(samples10ms, 1, samples10ms, 1, samples10ms);
   for (const AudioBuffer* buffer : {captureBuf, renderBuf, outputBuf}) LeaveAlive(buffer);
-  uint32_t frameIndex = 1;
 
-  for (;;) {
+  for (uint32_t frameIndex = 1;; ++frameIndex) {
     short farend[samples10ms] = {};
     // A frame that is not whole is replaced by silence, its first samples too.
     if (!pFarendFile || !ReadBlock(*pFarendFile, farend, sizeof farend)) {
@@ -73,9 +72,8 @@ void TestZUAECProcess(const char* pFarendFileName, const char* pNearendFileName,
                             outputBuf->split_bands(0), alignedFar, alignedNear, false, true, true);
     int status = 0;
     AecMobile_GetEchoState(aecm, &status);
-    const int delay = AecMobile_getDelay(aecm);
-    OutputDebugInfo("TestZUAECProcess: %d, %d, %d", static_cast<int>(frameIndex), status, delay);
-    ++frameIndex;
+    OutputDebugInfo("TestZUAECProcess: %d, %d, %d", static_cast<int>(frameIndex), status,
+                    AecMobile_getDelay(aecm));
 
     AudioFrame outFrame;
     FillFrame(outFrame, nearend, samples10ms, sampleRate, 1);
