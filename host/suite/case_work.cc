@@ -16,7 +16,6 @@
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "run/run.h"
-#include "suite/case_inputs.h"
 #include "suite/case_record.h"
 
 namespace host {
@@ -60,15 +59,6 @@ void TakeOutputs(const std::string& report, const std::string& from, const std::
     fs::copy_file(path, target, fs::copy_options::overwrite_existing, error);
     if (error) throw UsageError{"cannot copy " + path + ": " + error.message()};
   }
-}
-
-Case RunOf(const SuitePlace& suite, const SuiteCase& one) {
-  return {.routine = one.routine,
-          .arguments = one.arguments,
-          .work = suite.Workspace(one.id),
-          .timeout = one.timeout,
-          .linger = one.linger,
-          .json = suite.Report(one.id)};
 }
 
 // The first output that differs from the same one of the case whose outputs it must equal; empty
@@ -137,11 +127,10 @@ Json RunOneCase(const SuitePlace& suite, size_t at) {
     for (const std::string& id : one.after) {
       TakeOutputs(suite.Report(id), suite.Workspace(id), suite.Workspace(one.id));
     }
-    PlaceInputs(one, suite.Workspace(one.id));
     if (one.demo && suite.demo.place) {
       suite.demo.place(FindRow(one.routine), suite.Workspace(one.id));
     }
-    Run(RunOf(suite, one));
+    Run(RunOf(one, suite.Workspace(one.id), suite.Report(one.id)));
   } catch (const UsageError& error) {
     Print(error.message);
     record = UnrunRecord(one, "error", exit_code::kUsage, "usage", error.message);

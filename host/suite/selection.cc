@@ -11,7 +11,7 @@
 #include "catalogue/catalogue_text.h"
 #include "catalogue/list_filter.h"
 #include "catalogue/rows.h"
-#include "suite/case_inputs.h"
+#include "run/plan.h"
 #include "suite/case_order.h"
 #include "suite/catalogue_cases.h"
 #include "suite/suite_file.h"
@@ -20,19 +20,12 @@ namespace host {
 
 namespace {
 
-// Throws UsageError when the routine is none, or its words do not fit.
-void CheckCase(const SuiteCase& one) {
+// Throws UsageError when the case cannot be run as it is declared. Completes its arguments.
+void CheckCase(SuiteCase& one) {
   if (!one.skip.empty()) return;
-  try {
-    const CatalogueRow& row = FindRow(one.routine);
-    if (!CanBeRun(row)) return;  // Running it says why it is skipped.
-    const std::vector<std::string_view> words(one.arguments.begin(), one.arguments.end());
-    const std::string fault = harness::ArgumentFault(row, words);
-    if (!fault.empty()) throw UsageError{one.routine + " " + fault + ": " + Declaration(row)};
-    CheckInputNames(one);
-  } catch (const UsageError& error) {
-    throw UsageError{one.at + error.message};
-  }
+  const Plan plan = MakePlan(RunOf(one, "bench_work", ""));
+  if (plan.stop && plan.stop->refusal) throw UsageError{one.at + plan.stop->refusal->message};
+  one.arguments = plan.what.arguments;
 }
 
 bool Chosen(const SuiteCase& one, const SuiteOptions& options) {
@@ -87,7 +80,7 @@ Selection SelectCases(const SuiteOptions& options) {
   std::vector<SuiteCase> cases =
       options.file.empty() ? CatalogueCases(options.demo) : ReadSuite(options.file);
   const CaseOrder order(cases);
-  for (const SuiteCase& one : cases) CheckCase(one);
+  for (SuiteCase& one : cases) CheckCase(one);
   CheckGroup(options.group);
 
   Selection selection;

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "run/case.h"
+
 namespace host {
 
 // One case of a suite: a routine with its words, in a workspace of its own.
@@ -28,5 +30,8 @@ struct SuiteCase {
   bool counted = true;                  // False when it runs for the outputs that others read.
   std::string at = {};                  // Where it was declared: "suite.toml:3:1: ", or empty.
 };
+
+// The run of a case in a workspace; `report` is where its report goes.
+Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string& report);
 
 }  // namespace host

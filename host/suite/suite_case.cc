@@ -1,0 +1,16 @@
+#include "suite/suite_case.h"
+
+namespace host {
+
+Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string& report) {
+  Case run = {.routine = one.routine,
+              .arguments = one.arguments,
+              .work = workspace,
+              .timeout = one.timeout,
+              .linger = one.linger,
+              .json = report};
+  for (const auto& [name, source] : one.inputs) run.in.push_back(name + "=" + source);
+  return run;
+}
+
+}  // namespace host
