@@ -25,7 +25,7 @@ void ChangeOfRate(benchmark::State& state) {
   desktop::Resampler resampler(source, 2, target, 2, kBlockFrames);
   Noise noise(1);
   std::vector<short> in(size_t{2} * kBlockFrames);
-  std::vector<short> out(size_t{2} * resampler.MostFramesFor(kBlockFrames));
+  std::vector<short> out(size_t{2} * resampler.MaxFramesFor(kBlockFrames));
   FillRecording(noise, in.data(), in.size());
   const double audio = kBlocks * double{kBlockFrames} / source;  // Seconds.
   const double multiplyAdds = 2 * kTaps * audio * std::max(source, target);

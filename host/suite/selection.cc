@@ -14,6 +14,7 @@
 #include "run/plan.h"
 #include "suite/case_order.h"
 #include "suite/catalogue_cases.h"
+#include "suite/input_names.h"
 #include "suite/suite_file.h"
 
 namespace host {
@@ -26,6 +27,12 @@ void CheckCase(SuiteCase& one) {
   const Plan plan = MakePlan(RunOf(one, "bench_work", ""));
   if (plan.stop && plan.stop->refusal) throw UsageError{one.at + plan.stop->refusal->message};
   one.arguments = plan.what.arguments;
+  if (plan.row == nullptr || !CanBeRun(*plan.row)) return;
+  try {
+    CheckInputNames(one);
+  } catch (const UsageError& error) {
+    throw UsageError{one.at + error.message};
+  }
 }
 
 bool Chosen(const SuiteCase& one, const SuiteOptions& options) {

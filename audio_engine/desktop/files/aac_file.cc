@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "desktop/common/counts.h"
 #include "desktop/files/adts_reader.h"
 
 namespace desktop {
@@ -36,10 +37,10 @@ Decoder OpenDecoder(uint32_t channels) {
   HANDLE_AACDECODER handle = decoder.get();
   const bool ready =
       handle != nullptr && aacDecoder_SetParam(handle, AAC_PCM_LIMITER_ENABLE, 0) == AAC_DEC_OK &&
-      aacDecoder_SetParam(handle, AAC_PCM_MAX_OUTPUT_CHANNELS, channels > 0 ? channels : 2) ==
-          AAC_DEC_OK &&
+      aacDecoder_SetParam(handle, AAC_PCM_MAX_OUTPUT_CHANNELS,
+                          channels > 0 ? Count(channels) : 2) == AAC_DEC_OK &&
       (channels == 0 ||
-       aacDecoder_SetParam(handle, AAC_PCM_MIN_OUTPUT_CHANNELS, channels) == AAC_DEC_OK);
+       aacDecoder_SetParam(handle, AAC_PCM_MIN_OUTPUT_CHANNELS, Count(channels)) == AAC_DEC_OK);
   return ready ? std::move(decoder) : nullptr;
 }
 
@@ -114,9 +115,9 @@ class AacFile : public FileSource {
     if (aacDecoder_DecodeFrame(decoder, m_samples, kMaxSamples, 0) != AAC_DEC_OK) return false;
     const CStreamInfo* info = aacDecoder_GetStreamInfo(decoder);
     if (info->sampleRate < 1 || info->numChannels < 1 || info->frameSize < 1) return false;
-    layout->rate = info->sampleRate;
-    layout->channels = info->numChannels;
-    layout->frames = info->frameSize;
+    layout->rate = Unsigned(info->sampleRate);
+    layout->channels = Unsigned(info->numChannels);
+    layout->frames = Size(info->frameSize);
     return true;
   }
 

@@ -23,7 +23,7 @@ size_t TagBytes(const unsigned char* start) {
 }
 
 size_t ReadAt(FILE* file, size_t offset, unsigned char* bytes, size_t count) {
-  if (fseeko(file, offset, SEEK_SET) != 0) return 0;
+  if (fseeko(file, static_cast<off_t>(offset), SEEK_SET) != 0) return 0;
   return fread(bytes, 1, count, file);
 }
 

@@ -9,6 +9,7 @@
 
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/codec/parts/packet_codec.h"
+#include "desktop/common/counts.h"
 #include "desktop/files/adts_reader.h"
 
 namespace desktop {
@@ -33,7 +34,7 @@ class AdtsWriter : public FileWriter {
       : m_file(std::move(file)),
         m_format(format),
         m_encoder(std::move(encoder)),
-        m_packetSamples(m_encoder->blockSamples()) {
+        m_packetSamples(Offset(m_encoder->blockSamples())) {
     m_coded.reserve(1 << 16);
   }
 
@@ -55,10 +56,10 @@ class AdtsWriter : public FileWriter {
   bool Finish() override {
     if (m_packets == 0 && m_samples.empty()) return Flush();
     if (!m_samples.empty()) {
-      m_samples.resize(m_packetSamples);
+      m_samples.resize(Size(m_packetSamples));
       Encode(m_samples.data());
     }
-    m_samples.assign(m_packetSamples, 0);
+    m_samples.assign(Size(m_packetSamples), 0);
     for (int i = 0; i < kLatePackets; ++i) Encode(m_samples.data());
     m_samples.clear();
     return Flush();
@@ -100,7 +101,7 @@ bool FindEnd(FILE* file, DeviceFormat* format) {
   *format = FormatOf(packet);
   while (packets.Next(&packet) > 0) {
   }
-  return format->IsValid() && ftruncate(fileno(file), packets.End()) == 0;
+  return format->IsValid() && ftruncate(fileno(file), static_cast<off_t>(packets.End())) == 0;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "desktop/common/counts.h"
 #include "wave/wave_file.h"
 
 namespace desktop {
@@ -30,7 +31,7 @@ sf_count_t Seek(sf_count_t offset, int whence, void* data) {
 }
 
 sf_count_t ReadBytes(void* to, sf_count_t bytes, void* data) {
-  return fread(to, 1, bytes, static_cast<FILE*>(data));
+  return Offset(fread(to, 1, Size(bytes), static_cast<FILE*>(data)));
 }
 
 sf_count_t WriteNothing(const void* /*from*/, sf_count_t /*bytes*/, void* /*data*/) { return 0; }
@@ -56,7 +57,7 @@ bool HasKnownStart(FILE* file) {
 // Returns whether it is a valid WAVE file whose samples are coded in a way that nothing here
 // decodes.
 bool IsWaveOfOtherCoding(FILE* file) {
-  const wave::Parsed parsed = wave::Find(file, Length(file));
+  const wave::Parsed parsed = wave::Find(file, Size(Length(file)));
   return parsed.audio && parsed.audio->coding != wave::Coding::kPcm &&
          parsed.audio->coding != wave::Coding::kFloat;
 }
@@ -66,9 +67,9 @@ class SoundFile : public FileSource {
   SoundFile(File file, Sound sound, const SF_INFO& info)
       : m_file(std::move(file)),
         m_sound(std::move(sound)),
-        m_rate(info.samplerate),
-        m_channels(info.channels),
-        m_frames(std::max<sf_count_t>(info.frames, 0)) {}
+        m_rate(Unsigned(info.samplerate)),
+        m_channels(Unsigned(info.channels)),
+        m_frames(Size(info.frames)) {}
 
   uint32_t Rate() const override { return m_rate; }
   uint32_t Channels() const override { return m_channels; }
@@ -78,12 +79,12 @@ class SoundFile : public FileSource {
     size_t done = 0;
     while (done < frames) {
       const size_t part = std::min(frames - done, std::size(m_floats) / m_channels);
-      const sf_count_t got = sf_readf_float(m_sound.get(), m_floats, part);
+      const sf_count_t got = sf_readf_float(m_sound.get(), m_floats, Offset(part));
       if (got <= 0) break;
-      const size_t count = m_channels * got;
+      const size_t count = m_channels * Size(got);
       short* const out = samples + done * m_channels;
       for (size_t i = 0; i < count; ++i) out[i] = ToShort(m_floats[i]);
-      done += got;
+      done += Size(got);
     }
     m_read += done;
     m_ended = done < frames;

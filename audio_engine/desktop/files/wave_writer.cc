@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "desktop/common/counts.h"
 #include "wave/wave_file.h"
 
 namespace desktop {
@@ -38,7 +39,7 @@ class WaveWriter : public FileWriter {
   bool Finish() override { return Flush(); }
 
   bool WriteHeader() {
-    const auto header = wave::Header(m_format.rate, m_format.channels, 16, m_bytes);
+    const auto header = wave::Header(Count(m_format.rate), Count(m_format.channels), 16, m_bytes);
     return fseeko(m_file.get(), 0, SEEK_SET) == 0 &&
            fwrite(header.data(), header.size(), 1, m_file.get()) == 1;
   }
@@ -60,9 +61,9 @@ std::unique_ptr<WaveWriter> GoOn(File file, uint64_t fileBytes) {
   }
   const DeviceFormat format = {static_cast<uint32_t>(parsed.audio->rate),
                                static_cast<uint32_t>(parsed.audio->channels)};
-  const uint64_t frameBytes = parsed.audio->frameBytes;
+  const uint64_t frameBytes = Size(parsed.audio->frameBytes);
   const uint64_t bytes = parsed.audio->bytes / frameBytes * frameBytes;
-  const off_t end = wave::kHeaderBytes + bytes;
+  const off_t end = Offset(wave::kHeaderBytes + bytes);
   if (!format.IsValid() || ftruncate(fileno(file.get()), end) != 0) return nullptr;
   return std::make_unique<WaveWriter>(std::move(file), format, bytes);
 }
@@ -73,7 +74,7 @@ std::unique_ptr<FileWriter> OpenWaveWriter(const char* name, DeviceFormat format
   File file = OpenForWriting(name, append);
   if (file == nullptr || fseeko(file.get(), 0, SEEK_END) != 0) return nullptr;
   const off_t fileBytes = ftello(file.get());
-  if (fileBytes > 0) return GoOn(std::move(file), fileBytes);
+  if (fileBytes > 0) return GoOn(std::move(file), Size(fileBytes));
   auto writer = std::make_unique<WaveWriter>(std::move(file), format, 0);
   return writer->WriteHeader() ? std::move(writer) : nullptr;
 }

@@ -36,7 +36,7 @@ void CaptureCleaner::HighPass(short* samples, size_t frames) {
   const size_t channels = m_format.channels;
   for (size_t channel = 0; channel < channels; ++channel) {
     for (size_t i = 0; i < frames; ++i) m_channel[i] = samples[i * channels + channel];
-    m_highPass[channel].Process(m_channel.data(), static_cast<int>(frames));
+    m_highPass[channel].Process(m_channel.data(), frames);
     for (size_t i = 0; i < frames; ++i) {
       const float limited = std::clamp(m_channel[i], -32768.0F, 32767.0F);
       samples[i * channels + channel] = static_cast<short>(std::lrint(limited));

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <vector>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/dynamics/sum_limiter.h"
 #include "desktop/mixing/parts/block_converter.h"
 
@@ -51,8 +52,8 @@ void AudioRecordMixer::GetMixedAudioFrame(zuwebrtc::AudioFrame& frame) {
   const int channels = frame.num_channels_;
   if (channels <= 0 || frame.samples_per_channel_ <= 0) return;
   const int maxFrames = zuwebrtc::AudioFrame::kMaxDataSizeSamples / channels;
-  const size_t frames = std::min(frame.samples_per_channel_, maxFrames);
-  const size_t samples = frames * channels;
+  const size_t frames = desktop::Size(std::min(frame.samples_per_channel_, maxFrames));
+  const size_t samples = frames * desktop::Size(channels);
   if (m_state->mode == AudioSourceTypeMic) return;
 
   std::vector<int32_t>& sums = m_state->sums;
@@ -65,5 +66,5 @@ void AudioRecordMixer::GetMixedAudioFrame(zuwebrtc::AudioFrame& frame) {
     }
     source.converter.AddTo(sums.data(), samples);
   }
-  m_state->limiter.Process(sums.data(), frames, channels, frame.data_);
+  m_state->limiter.Process(sums.data(), frames, desktop::Size(channels), frame.data_);
 }

@@ -1,6 +1,7 @@
 // What a suite does with its cases, from outside.
 
 #include "suite_fixture.h"
+#include "support/wav_bytes.h"
 
 namespace {
 
@@ -148,12 +149,13 @@ TEST_F(SuiteRunTest, ACaseThatFollowsAnotherReadsWhatThatHasLeft) {
 }
 
 TEST_F(SuiteRunTest, InputsAreTakenFromWhereTheCaseSays) {
-  WriteFile("mine", std::string(320, 'x'));
+  const std::vector<short> samples(160, 1234);
+  WriteFile("mine", WavBytes({.rate = 16000}, samples));
   const std::string words = "arguments = [\"/sdcard/in.pcm\", \"out.pcm\"]\n";
   for (const char* const name : {"in.pcm", "/sdcard/in.pcm"}) {
     EXPECT_EQ(RunCases(Case("a", "Copy", words + "in = { \"" + name + "\" = \"mine\" }")).exitCode,
               0);
-    EXPECT_EQ(ReadFile("r/cases/a/out.pcm"), ReadFile("mine"));
+    EXPECT_EQ(ReadFile("r/cases/a/out.pcm"), SampleBytes(samples));
   }
   EXPECT_EQ(RunCases(Case("a", "Copy", words + "in = { \"in.pcm\" = \"none\" }")).exitCode, 3);
 

@@ -75,8 +75,8 @@ BandSplit::BandSplit(size_t bands, size_t frames)
 }
 
 void BandSplit::Analyse(const int16_t* block, int16_t* const* bands) {
-  std::copy(m_in.end() - (m_taps - 1), m_in.end(), m_in.begin());
-  std::copy(block, block + m_frames, m_in.begin() + m_taps - 1);
+  std::copy(m_in.end() - Offset(m_taps - 1), m_in.end(), m_in.begin());
+  std::copy(block, block + m_frames, m_in.begin() + Offset(m_taps - 1));
   for (size_t band = 0; band < m_bands; ++band) {
     const float* const filter = &m_analysis[band * m_taps];
     for (size_t at = 0; at < m_frames / m_bands; ++at) {
@@ -89,8 +89,8 @@ void BandSplit::Analyse(const int16_t* block, int16_t* const* bands) {
 }
 
 void BandSplit::Synthesise(const int16_t* const* bands, int16_t* block) {
-  std::copy(m_out.begin() + m_frames, m_out.end(), m_out.begin());
-  std::fill(m_out.end() - m_frames, m_out.end(), 0.0f);
+  std::copy(m_out.begin() + Offset(m_frames), m_out.end(), m_out.begin());
+  std::fill(m_out.end() - Offset(m_frames), m_out.end(), 0.0f);
   for (size_t band = 0; band < m_bands; ++band) {
     const float* const filter = &m_synthesis[band * m_taps];
     for (size_t at = 0; at < m_frames / m_bands; ++at) {

@@ -87,7 +87,7 @@ void EchoCanceller::SetDelay(int delayMs) { m_delayMs = std::clamp(delayMs, 0, 5
 
 void EchoCanceller::ProcessFar(const float* block) {
   if (m_earlyBlocks == kEarlyBlocks) {
-    std::copy(m_early.begin() + m_block, m_early.end(), m_early.begin());
+    std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
     --m_earlyBlocks;
   }
   std::copy(block, block + m_block, &m_early[m_earlyBlocks * m_block]);
@@ -99,8 +99,8 @@ void EchoCanceller::TakeFar() {
     std::fill(m_far.begin(), m_far.end(), 0.0f);
     return;
   }
-  std::copy(m_early.begin(), m_early.begin() + m_block, m_far.begin());
-  std::copy(m_early.begin() + m_block, m_early.end(), m_early.begin());
+  std::copy(m_early.begin(), m_early.begin() + Offset(m_block), m_far.begin());
+  std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
   --m_earlyBlocks;
 }
 

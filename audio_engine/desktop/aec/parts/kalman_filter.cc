@@ -83,13 +83,15 @@ void KalmanFilter::SetOffset(size_t blocks) {
   const size_t wanted = std::min(blocks, m_far.size() - m_partitions);
   if (wanted > m_offset) {
     const size_t shift = std::min(wanted - m_offset, m_partitions);
-    std::rotate(m_path.begin(), m_path.begin() + shift, m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + shift, m_uncertainty.end());
+    std::rotate(m_path.begin(), m_path.begin() + desktop::Offset(shift), m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + desktop::Offset(shift),
+                m_uncertainty.end());
     for (size_t i = m_partitions - shift; i < m_partitions; ++i) ForgetPartition(i);
   } else if (wanted < m_offset) {
     const size_t shift = std::min(m_offset - wanted, m_partitions);
-    std::rotate(m_path.begin(), m_path.end() - shift, m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - shift, m_uncertainty.end());
+    std::rotate(m_path.begin(), m_path.end() - desktop::Offset(shift), m_path.end());
+    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - desktop::Offset(shift),
+                m_uncertainty.end());
     for (size_t i = 0; i < shift; ++i) ForgetPartition(i);
   }
   m_offset = wanted;
@@ -100,8 +102,9 @@ const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(size_t partition) const 
 }
 
 void KalmanFilter::Process(const float* far, const float* near, float* out) {
-  std::copy(m_farSamples.begin() + m_block, m_farSamples.end(), m_farSamples.begin());
-  std::copy(far, far + m_block, m_farSamples.begin() + m_block);
+  std::copy(m_farSamples.begin() + desktop::Offset(m_block), m_farSamples.end(),
+            m_farSamples.begin());
+  std::copy(far, far + m_block, m_farSamples.begin() + desktop::Offset(m_block));
   m_newest = (m_newest + m_far.size() - 1) % m_far.size();
   m_fft.Forward(m_farSamples.data(), m_far[m_newest].data());
 
@@ -109,10 +112,10 @@ void KalmanFilter::Process(const float* far, const float* near, float* out) {
   for (size_t i = 0; i < m_block; ++i) {
     m_samples[m_block + i] = near[i] - m_samples[m_block + i];
   }
-  std::fill(m_samples.begin(), m_samples.begin() + m_block, 0.0f);
+  std::fill(m_samples.begin(), m_samples.begin() + desktop::Offset(m_block), 0.0f);
   const bool diverged = Diverged(near, &m_samples[m_block]);
   if (diverged) std::copy(near, near + m_block, &m_samples[m_block]);
-  std::copy(m_samples.begin() + m_block, m_samples.end(), out);
+  std::copy(m_samples.begin() + desktop::Offset(m_block), m_samples.end(), out);
   if (diverged) {
     Restart();
   } else {
@@ -166,7 +169,7 @@ void KalmanFilter::Adapt() {
     }
     // What would wrap around in the circular convolution is no part of the path.
     m_fft.Inverse(m_step.data(), m_samples.data());
-    std::fill(m_samples.begin() + m_block, m_samples.end(), 0.0f);
+    std::fill(m_samples.begin() + desktop::Offset(m_block), m_samples.end(), 0.0f);
     m_fft.Forward(m_samples.data(), m_step.data());
     Spectrum& path = m_path[partition];
     for (size_t bin = 0; bin < path.size(); ++bin) path[bin] += m_step[bin];

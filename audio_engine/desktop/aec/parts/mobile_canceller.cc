@@ -85,8 +85,8 @@ void MobileCanceller::ProcessNear(const int16_t* const* near, int16_t* const* ou
   std::transform(m_canceller.Far(), m_canceller.Far() + frames, m_alignedFar.begin(),
                  [](float sample) { return static_cast<int16_t>(sample); });
 
-  std::copy(m_in.begin() + frames, m_in.end(), m_in.begin());
-  std::copy(near[0], near[0] + frames, m_in.begin() + frames);
+  std::copy(m_in.begin() + Offset(frames), m_in.end(), m_in.begin());
+  std::copy(near[0], near[0] + frames, m_in.begin() + Offset(frames));
   const float gain = m_bands > 1 ? UpperGain() : 1;
   for (size_t band = 1; band < m_bands; ++band) ProcessUpperBand(band, near[band], out[band], gain);
   m_gain = gain;
@@ -114,8 +114,8 @@ void MobileCanceller::ProcessUpperBand(size_t band, const int16_t* near, int16_t
   const size_t frames = FramesPerBand();
   const size_t lag = Lag();
   std::vector<int16_t>& late = m_late[band - 1];
-  std::copy(late.begin() + frames, late.end(), late.begin());
-  std::copy(near, near + frames, late.begin() + frames);
+  std::copy(late.begin() + Offset(frames), late.end(), late.begin());
+  std::copy(near, near + frames, late.begin() + Offset(frames));
   for (size_t i = 0; i < frames; ++i) {
     const float part = static_cast<float>(i + 1) / static_cast<float>(frames);
     const float now = m_gain + part * (gain - m_gain);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "desktop/common/counts.h"
+
 namespace desktop {
 
 void BlockConverter::Put(const zuwebrtc::AudioFrame& block, int rate, int channels) {
@@ -9,7 +11,7 @@ void BlockConverter::Put(const zuwebrtc::AudioFrame& block, int rate, int channe
   const int from = block.num_channels_;
   const int frames = from > 0 ? std::clamp(block.samples_per_channel_, 0, kMaxSamples / from) : 0;
   if (frames == 0 || rate <= 0 || channels <= 0) return;
-  m_samples.erase(m_samples.begin(), m_samples.end() - Waiting());
+  m_samples.erase(m_samples.begin(), m_samples.end() - Offset(Waiting()));
   m_first = 0;
 
   if (block.sample_rate_hz_ == rate && from == channels) {
@@ -23,9 +25,9 @@ void BlockConverter::Put(const zuwebrtc::AudioFrame& block, int rate, int channe
   }
   if (!m_resampler->IsOpen()) return;
   const size_t before = m_samples.size();
-  m_samples.resize(before + m_resampler->MaxFramesFor(frames) * channels);
-  const size_t got = m_resampler->Convert(block.data_, frames, m_samples.data() + before);
-  m_samples.resize(before + got * channels);
+  m_samples.resize(before + m_resampler->MaxFramesFor(Size(frames)) * Size(channels));
+  const size_t got = m_resampler->Convert(block.data_, Size(frames), m_samples.data() + before);
+  m_samples.resize(before + got * Size(channels));
 }
 
 void BlockConverter::AddTo(int32_t* sums, size_t count) {

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "suite/suite_case.h"
+
+namespace host {
+
+// Throws UsageError when the inputs of a case, whose arguments are complete, have a name that is
+// none of its routine: as it opens the file, the last component of that, or the parameter that
+// names it.
+void CheckInputNames(const SuiteCase& one);
+
+}  // namespace host
