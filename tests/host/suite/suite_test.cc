@@ -150,7 +150,7 @@ TEST_F(SuiteRunTest, ACaseThatFollowsAnotherReadsWhatThatHasLeft) {
 
 TEST_F(SuiteRunTest, InputsAreTakenFromWhereTheCaseSays) {
   const std::vector<short> samples(160, 1234);
-  WriteFile("mine", WavBytes({.rate = 16000}, samples));
+  WriteFile("mine", WavBytes({.rate = 8000}, samples));
   const std::string words = "arguments = [\"/sdcard/in.pcm\", \"out.pcm\"]\n";
   for (const char* const name : {"in.pcm", "/sdcard/in.pcm"}) {
     EXPECT_EQ(RunCases(Case("a", "Copy", words + "in = { \"" + name + "\" = \"mine\" }")).exitCode,
