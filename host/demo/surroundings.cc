@@ -35,7 +35,7 @@ constexpr Place kPlaces[] = {
 
 std::vector<double> NoiseOf(int place, int rate, double seconds) {
   const Place& here = kPlaces[place];
-  const auto seed = static_cast<uint64_t>(100 + place);
+  const uint64_t seed = 100 + static_cast<uint64_t>(place);
   Noise noise(seed);
   std::vector<double> samples(static_cast<size_t>(rate * seconds));
   const double share = 1 - Exp(-6.283185307179586 * here.low / rate);

@@ -45,15 +45,15 @@ class Converter {
   }
 
   std::string Run() {
-    if (const std::string fault = Skip(); !fault.empty()) return fault;
+    if (std::string fault = Skip(); !fault.empty()) return fault;
     while (m_wanted > 0) {
       const size_t frames = ReadBlock(std::min<uint64_t>(kBlockFrames, m_wanted));
-      if (const std::string fault = m_recording.Fault(); !fault.empty()) return fault;
+      if (std::string fault = m_recording.Fault(); !fault.empty()) return fault;
       if (frames == 0) break;
       m_passed += frames;
       m_wanted -= frames;
-      if (const std::string fault = NotFinite(frames); !fault.empty()) return fault;
-      if (const std::string fault = Pass(frames); !fault.empty()) return fault;
+      if (std::string fault = NotFinite(frames); !fault.empty()) return fault;
+      if (std::string fault = Pass(frames); !fault.empty()) return fault;
     }
     return m_passed == 0 ? NothingThere() : Finish();
   }
@@ -74,7 +74,7 @@ class Converter {
   std::string Skip() {
     for (uint64_t left = FramesOf(m_conversion.cut.start, Rate()); left > 0;) {
       const size_t frames = ReadBlock(std::min<uint64_t>(kBlockFrames, left));
-      if (const std::string fault = m_recording.Fault(); !fault.empty()) return fault;
+      if (std::string fault = m_recording.Fault(); !fault.empty()) return fault;
       left -= frames;
       // Asks whether to go on.
       if (!m_use({})) return kStopped;
