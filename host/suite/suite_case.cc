@@ -9,7 +9,10 @@ Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string
               .timeout = one.timeout,
               .linger = one.linger,
               .json = report};
-  for (const auto& [name, source] : one.inputs) run.in.push_back(name + "=" + source);
+  for (const auto& [name, source] : one.inputs) {
+    run.in.push_back(name);
+    run.in.back().append("=").append(source);
+  }
   return run;
 }
 
