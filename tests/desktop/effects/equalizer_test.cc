@@ -57,7 +57,7 @@ class Response {
     m_impulse.assign(static_cast<size_t>(rate), 0.0f);
     m_impulse[0] = 1;
     float* const rows[] = {m_impulse.data()};
-    equalizer.Process(rows, 1, rate, rate);
+    equalizer.Process(rows, 1, m_impulse.size(), rate);
   }
 
   double At(double frequency) const {

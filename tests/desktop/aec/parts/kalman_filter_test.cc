@@ -57,7 +57,7 @@ TEST(KalmanFilter, KeepsWhatItHasLearntWhenItsStartIsMoved) {
   const Samples firstNear(near.begin(), near.begin() + 4 * kRate);
   const Samples thenFar(far.begin() + 4 * kRate, far.end());
   const Samples thenNear(near.begin() + 4 * kRate, near.end());
-  for (const int offset : {9, 3}) {
+  for (const size_t offset : {9U, 3U}) {
     desktop::KalmanFilter filter(kBlock, 32, 50);
     filter.SetOffset(6);
     Cancel(filter, firstFar, firstNear);

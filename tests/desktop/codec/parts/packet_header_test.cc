@@ -35,7 +35,7 @@ PacketSpan Read2(const Bytes& packet, size_t size) {
 }  // namespace
 
 TEST(PacketHeader, ReadsTheAdtsItWrites) {
-  for (const size_t length : {8, 100, 255, 256, 1029}) {
+  for (const size_t length : {8U, 100U, 255U, 256U, 1029U}) {
     const Bytes packet = Adts(length);
     const PacketSpan span = Read46(packet);
     EXPECT_EQ(span.state, PacketSpan::kWhole) << length;
@@ -117,7 +117,7 @@ TEST(PacketHeader, IsValidForTheRatesThatAdtsKnows) {
 }
 
 TEST(PacketHeader, ReadsTheTwoBytesItWrites) {
-  for (const size_t length : {4, 100, 257, 258, 1025}) {
+  for (const size_t length : {4U, 100U, 257U, 258U, 1025U}) {
     const Bytes packet = TwoByte(2, length);
     const PacketSpan span = Read2(packet, length);
     EXPECT_EQ(span.state, PacketSpan::kWhole) << length;

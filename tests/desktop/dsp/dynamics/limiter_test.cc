@@ -32,7 +32,7 @@ std::vector<Doubles> Processed(const LimiterParameter& parameter, const std::vec
   std::vector<std::vector<float>> rows;
   for (const Doubles& channel : in) rows.emplace_back(channel.begin(), channel.end());
   float* const pointers[] = {rows.front().data(), rows.back().data()};
-  limiter.Process(pointers, static_cast<int>(in.size()), static_cast<int>(in[0].size()), rate);
+  limiter.Process(pointers, static_cast<int>(in.size()), in[0].size(), rate);
   std::vector<Doubles> out;
   for (const auto& row : rows) out.emplace_back(row.begin(), row.end());
   return out;

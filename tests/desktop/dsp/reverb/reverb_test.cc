@@ -29,7 +29,7 @@ std::vector<Doubles> Processed(const NreverbFv3Parameter& parameter, const std::
   for (const Doubles& channel : in) rows.emplace_back(channel.begin(), channel.end());
   float* const pointers[] = {rows.front().data(), rows.back().data()};
   const desktop::DenormalGuard guard;
-  reverb.Process(pointers, static_cast<int>(in.size()), static_cast<int>(in[0].size()), rate);
+  reverb.Process(pointers, static_cast<int>(in.size()), in[0].size(), rate);
   std::vector<Doubles> out;
   for (const auto& row : rows) out.emplace_back(row.begin(), row.end());
   return out;
