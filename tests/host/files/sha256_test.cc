@@ -34,9 +34,9 @@ TEST(Sha256, GivesTheValuesOfTheStandard) {
 }
 
 TEST(Sha256, DoesNotDependOnTheBlocks) {
-  for (const size_t length : {54, 55, 56, 63, 64, 65, 119, 120, 128}) {
+  for (const size_t length : {54U, 55U, 56U, 63U, 64U, 65U, 119U, 120U, 128U}) {
     const std::string text(length, 'x');
-    for (const size_t block : {1, 7, 64, 100}) {
+    for (const size_t block : {1U, 7U, 64U, 100U}) {
       EXPECT_EQ(DigestOfText(text, block), DigestOfText(text, 1000)) << length << " " << block;
     }
   }

@@ -25,7 +25,8 @@ Sound Between(int rate, double seconds) {
   const int channels = rate == 44100 ? 2 : 1;
   Sound sound = Silence(seconds, channels, rate);
   for (size_t i = 0; i < sound.samples.size(); ++i) {
-    const double time = static_cast<double>(i / static_cast<size_t>(channels)) / rate;
+    const size_t frame = i / static_cast<size_t>(channels);
+    const double time = static_cast<double>(frame) / rate;
     double sum = 0;
     for (int tone = 1; tone <= 30; ++tone) {
       sum += std::sin(2 * M_PI * 97.3 * tone * time + 1.7 * tone * tone) *

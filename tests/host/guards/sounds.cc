@@ -15,7 +15,8 @@ Sound Sine(double frequency, double amplitude, double seconds, int channels, int
   Sound sound = Silence(seconds, channels, rate);
   const auto stride = static_cast<size_t>(channels);
   for (size_t i = 0; i < sound.samples.size(); ++i) {
-    const double time = static_cast<double>(i / stride) / rate;
+    const size_t frame = i / stride;
+    const double time = static_cast<double>(frame) / rate;
     sound.samples[i] = static_cast<float>(amplitude * std::sin(2 * M_PI * frequency * time));
   }
   return sound;
