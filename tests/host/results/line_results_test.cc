@@ -146,7 +146,7 @@ TEST_F(LineResultsTest, StandsLinesWithoutEndAndBytesOfAnyKind) {
   EXPECT_EQ(Get("tempo").value, 60) << "the long line is left out, the next one is not";
   m_results.Hear(Stands::kPrinted, std::string("\0\xff\n\nbpm=\0"
                                                "7\n",
-                                               12));
+                                               11));
   EXPECT_EQ(Get("tempo").value, 60);
 }
 
