@@ -30,7 +30,8 @@ void AddBlock(std::span<const float> block, bool whole, bool integers, ChannelSu
   if (!whole) return;
   measures::Level level;
   level.Add(block);
-  survey.offset.Add(*level.Dc().value);
+  // A block with a sample that is not finite has no mean.
+  if (const auto mean = level.Dc().value) survey.offset.Add(*mean);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ import subprocess
 import sys
 
 NAMESPACES = {"bench", "declared", "desktop", "harness", "host", "measures", "wave"}
-LIBRARIES = {"__gnu_cxx", "CLI", "hwy", "nlohmann", "soundtouch", "toml", "webrtc"}
+LIBRARIES = {"__gnu_cxx", "CLI", "hwy", "nlohmann", "pugi", "soundtouch", "toml", "webrtc"}
 CALLBACK = re.compile(r"^class (\w+) : public I\w+Notify \{", re.M)
 FUNCTION = re.compile(r"^(?:ROUTINE|HELPER)\([^,]+, (\w+)|^__attribute__.* (\w+)\(", re.M)
 # A type, a template, a constant or an alias at the start of a line.
