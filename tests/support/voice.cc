@@ -148,3 +148,21 @@ double Level(const std::vector<short>& samples) {
   for (size_t i = begin; i < samples.size(); ++i) sum += double{1} * samples[i] * samples[i];
   return std::sqrt(sum / static_cast<double>(samples.size() - begin));
 }
+
+std::vector<short> AtFullScale(std::vector<short> samples) {
+  int peak = 1;
+  for (const short sample : samples) peak = std::max(peak, std::abs(int{sample}));
+  for (short& sample : samples) sample = static_cast<short>(sample * 32767 / peak);
+  return samples;
+}
+
+int LongestClip(const std::vector<short>& samples, int channels) {
+  int longest = 0;
+  std::vector<int> runs(static_cast<size_t>(channels));
+  for (size_t i = 0; i < samples.size(); ++i) {
+    int& run = runs[i % runs.size()];
+    run = std::abs(int{samples[i]}) >= 32767 ? run + 1 : 0;
+    longest = std::max(longest, run);
+  }
+  return longest;
+}

@@ -20,3 +20,9 @@ int LargestStep(const std::vector<short>& samples, int channels = 1);
 
 // Root mean square over all but the first quarter.
 double Level(const std::vector<short>& samples);
+
+// The same sound with its peak at full scale.
+std::vector<short> AtFullScale(std::vector<short> samples);
+
+// The longest run of samples at full scale: 3 and more sound clipped.
+int LongestClip(const std::vector<short>& samples, int channels = 1);

@@ -67,6 +67,15 @@ TEST_P(BeautifyMode, KeepsTheLevelAndIsHeard) {
   }
 }
 
+TEST_P(BeautifyMode, MakesWhatGetsTooLoudSofterInsteadOfClippingIt) {
+  for (const int rate : {8000, 44100}) {
+    for (const Shorts& in : {SungNote(220, rate, 2), Babble(rate, 2)}) {
+      const Shorts loud = AtFullScale(in);
+      EXPECT_LT(LongestClip(Process(*Enabled(GetParam(), 1, 0), loud, rate)), 3) << rate;
+    }
+  }
+}
+
 TEST_P(BeautifyMode, WorksInStereoAsInMono) {
   const Shorts mono = SungNote(220, 16000, 1);
   const Shorts stereo = SungNote(220, 16000, 1, 2);

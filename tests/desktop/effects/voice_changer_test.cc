@@ -98,6 +98,12 @@ TEST_P(VoiceEffect, DoesNotWrapAtFullScaleAndKeepsSilence) {
   EXPECT_THAT(Change(GetParam(), Shorts(32000), 16000, 2), Each(0));
 }
 
+TEST_P(VoiceEffect, MakesWhatGetsTooLoudSofterInsteadOfClippingIt) {
+  for (const Shorts& in : {SungNote(220, 44100, 2, 2), Babble(44100, 2)}) {
+    EXPECT_LT(LongestClip(Change(GetParam(), AtFullScale(in), 44100, 2), 2), 3);
+  }
+}
+
 double CpuSeconds() {
   timespec time;
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);

@@ -13,6 +13,18 @@ size_t FramesOf(double ms, int rate) { return Size(std::lround(ms * rate / 1000)
 // How fast the measured level of a voice falls, in ms.
 constexpr double kLevelFallMs = 50;
 
+// Without a look-ahead, because a voice is not to lag where its pitch stays. The knee of 2 dB is
+// what keeps the first half-wave of a loud sound round: without it that would come out flat.
+constexpr LimiterParam kNoClipping = {.fCeiling = -0.1F,
+                                      .fThreshold = -2.1F,
+                                      .fPreGain = 0,
+                                      .fRelease = 90,
+                                      .fAttack = 0,
+                                      .fLookahead = 0,
+                                      .fLookaheadRatio = 0,
+                                      .fRMS = 0,
+                                      .fStLink = 1};
+
 }  // namespace
 
 float VoiceChain::Line::Before(size_t frames) const {
@@ -51,6 +63,8 @@ VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
     m_room->SetEnabled(true);
   }
   m_gain = static_cast<float>(std::pow(10, recipe.levelDb / 20));
+  m_limiter.SetParameter(kNoClipping);
+  m_limiter.Process(nullptr, channels, 0, rate);  // Takes its memory here.
 }
 
 void VoiceChain::Process(float* const* rows, size_t frames) {
@@ -74,6 +88,7 @@ void VoiceChain::Process(float* const* rows, size_t frames) {
   for (size_t c = 0; c < m_channels; ++c) {
     for (size_t i = 0; i < frames; ++i) rows[c][i] *= m_gain;
   }
+  m_limiter.Process(rows, Count(m_channels), frames, m_rate);
 }
 
 // Saturates in proportion to the level, so that a quiet voice sounds as rough as a loud one.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "desktop/dsp/dynamics/limiter.h"
 #include "desktop/dsp/filters/biquad.h"
 #include "desktop/dsp/reverb/reverb.h"
 #include "desktop/dsp/sample_blocks.h"
@@ -14,7 +15,8 @@ namespace desktop {
 
 // A voice recipe at work on a stream of planar floats of full scale 1: pitch shift, equaliser
 // (Bristow- Johnson), waveshaper and tremolo (Zölzer, "DAFX", 2011), combs and reverberation
-// (Schroeder, "Natural sounding artificial reverberation", 1962), in the order of the recipe.
+// (Schroeder, "Natural sounding artificial reverberation", 1962), in the order of the recipe. What
+// becomes too loud by that is made softer, so that nothing clips.
 class VoiceChain {
  public:
   // rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory.
@@ -62,6 +64,7 @@ class VoiceChain {
   // In turns.
   double m_tremoloPhase = 0;
   float m_gain = 1;
+  Limiter m_limiter;
 };
 
 }  // namespace desktop
