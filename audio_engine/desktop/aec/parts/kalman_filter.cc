@@ -33,6 +33,9 @@ constexpr float kUsefulness = 0.25f;
 constexpr float kUselessness = 0.7f;
 constexpr int kUselessBlocks = 50;
 
+// The share of a block in which the echo by the earlier path gives way to that by the new one.
+constexpr size_t kFadeShare = 4;
+
 // With a quieter far end nothing can be told.
 constexpr float kFarRms = 50.0f;
 
@@ -41,6 +44,18 @@ float Energy(const float* samples, size_t count) {
   float energy = 0;
   for (size_t i = 0; i < count; ++i) energy += samples[i] * samples[i];
   return energy;
+}
+
+// Adds the products of two spectra. They are written out, because the operator of std::complex
+// looks for infinities, which costs more than the product.
+void AddProduct(const std::vector<std::complex<float>>& one,
+                const std::vector<std::complex<float>>& other,
+                std::vector<std::complex<float>>& sum) {
+  for (size_t bin = 0; bin < sum.size(); ++bin) {
+    const float re = one[bin].real() * other[bin].real() - one[bin].imag() * other[bin].imag();
+    const float im = one[bin].real() * other[bin].imag() + one[bin].imag() * other[bin].real();
+    sum[bin] += std::complex<float>(re, im);
+  }
 }
 
 }  // namespace
@@ -53,12 +68,15 @@ KalmanFilter::KalmanFilter(size_t block, size_t partitions, size_t maxOffset)
       m_far(partitions + maxOffset, Spectrum(m_fft.Bins())),
       m_path(partitions, Spectrum(m_fft.Bins())),
       m_uncertainty(partitions, Power(m_fft.Bins())),
+      m_earlierPath(partitions, Spectrum(m_fft.Bins())),
       m_predicted(m_fft.Bins()),
       m_nearPower(m_fft.Bins()),
       m_echo(m_fft.Bins()),
       m_error(m_fft.Bins()),
       m_step(m_fft.Bins()),
-      m_samples(2 * block) {
+      m_samples(2 * block),
+      m_earlierEcho(2 * block),
+      m_echoSamples(block) {
   Restart();
 }
 
@@ -97,8 +115,8 @@ void KalmanFilter::SetOffset(size_t blocks) {
   m_offset = wanted;
 }
 
-const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(size_t partition) const {
-  return m_far[(m_newest + m_offset + partition) % m_far.size()];
+const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(size_t offset, size_t partition) const {
+  return m_far[(m_newest + offset + partition) % m_far.size()];
 }
 
 void KalmanFilter::Process(const float* far, const float* near, float* out) {
@@ -108,20 +126,44 @@ void KalmanFilter::Process(const float* far, const float* near, float* out) {
   m_newest = (m_newest + m_far.size() - 1) % m_far.size();
   m_fft.Forward(m_farSamples.data(), m_far[m_newest].data());
 
+  PredictEarlierEcho();
   PredictEcho();
   for (size_t i = 0; i < m_block; ++i) {
-    m_samples[m_block + i] = near[i] - m_samples[m_block + i];
+    m_echoSamples[i] = m_samples[m_block + i];
+    m_samples[m_block + i] = near[i] - m_echoSamples[i];
   }
   std::fill(m_samples.begin(), m_samples.begin() + desktop::Offset(m_block), 0.0f);
   const bool diverged = Diverged(near, &m_samples[m_block]);
-  if (diverged) std::copy(near, near + m_block, &m_samples[m_block]);
-  std::copy(m_samples.begin() + desktop::Offset(m_block), m_samples.end(), out);
-  if (diverged) {
-    Restart();
-  } else {
-    DoubtUselessPath();
-    Adapt();
+  TakeOut(near, out, diverged);
+  if (diverged) Restart();
+  m_earlierPath = m_path;
+  m_earlierOffset = m_offset;
+  if (diverged) return;
+  DoubtUselessPath();
+  Adapt();
+}
+
+// Takes the echo out of the near end. A filter that has diverged takes out nothing.
+void KalmanFilter::TakeOut(const float* near, float* out, bool diverged) const {
+  const size_t fade = m_block / kFadeShare;
+  for (size_t i = 0; i < m_block; ++i) {
+    float echo = diverged ? 0 : m_echoSamples[i];
+    if (i < fade) {
+      const float share = (static_cast<float>(i) + 0.5f) / static_cast<float>(fade);
+      echo = share * echo + (1 - share) * m_earlierEcho[m_block + i];
+    }
+    out[i] = near[i] - echo;
   }
+}
+
+// Leaves what the echo would be by the path of the block before in the second half of
+// m_earlierEcho.
+void KalmanFilter::PredictEarlierEcho() {
+  std::fill(m_echo.begin(), m_echo.end(), 0.0f);
+  for (size_t partition = 0; partition < m_partitions; ++partition) {
+    AddProduct(FarSpectrum(m_earlierOffset, partition), m_earlierPath[partition], m_echo);
+  }
+  m_fft.Inverse(m_echo.data(), m_earlierEcho.data());
 }
 
 // Leaves the block's echo in the second half of m_samples.
@@ -130,19 +172,15 @@ void KalmanFilter::PredictEcho() {
   std::fill(m_echo.begin(), m_echo.end(), 0.0f);
   std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
   for (size_t partition = 0; partition < m_partitions; ++partition) {
-    const Spectrum& far = FarSpectrum(partition);
+    const Spectrum& far = FarSpectrum(m_offset, partition);
     Spectrum& path = m_path[partition];
     Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       uncertainty[bin] = kKept * uncertainty[bin] + (1 - kKept) * std::norm(path[bin]);
       path[bin] *= kPersistence;
-      // The product is written out, because the operator of std::complex looks for infinities,
-      // which costs more than the product.
-      const float re = far[bin].real() * path[bin].real() - far[bin].imag() * path[bin].imag();
-      const float im = far[bin].real() * path[bin].imag() + far[bin].imag() * path[bin].real();
-      m_echo[bin] += std::complex<float>(re, im);
       m_predicted[bin] += std::norm(far[bin]) * uncertainty[bin];
     }
+    AddProduct(far, path, m_echo);
   }
   m_fft.Inverse(m_echo.data(), m_samples.data());
 }
@@ -157,7 +195,7 @@ void KalmanFilter::Adapt() {
     m_predicted[bin] = 1 / (0.5f * m_predicted[bin] + m_nearPower[bin] + kNoisePower);
   }
   for (size_t partition = 0; partition < m_partitions; ++partition) {
-    const Spectrum& far = FarSpectrum(partition);
+    const Spectrum& far = FarSpectrum(m_offset, partition);
     Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       const float gain = uncertainty[bin] * m_predicted[bin];

@@ -27,17 +27,20 @@ class KalmanFilter {
   void Restart();
 
   // Takes a far-end block and the near-end block that was captured with it, and gives the near end
-  // without the echo; `out` may be `near`. Every pointer is to one block.
+  // without the echo; `out` may be `near`. Every pointer is to one block. What has been learnt from
+  // a block is faded in with the next one, so that no step is heard where they meet.
   void Process(const float* far, const float* near, float* out);
 
  private:
   using Spectrum = std::vector<std::complex<float>>;
   using Power = std::vector<float>;
 
-  const Spectrum& FarSpectrum(size_t partition) const;
+  const Spectrum& FarSpectrum(size_t offset, size_t partition) const;
   float FirstUncertainty(size_t partition) const;
   void ForgetPartition(size_t partition);
   void PredictEcho();
+  void PredictEarlierEcho();
+  void TakeOut(const float* near, float* out, bool diverged) const;
   void Adapt();
   bool Diverged(const float* near, const float* error);
   void DoubtUselessPath();
@@ -56,6 +59,10 @@ class KalmanFilter {
   std::vector<Spectrum> m_path;
   std::vector<Power> m_uncertainty;
 
+  // The path and its offset that the block before was made with.
+  std::vector<Spectrum> m_earlierPath;
+  size_t m_earlierOffset = 0;
+
   // The power of the echo that the error of the path makes, and that of the near end without echo,
   // smoothed.
   Power m_predicted;
@@ -64,6 +71,8 @@ class KalmanFilter {
   Spectrum m_error;
   Spectrum m_step;
   std::vector<float> m_samples;
+  std::vector<float> m_earlierEcho;
+  std::vector<float> m_echoSamples;
 
   // The energy of the input and that of what is left of it, smoothed.
   float m_nearEnergy = 0;

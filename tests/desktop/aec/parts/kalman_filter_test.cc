@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "support/allocation_count.h"
@@ -86,6 +87,69 @@ TEST(KalmanFilter, NeverMakesTheNearEndMuchLouder) {
   const Samples out = Cancel(filter, far, near);
   EXPECT_GT(LossDb(near, out, kRate, 5, 5.5), -6);
   EXPECT_GT(LossDb(near, out, kRate, 7, 10), 12);
+}
+
+// Without its highs, in which a step would not stand out.
+Samples Dull(Samples samples) {
+  for (int pass = 0; pass < 4; ++pass) {
+    double low = 0;
+    for (short& sample : samples) {
+      low += 0.15 * (sample - low);
+      sample = static_cast<short>(std::lround(low));
+    }
+  }
+  for (short& sample : samples) sample = static_cast<short>(std::clamp(4 * sample, -32768, 32767));
+  return samples;
+}
+
+// How much stronger the bends are where blocks meet than within blocks, by power.
+double Seam(const Samples& samples, size_t begin, size_t end) {
+  double seams = 0;
+  double others = 0;
+  size_t count = 0;
+  for (size_t i = std::max<size_t>(begin, 2); i < end; ++i) {
+    const double bend = samples[i] - 2.0 * samples[i - 1] + samples[i - 2];
+    (i % kBlock <= 1 ? seams : others) += bend * bend;
+    count += i % kBlock <= 1 ? 1 : 0;
+  }
+  return seams / static_cast<double>(count) / (others / static_cast<double>(end - begin - count));
+}
+
+TEST(KalmanFilter, LeavesNoStepsWhereBlocksMeet) {
+  const Samples far = Dull(Talk(kRate, 6, 11));
+  const Samples near = Echo(far, kRate, 60);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  const Samples out = Cancel(filter, far, near);
+  EXPECT_LT(Seam(out, 0, kRate), 5);
+  EXPECT_LT(Seam(out, kRate, out.size()), 5);
+}
+
+// The echo comes by another way at once, and the filter begins anew.
+TEST(KalmanFilter, LeavesNoStepWhereItGivesUp) {
+  const Samples far = Dull(Talk(kRate, 10, 10));
+  Samples near = Echo(far, kRate, 60, 6);
+  const Samples moved = Echo(far, kRate, 40, 0);
+  for (size_t i = 5 * kRate; i < near.size(); ++i) near[i] = static_cast<short>(-moved[i]);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  const Samples out = Cancel(filter, far, near);
+  // The first step is that of the input.
+  EXPECT_LT(Seam(out, 5 * kRate + kBlock / 2, 6 * kRate), 5);
+}
+
+// Moved beyond the start of the echo it knows less of it than it did.
+TEST(KalmanFilter, LeavesNoStepWhereItIsMoved) {
+  const Samples far = Dull(Talk(kRate, 4, 13));
+  const Samples near = Echo(far, kRate, 60);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  Samples out;
+  for (const size_t offset : {0U, 9U}) {
+    filter.SetOffset(offset);
+    const auto begin = static_cast<ptrdiff_t>(out.size());
+    const Samples part = Cancel(filter, Samples(far.begin() + begin, far.begin() + begin + 31840),
+                                Samples(near.begin() + begin, near.begin() + begin + 31840));
+    out.insert(out.end(), part.begin(), part.end());
+  }
+  EXPECT_LT(Seam(out, 31840 - 10, 31840 + 10), 5);
 }
 
 TEST(KalmanFilter, AllocatesNothingPerBlock) {
