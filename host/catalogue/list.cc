@@ -19,36 +19,39 @@ std::string Padded(std::string_view text, size_t width) {
   return padded;
 }
 
-std::string RowLines(const CatalogueRow& row, size_t width) {
+std::string RowLines(const CatalogueRow& row, size_t width, const Paint& paint) {
   std::string head = "  " + Padded(row.declared.words.name, kNameWidth);
   const std::string status = LackingHere(row).empty() ? Availability(row) : "lacking";
+  const size_t at = head.size();
   if (!row.helper) head += Padded(status, kAvailabilityWidth);
-  return WrapText(row.exercises, head, head.size(), width);
+  std::string lines = WrapText(row.exercises, head, head.size(), width);
+  // Coloured at the end: a colour takes no column.
+  return row.helper ? lines : lines.replace(at, status.size(), paint.Word(status));
 }
 
 template <typename Belongs>
-std::string Section(std::string_view title, Belongs belongs, size_t width) {
+std::string Section(std::string_view title, Belongs belongs, size_t width, const Paint& paint) {
   std::string lines;
   for (const CatalogueRow& row : Catalogue()) {
-    if (belongs(row)) lines += RowLines(row, width);
+    if (belongs(row)) lines += RowLines(row, width, paint);
   }
   return lines.empty() ? "" : std::string(title) + "\n" + lines + "\n";
 }
 
 }  // namespace
 
-std::string ListAsText(const ListFilter& filter, size_t width) {
+std::string ListAsText(const ListFilter& filter, size_t width, const Paint& paint) {
   const auto passes = Selector(filter);
   std::string text;
   for (const Group group : kGroups) {
     const auto belongs = [&](const CatalogueRow& row) {
       return passes(row) && row.group == group && !row.helper;
     };
-    text += Section(GroupName(group), belongs, width);
+    text += Section(GroupName(group), belongs, width, paint);
   }
   text += Section(
       "Helpers (called by routines, not run by themselves)",
-      [&](const CatalogueRow& row) { return passes(row) && row.helper; }, width);
+      [&](const CatalogueRow& row) { return passes(row) && row.helper; }, width, paint);
 
   const auto rows = Catalogue();
   const auto count = [&](auto belongs) {

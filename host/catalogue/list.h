@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/paint.h"
 #include "catalogue/list_filter.h"
 
 namespace host {
@@ -12,7 +13,7 @@ namespace host {
 
 // Returns the catalogue for readers: the routines group by group, then the helpers, in lines of at
 // most `width` columns; SIZE_MAX for one line each.
-std::string ListAsText(const ListFilter& filter, size_t width);
+std::string ListAsText(const ListFilter& filter, size_t width, const Paint& paint = {});
 
 // Returns the document docs/catalogue.md.
 std::string ListAsMarkdown(const ListFilter& filter);

@@ -42,7 +42,7 @@ std::string List(const Request& request) {
     case Request::Form::kText:
       break;
   }
-  return ListAsText(request.filter, OutputWidth());
+  return ListAsText(request.filter, OutputWidth(), Paint(request.color, STDOUT_FILENO));
 }
 
 // With the recordings of the demo for the routines of the catalogue.

@@ -10,6 +10,7 @@
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
+#include "cli/color_option.h"
 #include "cli/seconds_word.h"
 #include "cli/staging_options.h"
 #include "cli/suite_words.h"
@@ -118,6 +119,7 @@ class CommandLine {
     m_list->add_option("--group", m_request.filter.group, "Only this group")->type_name("G");
     m_list->add_flag("--json", m_json, "For programs");
     m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
+    AddColor(*m_list, m_request.color);
   }
 
   void AddDemo() {
@@ -154,6 +156,7 @@ class CommandLine {
     run.add_flag("--strict", options.strict, "Take a warning for a failure");
     run.add_flag("--figures", options.figures, "Also measure the files of lists");
     run.add_flag("--wav", options.wav, "Also write headerless audio outputs as NAME.wav, 16-bit");
+    AddColor(run, options.color);
     m_staging.AddTo(run, options);
     run.add_option("--out", options.out, "Write an output to this file: .wav, .flac, .ogg or .raw")
         ->type_name("[NAME=]FILE")

@@ -17,13 +17,14 @@ struct Request {
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;
-  std::string text;         // kPrint: help or the version.
-  Case run;                 // kRun, kStage; of it kDemo uses the workspace.
-  ListFilter filter;        // kList
-  Form form = Form::kText;  // kList
-  std::string routine;      // kDescribe
-  SuiteOptions suite;       // kSuite
-  MergeOptions merge;       // kMerge
+  std::string text;            // kPrint: help or the version.
+  Case run;                    // kRun, kStage; of it kDemo uses the workspace.
+  ListFilter filter;           // kList
+  Form form = Form::kText;     // kList
+  Color color = Color::kAuto;  // kList
+  std::string routine;         // kDescribe
+  SuiteOptions suite;          // kSuite
+  MergeOptions merge;          // kMerge
 };
 
 // Why the words of a command line ask for nothing that can be done.

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "base/usage_error.h"
+#include "cli/color_option.h"
 
 namespace host {
 
@@ -46,6 +47,7 @@ void SuiteWords::AddSuite(CLI::App& app) {
   suite.add_option("--shard", m_shard, "Only part I of N of the cases")->type_name("I/N");
   suite.add_flag("--dry-run", m_suite.dryRun, "Only say which cases there are");
   suite.add_flag("--strict", m_suite.strict, "A warning is a failure");
+  AddColor(suite, m_suite.color);
 }
 
 void SuiteWords::AddMerge(CLI::App& app) {
@@ -55,6 +57,7 @@ void SuiteWords::AddMerge(CLI::App& app) {
   merge.add_option("--out", m_merge.out, "Where the results of all go")
       ->type_name("DIR")
       ->required();
+  AddColor(merge, m_merge.color);
 }
 
 void SuiteWords::TakeSuite(std::span<const std::string> command) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paint.h"
 #include "base/usage_error.h"
 #include "files/audio_figures.h"
 #include "files/audio_layout.h"
@@ -93,7 +94,7 @@ struct RunReport {
 std::optional<double> RealTimeFactor(const RunReport& report);
 
 // For readers: the verdict in the first line, then a few lines for each file or list of files.
-std::string TextReport(const RunReport& report);
+std::string TextReport(const RunReport& report, const Paint& paint = {});
 
 // For programs: JSON; every figure has a unit, and a reason where it has no value.
 std::string JsonReport(const RunReport& report);

@@ -14,8 +14,8 @@ namespace host {
 
 namespace {
 
-std::string VerdictLine(const RunReport& report) {
-  std::string line = VerdictName(report.judgement.verdict);
+std::string VerdictLine(const RunReport& report, const Paint& paint) {
+  std::string line = paint.Word(VerdictName(report.judgement.verdict));
   line += "  " + Printable(report.routine);
   if (!report.judgement.reason.empty()) line += "  " + Printable(report.judgement.reason);
   if (report.outcome) {
@@ -173,8 +173,8 @@ std::optional<double> RealTimeFactor(const RunReport& report) {
   return report.outcome->elapsed / seconds;
 }
 
-std::string TextReport(const RunReport& report) {
-  std::string text = VerdictLine(report) + FurtherProblems(report);
+std::string TextReport(const RunReport& report, const Paint& paint) {
+  std::string text = VerdictLine(report, paint) + FurtherProblems(report);
   const Verdict verdict = report.judgement.verdict;
   const bool good = verdict == Verdict::kPass || verdict == Verdict::kWarn;
   text += FirstLines(report.staged);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paint.h"
 #include "recording/stage.h"
 
 namespace host {
@@ -26,7 +27,8 @@ struct Case {
   std::vector<std::string> in = {};
   std::vector<std::string> out = {};
   StageWishes wishes = {};
-  bool temporary = false;  // `work` is a folder that the run makes, and removes if it may.
+  Color color = Color::kAuto;  // Of the verdict.
+  bool temporary = false;      // `work` is a folder that the run makes, and removes if it may.
 };
 
 }  // namespace host

@@ -33,13 +33,13 @@ void WriteRefusal(const RunReport& report, Limits& limits, ResultFile& json) {
 
 }  // namespace
 
-int Deliver(RunReport report, Limits& limits, ResultFile* json) {
+int Deliver(RunReport report, Limits& limits, ResultFile* json, const Paint& paint) {
   if (report.stop && report.stop->refusal) {
     if (json != nullptr) WriteRefusal(report, limits, *json);
     throw UsageError(*report.stop->refusal);
   }
   std::vector<Problem> problems = report.judgement.problems;
-  if (!WriteWithin(limits, STDOUT_FILENO, TextReport(report))) {
+  if (!WriteWithin(limits, STDOUT_FILENO, TextReport(report, paint))) {
     problems.push_back(
         {Cause::kNotDelivered, "the results could not be written to standard output"});
   }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/paint.h"
 #include "process/limits.h"
 #include "report/report.h"
 #include "report/result_file.h"
@@ -12,7 +13,7 @@ namespace host {
 // have as long as the limits allow. Returns the exit code, which is the one in the report where
 // that could be written. Throws the UsageError of a run that could not be done as asked, after its
 // report has been written.
-int Deliver(RunReport report, Limits& limits, ResultFile* json);
+int Deliver(RunReport report, Limits& limits, ResultFile* json, const Paint& paint = {});
 
 // Writes the report of a run whose command line was refused to `path`, which may be all that is
 // known of it. Throws UsageError when it cannot be written.

@@ -1,5 +1,7 @@
 #include "run/run.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -73,7 +75,7 @@ int Run(const Case& what) {
     } else if (temporary) {
       report.log.clear();  // It is gone with the workspace.
     }
-    exitCode = Deliver(std::move(report), limits, place);
+    exitCode = Deliver(std::move(report), limits, place, Paint(what.color, STDOUT_FILENO));
     interruption = limits.interruption();
   }
   json.reset();

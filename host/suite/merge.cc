@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -139,7 +141,8 @@ int MergeSuites(const MergeOptions& options) {
   }
   WritePlan(folder.path(), plan);
   WriteResults(folder.path());
-  const int printed = PrintResults(SuiteSummary(folder.path()));
+  const int printed =
+      PrintResults(SuiteSummary(folder.path(), Paint(options.color, STDOUT_FILENO)));
   const int exitCode = SuiteJournal(folder.path()).counts().ExitCode();
   return exitCode != 0 ? exitCode : printed;
 }

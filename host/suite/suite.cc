@@ -150,7 +150,7 @@ int RunCases(const SuitePlace& suite, const SuiteOptions& options, const Kept& k
              size_t counted) {
   const HostSignals signals;
   CaseLog log(suite.folder, kept.lines);
-  SuiteProgress progress(counted, kept.counts);
+  SuiteProgress progress(counted, kept.counts, Paint(options.color, STDOUT_FILENO));
   double next = Now() + kResultsSeconds;
   bool changed = false;
   const SuiteRunner::Listener listener = {.ended =
@@ -201,7 +201,8 @@ int RunSuite(const SuiteOptions& options) {
                                      [](const SuiteCase& one) { return one.counted; });
   const int interruption = RunCases(suite, options, kept, static_cast<size_t>(counted));
   WriteResults(folder.path());
-  const int printed = PrintResults(SuiteSummary(folder.path()));
+  const int printed =
+      PrintResults(SuiteSummary(folder.path(), Paint(options.color, STDOUT_FILENO)));
   if (interruption != 0) {
     fflush(nullptr);
     raise(interruption);  // Who has interrupted the suite wants to see its end.

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paint.h"
 #include "suite/catalogue_cases.h"
 #include "suite/shard.h"
 
@@ -18,6 +19,7 @@ struct SuiteOptions {
   bool resume = false;
   bool dryRun = false;
   bool strict = false;
+  Color color = Color::kAuto;  // Of the verdicts.
   Shard shard = {};
   std::vector<std::string> command = {};  // The words of the command line.
   DemoRecordings demo = {};               // Without a file.
@@ -32,6 +34,7 @@ struct MergeOptions {
   std::vector<std::string> folders;
   std::string out;
   std::vector<std::string> command = {};
+  Color color = Color::kAuto;  // Of the verdicts.
 };
 
 // Puts the results of all shards of one suite together, as one run would have left them. Returns

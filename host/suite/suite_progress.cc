@@ -25,9 +25,10 @@ std::string TimeLeft(double seconds) {
 
 }  // namespace
 
-std::string CaseLine(const Json& record) {
+std::string CaseLine(const Json& record, const Paint& paint) {
   const std::string verdict = IsKnownFailure(record) ? "known" : record.value("verdict", "");
-  std::string line = verdict + std::string(verdict.size() < 6 ? 6 - verdict.size() : 1, ' ') +
+  std::string line = paint.Word(verdict) +
+                     std::string(verdict.size() < 6 ? 6 - verdict.size() : 1, ' ') +
                      Printable(record.value("id", ""));
   if (record["elapsed"].is_number()) line += "  " + Seconds(record["elapsed"].get<double>());
   if (IsKnownFailure(record)) line += "  " + Printable(record.value("known", ""));
@@ -39,11 +40,12 @@ std::string CaseLine(const Json& record) {
   return line + "\n";
 }
 
-SuiteProgress::SuiteProgress(size_t cases, const SuiteCounts& kept)
+SuiteProgress::SuiteProgress(size_t cases, const SuiteCounts& kept, const Paint& paint)
     : m_terminal(isatty(STDERR_FILENO) != 0),
       m_cases(cases),
       m_kept(kept.Ended()),
       m_counts(kept),
+      m_paint(paint),
       m_start(Now()) {}
 
 SuiteProgress::~SuiteProgress() {
@@ -53,7 +55,7 @@ SuiteProgress::~SuiteProgress() {
 void SuiteProgress::Ended(const Json& record) {
   m_counts.Add(record);
   if (m_terminal) return;
-  fputs(CaseLine(record).c_str(), stdout);
+  fputs(CaseLine(record, m_paint).c_str(), stdout);
   fflush(stdout);
 }
 

@@ -38,7 +38,7 @@ std::string Padded(const std::string& text, size_t width) {
   return text + std::string(width - std::min(width, text.size()), ' ');
 }
 
-std::string Table(const std::vector<Row>& rows, size_t more) {
+std::string Table(const std::vector<Row>& rows, size_t more, const Paint& paint) {
   size_t verdicts = 0;
   size_t ids = 0;
   for (const Row& row : rows) {
@@ -47,8 +47,8 @@ std::string Table(const std::vector<Row>& rows, size_t more) {
   }
   std::string text;
   for (const Row& row : rows) {
-    text += Padded(row.verdict, verdicts) + "  " + Padded(Printable(row.id), ids) + "  " +
-            Printable(row.reason) + "\n";
+    text += paint.Word(Padded(row.verdict, verdicts)) + "  " + Padded(Printable(row.id), ids) +
+            "  " + Printable(row.reason) + "\n";
   }
   if (more > 0) text += "and " + std::to_string(more) + " more that did not pass\n";
   return text.empty() ? text : "\n" + text + "\n";
@@ -56,7 +56,7 @@ std::string Table(const std::vector<Row>& rows, size_t more) {
 
 }  // namespace
 
-std::string SuiteSummary(const std::string& folder) {
+std::string SuiteSummary(const std::string& folder, const Paint& paint) {
   const SuiteJournal journal(folder);
   std::vector<Row> rows;
   size_t more = 0;
@@ -70,7 +70,7 @@ std::string SuiteSummary(const std::string& folder) {
       ++more;
     }
   }
-  return Table(rows, more) + journal.counts().Text() + "\n" + "results  " + folder +
+  return Table(rows, more, paint) + journal.counts().Text() + "\n" + "results  " + folder +
          "/results.json, results.csv, junit.xml\n";
 }
 

@@ -179,6 +179,10 @@ std::vector<CatalogueRow> AllRows() {
                [](ArgumentWords words) {
                  return std::string(words[0] == "nothing" ? "argument 1 of 2 is nothing" : "");
                }},
+          {.declared = declared::TakeTurn},
+          {.declared = declared::TakeTurnOnDevice, .device = Device::kRender},
+          {.declared = declared::TakeTurnByClock, .seconds = 0.1},
+          {.declared = declared::TakeTurnAndPlay, .runsOn = 10},
           {.declared = declared::OpenByAnyName},
           {.declared = declared::OpenOutside}};
 }

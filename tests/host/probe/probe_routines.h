@@ -64,4 +64,8 @@ ROUTINE(void, ReportOnList, const char* outFile);         // Has a first line wh
 ROUTINE(void, PlayWhatIsNone, const char* inFile);        // Its engine says so.
 const std::string& RefusedByTheEngine();                  // Empty for nothing.
 ROUTINE(void, WriteUnless, const char* word, int bytes);  // Nothing for "nothing".
+ROUTINE(void, TakeTurn, const char* turns);          // Says in that file when it begins and ends.
+ROUTINE(void, TakeTurnOnDevice, const char* turns);  // The same, as its row says with a device,
+ROUTINE(void, TakeTurnByClock, const char* turns);   // by the clock,
+ROUTINE(void, TakeTurnAndPlay, const char* turns);   // or with something that runs on.
 HELPER(void, Helper);
