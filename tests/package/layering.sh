@@ -61,8 +61,9 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 
 # Of the host, each folder may include itself and the ones named before it; only one file of it
 # knows the desktop engine.
+allow host/statistics "$standard|\"statistics/$name\""
 allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files))\.h\""
-below='base|engine'
+below='base|engine|statistics'
 for folder in base guards files recording process catalogue results report demo run suite cli; do
   below+="|$folder"
   core='harness/(format_name|noizeus_cases)'

@@ -10,7 +10,8 @@ import re
 import subprocess
 import sys
 
-NAMESPACES = {"bench", "declared", "desktop", "harness", "host", "measures", "wave"}
+NAMESPACES = {"bench", "declared", "desktop", "harness", "host", "measures", "statistics",
+              "wave"}
 LIBRARIES = {"__gnu_cxx", "CLI", "hwy", "nlohmann", "pugi", "soundtouch", "toml", "webrtc"}
 CALLBACK = re.compile(r"^class (\w+) : public I\w+Notify \{", re.M)
 FUNCTION = re.compile(r"^(?:ROUTINE|HELPER)\([^,]+, (\w+)|^__attribute__.* (\w+)\(", re.M)
