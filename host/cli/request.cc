@@ -11,48 +11,17 @@
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "cli/color_option.h"
+#include "cli/completion.h"
+#include "cli/manual.h"
 #include "cli/seconds_word.h"
 #include "cli/staging_options.h"
 #include "cli/suite_words.h"
+#include "cli/synopsis.h"
 #include "cli/words.h"
 
 namespace host {
 
 namespace {
-
-struct Synopsis {
-  std::string_view command;
-  std::string_view arguments;
-};
-
-// The commands and what may follow them, as the usage lines show it.
-constexpr Synopsis kSynopses[] = {
-    {"list", "[GLOB] [OPTIONS]"},
-    {"describe", "ROUTINE"},
-    {"run", "[ROUTINE [ARGUMENT...]] [OPTIONS]"},
-    {"stage", "ROUTINE [ARGUMENT...] --in [NAME=]FILE [OPTIONS]"},
-    {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},
-    {"merge", "DIR... --out DIR"},
-    {"demo", "[OPTIONS]"},
-    {"help", "[COMMAND]"},
-};
-
-constexpr const char* kExitCodes =
-    "Exit codes: 0 pass, 1 fail, 2 not run as asked (usage) or results not delivered, 3 an input\n"
-    "is missing or unreadable, 4 crash or time-out, 77 skip.";
-
-class UsageFormatter : public CLI::Formatter {
- public:
-  std::string make_usage(const CLI::App* app, std::string name) const override {
-    if (app->get_parent() == nullptr) return "Usage: audio_bench COMMAND [...]\n";
-    for (const Synopsis& each : kSynopses) {
-      if (each.command != app->get_name()) continue;
-      return "Usage: audio_bench " + std::string(each.command) + " " + std::string(each.arguments) +
-             "\n";
-    }
-    return CLI::Formatter::make_usage(app, std::move(name));
-  }
-};
 
 std::string EmptyProblem(const std::string& word) { return word.empty() ? "is empty" : ""; }
 
@@ -69,7 +38,7 @@ class CommandLine {
   // `words` are all that were typed, which stay alive.
   CommandLine(Request& request, std::span<const std::string> words)
       : m_request(request), m_words(words) {
-    m_app.formatter(std::make_shared<UsageFormatter>());
+    ShowSynopses(m_app);
     m_app.require_subcommand(1);
     m_app.set_version_flag("--version", AUDIO_TESTER_VERSION);
     m_app.footer(kExitCodes);
@@ -81,15 +50,24 @@ class CommandLine {
     AddDemo();
     AddStage();
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
+    m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
+        ->add_option("SHELL", m_shell, "bash")
+        ->required()
+        ->check(CLI::IsMember({"bash"}));
+    m_app.add_subcommand("manual", "Print the manual page, in roff");
     m_app.add_subcommand("help", "Help on a command");
   }
 
-  // The options of a command; null when there is no such command.
-  const CLI::App* Command(const std::string& name) const {
-    const auto isIt = [&name](const CLI::App* each) { return each->get_name() == name; };
-    const auto found = m_app.get_subcommands(isIt);
-    return found.empty() ? nullptr : found.front();
+  // What may stand in the place of a word: the number of that word, and all words from the
+  // program's name on.
+  std::string Complete(std::span<const std::string> words) const {
+    size_t at = 0;
+    if (words.empty() || !CLI::detail::lexical_cast(words.front(), at)) return "none\n";
+    return Completions(m_app, words.subspan(1), at);
   }
+
+  // The options of a command; null when there is no such command.
+  const CLI::App* Command(const std::string& name) const { return FindCommand(m_app, name); }
 
   // Throws UsageError.
   void Parse(std::vector<std::string> words) {
@@ -185,6 +163,10 @@ class CommandLine {
                         : command == "merge"    ? Command::kMerge
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
+    if (command == "manual" || command == "completion") {
+      m_request.command = Command::kPrint;
+      m_request.text = command == "manual" ? ManualPage(m_app) : BashCompletion();
+    }
     if (command == "suite") m_suite->TakeSuite(m_words);
     if (command == "merge") m_suite->TakeMerge(m_words);
     if (m_json) m_request.form = Request::Form::kJson;
@@ -204,6 +186,7 @@ class CommandLine {
   StagingOptions m_staging;
   StagingOptions m_stagingAlone;
   bool m_json = false;
+  std::string m_shell;
   bool m_markdown = false;
   bool m_all = false;
 };
@@ -211,7 +194,7 @@ class CommandLine {
 // Throws UsageError when there is no such command, with a suggestion.
 void CheckCommand(const std::string& word) {
   std::vector<std::string_view> commands;
-  for (const Synopsis& each : kSynopses) commands.push_back(each.command);
+  for (const Synopsis& each : Synopses()) commands.push_back(each.command);
   if (std::find(commands.begin(), commands.end(), word) != commands.end()) return;
   std::string message = "no command is called \"" + word + "\"; ";
   const auto alike = NamesAlike(word, commands);
@@ -259,6 +242,11 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
 }  // namespace
 
 Request ParseRequest(std::span<const std::string> words) {
+  if (!words.empty() && words.front() == "complete") {
+    Request request;
+    request.text = CommandLine(request, words).Complete(words.subspan(1));
+    return request;
+  }
   std::vector<std::string> read(words.begin(), words.end());
   TurnHelpIntoOption(read);
   if (!read.empty() && !read.front().starts_with('-')) CheckCommand(read.front());

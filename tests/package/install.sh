@@ -20,6 +20,12 @@ while read -r header; do
   "$compiler" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$prefix/include" header.cc
 done <headers
 
+# man and bash find what they look for.
+export MANPATH=$prefix/share/man
+grep -q '^\.TH AUDIO_BENCH 1 ' "$MANPATH/man1/audio_bench.1"
+completion=$prefix/share/bash-completion/completions/audio_bench
+"$(dirname "$0")/completion.sh" "$prefix/bin/audio_bench" "$completion"
+
 # runs PROGRAM: it calls the entry of the installed library.
 runs() {
   LD_LIBRARY_PATH=$prefix/lib "$1" 2>log
