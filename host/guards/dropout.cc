@@ -50,7 +50,7 @@ std::optional<double> Missing(const Zeros& zeros, const Presence& presence, doub
 }
 
 double ActiveLevel(const ChannelSurvey& survey) {
-  const measures::Figure level = survey.active.Level();
+  const audio_measures::Figure level = survey.active.Level();
   return level.value ? *level.value : survey.level.Rms().value.value_or(0);
 }
 

@@ -15,7 +15,7 @@ namespace {
 double ActivePower(const std::vector<ChannelSurvey>& surveys) {
   double sum = 0;
   for (const ChannelSurvey& survey : surveys) {
-    const measures::Figure level = survey.active.Level();
+    const audio_measures::Figure level = survey.active.Level();
     if (level.value) sum += std::pow(10, *level.value / 10);
   }
   return sum / static_cast<double>(surveys.size());
@@ -48,7 +48,7 @@ void CheckSilence(const GuardInput& input, const Surveys& surveys, GuardHits& hi
   }
   if (input.input->Seconds() < kShortestJudged) return;
   for (size_t channel = 0; channel < surveys.output.size(); ++channel) {
-    const measures::Figure level = surveys.input[channel].level.Rms();
+    const audio_measures::Figure level = surveys.input[channel].level.Rms();
     if (!IsStill(surveys.output[channel]) || IsStill(surveys.input[channel]) ||
         level.value < kHeardLevel) {
       continue;
@@ -66,7 +66,7 @@ void CheckClipped(const GuardInput& input, const Surveys& surveys, GuardHits& hi
   double worst = 0;
   uint64_t runs = 0;
   for (size_t i = 0; i < surveys.output.size(); ++i) {
-    const measures::Clipped& clipped = surveys.output[i].clipped;
+    const audio_measures::Clipped& clipped = surveys.output[i].clipped;
     const double given =
         surveys.input.empty() ? 0 : surveys.input[i].clipped.Share().value.value_or(0);
     const double beyond = clipped.Share().value.value_or(0) - kMoreClipped * given;

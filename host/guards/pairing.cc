@@ -4,8 +4,8 @@
 #include <cmath>
 #include <optional>
 
-#include "measures/delay_finder.h"
-#include "measures/phase_fit.h"
+#include "audio_measures/delay_finder.h"
+#include "audio_measures/phase_fit.h"
 
 namespace host {
 
@@ -83,7 +83,7 @@ int Pairing::Source(int channel) const {
 
 Match Pairing::MatchOf(int channel, int source) const {
   const int64_t frames = std::max(m_input.Frames(), m_output.Frames());
-  measures::DelayFinder finder(m_least, m_most, static_cast<uint64_t>(frames));
+  audio_measures::DelayFinder finder(m_least, m_most, static_cast<uint64_t>(frames));
   std::vector<float> in(finder.ReferenceFrames());
   std::vector<float> out(finder.SignalFrames());
   for (const int64_t place :
@@ -93,9 +93,9 @@ Match Pairing::MatchOf(int channel, int source) const {
     finder.Add(in, out);
   }
   const auto peak = finder.Find();
-  if (!peak || peak->sharpness < measures::DelayFinder::kClear) return {};
+  if (!peak || peak->sharpness < audio_measures::DelayFinder::kClear) return {};
 
-  measures::PhaseFit phases;
+  audio_measures::PhaseFit phases;
   in.resize(kFit);
   out.resize(kFit);
   for (const int64_t place : Places(m_input.Frames(), kFit, kFits)) {

@@ -28,7 +28,7 @@ void AddBlock(std::span<const float> block, bool whole, bool integers, ChannelSu
   survey.active.Add(block);
   if (integers) survey.clipped.Add(block);
   if (!whole) return;
-  measures::Level level;
+  audio_measures::Level level;
   level.Add(block);
   // A block with a sample that is not finite has no mean.
   if (const auto mean = level.Dc().value) survey.offset.Add(*mean);
@@ -40,8 +40,8 @@ std::vector<ChannelSurvey> SurveyOf(const Signal& signal, int channels) {
   const bool each = channels == signal.channels;
   const float fullScale = 1 - std::ldexp(1.0F, 1 - std::max(signal.bits, 2));
   const ChannelSurvey fresh{.level = {},
-                            .active = measures::ActiveLevel(signal.rate),
-                            .clipped = measures::Clipped(fullScale)};
+                            .active = audio_measures::ActiveLevel(signal.rate),
+                            .clipped = audio_measures::Clipped(fullScale)};
   std::vector<ChannelSurvey> surveys(each ? static_cast<size_t>(channels) : 1, fresh);
   std::vector<float> block(static_cast<size_t>(std::max(1, signal.rate / 10)));
   const Track track(signal, signal.rate);

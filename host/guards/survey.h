@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "audio_measures/active_level.h"
+#include "audio_measures/clipped.h"
+#include "audio_measures/level.h"
 #include "guards/signal.h"
-#include "measures/active_level.h"
-#include "measures/clipped.h"
-#include "measures/level.h"
 
 namespace host {
 
@@ -26,9 +26,9 @@ class MeanOffset {
 
 // What can be said of one channel without looking at another.
 struct ChannelSurvey {
-  measures::Level level;
-  measures::ActiveLevel active;
-  measures::Clipped clipped;
+  audio_measures::Level level;
+  audio_measures::ActiveLevel active;
+  audio_measures::Clipped clipped;
   MeanOffset offset = {};  // By blocks of 0.1 s.
 };
 

@@ -5,9 +5,9 @@
 #include <functional>
 #include <vector>
 
+#include "audio_measures/true_peak.h"
 #include "guards/thresholds.h"
 #include "harness/format_name.h"
-#include "measures/true_peak.h"
 
 namespace host {
 
@@ -34,7 +34,7 @@ void ForEachBlock(const Signal& signal, const std::function<bool(std::span<const
 
 // dBTP of each channel; of silence, or where nothing can be said, minus infinity.
 std::vector<double> PeaksOf(const Signal& signal) {
-  measures::TruePeak peak(signal.channels, signal.rate);
+  audio_measures::TruePeak peak(signal.channels, signal.rate);
   ForEachBlock(signal, [&](std::span<const float> block) {
     peak.Add(block);
     return true;
@@ -66,7 +66,7 @@ void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& h
       limits[i] = std::max(limits[i], like + kMoreTruePeak);
     }
   }
-  measures::TruePeak peak(out.channels, out.rate);
+  audio_measures::TruePeak peak(out.channels, out.rate);
   size_t frames = 0;
   ForEachBlock(out, [&](std::span<const float> block) {
     peak.Add(block);

@@ -1,4 +1,4 @@
-#include "measures/active_level.h"
+#include "audio_measures/active_level.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 #include "measures/noise.h"
 
-namespace measures {
+namespace audio_measures {
 namespace {
 
 // Noise that is on for `on` s and off for `off` s, `times` times.
@@ -84,4 +84,4 @@ TEST(ActiveLevel, WhatCannotBeComputedSaysWhy) {
 }
 
 }  // namespace
-}  // namespace measures
+}  // namespace audio_measures

@@ -1,4 +1,4 @@
-#include "measures/alignment.h"
+#include "audio_measures/alignment.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "measures/noise.h"
 
-namespace measures {
+namespace audio_measures {
 namespace {
 
 constexpr int kRate = 48000;
@@ -93,4 +93,4 @@ TEST(Alignment, WhatCannotBeComputedSaysWhy) {
 }
 
 }  // namespace
-}  // namespace measures
+}  // namespace audio_measures

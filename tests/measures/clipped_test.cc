@@ -1,11 +1,11 @@
-#include "measures/clipped.h"
+#include "audio_measures/clipped.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <vector>
 
-namespace measures {
+namespace audio_measures {
 namespace {
 
 constexpr float kFull = 32767.0F / 32768;
@@ -63,4 +63,4 @@ TEST(Clipped, NothingHasNoShare) {
 }
 
 }  // namespace
-}  // namespace measures
+}  // namespace audio_measures

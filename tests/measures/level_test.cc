@@ -1,4 +1,4 @@
-#include "measures/level.h"
+#include "audio_measures/level.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-namespace measures {
+namespace audio_measures {
 namespace {
 
 Level Of(const std::vector<float>& samples) {
@@ -92,4 +92,4 @@ TEST(Level, WhatCannotBeComputedSaysWhy) {
 }
 
 }  // namespace
-}  // namespace measures
+}  // namespace audio_measures

@@ -4,7 +4,7 @@
 #include <complex>
 #include <random>
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -42,4 +42,4 @@ std::vector<float> Between(size_t samples, double rms, unsigned seed, double lat
   return {sum.begin(), sum.end()};
 }
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace measures {
+namespace audio_measures {
 
 // Noise with a normal distribution and an RMS of `rms`, the same for a seed on every machine.
 std::vector<float> Noise(size_t samples, double rms, unsigned seed);
@@ -12,4 +12,4 @@ std::vector<float> Noise(size_t samples, double rms, unsigned seed);
 // is known between its samples.
 std::vector<float> Between(size_t samples, double rms, unsigned seed, double later);
 
-}  // namespace measures
+}  // namespace audio_measures

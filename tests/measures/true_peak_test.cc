@@ -1,4 +1,4 @@
-#include "measures/true_peak.h"
+#include "audio_measures/true_peak.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-namespace measures {
+namespace audio_measures {
 namespace {
 
 // A sine at a quarter of the rate whose samples all lie 3 dB below its crest.
@@ -67,4 +67,4 @@ TEST(TruePeak, WhatCannotBeComputedSaysWhy) {
 }
 
 }  // namespace
-}  // namespace measures
+}  // namespace audio_measures

@@ -13,8 +13,9 @@ mv "$scratch/first" "$prefix"
 cd "$scratch/elsewhere"
 
 # Every header compiles by itself, by the name that a user includes.
-(cd "$prefix/include" && find audio_engine -name '*.h' | sort) >headers
+(cd "$prefix/include" && find audio_engine audio_measures -name '*.h' | sort) >headers
 grep -qxF audio_engine/engine_api/common/wav_reader.h headers
+grep -qxF audio_measures/compute.h headers
 while read -r header; do
   printf '#include <%s>\n' "$header" >header.cc
   "$compiler" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$prefix/include" header.cc
@@ -38,9 +39,32 @@ runs() {
   done
 }
 
+# measures PROGRAM: it has the installed library measure half of full scale.
+measures() {
+  local told
+  told=$(LD_LIBRARY_PATH=$prefix/lib "$1")
+  [[ $told == 'peak -6.02 dBFS' ]] || { echo "$1 says $told" >&2; exit 1; }
+}
+
 cat >consumer.cc <<'SOURCE'
 #include <audio_engine/catalogue/run_test_case.h>
 int main() { RunTestCase(); }
+SOURCE
+cat >listener.cc <<'SOURCE'
+#include <audio_measures/compute.h>
+#include <audio_measures/measure.h>
+
+#include <cstdio>
+#include <vector>
+
+int main() {
+  const std::vector<float> samples(48000, 0.5F);
+  const std::vector<std::string_view> names = {"peak"};
+  for (const auto& figure : audio_measures::Compute({.output = {48000, {samples}}}, names)) {
+    std::printf("%s %.2f %s\n", figure.name.data(), figure.figure.value.value_or(0),
+                audio_measures::FindMeasure(figure.name)->unit.data());
+  }
+}
 SOURCE
 
 # With pkg-config; the program asks for the library by the name of its interface's version.
@@ -50,12 +74,20 @@ read -ra flags <<<"$(pkg-config --cflags --libs audio_engine)"
 runs ./consumer
 readelf -d consumer >dynamic
 grep -qE 'NEEDED.*\[libaudio_engine\.so\.[0-9]+\]' dynamic
+read -ra flags <<<"$(pkg-config --cflags --libs audio_measures)"
+"$compiler" -std=c++20 listener.cc -o listener "${flags[@]}"
+measures ./listener
+readelf -d listener >dynamic
+grep -qE 'NEEDED.*\[libaudio_measures\.so\.[0-9]+\]' dynamic
 
 # With CMake; what an engine of one's own needs comes with it.
 cat >CMakeLists.txt <<'PROJECT'
 cmake_minimum_required(VERSION 3.25)
 project(consumer LANGUAGES CXX)
 find_package(audio_engine 0.2 REQUIRED)
+find_package(audio_measures 0.2 REQUIRED)
+add_executable(listener listener.cc)
+target_link_libraries(listener PRIVATE audio_measures::audio_measures)
 add_executable(consumer consumer.cc)
 target_link_libraries(consumer PRIVATE audio_engine::audio_engine)
 add_library(my_engine OBJECT my_engine.cc)
@@ -72,6 +104,7 @@ SOURCE
 "$cmake" -S . -B build -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix" >log
 "$cmake" --build build >log
 runs build/consumer
+measures build/listener
 
 "$prefix/bin/audio_bench" list >catalogue
 grep -q TestHRTF catalogue

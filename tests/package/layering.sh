@@ -27,7 +27,7 @@ api="engine_api/[a-z]+"
 
 allow audio_engine/core/engine_api "$standard|\"(\.\./[a-z]+/)?$name\""
 allow audio_engine/wave "$standard|$beside"
-allow measures "$library|\"measures/$name\""
+allow measures "$library|\"audio_measures/$name\""
 allow audio_engine/core/harness "$library|\"($api|harness)/$name\""
 # The routines of a group stand by themselves. Codec quality is measured on what routines of others
 # have resampled and gated.
@@ -69,7 +69,7 @@ for folder in base guards files recording process catalogue results report demo 
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
   [[ $folder == base ]] || core+='|catalogue/files'
-  measures='measures'
+  measures='audio_measures'
   [[ $folder == guards ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
@@ -77,6 +77,6 @@ allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$
 
 # Angle brackets are for the headers of others.
 if grep -rnE --include='*.h' --include='*.cc' \
-  'include[[:space:]]*<(engine_api|harness|bench|desktop|host|fake_engine|measures)/' \
+  'include[[:space:]]*<(engine_api|harness|bench|desktop|host|fake_engine|audio_measures)/' \
   audio_engine host measures tests >&2; then failed=1; fi
 exit $failed

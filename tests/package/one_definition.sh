@@ -6,7 +6,7 @@ set -euo pipefail
 
 cd "$1"
 # The layout of the sources puts what stands in a namespace at the start of its line.
-repeated=$(find audio_engine host -name '*.h' -print0 -o -name '*.cc' -print0 | sort -z |
+repeated=$(find audio_engine host measures -name '*.h' -print0 -o -name '*.cc' -print0 | sort -z |
   xargs -0 awk '
     FNR == 1 { depth = 0 }
     /^namespace( [A-Za-z_0-9:]+)? \{$/ { space[++depth] = $2 == "{" ? "unnamed" : $2; next }

@@ -10,7 +10,7 @@ import re
 import subprocess
 import sys
 
-NAMESPACES = {"bench", "declared", "desktop", "harness", "host", "measures", "statistics",
+NAMESPACES = {"audio_measures", "bench", "declared", "desktop", "harness", "host", "statistics",
               "wave"}
 LIBRARIES = {"__gnu_cxx", "CLI", "hwy", "nlohmann", "pugi", "soundtouch", "toml", "webrtc"}
 CALLBACK = re.compile(r"^class (\w+) : public I\w+Notify \{", re.M)
@@ -36,7 +36,8 @@ for header in core.glob("engine_api/*/*.h"):
     known.update(re.findall(r"\w+", re.sub("//.*", "", header.read_text(encoding="utf-8"))))
 failed = []
 own = [*core.glob("harness/*.h"), *core.glob("bench/*/*.h"), *core.glob("catalogue/*.h"),
-       *core.glob("../desktop/**/*.h"), *core.glob("../wave/*.h"), *core.glob("../../host/**/*.h")]
+       *core.glob("../desktop/**/*.h"), *core.glob("../wave/*.h"), *core.glob("../../host/**/*.h"),
+       *core.glob("../../measures/**/*.h")]
 for header in own:
     text = header.read_text(encoding="utf-8")
     known.update(CALLBACK.findall(text))

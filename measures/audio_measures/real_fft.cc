@@ -1,8 +1,8 @@
-#include "measures/real_fft.h"
+#include "audio_measures/real_fft.h"
 
 #include <kiss_fftr.h>
 
-namespace measures {
+namespace audio_measures {
 
 void RealFft::Free::operator()(kiss_fftr_state* plan) const { kiss_fftr_free(plan); }
 
@@ -19,4 +19,4 @@ void RealFft::Inverse(std::span<const std::complex<float>> bins, std::span<float
   kiss_fftri(m_inverse.get(), reinterpret_cast<const kiss_fft_cpx*>(bins.data()), samples.data());
 }
 
-}  // namespace measures
+}  // namespace audio_measures

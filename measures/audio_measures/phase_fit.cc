@@ -1,9 +1,9 @@
-#include "measures/phase_fit.h"
+#include "audio_measures/phase_fit.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -85,4 +85,4 @@ std::optional<PhaseFit::Fit> PhaseFit::Find(int polarity) const {
   return fit;
 }
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -1,10 +1,10 @@
-#include "measures/true_peak.h"
+#include "audio_measures/true_peak.h"
 
 #include <ebur128.h>
 
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 struct TruePeak::State {
   State(int channelCount, int rate)
@@ -56,4 +56,4 @@ Figure TruePeak::LastPeak(int channel) const {
   return m_state->Read(ebur128_prev_true_peak, channel);
 }
 
-}  // namespace measures
+}  // namespace audio_measures

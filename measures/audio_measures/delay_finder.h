@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "measures/real_fft.h"
+#include "audio_measures/real_fft.h"
 
-namespace measures {
+namespace audio_measures {
 
 // By how many whole samples a signal is later than its reference: the cross-correlation with its
 // phase transform (GCC-PHAT: C. Knapp, G. Carter, "The generalized correlation method for
@@ -50,4 +50,4 @@ class DelayFinder {
   std::vector<std::complex<float>> m_cross;
 };
 
-}  // namespace measures
+}  // namespace audio_measures

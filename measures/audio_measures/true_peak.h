@@ -3,9 +3,9 @@
 #include <memory>
 #include <span>
 
-#include "measures/figure.h"
+#include "audio_measures/figure.h"
 
-namespace measures {
+namespace audio_measures {
 
 inline constexpr int kTruePeakVersion = 1;
 
@@ -30,4 +30,4 @@ class TruePeak {
   std::unique_ptr<State> m_state;
 };
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -1,13 +1,13 @@
-#include "measures/alignment.h"
+#include "audio_measures/alignment.h"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "measures/delay_finder.h"
-#include "measures/phase_fit.h"
+#include "audio_measures/delay_finder.h"
+#include "audio_measures/phase_fit.h"
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -58,4 +58,4 @@ Alignment Align(std::span<const float> reference, std::span<const float> signal,
           .correlation = Known(std::fabs(fit->correlation))};
 }
 
-}  // namespace measures
+}  // namespace audio_measures

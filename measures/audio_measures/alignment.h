@@ -2,9 +2,9 @@
 
 #include <span>
 
-#include "measures/figure.h"
+#include "audio_measures/figure.h"
 
-namespace measures {
+namespace audio_measures {
 
 inline constexpr int kDelayVersion = 1;
 inline constexpr int kGainVersion = 1;
@@ -25,4 +25,4 @@ struct Alignment {
 Alignment Align(std::span<const float> reference, std::span<const float> signal, int rate,
                 double least, double most);
 
-}  // namespace measures
+}  // namespace audio_measures

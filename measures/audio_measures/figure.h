@@ -6,7 +6,7 @@
 // source in the literature, the unit, what input is valid, and the version, which is raised
 // whenever a figure changes. One thread, no files, no state beside the objects; samples are floats
 // with full scale at 1.
-namespace measures {
+namespace audio_measures {
 
 // A figure, or why there is none. What cannot be computed is never 0.
 struct Figure {
@@ -21,5 +21,8 @@ inline constexpr const char* kNoSamples = "no samples";
 inline constexpr const char* kSilence = "silence";
 inline constexpr const char* kNotFinite = "samples that are not finite";
 inline constexpr const char* kTooShort = "too short";
+inline constexpr const char* kWrongRate = "a rate that it is not defined for";
+inline constexpr const char* kOtherRate = "signals of different rates";
+inline constexpr const char* kOtherChannels = "signals of different channel counts";
 
-}  // namespace measures
+}  // namespace audio_measures

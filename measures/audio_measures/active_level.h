@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <span>
 
-#include "measures/figure.h"
+#include "audio_measures/figure.h"
 
-namespace measures {
+namespace audio_measures {
 
 inline constexpr int kActiveLevelVersion = 1;
 inline constexpr int kActivityVersion = 1;
@@ -44,4 +44,4 @@ class ActiveLevel {
   uint64_t m_samples = 0;
 };
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -1,9 +1,9 @@
-#include "measures/active_level.h"
+#include "audio_measures/active_level.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -84,4 +84,4 @@ Figure ActiveLevel::Activity() const {
   return Known(std::pow(10, (Decibels(mean) - *level.value) / 10));
 }
 
-}  // namespace measures
+}  // namespace audio_measures

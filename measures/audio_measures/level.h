@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <span>
 
-#include "measures/figure.h"
+#include "audio_measures/figure.h"
 
-namespace measures {
+namespace audio_measures {
 
 inline constexpr int kPeakVersion = 1;
 inline constexpr int kRmsVersion = 1;
@@ -38,4 +38,4 @@ class Level {
   double m_squares = 0;
 };
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -7,7 +7,7 @@
 
 struct kiss_fftr_state;
 
-namespace measures {
+namespace audio_measures {
 
 // Fourier transforms of real blocks, both directions; neither scales, so that there and back
 // multiplies by the size. Sizes are even.
@@ -39,4 +39,4 @@ std::complex<T> CrossBin(const std::complex<T>& a, const std::complex<T>& b) {
   return {a.real() * b.real() + a.imag() * b.imag(), a.real() * b.imag() - a.imag() * b.real()};
 }
 
-}  // namespace measures
+}  // namespace audio_measures

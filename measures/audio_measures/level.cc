@@ -1,9 +1,9 @@
-#include "measures/level.h"
+#include "audio_measures/level.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -84,4 +84,4 @@ Figure Level::Swing() const {
   return Known(static_cast<double>(m_highest) - static_cast<double>(m_lowest));
 }
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -4,9 +4,9 @@
 #include <optional>
 #include <span>
 
-#include "measures/figure.h"
+#include "audio_measures/figure.h"
 
-namespace measures {
+namespace audio_measures {
 
 inline constexpr int kClippedVersion = 1;
 
@@ -40,4 +40,4 @@ class Clipped {
   std::optional<uint64_t> m_first = {};
 };
 
-}  // namespace measures
+}  // namespace audio_measures

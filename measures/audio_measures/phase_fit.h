@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
-#include "measures/real_fft.h"
+#include "audio_measures/real_fft.h"
 
-namespace measures {
+namespace audio_measures {
 
 // What is left between two signals whose delay is known to a sample or two: the rest of the delay,
 // the gain, the polarity and how alike they are. The delay is the slope of the phase of their
@@ -46,4 +46,4 @@ class PhaseFit {
   std::vector<double> m_signalPower;
 };
 
-}  // namespace measures
+}  // namespace audio_measures

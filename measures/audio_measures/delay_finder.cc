@@ -1,10 +1,10 @@
-#include "measures/delay_finder.h"
+#include "audio_measures/delay_finder.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 namespace {
 
@@ -68,4 +68,4 @@ std::optional<DelayFinder::Peak> DelayFinder::Find() const {
   return peak;
 }
 
-}  // namespace measures
+}  // namespace audio_measures

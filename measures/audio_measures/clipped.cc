@@ -1,8 +1,8 @@
-#include "measures/clipped.h"
+#include "audio_measures/clipped.h"
 
 #include <cmath>
 
-namespace measures {
+namespace audio_measures {
 
 void Clipped::Add(std::span<const float> samples) {
   for (const float sample : samples) {
@@ -27,4 +27,4 @@ Figure Clipped::Share() const {
   return Known(static_cast<double>(m_clipped) / static_cast<double>(m_samples));
 }
 
-}  // namespace measures
+}  // namespace audio_measures

@@ -1,0 +1,97 @@
+#include "audio_measures/compute.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "audio_measures/measure.h"
+#include "measures/noise.h"
+
+namespace audio_measures {
+namespace {
+
+constexpr int kRate = 16000;
+
+// "name channel", with - for the programme or the mean, and the reason where there is no figure.
+std::vector<std::string> Told(const Inputs& inputs, std::vector<std::string_view> names) {
+  std::vector<std::string> told;
+  for (const NamedFigure& figure : Compute(inputs, names)) {
+    told.push_back(std::string(figure.name) + ' ' +
+                   (figure.channel ? std::to_string(*figure.channel) : "-"));
+    if (!figure.figure.value) told.back() += std::string(": ") + figure.figure.reason;
+  }
+  return told;
+}
+
+TEST(Compute, GivesAFigureForEachChannelInTheOrderOfTheNames) {
+  const std::vector<float> left(kRate, 0.5F);
+  const std::vector<float> right(kRate, -0.25F);
+  const Inputs inputs = {.output = {kRate, {left, right}}};
+  EXPECT_THAT(Told(inputs, {"dc", "peak"}),
+              testing::ElementsAre("dc 0", "dc 1", "peak 0", "peak 1"));
+  const std::vector<NamedFigure> figures = Compute(inputs, std::vector<std::string_view>{"dc"});
+  EXPECT_DOUBLE_EQ(figures[0].figure.value.value_or(0), 0.5);
+  EXPECT_DOUBLE_EQ(figures[1].figure.value.value_or(0), -0.25);
+}
+
+TEST(Compute, SaysWhyThereIsNoFigure) {
+  const std::vector<float> silence(kRate, 0.0F);
+  const std::vector<float> none;
+  std::vector<float> broken(kRate, 0.1F);
+  broken[7] = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_THAT(Told({.output = {kRate, {silence}}}, {"rms", "loudest", "rtf"}),
+              testing::ElementsAre("rms 0: silence", "loudest -: no such measure",
+                                   "rtf -: not to be had from samples, but from a run"));
+  EXPECT_THAT(Told({.output = {kRate, {broken}}}, {"rms"}),
+              testing::ElementsAre("rms 0: samples that are not finite"));
+  EXPECT_THAT(Told({.output = {kRate, {none}}}, {"rms"}),
+              testing::ElementsAre("rms -: no samples"));
+  EXPECT_THAT(Told({.output = {99, {broken}}}, {"rms"}),
+              testing::ElementsAre("rms -: a rate that it is not defined for"));
+}
+
+// Two channels of noise of two seconds, and all else that measures ask for.
+struct Everything {
+  std::vector<float> reference = Between(size_t{30} * kRate, 0.1, 1, 0);
+  std::vector<float> output = Between(size_t{30} * kRate, 0.1, 1, 0.5);
+  Inputs inputs = {.output = {kRate, {output, output}},
+                   .reference = {kRate, {reference, reference}},
+                   .far = {kRate, {reference, reference}},
+                   .near = {kRate, {reference, reference}},
+                   .input = {kRate, {reference, reference}}};
+};
+
+// What the list says is computed is computed, or refused for a reason of its own.
+TEST(Compute, KnowsAllThatTheListSaysIsComputed) {
+  const Everything everything;
+  for (const Measure& measure : AllMeasures()) {
+    if (measure.version == 0) continue;
+    const std::vector<NamedFigure> figures =
+        Compute(everything.inputs, std::vector<std::string_view>{measure.name});
+    EXPECT_FALSE(figures.empty()) << measure.name;
+    for (const NamedFigure& figure : figures) {
+      EXPECT_NE(figure.figure.value.has_value(), figure.figure.reason[0] != '\0') << measure.name;
+      EXPECT_TRUE(std::isfinite(figure.figure.value.value_or(0))) << measure.name;
+    }
+  }
+}
+
+TEST(Compute, SaysWhichSignalIsMissing) {
+  Everything everything;
+  everything.inputs.reference = everything.inputs.far = everything.inputs.near =
+      everything.inputs.input = {};
+  for (const Measure& measure : AllMeasures()) {
+    if (measure.version == 0 || measure.needs == kNothing) continue;
+    const std::vector<NamedFigure> figures =
+        Compute(everything.inputs, std::vector<std::string_view>{measure.name});
+    ASSERT_EQ(figures.size(), 1U) << measure.name;
+    EXPECT_THAT(figures[0].figure.reason, testing::StartsWith("no ")) << measure.name;
+  }
+}
+
+}  // namespace
+}  // namespace audio_measures
