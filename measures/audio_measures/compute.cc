@@ -44,13 +44,7 @@ constexpr NeededSignal kSignals[] = {{kReference, &Inputs::reference, "no refere
                                      {kNear, &Inputs::near, "no near end"},
                                      {kInput, &Inputs::input, "no input"}};
 
-bool IsFinite(const Signal& signal) {
-  float sum = 0;
-  for (const std::span<const float> samples : signal.channels) {
-    for (const float sample : samples) sum += sample * 0;
-  }
-  return sum == 0;
-}
+bool IsFinite(const Signal& signal) { return std::ranges::all_of(signal.channels, AreFinite); }
 
 // What of the inputs can be measured at all, looked at once for all measures.
 class Checker {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <bit>
+#include <cstdint>
 #include <optional>
+#include <span>
 
 // Measures of audio: what can be said of samples in figures. Each header states the definition, its
 // source in the literature, the unit, what input is valid, and the version, which is raised
@@ -15,11 +18,21 @@ struct Figure {
 };
 
 inline Figure Known(double value) { return {.value = value}; }
+// All bits of the exponent are set in what is not finite, and one more makes them overflow.
+inline bool AreFinite(std::span<const float> samples) {
+  uint32_t overflows = 0;
+  for (const float sample : samples) {
+    overflows |= (std::bit_cast<uint32_t>(sample) & 0x7F800000U) + 0x00800000U;
+  }
+  return (overflows & 0x80000000U) == 0;
+}
+
 inline Figure Unknown(const char* reason) { return {.reason = reason}; }
 
 inline constexpr const char* kNoSamples = "no samples";
 inline constexpr const char* kSilence = "silence";
 inline constexpr const char* kNotFinite = "samples that are not finite";
+inline constexpr const char* kBelowGate = "nothing above the gate";
 inline constexpr const char* kTooShort = "too short";
 inline constexpr const char* kWrongRate = "a rate that it is not defined for";
 inline constexpr const char* kOtherRate = "signals of different rates";

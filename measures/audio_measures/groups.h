@@ -14,6 +14,7 @@ class Collector {
  public:
   explicit Collector(std::vector<std::string_view> wanted) : m_wanted(std::move(wanted)) {}
 
+  std::span<const std::string_view> Wanted() const { return m_wanted; }
   bool Wants(std::string_view name) const;
   // Whether any of them is wanted, for what several measures share.
   bool WantsAnyOf(std::span<const Measure> measures) const;

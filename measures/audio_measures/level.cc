@@ -74,6 +74,12 @@ Figure Level::Rms() const {
   return Known(10 * std::log10(m_squares / static_cast<double>(m_samples)));
 }
 
+Figure Level::Crest() const {
+  const Figure peak = Peak();
+  const Figure rms = Rms();
+  return peak.value && rms.value ? Known(*peak.value - *rms.value) : peak;
+}
+
 Figure Level::Dc() const {
   if (const char* fault = Fault()) return Unknown(fault);
   return Known(m_sum / static_cast<double>(m_samples));

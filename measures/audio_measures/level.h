@@ -9,22 +9,25 @@ namespace audio_measures {
 
 inline constexpr int kPeakVersion = 1;
 inline constexpr int kRmsVersion = 1;
+inline constexpr int kCrestVersion = 1;
 inline constexpr int kDcVersion = 1;
 inline constexpr int kSwingVersion = 1;
 
-// peak, rms, dc and swing of one channel, in one pass. Any rate, one sample or more, all of them
-// finite.
+// peak, rms, crest, dc and swing of one channel, in one pass. Any rate, one sample or more, all of
+// them finite.
 //   peak  20 log10(max |x|), dBFS.
 //   rms   10 log10(mean x^2), dBFS: a square wave of full scale has 0, a sine -3.01 (not the scale
 //         of AES17, which gives the sine 0).
+//   crest peak less rms, dB: a sine has 3.01.
 //   dc    mean x, as a share of full scale.
 //   swing max x - min x, as a share of full scale.
 class Level {
  public:
   void Add(std::span<const float> samples);
 
-  Figure Peak() const;  // Unknown for silence, as is Rms.
+  Figure Peak() const;  // Unknown for silence, as are Rms and Crest.
   Figure Rms() const;
+  Figure Crest() const;
   Figure Dc() const;
   Figure Swing() const;  // From the lowest sample to the highest.
 

@@ -1,7 +1,13 @@
+#include <algorithm>
+
 #include "audio_measures/active_level.h"
+#include "audio_measures/bandwidth.h"
 #include "audio_measures/clipped.h"
 #include "audio_measures/groups.h"
 #include "audio_measures/level.h"
+#include "audio_measures/level_meter.h"
+#include "audio_measures/loudness.h"
+#include "audio_measures/noise_floor.h"
 #include "audio_measures/true_peak.h"
 
 namespace audio_measures {
@@ -34,12 +40,14 @@ constexpr Measure kMeasures[] = {
      .unit = "LUFS",
      .definition = "The gated loudness of the whole programme.",
      .source = "ITU-R BS.1770-4; EBU R 128",
+     .version = kLoudnessVersion,
      .margin = 0.1,
      .leastSeconds = 0.4},
     {.name = "loudness_range",
      .unit = "LU",
      .definition = "How far soft and loud passages of the programme lie apart.",
      .source = "EBU Tech 3342",
+     .version = kLoudnessRangeVersion,
      .margin = 0.5,
      .leastSeconds = 3},
     {.name = "active_level",
@@ -68,12 +76,14 @@ constexpr Measure kMeasures[] = {
      .better = Better::kLower,
      .definition = "The RMS that a tenth of the blocks of 20 ms stay below.",
      .source = "10th percentile, linear between ranks (R. Hyndman, Y. Fan, 1996, type 7)",
+     .version = kNoiseFloorVersion,
      .margin = 0.5,
      .leastSeconds = 0.2},
     {.name = "crest",
      .unit = "dB",
      .definition = "How far the largest sample stands above the root of the mean square.",
      .source = "IEC 60268-1",
+     .version = kCrestVersion,
      .margin = 0.1,
      .lowestRate = 100},
     {.name = "clipped",
@@ -88,6 +98,7 @@ constexpr Measure kMeasures[] = {
      .unit = "Hz",
      .definition = "The frequency below which 99 % of the energy lies.",
      .source = "P. Welch, IEEE Trans. AU 15(2), 1967; ITU-R SM.328, occupied bandwidth",
+     .version = kBandwidthVersion,
      .margin = 50,
      .leastSeconds = 0.6},
     {.name = "bandwidth_40db",
@@ -95,38 +106,28 @@ constexpr Measure kMeasures[] = {
      .definition = "The highest frequency at which the long-term spectrum is within 40 dB of its "
                    "maximum.",
      .source = "P. Welch, IEEE Trans. AU 15(2), 1967",
+     .version = kBandwidth40DbVersion,
      .margin = 100,
      .leastSeconds = 0.6},
 };
 
-// One channel, in one pass.
-void AddChannel(const Inputs& inputs, int channel, Collector& collector) {
-  const std::span<const float> samples = inputs.output.channels[static_cast<size_t>(channel)];
-  const int rate = inputs.output.rate;
-  Level level;
-  level.Add(samples);
-  collector.Add("peak", channel, level.Peak());
-  collector.Add("rms", channel, level.Rms());
-  collector.Add("dc", channel, level.Dc());
-  if (collector.Wants("true_peak")) {
-    TruePeak peak(1, rate);
-    peak.Add(samples);
-    collector.Add("true_peak", channel, peak.Peak(0));
-  }
-  if (collector.Wants("active_level") || collector.Wants("activity")) {
-    ActiveLevel active(rate);
-    active.Add(samples);
-    collector.Add("active_level", channel, active.Level());
-    collector.Add("activity", channel, active.Activity());
-  }
-  Clipped clipped(inputs.fullScale);
-  clipped.Add(samples);
-  collector.Add("clipped", channel, clipped.Share());
-}
+constexpr size_t kBlock = 4096;  // Frames.
 
 void ComputeLevels(const Inputs& inputs, Collector& collector) {
-  for (size_t i = 0; i < inputs.output.channels.size(); ++i) {
-    AddChannel(inputs, static_cast<int>(i), collector);
+  const Signal& output = inputs.output;
+  const size_t channels = output.channels.size();
+  LevelMeter meter(static_cast<int>(channels), output.rate, inputs.fullScale, collector.Wanted());
+  std::vector<float> frames;
+  for (size_t start = 0; start < output.Frames(); start += kBlock) {
+    const size_t count = std::min(kBlock, output.Frames() - start);
+    frames.resize(count * channels);
+    for (size_t i = 0; i < frames.size(); ++i) {
+      frames[i] = output.channels[i % channels][start + i / channels];
+    }
+    meter.Add(frames);
+  }
+  for (const NamedFigure& figure : meter.Figures()) {
+    collector.Add(figure.name, figure.channel, figure.figure);
   }
 }
 

@@ -42,9 +42,7 @@ TruePeak& TruePeak::operator=(TruePeak&&) noexcept = default;
 void TruePeak::Add(std::span<const float> frames) {
   State& state = *m_state;
   if (state.meter == nullptr || frames.empty()) return;
-  float sum = 0;
-  for (const float sample : frames) sum += sample * 0;
-  state.finite = state.finite && sum == 0;
+  state.finite = state.finite && AreFinite(frames);
   state.any = true;
   if (state.finite)
     ebur128_add_frames_float(state.meter, frames.data(), frames.size() / state.channels);

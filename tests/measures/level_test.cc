@@ -28,6 +28,7 @@ TEST(Level, OfASineIsItsAmplitudeAndThreeDecibelsLess) {
   const Level level = Of(Sine(0.5, 4800));
   EXPECT_NEAR(*level.Peak().value, -6.0206, 1e-4);
   EXPECT_NEAR(*level.Rms().value, -6.0206 - 3.0103, 1e-4);
+  EXPECT_NEAR(*level.Crest().value, 3.0103, 1e-4);
   EXPECT_NEAR(*level.Dc().value, 0, 1e-7);
 }
 

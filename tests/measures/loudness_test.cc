@@ -1,0 +1,89 @@
+#include "audio_measures/loudness.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace audio_measures {
+namespace {
+
+constexpr int kRate = 48000;
+
+// Sines of 1 kHz one after the other, each of `levels` in dBFS of its crest, one per channel.
+struct Tone {
+  double seconds;
+  std::vector<double> levels;
+};
+
+Loudness Of(const std::vector<Tone>& tones) {
+  Loudness loudness(static_cast<int>(tones.front().levels.size()), kRate);
+  size_t place = 0;
+  for (const Tone& tone : tones) {
+    std::vector<float> frames;
+    for (const size_t end = place + static_cast<size_t>(tone.seconds * kRate); place < end;
+         ++place) {
+      const double sine = std::sin(2 * M_PI * 1000 * static_cast<double>(place % kRate) / kRate);
+      for (const double level : tone.levels) {
+        frames.push_back(static_cast<float>(std::pow(10, level / 20) * sine));
+      }
+    }
+    loudness.Add(frames);
+  }
+  return loudness;
+}
+
+Tone Stereo(double seconds, double level) { return {seconds, {level, level}}; }
+
+double Integrated(const std::vector<Tone>& tones) { return *Of(tones).Integrated().value; }
+double Range(const std::vector<Tone>& tones) { return *Of(tones).Range().value; }
+
+// EBU Tech 3341, table 1, cases 1 to 6, whose tolerance is 0.1 LU.
+TEST(Loudness, OfTheCasesOfTech3341) {
+  EXPECT_NEAR(Integrated({Stereo(20, -23)}), -23, 0.1);
+  EXPECT_NEAR(Integrated({Stereo(20, -33)}), -33, 0.1);
+  EXPECT_NEAR(Integrated({Stereo(10, -36), Stereo(60, -23), Stereo(10, -36)}), -23, 0.1);
+  EXPECT_NEAR(Integrated({Stereo(10, -72), Stereo(10, -36), Stereo(60, -23), Stereo(10, -36),
+                          Stereo(10, -72)}),
+              -23, 0.1);
+  EXPECT_NEAR(Integrated({Stereo(20, -26), Stereo(20.1, -20), Stereo(20, -26)}), -23, 0.1);
+  EXPECT_NEAR(Integrated({{20, {-28, -28, -24, -30, -30}}}), -23, 0.1);
+}
+
+// EBU Tech 3342, cases 1 to 4, whose tolerance is 1 LU.
+TEST(Loudness, RangeOfTheCasesOfTech3342) {
+  EXPECT_NEAR(Range({Stereo(20, -20), Stereo(20, -30)}), 10, 1);
+  EXPECT_NEAR(Range({Stereo(20, -20), Stereo(20, -15)}), 5, 1);
+  EXPECT_NEAR(Range({Stereo(20, -40), Stereo(20, -20)}), 20, 1);
+  EXPECT_NEAR(
+      Range({Stereo(20, -50), Stereo(20, -35), Stereo(20, -20), Stereo(20, -35), Stereo(20, -50)}),
+      15, 1);
+}
+
+TEST(Loudness, OfOneChannelIsNotThatOfTwo) {
+  EXPECT_NEAR(Integrated({{20, {-23}}}), -23 - 3.01, 0.1);
+}
+
+std::string Reason(const Figure& figure) { return figure.value ? "a value" : figure.reason; }
+
+TEST(Loudness, WhatCannotBeComputedSaysWhy) {
+  EXPECT_EQ(Reason(Loudness(2, kRate).Integrated()), kNoSamples);
+  EXPECT_EQ(Reason(Loudness(0, kRate).Integrated()),
+            "a rate or channel count that is out of range");
+  EXPECT_EQ(Reason(Of({Stereo(0.39, -20)}).Integrated()), kTooShort);
+  EXPECT_EQ(Reason(Of({Stereo(0.4, -20)}).Integrated()), "a value");
+  EXPECT_EQ(Reason(Of({Stereo(2.9, -20)}).Range()), kTooShort);
+  EXPECT_EQ(Reason(Of({Stereo(5, -80)}).Integrated()), kBelowGate);
+  EXPECT_EQ(Reason(Of({Stereo(5, -80)}).Range()), kBelowGate);
+  Loudness broken(1, kRate);
+  std::vector<float> samples(kRate, 0.1F);
+  samples[100] = std::numeric_limits<float>::infinity();
+  broken.Add(samples);
+  EXPECT_EQ(Reason(broken.Integrated()), kNotFinite);
+  EXPECT_EQ(Reason(broken.Range()), kNotFinite);
+}
+
+}  // namespace
+}  // namespace audio_measures
