@@ -17,19 +17,6 @@ constexpr size_t kMaxRecordBytes = 100'000'000;
 
 std::string RecordPath(const std::string& workspace) { return workspace + "/" + kStagedRecord; }
 
-Json ToJson(const StagedFile& file) {
-  Json steps = Json::array();
-  for (const StagingStep& step : file.steps) {
-    Json one = {{"step", step.name}, {"text", step.text}};
-    if (step.value) one["value"] = *step.value;
-    if (!step.unit.empty()) one["unit"] = step.unit;
-    steps.push_back(one);
-  }
-  return {{"place", file.place},   {"sha256", file.digest}, {"bytes", file.bytes},
-          {"source", file.source}, {"was", file.was},       {"source_sha256", file.sourceDigest},
-          {"steps", steps}};
-}
-
 StagedFile FromJson(const Json& json) {
   StagedFile file = {.place = json.at("place"),
                      .digest = json.at("sha256"),
@@ -47,6 +34,19 @@ StagedFile FromJson(const Json& json) {
 }
 
 }  // namespace
+
+Json StagedJson(const StagedFile& file) {
+  Json steps = Json::array();
+  for (const StagingStep& step : file.steps) {
+    Json one = {{"step", step.name}, {"text", step.text}};
+    if (step.value) one["value"] = *step.value;
+    if (!step.unit.empty()) one["unit"] = step.unit;
+    steps.push_back(one);
+  }
+  return {{"place", file.place},   {"sha256", file.digest}, {"bytes", file.bytes},
+          {"source", file.source}, {"was", file.was},       {"source_sha256", file.sourceDigest},
+          {"steps", steps}};
+}
 
 std::string StagedFile::Line() const {
   std::string line = "staged  " + place + "  from " + source + " (" + was + "): ";
@@ -79,7 +79,7 @@ bool AddToStagedRecord(const std::string& workspace, const std::vector<StagedFil
     }
   }
   Json list = Json::array();
-  for (const StagedFile& file : all) list.push_back(ToJson(file));
+  for (const StagedFile& file : all) list.push_back(StagedJson(file));
   const Json record = {{"schema_version", kRecordVersion}, {"files", list}};
   const mode_t mask = umask(0);
   umask(mask);

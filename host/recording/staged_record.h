@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/json_parts.h"
+
 namespace host {
 
 // Something that was done with a recording.
@@ -28,6 +30,9 @@ struct StagedFile {
   // "staged  near.wav  from song.flac (FLAC, ..., 12.50 s): resampled from ... Hz, 0.3 dB softer".
   std::string Line() const;
 };
+
+// What the record and the report of a run say of such a file.
+Json StagedJson(const StagedFile& file);
 
 // The record of what was put into a workspace: the file staged.json in it.
 inline constexpr const char* kStagedRecord = "staged.json";

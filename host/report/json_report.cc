@@ -3,6 +3,10 @@
 #include "base/json_parts.h"
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
+#include "recording/staged_record.h"
+#include "report/built_with.h"
+#include "report/environment.h"
+#include "report/libraries.h"
 #include "report/origin.h"
 #include "report/report.h"
 
@@ -49,6 +53,12 @@ std::string NoAudioReason(const FileReport& file) {
   return file.unmeasured.empty() ? "not measured" : file.unmeasured;
 }
 
+// What an input was made of.
+Json StagedFileJson(const FileReport& file) {
+  if (!file.staged) return NoFact("it was not put there from a recording");
+  return {{"value", StagedJson(*file.staged)}};
+}
+
 Json CausesJson(const std::vector<Problem>& problems) {
   Json json = Json::array();
   for (const Problem& problem : problems) json.push_back(CauseName(problem.cause));
@@ -69,6 +79,7 @@ Json FileJson(const FileReport& file) {
       {"pattern", file.place.use.pattern},
       {"problems", CausesJson(file.problems)},
       {"container", ContainerName(file.place.use.container)},
+      {"sha256", Fact(file.digest, file.absent ? "absent" : file.undigested)},
       {"size", file.bytes ? Count(*file.bytes, "bytes") : Figure(std::nullopt, "bytes", reason)},
       {"samples", decoded ? Fact(std::string(SampleTypeName(*audio->samples)), "")
                           : NoFact(audio ? "of another type" : reason)},
@@ -111,10 +122,25 @@ Json GuardsJson(const std::vector<FileReport>& outputs) {
   return json;
 }
 
-Json FilesJson(const std::vector<FileReport>& files) {
+Json InputsJson(const std::vector<FileReport>& files) {
+  Json json = Json::array();
+  for (const FileReport& file : files) {
+    json.push_back(FileJson(file));
+    json.back()["staged"] = StagedFileJson(file);
+  }
+  return json;
+}
+
+Json OutputsJson(const std::vector<FileReport>& files) {
   Json json = Json::array();
   for (const FileReport& file : files) json.push_back(FileJson(file));
   return json;
+}
+
+Json BuildJson() {
+  return {{"compiler", built_with::kCompiler},
+          {"type", built_with::kType},
+          {"flags", Fact(built_with::kFlags, "none")}};
 }
 
 Json SignalJson(const Problem* problem) {
@@ -175,7 +201,12 @@ void AddFigures(const RunReport& report, Json& json) {
 std::string JsonReport(const RunReport& report) {
   Json json = {{"schema_version", kReportSchema}};
   json.update(OriginJson());
+  json["build"] = BuildJson();
+  json["libraries"] = LibrariesJson();
+  json["environment"] = EnvironmentJson();
   json["started"] = report.started;
+  json["directory"] = report.directory;
+  json["command"] = report.command;
   json["workspace"] = report.workspace;
   json["time_limit"] = Figure(report.timeout > 0 ? std::optional(report.timeout) : std::nullopt,
                               "s", "the command line was refused");
@@ -186,8 +217,8 @@ std::string JsonReport(const RunReport& report) {
   json["log"] = report.log;
   json["results"] = ResultsJson(report.results);
   json["guards"] = GuardsJson(report.outputs);
-  json["inputs"] = FilesJson(report.inputs);
-  json["outputs"] = FilesJson(report.outputs);
+  json["inputs"] = InputsJson(report.inputs);
+  json["outputs"] = OutputsJson(report.outputs);
   return JsonText(json);
 }
 

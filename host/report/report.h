@@ -57,6 +57,10 @@ struct FileReport {
   bool changed = false;               // An input during the run, an output while it was looked at.
   std::vector<GuardHit> guards = {};  // That an output hits.
   bool figures = true;                // Whether those of its channels were asked for.
+  // SHA-256: of an input before the run, of an output after it.
+  std::string digest = {};
+  std::string undigested = "not looked at";  // Why there is none.
+  std::optional<StagedFile> staged = {};     // An input that is what was put in its place.
 };
 
 // Why a run goes no further, where that is known before its routine has been started.
@@ -72,6 +76,8 @@ struct RunReport {
   double timeout = 0;          // Seconds; 0 when the command line was refused.
   std::string routine = {};
   std::vector<std::string> arguments = {};
+  std::string directory = {};             // In which audio_bench was called.
+  std::vector<std::string> command = {};  // That runs it again there; empty when it was refused.
   Judgement judgement = {};
   std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
   std::string log = {};                      // Its path; empty when the routine was not run.

@@ -28,6 +28,7 @@ struct Case {
   std::vector<std::string> out = {};
   StageWishes wishes = {};
   Color color = Color::kAuto;  // Of the verdict.
+  bool digests = false;        // Of its files; a report always has them.
   bool temporary = false;      // `work` is a folder that the run makes, and removes if it may.
 };
 

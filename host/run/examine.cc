@@ -13,6 +13,7 @@
 #include "files/regular_file.h"
 #include "files/wave_copy.h"
 #include "run/collect_results.h"
+#include "run/digest_files.h"
 #include "run/guard_outputs.h"
 #include "run/stopped.h"
 
@@ -61,6 +62,7 @@ FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) 
   if (report.state != OutputState::kWritten) return report;
   const FileState written(place.path);
   Look(report, m_plan.what.wav);
+  if (m_plan.WantsDigests()) DigestOutput(m_limits, report);
   report.changed = !written.SameContent(FileState(place.path));
   return report;
 }

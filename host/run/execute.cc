@@ -10,6 +10,7 @@
 #include "base/usage_error.h"
 #include "engine/engine_work.h"
 #include "process/progress.h"
+#include "run/digest_files.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -66,6 +67,7 @@ void LookAndRun(const Plan& plan, Limits& limits, Executed& executed) {
     EndAtLimits(limits, plan.timeout, "reading its inputs");
     executed.inputsBefore.emplace_back(input.place.path);
   }
+  if (plan.WantsDigests()) DigestInputs(plan, limits, executed.checked.inputs);
   for (const FilePlace& output : plan.outputs) {
     EndAtLimits(limits, plan.timeout, "reading its earlier outputs");
     executed.outputsBefore.emplace_back(output);

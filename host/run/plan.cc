@@ -1,9 +1,13 @@
 #include "run/plan.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "base/units.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "recording/delivery.h"
+#include "run/command_words.h"
 #include "run/inputs.h"
 #include "run/shared_files.h"
 #include "run/stopped.h"
@@ -58,6 +62,12 @@ void FillIn(Plan& plan) {
   plan.fruitless = harness::Fruitless(row, words);
 }
 
+// Empty when it has been removed.
+std::string CurrentFolder() {
+  std::error_code error;
+  return std::filesystem::current_path(error).string();
+}
+
 }  // namespace
 
 ArgumentList Plan::Words() const { return {what.arguments.begin(), what.arguments.end()}; }
@@ -74,6 +84,8 @@ RunReport ReportOf(const Plan& plan) {
           .timeout = plan.timeout,
           .routine = plan.what.routine,
           .arguments = plan.what.arguments,
+          .directory = CurrentFolder(),
+          .command = CommandWords(plan.what),
           .strict = plan.what.strict,
           .fruitless = plan.fruitless,
           .stop = plan.stop};

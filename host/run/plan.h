@@ -35,6 +35,9 @@ struct Plan {
   // The arguments, which are those of the case.
   ArgumentList Words() const;
 
+  // Whether the SHA-256 of its files is asked for.
+  bool WantsDigests() const { return !what.json.empty() || what.digests; }
+
   WorkFile Log() const { return {what.work, "logs/" + what.routine + ".log"}; }
 };
 

@@ -57,6 +57,13 @@ Json Digest(const std::string& path) {
   return TextOrNull(digest.digest);
 }
 
+// What the report says, or else the file.
+Json DigestOf(const Json& output, const std::string& path) {
+  const Json told = output.value("sha256", Json::object());
+  const Json digest = told.is_object() ? told.value("value", Json()) : Json();
+  return digest.is_string() ? digest : Digest(path);
+}
+
 // The outputs that are there.
 Json OutputsOf(const Json& report, const std::string& folder) {
   Json outputs = Json::array();
@@ -66,7 +73,7 @@ Json OutputsOf(const Json& report, const std::string& folder) {
     if (path.empty() || !fs::is_regular_file(path, error)) continue;
     outputs.push_back({{"name", output.value("name", "")},
                        {"path", fs::path(path).lexically_relative(folder).string()},
-                       {"sha256", Digest(path)}});
+                       {"sha256", DigestOf(output, path)}});
   }
   return outputs;
 }
