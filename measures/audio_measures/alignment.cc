@@ -4,21 +4,13 @@
 #include <cmath>
 #include <vector>
 
+#include "audio_measures/copy_samples.h"
 #include "audio_measures/delay_finder.h"
 #include "audio_measures/phase_fit.h"
 
 namespace audio_measures {
 
 namespace {
-
-// `count` samples from `first` on, with 0 beyond the ends.
-void Copy(std::span<const float> samples, int64_t first, std::span<float> to) {
-  const auto size = static_cast<int64_t>(samples.size());
-  const int64_t begin = std::clamp<int64_t>(first, 0, size);
-  const int64_t end = std::clamp<int64_t>(first + static_cast<int64_t>(to.size()), begin, size);
-  std::ranges::fill(to, 0.0F);
-  std::copy(samples.begin() + begin, samples.begin() + end, to.begin() + (begin - first));
-}
 
 Alignment NoAlignment(const char* reason) {
   return {Unknown(reason), Unknown(reason), Unknown(reason), Unknown(reason)};
@@ -35,8 +27,8 @@ Alignment Align(std::span<const float> reference, std::span<const float> signal,
   std::vector<float> referenceBlock(finder.ReferenceFrames());
   std::vector<float> signalBlock(finder.SignalFrames());
   for (size_t place = 0; place < reference.size(); place += referenceBlock.size()) {
-    Copy(reference, static_cast<int64_t>(place), referenceBlock);
-    Copy(signal, static_cast<int64_t>(place) + first, signalBlock);
+    CopySamples(reference, static_cast<int64_t>(place), referenceBlock);
+    CopySamples(signal, static_cast<int64_t>(place) + first, signalBlock);
     finder.Add(referenceBlock, signalBlock);
   }
   const auto peak = finder.Find();

@@ -23,18 +23,9 @@ size_t WindowSamples(int rate) {
 
 Bandwidth::Bandwidth(int rate)
     : m_rate(rate),
-      m_fft(WindowSamples(rate)),
-      m_window(m_fft.Size()),
-      m_block(m_fft.Size()),
-      m_windowed(m_fft.Size()),
-      m_bins(m_fft.Bins()),
-      m_power(m_fft.Bins()) {
-  const auto size = static_cast<double>(m_window.size());
-  for (size_t i = 0; i < m_window.size(); ++i) {
-    m_window[i] =
-        static_cast<float>(0.5 - 0.5 * std::cos(2 * M_PI * static_cast<double>(i) / size));
-  }
-}
+      m_spectrum(Hann(WindowSamples(rate)), WindowSamples(rate)),
+      m_block(m_spectrum.WindowSize()),
+      m_power(m_spectrum.Bins()) {}
 
 void Bandwidth::Add(std::span<const float> samples) {
   m_any = m_any || !samples.empty();
@@ -53,11 +44,10 @@ void Bandwidth::Add(std::span<const float> samples) {
 }
 
 void Bandwidth::Transform() {
-  for (size_t i = 0; i < m_block.size(); ++i) m_windowed[i] = m_block[i] * m_window[i];
-  m_fft.Forward(m_windowed, m_bins);
-  for (size_t i = kFirstBin; i < m_bins.size(); ++i) {
-    const bool once = i + 1 == m_bins.size();
-    m_power[i] += static_cast<double>(std::norm(m_bins[i])) * (once ? 1 : 2);
+  const std::span<const float> power = m_spectrum.PowerOf(m_block);
+  for (size_t i = kFirstBin; i < power.size(); ++i) {
+    const bool once = i + 1 == power.size();
+    m_power[i] += static_cast<double>(power[i]) * (once ? 1 : 2);
   }
   m_whole = true;
 }
@@ -80,7 +70,7 @@ Figure Bandwidth::OfEnergy() const {
   // the lower half alone.
   const double width = bin + 1 == m_power.size() ? 0.5 : 1;
   const double place = static_cast<double>(bin) - 0.5 + width * left / m_power[bin];
-  return Known(place * m_rate / static_cast<double>(m_fft.Size()));
+  return Known(place * m_rate / static_cast<double>(m_block.size()));
 }
 
 Figure Bandwidth::Of40Db() const {
@@ -94,7 +84,7 @@ Figure Bandwidth::Of40Db() const {
   if (bin + 1 < density.size() && density[bin + 1] > 0) {
     place += std::log(density[bin] / limit) / std::log(density[bin] / density[bin + 1]);
   }
-  return Known(place * m_rate / static_cast<double>(m_fft.Size()));
+  return Known(place * m_rate / static_cast<double>(m_block.size()));
 }
 
 }  // namespace audio_measures

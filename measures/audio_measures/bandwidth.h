@@ -1,11 +1,10 @@
 #pragma once
 
-#include <complex>
 #include <span>
 #include <vector>
 
 #include "audio_measures/figure.h"
-#include "audio_measures/real_fft.h"
+#include "audio_measures/windowed_spectrum.h"
 
 namespace audio_measures {
 
@@ -34,11 +33,8 @@ class Bandwidth {
   const char* Fault() const;
 
   int m_rate;
-  RealFft m_fft;
-  std::vector<float> m_window;
+  WindowedSpectrum m_spectrum;
   std::vector<float> m_block;
-  std::vector<float> m_windowed;
-  std::vector<std::complex<float>> m_bins;
   std::vector<double> m_power;  // Of both sides, per bin.
   size_t m_inBlock = 0;
   bool m_any = false;

@@ -31,6 +31,11 @@ class Collector {
   std::vector<NamedFigure> m_figures;
 };
 
+// What stands beside a channel of the output: the same channel, or the only one.
+inline std::span<const float> ChannelFor(const Signal& signal, size_t channel) {
+  return signal.channels.size() == 1 ? signal.channels.front() : signal.channels[channel];
+}
+
 // Measures that stand together in the list and share what they are computed from. `compute` meets
 // inputs that have what every measure that is wanted needs, at a rate and of a length that it
 // takes.
@@ -40,7 +45,6 @@ struct Group {
 };
 
 Group LevelGroup();
-Group AlignmentGroup();
 Group ReferenceGroup();
 Group EnhancementGroup();
 Group EchoGroup();

@@ -8,9 +8,8 @@
 namespace audio_measures {
 
 std::span<const Group> AllGroups() {
-  static const std::array groups = {LevelGroup(),       AlignmentGroup(), ReferenceGroup(),
-                                    EnhancementGroup(), EchoGroup(),      CodecGroup(),
-                                    TimeGroup(),        RunGroup()};
+  static const std::array groups = {LevelGroup(), ReferenceGroup(), EnhancementGroup(), EchoGroup(),
+                                    CodecGroup(), TimeGroup(),      RunGroup()};
   return groups;
 }
 

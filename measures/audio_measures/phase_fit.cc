@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "audio_measures/windowed_spectrum.h"
+
 namespace audio_measures {
 
 namespace {
@@ -15,17 +17,13 @@ double Angle(size_t bin) { return 2 * M_PI * static_cast<double>(bin) / PhaseFit
 
 PhaseFit::PhaseFit()
     : m_fft(kBlock),
-      m_window(kBlock),
+      m_window(Hann(kBlock)),
       m_block(kBlock),
       m_reference(m_fft.Bins()),
       m_signal(m_fft.Bins()),
       m_cross(m_fft.Bins()),
       m_referencePower(m_fft.Bins()),
-      m_signalPower(m_fft.Bins()) {
-  for (size_t i = 0; i < kBlock; ++i) {
-    m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(Angle(i)));
-  }
-}
+      m_signalPower(m_fft.Bins()) {}
 
 void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
   for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {

@@ -1,0 +1,121 @@
+#include "audio_measures/delay_track.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+
+#include "audio_measures/copy_samples.h"
+#include "audio_measures/delay_finder.h"
+#include "audio_measures/phase_fit.h"
+
+namespace audio_measures {
+
+namespace {
+
+constexpr size_t kLeastDelays = 3;
+constexpr double kResolution = 0.02;  // Samples that a tracked delay is uncertain by at least.
+
+double Median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// The delay of one piece that starts at `start` in the reference.
+std::optional<double> DelayOf(std::span<const float> reference, std::span<const float> signal,
+                              size_t start, const Tracking& tracking, double around) {
+  const auto least = static_cast<int64_t>(std::floor(around - tracking.search));
+  const auto most = static_cast<int64_t>(std::ceil(around + tracking.search));
+  DelayFinder finder(least, most, tracking.pieceFrames);
+  std::vector<float> block(finder.ReferenceFrames());
+  std::vector<float> signalBlock(finder.SignalFrames());
+  const std::span<const float> piece = reference.subspan(start, tracking.pieceFrames);
+  for (size_t place = 0; place < piece.size(); place += block.size()) {
+    CopySamples(piece, static_cast<int64_t>(place), block);
+    CopySamples(signal, static_cast<int64_t>(start + place) + least, signalBlock);
+    finder.Add(block, signalBlock);
+  }
+  const auto peak = finder.Find();
+  if (!peak || peak->sharpness < DelayFinder::kClear) return std::nullopt;
+  std::vector<float> beside(piece.size());
+  CopySamples(signal, static_cast<int64_t>(start) + peak->lag, beside);
+  PhaseFit phases;
+  phases.Add(piece, beside);
+  const auto fit = phases.Find(peak->polarity);
+  return static_cast<double>(peak->lag) + (fit ? fit->later : 0);
+}
+
+DelayLine MedianLine(std::span<const TrackedDelay> delays) {
+  std::vector<double> slopes;
+  const size_t half = delays.size() / 2;
+  for (size_t i = 0; i + half < delays.size(); ++i) {
+    const auto& [firstMiddle, firstLater] = delays[i];
+    const auto& [middle, later] = delays[i + half];
+    slopes.push_back((later - firstLater) / (middle - firstMiddle));
+  }
+  DelayLine line = {.slope = Median(std::move(slopes))};
+  std::vector<double> starts;
+  for (const auto& [middle, later] : delays) starts.push_back(later - line.slope * middle);
+  line.start = Median(std::move(starts));
+  return line;
+}
+
+DelayLine LeastSquares(std::span<const TrackedDelay> delays) {
+  const auto count = static_cast<double>(delays.size());
+  double meanPlace = 0;
+  double meanLater = 0;
+  for (const auto& [middle, later] : delays) {
+    meanPlace += middle / count;
+    meanLater += later / count;
+  }
+  double product = 0;
+  double squares = 0;
+  for (const auto& [middle, later] : delays) {
+    product += (middle - meanPlace) * (later - meanLater);
+    squares += (middle - meanPlace) * (middle - meanPlace);
+  }
+  DelayLine line = {.slope = product / squares};
+  line.start = meanLater - line.slope * meanPlace;
+  double rest = 0;
+  for (const auto& [middle, later] : delays) rest += std::pow(later - line.At(middle), 2);
+  const double variance = std::max(rest / (count - 2), kResolution * kResolution);
+  line.slopeError = std::sqrt(variance / squares);
+  return line;
+}
+
+}  // namespace
+
+std::vector<TrackedDelay> TrackDelay(std::span<const float> reference,
+                                     std::span<const float> signal, const Tracking& tracking) {
+  std::vector<TrackedDelay> delays;
+  const size_t pieces = std::min(tracking.pieces, reference.size() / tracking.pieceFrames);
+  double around = tracking.around;
+  for (size_t i = 0; i < pieces; ++i) {
+    const size_t start =
+        pieces == 1 ? 0 : i * (reference.size() - tracking.pieceFrames) / (pieces - 1);
+    const auto later = DelayOf(reference, signal, start, tracking, around);
+    if (!later) continue;
+    delays.push_back(
+        {static_cast<double>(start) + static_cast<double>(tracking.pieceFrames) / 2, *later});
+    if (tracking.follow) around = *later;
+  }
+  return delays;
+}
+
+std::optional<DelayLine> FitDelayLine(std::span<const TrackedDelay> delays, double tolerance) {
+  if (delays.size() < kLeastDelays) return std::nullopt;
+  const DelayLine line = MedianLine(delays);
+  std::vector<double> distances;
+  for (const auto& [middle, later] : delays)
+    distances.push_back(std::fabs(later - line.At(middle)));
+  const double limit = std::max(tolerance, 4 * Median(distances));
+  std::vector<TrackedDelay> near;
+  std::ranges::copy_if(delays, std::back_inserter(near), [&](const TrackedDelay& delay) {
+    return std::fabs(delay.later - line.At(delay.middle)) <= limit;
+  });
+  if (near.size() < kLeastDelays || near.size() * 2 < delays.size()) return std::nullopt;
+  return LeastSquares(near);
+}
+
+}  // namespace audio_measures
