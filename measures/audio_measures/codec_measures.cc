@@ -1,3 +1,7 @@
+#include <vector>
+
+#include "audio_measures/alignment.h"
+#include "audio_measures/bit_rate.h"
 #include "audio_measures/groups.h"
 
 namespace audio_measures {
@@ -8,20 +12,23 @@ constexpr Measure kMeasures[] = {
     {.name = "bit_rate",
      .unit = "bit/s",
      .definition = "Bits of the stream over the time that it decodes to.",
-     .source = "",
+     .source = "8 * bytes / s",
+     .version = kBitRateVersion,
      .margin = 100,
-     .needs = kRun},
+     .needs = kBytes},
     {.name = "frames",
      .unit = "",
      .definition = "Frames in the stream.",
-     .source = "",
+     .source = "count",
+     .version = kFramesVersion,
      .margin = 0.5,
-     .needs = kRun},
+     .needs = kFrames},
     {.name = "codec_delay",
      .unit = "s",
      .better = Better::kLower,
      .definition = "By how much the decoded signal is later than what was encoded.",
      .source = "as delay",
+     .version = kDelayVersion,
      .margin = 5e-6,
      .needs = kInput,
      .leastSeconds = 0.2},
@@ -35,8 +42,30 @@ constexpr Measure kMeasures[] = {
      .leastSeconds = 0.6},
 };
 
+std::vector<Figure> Delays(const Inputs& inputs) {
+  std::vector<Figure> delays;
+  for (size_t i = 0; i < inputs.output.channels.size(); ++i) {
+    delays.push_back(Align(ChannelFor(inputs.input, i), inputs.output.channels[i],
+                           inputs.output.rate, -inputs.searchSeconds, inputs.searchSeconds)
+                         .delay);
+  }
+  return delays;
+}
+
+void ComputeCodec(const Inputs& inputs, Collector& collector) {
+  if (collector.Wants("bit_rate")) {
+    const Signal& output = inputs.output;
+    collector.Add("bit_rate", std::nullopt,
+                  BitRate(*inputs.codedBytes, output.Frames(), output.rate));
+  }
+  if (collector.Wants("frames")) {
+    collector.Add("frames", std::nullopt, Frames(*inputs.codedFrames));
+  }
+  if (collector.Wants("codec_delay")) collector.AddWithMean("codec_delay", Delays(inputs));
+}
+
 }  // namespace
 
-Group CodecGroup() { return {kMeasures, nullptr}; }
+Group CodecGroup() { return {kMeasures, ComputeCodec}; }
 
 }  // namespace audio_measures

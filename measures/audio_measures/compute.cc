@@ -62,9 +62,12 @@ class Checker {
     const Signal& output = m_inputs.output;
     if (output.Frames() == 0) return kNoSamples;
     if (const char* fault = Fault(output, measure)) return fault;
+    if (const char* fault = FaultOfLists(measure)) return fault;
     for (size_t i = 0; i < std::size(kSignals); ++i) {
-      if ((measure.needs & kSignals[i].need) == 0) continue;
       const Signal& signal = m_inputs.*kSignals[i].signal;
+      const bool needed = (measure.needs & kSignals[i].need) != 0;
+      const bool used = (measure.uses & kSignals[i].need) != 0 && !signal.Empty();
+      if (!needed && !used) continue;
       if (signal.Empty()) return kSignals[i].missing;
       const size_t channels = signal.channels.size();
       if (channels != 1 && channels != output.channels.size()) return kOtherChannels;
@@ -76,6 +79,15 @@ class Checker {
   }
 
  private:
+  // Of what is told beside the signals.
+  const char* FaultOfLists(const Measure& measure) const {
+    const auto needs = [&](Needs need) { return (measure.needs & need) != 0; };
+    if (needs(kBytes) && !m_inputs.codedBytes) return "no coded stream";
+    if (needs(kFrames) && !m_inputs.codedFrames) return "no count of coded frames";
+    if (needs(kBeats) && (!m_inputs.beats || !m_inputs.trueBeats)) return "no lists of beats";
+    return nullptr;
+  }
+
   static const char* Fault(const Signal& signal, const Measure& measure) {
     if (signal.rate < measure.lowestRate || signal.rate > measure.highestRate) return kWrongRate;
     const auto frames = static_cast<double>(signal.Frames());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -28,6 +29,11 @@ struct Inputs {
   Signal input = {};
   float fullScale = 1;       // The largest value that the output can have, for `clipped`.
   double searchSeconds = 1;  // How much earlier or later than its reference the output may be.
+  std::optional<uint64_t> codedBytes = {};   // Of the stream that decodes to the output.
+  std::optional<uint64_t> codedFrames = {};  // In that stream.
+  // Seconds at which there are beats: as found in the output, and as they are.
+  std::optional<std::span<const double>> beats = {};
+  std::optional<std::span<const double>> trueBeats = {};
 };
 
 struct NamedFigure {

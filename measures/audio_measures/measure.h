@@ -16,6 +16,9 @@ enum Needs : unsigned {
   kNear = 4,       // What was said at the microphone, without echo.
   kInput = 8,      // What was processed into the output.
   kRun = 16,       // A run of the process under test: samples alone do not tell.
+  kBytes = 32,     // How long the coded stream is,
+  kFrames = 64,    // and how many frames it has.
+  kBeats = 128,    // Beats that somebody found, and those that there are.
 };
 
 inline constexpr int kLowestRate = 8000;     // Hz
@@ -32,6 +35,7 @@ struct Measure {
   int version = 0;
   double margin = 0;  // A difference between two figures that does not matter yet, in the unit.
   unsigned needs = kNothing;
+  unsigned uses = kNothing;  // What else it makes use of where it is given.
   int lowestRate = kLowestRate;
   int highestRate = kHighestRate;
   double leastSeconds = 0;

@@ -1,4 +1,6 @@
+#include "audio_measures/beats.h"
 #include "audio_measures/groups.h"
+#include "audio_measures/length_factor.h"
 
 namespace audio_measures {
 
@@ -8,7 +10,8 @@ constexpr Measure kMeasures[] = {
     {.name = "length_factor",
      .unit = "",
      .definition = "Length of the output over that of the input.",
-     .source = "",
+     .source = "ratio of lengths",
+     .version = kLengthFactorVersion,
      .margin = 0.001,
      .needs = kInput},
     {.name = "pitch_cents",
@@ -24,12 +27,23 @@ constexpr Measure kMeasures[] = {
      .definition =
          "F-measure of the beats within 70 ms of the reference's, the first 5 s left out.",
      .source = "S. Dixon, J. New Music Research 36(1), 2007",
+     .version = kBeatFVersion,
      .margin = 0.02,
-     .needs = kReference},
+     .needs = kBeats},
 };
+
+void ComputeTimes(const Inputs& inputs, Collector& collector) {
+  if (collector.Wants("length_factor")) {
+    collector.Add("length_factor", std::nullopt,
+                  LengthFactor(inputs.input.Frames(), inputs.output.Frames()));
+  }
+  if (collector.Wants("beat_f")) {
+    collector.Add("beat_f", std::nullopt, BeatF(*inputs.trueBeats, *inputs.beats));
+  }
+}
 
 }  // namespace
 
-Group TimeGroup() { return {kMeasures, nullptr}; }
+Group TimeGroup() { return {kMeasures, ComputeTimes}; }
 
 }  // namespace audio_measures

@@ -58,11 +58,16 @@ TEST(Compute, SaysWhyThereIsNoFigure) {
 struct Everything {
   std::vector<float> reference = Between(size_t{30} * kRate, 0.1, 1, 0);
   std::vector<float> output = Between(size_t{30} * kRate, 0.1, 1, 0.5);
+  std::vector<double> beats = {6, 7, 8};
   Inputs inputs = {.output = {kRate, {output, output}},
                    .reference = {kRate, {reference, reference}},
                    .far = {kRate, {reference, reference}},
                    .near = {kRate, {reference, reference}},
-                   .input = {kRate, {reference, reference}}};
+                   .input = {kRate, {reference, reference}},
+                   .codedBytes = 60000,
+                   .codedFrames = 1500,
+                   .beats = beats,
+                   .trueBeats = beats};
 };
 
 // What the list says is computed is computed, or refused for a reason of its own.
@@ -84,6 +89,8 @@ TEST(Compute, SaysWhichSignalIsMissing) {
   Everything everything;
   everything.inputs.reference = everything.inputs.far = everything.inputs.near =
       everything.inputs.input = {};
+  everything.inputs.codedBytes = everything.inputs.codedFrames = std::nullopt;
+  everything.inputs.beats = everything.inputs.trueBeats = std::nullopt;
   for (const Measure& measure : AllMeasures()) {
     if (measure.version == 0 || measure.needs == kNothing) continue;
     const std::vector<NamedFigure> figures =
