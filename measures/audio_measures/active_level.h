@@ -20,6 +20,8 @@ inline constexpr int kActivityVersion = 1;
 // for what is not finite, and for what is no more than a click.
 class ActiveLevel {
  public:
+  static constexpr double kMargin = 15.9;  // dB
+
   explicit ActiveLevel(int rate);
 
   void Add(std::span<const float> samples);
@@ -29,7 +31,6 @@ class ActiveLevel {
 
  private:
   static constexpr size_t kThresholds = 24;
-  static constexpr double kMargin = 15.9;  // dB
 
   void AddRun(std::span<const float> samples);
 

@@ -7,6 +7,7 @@
 
 #include "audio_measures/copy_samples.h"
 #include "audio_measures/delay_finder.h"
+#include "audio_measures/median.h"
 #include "audio_measures/phase_fit.h"
 
 namespace audio_measures {
@@ -15,12 +16,6 @@ namespace {
 
 constexpr size_t kLeastDelays = 3;
 constexpr double kResolution = 0.02;  // Samples that a tracked delay is uncertain by at least.
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 // The delay of one piece that starts at `start` in the reference.
 std::optional<double> DelayOf(std::span<const float> reference, std::span<const float> signal,

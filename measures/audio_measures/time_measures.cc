@@ -1,6 +1,9 @@
+#include <vector>
+
 #include "audio_measures/beats.h"
 #include "audio_measures/groups.h"
 #include "audio_measures/length_factor.h"
+#include "audio_measures/pitch.h"
 
 namespace audio_measures {
 
@@ -18,8 +21,10 @@ constexpr Measure kMeasures[] = {
      .unit = "cents",
      .definition = "By how much the output is higher than the reference.",
      .source = "A. de Cheveigne, H. Kawahara, YIN, J. Acoust. Soc. Am. 111(4), 2002",
+     .version = kPitchCentsVersion,
      .margin = 5,
-     .needs = kReference},
+     .needs = kReference,
+     .leastSeconds = 0.2},
     {.name = "tempo", .unit = "BPM", .definition = "Beats per minute.", .source = "", .margin = 1},
     {.name = "beat_f",
      .unit = "",
@@ -36,6 +41,14 @@ void ComputeTimes(const Inputs& inputs, Collector& collector) {
   if (collector.Wants("length_factor")) {
     collector.Add("length_factor", std::nullopt,
                   LengthFactor(inputs.input.Frames(), inputs.output.Frames()));
+  }
+  if (collector.Wants("pitch_cents")) {
+    std::vector<Figure> cents;
+    for (size_t i = 0; i < inputs.output.channels.size(); ++i) {
+      cents.push_back(PitchCents(ChannelFor(inputs.reference, i), inputs.output.channels[i],
+                                 inputs.output.rate));
+    }
+    collector.AddWithMean("pitch_cents", cents);
   }
   if (collector.Wants("beat_f")) {
     collector.Add("beat_f", std::nullopt, BeatF(*inputs.trueBeats, *inputs.beats));

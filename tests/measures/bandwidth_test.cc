@@ -30,11 +30,6 @@ std::vector<float> Sine(double hertz, double amplitude) {
   return samples;
 }
 
-std::vector<float> Sum(std::vector<float> a, const std::vector<float>& b) {
-  for (size_t i = 0; i < a.size(); ++i) a[i] += b[i];
-  return a;
-}
-
 TEST(Bandwidth, OfWhiteNoiseIsItsShareOfHalfTheRate) {
   const Bandwidth bandwidth = Of(Noise(size_t{20} * kRate, 0.1, 1));
   EXPECT_NEAR(*bandwidth.OfEnergy().value, 0.99 * kRate / 2, 20);

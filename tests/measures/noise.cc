@@ -42,4 +42,24 @@ std::vector<float> Between(size_t samples, double rms, unsigned seed, double lat
   return {sum.begin(), sum.end()};
 }
 
+std::vector<float> Bursts(std::vector<float> samples, size_t on, size_t off) {
+  for (size_t i = 0; i < samples.size(); ++i) {
+    if (i % (on + off) >= on) samples[i] = 0;
+  }
+  return samples;
+}
+
+std::vector<float> Later(const std::vector<float>& samples, size_t later, double gain) {
+  std::vector<float> moved(samples.size());
+  for (size_t i = later; i < moved.size(); ++i) {
+    moved[i] = static_cast<float>(gain * static_cast<double>(samples[i - later]));
+  }
+  return moved;
+}
+
+std::vector<float> Sum(std::vector<float> a, const std::vector<float>& b) {
+  for (size_t i = 0; i < a.size(); ++i) a[i] += b[i];
+  return a;
+}
+
 }  // namespace audio_measures
