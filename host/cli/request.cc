@@ -131,6 +131,9 @@ class CommandLine {
         ->type_name("FILE")
         ->check(EmptyProblem);
     run.add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
+    run.add_flag("--debug", options.debug,
+                 "In this process and without a time limit: for gdb, perf and sanitizers")
+        ->excludes("--timeout-s");
     run.add_flag("--strict", options.strict, "Take a warning for a failure");
     run.add_flag("--figures", options.figures, "Also measure the files of lists");
     run.add_flag("--wav", options.wav, "Also write headerless audio outputs as NAME.wav, 16-bit");

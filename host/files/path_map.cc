@@ -174,6 +174,8 @@ void MapOpenedFiles(FileActivity* activity) {
   g_activity = activity;
 }
 
+void StopMapping() { g_activity = nullptr; }
+
 void FlushOpenedFiles() {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);  // None of them is closed meanwhile.

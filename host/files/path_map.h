@@ -24,6 +24,9 @@ std::optional<std::string> PlaceInWorkspace(std::string_view name);
 // through a symbolic link that leads out of it. `activity` outlives the process.
 void MapOpenedFiles(FileActivity* activity);
 
+// From now on names are not mapped any more.
+void StopMapping();
+
 // Writes what the files that are still open buffer, and notes in the activity what cannot be
 // written or could not be read.
 void FlushOpenedFiles();

@@ -15,6 +15,8 @@
 #include <system_error>
 
 #include "files/path_map.h"
+#include "process/crash_calls.h"
+#include "process/crash_stack.h"
 #include "process/keeper.h"
 #include "process/relay.h"
 
@@ -29,6 +31,7 @@ constexpr double kKeeperSeconds = 5;  // After which a keeper that does not end 
 struct Shared {
   FileActivity files;
   KeeperReport keeper;
+  CrashCalls crash;
   EngineFindings findings;             // Complete once all is done.
   std::atomic<double> routineEnd = 0;  // When the routine returned, see Now(); 0 for not yet.
   std::atomic<bool> returned = false;  // All is done, and the files are flushed.
@@ -70,6 +73,7 @@ class SharedMemory {
 
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   MapOpenedFiles(&shared.files);
+  NoteCrashes(&shared.crash);
   work.routine();
   shared.routineEnd = Now();
   shared.findings = work.afterwards();
@@ -114,9 +118,9 @@ class Child {
       m_outcome.cpu = shared.keeper.cpu;
       m_outcome.peakMemory = shared.keeper.peakMemory;
     }
-    if (shared.returned) TakeFindings(shared.findings);
+    if (shared.returned) TakeFindings(shared.findings, m_outcome);
     m_outcome.interruption = m_limits.interruption();
-    TakeFaults(shared.files);
+    TakeFaults(shared.files, m_outcome);
     Judge(shared);
     return m_outcome;
   }
@@ -147,23 +151,6 @@ class Child {
     return false;
   }
 
-  void TakeFindings(const EngineFindings& findings) {
-    m_outcome.deviceGaps = findings.gaps;
-    for (size_t i = 0; i < findings.refusedCount; ++i) {
-      const auto& [name, reason] = findings.refused[i];
-      m_outcome.refusals.push_back({PlaceInWorkspace(name).value_or(""), reason});
-    }
-  }
-
-  void TakeFaults(const FileActivity& files) {
-    m_outcome.writeFault = ToProblem(files.writeFault.Get());
-    m_outcome.readFault = ToProblem(files.readFault.Get());
-    const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMaxOpenFaults);
-    for (size_t i = 0; i < count; ++i) {
-      m_outcome.openFaults.push_back(ToProblem(&files.openFaults[i]));
-    }
-  }
-
   void Judge(const Shared& shared) {
     if (m_killed != 0) return;
     const int status = shared.keeper.status;
@@ -188,7 +175,30 @@ class Child {
   double m_killed = 0;  // When; 0 for not yet.
 };
 
+// The end of the log of a routine that has crashed; empty for others.
+std::string LastWords(const ChildOutcome& outcome, const CrashCalls& noted) {
+  if (outcome.crashSignal == 0 || noted.count == 0) return "";
+  return "stack of " + Signal(outcome.crashSignal) + ":\n" + CrashStack(noted);
+}
+
 }  // namespace
+
+void TakeFindings(const EngineFindings& findings, ChildOutcome& outcome) {
+  outcome.deviceGaps = findings.gaps;
+  for (size_t i = 0; i < findings.refusedCount; ++i) {
+    const auto& [name, reason] = findings.refused[i];
+    outcome.refusals.push_back({PlaceInWorkspace(name).value_or(""), reason});
+  }
+}
+
+void TakeFaults(const FileActivity& files, ChildOutcome& outcome) {
+  outcome.writeFault = ToProblem(files.writeFault.Get());
+  outcome.readFault = ToProblem(files.readFault.Get());
+  const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMaxOpenFaults);
+  for (size_t i = 0; i < count; ++i) {
+    outcome.openFaults.push_back(ToProblem(&files.openFaults[i]));
+  }
+}
 
 ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
                         FILE* log, const Hearing& hearing, Progress& progress) {
@@ -209,7 +219,7 @@ ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Lim
   }
   relay.BecomeHost();
   ChildOutcome outcome = Child(keeper, relay, limits, progress).Watch(start, *shared);
-  outcome.delivered = relay.Drain(limits);
+  outcome.delivered = relay.Drain(limits, LastWords(outcome, (*shared).crash));
   outcome.logFault = relay.logFailure();
   return outcome;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/engine_work.h"
+#include "files/file_activity.h"
 #include "process/limits.h"
 #include "process/progress.h"
 #include "process/relay.h"
@@ -71,6 +72,10 @@ struct ChildOutcome {
   std::vector<EngineRefusal> refusals = {};
 };
 
+// What the engine says of a run, and what went wrong with its files, as parts of its outcome.
+void TakeFindings(const EngineFindings& findings, ChildOutcome& outcome);
+void TakeFaults(const FileActivity& files, ChildOutcome& outcome);
+
 // What a child does: the routine, and what is to be done in its process after it has returned.
 struct ChildWork {
   std::function<void()> routine;
@@ -80,7 +85,8 @@ struct ChildWork {
 // Does the work in a child with `workspace` as its current directory and its files mapped into it
 // (see path_map.h), for as long as the limits allow. What it prints goes to stdout, and its stderr
 // to stderr and to `log`, as it comes; `hearing` gets both. All that the routine has started ends
-// with it, and it ends with the host, however that ends. It is called on the host's only thread.
+// with it, and it ends with the host, however that ends. The log of one that crashes ends with the
+// calls that led there. It is called on the host's only thread.
 // Throws std::system_error when no process can be started.
 ChildOutcome RunInChild(const ChildWork& work, const std::string& workspace, Limits& limits,
                         FILE* log, const Hearing& hearing, Progress& progress);

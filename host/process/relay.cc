@@ -79,10 +79,14 @@ void Relay::Wait(int other, double seconds) {
   if (error.waiting() == 0) CarryLog();
 }
 
-bool Relay::Drain(Limits& limits) {
+bool Relay::Drain(Limits& limits, std::string_view lastWords) {
   for (int i = 0; i < 16 && CarryOutput(); ++i) {
   }
   for (int i = 0; i < 16 && CarryLog(); ++i) {
+  }
+  if (!lastWords.empty()) {
+    if (m_lastLogged != '\n') AddToLog("\n");
+    AddToLog(lastWords);
   }
   if (m_lastOutput != '\n') m_progress.PrintOutput("\n");
   return m_progress.Deliver(limits);
@@ -105,13 +109,14 @@ bool Relay::CarryOutput() {
 bool Relay::CarryLog() {
   char bytes[kMaxRead];
   const size_t count = ReadPipe(m_errors.read, bytes);
-  m_progress.PrintError({bytes, count});
-  WriteLog({bytes, count});
+  AddToLog({bytes, count});
+  if (count > 0) m_lastLogged = bytes[count - 1];
   m_hearing.log({bytes, count});
   return count > 0;
 }
 
-void Relay::WriteLog(std::string_view text) {
+void Relay::AddToLog(std::string_view text) {
+  m_progress.PrintError(text);
   const bool written = fwrite(text.data(), 1, text.size(), m_log) == text.size();
   if ((!written || fflush(m_log) != 0) && m_logFailure == 0) m_logFailure = errno;
 }

@@ -34,9 +34,9 @@ class Relay {
   void Wait(int other, double seconds);
 
   // Forwards what remains of a child that has ended, without waiting for processes that inherited
-  // the pipe, and for as long as the limits allow. A line that was begun is ended. False when
-  // stdout has not taken everything.
-  bool Drain(Limits& limits);
+  // the pipe, and for as long as the limits allow, then `lastWords` as the end of the log. A line
+  // that was begun is ended. False when stdout has not taken everything.
+  bool Drain(Limits& limits, std::string_view lastWords);
 
   // Returns the errno of the first write to the log file that failed; 0 for none.
   int logFailure() const { return m_logFailure; }
@@ -51,7 +51,7 @@ class Relay {
   // Carry what one read gives, and return false when there is nothing, now or for ever.
   bool CarryOutput();
   bool CarryLog();
-  void WriteLog(std::string_view text);
+  void AddToLog(std::string_view text);
 
   Pipe m_output;
   Pipe m_errors;
@@ -59,6 +59,7 @@ class Relay {
   const Hearing& m_hearing;
   int m_logFailure = 0;
   char m_lastOutput = '\n';
+  char m_lastLogged = '\n';
   Progress& m_progress;
 };
 

@@ -208,8 +208,9 @@ std::string JsonReport(const RunReport& report) {
   json["directory"] = report.directory;
   json["command"] = report.command;
   json["workspace"] = report.workspace;
-  json["time_limit"] = Figure(report.timeout > 0 ? std::optional(report.timeout) : std::nullopt,
-                              "s", "the command line was refused");
+  json["time_limit"] =
+      Figure(report.timeout > 0 ? std::optional(report.timeout) : std::nullopt, "s",
+             report.timeout > 0 ? "there is none with --debug" : "the command line was refused");
   json["routine"] = report.routine;
   json["arguments"] = report.arguments;
   AddVerdict(report.judgement, json);

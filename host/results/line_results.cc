@@ -72,6 +72,12 @@ void LineResults::TakeLine(Stands where, std::string_view file, std::string_view
   }
 }
 
+void LineResults::MissHeard(std::string_view reason) {
+  for (size_t i = 0; i < m_declared.size(); ++i) {
+    if (m_declared[i].stands != Stands::kWritten) m_found[i].missing = reason;
+  }
+}
+
 double LineResults::ValueOf(const ResultLine& declared, const Found& found) {
   switch (declared.takes) {
     case Takes::kLast:

@@ -27,6 +27,9 @@ class LineResults {
   // A text that could not be read, and why: nothing is known of its figures.
   void Miss(std::string_view file, std::string_view reason);
 
+  // What it prints and logs is not heard, for this reason.
+  void MissHeard(std::string_view reason);
+
   // What has been found, one result for each declared line.
   std::vector<Result> Take() const;
 

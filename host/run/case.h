@@ -23,12 +23,13 @@ struct Case {
   bool wav = false;       // Also write WAVE copies of headerless audio outputs.
   bool strict = false;    // A warning is a failure.
   bool figures = false;   // Also measure the files of lists.
+  bool digests = false;   // Hash its files; with a report they always are.
+  bool debug = false;     // In this process, without limits.
   // Recordings to put in the place of inputs, and where outputs go: "FILE" or "NAME=FILE".
   std::vector<std::string> in = {};
   std::vector<std::string> out = {};
   StageWishes wishes = {};
   Color color = Color::kAuto;  // Of the verdict.
-  bool digests = false;        // Of its files; a report always has them.
   bool temporary = false;      // `work` is a folder that the run makes, and removes if it may.
 };
 

@@ -72,6 +72,7 @@ std::vector<std::string> CommandWords(const Case& what) {
   if (!what.temporary) words.Value("--work", what.work);
   words.Seconds("--timeout-s", what.timeout);
   words.Seconds("--linger-s", what.linger);
+  words.Flag(what.debug, "--debug");
   words.Flag(what.strict, "--strict");
   words.Flag(what.figures, "--figures");
   words.Flag(what.wav, "--wav");

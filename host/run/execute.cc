@@ -10,6 +10,7 @@
 #include "base/usage_error.h"
 #include "engine/engine_work.h"
 #include "process/progress.h"
+#include "process/run_here.h"
 #include "run/digest_files.h"
 #include "run/stopped.h"
 
@@ -51,6 +52,11 @@ ChildOutcome RunRoutine(const Plan& plan, FILE* log, LineResults& heard, Limits&
   const Hearing hearing = {
       .output = [&](std::string_view bytes) { heard.Hear(Stands::kPrinted, bytes); },
       .log = [&](std::string_view bytes) { heard.Hear(Stands::kLogged, bytes); }};
+  if (plan.what.debug) {
+    heard.MissHeard("nobody listens with --debug");
+    fputs("With --debug what the routine logs goes to standard error alone.\n", log);
+    return RunHere(work, plan.what.work, limits.signals());
+  }
   ChildOutcome outcome = RunInChild(work, plan.what.work, limits, log, hearing, progress);
   // One that stood still, or whose end was not seen, did not go on for all of its time.
   const bool wentOn = outcome.stopSignal == 0 && outcome.cpu;

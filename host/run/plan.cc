@@ -1,6 +1,7 @@
 #include "run/plan.h"
 
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 #include "base/units.h"
@@ -36,7 +37,9 @@ void FillIn(Plan& plan) {
   const CatalogueRow& row = *plan.row;
   plan.what.arguments = Completed(row, plan.what);
   const ArgumentList words = plan.Words();
-  if (!plan.what.timeout && row.neverReturns) plan.timeout = kMaxSecondsOfNeverReturning;
+  if (plan.what.debug) plan.timeout = std::numeric_limits<double>::infinity();
+  if (!plan.what.debug && !plan.what.timeout && row.neverReturns)
+    plan.timeout = kMaxSecondsOfNeverReturning;
   if (const std::string skip = SkipReason(row); !skip.empty()) {
     plan.stop = Stop{{Cause::kNotRunnable, skip}};
     return;

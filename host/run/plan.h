@@ -22,9 +22,9 @@ using ArgumentList = std::vector<std::string_view>;
 // The first step of a run: what follows from the case alone.
 struct Plan {
   Case what;
-  std::string started;                // When, UTC: "2026-03-01T12:00:00Z".
-  const CatalogueRow* row = nullptr;  // Null only where there is no such routine.
-  double timeout = kMaxSeconds;
+  std::string started;                 // When, UTC: "2026-03-01T12:00:00Z".
+  const CatalogueRow* row = nullptr;   // Null only where there is no such routine.
+  double timeout = kMaxSeconds;        // Infinite for none.
   std::vector<FilePlace> inputs = {};  // Those that the row declares.
   std::vector<FilePlace> outputs = {};
   NamedFiles sources = {};     // Recordings for the inputs, by their index,

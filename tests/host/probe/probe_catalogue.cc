@@ -106,6 +106,7 @@ std::vector<CatalogueRow> AllRows() {
            .sounds = kBroken},
           {.declared = declared::Measure, .outputs = {{.name = "beats.txt"}}, .results = kResults},
           {.declared = declared::Crash},
+          {.declared = declared::CrashIn},
           {.declared = declared::Abort},
           {.declared = declared::Throw},
           {.declared = declared::ExitEarly},

@@ -13,6 +13,7 @@ ROUTINE(void, PrintPartOfALine);
 ROUTINE(void, Break, const char* how);  // Copies "in.pcm" to "broken.pcm", with a fault.
 ROUTINE(void, Measure, bool whole);     // Says what it found, in whole lines or in torn ones.
 ROUTINE(void, Crash);
+ROUTINE(void, CrashIn, const char* how);  // In a function with a name of its own.
 ROUTINE(void, Abort);
 ROUTINE(void, Throw);
 ROUTINE(void, ExitEarly);

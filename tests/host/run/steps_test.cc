@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <limits>
 
 #include "process/signals.h"
 #include "run/plan.h"
@@ -34,6 +35,12 @@ TEST_F(StepsTest, PlansWithoutTouchingAnything) {
   ASSERT_EQ(plan.outputs.size(), 1u);
   EXPECT_EQ(plan.outputs[0].path, "w/b.pcm");
   EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
+TEST_F(StepsTest, PlansNoTimeLimitForADebugger) {
+  const Plan plan = MakePlan({.routine = "RecordForEver", .arguments = {"2"}, .debug = true});
+  EXPECT_FALSE(plan.stop.has_value());
+  EXPECT_EQ(plan.timeout, std::numeric_limits<double>::infinity()) << "though it never returns";
 }
 
 TEST_F(StepsTest, StopsInThePlanWhatCannotBeRunAsAsked) {
