@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <span>
 #include <vector>
 
 #include "base/exit_code.h"
@@ -15,6 +16,7 @@
 #include "cli/request.h"
 #include "demo/demo.h"
 #include "demo/demo_all.h"
+#include "replay/replay.h"
 #include "report/output.h"
 #include "run/deliver.h"
 #include "run/run.h"
@@ -69,6 +71,9 @@ int Execute(const Request& request) {
       return RunSuite(OnDemo(request.suite));
     case Request::Command::kMerge:
       return MergeSuites(request.merge);
+    case Request::Command::kReplay:
+      return Replay(request.replay,
+                    [](std::span<const std::string> words) { return ParseRequest(words).run; });
     case Request::Command::kRun:
       break;
   }

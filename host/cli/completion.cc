@@ -87,6 +87,7 @@ Answer FreeWord(const std::string& command, const std::vector<std::string>& befo
   if (command == "help" && before.empty()) return Commands();
   if (command == "completion" && before.empty()) return {"none", {"bash"}};
   if (command == "merge") return {"folders", {}};
+  if (command == "replay" && before.empty()) return {"files", {}};
   if (command == "suite") return before.size() < 2 ? Rows(false, "suites") : Answer();
   if ((command == "list" || command == "describe") && before.empty()) return Rows(true);
   if (command != "run" && command != "stage") return {};

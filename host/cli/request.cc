@@ -49,6 +49,7 @@ class CommandLine {
     AddRun();
     AddDemo();
     AddStage();
+    AddReplay();
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
     m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
         ->add_option("SHELL", m_shell, "bash")
@@ -154,6 +155,16 @@ class CommandLine {
     m_stagingAlone.AddTo(stage, m_request.run);
   }
 
+  void AddReplay() {
+    CLI::App& replay = *m_app.add_subcommand(
+        "replay", "Run again what a report tells of, and compare the outputs");
+    replay.footer(
+        "REPORT.json is of run --json, or the folder of a case of a suite (DIR/cases/ID). Exit "
+        "codes:\n"
+        "0 same bytes, 1 something differs, 3 the run cannot be done again.");
+    replay.add_option("REPORT", m_request.replay.report)->required()->type_name("");
+  }
+
   // Fills in what the options do not set by themselves.
   void Take() {
     const std::string command = m_app.get_subcommands().front()->get_name();
@@ -164,6 +175,7 @@ class CommandLine {
                         : command == "stage"    ? Command::kStage
                         : command == "suite"    ? Command::kSuite
                         : command == "merge"    ? Command::kMerge
+                        : command == "replay"   ? Command::kReplay
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (command == "manual" || command == "completion") {

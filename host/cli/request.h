@@ -6,6 +6,7 @@
 
 #include "base/usage_error.h"
 #include "catalogue/list.h"
+#include "replay/replay.h"
 #include "run/case.h"
 #include "suite/suite.h"
 
@@ -13,7 +14,18 @@ namespace host {
 
 // What audio_bench is asked to do.
 struct Request {
-  enum class Command { kPrint, kList, kDescribe, kRun, kStage, kSuite, kMerge, kDemo, kDemoAll };
+  enum class Command {
+    kPrint,
+    kList,
+    kDescribe,
+    kRun,
+    kStage,
+    kSuite,
+    kMerge,
+    kReplay,
+    kDemo,
+    kDemoAll
+  };
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;
@@ -25,6 +37,7 @@ struct Request {
   std::string routine;         // kDescribe
   SuiteOptions suite;          // kSuite
   MergeOptions merge;          // kMerge
+  ReplayOptions replay;        // kReplay
 };
 
 // Why the words of a command line ask for nothing that can be done.

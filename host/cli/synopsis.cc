@@ -15,6 +15,7 @@ constexpr Synopsis kSynopses[] = {
     {"stage", "ROUTINE [ARGUMENT...] --in [NAME=]FILE [OPTIONS]"},
     {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},
     {"merge", "DIR... --out DIR"},
+    {"replay", "REPORT.json"},
     {"demo", "[OPTIONS]"},
     {"completion", "bash"},
     {"manual", ""},

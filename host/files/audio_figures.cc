@@ -8,6 +8,8 @@
 #include <cstring>
 #include <utility>
 
+#include "files/sample_reader.h"
+
 namespace host {
 
 namespace {
@@ -17,7 +19,7 @@ constexpr size_t kLanes = 16;
 
 // So many values of a lane are summed in single precision.
 constexpr size_t kRun = 64;
-constexpr size_t kBlockValues = 16 * kRun * kLanes;
+static_assert(SampleReader::kBlockValues % (kRun * kLanes) == 0, "blocks are whole runs");
 
 // What a vector register of any machine holds. The compiler does not find this by itself.
 using Floats = float __attribute__((vector_size(16)));
@@ -99,18 +101,6 @@ std::optional<double> Level(double ratio) {
   return 20 * std::log10(ratio);
 }
 
-// Reads `count` samples as floats.
-bool ReadSamples(FILE* file, SampleType type, std::vector<int16_t>& integers, float* samples,
-                 size_t count) {
-  errno = 0;
-  if (type == SampleType::kFloat32) return fread(samples, sizeof(float), count, file) == count;
-  if (fread(integers.data(), sizeof(int16_t), count, file) < count) return false;
-  for (size_t i = 0; i < count; ++i) {
-    samples[i] = static_cast<float>(integers[i]) * (1.0F / 32768);
-  }
-  return true;
-}
-
 }  // namespace
 
 std::optional<double> ChannelFigures::PeakLevel() const { return Level(peak); }
@@ -122,22 +112,11 @@ std::optional<double> ChannelFigures::RmsLevel() const {
 
 std::string ForEachSampleBlock(FILE* file, const AudioLayout& layout,
                                const std::function<bool(std::span<const float>)>& use) {
-  if (!layout.samples) return "samples of a type that is not known";
-  if (fseeko(file, static_cast<off_t>(layout.offset), SEEK_SET) != 0) return strerror(errno);
-  const auto channels = static_cast<size_t>(layout.channels);
-  const size_t most = (kBlockValues + channels - 1) / channels * channels;
-  std::vector<int16_t> integers(layout.samples == SampleType::kPcm16 ? most : 0);
-  std::vector<float> samples(most);
-  uint64_t left = layout.bytes / static_cast<uint64_t>(layout.frameBytes) * channels;
-  while (left > 0) {
-    const auto count = static_cast<size_t>(std::min<uint64_t>(left, most));
-    if (!ReadSamples(file, *layout.samples, integers, samples.data(), count)) {
-      return ferror(file) != 0 ? strerror(errno) : "it has become shorter";
-    }
-    if (!use(std::span(samples).first(count))) return kStopped;
-    left -= count;
+  SampleReader reader(file, layout);
+  for (std::span<const float> block = reader.Next(); !block.empty(); block = reader.Next()) {
+    if (!use(block)) return kStopped;
   }
-  return "";
+  return reader.fault();
 }
 
 Measurement MeasureAudio(FILE* file, const AudioLayout& layout, const std::function<bool()>& goOn) {

@@ -37,7 +37,7 @@ expect() {
   fi
 }
 
-expect 'completion demo describe help list manual merge run stage suite' ''
+expect 'completion demo describe help list manual merge replay run stage suite' ''
 expect 'demo describe' de
 expect '--help --version' -
 expect 'demo describe' help de
@@ -72,6 +72,7 @@ expect 'song.flac song.wav' run --in song
 expect 'calls.toml folder song.flac song.wav' stage TestDrc --in ''
 expect 'folder' suite --out ''
 expect 'folder' merge ''
+expect 'calls.toml' replay call
 expect 'calls.toml' suite call
 expect 'folder' suite fold
 expect 'TestVAD TestVADCodecMosByVADResult TestVADProcess TestVADProcessRefined' suite calls.toml TestVAD

@@ -23,7 +23,7 @@ if command -v mandoc >/dev/null; then
 fi
 
 # Each command with its options, in its own words.
-for command in list describe run stage suite merge demo completion manual help; do
+for command in list describe run stage suite merge replay demo completion manual help; do
   "$bench" help "$command" >help
   usage=$(sed -n 's/^Usage: //p' help)
   section=$(awk -v "usage=   $usage" '

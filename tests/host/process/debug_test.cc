@@ -46,6 +46,20 @@ TEST_F(DebugTest, NotesWhatCouldNotBeWritten) {
   EXPECT_THAT(run.out, HasSubstr("out.pcm could not be written whole"));
 }
 
+TEST_F(DebugTest, FindsWhatIsInAWorkspaceThatIsNamedFromTheRoot) {
+  const std::string work = m_directory.path() / "w";
+  EXPECT_THAT(Run({"WritePcm", "--debug", "--work", work}).out, StartsWith("pass  WritePcm  "));
+}
+
+TEST_F(DebugTest, IsNotEndedByAReaderWhoHasGone) {
+  const std::string probe = std::string("'") + AUDIO_BENCH_PROBE + "'";
+  RunProcess({"/bin/sh", "-c",
+              "{ while [ ! -e closed ]; do sleep 0.02; done; " + probe +
+                  " run Nothing --debug; echo $? > code; } |"
+                  " { exec 0<&-; : > closed; while [ ! -e code ]; do sleep 0.02; done; }"});
+  EXPECT_EQ(ReadFile("code"), "2\n");
+}
+
 TEST_F(DebugTest, HasNoTimeLimit) {
   Run({"Nothing", "--debug", "--json", "r.json"});
   EXPECT_EQ(ParseReport(ReadFile("r.json"))["time_limit"],
