@@ -14,6 +14,8 @@
 #include "base/usage_error.h"
 #include "catalogue/list.h"
 #include "cli/request.h"
+#include "compare/baseline.h"
+#include "compare/compare.h"
 #include "demo/demo.h"
 #include "demo/demo_all.h"
 #include "replay/replay.h"
@@ -74,6 +76,10 @@ int Execute(const Request& request) {
     case Request::Command::kReplay:
       return Replay(request.replay,
                     [](std::span<const std::string> words) { return ParseRequest(words).run; });
+    case Request::Command::kCompare:
+      return Compare(request.compare);
+    case Request::Command::kBaseline:
+      return ManageBaselines(request.baseline);
     case Request::Command::kRun:
       break;
   }

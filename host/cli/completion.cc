@@ -88,6 +88,11 @@ Answer FreeWord(const std::string& command, const std::vector<std::string>& befo
   if (command == "completion" && before.empty()) return {"none", {"bash"}};
   if (command == "merge") return {"folders", {}};
   if (command == "replay" && before.empty()) return {"files", {}};
+  if (command == "compare") return {"files", {}};
+  if (command == "baseline" && before.empty()) {
+    return {"none", {"save", "list", "show", "remove", "export"}};
+  }
+  if (command == "baseline") return {"files", {}};
   if (command == "suite") return before.size() < 2 ? Rows(false, "suites") : Answer();
   if ((command == "list" || command == "describe") && before.empty()) return Rows(true);
   if (command != "run" && command != "stage") return {};

@@ -11,6 +11,7 @@
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "cli/color_option.h"
+#include "cli/compare_words.h"
 #include "cli/completion.h"
 #include "cli/manual.h"
 #include "cli/seconds_word.h"
@@ -51,6 +52,7 @@ class CommandLine {
     AddStage();
     AddReplay();
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
+    m_compare = std::make_unique<CompareWords>(m_app, m_request.compare, m_request.baseline);
     m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
         ->add_option("SHELL", m_shell, "bash")
         ->required()
@@ -70,8 +72,10 @@ class CommandLine {
   // The options of a command; null when there is no such command.
   const CLI::App* Command(const std::string& name) const { return FindCommand(m_app, name); }
 
-  // Throws UsageError.
-  void Parse(std::vector<std::string> words) {
+  // `literal` are the words after "--", of a command whose own words they are not. Throws
+  // UsageError.
+  void Parse(std::vector<std::string> words, const std::vector<std::string>& literal = {}) {
+    m_literal = literal;
     const std::string command = words.empty() ? "" : words.front();
     std::reverse(words.begin(), words.end());  // As CLI11 takes them.
     try {
@@ -176,6 +180,8 @@ class CommandLine {
                         : command == "suite"    ? Command::kSuite
                         : command == "merge"    ? Command::kMerge
                         : command == "replay"   ? Command::kReplay
+                        : command == "compare"  ? Command::kCompare
+                        : command == "baseline" ? Command::kBaseline
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (command == "manual" || command == "completion") {
@@ -184,6 +190,8 @@ class CommandLine {
     }
     if (command == "suite") m_suite->TakeSuite(m_words);
     if (command == "merge") m_suite->TakeMerge(m_words);
+    if (command == "compare") m_compare->TakeCompare(m_literal);
+    if (command == "baseline") m_compare->TakeBaseline();
     if (m_json) m_request.form = Request::Form::kJson;
     Case& run = m_request.run;
     (m_request.command == Command::kStage ? m_stagingAlone : m_staging).Take(run);
@@ -194,7 +202,9 @@ class CommandLine {
 
   Request& m_request;
   std::span<const std::string> m_words;
+  std::vector<std::string> m_literal;
   std::unique_ptr<SuiteWords> m_suite;
+  std::unique_ptr<CompareWords> m_compare;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
   CLI::App* m_list = nullptr;
   CLI::App* m_run = nullptr;
@@ -239,9 +249,10 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
   std::vector<std::string> read = {command};
   read.insert(read.end(), words.options().begin(), words.options().end());
   if (command != "run" && command != "stage") {
-    if (!words.literal().empty()) throw UsageError{"unexpected " + words.literal().front()};
+    if (!words.literal().empty() && command != "compare")
+      throw UsageError{"unexpected " + words.literal().front()};
     read.insert(read.end(), words.free().begin(), words.free().end());
-    line.Parse(read);
+    line.Parse(read, words.literal());
     return;
   }
   line.Parse(read);

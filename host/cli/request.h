@@ -6,6 +6,8 @@
 
 #include "base/usage_error.h"
 #include "catalogue/list.h"
+#include "compare/baseline.h"
+#include "compare/compare.h"
 #include "replay/replay.h"
 #include "run/case.h"
 #include "suite/suite.h"
@@ -23,6 +25,8 @@ struct Request {
     kSuite,
     kMerge,
     kReplay,
+    kCompare,
+    kBaseline,
     kDemo,
     kDemoAll
   };
@@ -38,6 +42,8 @@ struct Request {
   SuiteOptions suite;          // kSuite
   MergeOptions merge;          // kMerge
   ReplayOptions replay;        // kReplay
+  CompareOptions compare;      // kCompare
+  BaselineOptions baseline;    // kBaseline
 };
 
 // Why the words of a command line ask for nothing that can be done.

@@ -16,6 +16,8 @@ constexpr Synopsis kSynopses[] = {
     {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},
     {"merge", "DIR... --out DIR"},
     {"replay", "REPORT.json"},
+    {"compare", "A B [OPTIONS]"},
+    {"baseline", "save|list|show|remove|export [WORD...]"},
     {"demo", "[OPTIONS]"},
     {"completion", "bash"},
     {"manual", ""},

@@ -1,18 +1,11 @@
 #include <initializer_list>
 
+#include "report/csv_field.h"
 #include "suite/result_writer.h"
 
 namespace host {
 
 namespace {
-
-// A field as RFC 4180 has it.
-std::string Field(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string field = "\"";
-  for (const char letter : text) field += letter == '"' ? "\"\"" : std::string(1, letter);
-  return field + "\"";
-}
 
 std::string Word(const Json& value) {
   if (value.is_null()) return "";
@@ -32,12 +25,12 @@ CsvResults::CsvResults(FILE* file) : m_file(file) {
 }
 
 void CsvResults::Add(const Json& record) {
-  const std::string start = Field(Word(record["id"])) + "," + Field(Word(record["routine"])) + "," +
-                            Field(Word(record["verdict"]));
+  const std::string start = CsvField(Word(record["id"])) + "," + CsvField(Word(record["routine"])) +
+                            "," + CsvField(Word(record["verdict"]));
   bool empty = true;
   const auto row = [&](std::initializer_list<std::string> fields) {
     std::string line = start;
-    for (const std::string& field : fields) line += "," + Field(field);
+    for (const std::string& field : fields) line += "," + CsvField(field);
     fprintf(m_file, "%s\n", line.c_str());
     empty = false;
   };

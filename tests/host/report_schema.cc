@@ -46,3 +46,8 @@ nlohmann::json ParseResults(const std::string& text) {
   static const rapidjson::SchemaDocument schema = LoadSchema(RESULTS_SCHEMA);
   return Parse(text, schema);
 }
+
+nlohmann::json ParseComparison(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(COMPARE_SCHEMA);
+  return Parse(text, schema);
+}

@@ -8,3 +8,6 @@ nlohmann::json ParseReport(const std::string& text);
 
 // The same for the results of a suite.
 nlohmann::json ParseResults(const std::string& text);
+
+// The same for a comparison.
+nlohmann::json ParseComparison(const std::string& text);

@@ -64,7 +64,7 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 allow host/statistics "$standard|\"statistics/$name\""
 allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files))\.h\""
 below='base|engine|statistics'
-for folder in base guards files recording process catalogue results report demo run replay suite cli; do
+for folder in base guards files recording process catalogue results report demo run replay suite compare cli; do
   below+="|$folder"
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.

@@ -1,0 +1,86 @@
+#include "compare/bench_suites.h"
+
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "base/usage_error.h"
+#include "process/signals.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kNoProgram = 127;
+
+[[noreturn]] void Become(const HostSignals& signals, std::vector<std::string> command) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  signals.RestoreInChild();
+  dup2(STDERR_FILENO, STDOUT_FILENO);
+  std::vector<char*> words;
+  for (std::string& word : command) words.push_back(word.data());
+  words.push_back(nullptr);
+  execvp(words.front(), words.data());
+  _exit(kNoProgram);
+}
+
+// How a program ended, as wait tells it. A request to end this process is handed on to it.
+int RunProgram(const std::vector<std::string>& command, int& interruption) {
+  const HostSignals signals;
+  const pid_t process = fork();
+  if (process < 0) throw std::system_error(errno, std::generic_category(), "fork");
+  if (process == 0) Become(signals, command);
+  int status = 0;
+  while (waitpid(process, &status, WNOHANG) == 0) {
+    pollfd arrival = {signals.descriptor(), POLLIN, 0};
+    poll(&arrival, 1, -1);
+    if (const int request = signals.TakeInterruption(); request != 0) {
+      interruption = request;
+      kill(process, request);
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+BenchSuites::BenchSuites(const std::vector<std::string>& benches,
+                         const std::vector<std::string>& words, const std::string& out)
+    : m_out(out) {
+  if (out.empty()) {
+    m_temporary = std::make_unique<TemporaryWorkspace>();
+    m_out = m_temporary->path();
+  }
+  const std::string folders[] = {a(), b()};
+  for (size_t i = 0; i < 2; ++i) {
+    std::vector<std::string> command = {benches[i], "suite"};
+    command.insert(command.end(), words.begin(), words.end());
+    command.insert(command.end(), {"--out", folders[i]});
+    int interruption = 0;
+    const int status = RunProgram(command, interruption);
+    if (interruption != 0) {
+      m_temporary.reset();
+      raise(interruption);  // Who has interrupted it wants to see its end.
+    }
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kNoProgram) {
+      throw UsageError{"cannot run " + benches[i]};
+    }
+    std::error_code error;
+    if (fs::exists(folders[i] + "/results.json", error)) continue;
+    const std::string end = WIFEXITED(status)
+                                ? "exit code " + std::to_string(WEXITSTATUS(status))
+                                : std::string("killed by ") + strsignal(WTERMSIG(status));
+    throw UsageError{benches[i] + " suite has left no results (" + end + ")"};
+  }
+}
+
+}  // namespace host

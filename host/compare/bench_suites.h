@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "run/temporary_workspace.h"
+
+namespace host {
+
+// One suite run by two programs, the results of each in a folder of its own.
+class BenchSuites {
+ public:
+  // Runs `benches`, which are two, with `words` after "suite". `out` is the folder for both
+  // results; empty for a temporary one, which goes with this object. What they print goes to
+  // stderr. Throws UsageError when one leaves no results.
+  BenchSuites(const std::vector<std::string>& benches, const std::vector<std::string>& words,
+              const std::string& out);
+
+  std::string a() const { return m_out + "/a"; }
+  std::string b() const { return m_out + "/b"; }
+
+ private:
+  std::unique_ptr<TemporaryWorkspace> m_temporary;
+  std::string m_out;
+};
+
+}  // namespace host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compare/compare_results.h"
+
+namespace host {
+
+// What `compare` is asked to do.
+struct CompareOptions {
+  // Two of: a folder of results, results.json, a report, an exported baseline, "baseline:NAME".
+  std::vector<std::string> sets = {};
+
+  // Or one or two programs that run the suite that `suite` are the words of.
+  std::vector<std::string> benches = {};
+  std::vector<std::string> suite = {};
+  std::string out = {};  // Folder for their results; empty for a temporary one.
+
+  CompareRules rules = {};
+  bool recordMissing = false;
+  std::string json = {};  // Where each form goes: a file, "-" for stdout, or empty.
+  std::string csv = {};
+  std::string junit = {};
+};
+
+// Compares and returns the exit code: kPass, or kFail when something is worse. Throws UsageError
+// when that cannot be done.
+int Compare(const CompareOptions& options);
+
+}  // namespace host

@@ -1,0 +1,7 @@
+#include "compare/margins.h"
+
+namespace host {
+
+double MarginOfMeasure(const std::string& /*name*/) { return 0; }
+
+}  // namespace host

@@ -1,0 +1,183 @@
+#include "compare/results_parser.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <string_view>
+
+namespace host {
+
+namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr size_t kMaxMessageBytes = 200;
+
+bool IsVerdict(std::string_view word) {
+  constexpr std::string_view kVerdicts[] = {"pass", "warn", "fail", "error", "skip", "not_run"};
+  return std::find(std::begin(kVerdicts), std::end(kVerdicts), word) != std::end(kVerdicts);
+}
+
+ComparedCase EmptyCase() { return {.elapsed = kNone, .cpu = kNone}; }
+
+}  // namespace
+
+ResultsParser::ResultsParser(ResultSet& set) : m_set(set) {
+  m_set.cases = {EmptyCase()};  // The run, if this is its report.
+}
+
+bool ResultsParser::Refuse(const std::string& fault) {
+  if (m_fault.empty()) m_fault = Where() + fault.substr(0, kMaxMessageBytes);
+  return false;
+}
+
+std::string ResultsParser::Where() const {
+  if (!m_hasCases || m_set.cases.empty()) return "";
+  const ComparedCase& one = m_set.cases.back();
+  if (!one.id.empty()) return "case " + one.id.substr(0, kMaxMessageBytes) + ": ";
+  return "case number " + std::to_string(m_set.cases.size()) + ": ";
+}
+
+void ResultsParser::Finish() {
+  if (!m_hasVersion) {
+    Refuse("neither results of a suite nor the report of a run: it has no schema_version");
+  } else if (!m_hasCases) {
+    m_set.origin.report = true;
+    Case().id = Case().routine;
+    if (Case().routine.empty() && IsVerdict(Case().verdict)) {
+      Refuse("the report of a run that was refused");
+    } else if (Case().routine.empty() || !IsVerdict(Case().verdict)) {
+      Refuse("neither results of a suite nor the report of a run: it has no cases");
+    }
+  }
+}
+
+bool ResultsParser::null() { return Take({.isNull = true}); }
+bool ResultsParser::boolean(bool value) { return Take({.flag = value}); }
+bool ResultsParser::number_integer(number_integer_t value) {
+  const auto number = static_cast<double>(value);
+  return Take({.number = &number});
+}
+bool ResultsParser::number_unsigned(number_unsigned_t value) {
+  const auto number = static_cast<double>(value);
+  return Take({.number = &number});
+}
+bool ResultsParser::number_float(number_float_t value, const string_t&) {
+  return Take({.number = &value});
+}
+bool ResultsParser::string(string_t& value) { return Take({.text = &value}); }
+bool ResultsParser::binary(binary_t&) { return Refuse("no JSON"); }
+
+bool ResultsParser::key(string_t& value) {
+  m_key = std::move(value);
+  return true;
+}
+
+bool ResultsParser::start_object(size_t) { return Start(true); }
+bool ResultsParser::start_array(size_t) { return Start(false); }
+bool ResultsParser::end_object() { return End(); }
+bool ResultsParser::end_array() { return End(); }
+
+bool ResultsParser::parse_error(size_t position, const std::string&,
+                                const nlohmann::detail::exception& error) {
+  std::string text = error.what();
+  // What is wrong comes after the name of the exception and the place.
+  if (const size_t at = text.find(": "); at != std::string::npos) text.erase(0, at + 2);
+  m_fault.clear();
+  return Refuse("no whole JSON, at byte " + std::to_string(position) + ": " + text);
+}
+
+bool ResultsParser::Start(bool object) {
+  if (m_ignored > 0) {
+    ++m_ignored;
+    return true;
+  }
+  const Place child = Child();
+  const bool list = child == Place::kCases || child == Place::kArguments ||
+                    child == Place::kFigures || child == Place::kGuards || child == Place::kOutputs;
+  if (child == Place::kIgnored) {
+    m_ignored = 1;
+    return true;
+  }
+  if (list == object) {
+    return Refuse(m_places.size() == 1 ? "no JSON object"
+                                       : m_key + (list ? " is no list" : " is no object"));
+  }
+  m_places.push_back(child);
+  m_factIsCpu = m_key == "cpu";
+  if (child == Place::kCases) {
+    m_hasCases = true;
+    m_set.cases.clear();
+  } else if (child == Place::kCase) {
+    m_set.cases.push_back(EmptyCase());
+  } else if (child == Place::kFigure || child == Place::kGuard || child == Place::kOutput) {
+    m_entry = {.value = kNone, .truth = kNone};
+  }
+  return true;
+}
+
+bool ResultsParser::End() {
+  if (m_ignored > 0) {
+    --m_ignored;
+    return true;
+  }
+  const Place ended = m_places.back();
+  m_places.pop_back();
+  if (ended == Place::kFigure) EndFigure();
+  if (ended == Place::kGuard) EndGuard();
+  if (ended == Place::kOutput) EndOutput();
+  if (ended == Place::kCase) CheckCase();
+  return m_fault.empty();
+}
+
+ResultsParser::Place ResultsParser::Child() const {
+  switch (m_places.back()) {
+    case Place::kDocument:
+      return Place::kTop;
+    case Place::kTop:
+      return ChildOfTop();
+    case Place::kEngine:
+      return m_key == "version" ? Place::kEngineVersion : Place::kIgnored;
+    case Place::kCases:
+      return Place::kCase;
+    case Place::kCase:
+      return ChildOfCase();
+    case Place::kFigures:
+      return Place::kFigure;
+    case Place::kGuards:
+      return Place::kGuard;
+    case Place::kOutputs:
+      return Place::kOutput;
+    case Place::kOutput:
+      return m_key == "size" ? Place::kFact : Place::kIgnored;
+    default:
+      return Place::kIgnored;
+  }
+}
+
+ResultsParser::Place ResultsParser::ChildOfTop() const {
+  if (m_key == "cases") return Place::kCases;
+  if (m_key == "engine") return Place::kEngine;
+  if (m_key == "margins") return Place::kMargins;
+  return m_hasCases ? Place::kIgnored : ChildOfCase();
+}
+
+ResultsParser::Place ResultsParser::ChildOfCase() const {
+  if (m_key == "arguments") return Place::kArguments;
+  if (m_key == "figures" || m_key == "results") return Place::kFigures;
+  if (m_key == "guards") return Place::kGuards;
+  if (m_key == "outputs") return Place::kOutputs;
+  return m_key == "elapsed" || m_key == "cpu" ? Place::kFact : Place::kIgnored;
+}
+
+void ResultsParser::CheckCase() {
+  const ComparedCase& one = Case();
+  if (one.id.empty()) {
+    Refuse("it is without an id");
+  } else if (one.routine.empty()) {
+    Refuse("it is without a routine");
+  } else if (!IsVerdict(one.verdict)) {
+    Refuse("\"" + one.verdict + "\" is no verdict");
+  }
+}
+
+}  // namespace host

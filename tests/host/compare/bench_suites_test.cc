@@ -1,0 +1,62 @@
+// Two programs that run the same suite first.
+
+#include <sys/stat.h>
+
+#include "compare_fixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class BenchSuitesTest : public CompareTest {
+ protected:
+  BenchSuitesTest() {
+    WriteFile("s.toml", "[[case]]\nid = \"good\"\nroutine = \"WritePcm\"\n");
+    // A program that does what the probe does.
+    WriteProgram("same", "exec \"" AUDIO_BENCH_PROBE "\" \"$@\"");
+  }
+
+  static void WriteProgram(const std::string& name, const std::string& script) {
+    WriteFile(name, "#!/bin/sh\n" + script + "\n");
+    chmod(name.c_str(), 0755);
+  }
+};
+
+TEST_F(BenchSuitesTest, ThisProgramIsTheSecondWhereOnlyOneIsNamed) {
+  const Finished finished = Compare({"--bench", "./same", "s.toml"});
+  EXPECT_EQ(finished.exitCode, 0) << finished.err;
+  EXPECT_EQ(finished.out, "same (1 case, 1 of 1 file the same byte for byte)\n");
+  EXPECT_THAT(finished.err, HasSubstr("1 passed"));
+}
+
+TEST_F(BenchSuitesTest, BothResultsAreKeptWhereAFolderIsGiven) {
+  // The second one leaves another suite.
+  WriteFile("t.toml", "[[case]]\nid = \"good\"\nroutine = \"WriteNothing\"\n");
+  WriteProgram("worse", "shift 2\nexec \"" AUDIO_BENCH_PROBE "\" suite t.toml \"$@\"");
+  std::filesystem::create_directory("kept");
+  const Finished finished =
+      Compare({"--bench", "./same", "--bench", "./worse", "s.toml", "--out", "kept"});
+  EXPECT_EQ(finished.exitCode, 2) << finished.err;
+  EXPECT_THAT(finished.err, HasSubstr("not comparable: other suites"));
+  EXPECT_TRUE(std::filesystem::exists("kept/a/results.json"));
+  EXPECT_TRUE(std::filesystem::exists("kept/b/results.json"));
+}
+
+TEST_F(BenchSuitesTest, WordsAfterTheMarkAreThoseOfTheSuite) {
+  WriteProgram("telling", "echo \"$@\" > words\nexec \"" AUDIO_BENCH_PROBE "\" \"$@\"");
+  Compare({"--bench", "./telling", "s.toml", "--", "good", "-j", "2"});
+  EXPECT_THAT(ReadFile("words"), testing::StartsWith("suite s.toml good -j 2 --out /"));
+}
+
+TEST_F(BenchSuitesTest, AProgramThatLeavesNoResultsIsNamed) {
+  EXPECT_THAT(Compare({"--bench", "./none", "s.toml"}).err, HasSubstr("cannot run ./none"));
+  WriteProgram("dumb", "exit 7");
+  const Finished finished = Compare({"--bench", "./dumb", "s.toml"});
+  EXPECT_EQ(finished.exitCode, 2);
+  EXPECT_THAT(finished.err, HasSubstr("./dumb suite has left no results (exit code 7)"));
+  EXPECT_EQ(
+      Compare({"--bench", "./same", "--bench", "./same", "--bench", "./same", "s.toml"}).exitCode,
+      2);
+}
+
+}  // namespace
