@@ -15,6 +15,9 @@ namespace {
 constexpr double kConfidence = 0.95;
 // Differences that are smaller, in shares of the figures, are those of the last digits.
 constexpr double kNoDifference = 1e-12;
+// With fewer things than this the interval of chance alone lies on the wrong side more often than
+// it says.
+constexpr size_t kSoundThings = 12;
 
 // The differences of a measure, turned so that more is better; not turned where neither is.
 struct Differences {
@@ -131,6 +134,7 @@ JudgedMeasure JudgeMeasure(const PairedMeasure& measure, const PairedResults& re
   if (differences.shared) comparison.clusters = differences.clusters.size();
   Describe(measure, results, differences, neither, comparison);
   comparison.p = ClusteredP(differences);
+  judged.things = differences.clusters.size();
 
   const statistics::MeanEstimate estimate(differences.clusters, differences.constant, resamples);
   const auto interval = estimate.At(kConfidence);
@@ -166,7 +170,8 @@ void Correct(std::span<JudgedMeasure> measures) {
     if (!each.level) continue;
     const double level = corrected[at++];
     // A single measure needs no correction.
-    if (levels.size() == 1 || comparison.verdict == Change::kSame) continue;
+    if (levels.size() == 1 && each.things >= kSoundThings) continue;
+    if (comparison.verdict == Change::kSame) continue;
     comparison.holds = comparison.holds && level <= 1 - kConfidence;
   }
 }

@@ -15,11 +15,12 @@ struct JudgedMeasure {
   // How likely so much of a change is without any, for the correction of several measures; nothing
   // where chance has no part in the verdict: all differences are equal, or they are too few.
   std::optional<double> level = {};
+  size_t things = 0;  // Independent ones.
 };
 JudgedMeasure JudgeMeasure(const PairedMeasure& measure, const PairedResults& results,
                            double margin, int resamples);
 
-// Says of each measure whether its verdict holds (Holm).
+// Says of each measure whether its verdict holds among all of them (Holm).
 void Correct(std::span<JudgedMeasure> measures);
 
 // Judges the ratios of the times of all cases.

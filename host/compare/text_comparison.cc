@@ -201,7 +201,9 @@ std::string TextComparison(const Comparison& comparison) {
       comparison.measures.begin(), comparison.measures.end(),
       [](const MeasureComparison& each) { return IsWorse(each.verdict) && !each.holds; });
   if (single) {
-    text += "\n(by itself): among so many measures one is likely to read worse without being so\n";
+    text +=
+        "\n(by itself): chance makes one of so many measures read worse often enough; it does not "
+        "decide\n";
   }
   return text + "\n" + ComparisonSummary(comparison);
 }

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "verdict_rates.h"
+#include "support/verdict_rates.h"
 
 namespace host {
 namespace {
