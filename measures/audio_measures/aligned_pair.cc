@@ -7,6 +7,7 @@
 #include "audio_measures/alignment.h"
 #include "audio_measures/delay_track.h"
 #include "audio_measures/interpolation.h"
+#include "audio_measures/phase_fit.h"
 
 namespace audio_measures {
 
@@ -105,7 +106,10 @@ class Aligner {
     return nullptr;
   }
 
-  size_t Frames(double seconds) const { return static_cast<size_t>(seconds * m_rate); }
+  // At least what a fit of phases takes.
+  size_t Frames(double seconds) const {
+    return std::max(PhaseFit::kBlock, static_cast<size_t>(seconds * m_rate));
+  }
 
   Tracking Pieces(double around, double search) const {
     return {.pieceFrames = Frames(kPiece),
@@ -126,7 +130,11 @@ class Aligner {
     if (line) m_line = *line;
     for (int i = 0; i < kRefinements; ++i) {
       const std::vector<float> moved = Moved(m_signal, m_line, {0, m_reference.size()});
-      line = FitDelayLine(TrackDelay(m_reference, moved, Pieces(0, kFineSearch)), 1);
+      m_delays = TrackDelay(m_reference, moved, Pieces(0, kFineSearch));
+      line = FitDelayLine(m_delays, 1);
+      for (TrackedDelay& delay : m_delays) {
+        delay.later = m_line.At(delay.middle) + delay.later * (1 + m_line.slope);
+      }
       if (!line) break;
       // What is left is seen at the places of the reference, as the line is.
       m_line.start += line->start * (1 + m_line.slope);

@@ -9,7 +9,8 @@ namespace audio_measures {
 namespace {
 
 constexpr uint64_t kShortest = 4096;  // Samples of a transform.
-constexpr float kWhitening = 1e-3F;   // Bins this far below the mean count half.
+constexpr float kUpsideDown = 0.999F;
+constexpr float kWhitening = 1e-3F;  // Bins this far below the mean count half.
 
 size_t TransformSize(uint64_t lags, uint64_t frames) {
   const uint64_t whole = frames + lags;
@@ -48,8 +49,19 @@ std::optional<DelayFinder::Peak> DelayFinder::Find() const {
   for (size_t i = 1; i + 1 < white.size(); ++i) {
     white[i] = m_cross[i] / (std::abs(m_cross[i]) + floor);
   }
+  return PeakOf(white);
+}
+
+std::optional<DelayFinder::Peak> DelayFinder::FindUnweighted() const {
+  std::vector<std::complex<float>> cross = m_cross;
+  cross.front() = cross.back() = 0;
+  return PeakOf(cross);
+}
+
+std::optional<DelayFinder::Peak> DelayFinder::PeakOf(
+    std::span<const std::complex<float>> cross) const {
   std::vector<float> correlation(m_fft.Size());
-  m_fft.Inverse(white, correlation);
+  m_fft.Inverse(cross, correlation);
 
   Peak peak;
   double squares = 0;
@@ -57,11 +69,13 @@ std::optional<DelayFinder::Peak> DelayFinder::Find() const {
   for (size_t i = 0; i < m_lags; ++i) {
     const float value = correlation[i];
     squares += static_cast<double>(value) * static_cast<double>(value);
-    if (std::fabs(value) <= std::fabs(highest)) continue;
+    // Of a tone the peaks upside down are as high as the others.
+    const float height = value < 0 ? -value * kUpsideDown : value;
+    if (height <= std::fabs(highest)) continue;
     highest = value;
     peak.lag = m_least + static_cast<int64_t>(i);
   }
-  if (squares <= 0) return std::nullopt;
+  if (!(squares > 0) || !std::isfinite(squares)) return std::nullopt;
   peak.polarity = highest < 0 ? -1 : 1;
   peak.sharpness =
       std::fabs(static_cast<double>(highest)) / std::sqrt(squares / static_cast<double>(m_lags));

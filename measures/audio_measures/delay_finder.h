@@ -35,11 +35,16 @@ class DelayFinder {
   };
   // Nothing when both had no spectrum in common, as with silence.
   std::optional<Peak> Find() const;
+  // The peak of the correlation as it is, in which strong bins count more: the one to look at where
+  // few bins have anything in common, as with tones or much noise.
+  std::optional<Peak> FindUnweighted() const;
 
   // Of signals that have nothing to do with each other the peak stays below this.
   static constexpr double kClear = 8;
 
  private:
+  std::optional<Peak> PeakOf(std::span<const std::complex<float>> cross) const;
+
   int64_t m_least;
   size_t m_lags;
   RealFft m_fft;

@@ -5,10 +5,8 @@
 #include <cstdint>
 #include <iterator>
 
-#include "audio_measures/copy_samples.h"
-#include "audio_measures/delay_finder.h"
+#include "audio_measures/delay_choice.h"
 #include "audio_measures/median.h"
-#include "audio_measures/phase_fit.h"
 
 namespace audio_measures {
 
@@ -16,30 +14,6 @@ namespace {
 
 constexpr size_t kLeastDelays = 3;
 constexpr double kResolution = 0.02;  // Samples that a tracked delay is uncertain by at least.
-
-// The delay of one piece that starts at `start` in the reference.
-std::optional<double> DelayOf(std::span<const float> reference, std::span<const float> signal,
-                              size_t start, const Tracking& tracking, double around) {
-  const auto least = static_cast<int64_t>(std::floor(around - tracking.search));
-  const auto most = static_cast<int64_t>(std::ceil(around + tracking.search));
-  DelayFinder finder(least, most, tracking.pieceFrames);
-  std::vector<float> block(finder.ReferenceFrames());
-  std::vector<float> signalBlock(finder.SignalFrames());
-  const std::span<const float> piece = reference.subspan(start, tracking.pieceFrames);
-  for (size_t place = 0; place < piece.size(); place += block.size()) {
-    CopySamples(piece, static_cast<int64_t>(place), block);
-    CopySamples(signal, static_cast<int64_t>(start + place) + least, signalBlock);
-    finder.Add(block, signalBlock);
-  }
-  const auto peak = finder.Find();
-  if (!peak || peak->sharpness < DelayFinder::kClear) return std::nullopt;
-  std::vector<float> beside(piece.size());
-  CopySamples(signal, static_cast<int64_t>(start) + peak->lag, beside);
-  PhaseFit phases;
-  phases.Add(piece, beside);
-  const auto fit = phases.Find(peak->polarity);
-  return static_cast<double>(peak->lag) + (fit ? fit->later : 0);
-}
 
 DelayLine MedianLine(std::span<const TrackedDelay> delays) {
   std::vector<double> slopes;
@@ -89,11 +63,14 @@ std::vector<TrackedDelay> TrackDelay(std::span<const float> reference,
   for (size_t i = 0; i < pieces; ++i) {
     const size_t start =
         pieces == 1 ? 0 : i * (reference.size() - tracking.pieceFrames) / (pieces - 1);
-    const auto later = DelayOf(reference, signal, start, tracking, around);
-    if (!later) continue;
-    delays.push_back(
-        {static_cast<double>(start) + static_cast<double>(tracking.pieceFrames) / 2, *later});
-    if (tracking.follow) around = *later;
+    const DelaySearch search = {.least = static_cast<int64_t>(std::floor(around - tracking.search)),
+                                .most = static_cast<int64_t>(std::ceil(around + tracking.search)),
+                                .likely = std::llround(around)};
+    const auto delay = ChooseDelay(reference, signal, start, tracking.pieceFrames, search).delay;
+    if (!delay) continue;
+    delays.push_back({static_cast<double>(start) + static_cast<double>(tracking.pieceFrames) / 2,
+                      delay->Later()});
+    if (tracking.follow) around = delay->Later();
   }
   return delays;
 }

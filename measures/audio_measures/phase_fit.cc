@@ -60,6 +60,24 @@ double PhaseFit::Slope(double later, int polarity, double band) const {
   return squares > 0 ? product / squares : 0;
 }
 
+// How far from `later` the correlation is highest, by a step of Newton's.
+double PhaseFit::StepToMostAlike(double later, int polarity) const {
+  double slope = 0;
+  double curvature = 0;
+  for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
+    const std::complex<double> turned = m_cross[i] * std::polar(1.0, Angle(i) * later);
+    slope -= polarity * Angle(i) * turned.imag();
+    curvature += polarity * Angle(i) * Angle(i) * turned.real();
+  }
+  return curvature > 0 ? std::clamp(slope / curvature, -0.5, 0.5) : 0;
+}
+
+int PhaseFit::Polarity() const {
+  double common = 0;
+  for (const auto& bin : m_cross) common += bin.real();
+  return common < 0 ? -1 : 1;
+}
+
 std::optional<PhaseFit::Fit> PhaseFit::Find(int polarity) const {
   double reference = 0;
   double signal = 0;
@@ -74,6 +92,7 @@ std::optional<PhaseFit::Fit> PhaseFit::Find(int polarity) const {
   for (const double band : {0.125, 0.25, 0.5, 1.0, 1.0, 1.0}) {
     fit.later += Slope(fit.later, polarity, band);
   }
+  for (int i = 0; i < 4; ++i) fit.later += StepToMostAlike(fit.later, polarity);
   double common = 0;
   for (size_t i = 0; i < m_cross.size(); ++i) {
     common += (m_cross[i] * std::polar(1.0, Angle(i) * fit.later)).real();

@@ -13,7 +13,8 @@ namespace audio_measures {
 // the gain, the polarity and how alike they are. The delay is the slope of the phase of their
 // averaged cross-spectrum (P. Welch, 1967; Hann windows, overlapped by half), by least squares,
 // each bin weighted by its signal to noise ratio as the coherence has it (A. Piersol, "Time delay
-// estimation using phase data", IEEE Trans. ASSP 29(3), 1981).
+// estimation using phase data", IEEE Trans. ASSP 29(3), 1981); at last by its share of the
+// correlation, so that no other delay has them more alike.
 class PhaseFit {
  public:
   static constexpr size_t kBlock = 4096;  // Samples.
@@ -29,12 +30,16 @@ class PhaseFit {
     double gain = 1;         // Of the signal against the reference; below 0: upside down.
     double correlation = 0;  // From -1 to 1, at that delay.
   };
+  // -1 when both, as they lie, are more alike with the signal upside down.
+  int Polarity() const;
+
   // polarity: -1 when the signal is taken to be upside down. Nothing for silence on either side, or
   // less than a block.
   std::optional<Fit> Find(int polarity) const;
 
  private:
   double Slope(double later, int polarity, double band) const;
+  double StepToMostAlike(double later, int polarity) const;
 
   RealFft m_fft;
   std::vector<float> m_window;
