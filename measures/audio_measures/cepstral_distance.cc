@@ -7,8 +7,6 @@
 #include <optional>
 #include <vector>
 
-#include "audio_measures/windowed_spectrum.h"
-
 namespace audio_measures {
 
 namespace {
@@ -16,7 +14,8 @@ namespace {
 constexpr double kBlock = 0.03;  // s
 constexpr double kHop = 0.0075;  // s
 constexpr double kKept = 0.95;
-constexpr double kMost = 10;  // dB
+constexpr double kNoise = 1e-9;  // 90 dB.
+constexpr double kMost = 10;     // dB
 constexpr size_t kMostLags = 17;
 constexpr size_t kPadding = 16;
 
@@ -27,8 +26,13 @@ class PredictorCepstrum {
  public:
   explicit PredictorCepstrum(int rate)
       : m_order(rate < 10000 ? 10 : 16),
-        m_window(Hann(static_cast<size_t>(std::lround(rate * kBlock)))),
-        m_block(m_window.size() + kPadding) {}
+        m_window(static_cast<size_t>(std::lround(rate * kBlock))),
+        m_block(m_window.size() + kPadding) {
+    const double turn = 2 * M_PI / static_cast<double>(m_window.size());
+    for (size_t i = 0; i < m_window.size(); ++i) {
+      m_window[i] = 0.5 - 0.5 * std::cos(turn * static_cast<double>(i));
+    }
+  }
 
   size_t Order() const { return m_order; }
   size_t BlockSize() const { return m_window.size(); }
@@ -36,7 +40,7 @@ class PredictorCepstrum {
   // Nothing for digital silence.
   std::optional<Lags> Of(std::span<const float> block) {
     for (size_t i = 0; i < m_window.size(); ++i) {
-      m_block[i] = static_cast<double>(block[i]) * static_cast<double>(m_window[i]);
+      m_block[i] = static_cast<double>(block[i]) * m_window[i];
     }
     Lags correlation = {};
     for (size_t i = 0; i < m_window.size(); ++i) {
@@ -44,6 +48,7 @@ class PredictorCepstrum {
       for (size_t lag = 0; lag < kMostLags; ++lag) correlation[lag] += now * m_block[i + lag];
     }
     if (!(correlation[0] > 0)) return std::nullopt;
+    correlation[0] *= 1 + kNoise;
     return Cepstrum(Predictor(correlation));
   }
 
@@ -77,7 +82,7 @@ class PredictorCepstrum {
   }
 
   size_t m_order;
-  std::vector<float> m_window;
+  std::vector<double> m_window;
   std::vector<double> m_block;
 };
 

@@ -13,8 +13,9 @@ inline constexpr int kCepstralDistanceVersion = 1;
 // (10 / ln 10) sqrt(2 sum (c - d)^2) over the cepstral coefficients 1 to p of the linear predictors
 // of both, p = 10 below 10 kHz and 16 from there on, held within 0 and 10; the mean over the lower
 // 95 % of the blocks. Both aligned by who calls (aligned_pair.h), of one length, finite; rates from
-// 8 kHz, one block at least. Blocks in which either is digital silence do not count; unknown where
-// all are.
+// 8 kHz, one block at least. The predictors see each block with white noise 90 dB below it, without
+// which those of tones are not to be had. Blocks in which either is digital silence do not count;
+// unknown where all are.
 Figure CepstralDistance(std::span<const float> reference, std::span<const float> signal, int rate);
 
 }  // namespace audio_measures

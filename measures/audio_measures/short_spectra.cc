@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "audio_measures/windowed_spectrum.h"
@@ -64,20 +65,22 @@ double BandSum(const BandWeights& band, std::span<const float> power) {
   return sum;
 }
 
-// Of one block.
-double WeightedSnr(std::span<const BandWeights> bands, std::span<const float> reference,
-                   std::span<const float> signal) {
+// Of one block; nothing when it has next to nothing in the bands.
+std::optional<double> WeightedSnr(std::span<const BandWeights> bands,
+                                  std::span<const float> reference, std::span<const float> signal) {
+  const double least = std::sqrt(static_cast<double>(std::ranges::max(reference)) * kFloor);
   double sum = 0;
   double weights = 0;
   for (const BandWeights& band : bands) {
     const double wanted = BandSum(band, reference);
-    if (!(wanted > 0)) continue;
+    if (!(wanted > least)) continue;
     const double difference = std::fabs(wanted - BandSum(band, signal));
     const double ratio = difference > 0 ? 20 * std::log10(wanted / difference) : kHighest;
     const double weight = std::pow(wanted, kExponent);
     sum += weight * std::clamp(ratio, kLowest, kHighest);
     weights += weight;
   }
+  if (!(weights > 0)) return std::nullopt;
   return sum / weights;
 }
 
@@ -118,16 +121,20 @@ SpectralDifference CompareSpectra(std::span<const float> reference, std::span<co
   double snr = 0;
   double distance = 0;
   size_t blocks = 0;
+  size_t blocksWithSnr = 0;
   for (size_t start = 0; start + window <= reference.size(); start += hop) {
     const std::span<const float> wanted = ofReference.PowerOf(reference.subspan(start, window));
     if (!(std::ranges::max(wanted) > 0)) continue;
     const std::span<const float> got = ofSignal.PowerOf(signal.subspan(start, window));
-    snr += WeightedSnr(bands, wanted, got);
+    const auto ofBlock = WeightedSnr(bands, wanted, got);
+    snr += ofBlock.value_or(0);
+    blocksWithSnr += ofBlock ? 1 : 0;
     distance += LogDistance(wanted, got, largest * static_cast<float>(kFloor));
     ++blocks;
   }
-  const auto count = static_cast<double>(blocks);
-  return {Known(snr / count), Known(distance / count)};
+  return {blocksWithSnr > 0 ? Known(snr / static_cast<double>(blocksWithSnr))
+                            : Unknown("nothing in the critical bands"),
+          Known(distance / static_cast<double>(blocks))};
 }
 
 }  // namespace audio_measures
