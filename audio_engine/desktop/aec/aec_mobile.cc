@@ -6,7 +6,7 @@
 
 #include "desktop/aec/parts/mobile_canceller.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -43,14 +43,14 @@ AECMOBILE_ERROR_CODE AecMobile_Free(void* handle) {
 AECMOBILE_ERROR_CODE AecMobile_Init(void* handle, int nearRate, int farRate, int outRate) {
   if (handle == nullptr) return AECMOBILE_BAD_PARAMETER;
   if (!MobileCanceller::Accepts(nearRate) || farRate != nearRate || outRate != nearRate) {
-    OutputDebugInfo("the mobile echo canceller does not take %d, %d and %d Hz", nearRate, farRate,
-                    outRate);
+    desktop::LogRefusal("the mobile echo canceller does not take %d, %d and %d Hz", nearRate,
+                        farRate, outRate);
     return AECMOBILE_BAD_PARAMETER;
   }
   try {
     Of(handle)->canceller = std::make_unique<MobileCanceller>(nearRate);
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for a mobile echo canceller");
+    desktop::LogRefusal("no memory for a mobile echo canceller");
     return AECMOBILE_NO_MEMORY;
   }
   return AECMOBILE_NO_ERROR;

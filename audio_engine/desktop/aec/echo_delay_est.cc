@@ -6,7 +6,7 @@
 #include "desktop/aec/parts/delay_tracker.h"
 #include "desktop/aec/parts/mono_input.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 struct CEchoDelayEst::Estimator {
   Estimator(int rate, int channels)
@@ -21,13 +21,13 @@ struct CEchoDelayEst::Estimator {
 
 CEchoDelayEst::CEchoDelayEst(int rate, int channels) {
   if (!desktop::MonoInput::Accepts(rate, channels)) {
-    OutputDebugInfo("no echo delay can be estimated at %d Hz with %d channels", rate, channels);
+    desktop::LogRefusal("no echo delay can be estimated at %d Hz with %d channels", rate, channels);
     return;
   }
   try {
     m_estimator = std::make_unique<Estimator>(rate, channels);
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory to estimate an echo delay");
+    desktop::LogRefusal("no memory to estimate an echo delay");
   }
 }
 

@@ -7,7 +7,7 @@
 #include "desktop/aec/parts/delay_tracker.h"
 #include "desktop/aec/parts/mono_input.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -30,13 +30,13 @@ struct Detector {
 
 void* echo_detection_create(const void*, int rate, int maxDelayMs) {
   if (!desktop::MonoInput::Accepts(rate, 1)) {
-    OutputDebugInfo("no echo can be detected at %d Hz", rate);
+    desktop::LogRefusal("no echo can be detected at %d Hz", rate);
     return nullptr;
   }
   try {
     return std::make_unique<Detector>(rate, maxDelayMs).release();
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory to detect echo");
+    desktop::LogRefusal("no memory to detect echo");
     return nullptr;
   }
 }

@@ -7,7 +7,7 @@
 
 #include "desktop/common/apm.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -88,7 +88,7 @@ int Ns_Free(void* handle) {
 int Ns_Init(void* handle, unsigned int rate) {
   if (handle == nullptr) return -1;
   if (rate < 8000 || rate > 48000) {
-    OutputDebugInfo("noise cannot be suppressed at %u Hz", rate);
+    desktop::LogRefusal("noise cannot be suppressed at %u Hz", rate);
     return -1;
   }
   auto& suppressor = *static_cast<Suppressor*>(handle);
@@ -106,7 +106,7 @@ int Ns_Init(void* handle, unsigned int rate) {
       apm->noise_suppression()->Enable(true);
     }
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for a noise suppressor");
+    desktop::LogRefusal("no memory for a noise suppressor");
     return -1;
   }
   suppressor.rate = static_cast<int>(rate);
@@ -118,7 +118,7 @@ int Ns_set_policy(void* handle, int policy) {
   auto* const suppressor = static_cast<Suppressor*>(handle);
   if (suppressor == nullptr || suppressor->rate == 0) return -1;
   if (policy < 0 || policy > 2) {
-    OutputDebugInfo("noise cannot be suppressed by policy %d", policy);
+    desktop::LogRefusal("noise cannot be suppressed by policy %d", policy);
     return -1;
   }
   suppressor->policy = policy;

@@ -4,7 +4,7 @@
 
 #include "desktop/aec/parts/capture_chain.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 // The desktop's chain, and what the module itself remembers.
 struct SoftwareAec::Chain {
@@ -27,7 +27,7 @@ bool SoftwareAec::SetVadMode(VoiceDetectionMode mode) { return m_chain->capture.
 
 bool SoftwareAec::SetFsAndCh(unsigned int rate, unsigned int channels, PlatFormFsChSel) {
   if ((rate != 8000 && rate != 16000) || channels != 1) {
-    OutputDebugInfo("the echo canceller cannot work at %u Hz with %u channels", rate, channels);
+    desktop::LogRefusal("the echo canceller cannot work at %u Hz with %u channels", rate, channels);
     return false;
   }
   m_apmFs = rate;
@@ -67,7 +67,7 @@ void SoftwareAec::NotifySpeekerRouting() { m_chain->capture.ForgetEchoPath(); }
 
 bool SoftwareAec::ResetPreProc(unsigned int rate) {
   if (rate < 8000 || rate > 48000) {
-    OutputDebugInfo("the echo canceller cannot prepare for %u Hz", rate);
+    desktop::LogRefusal("the echo canceller cannot prepare for %u Hz", rate);
     return false;
   }
   m_chain->capture.SetRate(desktop::Count(m_apmFs));
@@ -97,7 +97,7 @@ AecModule* CreateHardwareAec() {
   try {
     return new HardwareAec;
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for an echo canceller");
+    desktop::LogRefusal("no memory for an echo canceller");
     return nullptr;
   }
 }

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "desktop/aec/parts/echo_canceller.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -38,13 +38,13 @@ int32_t WebRtcAec_Free(void* handle) {
 int32_t WebRtcAec_Init(void* handle, int32_t rate, int32_t cardRate) {
   if (handle == nullptr) return -1;
   if (rate != kRate || cardRate != kRate) {
-    OutputDebugInfo("the echo canceller takes 16000 Hz, not %d and %d", rate, cardRate);
+    desktop::LogRefusal("the echo canceller takes 16000 Hz, not %d and %d", rate, cardRate);
     return -1;
   }
   try {
     static_cast<Handle*>(handle)->emplace(kRate, desktop::EchoCanceller::Delay::kGiven);
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for an echo canceller");
+    desktop::LogRefusal("no memory for an echo canceller");
     return -1;
   }
   return 0;
@@ -54,7 +54,7 @@ int32_t WebRtcAec_set_config(void* handle, AecConfig config) {
   desktop::EchoCanceller* const canceller = Canceller(handle);
   if (canceller == nullptr) return -1;
   if (config.nlpMode < kAecNlpConservative || config.nlpMode > kAecNlpAggressive) {
-    OutputDebugInfo("the echo canceller has no suppression %d", config.nlpMode);
+    desktop::LogRefusal("the echo canceller has no suppression %d", config.nlpMode);
     return -1;
   }
   canceller->SetSuppression(static_cast<desktop::EchoCanceller::Suppression>(config.nlpMode));

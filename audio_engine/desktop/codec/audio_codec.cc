@@ -8,8 +8,8 @@
 #include "desktop/codec/parts/create_payload_codec.h"
 #include "desktop/codec/parts/packet_codec.h"
 #include "desktop/common/counts.h"
+#include "desktop/platform/log.h"
 #include "engine_api/codec/codec_format.h"
-#include "engine_api/platform/log.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ class DesktopCodec : public CAudioCodec {
         return true;
       }
     }
-    if (m_log.IsFirst()) OutputDebugInfo("%s codec: no such format", CodecDescribe());
+    if (m_log.IsFirst()) desktop::LogRefusal("%s codec: no such format", CodecDescribe());
     return false;
   }
 

@@ -9,7 +9,7 @@
 #include "desktop/codec/parts/stream_reader.h"
 #include "desktop/common/counts.h"
 #include "desktop/dsp/rate/resampler.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -34,8 +34,8 @@ class Processor final : public AudioProcessor {
     const std::optional<CodecSetup> source = SetupOf(in);
     const std::optional<CodecSetup> target = SetupOf(out);
     if (!source || !target || !Open(*source, *target)) {
-      OutputDebugInfo("audio processor: cannot convert codec %d (raw id %d) to %d (raw id %d)",
-                      in.iCodec, in.iRawCodecId, out.iCodec, out.iRawCodecId);
+      desktop::LogRefusal("audio processor: cannot convert codec %d (raw id %d) to %d (raw id %d)",
+                          in.iCodec, in.iRawCodecId, out.iCodec, out.iRawCodecId);
       m_reader.reset();
     }
   }
@@ -101,7 +101,7 @@ class Processor final : public AudioProcessor {
 
   void Add(const unsigned char* data, size_t bytes) {
     if (m_queue->Add(data, bytes) || !m_log.IsFirst()) return;
-    OutputDebugInfo("audio processor: too much output waits, some is dropped");
+    desktop::LogRefusal("audio processor: too much output waits, some is dropped");
   }
 
   desktop::LogOnce m_log;

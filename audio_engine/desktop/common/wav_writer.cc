@@ -7,15 +7,15 @@
 #include <cstring>
 
 #include "desktop/common/wav_header.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
 // Finishes a file that is not whole because of an error.
 void FinishShort(FILE* file, const desktop::WavFormat& format, uint32_t given, int error) {
   const uint64_t kept = desktop::FinishWav(file, format) / sizeof(short);
-  OutputDebugInfo("A WAVE file ends after %" PRIu64 " of %u samples: %s", kept, given,
-                  strerror(error));
+  desktop::LogRefusal("A WAVE file ends after %" PRIu64 " of %u samples: %s", kept, given,
+                      strerror(error));
 }
 
 // Returns the nearest 16-bit sample; 0 for what is not a number.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "desktop/devices/pulse_stream.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -101,8 +102,7 @@ const char* AudioDevice::Name() const {
 bool AudioDevice::Start() {
   if (m_thread.joinable()) return false;
   if (!m_format.IsValid()) {
-    OutputDebugInfo("%s: no device has %u Hz and %u channels", Name(), m_format.rate,
-                    m_format.channels);
+    LogRefusal("%s: no device has %u Hz and %u channels", Name(), m_format.rate, m_format.channels);
     return false;
   }
   m_stop = m_onServer = m_suspended = false;
@@ -116,7 +116,7 @@ bool AudioDevice::Start() {
     AskToStop();
     if (m_blocks.joinable()) m_blocks.join();
     Unregister(this);
-    OutputDebugInfo("%s: does not start: %s", Name(), error.what());
+    LogRefusal("%s: does not start: %s", Name(), error.what());
     return false;
   }
   return true;

@@ -10,7 +10,7 @@
 
 #include "desktop/common/counts.h"
 #include "desktop/dsp/tempo/time_scaler.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ class Accelerator final : public IAudioAccelerate {
 
   void SetAccelerateRate(double percent) override {
     if (std::isnan(percent)) {
-      OutputDebugInfo("IAudioAccelerate: a rate that is no number is ignored");
+      desktop::LogRefusal("IAudioAccelerate: a rate that is no number is ignored");
       return;
     }
     m_speed = 1 + std::clamp(percent, 0.0, 100.0) / 100;
@@ -118,7 +118,7 @@ class Accelerator final : public IAudioAccelerate {
 
   // Writes one line for the first block and none for the others.
   void Tell(const char* what) {
-    if (!m_told) OutputDebugInfo("IAudioAccelerate: %s", what);
+    if (!m_told) desktop::LogRefusal("IAudioAccelerate: %s", what);
     m_told = true;
   }
 

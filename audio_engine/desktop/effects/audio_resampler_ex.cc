@@ -3,7 +3,7 @@
 #include <new>
 
 #include "desktop/dsp/rate/resampler.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -54,9 +54,9 @@ IAudioResamplerEx* IAudioResamplerEx::Create(uint32_t sourceFrames, uint32_t sou
   auto* converter = new (std::nothrow) BlockResampler({sourceFrames, sourceRate, sourceChannels},
                                                       {targetFrames, targetRate, targetChannels});
   if (converter == nullptr || !converter->IsOpen()) {
-    OutputDebugInfo("%s: cannot convert blocks of %u samples x %u at %u Hz to %u x %u at %u Hz",
-                    placeTag != nullptr ? placeTag : "IAudioResamplerEx", sourceFrames,
-                    sourceChannels, sourceRate, targetFrames, targetChannels, targetRate);
+    desktop::LogRefusal("%s: cannot convert blocks of %u samples x %u at %u Hz to %u x %u at %u Hz",
+                        placeTag != nullptr ? placeTag : "IAudioResamplerEx", sourceFrames,
+                        sourceChannels, sourceRate, targetFrames, targetChannels, targetRate);
   }
   return converter;
 }

@@ -13,7 +13,7 @@
 #include "desktop/dsp/music/beat_follower.h"
 #include "desktop/dsp/music/onset_envelope.h"
 #include "desktop/platform/callback_scope.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ class BeatTrack final : public IBeatTrack {
   BeatTrack(int rate, int channels) : m_rate(rate), m_channels(channels) {
     m_formatIsGood = rate >= 8000 && rate <= 192000 && channels >= 1 && channels <= kMaxChannels;
     if (!m_formatIsGood) {
-      OutputDebugInfo("IBeatTrack: %d Hz, %d channels cannot be done", rate, channels);
+      desktop::LogRefusal("IBeatTrack: %d Hz, %d channels cannot be done", rate, channels);
     }
   }
 
@@ -36,7 +36,7 @@ class BeatTrack final : public IBeatTrack {
 
   void Start(int mode, IBeatTrackNotify* notify, int delayDecision) override {
     if (RefusesInCallback(this, "IBeatTrack::Start")) return;
-    if (mode != 0) OutputDebugInfo("IBeatTrack: mode %d is taken as 0", mode);
+    if (mode != 0) desktop::LogRefusal("IBeatTrack: mode %d is taken as 0", mode);
     m_notify = notify;
     m_delay = int64_t{m_rate} * std::clamp(delayDecision, 0, 10000) / 1000;
     m_frames = 0;
@@ -49,7 +49,7 @@ class BeatTrack final : public IBeatTrack {
       m_envelope.emplace(m_rate, m_channels);
       m_follower.emplace(m_envelope->Step());
     } catch (const std::exception&) {
-      OutputDebugInfo("IBeatTrack: no memory");
+      desktop::LogRefusal("IBeatTrack: no memory");
     }
   }
 

@@ -9,7 +9,7 @@
 #include "desktop/dsp/dynamics/compressor.h"
 #include "desktop/dsp/effect_math.h"
 #include "desktop/dsp/filters/denormal_guard.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ struct Drc::Impl {
   }
 
   void Tell(const char* text) {
-    if (!std::exchange(told, true)) OutputDebugInfo("Drc: %s", text);
+    if (!std::exchange(told, true)) desktop::LogRefusal("Drc: %s", text);
   }
 };
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "desktop/dsp/sample_blocks.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -14,8 +14,8 @@ bool EffectGate::Passes(const void* samples, int samplesPerChannel, int sampleRa
     return true;
   }
   if (!std::exchange(m_told, true)) {
-    OutputDebugInfo("%s: cannot process %d samples x %d channels at %d Hz, sample size %d",
-                    m_effect, samplesPerChannel, channels, sampleRate, sampleSize);
+    LogRefusal("%s: cannot process %d samples x %d channels at %d Hz, sample size %d", m_effect,
+               samplesPerChannel, channels, sampleRate, sampleSize);
   }
   return false;
 }
@@ -30,7 +30,7 @@ bool EffectGate::Passes(const zuwebrtc::AudioFrame& frame) {
 }
 
 void EffectGate::TellNoMemory() {
-  if (!std::exchange(m_told, true)) OutputDebugInfo("%s: no memory", m_effect);
+  if (!std::exchange(m_told, true)) LogRefusal("%s: no memory", m_effect);
 }
 
 }  // namespace desktop

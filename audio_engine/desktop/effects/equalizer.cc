@@ -7,7 +7,7 @@
 #include "desktop/dsp/filters/denormal_guard.h"
 #include "desktop/dsp/filters/graphic_equalizer.h"
 #include "desktop/effects/effect_gate.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -40,7 +40,8 @@ class Equalizer final : public IEqualizer {
   void SetEqGain(int band, float gain) override {
     if (band < 0 || band >= desktop::kEqualizerBands || std::isnan(gain)) {
       if (!std::exchange(m_told, true)) {
-        OutputDebugInfo("IEqualizer: cannot set band %d to %g dB", band, static_cast<double>(gain));
+        desktop::LogRefusal("IEqualizer: cannot set band %d to %g dB", band,
+                            static_cast<double>(gain));
       }
       return;
     }
@@ -70,7 +71,7 @@ IEqualizer* CreateEqualizer() {
   try {
     return new Equalizer;
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("IEqualizer: no memory");
+    desktop::LogRefusal("IEqualizer: no memory");
     return nullptr;
   }
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "desktop/dsp/filters/fir_kernel.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -43,7 +43,7 @@ class DirectFormFilter final : public zuwebrtc::FIRFilter {
     try {
       SetCoefficients(coefficients, count);
     } catch (const std::exception&) {
-      OutputDebugInfo("FIRFilter: no memory for %zu coefficients, the old ones stay", count);
+      desktop::LogRefusal("FIRFilter: no memory for %zu coefficients, the old ones stay", count);
     }
   }
 
@@ -94,7 +94,7 @@ zuwebrtc::FIRFilter* zuwebrtc::FIRFilter::Create(const float* coefficients, size
   try {
     return std::make_unique<DirectFormFilter>(coefficients, count).release();
   } catch (const std::exception&) {
-    OutputDebugInfo("FIRFilter: no memory for %zu coefficients", count);
+    desktop::LogRefusal("FIRFilter: no memory for %zu coefficients", count);
     return nullptr;
   }
 }

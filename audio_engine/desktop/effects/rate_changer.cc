@@ -11,7 +11,7 @@
 #include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 #include "desktop/dsp/tempo/time_scaler.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -83,7 +83,7 @@ struct RateChanger::Impl {
 
   // Writes one line for each format, not one for each block.
   void Tell(const char* what) {
-    if (!told) OutputDebugInfo("RateChanger: %s", what);
+    if (!told) desktop::LogRefusal("RateChanger: %s", what);
     told = true;
   }
 
@@ -110,7 +110,7 @@ void RateChanger::SetEnabled(bool enabled) {
 
 void RateChanger::SetRatio(double ratio) {
   if (std::isnan(ratio)) {
-    OutputDebugInfo("RateChanger: a ratio that is no number is ignored");
+    desktop::LogRefusal("RateChanger: a ratio that is no number is ignored");
     return;
   }
   m_impl->ratio = std::clamp(ratio, 0.25, 4.0);

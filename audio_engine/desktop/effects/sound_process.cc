@@ -8,7 +8,7 @@
 
 #include "desktop/common/counts.h"
 #include "desktop/dsp/tempo/best_match.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -106,7 +106,7 @@ unsigned Splice(std::span<const short> in, unsigned channels, size_t before, siz
 // Returns `code`. Only the first refusal is logged, not one for each block.
 int Refuse(int code, const char* why) {
   static std::atomic_flag told;
-  if (!told.test_and_set()) OutputDebugInfo("sound process: %s", why);
+  if (!told.test_and_set()) desktop::LogRefusal("sound process: %s", why);
   return code;
 }
 

@@ -7,7 +7,7 @@
 #include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 #include "desktop/enhancement/parts/level_control.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -84,8 +84,8 @@ int WebRtcAgc_Init(void* handle, int32_t minLevel, int32_t maxLevel, int16_t mod
   const bool knownRate = rate == 8000 || rate == 16000 || rate == 32000 || rate == 48000;
   if (!knownRate || minLevel < 0 || maxLevel <= minLevel || mode < kAgcModeUnchanged ||
       mode > kAgcModeFixedDigital) {
-    OutputDebugInfo("no gain control in mode %d at %u Hz, levels %d to %d", mode, rate, minLevel,
-                    maxLevel);
+    desktop::LogRefusal("no gain control in mode %d at %u Hz, levels %d to %d", mode, rate,
+                        minLevel, maxLevel);
     return -1;
   }
   Agc& agc = *Of(handle);
@@ -103,8 +103,8 @@ int WebRtcAgc_set_config(void* handle, WebRtcAgcConfig config) {
   if (agc == nullptr || agc->rate == 0) return -1;
   if (config.targetLevelDbfs < 0 || config.targetLevelDbfs > 31 || config.compressionGaindB < 0 ||
       config.compressionGaindB > 90) {
-    OutputDebugInfo("no gain control to -%d dB by up to %d dB", config.targetLevelDbfs,
-                    config.compressionGaindB);
+    desktop::LogRefusal("no gain control to -%d dB by up to %d dB", config.targetLevelDbfs,
+                        config.compressionGaindB);
     return -1;
   }
   agc->config = config;

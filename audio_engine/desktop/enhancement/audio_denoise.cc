@@ -6,7 +6,7 @@
 #include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
 #include "desktop/enhancement/parts/spectral_suppressor.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -74,13 +74,14 @@ struct CAudioDenoise::Impl {
 
 CAudioDenoise::CAudioDenoise(int sampleRate, int channels) {
   if (sampleRate < 4000 || sampleRate > 192000 || channels < 1 || channels > 64) {
-    OutputDebugInfo("CAudioDenoise: %d Hz, %d channels are not supported", sampleRate, channels);
+    desktop::LogRefusal("CAudioDenoise: %d Hz, %d channels are not supported", sampleRate,
+                        channels);
     return;
   }
   try {
     m_impl = std::make_unique<Impl>(sampleRate, channels);
   } catch (const std::exception&) {
-    OutputDebugInfo("CAudioDenoise: no memory");
+    desktop::LogRefusal("CAudioDenoise: no memory");
   }
 }
 

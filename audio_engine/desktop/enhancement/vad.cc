@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ int WebRtcVad_set_mode(void* handle, int mode) {
   Detector* const detector = Of(handle);
   if (detector == nullptr || !detector->ready) return -1;
   if (mode < 0 || mode > 3) {
-    OutputDebugInfo("no voice detection in mode %d", mode);
+    desktop::LogRefusal("no voice detection in mode %d", mode);
     return -1;
   }
   detector->mode = mode;

@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "desktop/enhancement/parts/voice_detector.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 struct CVoiceDetectionEx::Impl {
   Impl(unsigned rate, unsigned channels) : detector(rate, channels) {}
@@ -13,14 +13,14 @@ struct CVoiceDetectionEx::Impl {
 
 CVoiceDetectionEx::CVoiceDetectionEx(unsigned int sampleRate, unsigned int channels) {
   if (!desktop::VoiceDetector::Accepts(sampleRate, channels)) {
-    OutputDebugInfo("CVoiceDetectionEx: %u Hz, %u channels are not supported", sampleRate,
-                    channels);
+    desktop::LogRefusal("CVoiceDetectionEx: %u Hz, %u channels are not supported", sampleRate,
+                        channels);
     return;
   }
   try {
     m_impl = std::make_unique<Impl>(sampleRate, channels);
   } catch (const std::exception&) {
-    OutputDebugInfo("CVoiceDetectionEx: no memory");
+    desktop::LogRefusal("CVoiceDetectionEx: no memory");
   }
 }
 

@@ -9,6 +9,7 @@
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/files/adts_writer.h"
 #include "desktop/files/wave_writer.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -34,17 +35,17 @@ bool FileSink::IsWritable(const char* name) {
 
 std::unique_ptr<FileSink> FileSink::Create(const char* name, DeviceFormat format, bool append) {
   if (!IsWritable(name)) {
-    OutputDebugInfo("%s: cannot write such a file: %s", name != nullptr ? name : "",
-                    KindOf(name) == Kind::kAac ? "there is no AAC library"
-                                               : "its name ends neither in .aac nor in .wav");
+    LogRefusal("%s: cannot write such a file: %s", name != nullptr ? name : "",
+               KindOf(name) == Kind::kAac ? "there is no AAC library"
+                                          : "its name ends neither in .aac nor in .wav");
     return nullptr;
   }
   errno = 0;
   auto writer = KindOf(name) == Kind::kAac ? OpenAdtsWriter(name, format, append)
                                            : OpenWaveWriter(name, format, append);
   if (writer == nullptr) {
-    OutputDebugInfo("%s: cannot write the audio file: %s", name,
-                    errno != 0 ? strerror(errno) : "not a file or not a format to go on with");
+    LogRefusal("%s: cannot write the audio file: %s", name,
+               errno != 0 ? strerror(errno) : "not a file or not a format to go on with");
     return nullptr;
   }
   return std::make_unique<FileSink>(name, format, std::move(writer));

@@ -6,6 +6,7 @@
 
 #include "desktop/dsp/dynamics/volume.h"
 #include "desktop/files/refused_files.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -68,7 +69,7 @@ bool FilePlayer::Play() {
     });
   } catch (const std::exception& error) {
     m_plays = m_thread.joinable();
-    OutputDebugInfo("player: %s", error.what());
+    LogRefusal("player: %s", error.what());
   }
   return m_plays;
 }
@@ -107,7 +108,7 @@ void FilePlayer::Run() {
 void FilePlayer::ReadAhead() {
   if (!m_source->Rewind()) {
     m_failed = true;
-    OutputDebugInfo("player: cannot go back to the start of the file");
+    LogRefusal("player: cannot go back to the start of the file");
     return;
   }
   while (const size_t frames = m_source->Read(m_block.data(), m_blockFrames)) {
@@ -115,7 +116,7 @@ void FilePlayer::ReadAhead() {
   }
   if (m_source->Failed()) {
     m_failed = true;
-    OutputDebugInfo("player: the file cannot be read to its end");
+    LogRefusal("player: the file cannot be read to its end");
   }
   // Silence moves what the resampler still holds out of it.
   const size_t lag = m_resampler->LagFrames() * m_source->Rate() / kFormat.rate;

@@ -4,9 +4,9 @@
 
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/dsp/dynamics/volume.h"
+#include "desktop/platform/log.h"
 #include "engine_api/codec/codec_format.h"
 #include "engine_api/mixing/audio_frame_player_notify.h"
-#include "engine_api/platform/log.h"
 
 namespace desktop {
 
@@ -35,7 +35,7 @@ std::unique_ptr<PacketMaker> PacketMaker::Create(IAudioFramePackerNotify* notify
   std::unique_ptr<PacketEncoder> encoder;
   if (setup.variant != nullptr) encoder = PacketEncoder::Create(setup);
   if (encoder == nullptr) {
-    OutputDebugInfo("packer: no codec for raw id %d", rawId);
+    LogRefusal("packer: no codec for raw id %d", rawId);
     return nullptr;
   }
   const DeviceFormat target = {static_cast<uint32_t>(setup.rate),

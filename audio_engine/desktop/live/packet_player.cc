@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "desktop/dsp/dynamics/volume.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -93,7 +93,7 @@ bool PacketPlayer::SetCodec(int rawId) {
   m_rawId = rawId;
   m_decoder = ConcealingDecoder::Create(rawId);
   if (m_decoder == nullptr) {
-    OutputDebugInfo("player: no codec for raw id %d", rawId);
+    LogRefusal("player: no codec for raw id %d", rawId);
     return false;
   }
   m_resampler = std::make_unique<Resampler>(static_cast<uint32_t>(m_decoder->Rate()),

@@ -15,6 +15,7 @@
 #include "desktop/mixing/parts/capture_cleaning.h"
 #include "desktop/mixing/parts/try_to_start.h"
 #include "desktop/platform/callback_scope.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -128,8 +129,8 @@ class AudioChannel : public IAudioChannel {
       const DeviceFormat processed = {static_cast<uint32_t>(processRate), sameChannels};
       if (notify == nullptr || !captured.IsValid() || !processed.IsValid() ||
           bytesPerSample != sizeof(short)) {
-        OutputDebugInfo("packer: cannot capture %d Hz, process %d Hz, %d channels, %d bytes",
-                        captureRate, processRate, channels, bytesPerSample);
+        desktop::LogRefusal("packer: cannot capture %d Hz, process %d Hz, %d channels, %d bytes",
+                            captureRate, processRate, channels, bytesPerSample);
         return false;
       }
       auto packer = desktop::PacketMaker::Create(notify, codecType, processed);
@@ -178,8 +179,8 @@ class AudioChannel : public IAudioChannel {
     return desktop::TryToStart(("player: stream " + std::to_string(stream)).c_str(), [&] {
       StopPlay(stream);
       if (notify == nullptr || !DeviceFormat{sampleRate, channels}.IsValid()) {
-        OutputDebugInfo("player: stream %u cannot play at %u Hz with %u channels", stream,
-                        sampleRate, channels);
+        desktop::LogRefusal("player: stream %u cannot play at %u Hz with %u channels", stream,
+                            sampleRate, channels);
         return false;
       }
       m_streams[stream] = std::make_unique<PlayedStream>(notify, stream, this);

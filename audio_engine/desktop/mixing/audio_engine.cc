@@ -53,8 +53,8 @@ class AudioCapture : public IAudioCapture, public desktop::CaptureListener {
     CloseDevice();
     const DeviceFormat format = {sampleRate, channels};
     if (!format.IsValid() || bitsPerSample != 16) {
-      OutputDebugInfo("microphone: cannot be opened with %u Hz, %u channels, %u bits", sampleRate,
-                      channels, bitsPerSample);
+      desktop::LogRefusal("microphone: cannot be opened with %u Hz, %u channels, %u bits",
+                          sampleRate, channels, bitsPerSample);
       return false;
     }
     m_microphone = OpenMicrophone(format);
@@ -110,7 +110,7 @@ class AudioEngine : public IAudioEngine {
 
   bool Start(AudioEngineFeature_t feature) override {
     if (feature < AudioEngineFeatureVOIP || feature >= TotalFeatureMode) {
-      OutputDebugInfo("engine: there is no feature %d", feature);
+      desktop::LogRefusal("engine: there is no feature %d", feature);
       return false;
     }
     desktop::CleansCapture() =

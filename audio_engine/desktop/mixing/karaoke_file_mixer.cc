@@ -11,7 +11,7 @@
 #include "desktop/files/open_audio_file.h"
 #include "desktop/mixing/karaoke/karaoke_mix.h"
 #include "desktop/platform/callback_scope.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
       m_thread = std::thread([this, run = std::move(run)]() mutable { Work(run); });
       return mixes;
     } catch (const std::exception& error) {
-      OutputDebugInfo("karaoke mixer: cannot start: %s", error.what());
+      desktop::LogRefusal("karaoke mixer: cannot start: %s", error.what());
       TellEnd();
       return false;
     }
@@ -101,7 +101,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
   Run Prepare(const char* outputFile) const {
     Run run;
     if (!m_isOpen) {
-      OutputDebugInfo("karaoke mixer: no files are open");
+      desktop::LogRefusal("karaoke mixer: no files are open");
       return run;
     }
     std::unique_ptr<FileSource> voice;
@@ -114,7 +114,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     auto converted = desktop::ConvertedSource::Create(std::move(voice), run.format);
     auto convertedMusic = desktop::ConvertedSource::Create(std::move(music), run.format);
     if (converted == nullptr || convertedMusic == nullptr) {
-      OutputDebugInfo("karaoke mixer: cannot bring both files to one format");
+      desktop::LogRefusal("karaoke mixer: cannot bring both files to one format");
       return run;
     }
     run.sink = FileSink::Create(outputFile, run.format, false);
@@ -128,7 +128,7 @@ class KaraokeFileMixer : public IKaraokeFileMixer {
     try {
       if (run.mix != nullptr) MixAll(run);
     } catch (const std::exception& error) {
-      OutputDebugInfo("karaoke mixer: stopped: %s", error.what());
+      desktop::LogRefusal("karaoke mixer: stopped: %s", error.what());
     }
     run = {};
     TellEnd();

@@ -18,6 +18,7 @@
 #include "desktop/mixing/parts/capture_cleaning.h"
 #include "desktop/mixing/parts/try_to_start.h"
 #include "desktop/platform/callback_scope.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace {
@@ -146,7 +147,7 @@ class KaraokeRecorder : public IKaraokeRecorder {
     if (RefusesInCallback(this, "IKaraokeRecorder::Start")) return false;
     if (m_recording != nullptr) return false;
     if (m_files.voice == nullptr && m_files.mix == nullptr) {
-      OutputDebugInfo("karaoke recorder: there is no file to record into");
+      desktop::LogRefusal("karaoke recorder: there is no file to record into");
       return false;
     }
     const bool starts = desktop::TryToStart("karaoke recorder:", [&] { return Record(); });

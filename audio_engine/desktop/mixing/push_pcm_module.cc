@@ -8,7 +8,7 @@
 
 #include "desktop/dsp/dynamics/sum_limiter.h"
 #include "desktop/dsp/rate/resampler.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace {
 
@@ -118,7 +118,7 @@ class PushPcmModule : public IPushPcmModule {
 IPushPcmModule* IPushPcmModule::CreatePuchPcmModule(unsigned dstFs, unsigned dstCh,
                                                     unsigned streamCount) {
   if (streamCount > kMaxStreams) {
-    OutputDebugInfo("Pushed PCM: %u streams are more than %u", streamCount, kMaxStreams);
+    desktop::LogRefusal("Pushed PCM: %u streams are more than %u", streamCount, kMaxStreams);
   }
   return new PushPcmModule(dstFs, dstCh);
 }

@@ -6,8 +6,8 @@
 
 #include "desktop/live/file_player.h"
 #include "desktop/platform/callback_scope.h"
+#include "desktop/platform/log.h"
 #include "desktop/platform/wake.h"
-#include "engine_api/platform/log.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ class SpeechMsgPlayer : public ISpeechMsgPlayer {
       if (notify != nullptr) m_thread = desktop::StartThread([this] { Notify(); });
       return true;
     } catch (const std::system_error& error) {
-      OutputDebugInfo("speech message: %s", error.what());
+      desktop::LogRefusal("speech message: %s", error.what());
       m_player.Stop();
       return false;
     }

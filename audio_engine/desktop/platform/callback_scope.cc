@@ -26,7 +26,7 @@ bool CallbackScope::IsIn(const void* owner) {
 
 bool RefusesInCallback(const void* owner, const char* operation) {
   if (!IsInLogListener() && !CallbackScope::IsIn(owner)) return false;
-  OutputDebugInfo("%s: refused in a callback that it would wait for", operation);
+  LogRefusal("%s: refused in a callback that it would wait for", operation);
   return true;
 }
 

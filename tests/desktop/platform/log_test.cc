@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "desktop/platform/log.h"
 #include "support/captured_stderr.h"
 
 namespace {
@@ -79,6 +80,20 @@ TEST(OutputDebugInfo, DoesNotCutLongLines) {
   OutputDebugInfo("%s", text.c_str());
   ASSERT_EQ(captured.Lines().size(), 1U);
   EXPECT_EQ(Message(captured.Lines()[0]), text);
+}
+
+TEST(LogRefusal, IsALineThatIsRemembered) {
+  const std::string longText(1000, 'x');
+  const CapturedStderr captured;
+  desktop::LogRefusal("no mode %d", 5);
+  desktop::LogRefusal("no mode %d", 5);
+  desktop::LogRefusal("%s", longText.c_str());
+  OutputDebugInfo("in mode %d", 4);
+  EXPECT_EQ(captured.Lines().size(), 4U);
+  EXPECT_EQ(Message(captured.Lines()[2]), longText);
+  EXPECT_THAT(desktop::Refusals(), ElementsAre("no mode 5", longText));
+  for (int i = 0; i < 20; ++i) desktop::LogRefusal("no room for %d", i);
+  EXPECT_EQ(desktop::Refusals().size(), 16U);
 }
 
 // A socket of this kind keeps what each write hands to it apart.

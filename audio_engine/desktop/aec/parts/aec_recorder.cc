@@ -8,6 +8,7 @@
 
 #include "desktop/common/counts.h"
 #include "desktop/common/wav_header.h"
+#include "desktop/platform/log.h"
 #include "engine_api/platform/log.h"
 
 namespace desktop {
@@ -71,7 +72,7 @@ struct AecRecorder::Detection {
 
 std::unique_ptr<AecRecorder> AecRecorder::Create(int rate, int channels, const Tags& tags) {
   if (rate < 1 || rate > 192000 || channels < 1 || channels > 8) {
-    OutputDebugInfo("no recorder for %d Hz, %d channels", rate, channels);
+    LogRefusal("no recorder for %d Hz, %d channels", rate, channels);
     return nullptr;
   }
   try {
@@ -81,10 +82,10 @@ std::unique_ptr<AecRecorder> AecRecorder::Create(int rate, int channels, const T
     }
     return std::unique_ptr<AecRecorder>(new AecRecorder(rate, channels, names));
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for a recorder");
+    LogRefusal("no memory for a recorder");
   } catch (const std::exception& error) {
     // There is no thread to be had, or a tag is null.
-    OutputDebugInfo("no recorder: %s", error.what());
+    LogRefusal("no recorder: %s", error.what());
   }
   return nullptr;
 }
@@ -122,7 +123,7 @@ void AecRecorder::Detect(int rate) {
   if (MonoInput::Accepts(rate, 1)) {
     m_detectRate = rate;
   } else {
-    OutputDebugInfo("no echo can be detected at %d Hz", rate);
+    LogRefusal("no echo can be detected at %d Hz", rate);
   }
 }
 
@@ -202,7 +203,7 @@ void AecRecorder::StartDetection() {
   try {
     m_detection = std::make_unique<Detection>(rate);
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory to detect echo");
+    LogRefusal("no memory to detect echo");
   }
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -36,7 +36,7 @@ void CaptureChain::SetRate(int rate) {
 
 bool CaptureChain::SetVadMode(VoiceDetectionMode mode) {
   if (mode == voiceDetectionUnknown) {
-    OutputDebugInfo("no voice detection in an unknown mode");
+    LogRefusal("no voice detection in an unknown mode");
     return false;
   }
   if (!m_voice->SetMode(mode)) return false;
@@ -103,7 +103,7 @@ bool CaptureChain::Prepare(Path& path, const zuwebrtc::AudioFrame& frame, const 
   try {
     return Follow(path, frame);
   } catch (const std::bad_alloc&) {
-    OutputDebugInfo("no memory for another format of the %s end", end);
+    LogRefusal("no memory for another format of the %s end", end);
     return false;
   }
 }

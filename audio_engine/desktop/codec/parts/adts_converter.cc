@@ -8,8 +8,8 @@
 #include "desktop/codec/parts/malloc_bytes.h"
 #include "desktop/codec/parts/packet_codec.h"
 #include "desktop/common/counts.h"
+#include "desktop/platform/log.h"
 #include "engine_api/codec/codec_format.h"
-#include "engine_api/platform/log.h"
 
 namespace desktop {
 
@@ -188,13 +188,13 @@ int ConvertToAdts(const unsigned char* data, size_t size, size_t maxBytes, unsig
   MallocBytes aac(maxBytes);
   Convert({data, size}, aac);
   if (aac.IsOutOfMemory()) {
-    OutputDebugInfo("stream to AAC: no memory for the result");
+    LogRefusal("stream to AAC: no memory for the result");
     return 0;
   }
   if (aac.IsFull()) {
-    OutputDebugInfo("stream to AAC: only the packets of the first %zu bytes fit", aac.size());
+    LogRefusal("stream to AAC: only the packets of the first %zu bytes fit", aac.size());
   } else if (aac.size() == 0) {
-    OutputDebugInfo("stream to AAC: no packet that could be converted");
+    LogRefusal("stream to AAC: no packet that could be converted");
   }
   const int bytes = Count(aac.size());
   *out = aac.Release();

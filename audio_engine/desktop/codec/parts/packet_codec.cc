@@ -5,12 +5,12 @@
 #include "desktop/codec/parts/codec_table.h"
 #include "desktop/codec/parts/create_payload_codec.h"
 #include "desktop/common/counts.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
 void LogOnce::operator()(const char* what, int rawId) {
-  if (IsFirst()) OutputDebugInfo("codec, raw id %d: %s", rawId, what);
+  if (IsFirst()) LogRefusal("codec, raw id %d: %s", rawId, what);
 }
 
 std::unique_ptr<PacketEncoder> PacketEncoder::Create(const CodecSetup& setup, LogOnce* log) {

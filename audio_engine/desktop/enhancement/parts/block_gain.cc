@@ -4,7 +4,7 @@
 
 #include "desktop/common/counts.h"
 #include "desktop/dsp/effect_math.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -21,7 +21,7 @@ BlockGain::BlockGain(int rate, int channels)
       m_samplesPerSecond(Accepts(rate, channels) ? rate * channels : 1),
       m_level(m_samplesPerSecond, LevelControl::Settings()),
       m_block(m_samples) {
-  if (m_samples == 0) OutputDebugInfo("no gain control for %d Hz, %d channels", rate, channels);
+  if (m_samples == 0) LogRefusal("no gain control for %d Hz, %d channels", rate, channels);
 }
 
 void BlockGain::Enable(bool on) {

@@ -3,7 +3,7 @@
 #include "desktop/common/counts.h"
 #include "desktop/enhancement/parts/activity_detector.h"
 #include "desktop/enhancement/parts/steady_noise.h"
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -38,7 +38,7 @@ bool VoiceDetector::HasMode(VoiceDetectionMode mode) {
   if (number >= voiceDetectionVeryLowLikelihood && number <= voiceDetectionHighLikelihood) {
     return true;
   }
-  OutputDebugInfo("CVoiceDetectionEx: no mode %d", number);
+  LogRefusal("CVoiceDetectionEx: no mode %d", number);
   return false;
 }
 

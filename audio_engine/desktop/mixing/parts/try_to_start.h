@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "engine_api/platform/log.h"
+#include "desktop/platform/log.h"
 
 namespace desktop {
 
@@ -14,7 +14,7 @@ bool TryToStart(const char* what, const Start& start) {
   try {
     return start();
   } catch (const std::exception& error) {
-    OutputDebugInfo("%s does not start: %s", what, error.what());
+    LogRefusal("%s does not start: %s", what, error.what());
     return false;
   }
 }
