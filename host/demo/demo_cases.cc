@@ -38,7 +38,7 @@ const std::vector<DemoCase>& Worded() {
       {"newTestZUDecode", {"demo/speech.stream", "demo/out.wav", "50", "16000", "true"}},
       {"TestZUCodecNew", {"demo/speech.wav", "demo/out.wav", "50"}},
       {"TestMockVADMos", {"demo/speech.wav", "50"}},
-      {"calAACMos", {"demo/band.wav", "out", "35", "64000", "44100"}},
+      {"calAACMos", {"demo/band.wav", "out", "35", "128000", "44100"}},
       {"TestReverb", {"demo/band.wav", "demo/out.wav", "1", "44100", "2"}},
       {"TestAudioResamplerEx", {"demo/band.wav", "demo/out.wav", "48000", "2"}},
       {"TestAudioChannel", {"50"}},

@@ -30,12 +30,22 @@ struct EngineFindings {
   RefusedFile refused[kMaxRefused];
   size_t refusedCount = 0;
 
+  // The lines of its log that say what it refused, or left out or alone.
+  static constexpr size_t kMaxLines = 8;
+  char lines[kMaxLines][200] = {};
+  size_t lineCount = 0;
+
   // Adds a file while there is room.
   void Refuse(std::string_view name, std::string_view reason) {
     if (refusedCount == kMaxRefused) return;
     RefusedFile& file = refused[refusedCount++];
     name.copy(file.name, sizeof file.name - 1);
     reason.copy(file.reason, sizeof file.reason - 1);
+  }
+
+  // Adds as much of a line as fits, while there is room.
+  void Say(std::string_view line) {
+    if (lineCount < kMaxLines) line.copy(lines[lineCount++], sizeof lines[0] - 1);
   }
 };
 

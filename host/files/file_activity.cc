@@ -16,6 +16,16 @@ void FirstFault::Note(std::string_view name, int error) {
   m_known = true;
 }
 
+FilePosition* FileActivity::NoteRead(std::string_view place, uint64_t bytes) {
+  if (place.size() >= sizeof reads[0].place) return nullptr;
+  const size_t at = readCount;
+  if (at == kMaxReads) return nullptr;
+  place.copy(reads[at].place, place.size());
+  reads[at].bytes = bytes;
+  readCount = at + 1;
+  return &reads[at];
+}
+
 void FileActivity::NoteOpenFault(std::string_view place, int error) {
   const size_t at = openFaultCount++;
   if (at < kMaxOpenFaults) openFaults[at].Set(place, error);

@@ -31,6 +31,13 @@ class FirstFault {
   FileFault m_fault;
 };
 
+// How far a file has been read: to the farthest place at which it was closed, or as many bytes as
+// were taken from it, where that is more.
+struct FilePosition {
+  char place[160] = {};
+  uint64_t bytes = 0;
+};
+
 struct FileActivity {
   static constexpr size_t kMaxOpenFaults = 64;
 
@@ -46,6 +53,15 @@ struct FileActivity {
   // which may be more than there is room for.
   FileFault openFaults[kMaxOpenFaults];
   std::atomic<size_t> openFaultCount = 0;
+
+  // The files that were read from, by their place in the workspace. Those for which there is no
+  // room, or whose names are too long, are left out.
+  static constexpr size_t kMaxReads = 2048;
+  FilePosition reads[kMaxReads];
+  std::atomic<size_t> readCount = 0;
+
+  // Notes it for the first time.
+  FilePosition* NoteRead(std::string_view place, uint64_t bytes);
 
   void NoteOpenFault(std::string_view place, int error);
 };

@@ -9,6 +9,10 @@ FileBefore::FileBefore(const std::string& path)
   m_state.WaitForClockTick();
 }
 
+uint64_t FileBefore::Bytes() const {
+  return WasThere() ? static_cast<uint64_t>(m_state.status()->st_size) : 0;
+}
+
 bool FileBefore::IsSameNow() const {
   const FileState now(m_path);
   if (!m_state.SameContent(now)) return false;

@@ -17,6 +17,9 @@ class FileBefore {
   // Returns whether there was a file.
   bool WasThere() const { return m_state.status().has_value(); }
 
+  // Returns 0 when there was none.
+  uint64_t Bytes() const;
+
   // Returns whether there is the same file with the same content, or none as before. The dates
   // tell, as far as they can; where they cannot, the content does: a change of its rights moves one
   // of them, and whoever overwrites a file may set the other one back.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <map>
@@ -45,10 +46,17 @@ FileActivity* g_activity = nullptr;  // Set while names are mapped.
 int g_workspace = -1;                // The folder.
 
 // The mapped files that are open, by name.
+struct OpenFile {
+  std::string name;
+  std::string place;   // In the workspace.
+  uint64_t taken = 0;  // Bytes, by fread.
+};
+
 struct OpenFiles {
   std::mutex mutex;
-  std::map<FILE*, std::string> names;
-  std::set<std::string> closed;  // The names of those that have been.
+  std::map<FILE*, OpenFile> names;
+  std::map<std::string, FilePosition*> read;  // By place; null for those without room.
+  std::set<std::string> closed;               // The names of those that have been.
 };
 
 // Lives until the process ends, because files may be closed by static destructors.
@@ -61,7 +69,28 @@ std::string NameOf(FILE* file) {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);
   const auto found = files.names.find(file);
-  return found == files.names.end() ? "" : found->second;
+  return found == files.names.end() ? "" : found->second.name;
+}
+
+// Counts what was read from a file.
+void CountRead(FILE* file, size_t bytes) {
+  OpenFiles& files = AllOpenFiles();
+  const std::scoped_lock lock(files.mutex);
+  const auto found = files.names.find(file);
+  if (found != files.names.end()) found->second.taken += bytes;
+}
+
+// Notes how far a file has been read that is open for nothing else. The lock is held.
+void NoteRead(FILE* file, const OpenFile& open, OpenFiles& files) {
+  if (__fwritable(file) != 0) return;
+  const auto position = static_cast<uint64_t>(std::max<off_t>(ftello(file), 0));
+  const uint64_t bytes = std::max(position, open.taken);
+  const auto [known, isNew] = files.read.try_emplace(open.place);
+  if (isNew) {
+    known->second = g_activity->NoteRead(open.place, bytes);
+  } else if (known->second != nullptr) {
+    known->second->bytes = std::max(known->second->bytes, bytes);
+  }
 }
 
 // Returns and forgets the name of a file that is about to be closed, after which its address may be
@@ -71,8 +100,9 @@ std::string ForgetName(FILE* file) {
   const std::scoped_lock lock(files.mutex);
   const auto found = files.names.extract(file);
   if (found.empty()) return "";
-  if (files.closed.insert(found.mapped()).second) ++g_activity->done;
-  return found.mapped();
+  NoteRead(file, found.mapped(), files);
+  if (files.closed.insert(found.mapped().name).second) ++g_activity->done;
+  return found.mapped().name;
 }
 
 bool HasDrive(std::string_view name) {
@@ -123,7 +153,7 @@ FILE* OpenMapped(Open open, const char* name, const char* mode) {
   ++g_activity->opened;
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);
-  files.names[file] = name;
+  files.names[file] = {.name = name, .place = *place};
   return file;
 }
 
@@ -179,11 +209,12 @@ void StopMapping() { g_activity = nullptr; }
 void FlushOpenedFiles() {
   OpenFiles& files = AllOpenFiles();
   const std::scoped_lock lock(files.mutex);  // None of them is closed meanwhile.
-  for (const auto& [file, name] : files.names) {
+  for (const auto& [file, open] : files.names) {
     if (__fwritable(file) != 0 && RealFflush(file) != 0) {
-      NoteFault(g_activity->writeFault, name, errno);
+      NoteFault(g_activity->writeFault, open.name, errno);
     }
-    NoteErrorFlag(file, name);
+    NoteErrorFlag(file, open.name);
+    NoteRead(file, open, files);
   }
   RealFflush(nullptr);  // Standard output too.
 }
@@ -210,6 +241,7 @@ int WrapStat(const char* name, struct stat* status) {
 
 size_t WrapFread(void* items, size_t size, size_t count, FILE* file) {
   const size_t done = RealFread(items, size, count, file);
+  if (done > 0 && host::g_activity != nullptr) host::CountRead(file, done * size);
   if (done < count && host::g_activity != nullptr && ferror(file) != 0) {
     const int error = errno;
     host::NoteFault(host::g_activity->readFault, host::NameOf(file), error);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -50,6 +51,9 @@ class OutputBefore {
   explicit OutputBefore(const FilePlace& output);
 
   OutputState StateNow() const;
+
+  // What the file held; 0 when there was none.
+  uint64_t Bytes() const { return m_before.Bytes(); }
 
  private:
   std::string m_path;

@@ -1,5 +1,7 @@
 #include "guards/fact_guards.h"
 
+#include <optional>
+
 #include "base/units.h"
 
 namespace host {
@@ -28,13 +30,21 @@ class Found {
   size_t m_count = 0;
 };
 
+// "1.20 s", or "1764 bytes"
+std::string Amount(const InputRead& read, double amount) {
+  return read.inBytes ? Bytes(static_cast<uint64_t>(amount)) : Seconds(amount);
+}
+
 }  // namespace
 
 void CheckFacts(const GuardInput& input, GuardHits& hits) {
   const RunFacts& facts = input.facts;
-  if (facts.keptBefore > 0) {
-    hits.Add(Guard::kAppended, {.at = 0},
-             "appended to " + Seconds(facts.keptBefore) + " that the file held before");
+  if (facts.keptBefore > 0 || facts.keptBytes > 0) {
+    const std::string before =
+        facts.keptBefore > 0 ? Seconds(facts.keptBefore) : Bytes(facts.keptBytes);
+    const std::optional<double> at =
+        facts.keptBefore > 0 ? std::optional(0.0) : std::optional<double>();
+    hits.Add(Guard::kAppended, {.at = at}, "appended to " + before + " that the file held before");
   }
 
   Found unused;
@@ -46,9 +56,10 @@ void CheckFacts(const GuardInput& input, GuardHits& hits) {
 
   Found unread;
   for (const InputRead& read : facts.inputs) {
-    if (read.read >= read.seconds - input.rules.unreadTolerance) continue;
-    unread.Add("of " + read.name + " only " + Seconds(read.read) + " of " + Seconds(read.seconds) +
-               " were read");
+    const double left = read.inBytes ? input.rules.unreadBytes : input.rules.unreadTolerance;
+    if (read.read >= read.all - left) continue;
+    unread.Add("of " + read.name + " only " + Amount(read, read.read) + " of " +
+               Amount(read, read.all) + " were read");
   }
   unread.Tell(Guard::kInputUnread, hits);
 

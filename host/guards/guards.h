@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,18 +20,20 @@ struct IgnoredArgument {
 // How far into one of its inputs the routine came.
 struct InputRead {
   std::string name = {};
-  double read = 0;     // Seconds.
-  double seconds = 0;  // All that there is.
+  double read = 0;       // Seconds,
+  double all = 0;        // and all that there are.
+  bool inBytes = false;  // Both are bytes, of what has no known duration.
 };
 
 // What the caller knows of the run, beside the signals.
 struct RunFacts {
   bool nullDevice = false;  // The output was recorded from a device that hears nothing.
-  double keptBefore = 0;    // Seconds of audio that the file held before, and still holds.
+  double keptBefore = 0;    // Seconds of audio that the file held before, and still holds,
+  uint64_t keptBytes = 0;   // or bytes, of what has no known duration.
   std::vector<IgnoredArgument> ignoredArguments = {};
   std::vector<InputRead> inputs = {};
-  std::vector<std::string> engineLines =
-      {};  // In which the engine refused or left alone something.
+  // Lines of the engine, which refused, or left out or alone something.
+  std::vector<std::string> engineLines = {};
 };
 
 // One output, what it was made from, and what is asked of it.

@@ -57,7 +57,8 @@ class GuardRules {
   double mostLevel = 12;
   double mostDelay = 1;           // Seconds by which the output may be later than the input,
   double mostAdvance = 0.25;      // and earlier.
-  double unreadTolerance = 0.25;  // Seconds of an input that may be left over.
+  double unreadTolerance = 0.25;  // Seconds of an input that may be left over,
+  double unreadBytes = 1024;      // or bytes, of what has no known duration.
 
  private:
   std::array<GuardAction, kGuards> m_actions;

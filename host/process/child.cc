@@ -189,6 +189,9 @@ void TakeFindings(const EngineFindings& findings, ChildOutcome& outcome) {
     const auto& [name, reason] = findings.refused[i];
     outcome.refusals.push_back({PlaceInWorkspace(name).value_or(""), reason});
   }
+  for (size_t i = 0; i < findings.lineCount; ++i) {
+    outcome.engineLines.emplace_back(findings.lines[i]);
+  }
 }
 
 void TakeFaults(const FileActivity& files, ChildOutcome& outcome) {
@@ -197,6 +200,9 @@ void TakeFaults(const FileActivity& files, ChildOutcome& outcome) {
   const size_t count = std::min<size_t>(files.openFaultCount, FileActivity::kMaxOpenFaults);
   for (size_t i = 0; i < count; ++i) {
     outcome.openFaults.push_back(ToProblem(&files.openFaults[i]));
+  }
+  for (size_t i = 0; i < std::min<size_t>(files.readCount, FileActivity::kMaxReads); ++i) {
+    outcome.reads.push_back({files.reads[i].place, files.reads[i].bytes});
   }
 }
 

@@ -32,6 +32,13 @@ struct EngineRefusal {
   std::string reason = {};
 };
 
+// How far the routine came in a file.
+struct FileRead {
+  // Relative to the workspace.
+  std::string place = {};
+  uint64_t bytes = 0;
+};
+
 struct ChildOutcome {
   // A routine that never returns is stopped when its time is up, which is no time-out.
   enum class End { kReturned, kStopped, kCrashed, kTimedOut, kInterrupted };
@@ -67,9 +74,15 @@ struct ChildOutcome {
   std::optional<double> cpu = {};
   std::optional<uint64_t> peakMemory = {};
 
-  // These two are known once the routine has returned.
+  // These three are known once the routine has returned.
   std::optional<DeviceGaps> deviceGaps = {};
   std::vector<EngineRefusal> refusals = {};
+
+  // What the engine said that it refused, or left out or alone.
+  std::vector<std::string> engineLines = {};
+
+  // The files that the routine has read from, those of them that were noted.
+  std::vector<FileRead> reads = {};
 };
 
 // What the engine says of a run, and what went wrong with its files, as parts of its outcome.

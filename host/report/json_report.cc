@@ -108,16 +108,22 @@ Json ResultsJson(const std::vector<Result>& results) {
   return json;
 }
 
-Json GuardsJson(const std::vector<FileReport>& outputs) {
+// Those of a file, or of the run as a whole where that is null.
+void AddGuards(const std::vector<GuardHit>& guards, const Json& file, Json& json) {
+  for (const GuardHit& hit : guards) {
+    json.push_back({{"name", hit.Name()},
+                    {"file", file},
+                    {"at", Number(hit.at)},
+                    {"channel", hit.channel ? Json(*hit.channel) : Json()},
+                    {"fails", hit.fails}});
+  }
+}
+
+Json GuardsJson(const RunReport& report) {
   Json json = Json::array();
-  for (const FileReport& output : outputs) {
-    for (const GuardHit& hit : output.guards) {
-      json.push_back({{"name", hit.Name()},
-                      {"file", output.place.name},
-                      {"at", Number(hit.at)},
-                      {"channel", hit.channel ? Json(*hit.channel) : Json()},
-                      {"fails", hit.fails}});
-    }
+  AddGuards(report.guards, Json(), json);
+  for (const auto* const files : {&report.inputs, &report.outputs}) {
+    for (const FileReport& file : *files) AddGuards(file.guards, file.place.name, json);
   }
   return json;
 }
@@ -217,7 +223,7 @@ std::string JsonReport(const RunReport& report) {
   AddFigures(report, json);
   json["log"] = report.log;
   json["results"] = ResultsJson(report.results);
-  json["guards"] = GuardsJson(report.outputs);
+  json["guards"] = GuardsJson(report);
   json["inputs"] = InputsJson(report.inputs);
   json["outputs"] = OutputsJson(report.outputs);
   return JsonText(json);

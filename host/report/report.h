@@ -55,7 +55,8 @@ struct FileReport {
   bool givenUp =
       false;  // The limits of the run ended the look at it, which is no fault of the file.
   bool changed = false;               // An input during the run, an output while it was looked at.
-  std::vector<GuardHit> guards = {};  // That an output hits.
+  std::vector<GuardHit> guards = {};  // That it hits.
+  uint64_t bytesBefore = 0;           // What an output held before the run.
   bool figures = true;                // Whether those of its channels were asked for.
   // SHA-256: of an input before the run, of an output after it.
   std::string digest = {};
@@ -91,7 +92,8 @@ struct RunReport {
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};
   std::optional<Stop> stop = {};
-  std::vector<Result> results = {};  // Empty when the routine was not run.
+  std::vector<GuardHit> guards = {};  // That the run as a whole hits.
+  std::vector<Result> results = {};   // Empty when the routine was not run.
 };
 
 // Processing time / audio time, which is that of the longest input; for a run over lists of files,

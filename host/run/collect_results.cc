@@ -1,9 +1,13 @@
 #include "run/collect_results.h"
 
+#include <functional>
 #include <map>
+#include <memory>
+#include <span>
 #include <string>
 #include <utility>
 
+#include "files/audio_figures.h"
 #include "files/regular_file.h"
 #include "results/table_results.h"
 
@@ -77,6 +81,45 @@ std::vector<Result> Lengths(const RunReport& report) {
   return lengths;
 }
 
+// The share of an output in which a detector has marked speech, in one pass.
+Result SpeechShare(const FileReport& output, int channel, const std::function<bool()>& goOn) {
+  Result share = {.name = "speech_share", .unit = "%", .file = output.place.name};
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenRegular(output.place.path), fclose);
+  const auto channels = static_cast<size_t>(output.audio->channels);
+  uint64_t frames = 0;
+  uint64_t marked = 0;
+  const auto count = [&](std::span<const float> block) {
+    for (size_t i = static_cast<size_t>(channel); i < block.size(); i += channels) {
+      ++frames;
+      if (block[i] > 0.5F) ++marked;
+    }
+    return goOn();
+  };
+  const std::string fault = file == nullptr ? "it cannot be opened"
+                                            : ForEachSampleBlock(file.get(), *output.audio, count);
+  if (!fault.empty() || frames == 0) {
+    share.reason = fault.empty() ? "there are no samples" : fault;
+  } else {
+    share.value = 100.0 * static_cast<double>(marked) / static_cast<double>(frames);
+  }
+  return share;
+}
+
+// Of the outputs in which a detector marks speech.
+std::vector<Result> SpeechShares(const Plan& plan, const RunReport& report, Limits& limits) {
+  const auto goOn = [&limits] { return limits.Check() == Limits::Stop::kNone; };
+  std::vector<Result> shares;
+  for (const FileReport& output : report.outputs) {
+    const harness::SoundUse* const sound =
+        harness::FindSound(plan.row->sounds, output.place.use.name);
+    if (sound == nullptr || sound->speechMarks < 0 || !output.audio || !output.audio->samples)
+      continue;
+    if (output.audio->channels <= sound->speechMarks) continue;
+    shares.push_back(SpeechShare(output, sound->speechMarks, goOn));
+  }
+  return shares;
+}
+
 // How the devices kept up, of a routine that uses any.
 std::vector<Result> Gaps(const Plan& plan, const ChildOutcome& outcome) {
   if (plan.row->device == Device::kNone) return {};
@@ -104,7 +147,8 @@ std::vector<Result> CollectResults(const Plan& plan, LineResults heard, const Ru
   ReadLines(texts, heard);
   std::vector<Result> results = heard.Take();
   for (const std::vector<Result>& more :
-       {ReadTables(plan, texts), Gaps(plan, *report.outcome), Lengths(report)}) {
+       {ReadTables(plan, texts), SpeechShares(plan, report, limits), Gaps(plan, *report.outcome),
+        Lengths(report)}) {
     results.insert(results.end(), more.begin(), more.end());
   }
   return results;

@@ -15,6 +15,7 @@
 #include "run/collect_results.h"
 #include "run/digest_files.h"
 #include "run/guard_outputs.h"
+#include "run/guard_run.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -59,6 +60,7 @@ FileReport Examiner::Output(const FilePlace& place, const OutputBefore& before) 
   FileReport report;
   report.place = place;
   report.state = before.StateNow();
+  report.bytesBefore = before.Bytes();
   if (report.state != OutputState::kWritten) return report;
   const FileState written(place.path);
   Look(report, m_plan.what.wav);
@@ -121,6 +123,7 @@ RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
   }
   const ChildOutcome::End end = report.outcome->end;
   if (end == ChildOutcome::End::kReturned || end == ChildOutcome::End::kStopped) {
+    GuardRun(plan, limits, report);
     GuardOutputs(plan, limits, report);
   }
   report.results = CollectResults(plan, std::move(executed.heard), report, limits);

@@ -51,13 +51,6 @@ class Loaded {
   Signal m_signal;
 };
 
-const SoundUse* FindSound(std::span<const SoundUse> sounds, const FileUse& output) {
-  for (const SoundUse& sound : sounds) {
-    if (output.name.ends_with(sound.output)) return &sound;
-  }
-  return nullptr;
-}
-
 GuardRules RulesOf(const SoundUse& sound) {
   GuardRules rules;
   rules.comparable = sound.comparable;
@@ -96,7 +89,7 @@ void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
   Loaded input;
   Loaded output;
   for (FileReport& file : report.outputs) {
-    const SoundUse* const sound = FindSound(plan.row->sounds, file.place.use);
+    const SoundUse* const sound = harness::FindSound(plan.row->sounds, file.place.use.name);
     if (sound == nullptr) continue;
     const size_t place = places[sound]++;
     if (!sound->noSound.empty() || file.state != OutputState::kWritten) continue;
@@ -104,12 +97,13 @@ void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
     const Signal* const made = output.Load(file, goOn);
     if (made == nullptr) continue;
     const FileReport* const source = InputOf(*sound, place, report.inputs);
-    file.guards = CheckGuards({.input = source == nullptr || source->changed || !comparable
-                                            ? nullptr
-                                            : input.Load(*source, goOn),
-                               .output = made,
-                               .rules = RulesOf(*sound),
-                               .facts = {.nullDevice = source == nullptr && captures}});
+    const std::vector<GuardHit> hits = CheckGuards(
+        {.input = source == nullptr || source->changed || !comparable ? nullptr
+                                                                      : input.Load(*source, goOn),
+         .output = made,
+         .rules = RulesOf(*sound),
+         .facts = {.nullDevice = source == nullptr && captures}});
+    file.guards.insert(file.guards.end(), hits.begin(), hits.end());
   }
 }
 

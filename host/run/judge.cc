@@ -131,15 +131,27 @@ std::optional<Problem> InputProblemAfter(const FileReport& input, const ChildOut
   return Problem{Cause::kReadError, name + " could not be read: " + reason};
 }
 
+void AddGuardProblem(const GuardHit& hit, const std::string& text, std::vector<Problem>& problems) {
+  problems.push_back({hit.fails ? Cause::kGuard : Cause::kGuardWarning, text});
+}
+
+// "clipped: 40 % of the samples"
+std::string GuardText(const GuardHit& hit) { return std::string(hit.Name()) + ": " + hit.text; }
+
+// What the guards say of an input, whose text names it.
+void AddInputGuards(const FileReport& input, std::vector<Problem>& problems) {
+  for (const GuardHit& hit : input.guards) AddGuardProblem(hit, GuardText(hit), problems);
+}
+
 // What the guards say of an output.
-void AddGuardProblems(const FileReport& output, std::vector<Problem>& problems) {
+void AddOutputGuards(const FileReport& output, std::vector<Problem>& problems) {
   for (const GuardHit& hit : output.guards) {
-    std::string text = "output " + FileName(output.place) + ": " + hit.Name() + ": " + hit.text;
+    std::string text = "output " + FileName(output.place) + ": " + GuardText(hit);
     if (hit.at) text += ", at " + Seconds(*hit.at);
     if (hit.channel && output.audio) {
       text += ", " + ChannelName(*hit.channel, output.audio->channels);
     }
-    problems.push_back({hit.fails ? Cause::kGuard : Cause::kGuardWarning, text});
+    AddGuardProblem(hit, text, problems);
   }
 }
 
@@ -163,7 +175,7 @@ void JudgeOutput(const FileReport& output, const ChildOutcome& outcome,
   } else {
     AddLookProblems(output, problems);
     AddContentProblems(output, problems);
-    AddGuardProblems(output, problems);
+    AddOutputGuards(output, problems);
   }
 }
 
@@ -221,10 +233,12 @@ Problems RunProblems(const RunReport& report, double timeout) {
     if (auto problem = InputProblemAfter(report.inputs[i], outcome)) {
       problems.inputs[i].push_back(*problem);
     }
+    AddInputGuards(report.inputs[i], problems.inputs[i]);
   }
   using End = ChildOutcome::End;
   if (outcome.end == End::kReturned || outcome.end == End::kStopped) {
     if (report.lookEnded) problems.run.push_back(*report.lookEnded);
+    for (const GuardHit& hit : report.guards) AddGuardProblem(hit, GuardText(hit), problems.run);
     for (size_t i = 0; i < report.outputs.size(); ++i) {
       JudgeOutput(report.outputs[i], outcome, problems.outputs[i]);
     }

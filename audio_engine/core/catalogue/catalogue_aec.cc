@@ -1,6 +1,7 @@
 // Echo cancellation.
 
 #include <string>
+#include <utility>
 
 #include "bench/aec/routines.h"
 #include "catalogue/catalogue_rows.h"
@@ -30,7 +31,7 @@ std::vector<FileUse> ForRecordings(const std::string& name) {
     return text;
   };
   for (const char* const recording : kRecordings) {
-    files.push_back(AnyWave(filled(recording)));
+    files.push_back(TreatedWave(filled(recording), kCallRates));
     files.back().pattern = filled("<recording>");
   }
   return files;
@@ -58,6 +59,7 @@ FileUse Framed(std::string name, WaveHeader header) {
 // The far end may lack a header: it is read from its first byte.
 FileUse FarEndWithoutHeader() {
   FileUse use = Optional(Framed("{pFarendFileName}", WaveHeader::kSamples));
+  use.partRead = "it may be longer than the near end";
   use.headerlessToo = true;
   return use;
 }
@@ -70,15 +72,22 @@ FileUse ForOutputOf(std::string name, WaveFormat format) {
   return use;
 }
 
+// What is left of it when the near end has come to its end is not needed.
+FileUse FarEnd(FileUse use) {
+  return ReadInPart(std::move(use), "it may be longer than the near end");
+}
+
+constexpr UnusedArgument kUnusedDelay[] = {{"echoDelay", "the delay that the canceller finds"}};
+
 const CatalogueRow kRows[] = {
     {.declared = declared::TestEchoDelayEst,
      .exercises = "echo-delay estimator (CEchoDelayEst) over far/near raw PCM; logs "
                   "\"TestEchoDelayEst: %d, %d\"",
-     .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+     .inputs = {FarEnd(Framed("{pFarendFileName}", WaveHeader::kSkipped)),
                 WithFirst(Framed("{pNearendFileName}", WaveHeader::kSkipped))}},
     {.declared = declared::TestEchoDelayEstAndAEC,
      .exercises = "delay estimator feeding the WebRTC-style echo canceller (WebRtcAec_*), timed",
-     .inputs = {Framed("{pFarendFileName}", WaveHeader::kSkipped),
+     .inputs = {FarEnd(Framed("{pFarendFileName}", WaveHeader::kSkipped)),
                 WithFirst(Framed("{pNearendFileName}", WaveHeader::kCopied))},
      .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
     {.declared = declared::TestZUAECNSProcess,
@@ -99,21 +108,23 @@ const CatalogueRow kRows[] = {
      .nullable = "pFarendFileName",
      .inputs = {FarEndWithoutHeader(),
                 WithFirst(Framed("{pNearendFileName}", WaveHeader::kCopied))},
-     .outputs = {WithForeignHeader(Wave("{pOutFileName}"))}},
+     .outputs = {WithForeignHeader(Wave("{pOutFileName}"))},
+     .unused = kUnusedDelay},
     {.declared = declared::TestAECProcess,
      .exercises = "WebRTC-style echo canceller (WebRtcAec_*) with a fixed echo delay",
-     .inputs = {Headerless("{pFarendFileName}", 16000, 1, 320),
+     .inputs = {FarEnd(Headerless("{pFarendFileName}", 16000, 1, 320)),
                 WithFirst(Headerless("{pNearendFileName}", 16000, 1, 320))},
      .outputs = {Headerless("{pOutFileName}", 16000, 1)}},
     {.declared = declared::TestZUAec,
      .exercises = "AecModule (software SoftwareAec or CreateHardwareAec) over WAVE files, with "
                   "resampling",
-     .inputs = {AnyWave("{inNearFile}"),
-                InFormatOf("{inNearFile}", AnyWave("{inFarFile}"), OtherFormat::kNoOutput)},
+     .inputs = {TreatedWave("{inNearFile}", kCallRates),
+                InFormatOf("{inNearFile}", FarEnd(TreatedWave("{inFarFile}", kCallRates)),
+                           OtherFormat::kNoOutput)},
      .outputs = {Wave("{outNearFile}")}},
     {.declared = declared::TestAecDenoiseInternal,
      .exercises = "the echo path's noise suppressor (Ns_*) over one WAVE file",
-     .inputs = {AnyWave("{in}")},
+     .inputs = {TreatedWave("{in}", kCallRates)},
      .outputs = {AnyWave("{out}")}},
     {.declared = declared::TestAecDenoiseNOIZEUS,
      .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)",
@@ -130,11 +141,11 @@ const CatalogueRow kRows[] = {
     {.declared = declared::TestSoftAec,
      .exercises = "SoftwareAec over files in \"music_delay/\"",
      .inputs = {ForOutputOf("music_delay/findcap.wav", kMono16),
-                WithFirst(ForOutputOf("music_delay/findreceive.wav", kMono16))},
+                WithFirst(FarEnd(ForOutputOf("music_delay/findreceive.wav", kMono16)))},
      .outputs = {Wave("music_delay/out.wav"), Empty(Text("music_delay/echo_metrics.txt"))}},
     {.declared = declared::TestEchoDetection,
      .exercises = "residual echo detection (echo_detection_*) over far/near WAVE files",
-     .inputs = {TakenFor("C:\\aecfiles\\farend.wav", kMono16, 2, WaveHeader::kSamples),
+     .inputs = {FarEnd(TakenFor("C:\\aecfiles\\farend.wav", kMono16, 2, WaveHeader::kSamples)),
                 WithFirst(
                     TakenFor("C:\\aecfiles\\nearend.wav", kMono16, 2, WaveHeader::kSamples))}},
     {.declared = declared::TestRecord,

@@ -1,11 +1,14 @@
 // Codecs and the preparation of quality scoring.
 
 #include <climits>
+#include <string>
+#include <utility>
 
 #include "bench/codec/routines.h"
 #include "catalogue/catalogue_rows.h"
 #include "catalogue/codec_needs.h"
 #include "catalogue/file_use.h"
+#include "catalogue/stream_ends.h"
 #include "engine_api/codec/codec_format.h"
 
 namespace harness {
@@ -36,6 +39,33 @@ AudioStreamFormat FormatOfWord(ArgumentWords words, size_t index) {
   Argument<int> codecId;
   codecId.Parse(words[index]);
   return FormatFromRawCodecId(codecId.Value());
+}
+
+// What counts in the place of a bit rate or a rate that is taken and not used.
+template <size_t index, auto field>
+std::string OfFormat(ArgumentWords words) {
+  const AudioStreamFormat format = FormatOfWord(words, index);
+  return format.iCodec == kAudioCodecUnknown ? "" : std::to_string(format.*field);
+}
+
+constexpr std::string_view kBitRateOfId = "the bit rate of the codec id";
+constexpr std::string_view kRateOfId = "the rate of the codec id";
+
+constexpr UnusedArgument kUnusedToEncode[] = {
+    {"brate", kBitRateOfId, OfFormat<2, &AudioStreamFormat::iBitRate>},
+    {"sRate", kRateOfId, OfFormat<2, &AudioStreamFormat::iSampleRate>}};
+constexpr UnusedArgument kUnusedToDecode[] = {
+    {"sRate", kRateOfId, OfFormat<2, &AudioStreamFormat::iSampleRate>}};
+constexpr UnusedArgument kUnusedInCase[] = {
+    {"wavOutFileName", "names after the format and the bit rate"},
+    {"bitRate", "the bit rate of the codec id; it goes into the names of the files alone",
+     OfFormat<2, &AudioStreamFormat::iBitRate>},
+    {"sRate", kRateOfId, OfFormat<2, &AudioStreamFormat::iSampleRate>}};
+
+FileUse Stream(std::string name, uint64_t (*end)(ArgumentWords words, StreamBytes bytes)) {
+  FileUse use = Other(std::move(name), "coded audio");
+  use.streamEnd = end;
+  return use;
 }
 
 std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
@@ -106,12 +136,12 @@ const CatalogueRow kRows[] = {
      .outputs = {Other("{pDstFileName}", "coded audio")}},
     {.declared = declared::TestDecodeFile,
      .exercises = "AudioLocalCodec::CreateAudioDecoder of the given type",
-     .inputs = {Other("{pSrcFileName}", "coded audio")},
+     .inputs = {Stream("{pSrcFileName}", PacketStreamEnd)},
      .outputs = {Other("{pDstFileName}", "headerless samples")},
      .lacking = NeedsTypeOfWord<2>},
     {.declared = declared::TestSilkPackerOut,
      .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")",
-     .inputs = {Optional(Other("packer.out", "coded audio"))},
+     .inputs = {Optional(Stream("packer.out", PackedStreamEnd))},
      .outputs = {Headerless("packer.pcm", 16000, 1)},
      .lacking = NeedsFamily<kAudioCodecSilk>},
     {.declared = declared::TestAACStreamToAAC,
@@ -125,7 +155,8 @@ const CatalogueRow kRows[] = {
      .outputs = {Wave("{pDstFileName}"), Wave("{pVadResultFile}")},
      .inputsFor = GatedInputFor,
      .lacking = NeedsRawIdOfWord<3>,
-     .fruitless = NoCodecOfWord<3>},
+     .fruitless = NoCodecOfWord<3>,
+     .codecIds = CodecIds},
     {.declared = declared::TestZUAudioProcessor,
      .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
      .inputs = {TakenFor("player.wav", kStereo44, 8192, WaveHeader::kRead)},
@@ -137,26 +168,32 @@ const CatalogueRow kRows[] = {
      .outputs = {Other("{encodedFileName}", "coded audio")},
      .inputsFor = EncodedInputFor,
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .codecIds = CodecIds},
     {.declared = declared::TestZUDecode,
      .exercises = "decode a stream file to WAVE (CWavFileWriter), timed",
-     .inputs = {Other("{encodedFileName}", "coded audio")},
+     .inputs = {Stream("{encodedFileName}", DecodedStreamEnd)},
      .outputs = {Full(Wave("{decodedWavFileName}"))},
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .codecIds = CodecIds},
     {.declared = declared::newTestZUEncode,
      .exercises = "encode with bit rate and sample rate",
      .inputs = {ForCodec("{wavInFileName}")},
      .outputs = {Other("{encodedFileName}", "coded audio")},
      .inputsFor = EncodedInputFor,
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .unused = kUnusedToEncode,
+     .codecIds = CodecIds},
     {.declared = declared::newTestZUDecode,
      .exercises = "decode at a given sample rate",
-     .inputs = {Other("{encodedFileName}", "coded audio")},
+     .inputs = {Stream("{encodedFileName}", NewDecodedStreamEnd)},
      .outputs = {Full(Wave("{decodedWavFileName}"))},
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .unused = kUnusedToDecode,
+     .codecIds = CodecIds},
     {.declared = declared::TestZUCodecNew,
      .exercises = "resample, encode, decode chain for MOS",
      .inputs = {ForCodec("{wavInFileName}")},
@@ -164,7 +201,8 @@ const CatalogueRow kRows[] = {
                  Full(Wave("{wavOutFileName}.dec.wav")), Wave("{wavOutFileName}")},
      .inputsFor = EncodedInputFor,
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .codecIds = CodecIds},
     {.declared = declared::TestMockVADMos,
      .exercises = "resample, VAD, codec chain for MOS",
      .inputs = {AnyWave("{refFile}"), PreprocessedSpeech()},
@@ -175,7 +213,8 @@ const CatalogueRow kRows[] = {
                  Other("{refFile}.vadCodec.wav.enc", "coded audio"),
                  Full(Wave("{refFile}.vadCodec.wav.dec.wav")), Wave("{refFile}.vadCodec.wav")},
      .lacking = NeedsRawIdOfWord<1>,
-     .fruitless = NoCodecOfWord<1>},
+     .fruitless = NoCodecOfWord<1>,
+     .codecIds = CodecIds},
     {.declared = declared::calAACMos,
      .exercises =
          "AAC chain writing the WAVE files \"%s%d_%d_%d.ref.wav\", \"%s%d_%d_%d.enc.wav\", "
@@ -184,7 +223,9 @@ const CatalogueRow kRows[] = {
      .outputs = QualityCase("{rate}_{channels}_{bitRate}"),
      .outputsFor = QualityCaseFor,
      .lacking = NeedsRawIdOfWord<2>,
-     .fruitless = NoCodecOfWord<2>},
+     .fruitless = NoCodecOfWord<2>,
+     .unused = kUnusedInCase,
+     .codecIds = CodecIds},
     {.declared = declared::GetCodecFrameLength,
      .helper = true,
      .exercises = "frame length from a stream header"},

@@ -60,7 +60,7 @@ FileUse ForOneChannel(std::string name) {
 
 // Of more channels, the chain answers no frame.
 FileUse ForKaraoke(std::string name) {
-  FileUse use = AnyWave(std::move(name));
+  FileUse use = TreatedWave(std::move(name), kMusicRates);
   use.channels = 1;
   use.alsoRight = {0, 2};
   use.otherFormat = OtherFormat::kNoOutput;
@@ -69,7 +69,8 @@ FileUse ForKaraoke(std::string name) {
 
 // Three times the samples of 10 ms.
 FileUse Speech(std::string name) {
-  FileUse use = AnyWave(std::move(name));
+  FileUse use =
+      TreatedWave(std::move(name), {.leastRate = 8000, .mostRate = 48000, .mostChannels = 8});
   use.blockMs = 30;
   return use;
 }
@@ -80,6 +81,9 @@ FileUse AnySample(FileUse use) {
   return use;
 }
 
+constexpr UnusedArgument kUnusedPreset[] = {
+    {"preset", "the reverb as the engine has it without a preset"}};
+
 const CatalogueRow kRows[] = {
     {.declared = declared::TestIIREq,
      .exercises = "CreateEqualizer over a 44.1 kHz stereo WAVE file",
@@ -89,7 +93,8 @@ const CatalogueRow kRows[] = {
      .exercises = "CAudioDspProcessor reverb with a preset",
      .inputs = {ReverbInput()},
      .outputs = {WithForeignHeader(Wave("{pDstFileName}"))},
-     .inputsFor = ReverbInputFor},
+     .inputsFor = ReverbInputFor,
+     .unused = kUnusedPreset},
     {.declared = declared::TestReverbPreset,
      .exercises = "TestReverb over every preset, one output file each",
      .inputs = {TakenFor("e:\\lumo.wav", {44100, 1}, 882, WaveHeader::kCopied)},
@@ -104,19 +109,19 @@ const CatalogueRow kRows[] = {
      .outputs = {kHrtfOutput}},
     {.declared = declared::TestAudioMusicDetector,
      .exercises = "AudioMusicDetector over \"music.wav\"",
-     .inputs = {AnySample(AnyWave("music.wav"))},
+     .inputs = {AnySample(TreatedWave("music.wav", kMusicRates))},
      .outputs = {Wave("music_det.wav")}},
     {.declared = declared::TestMdrc,
      .exercises = "MultibandDrc over \"voice.wav\" into \"mdrc.wav\"",
-     .inputs = {AnyWave("voice.wav")},
+     .inputs = {TreatedWave("voice.wav", kMusicRates)},
      .outputs = {AnyWave("mdrc.wav")}},
     {.declared = declared::TestVoiceBeautify,
      .exercises = "IAudioVoiceBeautify, checks output length against input",
-     .inputs = {AnyWave("f:\\4.wav")},
+     .inputs = {TreatedWave("f:\\4.wav", kMusicRates)},
      .outputs = {AnyWave("f:\\4_out6.wav")}},
     {.declared = declared::TestVoiceChangerEx,
      .exercises = "IVoiceChangerToolbox, checks output length against input",
-     .inputs = {AnyWave("voice.wav")},
+     .inputs = {TreatedWave("voice.wav", kMusicRates)},
      .outputs = {AnyWave("voice_changer_out.wav")}},
     {.declared = declared::TestSpeexConverter,
      .exercises = "IAudioResamplerEx over a 44.1 kHz stereo file",
@@ -132,7 +137,8 @@ const CatalogueRow kRows[] = {
      .outputs = {AnyWave("drc_out.wav")}},
     {.declared = declared::TestBeatTrack,
      .exercises = "CreateBeatTrack with a BeatTrackNotify writing \"BeatTrack.txt\"",
-     .inputs = {AnyWave("yedegangqinqu_Fs44100_Ch1.wav")},
+     .inputs = {TreatedWave("yedegangqinqu_Fs44100_Ch1.wav",
+                            {.leastRate = 8000, .mostRate = 192000, .mostChannels = 8})},
      .outputs = {{.name = "BeatTrack.txt", .mayBeEmpty = true, .content = "text"}}},
     {.declared = declared::AccelerateTest,
      .exercises = "AccelerateSoundProcess over \"whenold_8000_1.wav\"",
@@ -148,11 +154,11 @@ const CatalogueRow kRows[] = {
      .outputs = {AnyWave("eqreverb.wav")}},
     {.declared = declared::TestAudioEffectModule,
      .exercises = "AudioEffectModule equaliser gains over \"input.wav\"",
-     .inputs = {AnyWave("input.wav")},
+     .inputs = {TreatedWave("input.wav", kMusicRates)},
      .outputs = {AnyWave("effect_out.wav")}},
     {.declared = declared::TestRateChanger,
      .exercises = "RateChanger ratio change",
-     .inputs = {AnyWave("test.wav")},
+     .inputs = {TreatedWave("test.wav", {.leastRate = 8000, .mostRate = 48000, .mostChannels = 8})},
      .outputs = {AnyWave("rate.wav")}},
     {.declared = declared::TestSoundTouchBpm,
      .exercises = "soundtouch::BPMDetect, prints \"bpm=%f\"",

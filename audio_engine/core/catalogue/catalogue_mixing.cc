@@ -23,6 +23,9 @@ FileUse Accompaniment(std::string name) {
   return use;
 }
 
+constexpr const char* kBriefly = "the recorder is stopped after 0.1 s";
+constexpr const char* kPlayed = "it is played for 10 s";
+
 const CatalogueRow kRows[] = {
     {.declared = declared::TestAudioMixer,
      .exercises = "CAudioBlockMixer over one file, raw output",
@@ -34,7 +37,9 @@ const CatalogueRow kRows[] = {
     {.declared = declared::TestRecordMixer,
      .exercises = "AudioRecordMixer of accompaniment and voice",
      .inputs = {Accompaniment("record_acc.wav"),
-                InFormatOf("record_acc.wav", Accompaniment("record_voice.wav"),
+                InFormatOf("record_acc.wav",
+                           ReadInPart(Accompaniment("record_voice.wav"),
+                                      "it may be longer than the accompaniment"),
                            OtherFormat::kAsItIs)},
      .outputs = {AnyWave("record_out.wav")}},
     {.declared = declared::TestKaraokeFileMixer,
@@ -44,8 +49,8 @@ const CatalogueRow kRows[] = {
      .lacking = NeedsFamily<kAudioCodecAAC>},
     {.declared = declared::TestKaraokeRecorder,
      .exercises = "IKaraokeRecorder with line-information and score files",
-     .inputs = {Dispensable(Recording("/sdcard/dangni_mix.wav")),
-                Dispensable(Recording("/sdcard/dangni_acc.wav")),
+     .inputs = {ReadInPart(Dispensable(Recording("/sdcard/dangni_mix.wav")), kBriefly),
+                ReadInPart(Dispensable(Recording("/sdcard/dangni_acc.wav")), kBriefly),
                 Dispensable(Text("/sdcard/dangni_line_info.txt")),
                 Dispensable(Text("/sdcard/dangni_score_time_range.txt"))},
      .outputs = {Wave("/sdcard/voice_record.wav")},
@@ -53,7 +58,7 @@ const CatalogueRow kRows[] = {
      .seconds = 0.1},
     {.declared = declared::TestFilePlayer,
      .exercises = "engine file player of \"music.wav\" with a CaptureFilePlayer",
-     .inputs = {Recording("music.wav")},
+     .inputs = {ReadInPart(Recording("music.wav"), "it is heard for as long as the run goes on")},
      .outputs = {Text("sdk_log.txt")},
      .device = Device::kRender,
      .runsOn = 10},
@@ -65,7 +70,8 @@ const CatalogueRow kRows[] = {
      .neverReturns = true},
     {.declared = declared::TestAudioSaver,
      .exercises = "engine file player and saver: \"gangqin.wav\", \"saver.aac\", \"gangqin2.wav\"",
-     .inputs = {Recording("gangqin.wav"), Recording("gangqin2.wav")},
+     .inputs = {ReadInPart(Recording("gangqin.wav"), kPlayed),
+                ReadInPart(Recording("gangqin2.wav"), kPlayed)},
      .outputs = {Other("saver.aac", "AAC stream"), Text("sdk_log.txt")},
      .lacking = NeedsFamily<kAudioCodecAAC>,
      .device = Device::kBoth,
@@ -80,6 +86,7 @@ const CatalogueRow kRows[] = {
      .outputs = {Other("pack.enc", "coded audio"), Text("sdk_log.txt")},
      .lacking = NeedsRawIdOfWord<0>,
      .fruitless = NoCodecOfWord<0>,
+     .codecIds = CodecIds,
      .device = Device::kBoth,
      .seconds = 20},
     {.declared = declared::TestPushPcm,

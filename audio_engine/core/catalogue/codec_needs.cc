@@ -4,6 +4,7 @@
 
 #include "bench/codec/codec_family.h"
 #include "engine_api/codec/audio_codec.h"
+#include "engine_api/codec/codec_format.h"
 
 namespace harness {
 
@@ -23,7 +24,45 @@ bool HasType(AudioLocalCodec::AudioCodecType type) {
   return encoder != nullptr && decoder != nullptr;
 }
 
+const char* FamilyName(ZUAudioCodec family) {
+  switch (family) {
+    case kAudioCodecSilk:
+      return "Silk";
+    case kAudioCodecAAC:
+      return "HE-AAC";
+    case kAudioCodecAACHIGH:
+      return "AAC LC";
+    case kAudioCodecOPUS:
+      return "Opus";
+    case kAudioCodecEldAAC:
+      return "AAC-ELD";
+    case kAudioCodecAACUni:
+      return "HE-AAC v2";
+    default:
+      return "";
+  }
+}
+
 }  // namespace
+
+std::vector<CodecId> CodecIds() {
+  constexpr int kMostId = 255;
+  std::vector<CodecId> ids;
+  for (int id = 0; id <= kMostId; ++id) {
+    const ZUAudioCodec family = bench::CodecFamily(id);
+    if (family == kAudioCodecUnknown) continue;
+    const AudioStreamFormat format = FormatFromRawCodecId(id);
+    const bool adts = family == kAudioCodecAAC || family == kAudioCodecAACUni;
+    ids.push_back({.id = id,
+                   .codec = FamilyName(family),
+                   .rate = format.iSampleRate,
+                   .channels = format.iNumOfChannels,
+                   .bitRate = format.iBitRate,
+                   .header = adts ? "ADTS, 7 bytes" : "2 bytes",
+                   .lacking = LackingRawId(id)});
+  }
+  return ids;
+}
 
 std::string LackingFamily(ZUAudioCodec family) {
   if (HasFamily(family)) return "";

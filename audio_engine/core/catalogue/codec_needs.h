@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "catalogue/arguments.h"
 #include "catalogue/invoke.h"
+#include "catalogue/row.h"
 #include "engine_api/codec/local_codec.h"
 #include "engine_api/codec/stream_format.h"
 
@@ -18,6 +20,9 @@ std::string LackingFamily(ZUAudioCodec family);
 std::string LackingRawId(int codecId);
 
 std::string LackingType(AudioLocalCodec::AudioCodecType type);
+
+// Those that stand for a codec, in rising order.
+std::vector<CodecId> CodecIds();
 
 // What is to be said of an id that no engine has a codec for, as word number `index`, counted from
 // 0; empty when it stands for a codec.

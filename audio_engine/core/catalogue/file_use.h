@@ -19,6 +19,16 @@ inline FileUse AnyWave(std::string name) {
   return {.name = std::move(name), .container = Container::kWave, .blockMs = 10};
 }
 
+// The same, of which an engine treats some.
+inline FileUse TreatedWave(std::string name, const Treated& treated) {
+  FileUse use = AnyWave(std::move(name));
+  use.treated = treated;
+  return use;
+}
+
+inline constexpr Treated kCallRates = {.leastRate = 8000, .mostRate = 48000, .mostChannels = 2};
+inline constexpr Treated kMusicRates = {.leastRate = 8000, .mostRate = 192000, .mostChannels = 2};
+
 // A WAVE of one channel and any rate, 10 ms at a time, without which a routine ends its process.
 inline FileUse MonoWave(std::string name) {
   FileUse use = AnyWave(std::move(name));
@@ -80,6 +90,12 @@ inline FileUse InFormatOf(std::string other, FileUse use, OtherFormat otherForma
 // An input that belongs to the first one.
 inline FileUse WithFirst(FileUse use) {
   use.withFirst = true;
+  return use;
+}
+
+// An input of which a run may leave a part unread, and why.
+inline FileUse ReadInPart(FileUse use, std::string reason) {
+  use.partRead = std::move(reason);
   return use;
 }
 

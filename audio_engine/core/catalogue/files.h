@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 
 // The files of a routine, as the catalogue declares them.
 
@@ -37,6 +39,15 @@ enum class OtherFormat {
 struct WaveFormat {
   int rate = 0;
   int channels = 0;
+};
+
+// The formats of a WAVE in which an engine treats the sound; another one it leaves alone, or
+// refuses, at the latest while the routine runs.
+struct Treated {
+  std::span<const int> rates = {};  // Hz, in rising order; empty: all within these limits.
+  int leastRate = 0;                // Hz; 0: none.
+  int mostRate = 0;
+  int mostChannels = 0;  // 0: any.
 };
 
 // A file that a routine reads or writes.
@@ -76,13 +87,20 @@ struct FileUse {
   WaveHeader header = WaveHeader::kRead;
   OtherFormat otherFormat = OtherFormat::kAsItIs;
   WaveFormat alsoRight = {};  // A second format that is as right as the declared one.
-  int leastRate = 0;          // Below it, Hz, every rate is another format.
+  Treated treated = {};
+  int leastRate = 0;  // Below it, Hz, every rate is another format.
   // Whose format is right: the name of another input, or, for readers, what the words of a run
   // name.
   std::string formatOf = {};
   bool headerlessToo = false;  // Samples without a header do as well.
   std::string content = {};    // What a file of kOther holds: "text", "AAC stream".
   bool appended = false;       // An output that a run adds to.
+  // Why a run may leave a part of an input unread; empty when it reads all of it.
+  std::string partRead = {};
+  // Of a stream that is decoded up to the first frame that is none: how many of its bytes that is,
+  // with the words of a run. Null: of all of them.
+  uint64_t (*streamEnd)(std::span<const std::string_view> words,
+                        std::span<unsigned char> bytes) = nullptr;
   std::string pattern = {};  // Of the list of files that it belongs to; empty when it stands alone.
   std::string remark = {};   // For its reader, such as that nothing in the bench writes an input.
 };

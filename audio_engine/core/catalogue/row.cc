@@ -41,6 +41,13 @@ std::string Fruitless(const CatalogueRow& row, ArgumentWords words) {
 
 void Run(const CatalogueRow& row, ArgumentWords words) { row.declared.run(WithNull(row, words)); }
 
+const SoundUse* FindSound(std::span<const SoundUse> sounds, std::string_view output) {
+  for (const SoundUse& sound : sounds) {
+    if (output.ends_with(sound.output)) return &sound;
+  }
+  return nullptr;
+}
+
 std::vector<Parameter> Parameters(const Words& words) {
   std::vector<Parameter> parameters;
   std::string_view rest = words.parameters;

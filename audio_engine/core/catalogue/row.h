@@ -35,6 +35,25 @@ struct Declaration {
   std::string (*argumentFault)(ArgumentWords words) = nullptr;
 };
 
+// An argument that a routine takes and does not use.
+struct UnusedArgument {
+  std::string_view parameter = {};
+  std::string_view instead = {};  // What counts in its place: "the bit rate of the codec id".
+  // The value of that, as a word; empty for none. Null: it has no value of this kind.
+  std::string (*used)(ArgumentWords words) = nullptr;
+};
+
+// What a raw codec id stands for.
+struct CodecId {
+  int id = 0;
+  std::string codec = {};
+  int rate = 0;  // Hz
+  int channels = 0;
+  int bitRate = 0;           // bit/s
+  std::string header = {};   // Of each frame of a stream without extra headers.
+  std::string lacking = {};  // Why the engine at hand has no such codec; empty when it has.
+};
+
 struct CatalogueRow {
   Declaration declared;
   bool helper = false;  // No test of its own: returns something to the routines that call it.
@@ -58,6 +77,9 @@ struct CatalogueRow {
   // Why nothing comes out of words that the routine takes all the same, a codec id that stands for
   // no codec for example; empty when something does. Null: it always does.
   std::string (*fruitless)(ArgumentWords words) = nullptr;
+  std::span<const UnusedArgument> unused = {};
+  // Where a word is a raw codec id: those that stand for a codec. Null: none is.
+  std::vector<CodecId> (*codecIds)() = nullptr;
   // The figures in what it prints, logs and writes as text.
   std::span<const ResultLine> results = {};
   // The tables among the outputs of one run. Null: none.

@@ -51,13 +51,15 @@ constexpr SoundUse kRecord[] = {{.output = "far.wav", .input = "test2.pcm", .off
 
 // Enhancement.
 constexpr SoundUse kAgc[] = {{.input = "{pSrcFileName}", .off = kGainControlled}};
-constexpr SoundUse kVad[] = {{.output = "{pDstFileName}", .input = "{pSrcFileName}", .off = kGated},
-                             {.output = "{pResultFileName}", .noSound = kMarkers}};
+constexpr SoundUse kVad[] = {
+    {.output = "{pDstFileName}", .input = "{pSrcFileName}", .off = kGated},
+    {.output = "{pResultFileName}", .noSound = kMarkers, .speechMarks = 0}};
 constexpr SoundUse kHighPass[] = {{.input = "{pSrcFileName}"}};
-constexpr SoundUse kVadRefined[] = {{.noSound = kMarkers}};
+// Beside the sound in the first channel.
+constexpr SoundUse kVadRefined[] = {{.noSound = kMarkers, .speechMarks = 1}};
 constexpr SoundUse kVadResult[] = {
     {.output = "vad_out.wav", .input = "swb_ref_16kHz.wav", .off = kGated},
-    {.output = "vad_result.wav", .noSound = kMarkers}};
+    {.output = "vad_result.wav", .noSound = kMarkers, .speechMarks = 0}};
 constexpr SoundUse kMusicAgc[] = {{.input = ".wav", .off = kGainControlled}};
 constexpr SoundUse kDenoise[] = {{.input = "ns_in.wav", .off = kDenoised}};
 
@@ -71,11 +73,11 @@ constexpr SoundUse kEnhancedAac[] = {
 constexpr SoundUse kFromStream[] = {{}};
 constexpr SoundUse kGatedMos[] = {
     {.output = "{pDstFileName}", .input = "{pSrcFileName}", .off = kGated},
-    {.output = "{pVadResultFile}", .noSound = kMarkers}};
+    {.output = "{pVadResultFile}", .noSound = kMarkers, .speechMarks = 0}};
 constexpr SoundUse kChain[] = {{.input = "{wavInFileName}"}};
 constexpr SoundUse kMockVad[] = {
     {.output = ".resample.wav", .input = "{refFile}", .off = kConverted},
-    {.output = ".vadresult.wav", .noSound = kMarkers},
+    {.output = ".vadresult.wav", .noSound = kMarkers, .speechMarks = 0},
     {.output = ".vad.wav", .input = ".preproc.wav", .off = kGated},
     {.output = ".vadCodec.wav", .input = ".preproc.wav", .off = kGated},
     {.output = ".vadCodec.wav.dec.wav", .input = ".preproc.wav", .off = kGated},

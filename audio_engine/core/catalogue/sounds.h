@@ -27,7 +27,13 @@ struct SoundUse {
   double mostLevel = 12;
   std::span<const GuardOff> off = {};
   std::string_view noSound = {};  // Why it has no guards at all: it is no sound, but ...
+  // The channel, from 0, in which a detector marks what it takes for speech: with samples above
+  // half of full scale. -1: in none.
+  int speechMarks = -1;
 };
+
+// The first of them that is for an output of this name, as it is declared; null for none.
+const SoundUse* FindSound(std::span<const SoundUse> sounds, std::string_view output);
 
 // Those of a routine, in the order in which they are looked up.
 std::span<const SoundUse> Sounds(std::string_view routine);

@@ -31,5 +31,16 @@ TEST(EngineFindings, LeaveOutWhatThereIsNoRoomFor) {
   for (int i = 0; i < 8; ++i) EXPECT_EQ(findings.refused[i].name, std::to_string(i));
 }
 
+TEST(EngineFindings, KeepAsMuchOfALineAsFits) {
+  EngineFindings findings;
+  findings.Say("no such mode");
+  findings.Say(std::string(200, 'l'));
+  EXPECT_STREQ(findings.lines[0], "no such mode");
+  EXPECT_EQ(findings.lines[1], std::string(199, 'l'));
+  for (int i = 2; i < 10; ++i) findings.Say(std::to_string(i));
+  EXPECT_EQ(findings.lineCount, 8U);
+  EXPECT_STREQ(findings.lines[7], "7");
+}
+
 }  // namespace
 }  // namespace host

@@ -50,5 +50,16 @@ TEST(FileActivity, CountsOpenFaultsForWhichThereIsNoRoom) {
   }
 }
 
+TEST(FileActivity, LeavesOutReadsForWhichThereIsNoRoom) {
+  const auto activity = std::make_unique<FileActivity>();
+  EXPECT_EQ(activity->NoteRead(std::string(160, 'a'), 1), nullptr);
+  EXPECT_EQ(activity->readCount, 0U);
+  for (int i = 0; i < 2050; ++i) {
+    EXPECT_EQ(activity->NoteRead(std::to_string(i), 1) != nullptr, i < 2048) << i;
+  }
+  EXPECT_EQ(activity->readCount, 2048U);
+  EXPECT_STREQ(activity->reads[2047].place, "2047");
+}
+
 }  // namespace
 }  // namespace host

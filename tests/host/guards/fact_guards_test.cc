@@ -39,6 +39,17 @@ TEST(FactGuards, AnInputMayEndWithinItsToleranceOfTheLastRead) {
   EXPECT_EQ(hits[0].text, "of in.wav only 9.70 s of 10.00 s were read");
 }
 
+TEST(FactGuards, WhatHasNoDurationIsCountedInBytes) {
+  EXPECT_EQ(Names(CheckRun({.inputs = {{"in.aac", 8976, 10000, true}}})), "");
+  const auto hits = CheckRun({.inputs = {{"in.aac", 8975, 10000, true}}});
+  ASSERT_EQ(Names(hits), "input_unread");
+  EXPECT_EQ(hits[0].text, "of in.aac only 8975 bytes of 10.0 kB were read");
+  const auto appended = CheckRun({.keptBytes = 1});
+  ASSERT_EQ(Names(appended), "appended");
+  EXPECT_EQ(appended[0].at, std::nullopt);
+  EXPECT_EQ(appended[0].text, "appended to 1 byte that the file held before");
+}
+
 TEST(FactGuards, WhatTheEngineSaidIsRepeated) {
   const auto hits = CheckRun({.engineLines = {"no such mode", "again no such mode"}});
   ASSERT_EQ(Names(hits), "engine_said");

@@ -1,5 +1,6 @@
 // A catalogue of routines that do what routines should not, for the tests of the host.
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,25 @@ std::vector<FileUse> ListInputs() {
 FileUse Pcm16k(const std::string& name) {
   return {.name = name, .container = Container::kHeaderless, .rate = 16000, .channels = 1};
 }
+
+const FileUse kMarks = {
+    .name = "marks.pcm", .container = Container::kHeaderless, .rate = 8000, .channels = 2};
+constexpr harness::SoundUse kMarking[] = {{.noSound = "markers, not sound", .speechMarks = 1}};
+
+FileUse ReadInPart() {
+  FileUse use = kPcmInput;
+  use.partRead = "nobody needs the rest";
+  return use;
+}
+
+uint64_t UpToX(ArgumentWords /*words*/, std::span<unsigned char> bytes) {
+  const auto end = std::find(bytes.begin(), bytes.end(), 'x');
+  return static_cast<uint64_t>(end - bytes.begin());
+}
+
+std::string Seven(ArgumentWords /*words*/) { return "7"; }
+
+constexpr harness::UnusedArgument kSeven[] = {{"number", "the number of days", Seven}};
 
 constexpr harness::GuardOff kWithoutLevel[] = {{"level", "its gain is free"}};
 constexpr harness::SoundUse kBroken[] = {{.input = "in.pcm", .off = kWithoutLevel}};
@@ -173,6 +193,13 @@ std::vector<CatalogueRow> AllRows() {
            .outputs = {{.name = "{outFile}"}}},
           {.declared = declared::PlayWhatIsNone,
            .inputs = {{.name = "{inFile}", .container = Container::kRecording}}},
+          {.declared = declared::ReadSome, .inputs = {kPcmInput}},
+          {.declared = declared::ReadSomeOnPurpose, .inputs = {ReadInPart()}},
+          {.declared = declared::DecodeSome, .inputs = {{.name = "{inFile}", .streamEnd = UpToX}}},
+          {.declared = declared::HaveSaid},
+          {.declared = declared::UseSeven, .unused = kSeven},
+          {.declared = declared::Mark, .outputs = {kMarks}, .sounds = kMarking},
+          {.declared = declared::AppendTo, .outputs = {{.name = "{outFile}", .appended = true}}},
           {.declared = declared::WriteUnless,
            .inputs = {{.name = "spare.in", .optional = true, .dispensable = true}},
            .outputs = {{.name = "out", .fullBytes = 100}},

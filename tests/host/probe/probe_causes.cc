@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -50,6 +51,49 @@ std::string g_refused;
 void PlayWhatIsNone(const char* inFile) { g_refused = inFile; }
 
 const std::string& RefusedByTheEngine() { return g_refused; }
+
+void ReadSome(const char* inFile, int bytes) {
+  FILE* const in = fopen(inFile, "rb");
+  std::string read(static_cast<size_t>(bytes), '\0');
+  if (fread(read.data(), 1, read.size(), in) != read.size()) abort();
+  fclose(in);
+}
+
+void ReadSomeOnPurpose(const char* inFile, int bytes) { ReadSome(inFile, bytes); }
+
+void DecodeSome(const char* inFile) {
+  FILE* const in = fopen(inFile, "rb");
+  while (fgetc(in) != EOF) {
+  }
+  fclose(in);
+}
+
+namespace {
+
+std::string g_said;
+
+}  // namespace
+
+void HaveSaid(const char* line) { g_said = line; }
+
+const std::string& SaidByTheEngine() { return g_said; }
+
+void UseSeven(int /*number*/) {}
+
+void Mark() {
+  FILE* const out = fopen("marks.pcm", "wb");
+  for (const short mark : {short{0}, short{30000}, short{12767}, short{0}}) {
+    const short frame[] = {20000, mark};
+    fwrite(frame, sizeof frame, 1, out);
+  }
+  fclose(out);
+}
+
+void AppendTo(const char* outFile) {
+  FILE* const out = fopen(outFile, "ab");
+  fputs("more", out);
+  fclose(out);
+}
 
 void WriteUnless(const char* word, int bytes) {
   FILE* const out = fopen("out", "wb");

@@ -370,5 +370,6 @@ host::EngineFindings host::FinishEngineWork(std::chrono::milliseconds limit, boo
   findings.gaps = DeviceGaps{.underruns = 3, .overruns = 1};
   const std::string& refused = RefusedByTheEngine();
   if (!refused.empty()) findings.Refuse(refused, "it holds no audio");
+  if (!SaidByTheEngine().empty()) findings.Say(SaidByTheEngine());
   return findings;
 }

@@ -60,10 +60,18 @@ ROUTINE(void, GoWithout, const char* inFile);
 ROUTINE(void, CopyList,
         int milliseconds);  // Copies those of its 40 files that are there, one by one.
 ROUTINE(void, HangOn, const char* inFile);
-ROUTINE(void, CopyIfThere, const char* outFile);          // "fixed.in", or nothing.
-ROUTINE(void, ReportOnList, const char* outFile);         // Has a first line whatever is there.
-ROUTINE(void, PlayWhatIsNone, const char* inFile);        // Its engine says so.
-const std::string& RefusedByTheEngine();                  // Empty for nothing.
+ROUTINE(void, CopyIfThere, const char* outFile);    // "fixed.in", or nothing.
+ROUTINE(void, ReportOnList, const char* outFile);   // Has a first line whatever is there.
+ROUTINE(void, PlayWhatIsNone, const char* inFile);  // Its engine says so.
+const std::string& RefusedByTheEngine();            // Empty for nothing.
+ROUTINE(void, ReadSome, const char* inFile, int bytes);
+ROUTINE(void, ReadSomeOnPurpose, const char* inFile, int bytes);  // As its row says.
+ROUTINE(void, DecodeSome, const char* inFile);                    // Up to the first 'x'.
+ROUTINE(void, HaveSaid, const char* line);                        // By the engine, as a refusal.
+const std::string& SaidByTheEngine();                             // Empty for nothing.
+ROUTINE(void, UseSeven, int number);                              // Whatever it is given.
+ROUTINE(void, Mark);  // A quarter of a stereo track in its second channel, as a detector does.
+ROUTINE(void, AppendTo, const char* outFile);
 ROUTINE(void, WriteUnless, const char* word, int bytes);  // Nothing for "nothing".
 ROUTINE(void, TakeTurn, const char* turns);          // Says in that file when it begins and ends.
 ROUTINE(void, TakeTurnOnDevice, const char* turns);  // The same, as its row says with a device,

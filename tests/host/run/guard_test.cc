@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -10,6 +11,7 @@
 #include "report_schema.h"
 #include "run/run_fixture.h"
 #include "support/file_bytes.h"
+#include "support/wav_bytes.h"
 
 namespace {
 
@@ -97,6 +99,97 @@ TEST_F(GuardTest, TakesWarningsForFailuresWhenStrict) {
   EXPECT_EQ(report["exit_code"], 1);
   EXPECT_EQ(report["cause"], "guard");
   EXPECT_EQ(Report({"softer", "--strict"})["verdict"], "pass");
+}
+
+// What is known of a run beside the sound of its outputs.
+class RunGuardTest : public GuardTest {
+ protected:
+  // The guard that a run hits and its file; nothing of both where there is none.
+  static std::string Hit(const std::vector<std::string>& command) {
+    std::vector<std::string> all = command;
+    all.insert(all.end(), {"--json", "report.json"});
+    m_run = Run(all);
+    const json report = ParseReport(ReadFile("report.json"));
+    EXPECT_EQ(report["verdict"], report["guards"].empty() ? "pass" : "warn") << report["reason"];
+    if (report["guards"].empty()) return "";
+    const json& guard = report["guards"][0];
+    return guard["name"].get<std::string>() +
+           (guard["file"].is_null() ? "" : " " + guard["file"].get<std::string>());
+  }
+
+  static inline Finished m_run;
+};
+
+// Two seconds of 8 kHz: a quarter of a second may be left.
+TEST_F(RunGuardTest, AnInputIsReadToItsEnd) {
+  Put("two.pcm", std::string(32000, 'a'));
+  EXPECT_EQ(Hit({"ReadSome", "two.pcm", "32000"}), "");
+  EXPECT_EQ(Hit({"ReadSome", "two.pcm", "28000"}), "");
+  EXPECT_EQ(Hit({"ReadSome", "two.pcm", "27998"}), "input_unread two.pcm");
+  EXPECT_THAT(m_run.out, HasSubstr("of two.pcm only 1.75 s of 2.00 s were read"));
+  EXPECT_EQ(Hit({"ReadSomeOnPurpose", "two.pcm", "100"}), "");
+  const std::string described =
+      RunProcess({AUDIO_BENCH_PROBE, "describe", "ReadSomeOnPurpose"}).out;
+  EXPECT_THAT(described, HasSubstr("may be read in part: nobody needs the rest"));
+}
+
+TEST_F(RunGuardTest, AStreamIsDecodedToItsEnd) {
+  Put("whole", std::string(20000, 'a'));
+  EXPECT_EQ(Hit({"DecodeSome", "whole"}), "");
+  Put("nearly", std::string(20000, 'a') + std::string(1024, 'x'));
+  EXPECT_EQ(Hit({"DecodeSome", "nearly"}), "");
+  Put("broken", std::string(20000, 'a') + std::string(1025, 'x'));
+  EXPECT_EQ(Hit({"DecodeSome", "broken"}), "input_unread broken");
+}
+
+TEST_F(RunGuardTest, AnArgumentThatIsNotUsedIsWhatIsUsed) {
+  EXPECT_EQ(Hit({"UseSeven", "7"}), "");
+  EXPECT_EQ(Hit({"UseSeven", "8"}), "argument_unused");
+  EXPECT_THAT(m_run.out, HasSubstr("number = 8 was not used, but 7"));
+}
+
+TEST_F(RunGuardTest, TheEngineRefusesNothing) {
+  EXPECT_EQ(Hit({"HaveSaid", ""}), "");
+  EXPECT_EQ(Hit({"HaveSaid", "no such mode"}), "engine_said");
+  EXPECT_THAT(m_run.out, HasSubstr("engine_said: no such mode"));
+}
+
+TEST_F(RunGuardTest, NothingIsAppendedToWhatWasThere) {
+  EXPECT_EQ(Hit({"AppendTo", "log"}), "");
+  EXPECT_EQ(Hit({"AppendTo", "log"}), "appended log");
+  Put("log", "");
+  EXPECT_EQ(Hit({"AppendTo", "log"}), "");
+}
+
+// As the routines of the bench are on the engine at hand.
+TEST_F(RunGuardTest, TheBenchSaysWhatItDidNotDo) {
+  const auto guards = [](const std::vector<std::string>& words) {
+    std::vector<std::string> command = {AUDIO_BENCH, "run"};
+    command.insert(command.end(), words.begin(), words.end());
+    command.insert(command.end(), {"--json", "report.json"});
+    RunProcess(command);
+    const json report = ParseReport(ReadFile("report.json"));
+    std::string names;
+    for (const json& each : report["guards"]) names += each["name"].get<std::string>() + " ";
+    return names;
+  };
+  Put("in.wav", Riff(PlainFormat({}) + Chunk("data", Tone())));
+  const auto encode = [&](const char* bitRate, const char* rate) {
+    return guards({"newTestZUEncode", "in.wav", "out.stream", "50", bitRate, rate, "true"});
+  };
+  EXPECT_EQ(encode("18000", "16000"), "");
+  EXPECT_EQ(encode("24000", "16000"), "argument_unused ");
+  EXPECT_EQ(encode("18000", "8000"), "argument_unused ");
+  EXPECT_EQ(guards({"newTestZUDecode", "out.stream", "o.wav", "50", "48000", "true"}),
+            "argument_unused ");
+
+  EXPECT_EQ(guards({"TestZUDecode", "out.stream", "o.wav", "50", "true"}), "");
+  std::string stream = ReadFile("bench_work/out.stream");
+  std::fill_n(stream.begin() + 1000, 400, '\xff');
+  Put("out.stream", stream);
+  EXPECT_EQ(guards({"TestZUDecode", "out.stream", "o.wav", "50", "true"}), "input_unread ");
+  EXPECT_EQ(guards({"newTestZUDecode", "out.stream", "o.wav", "50", "16000", "true"}),
+            "input_unread ");
 }
 
 TEST_F(GuardTest, LooksAtNothingThatNoRowNames) {

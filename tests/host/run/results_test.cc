@@ -45,6 +45,14 @@ TEST_F(RunTest, TellsTheLengthOfAnOutputInTheReportAlone) {
   EXPECT_EQ(results[0]["unit"], "s");
 }
 
+TEST_F(RunTest, TellsTheShareOfWhatADetectorMarks) {
+  const Finished run = Run({"Mark", "--json", "report.json"});
+  EXPECT_THAT(run.out, HasSubstr("result  speech_share  25 %\n"));
+  const json results = ParseReport(ReadFile("report.json"))["results"];
+  EXPECT_EQ(results[0], json::parse(R"({"name": "speech_share", "value": 25, "unit": "%",
+      "better": "none", "file": "marks.pcm", "reason": null})"));
+}
+
 TEST_F(RunTest, HasNoResultsOfARoutineThatWasNotRun) {
   Run({"Copy", "absent.pcm", "out.pcm", "--json", "report.json"});
   EXPECT_EQ(ParseReport(ReadFile("report.json"))["results"], json::array());
