@@ -16,6 +16,12 @@ bool FitsBetter(int one, int other, int rate) {
   return one >= rate ? one < other : one > other;
 }
 
+// The rate nearest to its own that is within the limits.
+int WithinLimits(const Form& form, int own) {
+  const int most = form.mostRate > 0 ? form.mostRate : own;
+  return std::max(std::min(own, most), form.leastRate);
+}
+
 int ChannelsOf(const Form& form, int own) {
   int fewest = 0;
   for (const WaveFormat& each : form.formats) {
@@ -29,10 +35,10 @@ int RateOf(const Form& form, int channels, int own) {
   int best = 0;
   for (const WaveFormat& each : form.formats) {
     if (each.channels != 0 && each.channels != channels) continue;
-    const int rate = each.rate == 0 ? std::max(own, form.leastRate) : each.rate;
+    const int rate = each.rate == 0 ? WithinLimits(form, own) : each.rate;
     if (best == 0 || FitsBetter(rate, best, own)) best = rate;
   }
-  return best == 0 ? std::max(own, form.leastRate) : best;
+  return best == 0 ? WithinLimits(form, own) : best;
 }
 
 bool HasWaveForm(FILE* file, const Form& form, WaveFormat format) {

@@ -24,7 +24,8 @@ struct Form {
   SampleType samples = SampleType::kPcm16;
   // Those that are right, each rate or channel count 0 for any; none: every format is.
   std::vector<WaveFormat> formats = {};
-  int leastRate = 0;         // Hz; 0: any.
+  int leastRate = 0;  // Hz; 0: any.
+  int mostRate = 0;
   bool plainHeader = false;  // A WAVE whose first 44 bytes are its header, with nothing after it.
 };
 

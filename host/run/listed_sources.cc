@@ -77,4 +77,9 @@ std::vector<NamedFile> FindListed(const std::string& folder, const std::vector<F
                    (listed.empty() ? "" : ", such as " + Stem(listed.front()) + ".wav")};
 }
 
+std::string FindFile(const std::string& folder, const FilePlace& input,
+                     const std::function<void()>& goOn) {
+  return Folder(folder, goOn).Find(input.place);
+}
+
 }  // namespace host

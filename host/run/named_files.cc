@@ -1,7 +1,9 @@
 #include "run/named_files.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "base/usage_error.h"
 
@@ -23,8 +25,8 @@ std::string ParameterOf(const FileUse& use) {
 
 class Naming {
  public:
-  Naming(const std::string& option, std::span<const FilePlace> places)
-      : m_option(option), m_places(places), m_taken(places.size(), false) {}
+  Naming(const std::string& option, std::span<const FilePlace> places, bool lists)
+      : m_option(option), m_places(places), m_lists(lists), m_taken(places.size(), false) {}
 
   // Takes a word that begins with a name. False for another one.
   bool TakeNamed(const std::string& word) {
@@ -39,6 +41,11 @@ class Naming {
 
   void TakeNext(const std::string& word) {
     if (word.empty()) throw UsageError{m_option + " is empty"};
+    std::error_code error;
+    if (m_lists && std::filesystem::is_directory(word, error)) {
+      m_named.folders.push_back(word);
+      return;
+    }
     for (size_t i = 0; i < m_places.size(); ++i) {
       if (m_taken[i]) continue;
       if (!m_places[i].use.pattern.empty()) {
@@ -87,6 +94,7 @@ class Naming {
 
   const std::string& m_option;
   std::span<const FilePlace> m_places;
+  const bool m_lists;
   std::vector<bool> m_taken;
   NamedFiles m_named;
 };
@@ -112,8 +120,8 @@ bool AllNamed(std::span<const std::string> words) {
 }  // namespace
 
 NamedFiles NameFiles(const std::string& option, std::span<const std::string> words,
-                     std::span<const FilePlace> places) {
-  Naming naming(option, places);
+                     std::span<const FilePlace> places, bool lists) {
+  Naming naming(option, places, lists);
   std::vector<std::string> nameless;
   for (const std::string& word : words) {
     if (!naming.TakeNamed(word)) nameless.push_back(word);

@@ -23,9 +23,10 @@ struct NamedFiles {
 
 // What the words after --in or --out (`option`) name: "NAME=FILE", where NAME is the name of one of
 // the routine's files, its last component, or the parameter that names it; or a file, for the first
-// of them that has none yet, or a folder where that one belongs to a list. Throws UsageError.
+// of them that has none yet, or a folder where that one belongs to a list. `lists`: the first of
+// the files is a text that lists others, which a folder serves. Throws UsageError.
 NamedFiles NameFiles(const std::string& option, std::span<const std::string> words,
-                     std::span<const FilePlace> places);
+                     std::span<const FilePlace> places, bool lists = false);
 
 // The arguments of a routine. Where only those that name no file are given, the others are filled
 // in: their files are called after their parameters.

@@ -54,7 +54,7 @@ void FillIn(Plan& plan) {
   plan.inputs = DeclaredInputs(row, words, plan.what.work);
   plan.outputs = PlaceFiles(harness::Outputs(row, words), row.declared.words.parameters, words,
                             plan.what.work);
-  plan.sources = NameFiles("--in", plan.what.in, plan.inputs);
+  plan.sources = NameFiles("--in", plan.what.in, plan.inputs, row.listed != nullptr);
   plan.takers = NameFiles("--out", plan.what.out, plan.outputs);
   for (const NamedFile& taker : plan.takers.files) {
     const FilePlace& output = plan.outputs[taker.index];

@@ -7,11 +7,13 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <system_error>
 #include <utility>
 
 #include "base/usage_error.h"
 #include "recording/stage.h"
+#include "run/inputs.h"
 #include "run/listed_sources.h"
 #include "run/stage_form.h"
 #include "run/stopped.h"
@@ -25,19 +27,43 @@ constexpr size_t kMaxAtOnce = 64;
 
 constexpr const char* kDuring = "staging its inputs";
 
+// Adds the inputs that the first one lists: the text that is to be staged, that of a folder, or
+// that which stands in its place already.
+void AddListed(const Plan& plan, const std::function<void()>& goOn, std::vector<FilePlace>& inputs,
+               std::vector<NamedFile>& sources) {
+  FilePlace list = plan.inputs.front();
+  for (const std::string& folder : plan.sources.folders) {
+    if (!sources.empty()) break;
+    const std::string path = FindFile(folder, list, goOn);
+    if (!path.empty()) sources.push_back({0, path});
+  }
+  if (!sources.empty()) list.path = sources.front().path;
+  const ListedInputs listed = ReadListedInputs(*plan.row, plan.Words(), plan.what.work, list, goOn);
+  if (listed.problem) throw Ended{*listed.problem};
+  std::set<std::string> places;
+  for (FilePlace place : listed.places) {
+    place.use.pattern = place.use.name;
+    if (places.insert(place.place).second) inputs.push_back(std::move(place));
+  }
+}
+
 // The recordings for inputs, those that stand alone first, because they may be one group.
 std::vector<StageInput> Inputs(const Plan& plan, Limits& limits) {
+  const auto goOn = [&] { EndAtLimits(limits, plan.timeout, kDuring); };
+  std::vector<FilePlace> all = plan.inputs;
   std::vector<NamedFile> sources = plan.sources.files;
+  if (!plan.sources.folders.empty() && plan.row->listed != nullptr) {
+    AddListed(plan, goOn, all, sources);
+  }
   for (const std::string& folder : plan.sources.folders) {
-    const std::vector<NamedFile> found =
-        FindListed(folder, plan.inputs, [&] { EndAtLimits(limits, plan.timeout, kDuring); });
+    const std::vector<NamedFile> found = FindListed(folder, all, goOn);
     sources.insert(sources.end(), found.begin(), found.end());
   }
   const bool paired = std::any_of(plan.inputs.begin(), plan.inputs.end(),
                                   [](const FilePlace& input) { return input.use.withFirst; });
   std::vector<StageInput> inputs;
   for (const NamedFile& source : sources) {
-    const FilePlace& input = plan.inputs[source.index];
+    const FilePlace& input = all[source.index];
     if (input.path.empty()) throw UsageError{"input " + input.name + " leads out of the workspace"};
     const bool grouped = input.use.withFirst || (paired && source.index == 0);
     inputs.push_back({.source = source.path,

@@ -45,6 +45,14 @@ TEST(ChooseFormat, RaisesARateThatIsTooLow) {
   EXPECT_EQ(Chosen({.leastRate = 8000}, 11025, 1), "11025/1");
 }
 
+TEST(ChooseFormat, KeepsWithinLimits) {
+  const Form form = {.formats = {{0, 1}, {0, 2}}, .leastRate = 8000, .mostRate = 48000};
+  EXPECT_EQ(Chosen(form, 6000, 1), "8000/1");
+  EXPECT_EQ(Chosen(form, 44100, 2), "44100/2");
+  EXPECT_EQ(Chosen(form, 96000, 2), "48000/2");
+  EXPECT_EQ(Chosen({.leastRate = 8000, .mostRate = 48000}, 96000, 1), "48000/1");
+}
+
 class HasFormTest : public testing::Test {
  protected:
   // The steps that make this file a form.

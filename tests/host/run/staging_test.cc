@@ -184,4 +184,36 @@ TEST_F(StagingTest, AFolderServesAList) {
   EXPECT_THAT(Run({"CopyList", "0", "--in", "empty"}).err, HasSubstr("holds none of the "));
 }
 
+// By their places in the folder, else by their base names, whatever their kind.
+TEST_F(StagingTest, AFolderServesWhatATextLists) {
+  const std::string place = "F/Stream/vad/input/";
+  fs::create_directories("talks/sub");
+  fs::create_directories("talks/deep/er");
+  fs::copy("right.wav", "talks/sub/one.wav");
+  fs::copy("stereo.wav", "talks/deep/er/two.wav");
+  fs::copy("right.wav", "talks/unused.wav");
+  WriteFile("list.txt", "2\nsub/one.wav 0,\ntwo.wav 0,\n");
+  const auto stage = [](std::vector<std::string> words) {
+    words.insert(words.begin(), {AUDIO_BENCH, "stage", "TestVAD", "v", "--work", "w"});
+    return RunProcess(words);
+  };
+  const Finished staged = stage({"--in", "list.txt", "--in", "talks"});
+  EXPECT_EQ(staged.exitCode, 0) << staged.err;
+  EXPECT_EQ(ReadFile("w/" + place + "sub/one.wav"), ReadFile("right.wav"));
+  EXPECT_EQ(ReadFile("w/" + place + "two.wav").substr(22, 6), std::string("\1\0\x44\xac\0\0", 6))
+      << "mono at 44.1 kHz";
+  EXPECT_FALSE(fs::exists("w/" + place + "unused.wav"));
+
+  // The text may be in the folder, too, or be there already.
+  fs::remove_all("w");
+  fs::copy("list.txt", "talks/vad_input_description.txt");
+  EXPECT_EQ(stage({"--in", "talks"}).exitCode, 0);
+  EXPECT_EQ(ReadFile("w/" + place + "vad_input_description.txt"), ReadFile("list.txt"));
+  EXPECT_TRUE(fs::exists("w/" + place + "sub/one.wav"));
+  fs::remove("talks/vad_input_description.txt");
+  EXPECT_EQ(stage({"--in", "talks"}).exitCode, 0);
+  fs::remove_all("w");
+  EXPECT_THAT(stage({"--in", "talks"}).err, HasSubstr("holds none of the 0 files"));
+}
+
 }  // namespace
