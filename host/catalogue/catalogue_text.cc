@@ -7,6 +7,7 @@
 #include "base/units.h"
 #include "base/usage_error.h"
 #include "files/path_map.h"
+#include "files/workspace.h"
 
 namespace host {
 
@@ -141,6 +142,83 @@ std::string InputFormat(const FileUse& use) {
   if (use.container != Container::kWave) return FileFormat(use);
   const std::string format = FileFormat(use) + ", " + RightFormat(use);
   return use.headerlessToo ? format + ", or its samples alone" : format;
+}
+
+namespace {
+
+// "8000, 16000 or 32000 Hz"
+std::string Rates(std::span<const int> rates) {
+  std::string text;
+  for (size_t i = 0; i < rates.size(); ++i) {
+    if (i > 0) text += i + 1 == rates.size() ? " or " : ", ";
+    text += std::to_string(rates[i]);
+  }
+  return text + " Hz";
+}
+
+std::string TakenRates(const FileUse& use) {
+  if (use.rate > 0) return Hertz(use.rate);
+  const harness::Treated& treated = use.treated;
+  if (!treated.rates.empty()) return Rates(treated.rates);
+  const int least = std::max(treated.leastRate, use.leastRate);
+  if (treated.mostRate > 0) {
+    return std::to_string(least) + " to " + Hertz(treated.mostRate);
+  }
+  return least > 0 ? Hertz(least) + " or more" : "any rate";
+}
+
+std::string TakenChannels(const FileUse& use) {
+  const int second = use.alsoRight.rate == 0 ? use.alsoRight.channels : 0;
+  if (use.channels > 0) {
+    return Channels(use.channels) + (second > 0 ? " or " + Channels(second) : "");
+  }
+  if (use.treated.mostChannels == 2) return "mono or stereo";
+  if (use.treated.mostChannels > 0) return "up to " + Channels(use.treated.mostChannels);
+  return "any channel count";
+}
+
+}  // namespace
+
+std::string TakenFormat(const FileUse& use) {
+  if (use.container == Container::kRecording) {
+    return FileFormat(use) + "; any rate; any channel count";
+  }
+  if (use.container == Container::kHeaderless) {
+    const std::string samples =
+        use.samples == SampleType::kPcm16 ? "16-bit samples" : "32-bit float samples";
+    return samples + " without a header; " + Hertz(use.rate) + "; " + Channels(use.channels);
+  }
+  if (use.container != Container::kWave) return FileFormat(use);
+  std::string text = "16-bit WAVE; ";
+  if (!use.formatOf.empty()) {
+    text += "the rate and channel count of " + use.formatOf;
+  } else {
+    text += TakenRates(use) + "; " + TakenChannels(use);
+    if (use.alsoRight.rate > 0) {
+      text += ", or " + Hertz(use.alsoRight.rate) + "; " + Channels(use.alsoRight.channels);
+    }
+  }
+  return use.headerlessToo ? text + ", or its samples alone" : text;
+}
+
+RunFiles FilesOf(const CatalogueRow& row, std::span<const std::string> arguments) {
+  if (arguments.empty()) return {row.inputs, row.outputs};
+  const std::vector<std::string_view> words(arguments.begin(), arguments.end());
+  const std::string fault = row.declared.argumentFault == nullptr
+                                ? "takes no arguments of a command line"
+                                : harness::ArgumentFault(row, words);
+  if (!fault.empty()) {
+    throw UsageError{std::string(row.declared.words.name) + " " + fault + ": " + Declaration(row)};
+  }
+  const auto filled = [&](const std::vector<FileUse>& uses) {
+    std::vector<FileUse> named;
+    for (const FilePlace& place : PlaceFiles(uses, row.declared.words.parameters, words, "")) {
+      named.push_back(place.use);
+      named.back().name = place.name;
+    }
+    return named;
+  };
+  return {filled(harness::Inputs(row, words)), filled(harness::Outputs(row, words))};
 }
 
 std::vector<FileGroup> GroupFiles(const std::vector<FileUse>& uses) {

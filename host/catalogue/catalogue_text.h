@@ -50,6 +50,18 @@ std::string InputFormat(const FileUse& use);
 // channel count".
 std::string RightFormat(const FileUse& use);
 
+// All that is taken of an input, width, rates and channels: "16-bit WAVE; 8000, 16000 or 32000 Hz;
+// mono".
+std::string TakenFormat(const FileUse& use);
+
+// What a run of a routine reads and writes, the names filled in where there are arguments. Throws
+// UsageError when these do not fit.
+struct RunFiles {
+  std::vector<FileUse> inputs;
+  std::vector<FileUse> outputs;
+};
+RunFiles FilesOf(const CatalogueRow& row, std::span<const std::string> arguments);
+
 // The files of a row as a reader wants them: one entry for each list, with its pattern as the name.
 struct FileGroup {
   FileUse use;

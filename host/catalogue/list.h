@@ -23,7 +23,9 @@ std::string ListAsJson(const ListFilter& filter);
 
 // All three throw UsageError when the filter lets nothing pass.
 
-// Returns all that is known of one routine. Throws UsageError when there is none of that name.
-std::string Describe(std::string_view routine);
+// Both return all that is known of one routine, with arguments of what a run with them reads and
+// writes. They throw UsageError when there is none of that name, or the arguments do not fit it.
+std::string Describe(std::string_view routine, std::span<const std::string> arguments = {});
+std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments);
 
 }  // namespace host

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "base/json_parts.h"
 #include "catalogue/catalogue_text.h"
 #include "catalogue/list.h"
@@ -14,6 +16,33 @@ Json Declared(int value, const char* unit, const char* reason) {
   return value > 0 ? Count(static_cast<uint64_t>(value), unit) : Figure(std::nullopt, unit, reason);
 }
 
+Json TextOrNull(std::string_view text) { return text.empty() ? Json() : Json(text); }
+
+// The rates that are taken: a set, or the limits of all that are; null where the words of a run
+// say, and of what is no audio.
+Json RatesJson(const FileUse& use) {
+  if (use.container == Container::kOther || !use.formatOf.empty()) return {};
+  std::vector<int> rates(use.treated.rates.begin(), use.treated.rates.end());
+  if (use.rate > 0) rates = {use.rate};
+  if (use.alsoRight.rate > 0) rates.push_back(use.alsoRight.rate);
+  if (!rates.empty()) return {{"set", rates}, {"unit", "Hz"}};
+  const int least = std::max(use.leastRate, use.treated.leastRate);
+  return {{"least", least > 0 ? Json(least) : Json()},
+          {"most", use.treated.mostRate > 0 ? Json(use.treated.mostRate) : Json()},
+          {"unit", "Hz"}};
+}
+
+// The same of channels.
+Json ChannelCountsJson(const FileUse& use) {
+  if (use.container == Container::kOther || !use.formatOf.empty()) return {};
+  std::vector<int> counts;
+  if (use.channels > 0) counts.push_back(use.channels);
+  if (use.alsoRight.channels > 0) counts.push_back(use.alsoRight.channels);
+  if (!counts.empty()) return {{"set", counts}};
+  const int most = use.treated.mostChannels;
+  return {{"least", 1}, {"most", most > 0 ? Json(most) : Json()}};
+}
+
 Json FileJson(const FileGroup& group) {
   const FileUse& use = group.use;
   const bool headerless = use.container == Container::kHeaderless;
@@ -28,9 +57,13 @@ Json FileJson(const FileGroup& group) {
           {"samples", headerless ? Json(SampleTypeName(use.samples)) : Json()},
           {"rate", Declared(use.rate, "Hz", elsewhere)},
           {"channel_count", Declared(use.channels, "channels", elsewhere)},
+          {"rates", RatesJson(use)},
+          {"channel_counts", ChannelCountsJson(use)},
           {"block", Declared(use.blockBytes, "bytes", "none is needed, or the header decides")},
           {"optional", use.optional},
           {"may_be_empty", use.mayBeEmpty},
+          {"appended", use.appended},
+          {"part_read", TextOrNull(use.partRead)},
           {"remark", use.remark.empty() ? Json() : Json(use.remark)}};
 }
 
@@ -59,7 +92,30 @@ std::string Status(const CatalogueRow& row) {
   return lacking.empty() ? Availability(row) : "lacking: " + lacking;
 }
 
-Json RowJson(const CatalogueRow& row) {
+Json UnusedJson(const CatalogueRow& row) {
+  Json json = Json::array();
+  for (const harness::UnusedArgument& unused : row.unused) {
+    json.push_back({{"parameter", unused.parameter}, {"instead", unused.instead}});
+  }
+  return json;
+}
+
+Json CodecIdsJson(const CatalogueRow& row) {
+  if (row.codecIds == nullptr) return {};
+  Json json = Json::array();
+  for (const harness::CodecId& each : row.codecIds()) {
+    json.push_back({{"id", each.id},
+                    {"codec", each.codec},
+                    {"rate", Count(static_cast<uint64_t>(each.rate), "Hz")},
+                    {"channel_count", Count(static_cast<uint64_t>(each.channels), "channels")},
+                    {"bit_rate", Count(static_cast<uint64_t>(each.bitRate), "bit/s")},
+                    {"header", each.header},
+                    {"lacking", TextOrNull(each.lacking)}});
+  }
+  return json;
+}
+
+Json RowJson(const CatalogueRow& row, const RunFiles& files) {
   const harness::Words& words = row.declared.words;
   return {{"routine", words.name},
           {"result", words.result},
@@ -70,8 +126,8 @@ Json RowJson(const CatalogueRow& row) {
           {"called_by", row.calledBy.empty() ? Json() : Json(row.calledBy)},
           {"available", CanBeRun(row)},
           {"status", Status(row)},
-          {"inputs", FilesJson(row.inputs)},
-          {"outputs", FilesJson(row.outputs)},
+          {"inputs", FilesJson(files.inputs)},
+          {"outputs", FilesJson(files.outputs)},
           {"device", DeviceName(row)},
           {"expected_duration", DurationJson(row)}};
 }
@@ -82,9 +138,19 @@ std::string ListAsJson(const ListFilter& filter) {
   const auto passes = Selector(filter);
   Json rows = Json::array();
   for (const CatalogueRow& row : Catalogue()) {
-    if (passes(row)) rows.push_back(RowJson(row));
+    if (passes(row)) rows.push_back(RowJson(row, {row.inputs, row.outputs}));
   }
   return JsonText({{"schema_version", kListVersion}, {"routines", rows}});
+}
+
+std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments) {
+  const CatalogueRow& row = FindRow(routine);
+  Json json = {{"schema_version", kListVersion},
+               {"arguments", std::vector<std::string>(arguments.begin(), arguments.end())}};
+  json.update(RowJson(row, FilesOf(row, arguments)));
+  json["unused"] = UnusedJson(row);
+  json["codec_ids"] = CodecIdsJson(row);
+  return JsonText(json);
 }
 
 }  // namespace host

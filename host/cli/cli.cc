@@ -62,7 +62,9 @@ int Execute(const Request& request) {
     case Request::Command::kList:
       return PrintResults(List(request));
     case Request::Command::kDescribe:
-      return PrintResults(Describe(request.routine));
+      return PrintResults(request.form == Request::Form::kJson
+                              ? DescribeAsJson(request.routine, request.words)
+                              : Describe(request.routine, request.words));
     case Request::Command::kDemo:
       return PrintResults(PlaceDemo(request.run.work));
     case Request::Command::kDemoAll:

@@ -44,9 +44,7 @@ class CommandLine {
     m_app.set_version_flag("--version", AUDIO_TESTER_VERSION);
     m_app.footer(kExitCodes);
     AddList();
-    m_app.add_subcommand("describe", "All that is known of one routine")
-        ->add_option("ROUTINE", m_request.routine)
-        ->required();
+    AddDescribe();
     AddRun();
     AddDemo();
     AddStage();
@@ -103,6 +101,14 @@ class CommandLine {
     m_list->add_flag("--json", m_json, "For programs");
     m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
     AddColor(*m_list, m_request.color);
+  }
+
+  void AddDescribe() {
+    CLI::App& describe = *m_app.add_subcommand(
+        "describe", "All that is known of one routine, or of a run of it with these arguments");
+    describe.add_option("ROUTINE", m_request.routine)->required();
+    describe.add_option("ARGUMENT", m_request.words);
+    describe.add_flag("--json", m_json, "For programs");
   }
 
   void AddDemo() {
@@ -249,9 +255,15 @@ void Take(const std::string& command, const Words& words, CommandLine& line, Req
   std::vector<std::string> read = {command};
   read.insert(read.end(), words.options().begin(), words.options().end());
   if (command != "run" && command != "stage") {
-    if (!words.literal().empty() && command != "compare")
+    const bool describes = command == "describe";
+    if (!words.literal().empty() && !describes && command != "compare") {
       throw UsageError{"unexpected " + words.literal().front()};
+    }
     read.insert(read.end(), words.free().begin(), words.free().end());
+    if (describes && !words.literal().empty()) {
+      read.push_back("--");
+      read.insert(read.end(), words.literal().begin(), words.literal().end());
+    }
     line.Parse(read, words.literal());
     return;
   }

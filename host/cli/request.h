@@ -33,17 +33,18 @@ struct Request {
   enum class Form { kText, kJson, kMarkdown };
 
   Command command = Command::kPrint;
-  std::string text;            // kPrint: help or the version.
-  Case run;                    // kRun, kStage; of it kDemo uses the workspace.
-  ListFilter filter;           // kList
-  Form form = Form::kText;     // kList
-  Color color = Color::kAuto;  // kList
-  std::string routine;         // kDescribe
-  SuiteOptions suite;          // kSuite
-  MergeOptions merge;          // kMerge
-  ReplayOptions replay;        // kReplay
-  CompareOptions compare;      // kCompare
-  BaselineOptions baseline;    // kBaseline
+  std::string text;                // kPrint: help or the version.
+  Case run;                        // kRun, kStage; of it kDemo uses the workspace.
+  ListFilter filter;               // kList
+  Form form = Form::kText;         // kList, kDescribe
+  Color color = Color::kAuto;      // kList
+  std::string routine;             // kDescribe
+  std::vector<std::string> words;  // kDescribe: its arguments, or none.
+  SuiteOptions suite;              // kSuite
+  MergeOptions merge;              // kMerge
+  ReplayOptions replay;            // kReplay
+  CompareOptions compare;          // kCompare
+  BaselineOptions baseline;        // kBaseline
 };
 
 // Why the words of a command line ask for nothing that can be done.

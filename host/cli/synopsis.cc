@@ -10,7 +10,7 @@ namespace {
 
 constexpr Synopsis kSynopses[] = {
     {"list", "[GLOB] [OPTIONS]"},
-    {"describe", "ROUTINE"},
+    {"describe", "ROUTINE [ARGUMENT...] [OPTIONS]"},
     {"run", "[ROUTINE [ARGUMENT...]] [OPTIONS]"},
     {"stage", "ROUTINE [ARGUMENT...] --in [NAME=]FILE [OPTIONS]"},
     {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},

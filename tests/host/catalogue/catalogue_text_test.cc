@@ -9,6 +9,8 @@
 #include "base/usage_error.h"
 #include "base/wrap_text.h"
 #include "catalogue/list.h"
+#include "recording/form.h"
+#include "run/stage_form.h"
 
 namespace host {
 namespace {
@@ -62,6 +64,37 @@ TEST(GroupFiles, TakesAListForOne) {
   EXPECT_EQ(groups[1].use.blockBytes, 160);
   EXPECT_EQ(groups[1].files, 2U);
   EXPECT_EQ(groups[2].use.name, "b.wav");
+}
+
+TEST(TakenFormat, NamesEachRateAndChannelCount) {
+  static constexpr int kRates[] = {8000, 16000, 32000};
+  FileUse use = {.container = Container::kWave, .channels = 1, .treated = {.rates = kRates}};
+  EXPECT_EQ(TakenFormat(use), "16-bit WAVE; 8000, 16000 or 32000 Hz; mono");
+  use = {.container = Container::kWave, .treated = {.leastRate = 8000, .mostRate = 48000}};
+  EXPECT_EQ(TakenFormat(use), "16-bit WAVE; 8000 to 48000 Hz; any channel count");
+  use.treated.mostChannels = 2;
+  EXPECT_EQ(TakenFormat(use), "16-bit WAVE; 8000 to 48000 Hz; mono or stereo");
+  use.treated.mostChannels = 8;
+  EXPECT_EQ(TakenFormat(use), "16-bit WAVE; 8000 to 48000 Hz; up to 8 channels");
+  use = {.container = Container::kHeaderless, .rate = 16000, .channels = 1};
+  EXPECT_EQ(TakenFormat(use), "16-bit samples without a header; 16000 Hz; mono");
+}
+
+TEST(FormOf, IsWhatTheRowTakes) {
+  static constexpr int kRates[] = {8000, 16000, 32000};
+  const auto staged = [](const FileUse& use, int rate, int channels) {
+    const WaveFormat made = ChooseFormat(FormOf(use), {.rate = rate, .channels = channels});
+    return std::to_string(made.rate) + "/" + std::to_string(made.channels);
+  };
+  FileUse use = {.container = Container::kWave, .channels = 1, .treated = {.rates = kRates}};
+  EXPECT_EQ(staged(use, 16000, 2), "16000/1");
+  EXPECT_EQ(staged(use, 11025, 1), "16000/1");
+  EXPECT_EQ(staged(use, 96000, 1), "32000/1");
+  use = {.container = Container::kWave,
+         .treated = {.leastRate = 8000, .mostRate = 48000, .mostChannels = 2}};
+  EXPECT_EQ(staged(use, 44100, 2), "44100/2");
+  EXPECT_EQ(staged(use, 96000, 1), "48000/1");
+  EXPECT_EQ(staged(use, 6000, 6), "8000/1");
 }
 
 TEST(WrapText, BreaksBetweenWords) {
@@ -182,9 +215,9 @@ TEST(Describe, TellsAllOfOneRow) {
             "  group         Harness\n"
             "  exercises     a declared input and output\n"
             "  input         {inFile}\n"
-            "                16-bit samples, 8000 Hz, mono; at least 160 bytes\n"
+            "                16-bit samples without a header; 8000 Hz; mono; at least 160 bytes\n"
             "  output        {outFile}\n"
-            "                16-bit samples, 8000 Hz, mono\n"
+            "                16-bit samples, 8000 Hz, mono; replaced\n"
             "  device        none\n"
             "  duration      as fast as its input is processed\n"
             "  status        available\n");

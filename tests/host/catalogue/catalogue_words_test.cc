@@ -125,6 +125,8 @@ TEST(CatalogueWords, GiveARowAsJson) {
             "unit": "channels",
             "reason": "not audio"
           },
+          "rates": null,
+          "channel_counts": null,
           "block": {
             "value": null,
             "unit": "bytes",
@@ -132,6 +134,8 @@ TEST(CatalogueWords, GiveARowAsJson) {
           },
           "optional": true,
           "may_be_empty": false,
+          "appended": false,
+          "part_read": null,
           "remark": null
         }
       ],
@@ -156,6 +160,8 @@ TEST(CatalogueWords, GiveARowAsJson) {
             "unit": "channels",
             "reason": "not audio"
           },
+          "rates": null,
+          "channel_counts": null,
           "block": {
             "value": null,
             "unit": "bytes",
@@ -163,6 +169,8 @@ TEST(CatalogueWords, GiveARowAsJson) {
           },
           "optional": false,
           "may_be_empty": false,
+          "appended": false,
+          "part_read": null,
           "remark": null
         }
       ],
@@ -185,13 +193,13 @@ TEST(CatalogueWords, DescribeLists) {
             "  group         Harness\n"
             "  exercises     \n"
             "  input         list/in<n>.pcm\n"
-            "                16-bit samples, 8000 Hz, mono; 40 files\n"
+            "                16-bit samples without a header; 8000 Hz; mono; 40 files\n"
             "                in the workspace: list/in<n>.pcm\n"
             "  input         list/far<n>.pcm\n"
-            "                16-bit samples, 8000 Hz, mono; 2 files\n"
+            "                16-bit samples without a header; 8000 Hz; mono; 2 files\n"
             "                in the workspace: list/far<n>.pcm\n"
             "  output        list/out<n>.pcm\n"
-            "                16-bit samples, 8000 Hz, mono; 40 files\n"
+            "                16-bit samples, 8000 Hz, mono; 40 files; replaced\n"
             "                in the workspace: list/out<n>.pcm\n"
             "  device        none\n"
             "  duration      as fast as its input is processed\n"

@@ -99,7 +99,8 @@ TEST_F(CommandTest, NamesTheArgumentsInUsageLines) {
   EXPECT_THAT(Bench({"help", "run"}).out,
               usage("audio_bench run [ROUTINE [ARGUMENT...]] [OPTIONS]"));
   EXPECT_THAT(Bench({"help", "list"}).out, usage("audio_bench list [GLOB] [OPTIONS]"));
-  EXPECT_THAT(Bench({"help", "describe"}).out, usage("audio_bench describe ROUTINE"));
+  EXPECT_THAT(Bench({"help", "describe"}).out,
+              usage("audio_bench describe ROUTINE [ARGUMENT...] [OPTIONS]"));
 }
 
 TEST_F(CommandTest, HelpsOnRequest) {
@@ -149,6 +150,52 @@ TEST_F(CommandTest, DescribesARoutine) {
   EXPECT_EQ(description.exitCode, 0);
   EXPECT_THAT(description.out, HasSubstr("  declaration   void RunTestCase()\n"));
   EXPECT_THAT(description.out, HasSubstr("at least 1764 bytes\n"));
+}
+
+// Whatever follows from the arguments: format, names, ids.
+TEST_F(CommandTest, DescribesARunWithItsArguments) {
+  const auto text = [](const std::vector<std::string>& words) {
+    std::vector<std::string> all = {"describe"};
+    all.insert(all.end(), words.begin(), words.end());
+    return Bench(all).out;
+  };
+  EXPECT_THAT(text({"newTestZUEncode", "in.wav", "o", "50", "0", "0", "true"}),
+              HasSubstr("  input         in.wav\n"
+                        "                16-bit WAVE; 16000 Hz; mono; at least 2 bytes\n"));
+  EXPECT_THAT(text({"newTestZUEncode"}), HasSubstr("the rate and channel count of the codec"));
+  EXPECT_THAT(text({"newTestZUEncode"}),
+              HasSubstr("not used      brate: what counts is the bit rate of the codec id\n"
+                        "                sRate: what counts is the rate of the codec id\n"));
+  EXPECT_THAT(text({"newTestZUEncode"}),
+              HasSubstr(" 50  Opus          16000  mono           18000  2 bytes"));
+  EXPECT_THAT(text({"newTestZUEncode"}),
+              HasSubstr("  1  HE-AAC        44100  stereo         24000  ADTS, 7 bytes"));
+  EXPECT_THAT(text({"TestEqReverb"}), HasSubstr("16-bit WAVE; 8000 to 192000 Hz; mono or stereo"));
+  EXPECT_THAT(text({"TestSoundTouchBpm"}),
+              HasSubstr("16-bit WAVE; 8000 Hz or more; any channel count"));
+  EXPECT_THAT(text({"TestEncodeFile"}),
+              HasSubstr("16-bit WAVE; 44100 Hz; stereo, or 16000 Hz; mono"));
+  EXPECT_THAT(text({"TestMdrc"}), HasSubstr("; replaced\n"));
+  EXPECT_THAT(text({"TestMdrc"}), HasSubstr("level from -24 to 12 dB against the input\n"));
+  EXPECT_EQ(Bench({"describe", "TestReverb", "in"}).exitCode, 2);
+  EXPECT_EQ(Bench({"describe", "TestNoizeusEx", "--", "-1", "0"}).exitCode, 2) << "no such one";
+}
+
+TEST_F(CommandTest, DescribesForPrograms) {
+  const auto json = nlohmann::json::parse(
+      Bench({"describe", "--json", "calAACMos", "i", "o", "1", "0", "0"}).out);
+  EXPECT_EQ(json["routine"], "calAACMos");
+  EXPECT_EQ(json["arguments"], nlohmann::json({"i", "o", "1", "0", "0"}));
+  EXPECT_EQ(json["inputs"][0]["name"], "i");
+  EXPECT_EQ(json["outputs"][0]["name"], "44100_2_0.res.wav");
+  EXPECT_EQ(json["unused"][1]["parameter"], "bitRate");
+  EXPECT_EQ(json["codec_ids"][0]["id"], 1);
+  EXPECT_EQ(json["codec_ids"][0]["bit_rate"]["value"], 24000);
+  const auto beat = nlohmann::json::parse(Bench({"describe", "TestBeatTrack", "--json"}).out);
+  EXPECT_EQ(beat["inputs"][0]["rates"]["least"], 8000);
+  EXPECT_EQ(beat["inputs"][0]["rates"]["most"], 192000);
+  EXPECT_EQ(beat["inputs"][0]["channel_counts"]["most"], 8);
+  EXPECT_EQ(beat["codec_ids"], nullptr);
 }
 
 TEST_F(CommandTest, RunsTheSelectedTestOnTheDemo) {
