@@ -33,6 +33,22 @@ TEST(DropoutGuard, CountsThePlacesAndNamesTheFirst) {
             "zeros for 10.0 ms where the input has signal, the first of 4 places");
 }
 
+// The input is silent at first, so that the start of the zeros alone says nothing.
+TEST(DropoutGuard, ALongRunIsLookedAtAllAlong) {
+  Sound in = Noise(0.1, 4, 1);
+  std::fill_n(in.samples.begin() + 48000, 72000, 0.0F);
+  Sound out = Cut(in, 1, 2);
+  const auto hits = Check(in, out);
+  ASSERT_NE(DropoutHit(hits), nullptr);
+  EXPECT_DOUBLE_EQ(*DropoutHit(hits)->at, 1);
+  // For a moment only, 50 ms of signal in the midst of what is zeros anyhow.
+  Sound brief = Silence(4);
+  const Sound noise = Noise(0.1, 4, 1);
+  std::copy_n(noise.samples.begin(), 48000, brief.samples.begin());
+  std::copy_n(noise.samples.begin(), 2400, brief.samples.begin() + 96000);
+  EXPECT_NE(DropoutHit(Check(brief, Cut(brief, 1, 3))), nullptr);
+}
+
 TEST(DropoutGuard, ZerosOfTheInputAreItsOwn) {
   const Sound in = Cut(Noise(0.1, 2, 1), 1, 0.003);
   EXPECT_EQ(DropoutHit(Check(in, in)), nullptr);
