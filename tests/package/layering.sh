@@ -62,7 +62,7 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 # Of the host, each folder may include itself and the ones named before it; only one file of it
 # knows the desktop engine.
 allow host/statistics "$standard|\"statistics/$name\""
-allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files))\.h\""
+allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files|platform/log))\.h\""
 below='base|engine|statistics'
 for folder in base guards files recording process catalogue results report demo run replay suite compare cli; do
   below+="|$folder"
