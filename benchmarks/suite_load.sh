@@ -1,7 +1,9 @@
 #!/bin/bash
 # How much a suite costs beside its cases: suite_load.sh AUDIO_BENCH [CASES]
 # Runs that many cases (400) of about 100 ms of CPU each, and says how long that took beside
-# 1.15 x (sum of their CPU) / processors + 1 s. Measure it on a machine that does nothing else.
+# 1.15 x (sum of their CPU) / processors + 1 s. Measure that on a machine that does nothing else. How
+# much CPU the whole suite takes, guards and all, for that of its routines is told as well: what else
+# the machine does leaves that alone.
 set -euo pipefail
 
 bench=$(realpath "$1")
@@ -39,14 +41,15 @@ write_suite 5
 seconds=$(python3 -c "print(10 * 0.1 * 5 / $(cpu trial/results.json))")
 make_input "$seconds"
 write_suite "$cases"
-start=$(date +%s.%N)
-"$bench" suite suite.toml --out load >/dev/null
-end=$(date +%s.%N)
-python3 - "$(cpu load/results.json)" "$start" "$end" "$(nproc)" "$cases" <<'PYTHON'
+TIMEFORMAT='%R %U %S'
+{ time "$bench" suite suite.toml --out load >/dev/null; } 2>times
+read -r elapsed user system <times
+python3 - "$(cpu load/results.json)" "$elapsed" "$user" "$system" "$(nproc)" "$cases" <<'PYTHON'
 import sys
-cpu, start, end = (float(word) for word in sys.argv[1:4])
-processors, cases = int(sys.argv[4]), int(sys.argv[5])
+cpu, elapsed, user, system = (float(word) for word in sys.argv[1:5])
+processors, cases = int(sys.argv[5]), int(sys.argv[6])
 bound = 1.15 * cpu / processors + 1
-print(f"{cases} cases, {cpu / cases * 1000:.0f} ms of CPU each: {end - start:.1f} s on {processors} "
-      f"processors, bound {bound:.1f} s, {'within' if end - start <= bound else 'BEYOND'}")
+print(f"{cases} cases, {cpu / cases * 1000:.0f} ms of CPU each: {elapsed:.1f} s on {processors} "
+      f"processors, bound {bound:.1f} s, {'within' if elapsed <= bound else 'BEYOND'}; "
+      f"CPU of the suite {(user + system) / cpu:.2f} x that of its routines")
 PYTHON

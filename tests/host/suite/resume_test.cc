@@ -1,5 +1,8 @@
 // Suites that are ended from outside, gone on with, and put together from shards.
 
+#include <sys/wait.h>
+
+#include <algorithm>
 #include <csignal>
 #include <thread>
 
@@ -21,6 +24,13 @@ class ResumeTest : public SuiteTest {
       cases += Case("on-" + std::to_string(i), "WorkOn", "arguments = [\"30\"]");
     }
     return cases;
+  }
+
+  // How many lines a suite that runs has written of what has ended.
+  static size_t EndedCases() {
+    if (!std::filesystem::exists("r/cases.jsonl")) return 0;
+    const std::string lines = ReadFile("r/cases.jsonl");
+    return static_cast<size_t>(std::count(lines.begin(), lines.end(), '\n'));
   }
 
   static std::string LogOf(const std::string& id) {
@@ -62,11 +72,21 @@ TEST_F(ResumeTest, RunsAgainWhatIsDeclaredOtherwise) {
 TEST_F(ResumeTest, AfterKillsAtAnyMomentTheResultsAreThoseOfAnUndisturbedRun) {
   WriteFile("s.toml", ManyCases());
   ASSERT_EQ(Suite({"s.toml", "--out", "whole"}).exitCode, 0);
+  siginfo_t ended = {};
   unsigned moment = 12345;
   for (int i = 0; i < 20; ++i) {
+    const size_t before = EndedCases();
     Process suite(Command({"suite", "s.toml", "--out", "r", "--resume"}));
     moment = moment * 1103515245 + 12345;
-    usleep(moment / 65536 % 60000);
+    // Up to two cases later, so that kills fall everywhere however slow the machine is.
+    const size_t more = moment / 65536 % 3;
+    while (EndedCases() < before + more &&
+           waitid(P_PID, static_cast<id_t>(suite.pid()), &ended, WEXITED | WNOWAIT | WNOHANG) ==
+               0 &&
+           ended.si_pid == 0) {
+      usleep(1000);
+    }
+    usleep(moment / 262144 % 20000);
     kill(suite.pid(), SIGKILL);
     suite.Wait();
   }
