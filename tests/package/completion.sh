@@ -37,7 +37,10 @@ expect() {
   fi
 }
 
-expect 'completion demo describe help list manual merge replay run stage suite' ''
+commands=$("$bench" help | awk '/^Subcommands:/ { on = 1; next } on && NF == 0 { exit } on { print $1 }' |
+  LC_ALL=C sort | paste -sd ' ')
+[[ $commands == *describe*suite* ]]
+expect "$commands" ''
 expect 'demo describe' de
 expect '--help --version' -
 expect 'demo describe' help de
@@ -72,7 +75,6 @@ expect 'song.flac song.wav' run --in song
 expect 'calls.toml folder song.flac song.wav' stage TestDrc --in ''
 expect 'folder' suite --out ''
 expect 'folder' merge ''
-expect 'calls.toml' replay call
 expect 'calls.toml' suite call
 expect 'folder' suite fold
 expect 'TestVAD TestVADCodecMosByVADResult TestVADProcess TestVADProcessRefined' suite calls.toml TestVAD

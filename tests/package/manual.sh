@@ -23,7 +23,10 @@ if command -v mandoc >/dev/null; then
 fi
 
 # Each command with its options, in its own words.
-for command in list describe run stage suite merge replay demo completion manual help; do
+mapfile -t commands < <("$bench" help |
+  awk '/^Subcommands:/ { on = 1; next } on && NF == 0 { exit } on { print $1 }')
+((${#commands[@]} > 8)) || complain "there are ${#commands[@]} commands"
+for command in "${commands[@]}"; do
   "$bench" help "$command" >help
   usage=$(sed -n 's/^Usage: //p' help)
   section=$(awk -v "usage=   $usage" '
