@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "audio_measures/alignment.h"
+#include "audio_measures/band_limit.h"
 #include "audio_measures/bit_rate.h"
 #include "audio_measures/groups.h"
 
@@ -37,6 +38,7 @@ constexpr Measure kMeasures[] = {
      .better = Better::kHigher,
      .definition = "The frequency above which what was encoded is lost.",
      .source = "P. Welch, IEEE Trans. AU 15(2), 1967",
+     .version = kBandLimitVersion,
      .margin = 100,
      .needs = kInput,
      .leastSeconds = 0.6},
@@ -52,6 +54,15 @@ std::vector<Figure> Delays(const Inputs& inputs) {
   return delays;
 }
 
+std::vector<Figure> BandLimits(const Inputs& inputs) {
+  std::vector<Figure> limits;
+  for (size_t i = 0; i < inputs.output.channels.size(); ++i) {
+    limits.push_back(
+        BandLimit(ChannelFor(inputs.input, i), inputs.output.channels[i], inputs.output.rate));
+  }
+  return limits;
+}
+
 void ComputeCodec(const Inputs& inputs, Collector& collector) {
   if (collector.Wants("bit_rate")) {
     const Signal& output = inputs.output;
@@ -62,6 +73,7 @@ void ComputeCodec(const Inputs& inputs, Collector& collector) {
     collector.Add("frames", std::nullopt, Frames(*inputs.codedFrames));
   }
   if (collector.Wants("codec_delay")) collector.AddWithMean("codec_delay", Delays(inputs));
+  if (collector.Wants("band_limit")) collector.AddWithMean("band_limit", BandLimits(inputs));
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <vector>
 
 #include "audio_measures/beats.h"
 #include "audio_measures/groups.h"
 #include "audio_measures/length_factor.h"
 #include "audio_measures/pitch.h"
+#include "audio_measures/tempo.h"
 
 namespace audio_measures {
 
@@ -25,7 +27,13 @@ constexpr Measure kMeasures[] = {
      .margin = 5,
      .needs = kReference,
      .leastSeconds = 0.2},
-    {.name = "tempo", .unit = "BPM", .definition = "Beats per minute.", .source = "", .margin = 1},
+    {.name = "tempo",
+     .unit = "BPM",
+     .definition = "Beats per minute, of the mean of all channels.",
+     .source = "D. Ellis, J. New Music Research 36(1), 2007, autocorrelation of onsets",
+     .version = kTempoVersion,
+     .margin = 1,
+     .leastSeconds = 6},
     {.name = "beat_f",
      .unit = "",
      .better = Better::kHigher,
@@ -36,6 +44,16 @@ constexpr Measure kMeasures[] = {
      .margin = 0.02,
      .needs = kBeats},
 };
+
+// A beat is the programme's.
+std::vector<float> MeanOfChannels(const Signal& signal) {
+  std::vector<float> mean(signal.Frames());
+  for (const std::span<const float> channel : signal.channels) {
+    for (size_t i = 0; i < mean.size(); ++i) mean[i] += channel[i];
+  }
+  for (float& sample : mean) sample /= static_cast<float>(signal.channels.size());
+  return mean;
+}
 
 void ComputeTimes(const Inputs& inputs, Collector& collector) {
   if (collector.Wants("length_factor")) {
@@ -49,6 +67,12 @@ void ComputeTimes(const Inputs& inputs, Collector& collector) {
                                  inputs.output.rate));
     }
     collector.AddWithMean("pitch_cents", cents);
+  }
+  if (collector.Wants("tempo")) {
+    const bool finite = std::ranges::all_of(inputs.output.channels, AreFinite);
+    collector.Add(
+        "tempo", std::nullopt,
+        finite ? Tempo(MeanOfChannels(inputs.output), inputs.output.rate) : Unknown(kNotFinite));
   }
   if (collector.Wants("beat_f")) {
     collector.Add("beat_f", std::nullopt, BeatF(*inputs.trueBeats, *inputs.beats));

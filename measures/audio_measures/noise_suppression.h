@@ -1,0 +1,42 @@
+#pragma once
+
+#include <span>
+
+#include "audio_measures/figure.h"
+
+namespace audio_measures {
+
+inline constexpr int kNoiseReductionVersion = 1;
+inline constexpr int kSpeechRetainedVersion = 1;
+inline constexpr int kDeltaSnrVersion = 1;
+inline constexpr int kMusicalVersion = 1;
+
+// Four measures of a noise suppressor, of one channel.
+struct Suppression {
+  Figure noiseReduction;  // dB, higher is better.
+  Figure speechRetained;  // dB, higher is better; 0: all of it.
+  Figure deltaSnr;        // dB, higher is better.
+  Figure musical;         // Lower is better; 0: as the noise was.
+};
+
+// reference: the clean speech, or empty where it is not known; input: the noisy speech; output:
+// what the suppressor made of it. Of one rate, from 8 kHz, finite. Reference and output are moved
+// to the time of the input (alignment.h), to a fraction of a sample, and compared where all
+// overlap. When somebody talks is told from the reference, or without one from the input
+// (activity.h).
+//   noise_reduction  energy of the input over that of the output in pauses (as the noise power
+//   level
+//                    reduction of ITU-T G.160, appendix II); 120 at most.
+//   speech_retained  gain of the speech from input to output in active blocks: |<y, s> / <x, s>| of
+//                    output y and input x along the reference s, or without one along x.
+//   delta_snr        SNR of the output less that of the input, each (a - p) / p of the mean
+//   energies
+//                    of its active blocks a and its pauses p, 120 dB at most: noise that is added
+//                    to the pauses counts, what happens to the form of speech does not. Needs the
+//                    reference.
+//   musical          the log kurtosis ratio of the noise in pauses (musical_noise.h).
+// Unknown without 0.2 s of pauses, or of speech, or where there is nothing in them in the input.
+Suppression MeasureSuppression(std::span<const float> reference, std::span<const float> input,
+                               std::span<const float> output, int rate, double searchSeconds);
+
+}  // namespace audio_measures
