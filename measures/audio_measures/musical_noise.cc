@@ -47,29 +47,23 @@ void MusicalNoise::Add(std::span<const float> block, Moments& moments) {
   }
 }
 
-bool MusicalNoise::Counts(size_t bin) const {
-  return m_before.first[bin] > 0 && m_after.first[bin] > 0;
-}
-
-double MusicalNoise::Kurtosis(const Moments& moments) const {
+// But for the number of powers, which is the same before and after.
+double MusicalNoise::Kurtosis(const Moments& moments) {
   double second = 0;
   double fourth = 0;
-  double count = 0;
   for (size_t i = kEdge; i + kEdge < moments.first.size(); ++i) {
-    if (!Counts(i)) continue;
-    const double mean = moments.first[i] / static_cast<double>(m_blocks);
-    second += moments.second[i] / (mean * mean);
-    fourth += moments.fourth[i] / (mean * mean * mean * mean);
-    count += static_cast<double>(m_blocks);
+    const double square = moments.first[i] * moments.first[i];
+    second += moments.second[i] / square;
+    fourth += moments.fourth[i] / (square * square);
   }
-  return fourth * count / (second * second);
+  return fourth / (second * second);
 }
 
 Figure MusicalNoise::LogRatio() const {
   if (m_blocks < kLeastBlocks) return Unknown("too little pause");
   const double before = Kurtosis(m_before);
   const double after = Kurtosis(m_after);
-  // No bin counted: 0 by 0.
+  // A bin without power has 0 by 0.
   if (!(before > 0) || !(after > 0)) return Unknown(kSilence);
   return Known(std::log(after / before));
 }

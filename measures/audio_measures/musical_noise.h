@@ -36,8 +36,7 @@ class MusicalNoise {
   };
 
   void Add(std::span<const float> block, Moments& moments);
-  double Kurtosis(const Moments& moments) const;
-  bool Counts(size_t bin) const;
+  static double Kurtosis(const Moments& moments);
 
   WindowedSpectrum m_spectrum;
   Moments m_before;

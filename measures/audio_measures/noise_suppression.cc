@@ -15,6 +15,8 @@ namespace audio_measures {
 namespace {
 
 constexpr size_t kLeastBlocks = 10;
+// A delay this close to a whole sample is taken for one: nothing needs to be interpolated.
+constexpr double kWhole = 0.1;
 
 Suppression Without(const char* reason) {
   return {Unknown(reason), Unknown(reason), Unknown(reason), Unknown(reason)};
@@ -33,21 +35,30 @@ struct Signals {
   std::vector<float> output = {};
 };
 
+// By how many samples the second is later.
+Figure Later(std::span<const float> first, std::span<const float> second, int rate, double search) {
+  const Figure delay = Align(first, second, rate, -search, search).delay;
+  if (!delay.value) return delay;
+  const double samples = *delay.value * rate;
+  const double whole = std::round(samples);
+  return Known(std::fabs(samples - whole) < kWhole ? whole : samples);
+}
+
 // By how many samples the input is later than the reference. Where noise hides the one in the
 // other, the output shows it.
 Figure InputLater(std::span<const float> reference, std::span<const float> input,
                   std::span<const float> output, int rate, double search, double outputLater) {
-  const Figure direct = Align(reference, input, rate, -search, search).delay;
-  if (direct.value) return Known(*direct.value * rate);
-  const Figure around = Align(reference, output, rate, -search, search).delay;
-  return around.value ? Known(*around.value * rate - outputLater) : direct;
+  const Figure direct = Later(reference, input, rate, search);
+  if (direct.value) return direct;
+  const Figure around = Later(reference, output, rate, search);
+  return around.value ? Known(*around.value - outputLater) : direct;
 }
 
 Signals Together(std::span<const float> reference, std::span<const float> input,
                  std::span<const float> output, int rate, double search) {
-  const Figure delay = Align(input, output, rate, -search, search).delay;
+  const Figure delay = Later(input, output, rate, search);
   if (!delay.value) return {.fault = delay.reason};
-  const double outputLater = *delay.value * rate;
+  const double outputLater = *delay.value;
   double first = std::max(0.0, -outputLater);
   double last =
       std::min(static_cast<double>(input.size()), static_cast<double>(output.size()) - outputLater);

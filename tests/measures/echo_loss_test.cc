@@ -91,6 +91,8 @@ TEST(EchoLoss, IsTrackedWhileTheFarEndTalks) {
   EXPECT_NEAR(track[1].seconds, static_cast<double>(kEcho) / kRate + 0.02, 1e-9);
   EXPECT_NEAR(track.front().erle, 20, 1e-4);
   EXPECT_DOUBLE_EQ(track.back().erle, 120);
+  // 99 of the blocks begin in the second half: of these windows all ten blocks are silent.
+  EXPECT_EQ(std::ranges::count(track, 120.0, &EchoLoss::At::erle), 99 - 9);
 }
 
 TEST(EchoLoss, WhatCannotBeComputedSaysWhy) {

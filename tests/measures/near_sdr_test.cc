@@ -55,6 +55,13 @@ TEST(NearSdr, OnlyDoubleTalkCounts) {
   const std::vector<float> noise = Noise(kLength, 0.1, 4);
   for (size_t i = kLength / 2 + kRate / 4; i < kLength; ++i) output[i] = noise[i];
   EXPECT_NEAR(Measured(near, output), alone, 0.1);
+
+  const std::vector<float> pausing = Bursts(near, 2 * kRate, kRate);
+  std::vector<float> echo = Noise(kLength, 0.05, 3);
+  for (size_t i = 0; i < kLength; ++i) {
+    if (i % (3 * kRate) < 9 * kRate / 4) echo[i] *= 0.2F;
+  }
+  EXPECT_NEAR(Measured(pausing, Sum(pausing, echo)), alone, 1);
 }
 
 TEST(NearSdr, WhatCannotBeComputedSaysWhy) {

@@ -62,15 +62,23 @@ TEST(Suppression, IsTakenAtTheSameTime) {
   EXPECT_NEAR(*earlier.speechRetained.value, -6.02, 0.02);
 }
 
-// What the output does not have yet, or no more, is not taken for silence.
+// What one of them does not have yet, or no more, is taken for neither silence nor a pause.
 TEST(Suppression, IsOfWhatAllHave) {
-  std::vector<float> output = Mixed(1, 1);
-  output.resize(output.size() - 2 * kRate);
-  EXPECT_NEAR(*Measured(output).noiseReduction.value, 0, 1e-3);
-  EXPECT_NEAR(*Measured(output).speechRetained.value, 0, 1e-3);
-  const std::vector<float> cut(output.begin() + kRate / 2, output.end());
-  EXPECT_NEAR(*Measured(cut).noiseReduction.value, 0, 1e-3);
-  EXPECT_NEAR(*Measured(cut).speechRetained.value, 0, 1e-3);
+  const auto expect = [](const std::vector<float>& reference, const std::vector<float>& output) {
+    const Suppression of = MeasureSuppression(reference, Mixed(1, 1), output, kRate, 1);
+    EXPECT_NEAR(*of.noiseReduction.value, 20, 0.01);
+    EXPECT_NEAR(*of.speechRetained.value, -6.02, 0.02);
+  };
+  std::vector<float> output = Mixed(0.5, 0.1);
+  expect(Speech(), Later(output, kRate / 2, 1));
+  expect(Speech(), {output.begin() + kRate / 2, output.end()});
+  output.resize(kLength - 2 * kRate);
+  expect(Speech(), output);
+  output = Mixed(0.5, 0.1);
+  std::vector<float> reference = Speech();
+  expect({reference.begin() + kRate / 2, reference.end()}, output);
+  reference.resize(kLength - 3 * kRate / 2);
+  expect(reference, output);
 }
 
 // Along the input, noise and all: (100 * 0.5 + 0.1) / 101.

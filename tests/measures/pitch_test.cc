@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -94,6 +95,11 @@ TEST(PitchCents, WhatCannotBeComputedSaysWhy) {
   EXPECT_EQ(because(std::vector<float>(100, 0.1F)), kTooShort);
   EXPECT_EQ(because(std::vector<float>(16000)), kSilence);
   EXPECT_EQ(because(Noise(16000, 0.1, 1)), "too little that has a pitch");
+  std::vector<float> brief = Noise(16000, 0.1, 1);
+  std::copy_n(voice.begin(), 1600, brief.begin());
+  EXPECT_EQ(because(brief), "too little that has a pitch");
+  std::copy_n(voice.begin(), 3200, brief.begin());
+  EXPECT_TRUE(PitchCents(voice, brief, 16000).value);
 }
 
 TEST(PitchCents, IsComputedForEachChannel) {
