@@ -61,6 +61,16 @@ TEST(BandLimit, OfWhatKeepsEverythingIsThatOfTheInput) {
               150);
 }
 
+TEST(BandLimit, IsOfWhatTheInputHasWithin70DecibelsOfItsMaximum) {
+  const std::vector<float> white = Noise(kLength, 0.1, 1);
+  const std::vector<float> low = Below(white, 7000);
+  const std::vector<float> high = Sum(white, Later(low, 0, -1));
+  for (const double decibels : {-66.0, -74.0}) {
+    const std::vector<float> input = Sum(low, Later(high, 0, std::pow(10, decibels / 20)));
+    EXPECT_NEAR(*BandLimit(input, input, kRate).value, decibels > -70 ? 24000 : 7000, 1000);
+  }
+}
+
 TEST(BandLimit, NeitherGainNorDelayCounts) {
   const std::vector<float> input = Noise(kLength, 0.1, 1);
   const std::vector<float> output = Below(input, 7000);

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string_view>
 #include <vector>
 
@@ -49,16 +51,47 @@ TEST(Tempo, NoiseAndLevelDoNotCount) {
   EXPECT_NEAR(TempoOf(Later(clicks, 3333, -1), 16000), 112, 0.2);
 }
 
-// Bursts of one and the same loudness at different pitches: level alone would not see them.
+TEST(Tempo, OfTwoAnOctaveApartIsTheOneNearer120) {
+  EXPECT_NEAR(TempoOf(Clicks(16000, 200), 16000), 100, 0.2);
+  EXPECT_NEAR(TempoOf(Clicks(16000, 160), 16000), 160, 0.2);
+}
+
+// One and the same loudness at different pitches: level alone would not see them.
 TEST(Tempo, IsSeenWhereOnlyThePitchChanges) {
-  std::vector<float> samples(20 * 16000);
+  std::vector<float> samples = Noise(20 * 16000, 0.003, 1);
   double phase = 0;
   for (size_t i = 0; i < samples.size(); ++i) {
     const bool high = i / 8000 % 2 == 1;
     phase += 2 * M_PI * (high ? 1500 : 500) / 16000;
-    samples[i] = static_cast<float>(0.1 * std::sin(phase));
+    samples[i] += static_cast<float>(0.1 * std::sin(phase));
   }
   EXPECT_NEAR(TempoOf(samples, 16000), 120, 0.5);
+}
+
+// Notes from any time on, all of which end on the beat: nothing starts there.
+TEST(Tempo, WhereNotesEndDoesNotCount) {
+  std::mt19937 random(1);
+  const std::vector<float> noise = Noise(60 * 16000, 0.1, 1);
+  std::vector<float> samples(noise.size());
+  for (size_t end = 8000; end <= samples.size(); end += 8000) {
+    for (size_t i = end - 1000 - random() % 5000; i < end; ++i) samples[i] = noise[i];
+  }
+  EXPECT_GT(std::fabs(TempoOf(samples, 16000) - 120), 5);
+}
+
+// Of 6 s, what noise has by chance counts as nothing; of a minute, that one click in four keeps
+// time.
+TEST(Tempo, IsUnknownWhereItIsNotClear) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    EXPECT_FALSE(Tempo(Noise(6 * 8000, 0.1, seed), 8000).value) << seed;
+  }
+  std::mt19937 random(1);
+  std::vector<float> clicks(size_t{180} * 8000);
+  for (int n = 0; n < 350; ++n) {
+    const size_t place = n % 4 == 0 ? static_cast<size_t>(n) * 4000 : random() % 1400000;
+    std::fill_n(clicks.begin() + static_cast<std::ptrdiff_t>(place), 40, 0.5F);
+  }
+  EXPECT_FALSE(Tempo(clicks, 8000).value);
 }
 
 TEST(Tempo, OfWhatDoesNotRepeatItselfIsUnknown) {
