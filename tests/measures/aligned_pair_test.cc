@@ -64,7 +64,7 @@ TEST(AlignPair, FindsTheDelayInNoise) {
 
 TEST(AlignPair, LeavesWhatIsTheSameAsItIs) {
   const std::vector<float> reference = Noise(size_t{4} * kRate, 0.1, 1);
-  for (const size_t later : {0, 1, 480}) {
+  for (const size_t later : {size_t{0}, size_t{1}, size_t{480}}) {
     std::vector<float> signal(later);
     signal.insert(signal.end(), reference.begin(), reference.end());
     const AlignedPair pair = AlignPair(reference, signal, kRate, 1);
@@ -103,9 +103,10 @@ TEST(AlignPair, FindsAndTakesOutDrift) {
 }
 
 TEST(AlignPair, TellsADelayThatJumpsFromNone) {
+  constexpr std::ptrdiff_t kJump = std::ptrdiff_t{4} * kRate;
   const std::vector<float> reference = Noise(size_t{8} * kRate, 0.1, 1);
   std::vector<float> signal = reference;
-  signal.erase(signal.begin() + 4 * kRate, signal.begin() + 4 * kRate + 480);
+  signal.erase(signal.begin() + kJump, signal.begin() + kJump + 480);
   EXPECT_NEAR(AlignPair(reference, signal, kRate, 1).delayTrack.value.value_or(0), 0.01, 1e-5);
   EXPECT_EQ(AlignPair(reference, reference, kRate, 1).delayTrack.value, 0);
 }
