@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "replay/file_change.h"
 #include "replay/first_difference.h"
@@ -84,7 +85,12 @@ std::vector<std::string> OtherOrigins(const Json& before, const Json& now) {
   for (const auto& [name, value] : Facts(now)) {
     const auto found = was.find(name);
     if (found == was.end() || found->second == value) continue;
-    lines.push_back(name + " is " + value + ", was " + found->second);
+    std::string line = name;
+    line += " is ";
+    line += value;
+    line += ", was ";
+    line += found->second;
+    lines.push_back(std::move(line));
   }
   return lines;
 }
