@@ -18,7 +18,7 @@ std::atomic<void (*)(const char*)> g_listener = nullptr;
 thread_local bool t_inListener = false;
 
 // Any length; empty for a text that cannot be formatted.
-std::string Formatted(const char* format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) std::string Formatted(const char* format, va_list arguments) {
   va_list again;
   va_copy(again, arguments);
   const int length = vsnprintf(nullptr, 0, format, arguments);
