@@ -12,6 +12,12 @@ namespace {
 
 constexpr size_t kMaxRows = 50;
 
+// The verdicts that the last line names, and whether they hold among all measures.
+constexpr std::pair<Change, bool> kTold[] = {{Change::kWorse, true},     {Change::kChanged, true},
+                                             {Change::kBetter, true},    {Change::kWorse, false},
+                                             {Change::kChanged, false},  {Change::kBetter, false},
+                                             {Change::kUndecided, false}};
+
 std::string Plain(double value) {
   char text[32];
   snprintf(text, sizeof text, "%.4g", value);
@@ -140,12 +146,12 @@ bool NothingChanged(const Comparison& comparison) {
 }
 
 // The measures of this verdict, each with its difference where it is one: "si_sdr (-1.3 dB), lsd".
-std::string NamesOf(const std::vector<MeasureComparison>& measures, Change verdict) {
+std::string NamesOf(const std::vector<MeasureComparison>& measures, Change verdict, bool holds) {
   constexpr size_t kMaxNames = 3;
   std::string text;
   size_t count = 0;
   for (const MeasureComparison& each : measures) {
-    if (each.verdict != verdict || ++count > kMaxNames) continue;
+    if (each.verdict != verdict || each.holds != holds || ++count > kMaxNames) continue;
     text += (text.empty() ? "" : ", ") + Printable(each.kind.name);
     if (verdict == Change::kUndecided) continue;
     text += " (" + Signed(each.difference) + " " + Printable(each.kind.unit) + ")";
@@ -162,11 +168,11 @@ std::string Reasons(const Comparison& comparison) {
   add(comparison.fallen.size(), "verdict fell", "verdicts fell");
   add(comparison.guards.size(), "guard is new", "guards are new");
   add(comparison.gone.size(), "thing is gone", "things are gone");
-  for (const Change verdict :
-       {Change::kWorse, Change::kChanged, Change::kBetter, Change::kUndecided}) {
-    if (const std::string names = NamesOf(comparison.measures, verdict); !names.empty()) {
-      reasons.push_back(names + " " + ChangeName(verdict));
-    }
+  for (const auto& [verdict, holds] : kTold) {
+    const std::string names = NamesOf(comparison.measures, verdict, holds);
+    if (names.empty()) continue;
+    const bool alone = verdict != Change::kUndecided && !holds;
+    reasons.push_back(names + " " + ChangeName(verdict) + (alone ? " by itself" : ""));
   }
   for (const TimeComparison& each : comparison.times) {
     if (each.verdict && IsWorse(*each.verdict)) reasons.push_back(each.name + " worse");

@@ -17,6 +17,7 @@ JsonResults::JsonResults(FILE* file, const Json& header, const SuiteCounts& coun
        {"schema_version", "bench", "engine", "host", "started", "command", "suite", "shard"}) {
     fprintf(m_file, "  \"%s\": %s,\n", key, Text(header.value(key, Json())).c_str());
   }
+  fprintf(m_file, "  \"margins\": %s,\n", Text(header.value("margins", Json::object())).c_str());
   fprintf(m_file, "  \"counts\": %s,\n  \"cases\": [", Text(counts.AsJson()).c_str());
 }
 

@@ -91,6 +91,7 @@ Selection SelectCases(const SuiteOptions& options) {
   CheckGroup(options.group);
 
   Selection selection;
+  if (!options.file.empty()) selection.margins = ReadSuiteMargins(options.file);
   std::vector<bool> chosen(cases.size());
   for (size_t i = 0; i < cases.size(); ++i) {
     chosen[i] = Chosen(cases[i], options);

@@ -5,6 +5,7 @@
 
 #include "suite/suite.h"
 #include "suite/suite_case.h"
+#include "suite/suite_margins.h"
 
 namespace host {
 
@@ -14,8 +15,9 @@ namespace host {
 // UsageError when nothing is chosen, or when a case cannot be run as it is declared.
 struct Selection {
   std::vector<SuiteCase> cases;
-  size_t chosen = 0;   // In all shards.
-  std::string digest;  // Of what was chosen in all shards: two that have it are the same.
+  size_t chosen = 0;          // In all shards.
+  std::string digest;         // Of what was chosen in all shards: two that have it are the same.
+  SuiteMargins margins = {};  // That the suite declares.
 };
 
 Selection SelectCases(const SuiteOptions& options);

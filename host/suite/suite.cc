@@ -52,6 +52,8 @@ Json Header(const SuiteOptions& options, const Selection& selection) {
   if (options.shard.of > 0) {
     header["shard"] = {{"index", options.shard.index}, {"of", options.shard.of}};
   }
+  header["margins"] = Json::object();
+  for (const auto& [name, margin] : selection.margins) header["margins"][name] = margin;
   header["chosen"] = selection.chosen;
   header["selection"] = selection.digest;
   return header;

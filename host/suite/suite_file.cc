@@ -1,7 +1,6 @@
 #include "suite/suite_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <iterator>
 #include <map>
@@ -19,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kSections[] = {"defaults", "case"};
+constexpr std::string_view kSections[] = {"defaults", "margins", "case"};
 // What a case says, and what `defaults` may say for all of them.
 constexpr std::string_view kCaseKeys[] = {
     "id",    "routine", "arguments", "in",       "each",   "tags",   "known",
@@ -164,19 +163,6 @@ class Expansion {
   std::optional<int> m_repeat;
 };
 
-toml::table Parse(const std::string& path) {
-  std::error_code error;
-  if (fs::is_directory(path, error)) throw UsageError{path + " is a folder, not a suite"};
-  if (!fs::exists(path, error)) {
-    throw UsageError{"cannot read " + path + ": " + (error ? error.message() : strerror(ENOENT))};
-  }
-  try {
-    return toml::parse_file(path);
-  } catch (const toml::parse_error& problem) {
-    throw UsageError{PlaceOf(path, problem.source()) + std::string(problem.description())};
-  }
-}
-
 // The tables [[case]] of a suite.
 const toml::array& CaseTablesOf(const toml::table& suite, const std::string& path) {
   const toml::node* const node = suite.get("case");
@@ -191,7 +177,7 @@ const toml::array& CaseTablesOf(const toml::table& suite, const std::string& pat
 }  // namespace
 
 std::vector<SuiteCase> ReadSuite(const std::string& path) {
-  const toml::table suite = Parse(path);
+  const toml::table suite = ParseSuite(path);
   const SuiteTable top(suite, path, kSections);
   const std::string folder =
       fs::path(path).parent_path().empty() ? "." : fs::path(path).parent_path();

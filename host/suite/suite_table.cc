@@ -1,7 +1,11 @@
 #include "suite/suite_table.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 #include "base/suggest.h"
@@ -177,6 +181,20 @@ std::vector<Each> SuiteTable::AllOf(std::string_view key) const {
     all.push_back(std::move(each));
   }
   return all;
+}
+
+toml::table ParseSuite(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error))
+    throw UsageError{path + " is a folder, not a suite"};
+  if (!std::filesystem::exists(path, error)) {
+    throw UsageError{"cannot read " + path + ": " + (error ? error.message() : strerror(ENOENT))};
+  }
+  try {
+    return toml::parse_file(path);
+  } catch (const toml::parse_error& problem) {
+    throw UsageError{PlaceOf(path, problem.source()) + std::string(problem.description())};
+  }
 }
 
 }  // namespace host

@@ -51,6 +51,9 @@ class SuiteTable {
   std::string m_at;
 };
 
+// The tables of a suite file. Throws UsageError when it is none.
+toml::table ParseSuite(const std::string& path);
+
 // "suite.toml:3:12: "
 std::string PlaceOf(const std::string& file, const toml::source_region& source);
 

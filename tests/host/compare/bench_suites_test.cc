@@ -42,6 +42,12 @@ TEST_F(BenchSuitesTest, BothResultsAreKeptWhereAFolderIsGiven) {
   EXPECT_TRUE(std::filesystem::exists("kept/b/results.json"));
 }
 
+TEST_F(BenchSuitesTest, TheMarginsOfTheSuiteAreInItsResults) {
+  WriteFile("s.toml", ReadFile("s.toml") + "[margins]\nlength = 0.5\n");
+  EXPECT_EQ(Bench({"suite", "s.toml", "--out", "r"}).exitCode, 0);
+  EXPECT_EQ(ParseResults(ReadFile("r/results.json"))["margins"], nlohmann::json({{"length", 0.5}}));
+}
+
 TEST_F(BenchSuitesTest, WordsAfterTheMarkAreThoseOfTheSuite) {
   WriteProgram("telling", "echo \"$@\" > words\nexec \"" AUDIO_BENCH_PROBE "\" \"$@\"");
   Compare({"--bench", "./telling", "s.toml", "--", "good", "-j", "2"});

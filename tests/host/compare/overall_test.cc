@@ -4,6 +4,7 @@
 
 #include "base/usage_error.h"
 #include "compare/compare_results.h"
+#include "compare/comparison_forms.h"
 #include "statistics/normal.h"
 #include "statistics/random.h"
 #include "synthetic_results.h"
@@ -86,12 +87,15 @@ TEST(OverallVerdict, IsCorrectedForTheNumberOfMeasures) {
     if (worst.verdict != Change::kWorse || worst.holds) continue;
     seen = true;
     EXPECT_NE(comparison.verdict, Change::kWorse);
+    EXPECT_THAT(ComparisonSummary(comparison), HasSubstr(" worse by itself"));
+    EXPECT_THAT(TextComparison(comparison), HasSubstr("worse (by itself)"));
   }
   EXPECT_TRUE(seen);
   const Comparison sure = CompareResults(SetOf(Many(1, 0, 0)), SetOf(Many(2, 1, -3)), {});
   EXPECT_EQ(sure.verdict, Change::kWorse);
   EXPECT_EQ(sure.measures.front().kind.name, "m0");
   EXPECT_TRUE(sure.measures.front().holds);
+  EXPECT_THAT(ComparisonSummary(sure), testing::StartsWith("worse: m0 ("));
 }
 
 TEST(OverallVerdict, TheWorstMeasureComesFirst) {
