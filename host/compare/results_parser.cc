@@ -148,6 +148,7 @@ ResultsParser::Place ResultsParser::Child() const {
     case Place::kOutputs:
       return Place::kOutput;
     case Place::kOutput:
+      if (m_key == "sha256") return Place::kDigest;
       return m_key == "size" ? Place::kFact : Place::kIgnored;
     default:
       return Place::kIgnored;

@@ -48,7 +48,8 @@ class ResultsParser : public Json::json_sax_t {
     kCases,
     kCase,
     kArguments,
-    kFact,  // A figure of a report: {"value": 0.5, "unit": "s"}.
+    kFact,    // A figure of a report: {"value": 0.5, "unit": "s"}.
+    kDigest,  // The same of a hash.
     kFigures,
     kFigure,
     kGuards,

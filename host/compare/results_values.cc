@@ -46,6 +46,9 @@ bool ResultsParser::Take(const Scalar& value) {
       }
       m_entry.absent = value.isNull;
       return true;
+    case Place::kDigest:
+      if (m_key == "value" && value.text != nullptr) m_entry.sha256 = *value.text;
+      return true;
     case Place::kFigure:
     case Place::kGuard:
     case Place::kOutput:

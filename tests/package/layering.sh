@@ -1,7 +1,7 @@
 #!/bin/bash
 # Includes point one way: layering.sh PROJECT_FOLDER
 #   host -> catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
-#   host/guards -> measures, which know nothing of either
+#   host/guards, host/compare -> measures, which know nothing of either
 set -euo pipefail
 
 cd "$1"
@@ -70,7 +70,7 @@ for folder in base guards files recording process catalogue results report demo 
   # What a file is; the rows are for those above.
   [[ $folder == base ]] || core+='|catalogue/files'
   measures='audio_measures'
-  [[ $folder == guards ]] || measures=wave
+  [[ $folder == guards || $folder == compare ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""

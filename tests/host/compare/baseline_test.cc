@@ -29,7 +29,7 @@ TEST_F(BaselineTest, ASavedOneIsComparedWithLikeTheResultsThemselves) {
                                                           {"reason", nullptr},
                                                           {"truth", 4}}};
   a["cases"][6]["figures"][0]["channel"] = b["cases"][6]["figures"][0]["channel"] = 1;
-  a["margins"] = {{"si_sdr", 0.25}};
+  a["margins"] = {{"my_sdr", 0.25}};
   WriteResults("a", a);
   WriteResults("b", b);
   Finished finished = Baseline({"save", "old", "a"});

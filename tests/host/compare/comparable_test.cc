@@ -39,13 +39,13 @@ TEST(CheckComparable, RefusesAnotherSuite) {
 TEST(CheckComparable, RefusesAnotherVersionOfAMeasure) {
   const SyntheticFigure two = {.version = 2};
   EXPECT_THAT(Fault(OneFigureEach({1}), OneFigureEach({1}, two)),
-              HasSubstr("the measure si_sdr is of version 1 in A and of version 2 in B"));
+              HasSubstr("the measure my_sdr is of version 1 in A and of version 2 in B"));
 }
 
 TEST(CheckComparable, RefusesAMeasureThatIsBetterInTheOtherDirection) {
   const SyntheticFigure lower = {.better = "lower"};
   EXPECT_THAT(Fault(OneFigureEach({1}), OneFigureEach({1}, lower)),
-              HasSubstr("of si_sdr, better is \"higher\" in A and \"lower\" in B"));
+              HasSubstr("of my_sdr, better is \"higher\" in A and \"lower\" in B"));
 }
 
 TEST(CheckComparable, RefusesAnotherRoutineOrOtherWordsUnderOneId) {

@@ -32,7 +32,7 @@ class CompareTest : public testing::Test {
     WriteFile(folder + "/results.json", results.dump());
   }
 
-  // Ten cases with an si_sdr of 5 dB in "a", of 4 dB in "b".
+  // Ten cases with an my_sdr of 5 dB in "a", of 4 dB in "b".
   static void WriteWorse() {
     WriteResults("a", OneFigureEach(std::vector<double>(10, 5)));
     WriteResults("b", OneFigureEach(std::vector<double>(10, 4)));

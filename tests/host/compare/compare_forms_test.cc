@@ -37,7 +37,7 @@ TEST_F(CompareFormsTest, JsonHasAllThatIsFound) {
   EXPECT_EQ(json["verdict"], "worse");
   ASSERT_EQ(json["measures"].size(), 2U);
   const nlohmann::json& worse = json["measures"][0];
-  EXPECT_EQ(worse["name"], "si_sdr");
+  EXPECT_EQ(worse["name"], "my_sdr");
   EXPECT_EQ(worse["unit"], "dB");
   EXPECT_EQ(worse["better"], "higher");
   EXPECT_EQ(worse["n"], 10);
@@ -87,7 +87,7 @@ TEST_F(CompareFormsTest, CsvHasARowForEachThing) {
   EXPECT_THAT(csv, HasSubstr("\nfallen,pass to fail,,,,,,,,,,,,,,,worse,c2,\n"));
   EXPECT_THAT(csv, HasSubstr("\nguard,click,,,,,,,,,,,,,,,worse,c3,out.wav\n"));
   EXPECT_THAT(csv, HasSubstr("\ngone,,,,,,,,,,,,,,,,worse,\"a <b>, \"\"c\"\"\",\n"));
-  EXPECT_THAT(csv, HasSubstr("\nmeasure,si_sdr,dB,higher,10,9,5.0,4.12,-0.88,"));
+  EXPECT_THAT(csv, HasSubstr("\nmeasure,my_sdr,dB,higher,10,9,5.0,4.12,-0.88,"));
   EXPECT_THAT(
       csv, HasSubstr("\nmeasure,few,dB,higher,2,2,1.0,1.25,0.25,,,1.0,1,1,f2,0.0,undecided,,\n"));
   EXPECT_THAT(csv, HasSubstr("\ntime,elapsed,s,lower,12,,1.0,1.0,0.0,0.0,0.0,,,,,,,,\n"));

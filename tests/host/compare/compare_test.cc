@@ -45,7 +45,7 @@ TEST_F(CompareTest, TellsTheWorstFirstAndTheVerdictLast) {
       "\n"
       "measure  unit  better  A  B  B - A  95 %      margin  cases  won / lost         p  "
       "verdict  worst case\n"
-      "si_sdr   dB    higher  5  4     -1  -1 .. -1       0      9  0 / 9       0.003906  "
+      "my_sdr   dB    higher  5  4     -1  -1 .. -1       0      9  0 / 9       0.003906  "
       "worse    c0 -1\n"
       "\n"
       "time     unit    A    B  B / A  half of the cases  cases  verdict\n"
@@ -54,7 +54,7 @@ TEST_F(CompareTest, TellsTheWorstFirstAndTheVerdictLast) {
       "\n"
       "new     added\n"
       "\n"
-      "worse: 1 verdict fell, 1 guard is new, 1 thing is gone, si_sdr (-1 dB) worse (9 cases, "
+      "worse: 1 verdict fell, 1 guard is new, 1 thing is gone, my_sdr (-1 dB) worse (9 cases, "
       "9 of 9 files the same byte for byte)\n");
 }
 
@@ -77,10 +77,10 @@ TEST_F(CompareTest, RefusesWordsThatMakeNoSense) {
   const std::pair<std::vector<std::string>, const char*> wrong[] = {
       {{"a"}, "compare takes two results"},
       {{"a", "b", "a"}, "compare takes two results"},
-      {{"a", "b", "--margin", "si_sdr"}, "--margin takes NAME=X"},
-      {{"a", "b", "--margin", "si_sdr=-1"}, "--margin takes NAME=X"},
-      {{"a", "b", "--margin", "si_sdr=nan"}, "--margin takes NAME=X"},
-      {{"a", "b", "--margin", "si_sdt=1"}, "did you mean si_sdr?"},
+      {{"a", "b", "--margin", "my_sdr"}, "--margin takes NAME=X"},
+      {{"a", "b", "--margin", "my_sdr=-1"}, "--margin takes NAME=X"},
+      {{"a", "b", "--margin", "my_sdr=nan"}, "--margin takes NAME=X"},
+      {{"a", "b", "--margin", "my_sdt=1"}, "did you mean my_sdr?"},
       {{"a", "b", "--resamples", "10"}, "--resamples"},
       {{"a", "b", "--out", "x"}, "--out goes with --bench"},
       {{"a", "b", "--", "x"}, "unexpected x"},
@@ -94,8 +94,8 @@ TEST_F(CompareTest, RefusesWordsThatMakeNoSense) {
 
 TEST_F(CompareTest, AMarginMakesADifferenceOneThatDoesNotMatter) {
   WriteWorse();
-  EXPECT_EQ(Compare({"a", "b", "--margin", "si_sdr=0.9"}).exitCode, 1);
-  EXPECT_EQ(Compare({"a", "b", "--margin=si_sdr=1.1"}).exitCode, 0);
+  EXPECT_EQ(Compare({"a", "b", "--margin", "my_sdr=0.9"}).exitCode, 1);
+  EXPECT_EQ(Compare({"a", "b", "--margin=my_sdr=1.1"}).exitCode, 0);
 }
 
 TEST_F(CompareTest, TimesDecideOnlyWhereTheyAreAskedTo) {

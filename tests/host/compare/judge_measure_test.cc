@@ -31,7 +31,7 @@ Change VerdictOf(const std::vector<double>& b, double margin = 0,
                  const SyntheticFigure& like = kHigher) {
   std::vector<double> a = Base();
   a.resize(b.size(), 10);
-  return CompareValues(a, b, like, {.margins = {{"si_sdr", margin}}}).verdict;
+  return CompareValues(a, b, like, {.margins = {{"my_sdr", margin}}}).verdict;
 }
 
 TEST(JudgeMeasure, LessIsWorseAndMoreIsBetterWhereHigherIsBetter) {
@@ -96,13 +96,13 @@ TEST(JudgeMeasure, RoundingIsNoDifference) {
 TEST(JudgeMeasure, FewerThanEightCasesHaveNoIntervalAndDecideOnlyTogether) {
   const MeasureComparison mixed =
       CompareValues(std::vector<double>(7, 1), {0.5, 0.4, 0.3, 0.5, 0.6, 0.5, 0.95}, kHigher,
-                    {.margins = {{"si_sdr", 0.1}}});
+                    {.margins = {{"my_sdr", 0.1}}});
   EXPECT_FALSE(mixed.interval);
   EXPECT_EQ(mixed.verdict, Change::kUndecided);
   EXPECT_EQ(mixed.more, 1U);
   const std::vector<double> allWorse = {0.5, 0.4, 0.3, 0.5, 0.6, 0.5, 0.85};
   const std::vector<double> one(7, 1);
-  const CompareRules rules = {.margins = {{"si_sdr", 0.1}}};
+  const CompareRules rules = {.margins = {{"my_sdr", 0.1}}};
   EXPECT_EQ(CompareValues(one, allWorse, kHigher, rules).verdict, Change::kWorse);
   EXPECT_EQ(CompareValues(allWorse, one, kHigher, rules).verdict, Change::kBetter);
   EXPECT_EQ(CompareValues(one, {1.05, 0.95, 1, 1, 1, 1, 1}, kHigher, rules).verdict,

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "audio_measures/measure.h"
 #include "base/usage_error.h"
 #include "compare/compare_results.h"
 #include "compare/comparison_forms.h"
@@ -121,24 +122,32 @@ TEST(Margins, ComeFromTheCommandLineThenFromTheSuite) {
     return CompareResults(SetOf(a), SetOf(b), rules).measures[0].margin;
   };
   Json declared = Plain();
-  declared["margins"] = {{"si_sdr", 0.3}};
-  EXPECT_EQ(margin(declared, declared, {.margins = {{"si_sdr", 0.7}}}), 0.7);
+  declared["margins"] = {{"my_sdr", 0.3}};
+  EXPECT_EQ(margin(declared, declared, {.margins = {{"my_sdr", 0.7}}}), 0.7);
   EXPECT_EQ(margin(declared, declared, {}), 0.3);
   Json other = declared;
-  other["margins"]["si_sdr"] = 0.5;
+  other["margins"]["my_sdr"] = 0.5;
   EXPECT_EQ(margin(declared, other, {}), 0.5);
   EXPECT_EQ(Overall(declared, Better()), Change::kBetter);
-  declared["margins"]["si_sdr"] = 2;
+  declared["margins"]["my_sdr"] = 2;
   EXPECT_EQ(Overall(declared, Better()), Change::kSame);
+}
+
+TEST(Margins, ComeFromTheMeasureLast) {
+  const audio_measures::Measure* const measure = audio_measures::FindMeasure("si_sdr");
+  ASSERT_NE(measure, nullptr);
+  ASSERT_GT(measure->margin, 0);
+  EXPECT_EQ(CompareValues({1, 2}, {1, 2}, {.name = "si_sdr"}).margin, measure->margin);
+  EXPECT_EQ(CompareValues({1, 2}, {1, 2}, {.name = "made_up"}).margin, 0);
 }
 
 TEST(Margins, OfNoMeasureAreRefused) {
   try {
-    CompareResults(SetOf(Plain()), SetOf(Plain()), {.margins = {{"si_sdt", 0.7}}});
+    CompareResults(SetOf(Plain()), SetOf(Plain()), {.margins = {{"my_sdt", 0.7}}});
     ADD_FAILURE();
   } catch (const UsageError& error) {
     EXPECT_THAT(error.message,
-                HasSubstr("no figure of both is called si_sdt; did you mean si_sdr?"));
+                HasSubstr("no figure of both is called my_sdt; did you mean my_sdr?"));
   }
 }
 

@@ -66,7 +66,7 @@ TEST(PairResults, ListsWhatIsGoneOnce) {
   Json less = whole;
   less["figures"] = Json::array();
   EXPECT_THAT(Places(Pair(whole, less).gone),
-              testing::UnorderedElementsAre("c out.wav si_sdr", "c loudness"));
+              testing::UnorderedElementsAre("c out.wav my_sdr", "c loudness"));
   // With the file go its figures.
   less["outputs"] = Json::array();
   EXPECT_THAT(Places(Pair(whole, less).gone),
@@ -81,7 +81,7 @@ TEST(PairResults, ListsWhatIsNewTheSameWay) {
   whole["outputs"].push_back({{"name", "more.wav"}, {"sha256", Json()}});
   const PairedResults paired = PairAll({less}, {whole, CaseJson("d", {})});
   EXPECT_THAT(Places(paired.added),
-              testing::UnorderedElementsAre("c out.wav si_sdr", "c more.wav", "d"));
+              testing::UnorderedElementsAre("c out.wav my_sdr", "c more.wav", "d"));
   EXPECT_THAT(paired.gone, IsEmpty());
 }
 
@@ -89,8 +89,8 @@ TEST(PairResults, ListsWhatIsNewTheSameWay) {
 TEST(PairResults, AFigureThatHasLostItsValueIsGone) {
   const Json with = CaseJson("c", {{.value = 1}});
   const Json without = CaseJson("c", {{}});
-  EXPECT_THAT(Places(Pair(with, without).gone), testing::ElementsAre("c out.wav si_sdr"));
-  EXPECT_THAT(Places(Pair(without, with).added), testing::ElementsAre("c out.wav si_sdr"));
+  EXPECT_THAT(Places(Pair(with, without).gone), testing::ElementsAre("c out.wav my_sdr"));
+  EXPECT_THAT(Places(Pair(without, with).added), testing::ElementsAre("c out.wav my_sdr"));
   EXPECT_THAT(Pair(without, without).gone, IsEmpty());
   EXPECT_THAT(Pair(without, without).measures, IsEmpty());
 }
@@ -98,8 +98,8 @@ TEST(PairResults, AFigureThatHasLostItsValueIsGone) {
 TEST(PairResults, AChannelThatIsGoneIsAFigureThatIsGone) {
   const Json stereo = CaseJson("c", {{.value = 1, .channel = 0}, {.value = 2, .channel = 1}});
   const Json mono = CaseJson("c", {{.value = 1, .channel = 0}});
-  EXPECT_THAT(Places(Pair(stereo, mono).gone), testing::ElementsAre("c out.wav si_sdr"));
-  EXPECT_THAT(Places(Pair(mono, stereo).added), testing::ElementsAre("c out.wav si_sdr"));
+  EXPECT_THAT(Places(Pair(stereo, mono).gone), testing::ElementsAre("c out.wav my_sdr"));
+  EXPECT_THAT(Places(Pair(mono, stereo).added), testing::ElementsAre("c out.wav my_sdr"));
 }
 
 TEST(PairResults, ListsVerdictsThatFell) {

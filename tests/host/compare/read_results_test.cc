@@ -74,7 +74,9 @@ TEST(ReadResults, TakesWhatCanBeCompared) {
 }
 
 TEST(ReadResults, TakesTheReportOfARun) {
-  const Json output = {{"name", "out.wav"}, {"size", {{"value", 44}, {"unit", "bytes"}}}};
+  const Json output = {{"name", "out.wav"},
+                       {"size", {{"value", 44}, {"unit", "bytes"}}},
+                       {"sha256", {{"value", "ab"}}}};
   const Json absent = {{"name", "gone.wav"}, {"size", {{"value", Json()}, {"reason", "absent"}}}};
   const Json report = {{"schema_version", 3},
                        {"routine", "TestDrc"},
@@ -93,7 +95,7 @@ TEST(ReadResults, TakesTheReportOfARun) {
   EXPECT_EQ(run.cpu, 1.5);
   EXPECT_EQ(run.figures.size(), 1U);
   ASSERT_EQ(run.outputs.size(), 1U);
-  EXPECT_EQ(run.outputs[0].sha256, "");
+  EXPECT_EQ(run.outputs[0].sha256, "ab");
 }
 
 TEST(ReadResults, RefusesWhatIsTornWhereverThatIs) {

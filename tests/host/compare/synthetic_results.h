@@ -12,7 +12,7 @@
 // Results of suites that no suite has run.
 
 struct SyntheticFigure {
-  std::string name = "si_sdr";
+  std::string name = "my_sdr";
   std::optional<double> value = {};
   std::string better = "higher";
   std::string unit = "dB";
