@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "audio_measures/aligned_pair.h"
@@ -16,19 +18,32 @@ namespace {
 
 using audio_measures::AlignedPair;
 
-std::vector<float> Read(const std::string& name) {
-  std::vector<float> samples;
+// Nothing where there is no such file.
+template <typename T>
+std::optional<std::vector<T>> ReadIfThere(const std::string& name) {
   FILE* const file = fopen(name.c_str(), "rb");
-  if (file == nullptr) {
+  if (file == nullptr) return std::nullopt;
+  std::vector<T> values;
+  T block[4096];
+  while (const size_t count = fread(block, sizeof(T), 4096, file)) {
+    values.insert(values.end(), block, block + count);
+  }
+  fclose(file);
+  return values;
+}
+
+std::vector<float> Read(const std::string& name) {
+  std::optional<std::vector<float>> samples = ReadIfThere<float>(name);
+  if (!samples) {
     fprintf(stderr, "%s cannot be read\n", name.c_str());
     exit(2);
   }
-  float block[4096];
-  while (const size_t count = fread(block, sizeof(float), 4096, file)) {
-    samples.insert(samples.end(), block, block + count);
-  }
-  fclose(file);
-  return samples;
+  return std::move(*samples);
+}
+
+audio_measures::Signal SignalOf(const std::optional<std::vector<float>>& samples, int rate) {
+  if (!samples) return {};
+  return {rate, {*samples}};
 }
 
 void Write(const std::string& name, const std::vector<float>& samples) {
@@ -46,7 +61,8 @@ void Write(const std::string& name, const std::vector<float>& samples) {
 // measure_floats FOLDER RATE: of reference.f32 and output.f32 in the folder, of one channel each.
 // Prints "name value" for each figure, "name - reason" where there is none, and leaves what the
 // figures against the reference are of: aligned_reference.f32, aligned_output.f32, and both at the
-// rate of stoi as 10k_reference.f32 and 10k_output.f32.
+// rate of stoi as 10k_reference.f32 and 10k_output.f32. Where they are there input.f32, far.f32,
+// near.f32 and the seconds of beats.f64 and true_beats.f64 are measured too.
 int main(int argc, char** argv) {
   const int rate = argc == 3 ? std::atoi(argv[2]) : 0;
   if (rate <= 0) {
@@ -56,8 +72,18 @@ int main(int argc, char** argv) {
   const std::string folder = std::string(argv[1]) + "/";
   const std::vector<float> reference = Read(folder + "reference.f32");
   const std::vector<float> output = Read(folder + "output.f32");
+  const auto input = ReadIfThere<float>(folder + "input.f32");
+  const auto far = ReadIfThere<float>(folder + "far.f32");
+  const auto near = ReadIfThere<float>(folder + "near.f32");
+  const auto beats = ReadIfThere<double>(folder + "beats.f64");
+  const auto trueBeats = ReadIfThere<double>(folder + "true_beats.f64");
   const audio_measures::Inputs inputs = {.output = {rate, {output}},
-                                         .reference = {rate, {reference}}};
+                                         .reference = {rate, {reference}},
+                                         .far = SignalOf(far, rate),
+                                         .near = SignalOf(near, rate),
+                                         .input = SignalOf(input, rate),
+                                         .beats = beats,
+                                         .trueBeats = trueBeats};
   std::vector<std::string_view> names;
   for (const audio_measures::Measure& measure : audio_measures::AllMeasures()) {
     if (measure.version > 0) names.push_back(measure.name);
