@@ -6,6 +6,7 @@
 
 #include "base/paint.h"
 #include "catalogue/list_filter.h"
+#include "engines/engine.h"
 
 namespace host {
 
@@ -18,8 +19,8 @@ std::string ListAsText(const ListFilter& filter, size_t width, const Paint& pain
 // Returns the document docs/catalogue.md.
 std::string ListAsMarkdown(const ListFilter& filter);
 
-// Returns the catalogue for programs.
-std::string ListAsJson(const ListFilter& filter);
+// Returns the catalogue for programs, with which engine answers for what.
+std::string ListAsJson(const ListFilter& filter, const Engine& engine);
 
 // All three throw UsageError when the filter lets nothing pass.
 

@@ -3,6 +3,7 @@
 #include "base/json_parts.h"
 #include "catalogue/catalogue_text.h"
 #include "catalogue/list.h"
+#include "engines/engine_text.h"
 
 namespace host {
 
@@ -134,13 +135,14 @@ Json RowJson(const CatalogueRow& row, const RunFiles& files) {
 
 }  // namespace
 
-std::string ListAsJson(const ListFilter& filter) {
+std::string ListAsJson(const ListFilter& filter, const Engine& engine) {
   const auto passes = Selector(filter);
   Json rows = Json::array();
   for (const CatalogueRow& row : Catalogue()) {
     if (passes(row)) rows.push_back(RowJson(row, {row.inputs, row.outputs}));
   }
-  return JsonText({{"schema_version", kListVersion}, {"routines", rows}});
+  return JsonText(
+      {{"schema_version", kListVersion}, {"engine", EngineJson(engine)}, {"routines", rows}});
 }
 
 std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments) {

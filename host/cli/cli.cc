@@ -18,6 +18,7 @@
 #include "compare/compare.h"
 #include "demo/demo.h"
 #include "demo/demo_all.h"
+#include "engines/engine_text.h"
 #include "replay/replay.h"
 #include "report/output.h"
 #include "run/deliver.h"
@@ -40,13 +41,21 @@ size_t OutputWidth() {
 std::string List(const Request& request) {
   switch (request.form) {
     case Request::Form::kJson:
-      return ListAsJson(request.filter);
+      return ListAsJson(request.filter, FindEngine(request.run.engine));
     case Request::Form::kMarkdown:
       return ListAsMarkdown(request.filter);
     case Request::Form::kText:
       break;
   }
-  return ListAsText(request.filter, OutputWidth(), Paint(request.color, STDOUT_FILENO));
+  return ListAsText(request.filter, OutputWidth(), Paint(request.color, STDOUT_FILENO)) +
+         EngineText(FindEngine(request.run.engine), OutputWidth());
+}
+
+std::string Description(const Request& request) {
+  if (request.form == Request::Form::kJson) return DescribeAsJson(request.routine, request.words);
+  const std::string& engine = request.run.engine;
+  return Describe(request.routine, request.words) +
+         (engine.empty() ? "" : EngineText(FindEngine(engine), OutputWidth()));
 }
 
 // With the recordings of the demo for the routines of the catalogue.
@@ -62,9 +71,7 @@ int Execute(const Request& request) {
     case Request::Command::kList:
       return PrintResults(List(request));
     case Request::Command::kDescribe:
-      return PrintResults(request.form == Request::Form::kJson
-                              ? DescribeAsJson(request.routine, request.words)
-                              : Describe(request.routine, request.words));
+      return PrintResults(Description(request));
     case Request::Command::kDemo:
       return PrintResults(PlaceDemo(request.run.work));
     case Request::Command::kDemoAll:

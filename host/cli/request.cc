@@ -13,6 +13,7 @@
 #include "cli/color_option.h"
 #include "cli/compare_words.h"
 #include "cli/completion.h"
+#include "cli/engine_options.h"
 #include "cli/manual.h"
 #include "cli/seconds_word.h"
 #include "cli/staging_options.h"
@@ -101,6 +102,13 @@ class CommandLine {
     m_list->add_flag("--json", m_json, "For programs");
     m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
     AddColor(*m_list, m_request.color);
+    AddEngine(*m_list, m_request.run.engine);
+  }
+
+  void AddDescribe() {
+    CLI::App& describe = *m_app.add_subcommand("describe", "All that is known of one routine");
+    describe.add_option("ROUTINE", m_request.routine)->required();
+    AddEngine(describe, m_request.run.engine);
   }
 
   void AddDescribe() {
@@ -128,6 +136,7 @@ class CommandLine {
         "files may be left out, all of them, and the workspace is a temporary one unless it is "
         "given.");
     AddWork(run, options.work);
+    AddEngine(run, options.engine);
     run.add_option("--timeout-s", options.timeout,
                    "End a run that takes longer, in seconds (600; a routine that never returns "
                    "is stopped after 10)")

@@ -4,6 +4,7 @@
 
 #include "base/usage_error.h"
 #include "cli/color_option.h"
+#include "cli/engine_options.h"
 
 namespace host {
 
@@ -41,6 +42,7 @@ void SuiteWords::AddSuite(CLI::App& app) {
       ->check(CLI::Range(1, kMaxJobs));
   suite.add_option("--out", m_suite.out, "Where the results go (bench_results/UTC-TIME)")
       ->type_name("DIR");
+  AddEngine(suite, m_suite.engine);
   suite.add_flag(
       "--resume", m_suite.resume,
       "Go on in that folder, or in the latest: only what has not passed, or has changed");

@@ -206,7 +206,7 @@ void AddFigures(const RunReport& report, Json& json) {
 
 std::string JsonReport(const RunReport& report) {
   Json json = {{"schema_version", kReportSchema}};
-  json.update(OriginJson());
+  json.update(OriginJson(report.engine));
   json["build"] = BuildJson();
   json["libraries"] = LibrariesJson();
   json["environment"] = EnvironmentJson();

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "engines/engine_text.h"
 #include "report/bench_commit.h"
 
 namespace host {
@@ -24,17 +25,14 @@ std::string ProcessorModel() {
 
 }  // namespace
 
-Json OriginJson() {
-  return {
-      {"bench",
-       {{"version", AUDIO_TESTER_VERSION},
-        {"commit", Fact(kCommit, "not built in a git checkout")}}},
-      {"engine",
-       {{"name", AUDIO_ENGINE_NAME},
-        {"version", Fact(AUDIO_ENGINE_VERSION, "an engine library does not tell its version")}}},
-      {"host",
-       {{"cpu", Fact(ProcessorModel(), "the kernel does not name it")},
-        {"processors", Count(static_cast<uint64_t>(sysconf(_SC_NPROCESSORS_ONLN)), "1")}}}};
+Json OriginJson(const Engine& engine) {
+  return {{"bench",
+           {{"version", AUDIO_TESTER_VERSION},
+            {"commit", Fact(kCommit, "not built in a git checkout")}}},
+          {"engine", EngineJson(engine)},
+          {"host",
+           {{"cpu", Fact(ProcessorModel(), "the kernel does not name it")},
+            {"processors", Count(static_cast<uint64_t>(sysconf(_SC_NPROCESSORS_ONLN)), "1")}}}};
 }
 
 }  // namespace host

@@ -6,6 +6,7 @@
 
 #include "base/paint.h"
 #include "base/usage_error.h"
+#include "engines/engine.h"
 #include "files/audio_figures.h"
 #include "files/audio_layout.h"
 #include "files/wave_copy.h"
@@ -79,6 +80,7 @@ struct RunReport {
   std::vector<std::string> arguments = {};
   std::string directory = {};             // In which audio_bench was called.
   std::vector<std::string> command = {};  // That runs it again there; empty when it was refused.
+  Engine engine = {};
   Judgement judgement = {};
   std::optional<ChildOutcome> outcome = {};  // Nothing when the routine was not run.
   std::string log = {};                      // Its path; empty when the routine was not run.

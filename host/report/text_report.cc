@@ -7,6 +7,7 @@
 
 #include "base/printable.h"
 #include "base/units.h"
+#include "engines/engine_text.h"
 #include "report/list_lines.h"
 #include "report/report.h"
 
@@ -177,6 +178,7 @@ std::string TextReport(const RunReport& report, const Paint& paint) {
   std::string text = VerdictLine(report, paint) + FurtherProblems(report);
   const Verdict verdict = report.judgement.verdict;
   const bool good = verdict == Verdict::kPass || verdict == Verdict::kWarn;
+  if (report.engine.library) text += "  engine  " + EngineLine(report.engine) + "\n";
   text += FirstLines(report.staged);
   text += AllLines("input   ", report.inputs, good) + AllLines("output  ", report.outputs, good);
   text += ResultLines(report);

@@ -18,13 +18,15 @@ struct Case {
   std::optional<double> timeout = {};
   // Seconds that what the routine started may run on; when not given, as its row says.
   std::optional<double> linger = {};
-  std::string json = {};  // Where the report goes as JSON; empty for nowhere.
-  bool wait = false;      // For the end of another run in the workspace.
-  bool wav = false;       // Also write WAVE copies of headerless audio outputs.
-  bool strict = false;    // A warning is a failure.
-  bool figures = false;   // Also measure the files of lists.
-  bool digests = false;   // Hash its files; with a report they always are.
-  bool debug = false;     // In this process, without limits.
+  std::string engine = {};  // See FindEngine.
+  bool engineOnly = false;  // A routine that asks for what its library lacks is not run.
+  std::string json = {};    // Where the report goes as JSON; empty for nowhere.
+  bool wait = false;        // For the end of another run in the workspace.
+  bool wav = false;         // Also write WAVE copies of headerless audio outputs.
+  bool strict = false;      // A warning is a failure.
+  bool figures = false;     // Also measure the files of lists.
+  bool digests = false;     // Hash its files; with a report they always are.
+  bool debug = false;       // In this process, without limits.
   // Recordings to put in the place of inputs, and where outputs go: "FILE" or "NAME=FILE".
   std::vector<std::string> in = {};
   std::vector<std::string> out = {};

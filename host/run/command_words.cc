@@ -73,6 +73,8 @@ std::vector<std::string> CommandWords(const Case& what) {
   words.Seconds("--timeout-s", what.timeout);
   words.Seconds("--linger-s", what.linger);
   words.Flag(what.debug, "--debug");
+  if (!what.engine.empty()) words.Value("--engine", what.engine);
+  words.Flag(what.engineOnly, "--engine-only");
   words.Flag(what.strict, "--strict");
   words.Flag(what.figures, "--figures");
   words.Flag(what.wav, "--wav");

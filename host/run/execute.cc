@@ -1,12 +1,16 @@
 #include "run/execute.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
+#include <thread>
 #include <utility>
 
+#include "base/exit_code.h"
 #include "base/usage_error.h"
 #include "engine/engine_work.h"
 #include "process/progress.h"
@@ -37,6 +41,28 @@ class Log {
   FILE* m_file;
 };
 
+// Lets the routine's calls go to the engine of the run. Where that fails the process ends, and says
+// why.
+void Enter(const Engine& engine) {
+  try {
+    EnterEngine(engine);
+  } catch (const UsageError& error) {
+    fprintf(stderr, "audio_bench: %s\n", error.message.c_str());
+    _exit(exit_code::kUsage);
+  }
+}
+
+// Waits for what a routine has started. An engine in a library cannot be asked when it is done, nor
+// how its devices did.
+EngineFindings Finish(const Engine& engine, std::chrono::milliseconds limit, bool runsOn) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  EngineFindings findings = FinishEngineWork(limit, runsOn);
+  if (!engine.HasDevices()) return findings;
+  if (runsOn) std::this_thread::sleep_until(end);
+  findings.gaps.reset();
+  return findings;
+}
+
 // Runs the routine; stops one that never returns when its time is up, and gives as much time anew
 // for what follows.
 ChildOutcome RunRoutine(const Plan& plan, FILE* log, LineResults& heard, Limits& limits,
@@ -47,8 +73,12 @@ ChildOutcome RunRoutine(const Plan& plan, FILE* log, LineResults& heard, Limits&
       row.runsOn > 0 ? plan.what.linger.value_or(row.runsOn) : kBackgroundSeconds;
   const std::chrono::milliseconds background(std::llround(seconds * 1000));
   const ChildWork work = {
-      .routine = [&] { harness::Run(row, words); },
-      .afterwards = [&] { return FinishEngineWork(background, row.runsOn > 0); }};
+      .routine =
+          [&] {
+            Enter(plan.engine);
+            harness::Run(row, words);
+          },
+      .afterwards = [&] { return Finish(plan.engine, background, row.runsOn > 0); }};
   const Hearing hearing = {
       .output = [&](std::string_view bytes) { heard.Hear(Stands::kPrinted, bytes); },
       .log = [&](std::string_view bytes) { heard.Hear(Stands::kLogged, bytes); }};

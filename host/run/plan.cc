@@ -34,6 +34,7 @@ std::vector<std::string> Completed(const CatalogueRow& row, const Case& what) {
 
 void FillIn(Plan& plan) {
   plan.row = &FindRow(plan.what.routine);
+  plan.engine = FindEngine(plan.what.engine);
   const CatalogueRow& row = *plan.row;
   plan.what.arguments = Completed(row, plan.what);
   const ArgumentList words = plan.Words();
@@ -89,6 +90,7 @@ RunReport ReportOf(const Plan& plan) {
           .arguments = plan.what.arguments,
           .directory = CurrentFolder(),
           .command = CommandWords(plan.what),
+          .engine = plan.engine,
           .strict = plan.what.strict,
           .fruitless = plan.fruitless,
           .stop = plan.stop};

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "catalogue/rows.h"
+#include "engines/engine.h"
 #include "files/beneath.h"
 #include "files/workspace.h"
 #include "report/report.h"
@@ -22,7 +23,8 @@ using ArgumentList = std::vector<std::string_view>;
 // The first step of a run: what follows from the case alone.
 struct Plan {
   Case what;
-  std::string started;                 // When, UTC: "2026-03-01T12:00:00Z".
+  std::string started;  // When, UTC: "2026-03-01T12:00:00Z".
+  Engine engine = {};
   const CatalogueRow* row = nullptr;   // Null only where there is no such routine.
   double timeout = kMaxSeconds;        // Infinite for none.
   std::vector<FilePlace> inputs = {};  // Those that the row declares.

@@ -50,8 +50,8 @@ Json Optional(const std::optional<double>& value) { return value ? Json(*value) 
 
 }  // namespace
 
-std::string OriginText() {
-  const Json origin = OriginJson();
+std::string OriginText(const Engine& engine) {
+  const Json origin = OriginJson(engine);
   return Json({origin["bench"], origin["engine"], Fingerprint("/proc/self/exe")}).dump();
 }
 
@@ -63,8 +63,9 @@ std::string CaseFingerprint(const SuitePlace& suite, size_t at) {
   }
   Json before = Json::array();
   for (const size_t each : suite.order.Before(at)) before.push_back(CaseFingerprint(suite, each));
-  const Json all = {suite.origin, one.routine,           one.arguments,        inputs, one.sameAs,
-                    one.strict,   Optional(one.timeout), Optional(one.linger), before};
+  const Json all = {suite.origin,         one.routine,    one.arguments, inputs,
+                    one.sameAs,           one.engineOnly, one.strict,    Optional(one.timeout),
+                    Optional(one.linger), before};
   return DigestOfText(all.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 

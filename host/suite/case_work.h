@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/json_parts.h"
+#include "engines/engine.h"
 #include "suite/case_order.h"
 #include "suite/catalogue_cases.h"
 #include "suite/suite_case.h"
@@ -24,7 +25,7 @@ struct SuitePlace {
 };
 
 // Bench, engine and this very program, as text.
-std::string OriginText();
+std::string OriginText(const Engine& engine);
 
 // All that decides about the result of a case: routine, words, inputs with their content, limits,
 // engine and bench, and the same of the cases that it reads from. Two that differ in it may differ

@@ -109,6 +109,8 @@ Selection SelectCases(const SuiteOptions& options) {
   for (size_t i = 0; i < cases.size(); ++i) {
     if (!runs[i]) continue;
     cases[i].counted = counted[i];
+    cases[i].engine = options.engine;
+    cases[i].engineOnly = options.engineOnly;
     cases[i].strict = cases[i].strict || options.strict;
     selection.cases.push_back(std::move(cases[i]));
   }

@@ -44,7 +44,7 @@ std::string TimeOfDay() {
 // The first line of the plan.
 Json Header(const SuiteOptions& options, const Selection& selection) {
   Json header = {{"schema_version", kResultsVersion}};
-  header.update(OriginJson());
+  header.update(OriginJson(FindEngine(options.engine)));
   header["started"] = TimeOfDay();
   header["command"] = options.command;
   header["suite"] = options.file.empty() ? Json() : Json(options.file);
@@ -189,12 +189,14 @@ void MakeFolders(const std::string& folder) {
 }  // namespace
 
 int RunSuite(const SuiteOptions& options) {
+  FindEngine(options.engine);  // Before anything else is done, and for all cases.
   const Selection selection = SelectCases(options);
   if (options.dryRun) return PrintResults(DryRun(selection));
   const CaseOrder order(selection.cases);
   const SuiteFolder folder(options.out, options.resume);
   MakeFolders(folder.path());
-  const SuitePlace suite = {selection.cases, order, folder.path(), OriginText(), options.demo};
+  const SuitePlace suite = {selection.cases, order, folder.path(),
+                            OriginText(FindEngine(options.engine)), options.demo};
 
   Kept kept = FindKept(suite, folder.resumed());
   LeaveOutUnneeded(suite, kept.cases);

@@ -11,11 +11,13 @@ namespace host {
 
 // What `suite` is asked to do.
 struct SuiteOptions {
-  std::string file;   // Empty: the routines of the catalogue.
-  std::string glob;   // Of ids; empty for all.
-  std::string group;  // Of routines; empty for all.
-  int jobs = 0;       // Cases at a time; 0: as many as there are processors.
-  std::string out;    // Empty: bench_results/UTC-TIME.
+  std::string file;    // Empty: the routines of the catalogue.
+  std::string glob;    // Of ids; empty for all.
+  std::string group;   // Of routines; empty for all.
+  int jobs = 0;        // Cases at a time; 0: as many as there are processors.
+  std::string out;     // Empty: bench_results/UTC-TIME.
+  std::string engine;  // See FindEngine.
+  bool engineOnly = false;
   bool resume = false;
   bool dryRun = false;
   bool strict = false;

@@ -8,6 +8,8 @@ Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string
               .work = workspace,
               .timeout = one.timeout,
               .linger = one.linger,
+              .engine = one.engine,
+              .engineOnly = one.engineOnly,
               .json = report};
   for (const auto& [name, source] : one.inputs) {
     run.in.push_back(name);

@@ -23,12 +23,14 @@ struct SuiteCase {
   std::vector<std::string> after = {};  // Ids of the cases whose outputs it reads.
   std::optional<double> timeout = {};   // Seconds; as for a run when not given.
   std::optional<double> linger = {};    // The same.
-  bool strict = false;                  // A warning is a failure.
-  std::string sameAs = {};              // Id of the case whose outputs it must equal; or empty.
-  std::string skip = {};                // Why it is not to be run; empty when it is.
-  bool demo = false;                    // It runs on the recordings of `demo`.
-  bool counted = true;                  // False when it runs for the outputs that others read.
-  std::string at = {};                  // Where it was declared: "suite.toml:3:1: ", or empty.
+  std::string engine = {};              // As of a run, and so is the next.
+  bool engineOnly = false;
+  bool strict = false;      // A warning is a failure.
+  std::string sameAs = {};  // Id of the case whose outputs it must equal; or empty.
+  std::string skip = {};    // Why it is not to be run; empty when it is.
+  bool demo = false;        // It runs on the recordings of `demo`.
+  bool counted = true;      // False when it runs for the outputs that others read.
+  std::string at = {};      // Where it was declared: "suite.toml:3:1: ", or empty.
 };
 
 // The run of a case in a workspace; `report` is where its report goes.

@@ -62,17 +62,20 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 # Of the host, each folder may include itself and the ones named before it; only one file of it
 # knows the desktop engine.
 allow host/statistics "$standard|\"statistics/$name\""
-allow host/engine "$standard|\"(engine/engine_work|desktop/(devices/(audio_device|background)|files/refused_files|platform/log))\.h\""
+allow host/engine "$standard|\"(engine/engine_work|facilities/engine_calls|desktop/(devices/(audio_device|background)|files/refused_files|platform/log))\.h\""
 below='base|engine|statistics'
-for folder in base guards files recording process catalogue results report demo run replay suite compare cli; do
+for folder in base guards files engines recording process catalogue results report demo run replay suite compare cli; do
   below+="|$folder"
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
   [[ $folder == base ]] || core+='|catalogue/files'
+  # Only these know by which names the engine is called.
+  [[ $folder != engines ]] || core+='|facilities/engine_calls|engine_api/common/interface_version'
   measures='audio_measures'
   [[ $folder == guards || $folder == compare ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
+allow audio_engine/facilities "$standard|\"facilities/$name\""
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""
 
 # Angle brackets are for the headers of others.

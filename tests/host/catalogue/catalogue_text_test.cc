@@ -130,7 +130,7 @@ TEST(ListFilter, ListsWhatItLetsPass) {
   EXPECT_THAT(available, HasSubstr("void Echo("));
   EXPECT_THAT(available, Not(HasSubstr("NeedNothing")));
   EXPECT_THAT(available, Not(HasSubstr("## Helpers")));
-  EXPECT_THAT(ListAsJson({.glob = "Echo", .group = "harness"}), HasSubstr("\"Echo\""));
+  EXPECT_THAT(ListAsJson({.glob = "Echo", .group = "harness"}, {}), HasSubstr("\"Echo\""));
 }
 
 TEST(ListFilter, RefusesWhatLetsNothingPass) {
@@ -150,7 +150,7 @@ TEST(ListFilter, RefusesWhatLetsNothingPass) {
 }
 
 nlohmann::json RowAsJson(const std::string& routine) {
-  return nlohmann::json::parse(ListAsJson({.glob = routine}))["routines"][0];
+  return nlohmann::json::parse(ListAsJson({.glob = routine}, {}))["routines"][0];
 }
 
 TEST(ListAsJson, GivesParametersOneByOne) {

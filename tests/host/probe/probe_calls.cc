@@ -1,0 +1,11 @@
+#include "facilities/engine_calls.h"
+
+// The probe's routines call nothing of the engine's interface.
+
+namespace facilities {
+
+std::span<const EngineCall> EngineCalls() { return {}; }
+std::span<void*> EngineTargets() { return {}; }
+std::span<void*> LibraryTargets() { return {}; }
+
+}  // namespace facilities
