@@ -106,17 +106,12 @@ class CommandLine {
   }
 
   void AddDescribe() {
-    CLI::App& describe = *m_app.add_subcommand("describe", "All that is known of one routine");
-    describe.add_option("ROUTINE", m_request.routine)->required();
-    AddEngine(describe, m_request.run.engine);
-  }
-
-  void AddDescribe() {
     CLI::App& describe = *m_app.add_subcommand(
         "describe", "All that is known of one routine, or of a run of it with these arguments");
     describe.add_option("ROUTINE", m_request.routine)->required();
     describe.add_option("ARGUMENT", m_request.words);
     describe.add_flag("--json", m_json, "For programs");
+    AddEngine(describe, m_request.run.engine);
   }
 
   void AddDemo() {

@@ -40,20 +40,36 @@ std::string EndOf(const ChildOutcome& outcome) {
   return outcome.end == ChildOutcome::End::kTimedOut ? "timeout" : "";
 }
 
+// What a fact is: the value itself, or that of an object that has it or a reason.
+std::string FactText(const Json& fact) {
+  return Text(fact.is_object() ? fact.value("value", Json()) : fact);
+}
+
+// The build of each library that answers for the engine, by words for readers.
+void AddAnswers(const Json& answers, std::map<std::string, std::string>& facts) {
+  for (const Json& one : answers) {
+    facts["engine " + one.value("name", "") + ", build id"] =
+        FactText(one.value("build_id", Json()));
+    facts["engine " + one.value("name", "") + ", SHA-256"] = FactText(one.value("sha256", Json()));
+  }
+}
+
 // The facts of an origin, by words for readers.
 std::map<std::string, std::string> Facts(const Json& report) {
   std::map<std::string, std::string> facts;
   for (const char* const key : {"bench", "engine", "host", "build"}) {
     const Json part = report.value(key, Json::object());
     for (const auto& [name, fact] : part.items()) {
-      facts[std::string(key) + " " + name] =
-          Text(fact.is_object() ? fact.value("value", Json()) : fact);
+      if (name == "answers") {
+        AddAnswers(fact, facts);
+      } else {
+        facts[std::string(key) + " " + name] = FactText(fact);
+      }
     }
   }
   const Json libraries = report.value("libraries", Json::array());
   for (const Json& library : libraries) {
-    facts[library.value("name", "")] =
-        Text(library.value("version", Json::object()).value("value", Json()));
+    facts[library.value("name", "")] = FactText(library.value("version", Json::object()));
   }
   return facts;
 }
