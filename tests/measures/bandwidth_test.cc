@@ -59,6 +59,16 @@ TEST(Bandwidth, AToneOfTwoPercentOfTheEnergyCountsAndOneOfHalfAPercentDoesNot) {
               2 * kBin);
 }
 
+// All other bins stand for both signs of their frequency. 0.8 % of the energy is at half the rate.
+TEST(Bandwidth, TheLastBinCountsOnce) {
+  std::vector<float> samples = Sine(1000 * kBin, 0.5);
+  const double amplitude = 0.5 * std::sqrt(0.008 / 0.992 / 2);
+  for (size_t i = 0; i < samples.size(); ++i) {
+    samples[i] += static_cast<float>(i % 2 == 0 ? amplitude : -amplitude);
+  }
+  EXPECT_NEAR(*Of(samples).OfEnergy().value, 1000 * kBin, 2 * kBin);
+}
+
 TEST(Bandwidth, WhatIsConstantDoesNotCount) {
   std::vector<float> samples = Sine(1000 * kBin, 0.1);
   const Bandwidth without = Of(samples);

@@ -3,11 +3,21 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "audio_measures/active_level.h"
+#include "audio_measures/bandwidth.h"
+#include "audio_measures/clipped.h"
+#include "audio_measures/level.h"
+#include "audio_measures/loudness.h"
 #include "audio_measures/measure.h"
+#include "audio_measures/noise_floor.h"
+#include "audio_measures/true_peak.h"
 #include "measures/noise.h"
 
 namespace audio_measures {
@@ -51,6 +61,56 @@ TEST(LevelMeter, HasTheFiguresOfTheWhole) {
     }
     EXPECT_NEAR(*figure.figure.value, expected, 1e-6) << figure.name;
   }
+}
+
+double FigureOf(const LevelMeter& meter, std::string_view name, std::optional<int> channel) {
+  for (const NamedFigure& figure : meter.Figures()) {
+    if (figure.name == name && figure.channel == channel) return figure.figure.value.value_or(999);
+  }
+  return -999;
+}
+
+// Both channels have figures of their own, and none has the figure of another measure.
+TEST(LevelMeter, HasTheFigureOfEachMeasure) {
+  const std::vector<float> left = Between(size_t{5} * kRate, 0.1, 1, 0);
+  std::vector<float> right = Between(size_t{5} * kRate, 0.2, 2, 0);
+  for (float& sample : right) sample = std::clamp(sample + 0.01F, -0.4F, 0.4F);
+  const std::vector<float> frames = Interleaved(left, right);
+  LevelMeter meter(2, kRate, 0.4F, NamesOfLevels());
+  meter.Add(frames);
+  Level level;
+  level.Add(right);
+  TruePeak truePeak(1, kRate);
+  truePeak.Add(right);
+  ActiveLevel active(kRate);
+  active.Add(right);
+  NoiseFloor floor(kRate);
+  floor.Add(right);
+  Bandwidth bandwidth(kRate);
+  bandwidth.Add(right);
+  Clipped clipped(0.4F);
+  clipped.Add(right);
+  Loudness loudness(2, kRate);
+  loudness.Add(frames);
+  const std::pair<std::string_view, Figure> wanted[] = {{"peak", level.Peak()},
+                                                        {"true_peak", truePeak.Peak(0)},
+                                                        {"rms", level.Rms()},
+                                                        {"active_level", active.Level()},
+                                                        {"activity", active.Activity()},
+                                                        {"dc", level.Dc()},
+                                                        {"noise_floor", floor.Floor()},
+                                                        {"crest", level.Crest()},
+                                                        {"clipped", clipped.Share()},
+                                                        {"bandwidth", bandwidth.OfEnergy()},
+                                                        {"bandwidth_40db", bandwidth.Of40Db()}};
+  for (const auto& [name, figure] : wanted) {
+    ASSERT_TRUE(figure.value) << name;
+    EXPECT_NEAR(FigureOf(meter, name, 1), *figure.value, 1e-6) << name;
+    EXPECT_NE(FigureOf(meter, name, 0), *figure.value) << name;
+  }
+  EXPECT_GT(*clipped.Share().value, 0);
+  EXPECT_EQ(FigureOf(meter, "loudness", std::nullopt), loudness.Integrated().value);
+  EXPECT_EQ(FigureOf(meter, "loudness_range", std::nullopt), loudness.Range().value);
 }
 
 TEST(LevelMeter, MeasuresNothingElse) {

@@ -78,6 +78,26 @@ TEST(CompareBands, SeesTheGainOfAFilterInItsBands) {
   EXPECT_NEAR(*bands.worst.value, worst, 0.2);
 }
 
+// What is added lies in the band around 1 kHz, near either of its edges, or in a neighbour.
+TEST(CompareBands, BandsEndAtTheirEdges) {
+  const std::vector<float> noise = Noise(size_t{20} * kRate, 0.01, 1);
+  const auto With = [&](double hertz) {
+    std::vector<float> both = noise;
+    for (size_t i = 0; i < both.size(); ++i) {
+      const double angle = 2 * M_PI * hertz * static_cast<double>(i) / kRate;
+      both[i] += static_cast<float>(0.1 * std::sin(angle));
+    }
+    return both;
+  };
+  const auto Worst = [&](double a, double b) {
+    return *CompareBands(With(a), With(b), kRate).worst.value;
+  };
+  EXPECT_LT(Worst(900, 1000), 6);
+  EXPECT_LT(Worst(1113, 1000), 6);
+  EXPECT_GT(Worst(882, 1000), 20);
+  EXPECT_GT(Worst(1132, 1000), 20);
+}
+
 // A tone of 500 Hz; what the signal has at 5 kHz, 80 dB down, is in a band that does not count.
 TEST(CompareBands, LeavesOutWhatTheReferenceDoesNotHave) {
   std::vector<float> slow(size_t{5} * kRate);
