@@ -11,6 +11,7 @@ namespace audio_measures {
 namespace {
 
 constexpr double kOverNoise = 6;    // dB
+constexpr double kSoftest = -60;    // dBFS
 constexpr size_t kHangover = 10;    // Blocks,
 constexpr size_t kBeforeOnset = 3;  // and before the first one of a word.
 
@@ -57,6 +58,7 @@ Activity ActivityOf(std::span<const float> speech, int rate) {
   meter.Add(speech);
   const Figure level = meter.Level();
   if (!level.value) return {.fault = level.reason};
+  if (*level.value < kSoftest) return {.fault = "nothing as loud as speech"};
   return Above(speech, rate, *level.value - ActiveLevel::kMargin);
 }
 

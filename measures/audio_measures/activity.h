@@ -19,7 +19,8 @@ struct Activity {
 size_t ActivityBlock(int rate);  // Samples.
 
 // Of speech without much noise: active is a block whose RMS lies at most 15.9 dB below the active
-// level (active_level.h); 15.9 dB and the hang-over of 0.2 s are those of ITU-T P.56.
+// level (active_level.h); 15.9 dB and the hang-over of 0.2 s are those of ITU-T P.56. An active
+// level below -60 dBFS is the noise of a line on which nobody talks.
 Activity ActivityOf(std::span<const float> speech, int rate);
 
 // Of speech in noise: active is a block whose RMS lies 6 dB or more above the noise floor

@@ -44,16 +44,6 @@ Figure Later(std::span<const float> first, std::span<const float> second, int ra
   return Known(std::fabs(samples - whole) < kWhole ? whole : samples);
 }
 
-// By how many samples the input is later than the reference. Where noise hides the one in the
-// other, the output shows it.
-Figure InputLater(std::span<const float> reference, std::span<const float> input,
-                  std::span<const float> output, int rate, double search, double outputLater) {
-  const Figure direct = Later(reference, input, rate, search);
-  if (direct.value) return direct;
-  const Figure around = Later(reference, output, rate, search);
-  return around.value ? Known(*around.value - outputLater) : direct;
-}
-
 Signals Together(std::span<const float> reference, std::span<const float> input,
                  std::span<const float> output, int rate, double search) {
   const Figure delay = Later(input, output, rate, search);
@@ -64,7 +54,7 @@ Signals Together(std::span<const float> reference, std::span<const float> input,
       std::min(static_cast<double>(input.size()), static_cast<double>(output.size()) - outputLater);
   double inputLater = 0;
   if (!reference.empty()) {
-    const Figure later = InputLater(reference, input, output, rate, search, outputLater);
+    const Figure later = Later(reference, input, rate, search);
     if (!later.value) return {.fault = later.reason};
     inputLater = *later.value;
     first = std::max(first, inputLater);

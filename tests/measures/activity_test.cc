@@ -61,6 +61,12 @@ TEST(Activity, InNoiseIsSixDecibelsAboveItsFloor) {
   }
 }
 
+TEST(Activity, TheNoiseOfALineIsNoSpeech) {
+  EXPECT_STREQ(ActivityOf(Noise(100 * kBlock, 0.00095, 1), kRate).fault,
+               "nothing as loud as speech");
+  EXPECT_STREQ(ActivityOf(Noise(100 * kBlock, 0.00105, 1), kRate).fault, "");
+}
+
 TEST(Activity, OfSilenceSaysWhyThereIsNone) {
   const std::vector<float> silence(100 * kBlock);
   EXPECT_STREQ(ActivityOf(silence, kRate).fault, kSilence);
