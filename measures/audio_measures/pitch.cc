@@ -102,41 +102,60 @@ class Yin {
   std::vector<double> m_difference;
 };
 
-struct Voiced {
-  double pitch = 0;
-  double energy = 0;
+// The pitch of each block, 0 where it is not voiced.
+struct Track {
+  const char* fault = "";
+  std::vector<double> pitches = {};
 };
 
-}  // namespace
-
-Figure MedianPitch(std::span<const float> samples, int rate) {
-  if (samples.empty()) return Unknown(kNoSamples);
+Track TrackPitch(std::span<const float> samples, int rate) {
+  if (samples.empty()) return {.fault = kNoSamples};
   Yin yin(rate);
-  if (samples.size() < yin.BlockSamples()) return Unknown(kTooShort);
-  std::vector<Voiced> voiced;
-  double loudest = 0;
+  if (samples.size() < yin.BlockSamples()) return {.fault = kTooShort};
+  Track track;
+  std::vector<double> energies;
   const size_t step = Samples(kStep, rate);
   for (size_t start = 0; start + yin.BlockSamples() <= samples.size(); start += step) {
     double energy = 0;
     const auto pitch = yin.Pitch(samples.subspan(start, yin.BlockSamples()), &energy);
-    loudest = std::max(loudest, energy);
-    if (pitch) voiced.push_back({*pitch, energy});
+    track.pitches.push_back(pitch.value_or(0));
+    energies.push_back(energy);
   }
-  if (!(loudest > 0)) return Unknown(kSilence);
-  std::vector<double> pitches;
-  for (const Voiced& block : voiced) {
-    if (block.energy >= kSofter * loudest) pitches.push_back(block.pitch);
+  const double loudest = *std::ranges::max_element(energies);
+  if (!(loudest > 0)) return {.fault = kSilence};
+  for (size_t i = 0; i < energies.size(); ++i) {
+    if (energies[i] < kSofter * loudest) track.pitches[i] = 0;
   }
-  if (pitches.size() < kLeastVoiced) return Unknown("too little that has a pitch");
-  return Known(Median(pitches));
+  return track;
+}
+
+Figure MedianOf(const std::vector<double>& values) {
+  if (values.size() < kLeastVoiced) return Unknown("too little that has a pitch");
+  return Known(Median(values));
+}
+
+}  // namespace
+
+Figure MedianPitch(std::span<const float> samples, int rate) {
+  Track track = TrackPitch(samples, rate);
+  if (*track.fault != '\0') return Unknown(track.fault);
+  std::erase(track.pitches, 0);
+  return MedianOf(track.pitches);
 }
 
 Figure PitchCents(std::span<const float> reference, std::span<const float> output, int rate) {
-  const Figure wanted = MedianPitch(reference, rate);
-  if (!wanted.value) return wanted;
-  const Figure pitch = MedianPitch(output, rate);
-  if (!pitch.value) return pitch;
-  return Known(1200 * std::log2(*pitch.value / *wanted.value));
+  const Track wanted = TrackPitch(reference, rate);
+  if (*wanted.fault != '\0') return Unknown(wanted.fault);
+  const Track track = TrackPitch(output, rate);
+  if (*track.fault != '\0') return Unknown(track.fault);
+  std::vector<double> cents;
+  for (size_t i = 0; i < track.pitches.size(); ++i) {
+    const double pitch = wanted.pitches[i * wanted.pitches.size() / track.pitches.size()];
+    if (pitch > 0 && track.pitches[i] > 0) {
+      cents.push_back(1200 * std::log2(track.pitches[i] / pitch));
+    }
+  }
+  return MedianOf(cents);
 }
 
 }  // namespace audio_measures

@@ -16,9 +16,10 @@ inline constexpr int kPitchCentsVersion = 1;
 // finite. Unknown below 10 voiced blocks.
 Figure MedianPitch(std::span<const float> samples, int rate);
 
-// pitch_cents, cents: how much higher the median pitch of the output is than that of the reference;
-// neither direction is better. Both of one rate; they need not be of one length, as the medians do
-// not depend on when something is sung.
+// pitch_cents, cents: how much higher the output is than the reference: the median over the blocks
+// that are voiced in both, each beside the block of the reference at the same part of its length;
+// neither direction is better. Both of one rate; they need not be of one length. Unknown below 10
+// such blocks.
 Figure PitchCents(std::span<const float> reference, std::span<const float> output, int rate);
 
 }  // namespace audio_measures

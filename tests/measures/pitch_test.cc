@@ -77,6 +77,27 @@ TEST(PitchCents, IsTheRatioAgainstTheReference) {
   }
 }
 
+// A voice that falls, and the same twice as slow and three semitones higher of which half is noise:
+// each block has its own pitch to go by.
+TEST(PitchCents, IsTakenBlockByBlock) {
+  constexpr int kRate = 16000;
+  const auto falling = [](double ratio, size_t length) {
+    std::vector<float> samples(length);
+    double phase = 0;
+    for (size_t i = 0; i < length; ++i) {
+      const double part = static_cast<double>(i) / static_cast<double>(length);
+      phase += 2 * M_PI * ratio * 300 * std::pow(2, -part) / kRate;
+      samples[i] = static_cast<float>(0.1 * (std::sin(phase) + std::sin(2 * phase)));
+    }
+    return samples;
+  };
+  const std::vector<float> reference = falling(1, size_t{3} * kRate);
+  std::vector<float> output = falling(std::pow(2, 3.0 / 12), size_t{6} * kRate);
+  const std::vector<float> noise = Noise(size_t{3} * kRate, 0.1, 1);
+  std::ranges::copy(noise, output.begin());
+  EXPECT_NEAR(*PitchCents(reference, output, kRate).value, 300, 5);
+}
+
 TEST(PitchCents, LengthAndLevelDoNotCount) {
   const std::vector<float> reference = Voice(16000, 200);
   std::vector<float> output(reference.begin(), reference.begin() + 8000);

@@ -93,7 +93,8 @@ def band_limit(x, y, rate):
     return (kept + excess[kept] / (excess[kept] - excess[kept + 1])) * hertz
 
 
-def median_pitch(x, rate):
+def pitches(x, rate):
+    """Of each block, 0 where it is not voiced."""
     window, most = round(0.025 * rate), round(rate / 60) + 2
     lags = np.arange(most + 1)
     starts = range(0, len(x) - window - most + 1, round(0.01 * rate))
@@ -105,6 +106,7 @@ def median_pitch(x, rate):
         with np.errstate(invalid="ignore", divide="ignore"):
             n = np.where(lags > 0, d * lags / np.cumsum(d), 1)
         below = np.flatnonzero(n[rate // 1000 : most] < 0.1)
+        found.append((0, np.sum(block[:window] ** 2)))
         if len(below) == 0:
             continue
         lag = below[0] + rate // 1000
@@ -114,9 +116,16 @@ def median_pitch(x, rate):
             continue
         a, b, c = d[lag - 1 : lag + 2]
         part = np.clip((a - c) / (2 * (a - 2 * b + c)), -0.5, 0.5)
-        found.append((rate / (lag + part), np.sum(block[:window] ** 2)))
-    loudest = max(np.sum(x[s : s + window] ** 2) for s in starts)
-    return np.median([pitch for pitch, energy in found if energy >= loudest * 1e-3])
+        found[-1] = rate / (lag + part), found[-1][1]
+    found, energy = np.array(found).T
+    return np.where(energy >= energy.max() * 1e-3, found, 0)
+
+
+def pitch_cents(x, y, rate):
+    x, y = pitches(x, rate), pitches(y, rate)
+    x = x[np.arange(len(y)) * len(x) // len(y)]
+    both = (x > 0) & (y > 0)
+    return 1200 * np.median(np.log2(y[both] / x[both]))
 
 
 def tempo(x, rate):
