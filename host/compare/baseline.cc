@@ -49,7 +49,7 @@ std::vector<std::string> Names() {
 
 // The file of a baseline that is there.
 std::string Existing(const std::string& name) {
-  const std::string path = BaselinePath(name);
+  std::string path = BaselinePath(name);
   std::error_code error;
   if (fs::exists(path, error)) return path;
   const std::vector<std::string> names = Names();

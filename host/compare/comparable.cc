@@ -30,6 +30,17 @@ void CheckSuites(const ResultOrigin& a, const ResultOrigin& b) {
   }
 }
 
+// Two that go by one name.
+[[noreturn]] void RefuseKinds(const MeasureKind& a, const std::string& inA, const MeasureKind& b,
+                              const std::string& inB) {
+  if (a.version != b.version) {
+    Refuse("the measure " + a.name + " is of version " + std::to_string(a.version) + " in " + inA +
+           " and of version " + std::to_string(b.version) + " in " + inB);
+  }
+  Refuse("of " + a.name + ", better is \"" + a.better + "\" in " + inA + " and \"" + b.better +
+         "\" in " + inB);
+}
+
 // All measures of one name and unit mean the same.
 void CheckKinds(const ResultSet& a, const ResultSet& b) {
   struct Seen {
@@ -44,12 +55,7 @@ void CheckKinds(const ResultSet& a, const ResultSet& b) {
       if (isNew || there == kind) continue;
       const std::string& inA = entry->second.in->origin.path;
       const std::string& inB = set->origin.path;
-      if (there.version != kind.version) {
-        Refuse("the measure " + kind.name + " is of version " + std::to_string(there.version) +
-               " in " + inA + " and of version " + std::to_string(kind.version) + " in " + inB);
-      }
-      Refuse("of " + kind.name + ", better is \"" + there.better + "\" in " + inA + " and \"" +
-             kind.better + "\" in " + inB);
+      RefuseKinds(there, inA, kind, inB);
     }
   }
 }

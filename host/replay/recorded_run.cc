@@ -39,7 +39,7 @@ Json Parsed(const std::string& path) {
 // The folder that was the workspace: where the report says, or, where the results of a suite have
 // been moved since, beside the report.
 fs::path Workspace(const Json& report, const std::string& path) {
-  const fs::path recorded = fs::path(report.at("directory").get<std::string>()) /
+  fs::path recorded = fs::path(report.at("directory").get<std::string>()) /
                             report.at("workspace").get<std::string>();
   std::error_code error;
   if (fs::is_directory(recorded, error)) return recorded;
@@ -47,7 +47,7 @@ fs::path Workspace(const Json& report, const std::string& path) {
   for (fs::path folder = own.parent_path(); folder.has_relative_path();
        folder = folder.parent_path()) {
     if (folder.filename() != "reports") continue;
-    const fs::path moved =
+    fs::path moved =
         folder.parent_path() / "cases" / own.lexically_relative(folder).replace_extension();
     if (fs::is_directory(moved, error)) return moved;
   }
@@ -78,7 +78,7 @@ std::vector<RecordedFile> FilesOf(const Json& files, const Json& report,
 // From the causes of its problems.
 std::string EndOf(const Json& report) {
   for (const Json& problem : report.at("problems")) {
-    const std::string cause = problem.at("cause");
+    std::string cause = problem.at("cause");
     if (cause == "crash" || cause == "timeout") return cause;
   }
   return "";

@@ -31,7 +31,7 @@ TEST(MusicalNoise, ALouderOrSofterNoiseIsNoMoreMusical) {
 // mean of q times: E[p^4] / E[p^2]^2 grows by 1 / q.
 TEST(MusicalNoise, WhatIsLeftForPartOfTheTimeHasAKurtosisOfThatManyTimes) {
   const std::vector<float> noise = Noise(60 * kRate, 0.1, 1);
-  for (const size_t parts : {2, 4}) {
+  for (const size_t parts : {2U, 4U}) {
     const std::vector<float> left = Bursts(noise, kRate, (parts - 1) * kRate);
     const double expected = std::log(static_cast<double>(parts));
     EXPECT_NEAR(*LogRatio(noise, left).value, expected, 0.1) << parts;

@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr SyntheticFigure kHigher = {};
+const SyntheticFigure kHigher = {};
 
 // 30 values around 10, and the same with this shift and some noise of their own.
 std::vector<double> Base() {

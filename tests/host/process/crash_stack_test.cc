@@ -19,7 +19,7 @@ class CrashStackTest : public RunTest {
   static std::string Log(const std::string& how) {
     const Finished run = Run({"CrashIn", how});
     EXPECT_EQ(run.exitCode, 4) << run.out;
-    const std::string log = ReadFile("bench_work/logs/CrashIn.log");
+    std::string log = ReadFile("bench_work/logs/CrashIn.log");
     EXPECT_THAT(run.err, HasSubstr(log)) << "the log is shown as well";
     return log;
   }
