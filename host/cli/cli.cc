@@ -19,6 +19,7 @@
 #include "demo/demo.h"
 #include "demo/demo_all.h"
 #include "engines/engine_text.h"
+#include "measure/measure.h"
 #include "replay/replay.h"
 #include "report/output.h"
 #include "run/deliver.h"
@@ -85,6 +86,8 @@ int Execute(const Request& request) {
     case Request::Command::kReplay:
       return Replay(request.replay,
                     [](std::span<const std::string> words) { return ParseRequest(words).run; });
+    case Request::Command::kMeasure:
+      return MeasureFiles(request.measure);
     case Request::Command::kCompare:
       return Compare(request.compare);
     case Request::Command::kBaseline:

@@ -9,6 +9,7 @@
 #include "catalogue/catalogue_text.h"
 #include "cli/argument_values.h"
 #include "cli/synopsis.h"
+#include "measure/measure_file.h"
 
 namespace host {
 
@@ -76,6 +77,9 @@ Answer ValuesOf(const CLI::Option& option) {
   if (type.starts_with("DIR")) return {"folders", {}};
   if (type.find('|') != std::string::npos) return {"none", Split(type, '|')};
   Answer answer;
+  if (type.starts_with("NAME,")) {
+    for (const std::string_view name : MeasureNames()) answer.words.emplace_back(name);
+  }
   if (type == "G") {
     for (const Group group : kGroups) answer.words.emplace_back(GroupWord(group));
   }
@@ -88,7 +92,7 @@ Answer FreeWord(const std::string& command, const std::vector<std::string>& befo
   if (command == "completion" && before.empty()) return {"none", {"bash"}};
   if (command == "merge") return {"folders", {}};
   if (command == "replay" && before.empty()) return {"files", {}};
-  if (command == "compare") return {"files", {}};
+  if (command == "compare" || command == "measure") return {"files", {}};
   if (command == "baseline" && before.empty()) {
     return {"none", {"save", "list", "show", "remove", "export"}};
   }

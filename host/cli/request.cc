@@ -15,6 +15,7 @@
 #include "cli/completion.h"
 #include "cli/engine_options.h"
 #include "cli/manual.h"
+#include "cli/measure_words.h"
 #include "cli/seconds_word.h"
 #include "cli/staging_options.h"
 #include "cli/suite_words.h"
@@ -51,6 +52,7 @@ class CommandLine {
     AddStage();
     AddReplay();
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
+    m_measure = std::make_unique<MeasureWords>(m_app, m_request.measure);
     m_compare = std::make_unique<CompareWords>(m_app, m_request.compare, m_request.baseline);
     m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
         ->add_option("SHELL", m_shell, "bash")
@@ -190,6 +192,7 @@ class CommandLine {
                         : command == "suite"    ? Command::kSuite
                         : command == "merge"    ? Command::kMerge
                         : command == "replay"   ? Command::kReplay
+                        : command == "measure"  ? Command::kMeasure
                         : command == "compare"  ? Command::kCompare
                         : command == "baseline" ? Command::kBaseline
                         : m_all                 ? Command::kDemoAll
@@ -200,6 +203,7 @@ class CommandLine {
     }
     if (command == "suite") m_suite->TakeSuite(m_words);
     if (command == "merge") m_suite->TakeMerge(m_words);
+    if (command == "measure") m_measure->Take();
     if (command == "compare") m_compare->TakeCompare(m_literal);
     if (command == "baseline") m_compare->TakeBaseline();
     if (m_json) m_request.form = Request::Form::kJson;
@@ -214,6 +218,7 @@ class CommandLine {
   std::span<const std::string> m_words;
   std::vector<std::string> m_literal;
   std::unique_ptr<SuiteWords> m_suite;
+  std::unique_ptr<MeasureWords> m_measure;
   std::unique_ptr<CompareWords> m_compare;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
   CLI::App* m_list = nullptr;

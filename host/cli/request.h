@@ -8,6 +8,7 @@
 #include "catalogue/list.h"
 #include "compare/baseline.h"
 #include "compare/compare.h"
+#include "measure/measure.h"
 #include "replay/replay.h"
 #include "run/case.h"
 #include "suite/suite.h"
@@ -25,6 +26,7 @@ struct Request {
     kSuite,
     kMerge,
     kReplay,
+    kMeasure,
     kCompare,
     kBaseline,
     kDemo,
@@ -43,6 +45,7 @@ struct Request {
   SuiteOptions suite;              // kSuite
   MergeOptions merge;              // kMerge
   ReplayOptions replay;            // kReplay
+  MeasureOptions measure;          // kMeasure
   CompareOptions compare;          // kCompare
   BaselineOptions baseline;        // kBaseline
 };

@@ -32,6 +32,8 @@ std::optional<int> TakeNumber(std::string_view& words, int max) {
   return number;
 }
 
+}  // namespace
+
 std::optional<RawForm> ParseRawForm(std::string_view words) {
   const std::optional<int> rate = TakeNumber(words, kMaxRate);
   const std::optional<int> channels = rate ? TakeNumber(words, kMaxRecordedChannels) : rate;
@@ -43,6 +45,8 @@ std::optional<RawForm> ParseRawForm(std::string_view words) {
   }
   return std::nullopt;
 }
+
+namespace {
 
 std::string ChannelsProblem(const std::string& word) {
   return word == "first" || word == "mean" ? "" : "is neither first nor mean: " + word;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "run/case.h"
@@ -24,6 +26,9 @@ class StagingOptions {
   std::string m_raw;
   std::string m_channels;
 };
+
+// The form in a word like "44100,2,s16"; nothing when it is none.
+std::optional<RawForm> ParseRawForm(std::string_view words);
 
 // Why a word is no description of samples without a header, "44100,2,s16"; empty when it is.
 std::string RawFormProblem(const std::string& word);

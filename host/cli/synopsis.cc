@@ -16,6 +16,7 @@ constexpr Synopsis kSynopses[] = {
     {"suite", "[SUITE.toml] [GLOB] [OPTIONS]"},
     {"merge", "DIR... --out DIR"},
     {"replay", "REPORT.json"},
+    {"measure", "FILE... [--against FILE] [OPTIONS]"},
     {"compare", "A B [OPTIONS]"},
     {"baseline", "save|list|show|remove|export [WORD...]"},
     {"demo", "[OPTIONS]"},

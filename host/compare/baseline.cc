@@ -8,12 +8,12 @@
 #include <filesystem>
 #include <vector>
 
+#include "base/aligned_table.h"
 #include "base/exit_code.h"
 #include "base/json_parts.h"
 #include "base/printable.h"
 #include "base/suggest.h"
 #include "base/usage_error.h"
-#include "compare/aligned_table.h"
 #include "compare/read_results.h"
 #include "files/whole_file.h"
 #include "report/output.h"

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/aligned_table.h"
 #include "base/printable.h"
-#include "compare/aligned_table.h"
 #include "compare/comparison_forms.h"
 
 namespace host {

@@ -47,6 +47,11 @@ nlohmann::json ParseResults(const std::string& text) {
   return Parse(text, schema);
 }
 
+nlohmann::json ParseMeasured(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(MEASURE_SCHEMA);
+  return Parse(text, schema);
+}
+
 nlohmann::json ParseComparison(const std::string& text) {
   static const rapidjson::SchemaDocument schema = LoadSchema(COMPARE_SCHEMA);
   return Parse(text, schema);

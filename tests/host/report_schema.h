@@ -9,5 +9,8 @@ nlohmann::json ParseReport(const std::string& text);
 // The same for the results of a suite.
 nlohmann::json ParseResults(const std::string& text);
 
+// The same for figures of measure.
+nlohmann::json ParseMeasured(const std::string& text);
+
 // The same for a comparison.
 nlohmann::json ParseComparison(const std::string& text);

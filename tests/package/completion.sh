@@ -75,6 +75,8 @@ expect 'song.flac song.wav' run --in song
 expect 'calls.toml folder song.flac song.wav' stage TestDrc --in ''
 expect 'folder' suite --out ''
 expect 'folder' merge ''
+expect "calls.toml folder song.flac song.wav" measure ""
+expect "si_sdr" measure song.wav --measure si_
 expect 'calls.toml' suite call
 expect 'folder' suite fold
 expect 'TestVAD TestVADCodecMosByVADResult TestVADProcess TestVADProcessRefined' suite calls.toml TestVAD

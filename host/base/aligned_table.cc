@@ -1,4 +1,4 @@
-#include "compare/aligned_table.h"
+#include "base/aligned_table.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,0 +1,200 @@
+#include "measure/measure_file.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "audio_measures/compute.h"
+#include "audio_measures/level_meter.h"
+#include "audio_measures/measure.h"
+#include "base/suggest.h"
+#include "base/usage_error.h"
+#include "measure/figure_trust.h"
+#include "measure/sound.h"
+
+namespace host {
+
+namespace {
+
+using audio_measures::Measure;
+using audio_measures::NamedFigure;
+
+constexpr std::string_view kTempo = "tempo";
+
+const char* BetterWord(audio_measures::Better better) {
+  switch (better) {
+    case audio_measures::Better::kHigher:
+      return "higher";
+    case audio_measures::Better::kLower:
+      return "lower";
+    case audio_measures::Better::kNeither:
+      break;
+  }
+  return "none";
+}
+
+MeasuredFigure FigureOf(const std::string& path, const NamedFigure& named) {
+  const Measure& measure = *audio_measures::FindMeasure(named.name);
+  MeasuredFigure figure = {.file = path,
+                           .channel = named.channel,
+                           .name = std::string(named.name),
+                           .unit = std::string(measure.unit),
+                           .better = BetterWord(measure.better),
+                           .version = measure.version,
+                           .untrusted = IsUntrusted(named.name)};
+  if (named.figure.value && std::isfinite(*named.figure.value)) {
+    figure.value = named.figure.value;
+  } else {
+    figure.reason = named.figure.value ? "no finite figure" : named.figure.reason;
+  }
+  return figure;
+}
+
+// Whether it is one of those that LevelMeter has.
+bool IsLevel(const Measure& measure) {
+  return measure.version > 0 && measure.needs == audio_measures::kNothing && measure.name != kTempo;
+}
+
+// The figures of levels of a file of any length.
+std::vector<NamedFigure> StreamLevels(OpenSound& sound, std::span<const std::string_view> names) {
+  const RecordingFormat& format = sound.Format();
+  std::vector<std::string_view> wanted;
+  for (const std::string_view name : names) {
+    const Measure& measure = *audio_measures::FindMeasure(name);
+    if (format.rate >= measure.lowestRate && format.rate <= measure.highestRate) {
+      wanted.push_back(name);
+    }
+  }
+  audio_measures::LevelMeter meter(format.channels, format.rate, sound.FullScale(), wanted);
+  uint64_t samples = 0;
+  sound.ForEachBlock([&](std::span<const float> block) {
+    samples += block.size();
+    meter.Add(block);
+  });
+  const double seconds = static_cast<double>(samples) / format.channels / format.rate;
+  const std::vector<NamedFigure> all = meter.Figures();
+  std::vector<NamedFigure> figures;
+  for (const std::string_view name : names) {
+    const Measure& measure = *audio_measures::FindMeasure(name);
+    const bool fits = std::ranges::find(wanted, name) != wanted.end();
+    const char* const fault = samples == 0                     ? audio_measures::kNoSamples
+                              : !fits                          ? audio_measures::kWrongRate
+                              : seconds < measure.leastSeconds ? audio_measures::kTooShort
+                                                               : nullptr;
+    if (fault != nullptr) {
+      figures.push_back({name, std::nullopt, audio_measures::Unknown(fault)});
+    } else {
+      std::ranges::copy_if(all, std::back_inserter(figures),
+                           [&](const NamedFigure& each) { return each.name == name; });
+    }
+  }
+  return figures;
+}
+
+// The recordings beside an output, at its rate.
+class Beside {
+ public:
+  Beside(const MeasuredAgainst& against, int rate, const std::optional<RawForm>& raw,
+         std::vector<BroughtToRate>& brought)
+      : m_reference(Read(against.reference, rate, raw, brought)),
+        m_far(Read(against.far, rate, raw, brought)),
+        m_near(Read(against.near, rate, raw, brought)),
+        m_input(Read(against.input, rate, raw, brought)) {}
+
+  audio_measures::Inputs With(const Sound& output) const {
+    return {.output = output.View(),
+            .reference = m_reference.View(),
+            .far = m_far.View(),
+            .near = m_near.View(),
+            .input = m_input.View(),
+            .fullScale = output.fullScale};
+  }
+
+ private:
+  static Sound Read(const std::string& path, int rate, const std::optional<RawForm>& raw,
+                    std::vector<BroughtToRate>& brought) {
+    if (path.empty()) return {};
+    try {
+      OpenSound sound(path, raw);
+      if (sound.Format().rate != rate) brought.push_back({path, sound.Format().rate, rate});
+      return sound.ReadAll(rate);
+    } catch (const UnreadableSound& error) {
+      throw UnreadableSound{path + ": " + error.fault};
+    }
+  }
+
+  Sound m_reference;
+  Sound m_far;
+  Sound m_near;
+  Sound m_input;
+};
+
+std::vector<NamedFigure> Measured(const std::string& path, const MeasuredAgainst& against,
+                                  std::span<const std::string_view> names,
+                                  const std::optional<RawForm>& raw, MeasuredFile& file) {
+  Sound output;
+  try {
+    OpenSound sound(path, raw);
+    file.format = sound.Format();
+    const bool levels = std::ranges::all_of(
+        names, [](std::string_view name) { return IsLevel(*audio_measures::FindMeasure(name)); });
+    if (levels) return StreamLevels(sound, names);
+    output = sound.ReadAll(0);
+  } catch (const UnreadableSound& error) {
+    throw UnreadableSound{path + ": " + error.fault};
+  }
+  const Beside beside(against, output.rate, raw, file.brought);
+  return audio_measures::Compute(beside.With(output), names);
+}
+
+}  // namespace
+
+std::vector<std::string_view> MeasureNames() {
+  std::vector<std::string_view> names;
+  for (const Measure& measure : audio_measures::AllMeasures()) names.push_back(measure.name);
+  return names;
+}
+
+void CheckMeasureName(const std::string& name) {
+  if (audio_measures::FindMeasure(name) != nullptr) return;
+  const auto alike = NamesAlike(name, MeasureNames());
+  throw UsageError{"no measure is called \"" + name + "\"; " +
+                   (alike.empty() ? "\"audio_bench measure --list\" names them all"
+                                  : "did you mean " + std::string(alike.front()) + "?")};
+}
+
+std::vector<std::string> FittingMeasures(const MeasuredAgainst& against) {
+  unsigned given = audio_measures::kNothing;
+  if (!against.reference.empty()) given |= audio_measures::kReference;
+  if (!against.far.empty()) given |= audio_measures::kFar;
+  if (!against.near.empty()) given |= audio_measures::kNear;
+  if (!against.input.empty()) given |= audio_measures::kInput;
+  std::vector<std::string> names;
+  for (const Measure& measure : audio_measures::AllMeasures()) {
+    if (measure.version == 0 || measure.name == kTempo || (measure.needs & ~given) != 0) continue;
+    names.emplace_back(measure.name);
+  }
+  return names;
+}
+
+MeasuredFile MeasureFile(const std::string& path, const MeasuredAgainst& against,
+                         std::span<const std::string> names, const std::optional<RawForm>& raw) {
+  const std::vector<std::string_view> views(names.begin(), names.end());
+  MeasuredFile file;
+  std::vector<NamedFigure> figures;
+  try {
+    figures = Measured(path, against, views, raw, file);
+  } catch (const UnreadableSound& error) {
+    file.unreadable = error.fault;
+  }
+  for (const NamedFigure& each : figures) file.figures.push_back(FigureOf(path, each));
+  if (file.unreadable.empty()) return file;
+  for (const std::string_view name : views) {
+    file.figures.push_back(FigureOf(path, {name, std::nullopt, {}}));
+    file.figures.back().reason = file.unreadable;
+  }
+  return file;
+}
+
+}  // namespace host
