@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "audio_measures/compute.h"
+#include "selftest/sounds.h"
+
+namespace host {
+
+// A signal with its samples.
+struct Sound {
+  int rate = 0;  // Hz
+  std::vector<Samples> channels = {};
+};
+
+// What a measure is given, with its samples.
+struct Scene {
+  Sound output = {};
+  Sound reference = {};
+  Sound far = {};
+  Sound near = {};
+  Sound input = {};
+  float fullScale = 1;
+  double searchSeconds = 0.1;
+  std::optional<uint64_t> codedBytes = {};
+  std::optional<uint64_t> codedFrames = {};
+  std::optional<std::vector<double>> beats = {};
+  std::optional<std::vector<double>> trueBeats = {};
+
+  // Views that the scene has to outlive.
+  audio_measures::Inputs Inputs() const;
+};
+
+// What theory says of a measure: its value to a tolerance, or why it has none. Every figure of the
+// measure has to be so, that of each channel and their mean, or where a channel is named that one.
+struct Expected {
+  std::string_view measure;
+  double value = 0;
+  double tolerance = 0;
+  std::string reason = {};  // Not empty: it has no value, for this reason.
+  std::optional<int> channel = {};
+};
+
+// An analytic control: a scene that a formula describes, and what follows from the formula. Never
+// from what the measures answered.
+struct Control {
+  std::string name;
+  std::string theory;  // Where the values and the tolerances come from, in words.
+  std::function<Scene()> make;
+  std::vector<Expected> expected;
+};
+
+std::vector<Control> LevelControls();
+std::vector<Control> LoudnessControls();
+std::vector<Control> AlignmentControls();
+
+// All of them.
+const std::vector<Control>& AllControls();
+
+}  // namespace host

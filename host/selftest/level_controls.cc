@@ -1,0 +1,210 @@
+#include <cmath>
+#include <numbers>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 48000;
+
+Scene Of(Samples samples, int rate = kRate) { return {.output = {rate, {std::move(samples)}}}; }
+
+double Decibels(double amplitude) { return 20 * std::log10(amplitude); }
+
+// Periods of 0, a, 0, -a.
+Samples QuarterRate(double amplitude, size_t count, double phase = 0) {
+  return Sine(kRate, static_cast<double>(count) / kRate, kRate / 4.0, amplitude, phase);
+}
+
+std::vector<Control> PeakControls() {
+  std::vector<Control> controls;
+  controls.push_back(
+      {"sine of a quarter of the rate, amplitude 0.5",
+       "Every fourth sample stands on the crest: peak 20 log10 0.5, RMS 3.0103 dB below, so the "
+       "crest factor is 3.0103 dB; a mean of whole periods is 0. Floats round at 1e-7.",
+       [] { return Of(QuarterRate(0.5, 9600)); },
+       {{"peak", Decibels(0.5), 1e-4},
+        {"rms", Decibels(0.5) - 10 * std::log10(2.0), 1e-4},
+        {"crest", 10 * std::log10(2.0), 1e-4},
+        {"dc", 0, 1e-6},
+        {"clipped", 0, 1e-12}}});
+  controls.push_back(
+      {"the same sine, 45 degrees on",
+       "The samples stand 3.0103 dB below the crest, which lies half-way between two of them, "
+       "where interpolation by 4 looks; EBU Tech 3341 allows a true peak +0.2 and -0.4 dB.",
+       [] { return Of(QuarterRate(0.5, 9600, std::numbers::pi / 4)); },
+       {{"peak", Decibels(0.5) - 10 * std::log10(2.0), 1e-4}, {"true_peak", Decibels(0.5), 0.2}}});
+  for (const size_t place : {0, 4799}) {
+    controls.push_back(
+        {place == 0 ? "one low sample at the start" : "one low sample at the end",
+         "0.8 downwards alone among 4800: peak 20 log10 0.8, mean -0.8 / 4800, mean square "
+         "0.64 / 4800.",
+         [place] {
+           Samples samples(4800);
+           samples[place] = -0.8F;
+           return Of(samples);
+         },
+         {{"peak", Decibels(0.8), 1e-4},
+          {"rms", Decibels(0.8) - 10 * std::log10(4800.0), 1e-4},
+          {"crest", 10 * std::log10(4800.0), 1e-4},
+          {"dc", -0.8 / 4800, 1e-9}}});
+  }
+  controls.push_back({"square wave of full scale",
+                      "All samples are 1 or -1: peak and RMS 0 dBFS, crest factor 0, each in a run "
+                      "of ten at full scale.",
+                      [] {
+                        Samples samples(9600);
+                        for (size_t i = 0; i < samples.size(); ++i) {
+                          samples[i] = i / 10 % 2 == 0 ? 1.0F : -1.0F;
+                        }
+                        return Of(samples);
+                      },
+                      {{"peak", 0, 1e-6},
+                       {"rms", 0, 1e-6},
+                       {"crest", 0, 1e-6},
+                       {"dc", 0, 1e-9},
+                       {"clipped", 1, 1e-9}}});
+  controls.push_back({"constant of -0.25",
+                      "The mean is the constant, RMS and peak its magnitude.",
+                      [] { return Of(Samples(4801, -0.25F)); },
+                      {{"dc", -0.25, 1e-7},
+                       {"peak", Decibels(0.25), 1e-5},
+                       {"rms", Decibels(0.25), 1e-5},
+                       {"crest", 0, 1e-5}}});
+  controls.push_back(
+      {"two channels, 0.5 and -0.125",
+       "Each channel has its own figures.",
+       [] {
+         return Scene{.output = {kRate, {Samples(480, 0.5F), Samples(480, -0.125F)}}};
+       },
+       {{"dc", 0.5, 1e-7, "", 0},
+        {"dc", -0.125, 1e-7, "", 1},
+        {"peak", Decibels(0.5), 1e-5, "", 0},
+        {"peak", Decibels(0.125), 1e-5, "", 1},
+        {"rms", Decibels(0.125), 1e-5, "", 1}}});
+  controls.push_back({"one sample of 0.5",
+                      "It is its own peak, RMS and mean.",
+                      [] { return Of({0.5F}); },
+                      {{"peak", Decibels(0.5), 1e-5},
+                       {"rms", Decibels(0.5), 1e-5},
+                       {"crest", 0, 1e-5},
+                       {"dc", 0.5, 1e-7},
+                       {"clipped", 0, 1e-12}}});
+  return controls;
+}
+
+Control ClippedControl() {
+  return {"runs of 2, 3 and 5 samples at full scale",
+          "Runs of three and more of one sign count: 3 and 5 upwards, 4 downwards; two do not, nor "
+          "do three of changing sign, nor five just below full scale: 12 of 100 samples.",
+          [] {
+            Samples samples(100, 0.25F);
+            const float full = 32767.0F / 32768;
+            const auto fill = [&](size_t first, size_t count, float value) {
+              std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
+            };
+            fill(10, 2, full);
+            fill(20, 3, full);
+            fill(30, 5, 1.0F);
+            fill(40, 4, -full);
+            fill(50, 5, 32766.0F / 32768);
+            fill(60, 1, full);
+            fill(61, 1, -full);
+            fill(62, 1, full);
+            Scene scene = Of(samples);
+            scene.fullScale = full;
+            return scene;
+          },
+          {{"clipped", 0.12, 1e-9}}};
+}
+
+Control NoiseFloorControl() {
+  return {
+      "96 blocks of 20 ms at rising levels",
+      "Block k has the amplitude k / 100, in a shuffled order. Rank 0.1 * 95 = 9.5 lies half-way "
+      "between the tenth and the eleventh: 0.105. The last 10 ms of silence are no block.",
+      [] {
+        Samples samples;
+        for (int i = 0; i < 96; ++i) {
+          const int k = i * 37 % 96 + 1;
+          Append(samples, Samples(Frames(kRate, 0.02), static_cast<float>(k / 100.0)));
+        }
+        samples.resize(samples.size() + Frames(kRate, 0.01));
+        return Of(samples);
+      },
+      {{"noise_floor", Decibels(0.105), 1e-4}}};
+}
+
+// Two tones, the higher one this far below the lower one.
+Control BandwidthControl(const char* name, double below, double energy, double of40Db) {
+  return {name,
+          "99 % of the energy lies below the higher tone as soon as it has less than 1 % of it, "
+          "19.96 dB below the lower one; 40 dB below the maximum it no longer counts. A window of "
+          "80 ms and more widens a tone by its main lobe, 25 Hz, and 40 dB down to as much again.",
+          [below] {
+            Samples tones = Sine(kRate, 2, 1000, 0.5);
+            return Of(Sum(tones, Sine(kRate, 2, 9000, 0.5 * std::pow(10, -below / 20))));
+          },
+          {{"bandwidth", energy, 30}, {"bandwidth_40db", of40Db, 40}}};
+}
+
+// The time, in units of its 30 ms, until an envelope of two smoothings has gone down to `share` of
+// what it was: (1 + t) exp(-t) = share.
+double FallTime(double share) {
+  double low = 0;
+  double high = 50;
+  for (int i = 0; i < 100; ++i) {
+    const double middle = (low + high) / 2;
+    ((1 + middle) * std::exp(-middle) > share ? low : high) = middle;
+  }
+  return low;
+}
+
+// Bursts of constant magnitude on, silence in between.
+Control SpeechControl(const std::string& name, int rate, double on, double off) {
+  const int bursts = 12;
+  // The threshold over the magnitude of a burst, for an activity `a`: active level less margin.
+  double activity = on / (on + off);
+  for (int i = 0; i < 50; ++i) {
+    const double share = std::pow(10, -15.9 / 20) * std::sqrt(on / (on + off) / activity);
+    const double longer = 0.03 * (FallTime(share) - FallTime(1 - share)) + 0.2;
+    activity = (on + longer) / (on + off);
+  }
+  const double level = Decibels(0.25) + 10 * std::log10(on / (on + off) / activity);
+  return {name,
+          "Each burst is active for its time, the 0.2 s of hang-over, and what the envelope of two "
+          "smoothings of 30 ms takes to fall to 15.9 dB below the active level less what it takes "
+          "to rise to it. All energy over that time is the active level. The method reads between "
+          "thresholds 6 dB apart on a line: 5 ms a burst.",
+          [=] {
+            Samples samples;
+            for (int i = 0; i < bursts; ++i) {
+              for (size_t n = 0; n < Frames(rate, on); ++n) {
+                samples.push_back(n % 8 < 4 ? 0.25F : -0.25F);
+              }
+              samples.resize(samples.size() + Frames(rate, off));
+            }
+            return Of(samples, rate);
+          },
+          {{"activity", activity, 0.006 / (on + off)},
+           {"active_level", level, Decibels(1 + 0.003 / on)}}};
+}
+
+}  // namespace
+
+std::vector<Control> LevelControls() {
+  std::vector<Control> controls = PeakControls();
+  controls.push_back(ClippedControl());
+  controls.push_back(NoiseFloorControl());
+  controls.push_back(BandwidthControl("a tone 19 dB below another", 19, 9000, 9000));
+  controls.push_back(BandwidthControl("a tone 21 dB below another", 21, 1000, 9000));
+  controls.push_back(BandwidthControl("a tone 39 dB below another", 39, 1000, 9000));
+  controls.push_back(BandwidthControl("a tone 41 dB below another", 41, 1000, 1000));
+  controls.push_back(SpeechControl("bursts of 1 s, 1 s apart, at 16 kHz", 16000, 1, 1));
+  controls.push_back(SpeechControl("bursts of 0.4 s, 0.8 s apart, at 8 kHz", 8000, 0.4, 0.8));
+  return controls;
+}
+
+}  // namespace host

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace host {
+
+using Samples = std::vector<float>;
+
+// Random numbers that are the same everywhere (splitmix64).
+class Random {
+ public:
+  explicit Random(uint64_t seed) : m_state(seed) {}
+
+  uint64_t Bits();
+  double Uniform();  // From 0 to 1, never either.
+  double Normal();   // Of mean 0 and variance 1.
+
+ private:
+  uint64_t m_state;
+};
+
+size_t Frames(int rate, double seconds);
+
+// amplitude * sin(2 pi hz t + phase).
+Samples Sine(int rate, double seconds, double hz, double amplitude, double phase = 0);
+Samples WhiteNoise(size_t count, double rms, uint64_t seed);
+
+Samples Scaled(std::span<const float> samples, double gain);
+Samples Sum(std::span<const float> a, std::span<const float> b);
+void Append(Samples& to, std::span<const float> samples);
+double Energy(std::span<const float> samples);
+
+// Noise that is a function of time, so that it is known between the samples too: white numbers, one
+// a sample, of which each is a sinc below 0.8 of half the rate in a window of 128 samples.
+class TimedNoise {
+ public:
+  TimedNoise(size_t count, double rms, uint64_t seed);
+
+  // The values at first + i * step, in samples, for i from 0 to count - 1.
+  Samples At(double first, double step, size_t count) const;
+
+ private:
+  double At(double place) const;
+
+  Samples m_numbers;
+};
+
+// White noise that has nothing of the signal in it: orthogonal to it in every block of `block`
+// samples, and `snr` dB below it in each.
+Samples NoiseBelow(std::span<const float> signal, double snr, size_t block, uint64_t seed);
+
+}  // namespace host
