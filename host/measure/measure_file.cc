@@ -102,7 +102,7 @@ class Beside {
         m_near(Read(against.near, rate, raw, brought)),
         m_input(Read(against.input, rate, raw, brought)) {}
 
-  audio_measures::Inputs With(const Sound& output) const {
+  audio_measures::Inputs With(const MeasuredSound& output) const {
     return {.output = output.View(),
             .reference = m_reference.View(),
             .far = m_far.View(),
@@ -112,8 +112,8 @@ class Beside {
   }
 
  private:
-  static Sound Read(const std::string& path, int rate, const std::optional<RawForm>& raw,
-                    std::vector<BroughtToRate>& brought) {
+  static MeasuredSound Read(const std::string& path, int rate, const std::optional<RawForm>& raw,
+                            std::vector<BroughtToRate>& brought) {
     if (path.empty()) return {};
     try {
       OpenSound sound(path, raw);
@@ -124,16 +124,16 @@ class Beside {
     }
   }
 
-  Sound m_reference;
-  Sound m_far;
-  Sound m_near;
-  Sound m_input;
+  MeasuredSound m_reference;
+  MeasuredSound m_far;
+  MeasuredSound m_near;
+  MeasuredSound m_input;
 };
 
 std::vector<NamedFigure> Measured(const std::string& path, const MeasuredAgainst& against,
                                   std::span<const std::string_view> names,
                                   const std::optional<RawForm>& raw, MeasuredFile& file) {
-  Sound output;
+  MeasuredSound output;
   try {
     OpenSound sound(path, raw);
     file.format = sound.Format();

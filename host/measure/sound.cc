@@ -27,7 +27,7 @@ std::optional<int> BitsOf(std::string_view samples) {
 
 }  // namespace
 
-audio_measures::Signal Sound::View() const {
+audio_measures::Signal MeasuredSound::View() const {
   audio_measures::Signal signal = {.rate = rate};
   for (const std::vector<float>& channel : channels) signal.channels.emplace_back(channel);
   return signal;
@@ -65,9 +65,9 @@ void OpenSound::ForEachDoubles(const std::function<void(std::span<const double>)
   } while (frames > 0);
 }
 
-Sound OpenSound::ReadAll(int rate) {
+MeasuredSound OpenSound::ReadAll(int rate) {
   const auto count = static_cast<size_t>(Format().channels);
-  Sound sound = {.rate = rate > 0 ? rate : Format().rate, .fullScale = FullScale()};
+  MeasuredSound sound = {.rate = rate > 0 ? rate : Format().rate, .fullScale = FullScale()};
   sound.channels.resize(count);
   const auto keep = [&](std::span<const double> block) {
     for (size_t i = 0; i < block.size(); ++i) {

@@ -14,7 +14,7 @@
 namespace host {
 
 // The samples of a recording as measures take them, one vector per channel.
-struct Sound {
+struct MeasuredSound {
   int rate = 0;  // Hz
   std::vector<std::vector<float>> channels = {};
   float fullScale = 1;  // The largest value that the samples can have.
@@ -45,7 +45,7 @@ class OpenSound {
 
   // All samples, brought to `rate` by libsoxr in its very high quality; 0 leaves them at their own.
   // Throws UnreadableSound.
-  Sound ReadAll(int rate);
+  MeasuredSound ReadAll(int rate);
 
   // Passes on the interleaved samples block by block. Throws UnreadableSound.
   void ForEachBlock(const std::function<void(std::span<const float>)>& use);

@@ -13,18 +13,18 @@
 namespace host {
 
 // A signal with its samples.
-struct Sound {
+struct ControlSound {
   int rate = 0;  // Hz
   std::vector<Samples> channels = {};
 };
 
 // What a measure is given, with its samples.
 struct Scene {
-  Sound output = {};
-  Sound reference = {};
-  Sound far = {};
-  Sound near = {};
-  Sound input = {};
+  ControlSound output = {};
+  ControlSound reference = {};
+  ControlSound far = {};
+  ControlSound near = {};
+  ControlSound input = {};
   float fullScale = 1;
   double searchSeconds = 0.1;
   std::optional<uint64_t> codedBytes = {};

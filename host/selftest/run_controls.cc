@@ -10,7 +10,7 @@ namespace {
 
 using audio_measures::NamedFigure;
 
-std::vector<std::span<const float>> Views(const Sound& sound) {
+std::vector<std::span<const float>> Views(const ControlSound& sound) {
   return {sound.channels.begin(), sound.channels.end()};
 }
 
