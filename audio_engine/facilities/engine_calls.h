@@ -21,4 +21,11 @@ std::span<void*> EngineTargets();
 // The same for libraries that call the interface; at first theirs reach nothing.
 std::span<void*> LibraryTargets();
 
+// What a routine of the bench uses of the interface, by itself or by helpers that it calls.
+struct RoutineUse {
+  const char* routine;
+  const char* facility;
+};
+std::span<const RoutineUse> RoutineUses();
+
 }  // namespace facilities

@@ -25,6 +25,8 @@ set(options "")
 set(calls "")
 set(declarations "")
 set(targets "")
+set(names "")
+set(lines "")
 set(wrapped "")
 set(plain "")
 foreach(facility object IN ZIP_LISTS facilities doors)
@@ -38,6 +40,8 @@ foreach(facility object IN ZIP_LISTS facilities doors)
     string(APPEND options "--wrap=${name}\n")
     string(APPEND calls "    {\"${facility}\", \"${name}\"},\n")
     string(APPEND declarations "HIDDEN void Own${index}() __asm__(\"__real_${name}\");\n")
+    string(APPEND names "    \"${name}\",\n")
+    string(APPEND lines "${facility} ${name}\n")
     string(APPEND targets "    reinterpret_cast<void*>(&Own${index}),\n")
     string(APPEND wrapped "__asm__(\"engine_jump __wrap_${name}, hidden, ${index}\");\n")
     string(APPEND plain "__asm__(\"engine_jump ${name}, protected, ${index}\");\n")
@@ -60,7 +64,7 @@ set(head "#include \"facilities/jump.h\"
 #define HIDDEN __attribute__((visibility(\"hidden\")))
 
 extern \"C\" {
-__attribute__((visibility(\"default\"))) void** audio_engine_doorway_${digest}();
+__attribute__((visibility(\"default\"))) void** audio_engine_doorway_${digest}(void* const* own);
 extern HIDDEN void* targets[];
 ")
 
@@ -72,16 +76,35 @@ ${targets}};
 ${wrapped}
 namespace facilities {
 namespace {
+void* const kOwn[] = {
+${targets}};
 constexpr EngineCall kCalls[] = {
 ${calls}};
 }
 std::span<const EngineCall> EngineCalls() { return kCalls; }
 std::span<void*> EngineTargets() { return targets; }
-std::span<void*> LibraryTargets() { return {audio_engine_doorway_${digest}(), ${index}}; }
+std::span<void*> LibraryTargets() { return {audio_engine_doorway_${digest}(kOwn), ${index}}; }
 }
 ")
-write(engine_doorway.cc "${head}}
+write(engine_doorway.cc "#include <cstring>
+#include \"engine_api/common/built_in.h\"
+${head}}
 void* targets[${index}] = {};
 ${plain}
-void** audio_engine_doorway_${digest}() { return targets; }
+namespace {
+void* const* g_own = nullptr;
+constexpr const char* kNames[] = {
+${names}};
+}
+void** audio_engine_doorway_${digest}(void* const* own) {
+  g_own = own;
+  return targets;
+}
+void* AudioEngineBuiltIn(const char* name) {
+  for (size_t i = 0; g_own != nullptr && i < ${index}; ++i) {
+    if (std::strcmp(kNames[i], name) == 0) return g_own[i];
+  }
+  return nullptr;
+}
 ")
+write(facilities.txt "${lines}")

@@ -16,3 +16,4 @@ EngineFindings FinishEngineWork(std::chrono::milliseconds limit, bool runsOn) {
 std::span<const facilities::EngineCall> facilities::EngineCalls() { return {}; }
 std::span<void*> facilities::EngineTargets() { return {}; }
 std::span<void*> facilities::LibraryTargets() { return {}; }
+std::span<const facilities::RoutineUse> facilities::RoutineUses() { return {}; }

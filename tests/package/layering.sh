@@ -75,7 +75,8 @@ for folder in base guards files engines recording process catalogue results repo
   [[ $folder =~ ^(guards|measure|compare|selftest)$ ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
-allow audio_engine/facilities "$standard|\"facilities/$name\""
+allow audio_engine/facilities "$standard|\"facilities/$name\"|\"routine_uses\.inc\""
+allow audio_engine/controls "$standard|\"($api|controls)/$name\""
 allow tests/fake_engine "$library|\"($api|fake_engine|fake_engine/[a-z]+|wave)/$name\""
 
 # Angle brackets are for the headers of others.

@@ -7,5 +7,6 @@ namespace facilities {
 std::span<const EngineCall> EngineCalls() { return {}; }
 std::span<void*> EngineTargets() { return {}; }
 std::span<void*> LibraryTargets() { return {}; }
+std::span<const RoutineUse> RoutineUses() { return {}; }
 
 }  // namespace facilities
