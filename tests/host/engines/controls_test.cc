@@ -12,6 +12,7 @@
 #include <random>
 
 #include "engine_api/aec/webrtc_aec.h"
+#include "engine_api/codec/local_codec.h"
 #include "engine_api/common/wav_writer.h"
 #include "engine_api/enhancement/audio_denoise.h"
 #include "facilities/engine_calls.h"
@@ -22,7 +23,11 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::Each;
+using testing::Ge;
+using testing::IsEmpty;
+using testing::Le;
 constexpr int kRate = 48000;
 
 // Left and right, quiet enough for the compressor to let them pass as they are.
@@ -140,6 +145,55 @@ TEST_F(ControlTest, MakesHoles) {
   Samples holed = Quiet(440);
   for (size_t i = 0; i < holed.size(); i += 80) holed[i] = holed[i + 1] = 0;
   EXPECT_EQ(Damaged("holes", Quiet(440)), holed);
+}
+
+TEST_F(ControlTest, DropsOutForFiveMilliseconds) {
+  constexpr long kLoudest = 20000;
+  Samples loud(2 * kRate, 1000);
+  loud[2 * kLoudest + 1] = -2000;
+  Samples dropped = loud;
+  std::fill_n(dropped.begin() + 2 * (kLoudest - 120), 480, short{0});
+  EXPECT_EQ(Damaged("dropout", loud), dropped);
+  // Where the loudest sample is the first or the last one.
+  for (const size_t at : {size_t{0}, loud.size() - 1}) {
+    loud.assign(2 * kRate, 1000);
+    loud[at] = 2000;
+    const Samples out = Damaged("dropout", loud);
+    ASSERT_EQ(out.size(), loud.size());
+    EXPECT_EQ(out[at], 0);
+    EXPECT_THAT(std::count(out.begin(), out.end(), 0), AllOf(Ge(240), Le(480)));
+  }
+  EXPECT_THAT(Damaged("dropout", {}), IsEmpty());
+}
+
+// The bytes of a second of noise in the packets of an encoder.
+size_t CodedBytes(AudioLocalCodec::AudioCodecType type, int rate, bool flushed) {
+  AudioLocalCodec::IAudioEncoder* const encoder = AudioLocalCodec::CreateAudioEncoder(type);
+  encoder->Init();
+  if (flushed) encoder->Flush();
+  std::minstd_rand random(1);
+  size_t bytes = 0;
+  std::string packet;
+  for (int given = 0; given < rate * 2; given += encoder->GetEncoderBytes()) {
+    std::vector<short> block(static_cast<size_t>(encoder->GetEncoderBytes()) / 2);
+    for (short& sample : block) sample = static_cast<short>(random() % 8000) - 4000;
+    encoder->Encode(reinterpret_cast<const char*>(block.data()), encoder->GetEncoderBytes(),
+                    packet);
+    bytes += packet.size();
+  }
+  encoder->Destroy();
+  return bytes;
+}
+
+TEST_F(ControlTest, CodesAtHalfTheBitRate) {
+  const size_t whole = CodedBytes(AudioLocalCodec::SILK_CODEC, 16000, false);
+  const size_t speex = CodedBytes(AudioLocalCodec::SPEEX_CODEC_8, 16000, false);
+  Lead("half_bit_rate", "codec/local_codec");
+  for (const bool flushed : {false, true}) {
+    const size_t half = CodedBytes(AudioLocalCodec::SILK_CODEC, 16000, flushed);
+    EXPECT_NEAR(static_cast<double>(half) / static_cast<double>(whole), 0.5, 0.1) << flushed;
+  }
+  EXPECT_EQ(CodedBytes(AudioLocalCodec::SPEEX_CODEC_8, 16000, false), speex);
 }
 
 TEST_F(ControlTest, LetsNothingHighPass) {
