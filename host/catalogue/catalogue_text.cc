@@ -96,12 +96,14 @@ std::string Availability(const CatalogueRow& row) {
   return row.helper ? "helper" : "available";
 }
 
-std::string LackingHere(const CatalogueRow& row) {
-  return row.declared.words.parameters.empty() ? harness::Lacking(row, {}) : "";
+std::string LackingHere(const CatalogueRow& row, const Engine* only) {
+  const harness::Words& words = row.declared.words;
+  const std::string lacking = words.parameters.empty() ? harness::Lacking(row, {}) : "";
+  return lacking.empty() && only != nullptr ? NotInEngine(*only, words.name) : lacking;
 }
 
-bool CanBeRun(const CatalogueRow& row) {
-  return row.declared.run != nullptr && !row.helper && LackingHere(row).empty();
+bool CanBeRun(const CatalogueRow& row, const Engine* only) {
+  return row.declared.run != nullptr && !row.helper && LackingHere(row, only).empty();
 }
 
 std::string Duration(const CatalogueRow& row) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "catalogue/rows.h"
+#include "engines/engine.h"
 
 namespace host {
 
@@ -27,11 +28,12 @@ std::string Declaration(const CatalogueRow& row);
 std::string Availability(const CatalogueRow& row);
 
 // Returns why the engine at hand cannot run a routine without parameters; empty when it can, and
-// when it takes the arguments to tell.
-std::string LackingHere(const CatalogueRow& row);
+// when it takes the arguments to tell. With `only`, also why the library of that engine cannot
+// without the desktop engine; then the parameters do not matter.
+std::string LackingHere(const CatalogueRow& row, const Engine* only = nullptr);
 
-// Returns whether `run` can run it by itself, with some arguments at least.
-bool CanBeRun(const CatalogueRow& row);
+// Returns whether `run` can run it by itself, with some arguments at least; `only` as above.
+bool CanBeRun(const CatalogueRow& row, const Engine* only = nullptr);
 
 // "none", "capture".
 std::string_view DeviceName(const CatalogueRow& row);

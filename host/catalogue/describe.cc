@@ -101,7 +101,8 @@ std::string GuardLines(const CatalogueRow& row) {
 
 }  // namespace
 
-std::string Describe(std::string_view routine, std::span<const std::string> arguments) {
+std::string Describe(std::string_view routine, std::span<const std::string> arguments,
+                     const Engine* only) {
   const CatalogueRow& row = FindRow(routine);
   const RunFiles files = FilesOf(row, arguments);
   std::string text = std::string(row.declared.words.name) + "\n";
@@ -116,7 +117,7 @@ std::string Describe(std::string_view routine, std::span<const std::string> argu
   if (row.helper) return text + Line("status", "helper: called by routines, not run by itself");
   text += Line("device", DeviceName(row));
   text += Line("duration", Duration(row));
-  const std::string lacking = LackingHere(row);
+  const std::string lacking = LackingHere(row, only);
   return text + Line("status", lacking.empty() ? Availability(row) : "lacking: " + lacking);
 }
 

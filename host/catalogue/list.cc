@@ -19,9 +19,10 @@ std::string Padded(std::string_view text, size_t width) {
   return padded;
 }
 
-std::string RowLines(const CatalogueRow& row, size_t width, const Paint& paint) {
+std::string RowLines(const CatalogueRow& row, const ListFilter& filter, size_t width,
+                     const Paint& paint) {
   std::string head = "  " + Padded(row.declared.words.name, kNameWidth);
-  const std::string status = LackingHere(row).empty() ? Availability(row) : "lacking";
+  const std::string status = LackingHere(row, filter.only).empty() ? Availability(row) : "lacking";
   const size_t at = head.size();
   if (!row.helper) head += Padded(status, kAvailabilityWidth);
   std::string lines = WrapText(row.exercises, head, head.size(), width);
@@ -30,10 +31,11 @@ std::string RowLines(const CatalogueRow& row, size_t width, const Paint& paint) 
 }
 
 template <typename Belongs>
-std::string Section(std::string_view title, Belongs belongs, size_t width, const Paint& paint) {
+std::string Section(std::string_view title, Belongs belongs, const ListFilter& filter, size_t width,
+                    const Paint& paint) {
   std::string lines;
   for (const CatalogueRow& row : Catalogue()) {
-    if (belongs(row)) lines += RowLines(row, width, paint);
+    if (belongs(row)) lines += RowLines(row, filter, width, paint);
   }
   return lines.empty() ? "" : std::string(title) + "\n" + lines + "\n";
 }
@@ -47,11 +49,11 @@ std::string ListAsText(const ListFilter& filter, size_t width, const Paint& pain
     const auto belongs = [&](const CatalogueRow& row) {
       return passes(row) && row.group == group && !row.helper;
     };
-    text += Section(GroupName(group), belongs, width, paint);
+    text += Section(GroupName(group), belongs, filter, width, paint);
   }
   text += Section(
       "Helpers (called by routines, not run by themselves)",
-      [&](const CatalogueRow& row) { return passes(row) && row.helper; }, width, paint);
+      [&](const CatalogueRow& row) { return passes(row) && row.helper; }, filter, width, paint);
 
   const auto rows = Catalogue();
   const auto count = [&](auto belongs) {
@@ -60,9 +62,10 @@ std::string ListAsText(const ListFilter& filter, size_t width, const Paint& pain
     });
   };
   const auto routines = count([](const CatalogueRow&) { return true; });
+  const auto available = count([&](const CatalogueRow& row) { return CanBeRun(row, filter.only); });
   const std::string summary = std::to_string(routines) +
                               (routines == 1 ? " routine, " : " routines, ") +
-                              std::to_string(count(CanBeRun)) +
+                              std::to_string(available) +
                               " available. Parameters and files of one: audio_bench describe "
                               "ROUTINE";
   return text + WrapText(summary, "", 0, width);

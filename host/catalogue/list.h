@@ -26,7 +26,10 @@ std::string ListAsJson(const ListFilter& filter, const Engine& engine);
 
 // Both return all that is known of one routine, with arguments of what a run with them reads and
 // writes. They throw UsageError when there is none of that name, or the arguments do not fit it.
-std::string Describe(std::string_view routine, std::span<const std::string> arguments = {});
-std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments);
+// `only` as in ListFilter.
+std::string Describe(std::string_view routine, std::span<const std::string> arguments = {},
+                     const Engine* only = nullptr);
+std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments,
+                           const Engine* only = nullptr);
 
 }  // namespace host

@@ -13,7 +13,7 @@ namespace host {
 namespace {
 
 bool Passes(const CatalogueRow& row, const ListFilter& filter) {
-  if (filter.available && !CanBeRun(row)) return false;
+  if (filter.available && !CanBeRun(row, filter.only)) return false;
   if (!filter.group.empty() && GroupWord(row.group) != filter.group) return false;
   const std::string name(row.declared.words.name);
   return filter.glob.empty() || fnmatch(filter.glob.c_str(), name.c_str(), FNM_CASEFOLD) == 0;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "catalogue/rows.h"
+#include "engines/engine.h"
 
 namespace host {
 
@@ -16,6 +17,10 @@ struct ListFilter {
 
   // Whether only those are listed that can be run.
   bool available = false;
+
+  // Whose library has to have all that a routine asks for, for the routine to be one that can be
+  // run; null: what it lacks is taken from the desktop engine.
+  const Engine* only = nullptr;
 };
 
 // Throws UsageError when there is no such group; empty stands for all.

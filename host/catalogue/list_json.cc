@@ -88,8 +88,8 @@ Json DurationJson(const CatalogueRow& row) {
 }
 
 // The status as `describe` gives it.
-std::string Status(const CatalogueRow& row) {
-  const std::string lacking = LackingHere(row);
+std::string Status(const CatalogueRow& row, const Engine* only) {
+  const std::string lacking = LackingHere(row, only);
   return lacking.empty() ? Availability(row) : "lacking: " + lacking;
 }
 
@@ -116,7 +116,7 @@ Json CodecIdsJson(const CatalogueRow& row) {
   return json;
 }
 
-Json RowJson(const CatalogueRow& row, const RunFiles& files) {
+Json RowJson(const CatalogueRow& row, const RunFiles& files, const Engine* only) {
   const harness::Words& words = row.declared.words;
   return {{"routine", words.name},
           {"result", words.result},
@@ -125,8 +125,8 @@ Json RowJson(const CatalogueRow& row, const RunFiles& files) {
           {"exercises", row.exercises},
           {"helper", row.helper},
           {"called_by", row.calledBy.empty() ? Json() : Json(row.calledBy)},
-          {"available", CanBeRun(row)},
-          {"status", Status(row)},
+          {"available", CanBeRun(row, only)},
+          {"status", Status(row, only)},
           {"inputs", FilesJson(files.inputs)},
           {"outputs", FilesJson(files.outputs)},
           {"device", DeviceName(row)},
@@ -139,17 +139,18 @@ std::string ListAsJson(const ListFilter& filter, const Engine& engine) {
   const auto passes = Selector(filter);
   Json rows = Json::array();
   for (const CatalogueRow& row : Catalogue()) {
-    if (passes(row)) rows.push_back(RowJson(row, {row.inputs, row.outputs}));
+    if (passes(row)) rows.push_back(RowJson(row, {row.inputs, row.outputs}, filter.only));
   }
   return JsonText(
       {{"schema_version", kListVersion}, {"engine", EngineJson(engine)}, {"routines", rows}});
 }
 
-std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments) {
+std::string DescribeAsJson(std::string_view routine, std::span<const std::string> arguments,
+                           const Engine* only) {
   const CatalogueRow& row = FindRow(routine);
   Json json = {{"schema_version", kListVersion},
                {"arguments", std::vector<std::string>(arguments.begin(), arguments.end())}};
-  json.update(RowJson(row, FilesOf(row, arguments)));
+  json.update(RowJson(row, FilesOf(row, arguments), only));
   json["unused"] = UnusedJson(row);
   json["codec_ids"] = CodecIdsJson(row);
   return JsonText(json);

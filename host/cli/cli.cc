@@ -39,23 +39,32 @@ size_t OutputWidth() {
   return known ? std::clamp<size_t>(size.ws_col, 70, 120) : 100;
 }
 
+// The engine whose library answers alone; null where it does not.
+const Engine* Only(const Request& request) {
+  return request.run.engineOnly ? &FindEngine(request.run.engine) : nullptr;
+}
+
 std::string List(const Request& request) {
+  ListFilter filter = request.filter;
+  filter.only = Only(request);
   switch (request.form) {
     case Request::Form::kJson:
-      return ListAsJson(request.filter, FindEngine(request.run.engine));
+      return ListAsJson(filter, FindEngine(request.run.engine));
     case Request::Form::kMarkdown:
-      return ListAsMarkdown(request.filter);
+      return ListAsMarkdown(filter);
     case Request::Form::kText:
       break;
   }
-  return ListAsText(request.filter, OutputWidth(), Paint(request.color, STDOUT_FILENO)) +
+  return ListAsText(filter, OutputWidth(), Paint(request.color, STDOUT_FILENO)) +
          EngineText(FindEngine(request.run.engine), OutputWidth());
 }
 
 std::string Description(const Request& request) {
-  if (request.form == Request::Form::kJson) return DescribeAsJson(request.routine, request.words);
+  if (request.form == Request::Form::kJson) {
+    return DescribeAsJson(request.routine, request.words, Only(request));
+  }
   const std::string& engine = request.run.engine;
-  return Describe(request.routine, request.words) +
+  return Describe(request.routine, request.words, Only(request)) +
          (engine.empty() ? "" : EngineText(FindEngine(engine), OutputWidth()));
 }
 

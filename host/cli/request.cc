@@ -105,6 +105,7 @@ class CommandLine {
     m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
     AddColor(*m_list, m_request.color);
     AddEngine(*m_list, m_request.run.engine);
+    AddEngineOnly(*m_list, m_request.run.engineOnly);
   }
 
   void AddDescribe() {
@@ -114,6 +115,7 @@ class CommandLine {
     describe.add_option("ARGUMENT", m_request.words);
     describe.add_flag("--json", m_json, "For programs");
     AddEngine(describe, m_request.run.engine);
+    AddEngineOnly(describe, m_request.run.engineOnly);
   }
 
   void AddDemo() {
@@ -134,6 +136,7 @@ class CommandLine {
         "given.");
     AddWork(run, options.work);
     AddEngine(run, options.engine);
+    AddEngineOnly(run, options.engineOnly);
     run.add_option("--timeout-s", options.timeout,
                    "End a run that takes longer, in seconds (600; a routine that never returns "
                    "is stopped after 10)")

@@ -43,6 +43,7 @@ void SuiteWords::AddSuite(CLI::App& app) {
   suite.add_option("--out", m_suite.out, "Where the results go (bench_results/UTC-TIME)")
       ->type_name("DIR");
   AddEngine(suite, m_suite.engine);
+  AddEngineOnly(suite, m_suite.engineOnly);
   suite.add_flag(
       "--resume", m_suite.resume,
       "Go on in that folder, or in the latest: only what has not passed, or has changed");

@@ -172,6 +172,17 @@ void EnterEngine(const Engine& engine) {
   }
 }
 
+std::string NotInEngine(const Engine& engine, std::string_view routine) {
+  if (!engine.library) return "";
+  std::set<std::string> lacking;
+  for (const facilities::RoutineUse& use : facilities::RoutineUses()) {
+    if (use.routine == routine && !engine.IsInLibrary(use.facility)) lacking.insert(use.facility);
+  }
+  std::string names;
+  for (const std::string& each : lacking) names += (names.empty() ? "" : ", ") + each;
+  return names.empty() ? "" : "not in this engine (" + names + ")";
+}
+
 const EngineLibrary& BuiltInEngine() {
   static const EngineLibrary self = [] {
     std::error_code error;

@@ -50,6 +50,11 @@ const Engine& FindEngine(const std::string& word);
 // its library does not open, or is no longer the one that was looked at.
 void EnterEngine(const Engine& engine);
 
+// Why a routine cannot be run on the library of an engine alone: "not in this engine
+// (effects/drc)", with the facilities that the routine asks for and the library lacks. Empty when
+// it has them all, or when it is the desktop engine that answers for all.
+std::string NotInEngine(const Engine& engine, std::string_view routine);
+
 // The engine that is a part of this program: its path and build id.
 const EngineLibrary& BuiltInEngine();
 

@@ -48,7 +48,10 @@ void FillIn(Plan& plan) {
   if (const std::string fault = harness::ArgumentFault(row, words); !fault.empty()) {
     throw UsageError{plan.what.routine + " " + fault + ": " + Declaration(row)};
   }
-  if (const std::string lacking = harness::Lacking(row, words); !lacking.empty()) {
+  std::string lacking = harness::Lacking(row, words);
+  if (plan.what.engineOnly && lacking.empty())
+    lacking = NotInEngine(plan.engine, row.declared.words.name);
+  if (!lacking.empty()) {
     plan.stop = Stop{{Cause::kNotRunnable, lacking}};
     return;
   }

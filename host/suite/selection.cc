@@ -28,6 +28,7 @@ void CheckCase(SuiteCase& one) {
   if (plan.stop && plan.stop->refusal) throw UsageError{one.at + plan.stop->refusal->message};
   one.arguments = plan.what.arguments;
   if (plan.row == nullptr || !CanBeRun(*plan.row)) return;
+  if (one.engineOnly) one.skip = NotInEngine(plan.engine, one.routine);
   try {
     CheckInputNames(one);
   } catch (const UsageError& error) {
@@ -87,7 +88,11 @@ Selection SelectCases(const SuiteOptions& options) {
   std::vector<SuiteCase> cases =
       options.file.empty() ? CatalogueCases(options.demo) : ReadSuite(options.file);
   const CaseOrder order(cases);
-  for (SuiteCase& one : cases) CheckCase(one);
+  for (SuiteCase& one : cases) {
+    one.engine = options.engine;
+    one.engineOnly = options.engineOnly;
+    CheckCase(one);
+  }
   CheckGroup(options.group);
 
   Selection selection;
@@ -109,8 +114,6 @@ Selection SelectCases(const SuiteOptions& options) {
   for (size_t i = 0; i < cases.size(); ++i) {
     if (!runs[i]) continue;
     cases[i].counted = counted[i];
-    cases[i].engine = options.engine;
-    cases[i].engineOnly = options.engineOnly;
     cases[i].strict = cases[i].strict || options.strict;
     selection.cases.push_back(std::move(cases[i]));
   }
