@@ -7,6 +7,7 @@
 
 #include "base/suggest.h"
 #include "base/usage_error.h"
+#include "engines/engine.h"
 #include "results/numbers.h"
 
 namespace host {
@@ -67,8 +68,9 @@ void CompareWords::AddCompare(CLI::App& app) {
   CLI::App& compare = *app.add_subcommand("compare", "Whether B is better or worse than A");
   compare.footer(
       "A and B: the folders of two suites' results, results.json, the reports of two runs, a file\n"
-      "of baseline export, or baseline:NAME. With --bench the words are those of a suite, which\n"
-      "both programs run first; what follows \"--\" is handed on to it as it is.\n"
+      "of baseline export, or baseline:NAME. With --bench or --engine the words are those of a "
+      "suite,\n"
+      "which runs first on both; what follows \"--\" is handed on to it as it is.\n"
       "Exit codes: 0 nothing is worse, 1 something is, 2 they cannot be compared.");
   compare.add_option("SETS", m_sets, "What to compare, the reference first")->type_name("");
   compare.add_option("--margin", m_margins, "A difference of this measure that does not matter")
@@ -81,11 +83,18 @@ void CompareWords::AddCompare(CLI::App& app) {
   compare.add_flag("--record-missing", m_compare.recordMissing,
                    "A reference that is not there is made of B");
   compare
-      .add_option("--bench", m_compare.benches,
+      .add_option("--bench", m_benches,
                   "Run the suite with this audio_bench (twice: A, then B; once: B is this one)")
       ->type_name("FILE")
       ->allow_extra_args(false);
-  compare.add_option("--out", m_compare.out, "With --bench: keep both results in DIR/a and DIR/b")
+  compare
+      .add_option(
+          "--engine", m_engines,
+          "Run the suite on this engine library, or on \"desktop\" (twice: A, then B; once: "
+          "A is \"desktop\")")
+      ->type_name("LIB.so")
+      ->allow_extra_args(false);
+  compare.add_option("--out", m_compare.out, "Keep what the suite leaves in DIR/a and DIR/b")
       ->type_name("DIR");
   for (const auto& [name, path] : {std::pair{"--json", &m_compare.json},
                                    {"--csv", &m_compare.csv},
@@ -107,9 +116,9 @@ void CompareWords::AddBaseline(CLI::App& app) {
 
 void CompareWords::TakeCompare(std::span<const std::string> literal) {
   for (const std::string& word : m_margins) AddMargin(word, m_compare.rules.margins);
-  if (m_compare.benches.empty()) {
+  if (m_benches.empty() && m_engines.empty()) {
     if (!literal.empty()) throw UsageError{"unexpected " + literal.front()};
-    if (!m_compare.out.empty()) throw UsageError{"--out goes with --bench"};
+    if (!m_compare.out.empty()) throw UsageError{"--out goes with --bench or --engine"};
     if (m_sets.size() != 2) {
       throw UsageError{"compare takes two results, the reference first, not " +
                        std::to_string(m_sets.size()) + " (audio_bench compare --help)"};
@@ -117,11 +126,30 @@ void CompareWords::TakeCompare(std::span<const std::string> literal) {
     m_compare.sets = m_sets;
     return;
   }
-  if (m_compare.benches.size() > 2) throw UsageError{"--bench is there more than twice"};
-  if (m_compare.recordMissing) throw UsageError{"--record-missing and --bench exclude each other"};
-  if (m_compare.benches.size() == 1) m_compare.benches.emplace_back("/proc/self/exe");
+  if (!m_benches.empty() && !m_engines.empty()) {
+    throw UsageError{
+        "--bench and --engine exclude each other; words for the suite of both, such as "
+        "--engine, follow \"--\""};
+  }
+  TakeBenches();
   m_compare.suite = m_sets;
   m_compare.suite.insert(m_compare.suite.end(), literal.begin(), literal.end());
+}
+
+void CompareWords::TakeBenches() {
+  const bool engines = m_benches.empty();
+  const std::string option = engines ? "--engine" : "--bench";
+  std::vector<std::string>& given = engines ? m_engines : m_benches;
+  if (given.size() > 2) throw UsageError{option + " is there more than twice"};
+  if (m_compare.recordMissing) {
+    throw UsageError{"--record-missing and " + option + " exclude each other"};
+  }
+  const std::string self = "/proc/self/exe";
+  if (engines && given.size() == 1) given.emplace(given.begin(), kDesktopEngine);
+  if (!engines && given.size() == 1) given.push_back(self);
+  for (const std::string& each : given) {
+    m_compare.benches.push_back(engines ? SuiteBench{self, each} : SuiteBench{each});
+  }
 }
 
 void CompareWords::TakeBaseline() {

@@ -27,12 +27,16 @@ class CompareWords {
  private:
   void AddCompare(CLI::App& app);
   void AddBaseline(CLI::App& app);
+  // Who runs the suite first: two programs, or this one on two engines.
+  void TakeBenches();
 
   CompareOptions& m_compare;
   BaselineOptions& m_baseline;
   std::vector<std::string> m_sets;     // Or the words of the suite.
   std::vector<std::string> m_margins;  // "si_sdr=0.2"
-  std::vector<std::string> m_action;   // The words after `baseline`.
+  std::vector<std::string> m_benches;
+  std::vector<std::string> m_engines;
+  std::vector<std::string> m_action;  // The words after `baseline`.
 };
 
 }  // namespace host

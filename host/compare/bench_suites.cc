@@ -53,7 +53,7 @@ int RunProgram(const std::vector<std::string>& command, int& interruption) {
 
 }  // namespace
 
-BenchSuites::BenchSuites(const std::vector<std::string>& benches,
+BenchSuites::BenchSuites(const std::vector<SuiteBench>& benches,
                          const std::vector<std::string>& words, const std::string& out)
     : m_out(out) {
   if (out.empty()) {
@@ -62,8 +62,11 @@ BenchSuites::BenchSuites(const std::vector<std::string>& benches,
   }
   const std::string folders[] = {a(), b()};
   for (size_t i = 0; i < 2; ++i) {
-    std::vector<std::string> command = {benches[i], "suite"};
+    const SuiteBench& bench = benches[i];
+    const std::string on = bench.engine.empty() ? "" : " on the engine " + bench.engine;
+    std::vector<std::string> command = {bench.program, "suite"};
     command.insert(command.end(), words.begin(), words.end());
+    if (!bench.engine.empty()) command.insert(command.end(), {"--engine", bench.engine});
     command.insert(command.end(), {"--out", folders[i]});
     int interruption = 0;
     const int status = RunProgram(command, interruption);
@@ -72,14 +75,14 @@ BenchSuites::BenchSuites(const std::vector<std::string>& benches,
       raise(interruption);  // Who has interrupted it wants to see its end.
     }
     if (WIFEXITED(status) && WEXITSTATUS(status) == kNoProgram) {
-      throw UsageError{"cannot run " + benches[i]};
+      throw UsageError{"cannot run " + bench.program};
     }
     std::error_code error;
     if (fs::exists(folders[i] + "/results.json", error)) continue;
     const std::string end = WIFEXITED(status)
                                 ? "exit code " + std::to_string(WEXITSTATUS(status))
                                 : std::string("killed by ") + strsignal(WTERMSIG(status));
-    throw UsageError{benches[i] + " suite has left no results (" + end + ")"};
+    throw UsageError{bench.program + " suite" + on + " has left no results (" + end + ")"};
   }
 }
 

@@ -8,13 +8,19 @@
 
 namespace host {
 
-// One suite run by two programs, the results of each in a folder of its own.
+// Who runs a suite: an audio_bench, and the engine that it is to take; an empty one for its usual.
+struct SuiteBench {
+  std::string program;
+  std::string engine = {};
+};
+
+// One suite run by two programs or on two engines, the results of each in a folder of its own.
 class BenchSuites {
  public:
   // Runs `benches`, which are two, with `words` after "suite". `out` is the folder for both
   // results; empty for a temporary one, which goes with this object. What they print goes to
   // stderr. Throws UsageError when one leaves no results.
-  BenchSuites(const std::vector<std::string>& benches, const std::vector<std::string>& words,
+  BenchSuites(const std::vector<SuiteBench>& benches, const std::vector<std::string>& words,
               const std::string& out);
 
   std::string a() const { return m_out + "/a"; }

@@ -11,9 +11,9 @@
 #include "base/printable.h"
 #include "base/usage_error.h"
 #include "compare/baseline.h"
-#include "compare/bench_suites.h"
 #include "compare/comparison_forms.h"
 #include "compare/read_results.h"
+#include "engines/engine.h"
 #include "process/limits.h"
 #include "process/signals.h"
 #include "report/output.h"
@@ -136,6 +136,8 @@ int Compare(const CompareOptions& options) {
   std::optional<BenchSuites> suites;
   std::vector<std::string> sets = options.sets;
   if (!options.benches.empty()) {
+    // One that cannot be taken is refused before the other one has run for hours.
+    for (const SuiteBench& bench : options.benches) FindEngine(bench.engine);
     suites.emplace(options.benches, options.suite, options.out);
     sets = {suites->a(), suites->b()};
   }

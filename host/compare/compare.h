@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "compare/bench_suites.h"
 #include "compare/compare_results.h"
 
 namespace host {
@@ -12,8 +13,8 @@ struct CompareOptions {
   // Two of: a folder of results, results.json, a report, an exported baseline, "baseline:NAME".
   std::vector<std::string> sets = {};
 
-  // Or one or two programs that run the suite that `suite` are the words of.
-  std::vector<std::string> benches = {};
+  // Or two, programs or engines, that run the suite that `suite` are the words of.
+  std::vector<SuiteBench> benches = {};
   std::vector<std::string> suite = {};
   std::string out = {};  // Folder for their results; empty for a temporary one.
 
