@@ -12,6 +12,7 @@
 #include "base/usage_error.h"
 #include "measure/figure_trust.h"
 #include "measure/sound.h"
+#include "selftest/trust.h"
 
 namespace host {
 
@@ -181,6 +182,7 @@ std::vector<std::string> FittingMeasures(const MeasuredAgainst& against) {
 MeasuredFile MeasureFile(const std::string& path, const MeasuredAgainst& against,
                          std::span<const std::string> names, const std::optional<RawForm>& raw) {
   const std::vector<std::string_view> views(names.begin(), names.end());
+  AskTrust(views);
   MeasuredFile file;
   std::vector<NamedFigure> figures;
   try {

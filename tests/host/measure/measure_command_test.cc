@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <random>
 
 #include "audio_measures/measure.h"
@@ -18,6 +19,7 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
 
 class MeasureCommandTest : public testing::Test {
  protected:
@@ -144,6 +146,18 @@ TEST_F(MeasureCommandTest, ReadsSamplesWithoutAHeader) {
   const json measured = Figures({"tone.pcm", "--raw", "8000,2,s16", "--measure", "peak"});
   EXPECT_NEAR(One(measured, "peak", 1)["value"].get<double>(), -12.04, 0.01);
   EXPECT_EQ(Measure({"tone.pcm"}).exitCode, 3);
+}
+
+TEST_F(MeasureCommandTest, MarksWhatNoSelfTestHasShownToBeRight) {
+  setenv("XDG_CACHE_HOME", (m_directory.path() / "cache").c_str(), 1);
+  WriteWav("tone.wav", Tone(1000, 16384, 16000, 16000));
+  const json measured = Figures({"tone.wav", "--measure", "dc,rtf"});
+  EXPECT_EQ(One(measured, "dc", 0)["untrusted"], false);
+  EXPECT_EQ(One(measured, "rtf")["untrusted"], true);
+  EXPECT_THAT(Measure({"tone.wav", "--measure", "dc,rtf"}).out,
+              testing::EndsWith("untrusted, not seen to pass a self-test: rtf\n"));
+  EXPECT_THAT(Measure({"tone.wav", "--measure", "dc"}).out, Not(HasSubstr("untrusted")));
+  unsetenv("XDG_CACHE_HOME");
 }
 
 TEST_F(MeasureCommandTest, RefusesWrongWords) {
