@@ -119,9 +119,10 @@ TEST_F(MeasureCommandTest, WhatIsNotComputedHasNoValueButAReason) {
 }
 
 TEST_F(MeasureCommandTest, LevelsBlockByBlockSayWhatIsTooShortOrOfAWrongRate) {
-  WriteWav("short.wav", Tone(1000, 16384, 16000, 1000));
-  EXPECT_EQ(One(Figures({"short.wav", "--measure", "loudness,peak"}), "loudness")["reason"],
-            "too short");
+  WriteWav("short.wav", Tone(1000, 16384, 16000, 4000));
+  const json brief = Figures({"short.wav", "--measure", "loudness,peak,bandwidth"});
+  EXPECT_EQ(One(brief, "loudness")["reason"], "too short");
+  EXPECT_EQ(One(brief, "bandwidth")["reason"], "too short");
   WriteWav("slow.wav", Tone(100, 16384, 4000, 8000), 4000);
   const json slow = Figures({"slow.wav", "--measure", "loudness,peak"});
   EXPECT_EQ(One(slow, "loudness")["reason"], "a rate that it is not defined for");
