@@ -10,7 +10,6 @@ namespace {
 constexpr double kTimeConstant = 0.03;  // s
 constexpr double kHangover = 0.2;       // s
 constexpr int kLowest = -20;            // Exponent of the lowest threshold.
-constexpr size_t kRun = 1 << 16;        // Samples whose counts fit 32 bits.
 
 double Decibels(double power) { return 10 * std::log10(power); }
 
@@ -18,41 +17,52 @@ double Decibels(double power) { return 10 * std::log10(power); }
 
 ActiveLevel::ActiveLevel(int rate)
     : m_smoothing(std::exp(-1 / (rate * kTimeConstant))),
-      m_hangover(static_cast<int32_t>(std::ceil(rate * kHangover))) {
+      m_hangover(static_cast<int64_t>(std::ceil(rate * kHangover))) {
   for (size_t i = 0; i < kThresholds; ++i) {
     m_thresholds[i] = std::ldexp(1.0F, kLowest + static_cast<int>(i));
   }
-  m_left.fill(-1);
 }
 
-void ActiveLevel::Add(std::span<const float> samples) {
-  while (!samples.empty()) {
-    const size_t count = std::min(kRun, samples.size());
-    AddRun(samples.first(count));
-    samples = samples.subspan(count);
+size_t ActiveLevel::Reached(float envelope) const {
+  size_t reached = 0;
+  while (reached < kThresholds && envelope >= m_thresholds[reached]) ++reached;
+  return reached;
+}
+
+void ActiveLevel::Count(size_t reached, int64_t samples) {
+  m_samples += static_cast<uint64_t>(samples);
+  for (size_t i = 0; i < reached; ++i) {
+    m_left[i] = m_hangover;
+    m_active[i] += static_cast<uint64_t>(samples);
+  }
+  for (size_t i = reached; i < kThresholds; ++i) {
+    const int64_t active = std::min(m_left[i], samples);
+    m_left[i] -= active;
+    m_active[i] += static_cast<uint64_t>(active);
   }
 }
 
-void ActiveLevel::AddRun(std::span<const float> samples) {
-  std::array<int32_t, kThresholds> left = m_left;
-  std::array<int32_t, kThresholds> active = {};
+// The envelope passes a threshold now and then only: what is in between is counted at once.
+void ActiveLevel::Add(std::span<const float> samples) {
   const double keep = m_smoothing;
-  for (const float sample : samples) {
-    const auto value = static_cast<double>(sample);
+  size_t reached = 0;
+  float least = INFINITY;
+  float beyond = 0;
+  size_t start = 0;
+  for (size_t i = 0; i < samples.size(); ++i) {
+    const auto value = static_cast<double>(samples[i]);
     m_squares += value * value;
     m_first = keep * m_first + (1 - keep) * std::fabs(value);
     m_second = keep * m_second + (1 - keep) * m_first;
     const auto envelope = static_cast<float>(m_second);
-    for (size_t i = 0; i < kThresholds; ++i) {
-      left[i] = envelope >= m_thresholds[i] ? m_hangover : left[i] - 1;
-      active[i] += left[i] >= 0 ? 1 : 0;
-    }
+    if (envelope >= least && envelope < beyond) continue;
+    Count(reached, static_cast<int64_t>(i - start));
+    start = i;
+    reached = Reached(envelope);
+    least = reached > 0 ? m_thresholds[reached - 1] : -INFINITY;
+    beyond = reached < kThresholds ? m_thresholds[reached] : INFINITY;
   }
-  m_samples += samples.size();
-  for (size_t i = 0; i < kThresholds; ++i) {
-    m_left[i] = std::max(left[i], -1);
-    m_active[i] += static_cast<uint64_t>(active[i]);
-  }
+  Count(reached, static_cast<int64_t>(samples.size() - start));
 }
 
 Figure ActiveLevel::Level() const {

@@ -32,12 +32,16 @@ class ActiveLevel {
  private:
   static constexpr size_t kThresholds = 24;
 
-  void AddRun(std::span<const float> samples);
+  // How many thresholds an envelope reaches: all from the lowest one up to some other.
+  size_t Reached(float envelope) const;
+
+  // Takes in so many samples in a row whose envelope reaches as many thresholds.
+  void Count(size_t reached, int64_t samples);
 
   double m_smoothing;
-  int32_t m_hangover;  // Samples.
+  int64_t m_hangover;  // Samples.
   std::array<float, kThresholds> m_thresholds;
-  std::array<int32_t, kThresholds> m_left;  // Samples for which the signal is still active.
+  std::array<int64_t, kThresholds> m_left = {};  // Samples for which the signal is still active.
   std::array<uint64_t, kThresholds> m_active = {};
   double m_first = 0;   // The envelope after one smoothing,
   double m_second = 0;  // and after two.

@@ -1,57 +1,125 @@
 #include "audio_measures/true_peak.h"
 
-#include <ebur128.h>
-
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace audio_measures {
 
-struct TruePeak::State {
-  State(int channelCount, int rate)
-      : channels(static_cast<unsigned>(channelCount)),
-        meter(ebur128_init(channels, static_cast<unsigned long>(rate), EBUR128_MODE_TRUE_PEAK)) {}
-  ~State() {
-    if (meter != nullptr) ebur128_destroy(&meter);
-  }
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
+namespace {
 
-  using Reader = int (*)(ebur128_state*, unsigned, double*);
-  Figure Read(Reader read, int channel) const {
-    if (meter == nullptr) return Unknown("a rate or channel count that is out of range");
-    if (!any) return Unknown(kNoSamples);
-    if (!finite) return Unknown(kNotFinite);
-    double peak = 0;
-    if (read(meter, static_cast<unsigned>(channel), &peak) != EBUR128_SUCCESS) {
-      return Unknown("no such channel");
-    }
-    return peak > 0 ? Known(20 * std::log10(peak)) : Unknown(kSilence);
-  }
+constexpr int kMinRate = 16;       // Hz
+constexpr int kMaxRate = 2822400;  // Hz
+constexpr int kMaxChannels = 64;
+constexpr int kHalf = 24;  // Taps of the windowed sinc on either side of its middle.
 
-  unsigned channels;
-  ebur128_state* meter;
-  bool any = false;
-  bool finite = true;
-};
+// What a vector register of any machine holds. The compiler does not find this by itself.
+using Floats = float __attribute__((vector_size(16)));
+constexpr size_t kLanes = sizeof(Floats) / sizeof(float);
 
-TruePeak::TruePeak(int channels, int rate) : m_state(std::make_unique<State>(channels, rate)) {}
-TruePeak::~TruePeak() = default;
-TruePeak::TruePeak(TruePeak&&) noexcept = default;
-TruePeak& TruePeak::operator=(TruePeak&&) noexcept = default;
+// So many frames are interpolated at a time, so that what they need stays in the cache.
+constexpr size_t kRun = 4096;
 
-void TruePeak::Add(std::span<const float> frames) {
-  State& state = *m_state;
-  if (state.meter == nullptr || frames.empty()) return;
-  state.finite = state.finite && AreFinite(frames);
-  state.any = true;
-  if (state.finite)
-    ebur128_add_frames_float(state.meter, frames.data(), frames.size() / state.channels);
+int Oversampling(int rate) {
+  if (rate < 96000) return 4;
+  return rate < 192000 ? 2 : 1;
 }
 
-Figure TruePeak::Peak(int channel) const { return m_state->Read(ebur128_true_peak, channel); }
+// The weight of the sinc at a place that lies so many oversampled steps after its middle.
+float Weight(int step, int oversampling) {
+  const double angle = M_PI * step / oversampling;
+  const double window = 0.5 * (1 + std::cos(M_PI * step / kHalf));
+  return static_cast<float>(step == 0 ? 1 : std::sin(angle) / angle * window);
+}
 
-Figure TruePeak::LastPeak(int channel) const {
-  return m_state->Read(ebur128_prev_true_peak, channel);
+Floats Load(const float* from) {
+  Floats value;
+  memcpy(&value, from, sizeof value);
+  return value;
+}
+
+Floats Larger(const Floats& a, const Floats& b) { return a > b ? a : b; }
+
+// The largest magnitude of `frames` values, each the sum of the samples from its place on times the
+// weights.
+float Largest(const float* samples, size_t frames, std::span<const float> weights) {
+  Floats largest = {};
+  size_t i = 0;
+  for (; i + kLanes <= frames; i += kLanes) {
+    Floats sum = {};
+    for (size_t tap = 0; tap < weights.size(); ++tap) sum += Load(samples + i + tap) * weights[tap];
+    largest = Larger(largest, Larger(sum, -sum));
+  }
+  float peak = 0;
+  for (size_t lane = 0; lane < kLanes; ++lane) peak = std::max(peak, largest[lane]);
+  for (; i < frames; ++i) {
+    float sum = 0;
+    for (size_t tap = 0; tap < weights.size(); ++tap) sum += samples[i + tap] * weights[tap];
+    peak = std::max(peak, std::fabs(sum));
+  }
+  return peak;
+}
+
+}  // namespace
+
+TruePeak::TruePeak(int channels, int rate)
+    : m_valid(rate >= kMinRate && rate <= kMaxRate && channels > 0 && channels <= kMaxChannels) {
+  if (!m_valid) return;
+  const int factor = Oversampling(rate);
+  if (factor > 1) m_taps = static_cast<size_t>(2 * kHalf / factor);
+  for (int phase = 1; phase < factor; ++phase) {
+    for (int step = kHalf - factor + phase; step > -kHalf; step -= factor) {
+      m_weights.push_back(Weight(step, factor));
+    }
+  }
+  m_channels.resize(static_cast<size_t>(channels));
+  for (Channel& channel : m_channels) channel.samples.resize(Before() + kRun);
+}
+
+void TruePeak::Add(std::span<const float> frames) {
+  if (!m_valid || frames.empty()) return;
+  m_any = true;
+  m_finite = m_finite && AreFinite(frames);
+  if (!m_finite) return;
+  const size_t stride = m_channels.size();
+  for (size_t c = 0; c < stride; ++c) {
+    Channel& channel = m_channels[c];
+    channel.last = 0;
+    for (size_t first = c; first < frames.size(); first += kRun * stride) {
+      const auto run = frames.subspan(first, std::min(kRun * stride, frames.size() - first));
+      AddRun(run, channel);
+    }
+    channel.peak = std::max(channel.peak, channel.last);
+  }
+}
+
+// samples: from one of the channel on, of all channels.
+void TruePeak::AddRun(std::span<const float> samples, Channel& channel) {
+  const size_t stride = m_channels.size();
+  const size_t count = (samples.size() + stride - 1) / stride;
+  float* const run = channel.samples.data() + Before();
+  for (size_t i = 0; i < count; ++i) run[i] = samples[i * stride];
+  for (size_t i = 0; i < count; ++i) channel.last = std::max(channel.last, std::fabs(run[i]));
+  for (size_t phase = 0; phase * m_taps < m_weights.size(); ++phase) {
+    const auto weights = std::span(m_weights).subspan(phase * m_taps, m_taps);
+    channel.last = std::max(channel.last, Largest(channel.samples.data(), count, weights));
+  }
+  std::copy_n(channel.samples.data() + count, Before(), channel.samples.data());
+}
+
+Figure TruePeak::Peak(int channel) const { return Read(channel, &Channel::peak); }
+
+Figure TruePeak::LastPeak(int channel) const { return Read(channel, &Channel::last); }
+
+Figure TruePeak::Read(int channel, float Channel::*peak) const {
+  if (!m_valid) return Unknown("a rate or channel count that is out of range");
+  if (!m_any) return Unknown(kNoSamples);
+  if (!m_finite) return Unknown(kNotFinite);
+  if (channel < 0 || static_cast<size_t>(channel) >= m_channels.size()) {
+    return Unknown("no such channel");
+  }
+  const float value = m_channels[static_cast<size_t>(channel)].*peak;
+  return value > 0 ? Known(20 * std::log10(static_cast<double>(value))) : Unknown(kSilence);
 }
 
 }  // namespace audio_measures

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <span>
+#include <vector>
 
 #include "audio_measures/figure.h"
 
@@ -9,15 +10,12 @@ namespace audio_measures {
 
 inline constexpr int kTruePeakVersion = 1;
 
-// true_peak: the largest value between the samples, dBTP, by the interpolation of ITU-R BS.1770-4
-// annex 2 as libebur128 has it: by 4 below 96 kHz, by 2 below 192 kHz. Valid
-// from 16 Hz to 2.8 MHz, 1 to 64 channels, finite samples.
+// true_peak: the largest value between the samples, dBTP, by oversampling as in ITU-R BS.1770-4
+// annex 2: by 4 below 96 kHz, by 2 below 192 kHz, with a sinc under a Hann window of 49 taps, as
+// libebur128 has it. Valid from 16 Hz to 2.8 MHz, 1 to 64 channels, finite samples.
 class TruePeak {
  public:
   TruePeak(int channels, int rate);
-  ~TruePeak();
-  TruePeak(TruePeak&&) noexcept;
-  TruePeak& operator=(TruePeak&&) noexcept;
 
   // Interleaved whole frames.
   void Add(std::span<const float> frames);
@@ -26,8 +24,24 @@ class TruePeak {
   Figure LastPeak(int channel) const;  // Of what the last Add brought.
 
  private:
-  struct State;
-  std::unique_ptr<State> m_state;
+  struct Channel {
+    std::vector<float> samples = {};  // Before() last ones of what was before, then a run.
+    float peak = 0;
+    float last = 0;
+  };
+
+  Figure Read(int channel, float Channel::*peak) const;
+  void AddRun(std::span<const float> samples, Channel& channel);
+  size_t Before() const {
+    return m_taps > 0 ? m_taps - 1 : 0;
+  }  // Samples that a filter looks back.
+
+  bool m_valid;
+  size_t m_taps = 0;                  // Of each filter; none where no value is made between.
+  std::vector<float> m_weights = {};  // Of a filter after the other, for the oldest sample first.
+  std::vector<Channel> m_channels = {};
+  bool m_any = false;
+  bool m_finite = true;
 };
 
 }  // namespace audio_measures

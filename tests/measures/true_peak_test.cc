@@ -1,9 +1,14 @@
 #include "audio_measures/true_peak.h"
 
+#include <ebur128.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
+#include <span>
+#include <string>
 #include <vector>
 
 namespace audio_measures {
@@ -51,6 +56,69 @@ TEST(TruePeak, TellsTheLastBlockFromAll) {
   peak.Add(Quarter(0.1, 4800));
   ExpectPeak(peak.Peak(0), 0);
   ExpectPeak(peak.LastPeak(0), -20);
+}
+
+// The peak of each channel in dBTP as libebur128 has it.
+std::vector<double> Elsewhere(std::span<const float> frames, int channels, int rate) {
+  const auto count = static_cast<unsigned>(channels);
+  ebur128_state* meter =
+      ebur128_init(count, static_cast<unsigned long>(rate), EBUR128_MODE_TRUE_PEAK);
+  ebur128_add_frames_float(meter, frames.data(), frames.size() / count);
+  std::vector<double> peaks(count);
+  for (unsigned channel = 0; channel < count; ++channel) {
+    ebur128_true_peak(meter, channel, &peaks[channel]);
+    peaks[channel] = 20 * std::log10(peaks[channel]);
+  }
+  ebur128_destroy(&meter);
+  return peaks;
+}
+
+// Adds frames in blocks of odd lengths, and compares.
+void ExpectAsElsewhere(std::span<const float> frames, int channels, int rate) {
+  TruePeak peak(channels, rate);
+  auto left = frames;
+  for (size_t block = 1; !left.empty(); block = block * 3 % 6007) {
+    const size_t values = std::min(left.size(), block * static_cast<size_t>(channels));
+    peak.Add(left.first(values));
+    left = left.subspan(values);
+  }
+  const std::vector<double> expected = Elsewhere(frames, channels, rate);
+  for (int channel = 0; channel < channels; ++channel) {
+    EXPECT_NEAR(peak.Peak(channel).value.value_or(-INFINITY),
+                expected[static_cast<size_t>(channel)], 1e-5)
+        << rate << " Hz, channel " << channel;
+  }
+}
+
+TEST(TruePeak, OfNoiseIsThatOfAnotherMeter) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<float> noise(-1, 1);
+  for (const int rate : {8000, 44100, 95999, 96000, 191999, 192000}) {
+    for (const int channels : {1, 2, 3}) {
+      std::vector<float> frames(static_cast<size_t>(10007 * channels));
+      for (float& sample : frames) sample = noise(random);
+      ExpectAsElsewhere(frames, channels, rate);
+    }
+  }
+}
+
+// Samples whose signs are those of the weights of a place between two of them, so that no others of
+// that magnitude make more of it; but never 8 dB, by which who asks for crests alone goes.
+TEST(TruePeak, OfTheWorstSamplesIsThatOfAnotherMeter) {
+  for (const int rate : {48000, 96000}) {
+    for (size_t crest = 30; crest < 40; ++crest) {
+      std::vector<float> samples(101);
+      for (size_t i = 0; i < samples.size(); ++i) {
+        const double place = static_cast<double>(i) - static_cast<double>(crest) - 0.5;
+        samples[i] = std::sin(M_PI * place) / place < 0 ? -0.7F : 0.7F;
+      }
+      ExpectAsElsewhere(samples, 1, rate);
+      EXPECT_GT(Elsewhere(samples, 1, rate)[0], 0);
+      EXPECT_LT(Elsewhere(samples, 1, rate)[0], 8 - 3.1);
+      std::ranges::reverse(samples);
+      ExpectAsElsewhere(samples, 1, rate);
+    }
+  }
 }
 
 TEST(TruePeak, WhatCannotBeComputedSaysWhy) {
