@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,7 +62,7 @@ class ClickSearch {
     prediction.Errors(m_in, m_inErrors);
     m_before[m_frames++ % kEchoFrames] = LargestError(m_inErrors);
     m_level = Magnitude(m_out);
-    m_gain = Gain();
+    m_gain.reset();
 
     // Window by window: only the largest error of each can be a click.
     for (int64_t window = 0; window < m_frame; window += m_around) {
@@ -84,12 +85,13 @@ class ClickSearch {
   bool IsClick(int64_t place) {
     const float error = std::fabs(m_outErrors[static_cast<size_t>(place)]);
     if (error < std::max(kLeastClick, kOfLevel * m_level)) return false;
-    if (error < kBeyondEcho * m_gain * std::ranges::max(m_before)) return false;
+    if (!m_gain) m_gain = Gain();
+    if (error < kBeyondEcho * *m_gain * std::ranges::max(m_before)) return false;
     const int64_t from = std::max<int64_t>(0, place - m_samePlace);
     const int64_t to = std::min(static_cast<int64_t>(m_inErrors.size()), place + m_samePlace + 1);
     const auto there =
         std::span(m_inErrors).subspan(static_cast<size_t>(from), static_cast<size_t>(to - from));
-    if (error < kBeyondInput * m_gain * LargestError(there)) return false;
+    if (error < kBeyondInput * *m_gain * LargestError(there)) return false;
     return error > kStandsOut * MedianError(place - m_around) &&
            error > kStandsOut * MedianError(place + 1);
   }
@@ -130,8 +132,8 @@ class ClickSearch {
   std::vector<float> m_sorted = {};
   std::array<float, kEchoFrames> m_before = {};  // Largest errors in the last frames of the input.
   size_t m_frames = 0;
-  float m_level = 0;  // RMS of the frame in the output.
-  float m_gain = 1;
+  float m_level = 0;                 // RMS of the frame in the output.
+  std::optional<float> m_gain = {};  // Worked out for the few frames that need it.
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <vector>
 
@@ -14,7 +15,21 @@ namespace {
 // Samples, at the lower rate, that the filter of the resampler reaches on either side.
 constexpr int64_t kReach = 512;
 
-float Finite(float sample) { return std::isfinite(sample) ? sample : 0; }
+float Finite(float sample) {
+  return std::fabs(sample) <= std::numeric_limits<float>::max() ? sample : 0;
+}
+
+// Copies each sample that lies `stride` after the one before. The loops with a stride that is known
+// vectorise.
+void CopyEach(const float* from, size_t stride, std::span<float> to) {
+  if (stride == 1) {
+    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[i]);
+  } else if (stride == 2) {
+    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[2 * i]);
+  } else {
+    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[stride * i]);
+  }
+}
 
 int64_t FloorDivide(int64_t value, int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
 
@@ -39,14 +54,15 @@ void Track::Copy(int channel, int64_t first, std::span<float> to) const {
   const int64_t end = std::clamp<int64_t>(first + static_cast<int64_t>(to.size()), begin, frames);
   std::ranges::fill(to, 0.0F);
   const float* from = m_signal.samples.data() + static_cast<size_t>(begin) * stride;
-  float* sample = to.data() + (begin - first);
-  for (int64_t i = begin; i < end; ++i, from += stride, ++sample) {
-    if (channel == kMean) {
-      for (size_t c = 0; c < stride; ++c) *sample += Finite(from[c]);
-      *sample /= static_cast<float>(stride);
-    } else {
-      *sample = Finite(from[channel]);
-    }
+  float* const sample = to.data() + (begin - first);
+  const auto count = static_cast<size_t>(end - begin);
+  if (channel != kMean || stride == 1) {
+    CopyEach(from + std::max(0, channel), stride, {sample, count});
+    return;
+  }
+  for (size_t i = 0; i < count; ++i, from += stride) {
+    for (size_t c = 0; c < stride; ++c) sample[i] += Finite(from[c]);
+    sample[i] /= static_cast<float>(stride);
   }
 }
 
