@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 
+#include "files/sha256_rounds.h"
+
 namespace host {
 
 // SHA-256 of a sequence of bytes (FIPS 180-4, 6.2).
@@ -18,10 +20,8 @@ class Sha256 {
   std::string Digest();
 
  private:
-  void TakeBlock(const unsigned char* block);
-
-  std::array<uint32_t, 8> m_state = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
-                                     0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+  Sha256State m_state = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                         0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
   std::array<unsigned char, 64> m_block = {};
   size_t m_waiting = 0;  // Bytes in m_block.
   uint64_t m_bytes = 0;

@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <cstdio>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "files/audio_figures.h"
+#include "files/sha256_rounds.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
@@ -40,6 +43,31 @@ TEST(Sha256, DoesNotDependOnTheBlocks) {
       EXPECT_EQ(DigestOfText(text, block), DigestOfText(text, 1000)) << length << " " << block;
     }
   }
+}
+
+// Whether or not this processor has instructions for it.
+TEST(Sha256, IsTheSameOnAnyProcessor) {
+  std::mt19937 random(1);
+  std::vector<unsigned char> blocks(64 * 50);
+  for (unsigned char& byte : blocks) byte = static_cast<unsigned char>(random());
+  for (const size_t count : {0U, 1U, 2U, 50U}) {
+    Sha256State state = {1, 2, 3, 4, 5, 6, 7, 0xFFFFFFFF};
+    Sha256State plain = state;
+    TakeSha256Blocks(state, blocks.data(), count);
+    TakeSha256BlocksPlainly(plain, blocks.data(), count);
+    EXPECT_EQ(state, plain) << count;
+  }
+}
+
+// The first example of the standard, padded by hand.
+TEST(Sha256, GivesTheValueOfTheStandardOnAnyProcessor) {
+  std::vector<unsigned char> block(64);
+  block[0] = 'a', block[1] = 'b', block[2] = 'c', block[3] = 0x80, block[63] = 24;
+  Sha256State state = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                       0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+  TakeSha256BlocksPlainly(state, block.data(), 1);
+  EXPECT_EQ(state, (Sha256State{0xba7816bf, 0x8f01cfea, 0x414140de, 0x5dae2223, 0xb00361a3,
+                                0x96177a9c, 0xb410ff61, 0xf20015ad}));
 }
 
 TEST(Sha256, ReadsAFileFromItsBeginning) {
