@@ -90,6 +90,7 @@ int Tell(const RecordedRun& recorded, const Plan& plan, Limits& limits, RunRepor
   CheckInputs(recorded, report);
   const std::vector<std::string> differences =
       Differences(recorded, report, [&limits] { return !limits.Interrupted(); });
+  if (limits.Interrupted()) return exit_code::kInput;
   std::string text;
   for (const char letter : Text(recorded, report, plan, differences)) {
     text += letter == '\n' ? "\n" : Printable(std::string(1, letter));
@@ -99,26 +100,35 @@ int Tell(const RecordedRun& recorded, const Plan& plan, Limits& limits, RunRepor
   return differences.empty() ? exit_code::kPass : exit_code::kFail;
 }
 
+// Returns the exit code, of no meaning when it was interrupted.
+int ReplayWithin(const ReplayOptions& options, const CaseOfWords& caseOf, Limits& limits) {
+  const RecordedRun recorded = ReadRecordedRun(options.report);
+  const TemporaryWorkspace workspace;
+  Case what = CaseOf(recorded, caseOf, workspace.path());
+  ProvideInputs(
+      recorded, [&limits] { return !limits.Interrupted(); }, what);
+  const Plan plan = MakePlan(what);
+  limits.Restart(plan.timeout);
+  RunReport report = RunPlan(plan, limits, nullptr);
+  return limits.Interrupted() ? exit_code::kInput : Tell(recorded, plan, limits, std::move(report));
+}
+
 }  // namespace
 
 int Replay(const ReplayOptions& options, const CaseOfWords& caseOf) {
   int exitCode = exit_code::kInput;
   int interruption = 0;
-  try {
-    const RecordedRun recorded = ReadRecordedRun(options.report);
-    const TemporaryWorkspace workspace;
-    Case what = CaseOf(recorded, caseOf, workspace.path());
+  {
     const HostSignals signals;
     Limits limits(signals, kMaxSeconds);
-    ProvideInputs(
-        recorded, [&limits] { return !limits.Interrupted(); }, what);
-    const Plan plan = MakePlan(what);
-    limits.Restart(plan.timeout);
-    RunReport report = RunPlan(plan, limits, nullptr);
+    try {
+      exitCode = ReplayWithin(options, caseOf, limits);
+    } catch (const ReplayFault& fault) {
+      // What is not read to its end is no fault when that was interrupted.
+      if (!limits.Interrupted())
+        fprintf(stderr, "audio_bench: %s\n", Printable(fault.text).c_str());
+    }
     interruption = limits.interruption();
-    if (interruption == 0) exitCode = Tell(recorded, plan, limits, std::move(report));
-  } catch (const ReplayFault& fault) {
-    fprintf(stderr, "audio_bench: %s\n", Printable(fault.text).c_str());
   }
   if (interruption != 0) raise(interruption);  // The caller sees that this process was interrupted.
   return exitCode;

@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "run/run_fixture.h"
@@ -109,6 +111,31 @@ TEST_F(ReplayTest, NeedsTheEarlierOutputOnlyToSayWhere) {
   EXPECT_EQ(replay.exitCode, 1);
   EXPECT_THAT(replay.out, HasSubstr("output  pid  differs; where cannot be told, because what it "
                                     "was is gone: "));
+}
+
+// Whether a process has a file open.
+bool HasOpen(pid_t process, const fs::path& file) {
+  std::error_code error;
+  for (const auto& entry :
+       fs::directory_iterator("/proc/" + std::to_string(process) + "/fd", error)) {
+    if (fs::read_symlink(entry.path(), error) == file) return true;
+  }
+  return false;
+}
+
+TEST_F(ReplayTest, AnInterruptionWhileInputsAreCheckedEndsIt) {
+  CopyATone();
+  // So long that it is still read when the signal comes.
+  fs::resize_file("bench_work/in.pcm", 1'000'000'000'000);
+  const fs::path input = fs::canonical("bench_work/in.pcm");
+  Process process({AUDIO_BENCH_PROBE, "replay", "r.json"});
+  while (kill(process.pid(), 0) == 0 && !HasOpen(process.pid(), input)) usleep(1000);
+  kill(process.pid(), SIGINT);
+  const Finished replay = process.Wait();
+  EXPECT_EQ(replay.exitCode, 128 + SIGINT);
+  EXPECT_EQ(replay.out, "");
+  EXPECT_EQ(replay.err, "");
+  EXPECT_TRUE(Kept().empty());
 }
 
 TEST_F(ReplayTest, NamesAnInputThatIsGoneOrChanged) {
