@@ -85,15 +85,15 @@ class ClickSearch {
   bool IsClick(int64_t place) {
     const float error = std::fabs(m_outErrors[static_cast<size_t>(place)]);
     if (error < std::max(kLeastClick, kOfLevel * m_level)) return false;
+    if (error <= kStandsOut * MedianError(place - m_around)) return false;
+    if (error <= kStandsOut * MedianError(place + 1)) return false;
     if (!m_gain) m_gain = Gain();
     if (error < kBeyondEcho * *m_gain * std::ranges::max(m_before)) return false;
     const int64_t from = std::max<int64_t>(0, place - m_samePlace);
     const int64_t to = std::min(static_cast<int64_t>(m_inErrors.size()), place + m_samePlace + 1);
     const auto there =
         std::span(m_inErrors).subspan(static_cast<size_t>(from), static_cast<size_t>(to - from));
-    if (error < kBeyondInput * *m_gain * LargestError(there)) return false;
-    return error > kStandsOut * MedianError(place - m_around) &&
-           error > kStandsOut * MedianError(place + 1);
+    return !(error < kBeyondInput * *m_gain * LargestError(there));
   }
 
   // Of the output against the input: by medians, which a click leaves alone, where the input has
