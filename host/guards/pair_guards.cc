@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/units.h"
+#include "guards/self_inversion.h"
 #include "guards/thresholds.h"
 
 namespace host {
@@ -51,6 +52,7 @@ void CheckInverted(const Pairing& pairing, int channels, GuardHits& hits) {
   for (int channel = 0; channel < channels; ++channel) {
     const Match& match = pairing.Of(channel);
     if (!match.known || match.correlation > kInverted) continue;
+    if (InvertsItself(pairing.Input(), pairing.Source(channel))) continue;
     hits.Add(Guard::kInverted, {.at = 0, .channel = channel}, "upside down against the input");
     return;
   }

@@ -71,6 +71,17 @@ TEST(InvertedGuard, BeginsAtACorrelationOfMinusOneHalf) {
   EXPECT_FALSE(Hits(Check(in, in), Guard::kInverted));
 }
 
+TEST(InvertedGuard, CannotTellOfATone) {
+  for (const double frequency : {100.0, 440.0, 997.0}) {
+    const Sound in = Sine(frequency, 0.5, 3);
+    EXPECT_FALSE(Hits(Check(in, Later(in, 0.5 / frequency)), Guard::kInverted)) << frequency;
+    EXPECT_FALSE(Hits(Check(in, Later(in, 20.5 / frequency)), Guard::kInverted)) << frequency;
+    Sound turned = in;
+    for (float& sample : turned.samples) sample = -sample;
+    EXPECT_FALSE(Hits(Check(in, turned), Guard::kInverted)) << frequency;
+  }
+}
+
 TEST(InvertedGuard, SeesOneChannelOfTwoAndThroughADelay) {
   const Sound in = Music(2);
   Sound out = in;
