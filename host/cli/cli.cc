@@ -25,6 +25,7 @@
 #include "run/deliver.h"
 #include "run/run.h"
 #include "run/stage_command.h"
+#include "selftest/selftest.h"
 #include "suite/suite.h"
 
 namespace host {
@@ -99,6 +100,8 @@ int Execute(const Request& request) {
       return MeasureFiles(request.measure);
     case Request::Command::kCompare:
       return Compare(request.compare);
+    case Request::Command::kSelftest:
+      return Selftest(request.form == Request::Form::kJson);
     case Request::Command::kBaseline:
       return ManageBaselines(request.baseline);
     case Request::Command::kRun:

@@ -29,6 +29,7 @@ struct Request {
     kMeasure,
     kCompare,
     kBaseline,
+    kSelftest,
     kDemo,
     kDemoAll
   };
@@ -38,7 +39,7 @@ struct Request {
   std::string text;                // kPrint: help or the version.
   Case run;                        // kRun, kStage; of it kDemo uses the workspace.
   ListFilter filter;               // kList
-  Form form = Form::kText;         // kList, kDescribe
+  Form form = Form::kText;         // kList, kDescribe, kSelftest
   Color color = Color::kAuto;      // kList
   std::string routine;             // kDescribe
   std::vector<std::string> words;  // kDescribe: its arguments, or none.

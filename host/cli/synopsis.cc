@@ -19,6 +19,7 @@ constexpr Synopsis kSynopses[] = {
     {"measure", "FILE... [--against FILE] [OPTIONS]"},
     {"compare", "A B [OPTIONS]"},
     {"baseline", "save|list|show|remove|export [WORD...]"},
+    {"selftest", "[--json]"},
     {"demo", "[OPTIONS]"},
     {"completion", "bash"},
     {"manual", ""},

@@ -58,6 +58,14 @@ struct Control {
 std::vector<Control> LevelControls();
 std::vector<Control> LoudnessControls();
 std::vector<Control> AlignmentControls();
+std::vector<Control> ReferenceControls();
+std::vector<Control> SpectralControls();
+std::vector<Control> IntelligibilityControls();
+std::vector<Control> EnhancementControls();
+std::vector<Control> EchoControls();
+std::vector<Control> CodecControls();
+std::vector<Control> TimeControls();
+std::vector<Control> InputControls();
 
 // All of them.
 const std::vector<Control>& AllControls();

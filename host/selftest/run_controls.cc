@@ -87,7 +87,9 @@ audio_measures::Inputs Scene::Inputs() const {
 const std::vector<Control>& AllControls() {
   static const std::vector<Control> all = [] {
     std::vector<Control> controls;
-    for (const auto part : {LevelControls, LoudnessControls, AlignmentControls}) {
+    for (const auto part : {LevelControls, LoudnessControls, AlignmentControls, ReferenceControls,
+                            SpectralControls, IntelligibilityControls, EnhancementControls,
+                            EchoControls, CodecControls, TimeControls, InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

@@ -52,6 +52,11 @@ nlohmann::json ParseMeasured(const std::string& text) {
   return Parse(text, schema);
 }
 
+nlohmann::json ParseSelftest(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(SELFTEST_SCHEMA);
+  return Parse(text, schema);
+}
+
 nlohmann::json ParseComparison(const std::string& text) {
   static const rapidjson::SchemaDocument schema = LoadSchema(COMPARE_SCHEMA);
   return Parse(text, schema);

@@ -14,3 +14,6 @@ nlohmann::json ParseMeasured(const std::string& text);
 
 // The same for a comparison.
 nlohmann::json ParseComparison(const std::string& text);
+
+// The same for the controls of the measures.
+nlohmann::json ParseSelftest(const std::string& text);

@@ -1,0 +1,137 @@
+#include <cmath>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr size_t kBlock = 320;     // 20 ms
+constexpr size_t kEchoLater = 80;  // Samples.
+
+// White noise of this RMS in each 20 ms, or silence.
+Samples Talk(double rms, double seconds, uint64_t seed) {
+  Samples samples = WhiteNoise(Frames(kRate, seconds), 1, seed);
+  for (size_t start = 0; start < samples.size(); start += kBlock) {
+    const auto block = std::span(samples).subspan(start, kBlock);
+    const double gain = rms * std::sqrt(kBlock / Energy(block));
+    for (float& sample : block) sample = static_cast<float>(sample * gain);
+  }
+  return samples;
+}
+
+Samples Later(std::span<const float> samples, size_t count) {
+  Samples later(count);
+  Append(later, samples.first(samples.size() - count));
+  return later;
+}
+
+// The gains of a canceller, one after the other.
+struct Passage {
+  double seconds = 0;
+  double gain = 0;
+};
+
+Samples Cancelled(std::span<const float> echo, const std::vector<Passage>& passages) {
+  Samples output(echo.begin(), echo.end());
+  size_t place = kEchoLater;
+  for (const Passage& each : passages) {
+    const size_t end = std::min(output.size(), place + Frames(kRate, each.seconds));
+    for (; place < end; ++place) output[place] = static_cast<float>(output[place] * each.gain);
+  }
+  return output;
+}
+
+Control Converging(const std::string& name, const std::vector<Passage>& passages, Expected erle,
+                   Expected convergence) {
+  return {name,
+          "Each 20 ms of echo have one energy, and the canceller one gain for each passage. A "
+          "window of 0.2 s reaches 20 dB when the last block at -10 dB, which alone is a tenth of "
+          "its energy, has left it; the median is the gain of more than half of the windows.",
+          [passages] {
+            const Samples far = Talk(0.1, 4, 81);
+            const Samples echo = Later(Scaled(far, 0.5), kEchoLater);
+            return Scene{.output = {kRate, {Cancelled(echo, passages)}},
+                         .far = {kRate, {far}},
+                         .input = {kRate, {echo}}};
+          },
+          {std::move(erle), std::move(convergence)}};
+}
+
+Control WithNear() {
+  return {"an echo 26 dB down, with speech at the microphone for a while",
+          "While the near end talks, 0.2 s after it and 60 ms before it nothing counts, nor while "
+          "the far end is silent: what is left is a gain of 0.05.",
+          [] {
+            Samples far = Talk(0.1, 4, 82);
+            std::fill(far.begin() + 3 * kRate, far.end(), 0.0F);
+            Samples near(far.size());
+            const Samples said = Talk(0.1, 1, 83);
+            std::copy(said.begin(), said.end(), near.begin() + kRate + kEchoLater);
+            const Samples echo = Later(Scaled(far, 0.5), kEchoLater);
+            Samples input = Sum(echo, near);
+            Samples output = Sum(Scaled(echo, 0.05), near);
+            // What talks on in the room when the far end is silent is no echo.
+            const Samples room = Talk(0.01, 0.9, 84);
+            for (size_t i = 0; i < room.size(); ++i) {
+              input[3 * kRate + 2 * kEchoLater + i] += room[i];
+              output[3 * kRate + 2 * kEchoLater + i] += room[i];
+            }
+            return Scene{.output = {kRate, {output}},
+                         .far = {kRate, {far}},
+                         .near = {kRate, {near}},
+                         .input = {kRate, {input}}};
+          },
+          {{"erle", -20 * std::log10(0.05), 0.05}, {"convergence", 0, 0.001}}};
+}
+
+// Near end from 0 to 2 s, far end from 1 to 3 s, residual echo of `below` dB from 1 to 2.2 s.
+Control DoubleTalk(double below, double gain, size_t later) {
+  const double longer = 10 * std::log10(1.2);
+  return {"double talk with an echo " + std::to_string(below) + " dB below, gain " +
+              std::to_string(gain) + ", " + std::to_string(later) + " samples later",
+          "Both talk for 1 s and the 0.2 s of hang-over after the near end; the echo goes on for "
+          "those, so that it has 1.2 times the energy. It is orthogonal to the near end in each 20 "
+          "ms. Before and after the echo is another one, which does not count; nor does the gain.",
+          [=] {
+            Samples near = Talk(0.1, 4, 85);
+            std::fill(near.begin() + 2 * kRate, near.end(), 0.0F);
+            Samples far = Talk(0.1, 4, 86);
+            std::fill(far.begin(), far.begin() + kRate, 0.0F);
+            std::fill(far.begin() + 3 * kRate, far.end(), 0.0F);
+            const Samples whole = Talk(0.1, 4, 85);
+            Samples rest = NoiseBelow(whole, below, kBlock, 87);
+            std::fill(rest.begin(), rest.begin() + kRate, 0.0F);
+            for (size_t i = Frames(kRate, 2.2); i < rest.size(); ++i) rest[i] *= 2;
+            return Scene{.output = {kRate, {Later(Scaled(Sum(near, rest), gain), later)}},
+                         .far = {kRate, {far}},
+                         .near = {kRate, {near}}};
+          },
+          {{"near_sdr", below - longer, 0.02}}};
+}
+
+}  // namespace
+
+std::vector<Control> EchoControls() {
+  const double third = 20;
+  return {Converging("an echo 26 dB down throughout", {{4, 0.05}},
+                     {"erle", -20 * std::log10(0.05), 0.01}, {"convergence", 0, 0.001}),
+          Converging("an echo 10 dB down for 1 s, then 30 dB",
+                     {{1, std::pow(10, -0.5)}, {3, std::pow(10, -1.5)}}, {"erle", 30, 0.01},
+                     {"convergence", 1, 0.001}),
+          Converging("an echo 10 dB down for 2.6 s, then 30 dB",
+                     {{2.6, std::pow(10, -0.5)}, {3, std::pow(10, -1.5)}}, {"erle", 10, 0.01},
+                     {"convergence", 2.6, 0.001}),
+          Converging("an echo 19.9 dB down throughout", {{4, std::pow(10, -0.995)}},
+                     {"erle", third - 0.1, 0.01},
+                     {"convergence", 0, 0, "the echo is never 20 dB down"}),
+          Converging("an echo 20.1 dB down throughout", {{4, std::pow(10, -1.005)}},
+                     {"erle", third + 0.1, 0.01}, {"convergence", 0, 0.001}),
+          WithNear(),
+          DoubleTalk(15, 1, 0),
+          DoubleTalk(5, -0.3, 24),
+          DoubleTalk(30, 2, 0)};
+}
+
+}  // namespace host

@@ -1,0 +1,110 @@
+#include <cmath>
+#include <numbers>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 10000;
+constexpr size_t kHop = 128;                         // Samples between two blocks.
+constexpr size_t kMiddle = 127;                      // Of a window of 256.
+constexpr size_t kSegment = 30;                      // Blocks.
+constexpr double kTurn = 2 * std::numbers::pi / 10;  // An envelope repeats itself after 10 blocks.
+
+// One sample in the middle of each block, so that the magnitude of every band is its height.
+Samples Envelope(size_t blocks, double level, double phase, double depth) {
+  Samples samples(kHop * (blocks + 1));
+  for (size_t i = 0; i < blocks; ++i) {
+    const double wave = std::cos(kTurn * static_cast<double>(i) + phase);
+    samples[kMiddle + i * kHop] = static_cast<float>(level * (1 + depth * wave));
+  }
+  return samples;
+}
+
+// The delay is looked for within less than the distance of two blocks, so that an envelope is not
+// taken for one that is some blocks later.
+Scene Pair(Samples reference, Samples output) {
+  return {.output = {kRate, {std::move(output)}},
+          .reference = {kRate, {std::move(reference)}},
+          .searchSeconds = 0.005};
+}
+
+Control Turned(double degrees) {
+  const double phase = degrees * std::numbers::pi / 180;
+  return {"envelopes " + std::to_string(static_cast<int>(degrees)) + " degrees apart",
+          "A single sample in the middle of each block gives every band its height as magnitude. "
+          "Three whole periods lie in a segment of 30 blocks, so that two of its cosines correlate "
+          "with the cosine of the angle between them.",
+          [phase] { return Pair(Envelope(300, 0.3, 0, 0.5), Envelope(300, 0.3, phase, 0.5)); },
+          {{"stoi", std::cos(phase), 0.005}}};
+}
+
+// A filter of linear phase around 900 Hz, below it or, of the other sign, above it, 40 samples to
+// either side: what passes one of both has half of the bands.
+Samples Half(std::span<const float> samples, bool low) {
+  constexpr int kReach = 40;
+  Samples filtered(samples.size());
+  for (int k = -kReach; k <= kReach; ++k) {
+    const double turn = std::numbers::pi * k;
+    const double sinc = k == 0 ? 0.18 : std::sin(turn * 0.18) / turn;
+    const double tap = sinc * (0.5 + 0.5 * std::cos(turn / (kReach + 1)));
+    const auto weight = static_cast<float>(low ? tap : (k == 0 ? 1 - tap : -tap));
+    for (size_t i = kReach; i + kReach < samples.size(); ++i) {
+      filtered[i] += weight * samples[i - static_cast<size_t>(k + kReach) + kReach];
+    }
+  }
+  return filtered;
+}
+
+// The lower half of the bands swells while the upper one falls.
+Samples Seesaw(double phase) {
+  return Sum(Half(Envelope(300, 0.3, phase, 0.5), true),
+             Half(Envelope(300, 0.3, phase, -0.5), false));
+}
+
+Control Spectra(double degrees) {
+  const double phase = degrees * std::numbers::pi / 180;
+  return {"spectra that tilt, " + std::to_string(static_cast<int>(degrees)) + " degrees apart",
+          "Lower and upper bands swell in turn. Normalised over time each block is one tilt or the "
+          "other, as the sign of a cosine has it: ten blocks in a period, of which the share "
+          "degrees / 180 differ in sign, count -1. The band in the middle is in neither half.",
+          [phase] { return Pair(Seesaw(0), Seesaw(phase)); },
+          {{"estoi", 1 - 2 * degrees / 180, 0.05}}};
+}
+
+Control SoftPart(double decibels, double stoi, double tolerance) {
+  return {
+      "a part " + std::to_string(static_cast<int>(decibels)) +
+          " dB softer whose envelope is turned by 90 degrees",
+      "Segments count alike, loud or soft, until they are 40 dB below the strongest block, when "
+      "they are left out. Half of the segments correlate fully, half not at all; those across "
+      "the border, 30 of 371, mostly see the step that both have.",
+      [=] {
+        const double level = 0.3 * std::pow(10, -decibels / 20);
+        Samples reference = Envelope(200, 0.3, 0, 0.2);
+        reference.resize(200 * kHop);
+        Append(reference, Envelope(200, level, 0, 0.2));
+        Samples output = Envelope(200, 0.3, 0, 0.2);
+        output.resize(200 * kHop);
+        Append(output, Envelope(200, level, std::numbers::pi / 2, 0.2));
+        return Pair(reference, output);
+      },
+      {{"stoi", stoi, tolerance}}};
+}
+
+}  // namespace
+
+std::vector<Control> IntelligibilityControls() {
+  return {Turned(0),
+          Turned(30),
+          Turned(60),
+          Spectra(0),
+          Spectra(36),
+          Spectra(72),
+          SoftPart(45, 1, 0.005),
+          SoftPart(30, 0.54, 0.04)};
+}
+
+}  // namespace host
