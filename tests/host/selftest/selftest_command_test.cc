@@ -1,14 +1,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "audio_measures/measure.h"
 #include "bench_process.h"
 #include "report_schema.h"
+#include "support/file_bytes.h"
 #include "support/temporary_directory.h"
+#include "support/wav_bytes.h"
 
 namespace {
 
@@ -45,6 +49,24 @@ TEST_F(SelftestCommand, JsonIsAsItsSchemaSaysAndHasTheory) {
       EXPECT_NE(control["theory"], "") << control["name"];
     }
   }
+}
+
+// The RMS of a file, as `measure` tells it.
+nlohmann::json MeasuredRms() {
+  const Finished done =
+      RunProcess({AUDIO_BENCH, "measure", "level.wav", "--measure", "rms", "--json", "-"});
+  const nlohmann::json json = ParseMeasured(done.out);
+  return json["figures"].empty() ? nlohmann::json() : json["figures"][0];
+}
+
+TEST_F(SelftestCommand, FiguresOfAMeasureThatDoesNotHoldAreUntrusted) {
+  WriteFile("level.wav", WavBytes({}, std::vector<short>(16000, 1000)));
+  EXPECT_EQ(MeasuredRms()["untrusted"], false);
+
+  const std::filesystem::path kept = m_directory.path() / "audio_bench/selftest";
+  const std::filesystem::directory_iterator build(kept);
+  std::ofstream(build->path() / "rms") << "fails\n";
+  EXPECT_EQ(MeasuredRms()["untrusted"], true);
 }
 
 }  // namespace
