@@ -16,6 +16,7 @@
 #include "cli/request.h"
 #include "compare/baseline.h"
 #include "compare/compare.h"
+#include "controls/controls.h"
 #include "demo/demo.h"
 #include "demo/demo_all.h"
 #include "engines/engine_text.h"
@@ -104,6 +105,8 @@ int Execute(const Request& request) {
       return Selftest(request.form == Request::Form::kJson);
     case Request::Command::kBaseline:
       return ManageBaselines(request.baseline);
+    case Request::Command::kControls:
+      return RunControls(request.controls);
     case Request::Command::kRun:
       break;
   }

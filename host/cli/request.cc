@@ -13,6 +13,7 @@
 #include "cli/color_option.h"
 #include "cli/compare_words.h"
 #include "cli/completion.h"
+#include "cli/controls_words.h"
 #include "cli/engine_options.h"
 #include "cli/manual.h"
 #include "cli/measure_words.h"
@@ -55,6 +56,7 @@ class CommandLine {
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
     m_measure = std::make_unique<MeasureWords>(m_app, m_request.measure);
     m_compare = std::make_unique<CompareWords>(m_app, m_request.compare, m_request.baseline);
+    AddControls(m_app, m_request.controls);
     m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
         ->add_option("SHELL", m_shell, "bash")
         ->required()
@@ -210,6 +212,7 @@ class CommandLine {
                         : command == "compare"  ? Command::kCompare
                         : command == "baseline" ? Command::kBaseline
                         : command == "selftest" ? Command::kSelftest
+                        : command == "controls" ? Command::kControls
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (command == "manual" || command == "completion") {

@@ -8,6 +8,7 @@
 #include "catalogue/list.h"
 #include "compare/baseline.h"
 #include "compare/compare.h"
+#include "controls/controls.h"
 #include "measure/measure.h"
 #include "replay/replay.h"
 #include "run/case.h"
@@ -30,6 +31,7 @@ struct Request {
     kCompare,
     kBaseline,
     kSelftest,
+    kControls,
     kDemo,
     kDemoAll
   };
@@ -49,6 +51,7 @@ struct Request {
   MeasureOptions measure;          // kMeasure
   CompareOptions compare;          // kCompare
   BaselineOptions baseline;        // kBaseline
+  ControlOptions controls;         // kControls
 };
 
 // Why the words of a command line ask for nothing that can be done.

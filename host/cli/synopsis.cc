@@ -20,6 +20,7 @@ constexpr Synopsis kSynopses[] = {
     {"compare", "A B [OPTIONS]"},
     {"baseline", "save|list|show|remove|export [WORD...]"},
     {"selftest", "[--json]"},
+    {"controls", "[FAULT...] [OPTIONS]"},
     {"demo", "[OPTIONS]"},
     {"completion", "bash"},
     {"manual", ""},

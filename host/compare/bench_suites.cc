@@ -1,5 +1,6 @@
 #include "compare/bench_suites.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -22,9 +23,11 @@ namespace fs = std::filesystem;
 
 constexpr int kNoProgram = 127;
 
-[[noreturn]] void Become(const HostSignals& signals, std::vector<std::string> command) {
+[[noreturn]] void Become(const HostSignals& signals, std::vector<std::string> command,
+                         PrintsTo prints) {
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   signals.RestoreInChild();
+  if (prints == PrintsTo::kNowhere) dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
   dup2(STDERR_FILENO, STDOUT_FILENO);
   std::vector<char*> words;
   for (std::string& word : command) words.push_back(word.data());
@@ -34,11 +37,11 @@ constexpr int kNoProgram = 127;
 }
 
 // How a program ended, as wait tells it. A request to end this process is handed on to it.
-int RunProgram(const std::vector<std::string>& command, int& interruption) {
+int RunProgram(const std::vector<std::string>& command, PrintsTo prints, int& interruption) {
   const HostSignals signals;
   const pid_t process = fork();
   if (process < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (process == 0) Become(signals, command);
+  if (process == 0) Become(signals, command, prints);
   int status = 0;
   while (waitpid(process, &status, WNOHANG) == 0) {
     pollfd arrival = {signals.descriptor(), POLLIN, 0};
@@ -53,6 +56,27 @@ int RunProgram(const std::vector<std::string>& command, int& interruption) {
 
 }  // namespace
 
+int RunSuiteBy(const SuiteBench& bench, const std::vector<std::string>& words,
+               const std::string& folder, PrintsTo prints) {
+  const std::string on = bench.engine.empty() ? "" : " on the engine " + bench.engine;
+  std::vector<std::string> command = {bench.program, "suite"};
+  command.insert(command.end(), words.begin(), words.end());
+  if (!bench.engine.empty()) command.insert(command.end(), {"--engine", bench.engine});
+  command.insert(command.end(), {"--out", folder});
+  int interruption = 0;
+  const int status = RunProgram(command, prints, interruption);
+  if (interruption != 0) return interruption;
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kNoProgram) {
+    throw UsageError{"cannot run " + bench.program};
+  }
+  std::error_code error;
+  if (fs::exists(folder + "/results.json", error)) return 0;
+  const std::string end = WIFEXITED(status)
+                              ? "exit code " + std::to_string(WEXITSTATUS(status))
+                              : std::string("killed by ") + strsignal(WTERMSIG(status));
+  throw UsageError{bench.program + " suite" + on + " has left no results (" + end + ")"};
+}
+
 BenchSuites::BenchSuites(const std::vector<SuiteBench>& benches,
                          const std::vector<std::string>& words, const std::string& out)
     : m_out(out) {
@@ -62,27 +86,10 @@ BenchSuites::BenchSuites(const std::vector<SuiteBench>& benches,
   }
   const std::string folders[] = {a(), b()};
   for (size_t i = 0; i < 2; ++i) {
-    const SuiteBench& bench = benches[i];
-    const std::string on = bench.engine.empty() ? "" : " on the engine " + bench.engine;
-    std::vector<std::string> command = {bench.program, "suite"};
-    command.insert(command.end(), words.begin(), words.end());
-    if (!bench.engine.empty()) command.insert(command.end(), {"--engine", bench.engine});
-    command.insert(command.end(), {"--out", folders[i]});
-    int interruption = 0;
-    const int status = RunProgram(command, interruption);
-    if (interruption != 0) {
-      m_temporary.reset();
-      raise(interruption);  // Who has interrupted it wants to see its end.
-    }
-    if (WIFEXITED(status) && WEXITSTATUS(status) == kNoProgram) {
-      throw UsageError{"cannot run " + bench.program};
-    }
-    std::error_code error;
-    if (fs::exists(folders[i] + "/results.json", error)) continue;
-    const std::string end = WIFEXITED(status)
-                                ? "exit code " + std::to_string(WEXITSTATUS(status))
-                                : std::string("killed by ") + strsignal(WTERMSIG(status));
-    throw UsageError{bench.program + " suite" + on + " has left no results (" + end + ")"};
+    const int interruption = RunSuiteBy(benches[i], words, folders[i], PrintsTo::kStderr);
+    if (interruption == 0) continue;
+    m_temporary.reset();
+    raise(interruption);  // Who has interrupted it wants to see its end.
   }
 }
 

@@ -14,6 +14,14 @@ struct SuiteBench {
   std::string engine = {};
 };
 
+// Where a program prints to that is run.
+enum class PrintsTo { kStderr, kNowhere };
+
+// Has a program run a suite with `words` after "suite", its results in a folder. Returns the signal
+// by which somebody asked for an end meanwhile, 0 for none. Throws UsageError when it leaves none.
+int RunSuiteBy(const SuiteBench& bench, const std::vector<std::string>& words,
+               const std::string& folder, PrintsTo prints);
+
 // One suite run by two programs or on two engines, the results of each in a folder of its own.
 class BenchSuites {
  public:

@@ -1,0 +1,157 @@
+#include "controls/control_material.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "base/usage_error.h"
+#include "controls/control_faults.h"
+#include "demo/band.h"
+#include "demo/call.h"
+#include "demo/surroundings.h"
+#include "demo/voice.h"
+#include "files/whole_file.h"
+#include "recording/recording_writer.h"
+
+namespace host {
+
+namespace {
+
+using Samples = std::vector<double>;
+
+constexpr int kMusicRate = 32000;  // There must be something above 7 kHz.
+constexpr int kCallRate = 16000;
+constexpr double kThroughSeconds = 4;
+constexpr double kCallSeconds = 8;
+constexpr double kNoiseDistance = 10;  // dB
+
+// Each piece is spoken by two others, or played at a tempo of its own.
+struct Piece {
+  bool music;
+  int number;  // From 0.
+
+  uint64_t Speaker(int which) const { return static_cast<uint64_t>(100 * which + number); }
+  double Tempo() const { return 84 + 9 * number; }
+};
+
+// Dithered, as recordings of 16 bits are.
+void WriteSound(const std::string& path, const Samples& samples, int rate, int channels) {
+  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (file < 0) throw UsageError{"cannot write " + path + ": " + strerror(errno)};
+  RecordingWriter writer(file, {.rate = rate, .channels = channels}, 1, true);
+  const bool written = writer.Write(samples) && writer.Close();
+  const std::string fault = writer.Fault();
+  close(file);
+  if (!written) throw UsageError{"cannot write " + path + ": " + fault};
+}
+
+// Two who sit left and right, or a band; not loud enough to be limited by what amplifies it a
+// little.
+Samples Stereo(const Piece& piece) {
+  if (piece.music) return PlayBand(kMusicRate, kThroughSeconds, piece.Tempo()).samples;
+  const Samples left = Speak(kMusicRate, kThroughSeconds, piece.Speaker(1)).samples;
+  const Samples right = Speak(kMusicRate, kThroughSeconds, piece.Speaker(2)).samples;
+  Samples both(2 * left.size());
+  for (size_t i = 0; i < left.size(); ++i) {
+    both[2 * i] = 0.8 * left[i] + 0.2 * right[i];
+    both[2 * i + 1] = 0.2 * left[i] + 0.8 * right[i];
+  }
+  return both;
+}
+
+Samples Mono(const Piece& piece) {
+  if (!piece.music) return Speak(kCallRate, kCallSeconds, piece.Speaker(3)).samples;
+  const Samples stereo = PlayBand(kCallRate, kCallSeconds, piece.Tempo()).samples;
+  Samples mono(stereo.size() / 2);
+  for (size_t i = 0; i < mono.size(); ++i) mono[i] = 0.5 * (stereo[2 * i] + stereo[2 * i + 1]);
+  return mono;
+}
+
+// What a microphone hears of a loudspeaker: the direct sound and two reflections, 40 ms late or
+// more, and a little noise.
+Samples Echo(const Samples& far, int number) {
+  const int direct = kCallRate * (40 + 5 * number) / 1000;
+  const struct {
+    int late;
+    double gain;
+  } paths[] = {{direct, 0.5}, {direct + 91, -0.2}, {direct + 277, 0.1}};
+  Samples near(far.size());
+  for (const auto& path : paths) {
+    const auto late = static_cast<size_t>(path.late);
+    for (size_t i = late; i < near.size(); ++i) near[i] += path.gain * far[i - late];
+  }
+  Noise noise(static_cast<uint64_t>(number));
+  for (double& sample : near) sample += 0.0005 * noise.Next();
+  return near;
+}
+
+// The head of a case, of which arguments and inputs follow.
+std::string CaseText(const std::string& id, const char* routine) {
+  return "\n[[case]]\nid = \"" + id + "\"\nroutine = \"" + routine + "\"\n";
+}
+
+std::string Id(const Piece& piece, std::string_view routine) {
+  return std::string(kControlSounds[piece.music ? 1 : 0]) + "-" + std::string(routine) + "-" +
+         std::to_string(piece.number + 1);
+}
+
+std::string WriteThrough(const std::string& folder, const Piece& piece) {
+  const std::string id = Id(piece, kThrough);
+  WriteSound(ControlFile(folder, id, "in"), Stereo(piece), kMusicRate, 2);
+  return CaseText(id, "TestAudioResamplerEx") + "arguments = [\"in.wav\", \"" + kControlOutput +
+         "\", \"" + std::to_string(kMusicRate) + "\", \"2\"]\nin = { \"in.wav\" = \"" + id +
+         ".in.wav\" }\n";
+}
+
+std::string WriteDenoised(const std::string& folder, const Piece& piece) {
+  const std::string id = Id(piece, kDenoised);
+  const Samples clean = Mono(piece);
+  Samples noisy =
+      AddNoise({clean, {}}, NoiseOf(piece.number, kCallRate, kCallSeconds), kNoiseDistance);
+  Samples half = clean;
+  for (Samples* const samples : {&noisy, &half}) {
+    for (double& sample : *samples) sample = std::clamp(0.5 * sample, -1.0, 1.0);
+  }
+  WriteSound(ControlFile(folder, id, "in"), noisy, kCallRate, 1);
+  WriteSound(ControlFile(folder, id, "clean"), half, kCallRate, 1);
+  return CaseText(id, "TestDenoiseProcess") + "in = { \"ns_in.wav\" = \"" + id + ".in.wav\" }\n";
+}
+
+std::string WriteCalled(const std::string& folder, const Piece& piece) {
+  const std::string id = Id(piece, kCalled);
+  const Samples far = Mono(piece);
+  WriteSound(ControlFile(folder, id, "far"), far, kCallRate, 1);
+  WriteSound(ControlFile(folder, id, "in"), Echo(far, piece.number), kCallRate, 1);
+  return CaseText(id, "TestEchoDelayEstAndAEC") + "arguments = [\"far.wav\", \"near.wav\", \"" +
+         kControlOutput + "\"]\nin = { \"far.wav\" = \"" + id + ".far.wav\", \"near.wav\" = \"" +
+         id + ".in.wav\" }\n";
+}
+
+}  // namespace
+
+std::string ControlFile(const std::string& folder, const std::string& id, const std::string& what) {
+  return folder + "/" + id + "." + what + ".wav";
+}
+
+void WriteControlMaterial(const std::string& folder) {
+  std::string suite;
+  for (const bool music : {false, true}) {
+    for (int number = 0; number < kControlPieces; ++number) {
+      const Piece piece = {music, number};
+      suite +=
+          WriteThrough(folder, piece) + WriteDenoised(folder, piece) + WriteCalled(folder, piece);
+    }
+  }
+  const std::string path = folder + "/suite.toml";
+  if (!ReplaceFile(path, 0666, suite)) {
+    throw UsageError{"cannot write " + path + ": " + strerror(errno)};
+  }
+}
+
+}  // namespace host
