@@ -4,8 +4,10 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "base/exit_code.h"
 #include "base/suggest.h"
@@ -73,17 +75,26 @@ ResultSet Part(ResultSet set, std::string_view sound, std::string_view routine) 
 // The runs of all engines in one temporary folder, which goes with the object.
 class ControlRuns {
  public:
-  explicit ControlRuns(std::string engines) : m_engines(std::move(engines)) {
+  // `faults` are those that will be tried.
+  ControlRuns(std::string engines, std::span<const ControlFault* const> faults)
+      : m_engines(std::move(engines)) {
     WriteControlMaterial(m_place->path());
-    m_clean = Run("", "");
+    const bool all = std::any_of(faults.begin(), faults.end(),
+                                 [](const ControlFault* fault) { return fault->routine.empty(); });
+    for (const ControlFault* const fault : faults) {
+      const std::string_view routine = all ? "" : fault->routine;
+      if (!m_clean.contains(routine)) m_clean.emplace(routine, Run(routine, ""));
+    }
   }
 
   ControlResult Try(const ControlFault& fault) {
     fprintf(stderr, "%s ...\n", std::string(fault.name).c_str());
+    const auto whole = m_clean.find("");
+    const ResultSet& clean = (whole != m_clean.end() ? whole : m_clean.find(fault.routine))->second;
     const ResultSet after = Run(fault.routine, EngineOf(fault));
     ControlResult result = {&fault};
     for (const std::string_view sound : kControlSounds) {
-      const ResultSet a = Part(m_clean, sound, fault.routine);
+      const ResultSet a = Part(clean, sound, fault.routine);
       result.sounds.push_back(Find(sound, CompareResults(a, Part(after, sound, ""), {})));
     }
     return result;
@@ -130,7 +141,7 @@ class ControlRuns {
 
   std::string m_engines;
   std::unique_ptr<TemporaryWorkspace> m_place = std::make_unique<TemporaryWorkspace>();
-  ResultSet m_clean;
+  std::map<std::string_view, ResultSet> m_clean;  // By routine; under no name all of them.
 };
 
 }  // namespace
@@ -141,7 +152,7 @@ int RunControls(const ControlOptions& options) {
   if (!options.json.empty()) json.emplace(options.json, Now() + kPatience);
   std::vector<ControlResult> results;
   {
-    ControlRuns runs(options.engines.empty() ? OwnEngines() : options.engines);
+    ControlRuns runs(options.engines.empty() ? OwnEngines() : options.engines, faults);
     for (const ControlFault* const fault : faults) results.push_back(runs.Try(*fault));
   }
   const int printed = PrintResults(ControlsText(results));

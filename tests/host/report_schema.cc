@@ -61,3 +61,8 @@ nlohmann::json ParseComparison(const std::string& text) {
   static const rapidjson::SchemaDocument schema = LoadSchema(COMPARE_SCHEMA);
   return Parse(text, schema);
 }
+
+nlohmann::json ParseControls(const std::string& text) {
+  static const rapidjson::SchemaDocument schema = LoadSchema(CONTROLS_SCHEMA);
+  return Parse(text, schema);
+}

@@ -17,3 +17,6 @@ nlohmann::json ParseComparison(const std::string& text);
 
 // The same for the controls of the measures.
 nlohmann::json ParseSelftest(const std::string& text);
+
+// The same for what the controls have found.
+nlohmann::json ParseControls(const std::string& text);
