@@ -9,6 +9,7 @@
 #include "catalogue/catalogue_text.h"
 #include "cli/argument_values.h"
 #include "cli/synopsis.h"
+#include "controls/control_faults.h"
 #include "measure/measure_file.h"
 
 namespace host {
@@ -62,6 +63,12 @@ Answer Rows(bool helpers, const char* files = "none") {
   return answer;
 }
 
+Answer Faults() {
+  Answer answer;
+  for (const ControlFault& each : ControlFaults()) answer.words.emplace_back(each.name);
+  return answer;
+}
+
 Answer OptionsOf(const CLI::App& command) {
   Answer answer;
   for (const CLI::Option* option : command.get_options()) {
@@ -97,6 +104,7 @@ Answer FreeWord(const std::string& command, const std::vector<std::string>& befo
     return {"none", {"save", "list", "show", "remove", "export"}};
   }
   if (command == "baseline") return {"files", {}};
+  if (command == "controls") return Faults();
   if (command == "suite") return before.size() < 2 ? Rows(false, "suites") : Answer();
   if ((command == "list" || command == "describe") && before.empty()) return Rows(true);
   if (command != "run" && command != "stage") return {};
