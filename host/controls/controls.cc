@@ -78,6 +78,8 @@ class ControlRuns {
   // `faults` are those that will be tried.
   ControlRuns(std::string engines, std::span<const ControlFault* const> faults)
       : m_engines(std::move(engines)) {
+    // Says what is wrong with an engine before the work.
+    for (const ControlFault* const fault : faults) FindEngine(EngineOf(*fault));
     WriteControlMaterial(m_place->path());
     const bool all = std::any_of(faults.begin(), faults.end(),
                                  [](const ControlFault* fault) { return fault->routine.empty(); });
@@ -125,7 +127,6 @@ class ControlRuns {
     const std::string folder = m_place->path() + "/run";
     std::vector<std::string> words = {m_place->path() + "/suite.toml"};
     if (!routine.empty()) words.push_back("*-" + std::string(routine) + "-*");
-    FindEngine(engine);  // Says what is wrong with it, if anything is.
     const int interruption =
         RunSuiteBy({"/proc/self/exe", engine}, words, folder, PrintsTo::kNowhere);
     if (interruption != 0) {
