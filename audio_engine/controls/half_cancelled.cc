@@ -4,6 +4,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <map>
+#include <mutex>
+#include <utility>
 
 #include "controls/beneath.h"
 #include "engine_api/aec/webrtc_aec.h"
@@ -27,11 +30,30 @@ double Energy(const float* samples) {
   return sum;
 }
 
+// The near end's share in the last block of each canceller, which any thread may have.
+std::mutex g_lock;
+std::map<const void*, float> g_shares;
+
+// Sets the share of this block and returns that of the one before.
+float Exchange(const void* handle, float share) {
+  const std::lock_guard guard(g_lock);
+  const auto [place, isNew] = g_shares.emplace(handle, share);
+  return isNew ? share : std::exchange(place->second, share);
+}
+
+void Forget(const void* handle) {
+  const std::lock_guard guard(g_lock);
+  g_shares.erase(handle);
+}
+
 }  // namespace
 
 int32_t WebRtcAec_Create(void** handle) { return Pass("audio_engine_WebRtcAec_Create", handle); }
 
-int32_t WebRtcAec_Free(void* handle) { return Pass("audio_engine_WebRtcAec_Free", handle); }
+int32_t WebRtcAec_Free(void* handle) {
+  Forget(handle);
+  return Pass("audio_engine_WebRtcAec_Free", handle);
+}
 
 int32_t WebRtcAec_Init(void* handle, int32_t rate, int32_t cardRate) {
   return Pass("audio_engine_WebRtcAec_Init", handle, rate, cardRate);
@@ -55,9 +77,13 @@ int32_t WebRtcAec_Process(void* handle, const float* const* nearend, int32_t ban
   if (result != 0 || !known) return result;
   const double before = Energy(near.data());
   const double after = Energy(out[0]);
-  if (after >= before) return result;
   // The depth is the ratio of the energies; of its half, in dB, the near end's share of amplitude.
-  const auto share = static_cast<float>(std::pow(after / before, 0.25));
-  for (size_t i = 0; i < kBlock; ++i) out[0][i] += share * (near[i] - out[0][i]);
+  const auto share = after >= before ? 0.0F : static_cast<float>(std::pow(after / before, 0.25));
+  // It goes from one block to the next without a step, which would click.
+  const float last = Exchange(handle, share);
+  for (size_t i = 0; i < kBlock; ++i) {
+    const float now = last + (share - last) * static_cast<float>(i + 1) / kBlock;
+    out[0][i] += now * (near[i] - out[0][i]);
+  }
   return result;
 }
