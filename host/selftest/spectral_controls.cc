@@ -58,6 +58,32 @@ Control OnePole(int rate, double a, size_t lag) {
           {{"cepstral_distance", distance, 0.02 + 0.03 * distance}}};
 }
 
+// The first `share` of the time through the pole of OnePole(16000, 0.5, 1).
+Control PartlyDamaged(double share) {
+  const double left = std::max(0.0, share - 0.05) / 0.95;
+  return {"a pole of 0.5 for " + std::to_string(share) + " of the time",
+          "The worst 5 % of the blocks are left out, and the mean is taken over the others.",
+          [share] {
+            const Samples reference = Impulses(16000, 480, 0.5);
+            Samples output = Recursive(reference, 0.5, 1);
+            const auto end =
+                static_cast<std::ptrdiff_t>(share * static_cast<double>(output.size()));
+            std::copy(reference.begin() + end, reference.end(), output.begin() + end);
+            return Pair(reference, output, 16000);
+          },
+          {{"cepstral_distance", left * Cepstral(0.5, 1, 16), 0.07}}};
+}
+
+Control FarApart() {
+  return {"two poles of 0.95 at one sample",
+          "Their cepstrum is twice a^n / n: 13.9 dB, of which 10 count.",
+          [] {
+            const Samples reference = Impulses(16000, 480, 0.1);
+            return Pair(reference, Recursive(Recursive(reference, 0.95, 1), 0.95, 1), 16000);
+          },
+          {{"cepstral_distance", 10, 0.01}}};
+}
+
 // Sum of a^2n / n^2.
 double Dilogarithm(double a) {
   double sum = 0;
@@ -181,6 +207,9 @@ std::vector<Control> SpectralControls() {
           OnePole(16000, 0.5, 17),
           OnePole(8000, 0.5, 10),
           OnePole(8000, 0.5, 11),
+          PartlyDamaged(0.04),
+          PartlyDamaged(0.2),
+          FarApart(),
           Comb(0.5),
           Comb(-0.3),
           HalfSilent(),

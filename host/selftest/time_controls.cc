@@ -36,6 +36,18 @@ Control Higher(double hz, double cents, int rate) {
           {{"pitch_cents", cents, 2}}};
 }
 
+Control OtherTimbre() {
+  return {"a sine and a tone with as much of its octave",
+          "Both repeat themselves after one period of 220 Hz, the second nearly after half of it: "
+          "0 cents.",
+          [] {
+            const Samples sine = Sine(16000, 0.5, 220, 0.3);
+            return Scene{.output = {16000, {Sum(sine, Sine(16000, 0.5, 440, 0.3))}},
+                         .reference = {16000, {sine}}};
+          },
+          {{"pitch_cents", 0, 2}}};
+}
+
 Control Clicking(double bpm, int rate) {
   return {"clicks at " + std::to_string(bpm) + " BPM and " + std::to_string(rate) + " Hz",
           "A click of 5 ms each 60 / BPM s; known over eight beats to a fraction of 10 ms: 0.3 %.",
@@ -81,11 +93,18 @@ std::vector<Control> Beats() {
 }  // namespace
 
 std::vector<Control> TimeControls() {
-  std::vector<Control> controls = {
-      Longer(16000, 16000),     Longer(16000, 24000),    Longer(12345, 4321),
-      Higher(220, 0, 16000),    Higher(220, 700, 16000), Higher(440, -1200, 48000),
-      Higher(110.7, 33, 16000), Higher(130, 100, 8000),  Clicking(120, 16000),
-      Clicking(93, 16000),      Clicking(150.5, 44100)};
+  std::vector<Control> controls = {OtherTimbre(),
+                                   Longer(16000, 16000),
+                                   Longer(16000, 24000),
+                                   Longer(12345, 4321),
+                                   Higher(220, 0, 16000),
+                                   Higher(220, 700, 16000),
+                                   Higher(440, -1200, 48000),
+                                   Higher(110.7, 33, 16000),
+                                   Higher(130, 100, 8000),
+                                   Clicking(120, 16000),
+                                   Clicking(93, 16000),
+                                   Clicking(150.5, 44100)};
   for (Control& each : Beats()) controls.push_back(std::move(each));
   return controls;
 }
