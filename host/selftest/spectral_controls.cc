@@ -197,6 +197,21 @@ Control UpperBands(double off) {
       {{"fw_seg_snr", (13 * weight * ofLow + 12 * ofHigh) / (13 * weight + 12), 0.4}}};
 }
 
+Control SoftBand() {
+  return {
+      "a band 40 dB below another, 10 dB softer still",
+      "Bands down to 60 dB below the strongest count: of two the strong one is as it was, as it "
+      "makes the common gain, and the soft one is off by 10 dB.",
+      [] {
+        const int rate = 16000;
+        const Samples noise = WhiteNoise(Frames(rate, 3), 1e-6, 35);
+        const Samples strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
+        const Samples soft = Sine(rate, 3, 3981.07, 0.005);
+        return Pair(Sum(strong, soft), Sum(strong, Scaled(soft, std::pow(10, -0.5))), rate);
+      },
+      {{"band_difference_worst", 10, 0.05}}};
+}
+
 }  // namespace
 
 std::vector<Control> SpectralControls() {
@@ -210,9 +225,11 @@ std::vector<Control> SpectralControls() {
           PartlyDamaged(0.04),
           PartlyDamaged(0.2),
           FarApart(),
+          OnePole(16000, 0.9, 1),
           Comb(0.5),
           Comb(-0.3),
           HalfSilent(),
+          SoftBand(),
           UpperBands(0.3),
           UpperBands(6),
           Bands("a band 6 dB softer", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, -6}),
