@@ -15,13 +15,13 @@ MeasureWords::MeasureWords(CLI::App& app, MeasureOptions& options) : m_options(o
       "can be told from what is given. --list says what each measure is.\n"
       "Exit codes: 0 measured, 2 wrong words, 3 a file cannot be read.");
   measure.add_option("FILE", m_options.files)->type_name("");
-  measure.add_option("--against", m_options.against.reference, "What FILE should be")
+  measure.add_option("--against", m_options.against.reference.path, "What FILE should be")
       ->type_name("REFERENCE_FILE");
-  measure.add_option("--far", m_options.against.far, "What the loudspeaker played")
+  measure.add_option("--far", m_options.against.far.path, "What the loudspeaker played")
       ->type_name("FILE");
-  measure.add_option("--near", m_options.against.near, "What was said, without echo")
+  measure.add_option("--near", m_options.against.near.path, "What was said, without echo")
       ->type_name("FILE");
-  measure.add_option("--input", m_options.against.input, "What was processed into FILE")
+  measure.add_option("--input", m_options.against.input.path, "What was processed into FILE")
       ->type_name("FILE");
   measure.add_option("--measure", m_measures, "Only these, in this order")
       ->type_name("NAME,...")

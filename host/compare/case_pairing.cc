@@ -236,7 +236,9 @@ void CasePairing::EndCase(const ComparedCase& a, const ComparedCase& b) {
   for (const auto& [name, inA, inB] :
        {std::tuple("elapsed", a.elapsed, b.elapsed), {"cpu", a.cpu, b.cpu}}) {
     if (std::isnan(inA) || std::isnan(inB)) continue;
-    Times({.name = name, .unit = "s", .better = "lower"}).pairs.push_back({at, inA, inB});
+    std::vector<FigurePair>& pairs = Times({.name = name, .unit = "s", .better = "lower"}).pairs;
+    // The figure of the same name is the same time.
+    if (pairs.empty() || pairs.back().at != at) pairs.push_back({at, inA, inB});
   }
 }
 

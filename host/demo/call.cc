@@ -57,11 +57,13 @@ Call MakeCall(int rate) {
   constexpr double kSeconds = 20;
   Call call = {.far = Speak(rate, kSeconds, 11).samples,
                .near = {},
+               .talk = {},
                .delay = 0.089,
                .echoGain = -6,
                .doubleTalk = {10, 16},
                .nearTalk = {}};
   call.near.resize(call.far.size());
+  call.talk.resize(call.far.size());
   for (const Reflection& each : Room(rate, call.delay, Gain(call.echoGain))) {
     for (size_t i = each.after; i < call.near.size(); ++i) {
       call.near[i] += each.gain * call.far[i - each.after];
@@ -70,7 +72,8 @@ Call MakeCall(int rate) {
   const double length = call.doubleTalk.end - call.doubleTalk.begin;
   const Speech near = Speak(rate, length, 12);
   const auto first = static_cast<size_t>(call.doubleTalk.begin * rate);
-  for (size_t i = 0; i < near.samples.size(); ++i) call.near[first + i] += 0.8 * near.samples[i];
+  for (size_t i = 0; i < near.samples.size(); ++i) call.talk[first + i] = 0.8 * near.samples[i];
+  for (size_t i = 0; i < call.near.size(); ++i) call.near[i] += call.talk[i];
   for (const Stretch& each : near.spoken) {
     call.nearTalk.push_back({each.begin + call.doubleTalk.begin, each.end + call.doubleTalk.begin});
   }

@@ -11,9 +11,10 @@ namespace host {
 struct Call {
   std::vector<double> far;
   std::vector<double> near;
-  double delay;        // Of the echo's first arrival, s.
-  double echoGain;     // Energy of the echo against the far end, dB.
-  Stretch doubleTalk;  // Both talk.
+  std::vector<double> talk;  // The part of `near` that is said at the microphone.
+  double delay;              // Of the echo's first arrival, s.
+  double echoGain;           // Energy of the echo against the far end, dB.
+  Stretch doubleTalk;        // Both talk.
   std::vector<Stretch> nearTalk;
 };
 

@@ -29,6 +29,8 @@ std::optional<std::vector<std::string>> DemoWords(const CatalogueRow& row) {
   return std::vector<std::string>(found->arguments.begin(), found->arguments.end());
 }
 
+std::string TruthPlace(const std::string& place) { return "demo/truth/" + place + ".wav"; }
+
 void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace) {
   const auto words = DemoWords(row);
   if (!words) return;
@@ -42,6 +44,7 @@ void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace) {
     writer.Want(FindRow(std::string(maker.routine)), maker.arguments);
   }
   writer.Write();
+  writer.WriteTruths();
   for (const StreamMaker* const maker : makers) writer.Make(*maker);
 }
 

@@ -20,6 +20,10 @@ std::optional<std::vector<std::string>> DemoWords(const CatalogueRow& row);
 // Writes only what one routine reads with these words, coded streams included.
 void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace);
 
+// Where PlaceDemosOf puts what should be left of an input that something is to be taken out of: a
+// WAVE in the same workspace. `place` is that of the input.
+std::string TruthPlace(const std::string& place);
+
 // What is true of the demo's sounds, as JSON: tempo, beats, notes, delay, signal-to-noise ratios,
 // where somebody speaks.
 std::string DemoTruth();

@@ -12,6 +12,7 @@
 
 #include "base/printable.h"
 #include "catalogue/catalogue_text.h"
+#include "demo/demo_all.h"
 #include "demo/placed_file.h"
 #include "wave/wave_file.h"
 
@@ -81,6 +82,20 @@ void DemoWriter::WriteFile(const FilePlace& input) {
   } else if (const auto sound = SoundOf(input.name)) {
     const harness::WaveFormat format = FormatOf(input.use, *sound);
     Put(input, InContainer(input.use, format, Rendered(*sound, format)));
+  }
+}
+
+void DemoWriter::WriteTruths() {
+  for (const auto& [place, input] : m_wanted) {
+    const auto sound = SoundOf(input.name);
+    const auto truth = sound ? TruthOf(*sound) : std::nullopt;
+    if (!truth) continue;
+    const harness::WaveFormat format = FormatOf(input.use, *sound);
+    const FilePlace file = {.use = {.container = Container::kWave},
+                            .name = input.name,
+                            .path = {},
+                            .place = TruthPlace(place)};
+    Put(file, InContainer(file.use, format, Rendered(*truth, format)));
   }
 }
 

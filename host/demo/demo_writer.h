@@ -30,6 +30,10 @@ class DemoWriter {
   // Writes all that is wanted. Throws UsageError when something cannot be written.
   void Write();
 
+  // Writes for each of them that something is to be taken out of what should be left, as a WAVE at
+  // its TruthPlace.
+  void WriteTruths();
+
   // Has the stream written by a run of this program.
   void Make(const StreamMaker& maker);
 

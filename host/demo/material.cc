@@ -66,8 +66,16 @@ std::vector<int16_t> Render(Sound sound, int rate, int channels) {
       return ToPcm(MakeCall(rate).far, channels);
     case Sound::kNear:
       return ToPcm(MakeCall(rate).near, channels);
+    case Sound::kTalk:
+      return ToPcm(MakeCall(rate).talk, channels);
   }
   return {};
+}
+
+std::optional<Sound> TruthOf(Sound sound) {
+  if (sound == Sound::kNoisy) return Sound::kSpeech;
+  if (sound == Sound::kNear) return Sound::kTalk;
+  return std::nullopt;
 }
 
 Sentences::Sentences() {

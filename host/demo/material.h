@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "demo/voice.h"
@@ -15,8 +16,12 @@ enum class Sound {
   kSong,    // A melody sung on "a".
   kBand,    // Drums, bass and chords of 120 beats a minute.
   kFar,     // Of a call: what the loudspeaker plays
-  kNear     // and what the microphone hears.
+  kNear,    // and what the microphone hears,
+  kTalk     // of which this is said there.
 };
+
+// What is true of a sound that something is taken out of: what should be left. Nothing for others.
+std::optional<Sound> TruthOf(Sound sound);
 
 // Interleaved 16-bit samples, the same bytes on every machine. To several channels: copies; of
 // stereo to mono: the mean. Rates of 8000 Hz and more.

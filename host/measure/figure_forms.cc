@@ -8,6 +8,7 @@
 #include "base/printable.h"
 #include "base/units.h"
 #include "report/csv_field.h"
+#include "report/figure_json.h"
 
 namespace host {
 
@@ -68,18 +69,6 @@ std::string UntrustedLine(std::span<const MeasuredFile> files) {
 }
 
 }  // namespace
-
-Json FigureJson(const MeasuredFigure& figure) {
-  return {{"file", figure.file},
-          {"channel", figure.channel ? Json(*figure.channel) : Json()},
-          {"name", figure.name},
-          {"value", figure.value ? Json(*figure.value) : Json()},
-          {"unit", figure.unit},
-          {"better", figure.better},
-          {"reason", figure.reason.empty() ? Json() : Json(figure.reason)},
-          {"version", figure.version},
-          {"untrusted", figure.untrusted}};
-}
 
 std::string TextFigures(std::span<const MeasuredFile> files) {
   std::string text;

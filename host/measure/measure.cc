@@ -54,12 +54,17 @@ int MeasureFiles(const MeasureOptions& options) {
   CheckWords(options);
   Form json(options.json, JsonFigures);
   Form csv(options.csv, CsvFigures);
+  MeasuredAgainst against = options.against;
+  for (MeasuredSource* const each :
+       {&against.reference, &against.far, &against.near, &against.input}) {
+    each->raw = options.raw;
+  }
   const std::vector<std::string> names =
-      options.measures.empty() ? FittingMeasures(options.against) : options.measures;
+      options.measures.empty() ? FittingMeasures(against) : options.measures;
   std::vector<MeasuredFile> files;
   int exitCode = exit_code::kPass;
   for (const std::string& path : options.files) {
-    files.push_back(MeasureFile(path, options.against, names, options.raw));
+    files.push_back(MeasureFile({path, options.raw}, against, names));
     if (files.back().unreadable.empty()) continue;
     fprintf(stderr, "audio_bench: %s\n", Printable(files.back().unreadable).c_str());
     exitCode = exit_code::kInput;

@@ -96,12 +96,22 @@ std::vector<NamedFigure> StreamLevels(OpenSound& sound, std::span<const std::str
 // The recordings beside an output, at its rate.
 class Beside {
  public:
-  Beside(const MeasuredAgainst& against, int rate, const std::optional<RawForm>& raw,
-         std::vector<BroughtToRate>& brought)
-      : m_reference(Read(against.reference, rate, raw, brought)),
-        m_far(Read(against.far, rate, raw, brought)),
-        m_near(Read(against.near, rate, raw, brought)),
-        m_input(Read(against.input, rate, raw, brought)) {}
+  // Reads what the measures that are named look at.
+  Beside(const MeasuredAgainst& against, std::span<const std::string_view> names, int rate,
+         std::vector<BroughtToRate>& brought) {
+    unsigned wanted = audio_measures::kNothing;
+    for (const std::string_view name : names) {
+      const Measure& measure = *audio_measures::FindMeasure(name);
+      wanted |= measure.needs | measure.uses;
+    }
+    const auto read = [&](unsigned need, const MeasuredSource& source) {
+      return (wanted & need) != 0 ? Read(source, rate, brought) : MeasuredSound();
+    };
+    m_reference = read(audio_measures::kReference, against.reference);
+    m_far = read(audio_measures::kFar, against.far);
+    m_near = read(audio_measures::kNear, against.near);
+    m_input = read(audio_measures::kInput, against.input);
+  }
 
   audio_measures::Inputs With(const MeasuredSound& output) const {
     return {.output = output.View(),
@@ -113,15 +123,15 @@ class Beside {
   }
 
  private:
-  static MeasuredSound Read(const std::string& path, int rate, const std::optional<RawForm>& raw,
+  static MeasuredSound Read(const MeasuredSource& source, int rate,
                             std::vector<BroughtToRate>& brought) {
-    if (path.empty()) return {};
+    if (source.path.empty()) return {};
     try {
-      OpenSound sound(path, raw);
-      if (sound.Format().rate != rate) brought.push_back({path, sound.Format().rate, rate});
+      OpenSound sound(source.path, source.raw);
+      if (sound.Format().rate != rate) brought.push_back({source.path, sound.Format().rate, rate});
       return sound.ReadAll(rate);
     } catch (const UnreadableSound& error) {
-      throw UnreadableSound{path + ": " + error.fault};
+      throw UnreadableSound{source.path + ": " + error.fault};
     }
   }
 
@@ -131,21 +141,20 @@ class Beside {
   MeasuredSound m_input;
 };
 
-std::vector<NamedFigure> Measured(const std::string& path, const MeasuredAgainst& against,
-                                  std::span<const std::string_view> names,
-                                  const std::optional<RawForm>& raw, MeasuredFile& file) {
+std::vector<NamedFigure> Measured(const MeasuredSource& source, const MeasuredAgainst& against,
+                                  std::span<const std::string_view> names, MeasuredFile& file) {
   MeasuredSound output;
   try {
-    OpenSound sound(path, raw);
+    OpenSound sound(source.path, source.raw);
     file.format = sound.Format();
     const bool levels = std::ranges::all_of(
         names, [](std::string_view name) { return IsLevel(*audio_measures::FindMeasure(name)); });
     if (levels) return StreamLevels(sound, names);
     output = sound.ReadAll(0);
   } catch (const UnreadableSound& error) {
-    throw UnreadableSound{path + ": " + error.fault};
+    throw UnreadableSound{source.path + ": " + error.fault};
   }
-  const Beside beside(against, output.rate, raw, file.brought);
+  const Beside beside(against, names, output.rate, file.brought);
   return audio_measures::Compute(beside.With(output), names);
 }
 
@@ -167,10 +176,10 @@ void CheckMeasureName(const std::string& name) {
 
 std::vector<std::string> FittingMeasures(const MeasuredAgainst& against) {
   unsigned given = audio_measures::kNothing;
-  if (!against.reference.empty()) given |= audio_measures::kReference;
-  if (!against.far.empty()) given |= audio_measures::kFar;
-  if (!against.near.empty()) given |= audio_measures::kNear;
-  if (!against.input.empty()) given |= audio_measures::kInput;
+  if (!against.reference.path.empty()) given |= audio_measures::kReference;
+  if (!against.far.path.empty()) given |= audio_measures::kFar;
+  if (!against.near.path.empty()) given |= audio_measures::kNear;
+  if (!against.input.path.empty()) given |= audio_measures::kInput;
   std::vector<std::string> names;
   for (const Measure& measure : audio_measures::AllMeasures()) {
     if (measure.version == 0 || measure.name == kTempo || (measure.needs & ~given) != 0) continue;
@@ -179,24 +188,39 @@ std::vector<std::string> FittingMeasures(const MeasuredAgainst& against) {
   return names;
 }
 
-MeasuredFile MeasureFile(const std::string& path, const MeasuredAgainst& against,
-                         std::span<const std::string> names, const std::optional<RawForm>& raw) {
+MeasuredFile MeasureFile(const MeasuredSource& output, const MeasuredAgainst& against,
+                         std::span<const std::string> names) {
   const std::vector<std::string_view> views(names.begin(), names.end());
   AskTrust(views);
   MeasuredFile file;
   std::vector<NamedFigure> figures;
   try {
-    figures = Measured(path, against, views, raw, file);
+    figures = Measured(output, against, views, file);
   } catch (const UnreadableSound& error) {
     file.unreadable = error.fault;
   }
-  for (const NamedFigure& each : figures) file.figures.push_back(FigureOf(path, each));
+  for (const NamedFigure& each : figures) file.figures.push_back(FigureOf(output.path, each));
   if (file.unreadable.empty()) return file;
-  for (const std::string_view name : views) {
-    file.figures.push_back(FigureOf(path, {name, std::nullopt, {}}));
-    file.figures.back().reason = file.unreadable;
-  }
+  file.figures = NoFigures(names, file.unreadable);
+  for (MeasuredFigure& each : file.figures) each.file = output.path;
   return file;
+}
+
+std::vector<MeasuredFigure> NoFigures(std::span<const std::string> names,
+                                      const std::string& reason) {
+  std::vector<MeasuredFigure> figures;
+  for (const std::string& name : names) {
+    figures.push_back(FigureOf("", {name, std::nullopt, {}}));
+    figures.back().reason = reason;
+  }
+  return figures;
+}
+
+MeasuredFigure RunFigure(std::string_view name, std::optional<double> value,
+                         const std::string& reason) {
+  MeasuredFigure figure = FigureOf("", {name, std::nullopt, {.value = value}});
+  if (!figure.value) figure.reason = reason;
+  return figure;
 }
 
 }  // namespace host

@@ -6,17 +6,23 @@
 #include <string_view>
 #include <vector>
 
-#include "measure/measured_figure.h"
 #include "recording/recording.h"
+#include "results/measured_figure.h"
 
 namespace host {
 
-// The recordings that an output is measured against; empty for those that there are not.
+// A recording; of samples without a header with their form.
+struct MeasuredSource {
+  std::string path = {};
+  std::optional<RawForm> raw = {};
+};
+
+// The recordings that an output is measured against; without a path those that there are not.
 struct MeasuredAgainst {
-  std::string reference = {};
-  std::string far = {};
-  std::string near = {};
-  std::string input = {};
+  MeasuredSource reference = {};
+  MeasuredSource far = {};
+  MeasuredSource near = {};
+  MeasuredSource input = {};
 };
 
 // A recording that was brought to the rate of the output.
@@ -46,7 +52,15 @@ struct MeasuredFile {
 
 // The figures of one output, in the order of the names. Levels alone are measured block by block,
 // in memory that hardly grows with the file; all else holds the files whole.
-MeasuredFile MeasureFile(const std::string& path, const MeasuredAgainst& against,
-                         std::span<const std::string> names, const std::optional<RawForm>& raw);
+MeasuredFile MeasureFile(const MeasuredSource& output, const MeasuredAgainst& against,
+                         std::span<const std::string> names);
+
+// One figure of each name without a value, and why.
+std::vector<MeasuredFigure> NoFigures(std::span<const std::string> names,
+                                      const std::string& reason);
+
+// The figure of a measure that a run gives, not samples; without a value the reason why.
+MeasuredFigure RunFigure(std::string_view name, std::optional<double> value,
+                         const std::string& reason);
 
 }  // namespace host

@@ -6,6 +6,7 @@
 #include "recording/staged_record.h"
 #include "report/built_with.h"
 #include "report/environment.h"
+#include "report/figure_json.h"
 #include "report/libraries.h"
 #include "report/origin.h"
 #include "report/report.h"
@@ -223,6 +224,8 @@ std::string JsonReport(const RunReport& report) {
   AddFigures(report, json);
   json["log"] = report.log;
   json["results"] = ResultsJson(report.results);
+  json["figures"] = Json::array();
+  for (const MeasuredFigure& each : report.figures) json["figures"].push_back(FigureJson(each));
   json["guards"] = GuardsJson(report);
   json["inputs"] = InputsJson(report.inputs);
   json["outputs"] = OutputsJson(report.outputs);

@@ -15,6 +15,7 @@
 #include "process/child.h"
 #include "recording/staged_record.h"
 #include "report/verdict.h"
+#include "results/measured_figure.h"
 #include "results/result.h"
 
 namespace host {
@@ -94,8 +95,9 @@ struct RunReport {
   // What ended the look at the files before all were measured; nothing when nothing did.
   std::optional<Problem> lookEnded = {};
   std::optional<Stop> stop = {};
-  std::vector<GuardHit> guards = {};  // That the run as a whole hits.
-  std::vector<Result> results = {};   // Empty when the routine was not run.
+  std::vector<GuardHit> guards = {};         // That the run as a whole hits.
+  std::vector<MeasuredFigure> figures = {};  // Those that a report was asked for.
+  std::vector<Result> results = {};          // Empty when the routine was not run.
 };
 
 // Processing time / audio time, which is that of the longest input; for a run over lists of files,

@@ -2,12 +2,16 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/paint.h"
 #include "recording/stage.h"
 
 namespace host {
+
+// Outputs, as routines name them, each with the path of a recording.
+using NamedSources = std::vector<std::pair<std::string, std::string>>;
 
 // One routine to run, and all that decides about its run.
 struct Case {
@@ -31,6 +35,13 @@ struct Case {
   std::vector<std::string> in = {};
   std::vector<std::string> out = {};
   StageWishes wishes = {};
+  // Of a report: names of measures; empty for those that fit.
+  std::vector<std::string> measures = {};
+  // What outputs are measured against.
+  NamedSources reference = {};
+  NamedSources far = {};
+  NamedSources near = {};
+  bool demo = false;           // On recordings of the demo, with what is true of them beside them.
   Color color = Color::kAuto;  // Of the verdict.
   bool temporary = false;      // `work` is a folder that the run makes, and removes if it may.
 };

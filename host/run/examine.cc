@@ -16,6 +16,7 @@
 #include "run/digest_files.h"
 #include "run/guard_outputs.h"
 #include "run/guard_run.h"
+#include "run/measure_outputs.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -125,6 +126,7 @@ RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
   if (end == ChildOutcome::End::kReturned || end == ChildOutcome::End::kStopped) {
     GuardRun(plan, limits, report);
     GuardOutputs(plan, limits, report);
+    MeasureOutputs(plan, limits, report);
   }
   report.results = CollectResults(plan, std::move(executed.heard), report, limits);
   report.lookEnded = examiner.lookEnded();

@@ -10,6 +10,7 @@
 #include "files/audio_figures.h"
 #include "files/regular_file.h"
 #include "guards/guards.h"
+#include "run/source_of_output.h"
 
 namespace host {
 
@@ -65,16 +66,6 @@ GuardRules RulesOf(const SoundUse& sound) {
   return rules;
 }
 
-// The input that the output number `place` under this rule was made from; null for none.
-const FileReport* InputOf(const SoundUse& sound, size_t place, std::span<const FileReport> inputs) {
-  if (sound.input.empty()) return nullptr;
-  std::vector<const FileReport*> fitting;
-  for (const FileReport& input : inputs) {
-    if (input.place.use.name.ends_with(sound.input)) fitting.push_back(&input);
-  }
-  return fitting.empty() ? nullptr : fitting[place % fitting.size()];
-}
-
 }  // namespace
 
 void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
@@ -96,7 +87,7 @@ void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
     if (file.changed || !goOn()) continue;
     const Signal* const made = output.Load(file, goOn);
     if (made == nullptr) continue;
-    const FileReport* const source = InputOf(*sound, place, report.inputs);
+    const FileReport* const source = SourceInput(sound->input, place, report.inputs);
     const std::vector<GuardHit> hits = CheckGuards(
         {.input = source == nullptr || source->changed || !comparable ? nullptr
                                                                       : input.Load(*source, goOn),

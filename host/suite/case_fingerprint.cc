@@ -61,11 +61,17 @@ std::string CaseFingerprint(const SuitePlace& suite, size_t at) {
   for (const auto& [name, source] : one.inputs) {
     inputs.push_back({name, source, DigestOfSource(source)});
   }
+  for (const NamedSources* const sources : {&one.reference, &one.far, &one.near}) {
+    inputs.push_back(Json::array());
+    for (const auto& [name, source] : *sources) {
+      inputs.back().push_back({name, source, DigestOfSource(source)});
+    }
+  }
   Json before = Json::array();
   for (const size_t each : suite.order.Before(at)) before.push_back(CaseFingerprint(suite, each));
-  const Json all = {suite.origin,         one.routine,    one.arguments, inputs,
-                    one.sameAs,           one.engineOnly, one.strict,    Optional(one.timeout),
-                    Optional(one.linger), before};
+  const Json all = {
+      suite.origin,   one.routine, one.arguments,         one.measures,         inputs, one.sameAs,
+      one.engineOnly, one.strict,  Optional(one.timeout), Optional(one.linger), before};
   return DigestOfText(all.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 

@@ -9,35 +9,42 @@
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "files/workspace.h"
+#include "run/source_of_output.h"
 
 namespace host {
 
 namespace {
 
-bool Answers(const FilePlace& place, const std::string& name) {
-  return place.name == name || place.use.name == "{" + name + "}" ||
-         place.name.substr(place.name.find_last_of("/\\") + 1) == name;
+// Throws UsageError when the routine has no file of one of the names. `doing`: "reads", "writes".
+void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
+                const NamedSources& sources, const std::string& key, const std::string& doing) {
+  std::vector<std::string_view> names;
+  for (const FilePlace& place : places) names.push_back(place.name);
+  for (const auto& [name, source] : sources) {
+    const bool known =
+        std::any_of(places.begin(), places.end(),
+                    [wanted = name](const auto& place) { return IsCalled(place, wanted); });
+    if (known) continue;
+    const auto alike = NamesAlike(name, names);
+    throw UsageError{
+        key + ": " + one.routine + " " + doing + " no \"" + name + "\" with these arguments" +
+        (alike.empty() ? "" : "; did you mean \"" + std::string(alike.front()) + "\"?")};
+  }
 }
 
 }  // namespace
 
-void CheckInputNames(const SuiteCase& one) {
+void CheckFileNames(const SuiteCase& one) {
   const CatalogueRow& row = FindRow(one.routine);
   const std::vector<std::string_view> words(one.arguments.begin(), one.arguments.end());
-  const std::vector<FilePlace> places =
-      PlaceFiles(harness::Inputs(row, words), row.declared.words.parameters, words, ".");
-  std::vector<std::string_view> names;
-  for (const FilePlace& place : places) names.push_back(place.name);
-  for (const auto& [name, source] : one.inputs) {
-    const bool known = std::any_of(places.begin(), places.end(), [&, wanted = name](const auto& p) {
-      return Answers(p, wanted);
-    });
-    if (known) continue;
-    const auto alike = NamesAlike(name, names);
-    throw UsageError{
-        "in: " + one.routine + " reads no \"" + name + "\" with these arguments" +
-        (alike.empty() ? "" : "; did you mean \"" + std::string(alike.front()) + "\"?")};
-  }
+  const auto places = [&](const std::vector<FileUse>& uses) {
+    return PlaceFiles(uses, row.declared.words.parameters, words, ".");
+  };
+  CheckNames(one, places(harness::Inputs(row, words)), one.inputs, "in", "reads");
+  const std::vector<FilePlace> outputs = places(harness::Outputs(row, words));
+  CheckNames(one, outputs, one.reference, "reference", "writes");
+  CheckNames(one, outputs, one.far, "far", "writes");
+  CheckNames(one, outputs, one.near, "near", "writes");
 }
 
 }  // namespace host

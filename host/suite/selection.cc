@@ -30,7 +30,7 @@ void CheckCase(SuiteCase& one) {
   if (plan.row == nullptr || !CanBeRun(*plan.row)) return;
   if (one.engineOnly) one.skip = NotInEngine(plan.engine, one.routine);
   try {
-    CheckInputNames(one);
+    CheckFileNames(one);
   } catch (const UsageError& error) {
     throw UsageError{one.at + error.message};
   }

@@ -10,7 +10,12 @@ Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string
               .linger = one.linger,
               .engine = one.engine,
               .engineOnly = one.engineOnly,
-              .json = report};
+              .json = report,
+              .measures = one.measures,
+              .reference = one.reference,
+              .far = one.far,
+              .near = one.near,
+              .demo = one.demo};
   for (const auto& [name, source] : one.inputs) {
     run.in.push_back(name);
     run.in.back().append("=").append(source);

@@ -17,6 +17,11 @@ struct SuiteCase {
   std::string routine = {};
   std::vector<std::string> arguments = {};
   std::vector<std::pair<std::string, std::string>> inputs = {};  // File of the routine, its source.
+  std::vector<std::string> measures = {};                        // Names; empty for those that fit.
+  // What outputs are measured against.
+  NamedSources reference = {};
+  NamedSources far = {};
+  NamedSources near = {};
   std::vector<std::string> tags = {};
   std::string known = {};               // Why it is known to fail; empty when it is not.
   std::string cluster = {};             // Those that share what they were made of; empty for none.

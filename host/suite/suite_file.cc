@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/usage_error.h"
+#include "measure/measure_file.h"
 #include "suite/matches.h"
 #include "suite/placeholders.h"
 #include "suite/suite_table.h"
@@ -21,11 +22,12 @@ namespace fs = std::filesystem;
 constexpr std::string_view kSections[] = {"defaults", "margins", "case"};
 // What a case says, and what `defaults` may say for all of them.
 constexpr std::string_view kCaseKeys[] = {
-    "id",    "routine", "arguments", "in",       "each",   "tags",   "known",
-    "after", "cluster", "timeout_s", "linger_s", "strict", "repeat", "same_bytes"};
-constexpr std::string_view kDefaultKeys[] = {"routine", "arguments", "in",       "tags",
-                                             "cluster", "timeout_s", "linger_s", "strict",
-                                             "repeat",  "same_bytes"};
+    "id",     "routine",    "arguments", "in",        "each",     "tags",
+    "known",  "after",      "cluster",   "timeout_s", "linger_s", "strict",
+    "repeat", "same_bytes", "measures",  "reference", "far",      "near"};
+constexpr std::string_view kDefaultKeys[] = {
+    "routine", "arguments", "in",         "tags",     "cluster",   "timeout_s", "linger_s",
+    "strict",  "repeat",    "same_bytes", "measures", "reference", "far",       "near"};
 
 // A table, and another one that speaks where it is silent.
 struct CaseTables {
@@ -43,6 +45,9 @@ struct CaseTables {
   }
   auto Texts(std::string_view key) const {
     return Get([key](const SuiteTable& table) { return table.Texts(key); });
+  }
+  auto TextsByName(std::string_view key) const {
+    return Get([key](const SuiteTable& table) { return table.TextsByName(key); });
   }
   auto Seconds(std::string_view key) const {
     return Get([key](const SuiteTable& table) { return table.Seconds(key); });
@@ -79,6 +84,22 @@ std::string InFolder(const std::string& folder, const std::string& path) {
   return path.starts_with('/') ? path : (fs::path(folder) / path).string();
 }
 
+// Names of measures, each of which there is.
+std::vector<std::string> MeasuresOf(const CaseTables& tables) {
+  std::vector<std::string> names;
+  for (const PlacedText& name : tables.Texts("measures").value_or(std::vector<PlacedText>{})) {
+    try {
+      CheckMeasureName(name.text);
+    } catch (const UsageError& error) {
+      throw UsageError{name.at + error.message};
+    }
+    names.push_back(name.text);
+  }
+  return names;
+}
+
+using TextsWithNames = std::vector<std::pair<PlacedText, PlacedText>>;
+
 // The cases of one table [[case]].
 class Expansion {
  public:
@@ -89,7 +110,11 @@ class Expansion {
         m_routine(Needed(tables.Text("routine"), tables, "routine")),
         m_known(tables.own.Text("known")),
         m_cluster(tables.Text("cluster")),
-        m_inputs(tables.Get([](const SuiteTable& table) { return table.TextsByName("in"); })),
+        m_inputs(tables.TextsByName("in")),
+        m_measures(MeasuresOf(tables)),
+        m_reference(tables.TextsByName("reference")),
+        m_far(tables.TextsByName("far")),
+        m_near(tables.TextsByName("near")),
         m_arguments(tables.Texts("arguments")),
         m_tags(tables.Texts("tags")),
         m_after(tables.own.Texts("after")),
@@ -131,10 +156,18 @@ class Expansion {
       throw UsageError{m_id.at + fault};
     }
     one.arguments = fillAll(m_arguments);
-    for (const auto& [name, file] :
-         m_inputs.value_or(std::vector<std::pair<PlacedText, PlacedText>>{})) {
-      one.inputs.emplace_back(FillIn(name, values), InFolder(m_folder, FillIn(file, values)));
-    }
+    const auto fillFiles = [&](const std::optional<TextsWithNames>& files) {
+      NamedSources filled;
+      for (const auto& [name, file] : files.value_or(TextsWithNames{})) {
+        filled.emplace_back(FillIn(name, values), InFolder(m_folder, FillIn(file, values)));
+      }
+      return filled;
+    };
+    one.inputs = fillFiles(m_inputs);
+    one.measures = m_measures;
+    one.reference = fillFiles(m_reference);
+    one.far = fillFiles(m_far);
+    one.near = fillFiles(m_near);
     one.tags = fillAll(m_tags);
     one.known = fill(m_known);
     one.cluster = fill(m_cluster);
@@ -152,7 +185,11 @@ class Expansion {
   PlacedText m_routine;
   std::optional<PlacedText> m_known;
   std::optional<PlacedText> m_cluster;
-  std::optional<std::vector<std::pair<PlacedText, PlacedText>>> m_inputs;
+  std::optional<TextsWithNames> m_inputs;
+  std::vector<std::string> m_measures;
+  std::optional<TextsWithNames> m_reference;
+  std::optional<TextsWithNames> m_far;
+  std::optional<TextsWithNames> m_near;
   std::optional<std::vector<PlacedText>> m_arguments;
   std::optional<std::vector<PlacedText>> m_tags;
   std::optional<std::vector<PlacedText>> m_after;

@@ -36,15 +36,32 @@ constexpr GuardOff kMixedViews[] = {
 
 constexpr GuardOff kSpatial[] = {{"level", "each ear hears what its direction leaves"}};
 
+// What tells how well something is done.
+constexpr std::string_view kCancellation[] = {"erle", "convergence", "near_sdr"};
+constexpr std::string_view kSuppression[] = {"noise_reduction", "speech_retained", "delta_snr",
+                                             "musical"};
+constexpr std::string_view kCoding[] = {"codec_delay", "band_limit", "band_difference", "seg_snr",
+                                        "lsd"};
+constexpr std::string_view kLikeness[] = {"si_sdr"};
+constexpr std::string_view kLengths[] = {"length_factor"};
+
 // Aec.
-constexpr SoundUse kNearEnd[] = {{.input = "{pNearendFileName}", .off = kCancelled}};
-constexpr SoundUse kTemp[] = {{.input = "wrpcmin.pcm", .off = kDenoised}};
-constexpr SoundUse kAecNoizeus[] = {{.input = ".pcm", .off = kDenoised}};
-constexpr SoundUse kZuAec[] = {{.input = "{inNearFile}", .off = kCancelled}};
-constexpr SoundUse kDenoiseInternal[] = {{.input = "{in}", .off = kDenoised}};
-constexpr SoundUse kListed[] = {{.input = ".wav", .off = kDenoised}};
+constexpr SoundUse kNearEnd[] = {{.input = "{pNearendFileName}",
+                                  .off = kCancelled,
+                                  .measures = kCancellation,
+                                  .far = "{pFarendFileName}"}};
+constexpr SoundUse kTemp[] = {{.input = "wrpcmin.pcm", .off = kDenoised, .measures = kSuppression}};
+constexpr SoundUse kAecNoizeus[] = {{.input = ".pcm", .off = kDenoised, .measures = kSuppression}};
+constexpr SoundUse kZuAec[] = {
+    {.input = "{inNearFile}", .off = kCancelled, .measures = kCancellation, .far = "{inFarFile}"}};
+constexpr SoundUse kDenoiseInternal[] = {
+    {.input = "{in}", .off = kDenoised, .measures = kSuppression}};
+constexpr SoundUse kListed[] = {{.input = ".wav", .off = kDenoised, .measures = kSuppression}};
 constexpr SoundUse kHardwareAec[] = {{.input = "noise_in.wav", .off = kGainControlled}};
-constexpr SoundUse kSoftAec[] = {{.input = "findcap.wav", .off = kCancelled}};
+constexpr SoundUse kSoftAec[] = {{.input = "findcap.wav",
+                                  .off = kCancelled,
+                                  .measures = kCancellation,
+                                  .far = "findreceive.wav"}};
 constexpr SoundUse kRecord[] = {{.output = "far.wav", .input = "test2.pcm", .off = kConverted},
                                 {.output = "out.wav", .input = "test.pcm", .off = kConverted},
                                 {.output = "near.wav", .noSound = "nothing is recorded there"}};
@@ -61,20 +78,25 @@ constexpr SoundUse kVadResult[] = {
     {.output = "vad_out.wav", .input = "swb_ref_16kHz.wav", .off = kGated},
     {.output = "vad_result.wav", .noSound = kMarkers, .speechMarks = 0}};
 constexpr SoundUse kMusicAgc[] = {{.input = ".wav", .off = kGainControlled}};
-constexpr SoundUse kDenoise[] = {{.input = "ns_in.wav", .off = kDenoised}};
+constexpr SoundUse kDenoise[] = {
+    {.input = "ns_in.wav", .off = kDenoised, .measures = kSuppression}};
 
 // The header of the file is encoded as samples, too.
 constexpr GuardOff kHeaderHeard[] = {{"click", "the header of the file is heard as samples"}};
 
 // Codecs.
-constexpr SoundUse kAudioEncode[] = {{.output = "dec.pcm", .input = "audio_test.pcm"}};
-constexpr SoundUse kEnhancedAac[] = {
-    {.output = "44100_2_out.pcm", .input = "44100_2_new1.wav", .off = kHeaderHeard}};
+constexpr SoundUse kAudioEncode[] = {
+    {.output = "dec.pcm", .input = "audio_test.pcm", .measures = kCoding, .faithful = true}};
+constexpr SoundUse kEnhancedAac[] = {{.output = "44100_2_out.pcm",
+                                      .input = "44100_2_new1.wav",
+                                      .off = kHeaderHeard,
+                                      .measures = kCoding,
+                                      .faithful = true}};
 constexpr SoundUse kFromStream[] = {{}};
 constexpr SoundUse kGatedMos[] = {
     {.output = "{pDstFileName}", .input = "{pSrcFileName}", .off = kGated},
     {.output = "{pVadResultFile}", .noSound = kMarkers, .speechMarks = 0}};
-constexpr SoundUse kChain[] = {{.input = "{wavInFileName}"}};
+constexpr SoundUse kChain[] = {{.input = "{wavInFileName}", .measures = kCoding, .faithful = true}};
 constexpr SoundUse kMockVad[] = {
     {.output = ".resample.wav", .input = "{refFile}", .off = kConverted},
     {.output = ".vadresult.wav", .noSound = kMarkers, .speechMarks = 0},
@@ -82,26 +104,34 @@ constexpr SoundUse kMockVad[] = {
     {.output = ".vadCodec.wav", .input = ".preproc.wav", .off = kGated},
     {.output = ".vadCodec.wav.dec.wav", .input = ".preproc.wav", .off = kGated},
     {.input = ".preproc.wav"}};
-constexpr SoundUse kAacCase[] = {{.output = ".dec.wav", .input = "{wavInFileName}"},
-                                 {.input = "{wavInFileName}", .off = kConverted}};
+constexpr SoundUse kAacCase[] = {
+    {.output = ".dec.wav", .input = "{wavInFileName}", .measures = kCoding, .faithful = true},
+    {.input = "{wavInFileName}", .off = kConverted}};
 
 // Effects.
 constexpr SoundUse kEqualizer[] = {{.input = ".wav", .off = kBoosted}};
 constexpr SoundUse kReverb[] = {{.input = "{pSrcFileName}"}};
-constexpr SoundUse kAccelerate[] = {{.input = ".wav", .comparable = false, .off = kChanged}};
+constexpr SoundUse kAccelerate[] = {
+    {.input = ".wav", .comparable = false, .off = kChanged, .measures = kLengths}};
 constexpr SoundUse kHrtf[] = {{.input = "44100_2.pcm", .off = kSpatial}};
 constexpr SoundUse kMusicDetector[] = {{.noSound = "samples beside markers, at a rate of its own"}};
 constexpr SoundUse kFromWave[] = {{.input = ".wav"}};
 constexpr SoundUse kPitched[] = {{.input = ".wav", .comparable = false}};
-constexpr SoundUse kResampled[] = {{.input = "{inFile}", .off = kConverted}};
-constexpr SoundUse kResampledFile[] = {{.input = ".wav", .off = kConverted}};
+constexpr SoundUse kResampled[] = {
+    {.input = "{inFile}", .off = kConverted, .measures = kLikeness, .faithful = true}};
+constexpr SoundUse kResampledFile[] = {
+    {.input = ".wav", .off = kConverted, .measures = kLikeness, .faithful = true}};
 
 // Mixing.
 constexpr SoundUse kBlockMixer[] = {{.input = ".wav", .off = kMixedViews}};
 constexpr SoundUse kCompressed[] = {{.input = ".wav", .leastLevel = -24}};
-constexpr SoundUse kSwept[] = {{.input = ".wav", .comparable = false, .off = kChanged}};
-constexpr SoundUse kHalfTempo[] = {
-    {.input = ".wav", .comparable = false, .lengthFactor = 2, .lengthTolerance = 1}};
+constexpr SoundUse kSwept[] = {
+    {.input = ".wav", .comparable = false, .off = kChanged, .measures = kLengths}};
+constexpr SoundUse kHalfTempo[] = {{.input = ".wav",
+                                    .comparable = false,
+                                    .lengthFactor = 2,
+                                    .lengthTolerance = 1,
+                                    .measures = kLengths}};
 constexpr SoundUse kRecordMixer[] = {{.input = "record_acc.wav"}};
 constexpr SoundUse kKaraokeRecorder[] = {{}};
 constexpr SoundUse kPushPcm[] = {{.input = ".pcm", .off = kConverted}};

@@ -30,6 +30,10 @@ struct SoundUse {
   // The channel, from 0, in which a detector marks what it takes for speech: with samples above
   // half of full scale. -1: in none.
   int speechMarks = -1;
+  // Measures (see docs/measures.md) that tell how well it is done, where what they need is there.
+  std::span<const std::string_view> measures = {};
+  std::string_view far = {};  // The end of the name of what the loudspeaker played.
+  bool faithful = false;      // The output should be what the input is: its reference.
 };
 
 // The first of them that is for an output of this name, as it is declared; null for none.

@@ -1,0 +1,17 @@
+#include "report/figure_json.h"
+
+namespace host {
+
+Json FigureJson(const MeasuredFigure& figure) {
+  return {{"file", figure.file.empty() ? Json() : Json(figure.file)},
+          {"channel", figure.channel ? Json(*figure.channel) : Json()},
+          {"name", figure.name},
+          {"value", figure.value ? Json(*figure.value) : Json()},
+          {"unit", figure.unit},
+          {"better", figure.better},
+          {"reason", figure.reason.empty() ? Json() : Json(figure.reason)},
+          {"version", figure.version},
+          {"untrusted", figure.untrusted}};
+}
+
+}  // namespace host

@@ -1,0 +1,137 @@
+// Figures in the report of a run and in the results of a suite.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "bench_process.h"
+#include "report_schema.h"
+#include "support/file_bytes.h"
+#include "support/temporary_directory.h"
+#include "support/tone.h"
+#include "support/voice.h"
+#include "support/wav_bytes.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+class RunFiguresTest : public testing::Test {
+ protected:
+  static Finished Bench(std::vector<std::string> words) {
+    words.insert(words.begin(), AUDIO_BENCH);
+    return RunProcess(words);
+  }
+
+  static void WriteWav(const std::string& path, const std::vector<short>& samples) {
+    WriteFile(path, WavBytes({.channels = 1, .rate = 16000}, samples));
+  }
+
+  static std::vector<short> Softer(std::vector<short> samples) {
+    for (short& each : samples) each = static_cast<short>(each / 2);
+    return samples;
+  }
+
+  // Runs a suite with these words into a folder and returns the figures of its last case.
+  static json CaseFigures(std::vector<std::string> words, const std::string& out = "results") {
+    words.insert(words.begin(), "suite");
+    words.insert(words.end(), {"--out", out});
+    const Finished finished = Bench(words);
+    EXPECT_EQ(finished.exitCode, 0) << finished.out << finished.err;
+    const json results = ParseResults(ReadFile(out + "/results.json"));
+    return results["cases"].empty() ? json() : results["cases"].back()["figures"];
+  }
+
+  // The figure of all channels, or the first there is.
+  static json One(const json& figures, const std::string& name) {
+    json found;
+    for (const json& each : figures) {
+      if (each["name"] == name && (found.is_null() || each["channel"].is_null())) found = each;
+    }
+    EXPECT_FALSE(found.is_null()) << "no figure " << name << " in " << figures;
+    return found;
+  }
+
+  static bool Has(const json& figures, const std::string& name) {
+    return std::ranges::any_of(figures, [&](const json& each) { return each["name"] == name; });
+  }
+
+  TemporaryDirectory m_directory;
+};
+
+TEST_F(RunFiguresTest, AReportHasLevelsOfEachOutputAndWhatTheRunTook) {
+  WriteWav("speech.wav", Babble(16000, 2));
+  const Finished run = Bench({"run", "TestHPFProcess", "--in", "speech.wav", "--work", "work",
+                              "--json", "r.json", "--", "in.wav", "out.wav"});
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  const json figures = ParseReport(ReadFile("r.json"))["figures"];
+  EXPECT_EQ(One(figures, "rtf")["file"], nullptr);
+  EXPECT_GT(One(figures, "peak_memory")["value"].get<double>(), 0);
+  EXPECT_EQ(One(figures, "rms")["file"], "out.wav");
+  const Finished measured =
+      Bench({"measure", "work/out.wav", "--measure", "rms", "--json", "m.json"});
+  EXPECT_EQ(measured.exitCode, 0) << measured.err;
+  EXPECT_EQ(ParseMeasured(ReadFile("m.json"))["figures"][0]["value"], One(figures, "rms")["value"]);
+}
+
+TEST_F(RunFiguresTest, ASuiteNamesMeasuresAndReferences) {
+  std::filesystem::create_directories("suite/clean");
+  WriteWav("suite/a.wav", Babble(16000, 3));
+  WriteWav("suite/clean/a.wav", Babble(16000, 3));
+  WriteFile("suite/s.toml", R"(
+      [[case]]
+      id = "{call}"
+      routine = "TestHPFProcess"
+      arguments = ["in.wav", "out.wav"]
+      each.call = ["a"]
+      in = { "in.wav" = "{call}.wav" }
+      measures = ["si_sdr", "loudness"]
+      reference = { "out.wav" = "clean/{call}.wav" }
+  )");
+  const json figures = CaseFigures({"suite/s.toml"});
+  EXPECT_GT(One(figures, "si_sdr")["value"].get<double>(), 0);
+  EXPECT_TRUE(Has(figures, "loudness"));
+  EXPECT_FALSE(Has(figures, "peak"));
+  EXPECT_THAT(ReadFile("results/results.csv"),
+              testing::ContainsRegex("a,TestHPFProcess,pass,out.wav,figure,si_sdr,[0-9]"));
+
+  // What an output is held against decides about the result.
+  WriteWav("suite/clean/a.wav", Tone(500, 8000, 16000, 48000));
+  const json again = CaseFigures({"suite/s.toml", "--resume"});
+  EXPECT_LT(One(again, "si_sdr")["value"].get<double>(), 0);
+  std::filesystem::remove("suite/clean/a.wav");
+  const json gone = CaseFigures({"suite/s.toml", "--resume"});
+  EXPECT_EQ(One(gone, "si_sdr")["value"], nullptr);
+  EXPECT_THAT(One(gone, "si_sdr")["reason"].get<std::string>(), HasSubstr("No such file"));
+}
+
+TEST_F(RunFiguresTest, ASuiteRefusesNamesThatThereAreNot) {
+  const std::string start =
+      "[[case]]\nid = \"a\"\nroutine = \"TestHPFProcess\"\n"
+      "arguments = [\"in.wav\", \"out.wav\"]\nin = { \"in.wav\" = \"a.wav\" }\n";
+  WriteFile("s.toml", start + "measures = [\"peak\", \"si_sbr\"]\n");
+  const Finished unknown = Bench({"suite", "s.toml", "--out", "results"});
+  EXPECT_EQ(unknown.exitCode, 2);
+  EXPECT_THAT(unknown.err,
+              HasSubstr("s.toml:6:21: no measure is called \"si_sbr\"; did you mean si_sdr?"));
+  WriteFile("s.toml", start + "reference = { \"ouf.wav\" = \"a.wav\" }\n");
+  const Finished other = Bench({"suite", "s.toml", "--out", "results"});
+  EXPECT_EQ(other.exitCode, 2);
+  EXPECT_THAT(other.err, HasSubstr("reference: TestHPFProcess writes no \"ouf.wav\" with these "
+                                   "arguments; did you mean \"out.wav\"?"));
+}
+
+TEST_F(RunFiguresTest, OnDemoRecordingsTheTruthIsKnown) {
+  const json quiet = CaseFigures({"TestDenoiseProcess"});
+  EXPECT_GT(One(quiet, "noise_reduction")["value"].get<double>(), 3);
+  EXPECT_GT(One(quiet, "delta_snr")["value"].get<double>(), 0);
+  EXPECT_TRUE(One(quiet, "musical")["value"].is_number());
+  const json echo = CaseFigures({"TestZUAec"}, "echo");
+  EXPECT_GT(One(echo, "erle")["value"].get<double>(), 10);
+  EXPECT_GT(One(echo, "near_sdr")["value"].get<double>(), 3);
+}
+
+}  // namespace
