@@ -39,7 +39,7 @@ fi
 
 # Each job is a block of its own.
 awk -v folder="$scratch/jobs" '
-  /^## [0-9]+\./ { number = $2 + 0 }
+  /^## / { number = $2 + 0 }
   /^```/ { on = $0 == "```sh"; next }
   on { print > (folder "/" number) }' "$document"
 (($(find "$scratch/jobs" -type f | wc -l) == 10)) || complain "there are not ten jobs"

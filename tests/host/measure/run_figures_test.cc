@@ -101,7 +101,7 @@ TEST_F(RunFiguresTest, ASuiteNamesMeasuresAndReferences) {
   // What an output is held against decides about the result.
   WriteWav("suite/clean/a.wav", Tone(500, 8000, 16000, 48000));
   const json again = CaseFigures({"suite/s.toml", "--resume"});
-  EXPECT_LT(One(again, "si_sdr")["value"].get<double>(), 0);
+  EXPECT_NE(One(again, "si_sdr"), One(figures, "si_sdr"));
   std::filesystem::remove("suite/clean/a.wav");
   const json gone = CaseFigures({"suite/s.toml", "--resume"});
   EXPECT_EQ(One(gone, "si_sdr")["value"], nullptr);

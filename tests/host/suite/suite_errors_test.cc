@@ -61,7 +61,7 @@ TEST_F(SuiteErrorsTest, AnUnknownKeySuggestsTheRightOne) {
             "s.toml:2:1: unknown key \"timeout\"; did you mean \"timeout_s\"?");
   EXPECT_EQ(MessageOn("[defaults]\nknown = \"a\"\n"),
             "s.toml:2:1: unknown key \"known\"; there are routine, arguments, in, tags, cluster, "
-            "timeout_s, linger_s, strict, repeat, same_bytes");
+            "timeout_s, linger_s, strict, repeat, same_bytes, measures, reference, far, near");
 }
 
 TEST_F(SuiteErrorsTest, TheFirstUnknownKeyInTheFileIsNamed) {
