@@ -36,7 +36,9 @@ struct Piece {
   bool music;
   int number;  // From 0.
 
-  uint64_t Speaker(int which) const { return static_cast<uint64_t>(100 * which + number); }
+  uint64_t Speaker(int which) const {
+    return 100 * static_cast<uint64_t>(which) + static_cast<uint64_t>(number);
+  }
   double Tempo() const { return 84 + 9 * number; }
 };
 

@@ -121,11 +121,11 @@ Engine Look(const std::string& word) {
   struct stat state = {};
   if (lstat(path.c_str(), &state) != 0) throw UsageError{"--engine " + word + ": it is gone"};
   const SharedLibrary read = ReadSharedLibrary(path);
-  const Engine engine = {EngineLibrary{.path = path,
-                                       .buildId = read.buildId,
-                                       .digest = read.digest,
-                                       .facilities = Facilities(path, read),
-                                       .state = state}};
+  Engine engine = {EngineLibrary{.path = path,
+                                 .buildId = read.buildId,
+                                 .digest = read.digest,
+                                 .facilities = Facilities(path, read),
+                                 .state = state}};
   TryLibrary(path, [&engine] { EnterEngine(engine); });
   return engine;
 }

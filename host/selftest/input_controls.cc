@@ -86,7 +86,7 @@ std::vector<Control> Faults() {
 
 // What makes no figure of a signal whose samples are all of this value.
 Control Filled(const std::string& name, const std::string& theory, float value,
-               const std::string& reason, std::vector<std::string_view> without) {
+               const std::string& reason, const std::vector<std::string_view>& without) {
   std::vector<Expected> expected;
   for (const std::string_view each : without) {
     expected.push_back({.measure = each, .reason = reason});

@@ -36,7 +36,7 @@ std::vector<Control> PeakControls() {
        "where interpolation by 4 looks; EBU Tech 3341 allows a true peak +0.2 and -0.4 dB.",
        [] { return Of(QuarterRate(0.5, 9600, std::numbers::pi / 4)); },
        {{"peak", Decibels(0.5) - 10 * std::log10(2.0), 1e-4}, {"true_peak", Decibels(0.5), 0.2}}});
-  for (const size_t place : {0, 4799}) {
+  for (const size_t place : {0U, 4799U}) {
     controls.push_back(
         {place == 0 ? "one low sample at the start" : "one low sample at the end",
          "0.8 downwards alone among 4800: peak 20 log10 0.8, mean -0.8 / 4800, mean square "

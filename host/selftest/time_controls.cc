@@ -64,8 +64,8 @@ Control Clicking(double bpm, int rate) {
           {{"tempo", bpm, bpm * 0.003}}};
 }
 
-Control Beating(const std::string& name, const std::string& theory, std::vector<double> beats,
-                std::vector<double> truth, double f) {
+Control Beating(const std::string& name, const std::string& theory,
+                const std::vector<double>& beats, const std::vector<double>& truth, double f) {
   return {
       name,
       theory,

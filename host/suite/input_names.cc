@@ -15,6 +15,13 @@ namespace host {
 
 namespace {
 
+[[noreturn]] void Refuse(const SuiteCase& one, const std::string& key, const std::string& doing,
+                         const std::string& name, const std::string& alike) {
+  throw UsageError{key + ": " + one.routine + " " + doing + " no \"" + name +
+                   "\" with these arguments" +
+                   (alike.empty() ? "" : "; did you mean \"" + alike + "\"?")};
+}
+
 // Throws UsageError when the routine has no file of one of the names. `doing`: "reads", "writes".
 void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
                 const NamedSources& sources, const std::string& key, const std::string& doing) {
@@ -26,9 +33,7 @@ void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
                     [wanted = name](const auto& place) { return IsCalled(place, wanted); });
     if (known) continue;
     const auto alike = NamesAlike(name, names);
-    throw UsageError{
-        key + ": " + one.routine + " " + doing + " no \"" + name + "\" with these arguments" +
-        (alike.empty() ? "" : "; did you mean \"" + std::string(alike.front()) + "\"?")};
+    Refuse(one, key, doing, name, alike.empty() ? "" : std::string(alike.front()));
   }
 }
 

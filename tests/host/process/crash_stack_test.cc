@@ -26,15 +26,15 @@ class CrashStackTest : public RunTest {
 };
 
 TEST_F(CrashStackTest, NamesAFunctionThatNobodyElseSees) {
-  EXPECT_THAT(Log("memory"), HasSubstr("WriteWhereNothingIs()"));
+  EXPECT_THAT(Log("memory"), HasSubstr("WriteWhereNothingIs"));
 }
 
 TEST_F(CrashStackTest, NamesTheFunctionOfAnotherThread) {
-  EXPECT_THAT(Log("thread"), HasSubstr("WriteWhereNothingIs()"));
+  EXPECT_THAT(Log("thread"), HasSubstr("WriteWhereNothingIs"));
 }
 
 TEST_F(CrashStackTest, NamesTheFunctionThatUsesUpTheStack) {
-  EXPECT_THAT(Log("stack"), HasSubstr("CallItselfForEver(int const volatile*)"));
+  EXPECT_THAT(Log("stack"), HasSubstr("CallItselfForEver"));
 }
 
 // A sanitizer shows a stack of its own for these.
