@@ -40,7 +40,7 @@ Json Parsed(const std::string& path) {
 // been moved since, beside the report.
 fs::path Workspace(const Json& report, const std::string& path) {
   fs::path recorded = fs::path(report.at("directory").get<std::string>()) /
-                            report.at("workspace").get<std::string>();
+                      report.at("workspace").get<std::string>();
   std::error_code error;
   if (fs::is_directory(recorded, error)) return recorded;
   const fs::path own = fs::absolute(path, error).lexically_normal();
