@@ -23,7 +23,8 @@ int main() {
     int number = 0;
     while (numbers >> value >> number) {
       values.push_back(value);
-      statistics::Cluster& cluster = byNumber.try_emplace(number, statistics::Cluster{0, 0}).first->second;
+      statistics::Cluster& cluster =
+          byNumber.try_emplace(number, statistics::Cluster{0, 0}).first->second;
       cluster.sum += value;
       cluster.count += 1;
     }
