@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "compare/comparison.h"
 
@@ -26,5 +27,13 @@ std::string JunitComparison(const Comparison& comparison);
 
 // The place of something, for readers: "aec-1 out.wav si_sdr".
 std::string PlaceText(const std::string& caseId, const std::string& file, const std::string& name);
+
+// The places of guards, or of things that one side only has.
+template <class Placed>
+std::vector<std::string> PlaceTexts(const std::vector<Placed>& all) {
+  std::vector<std::string> texts;
+  for (const Placed& each : all) texts.push_back(PlaceText(each.caseId, each.file, each.name));
+  return texts;
+}
 
 }  // namespace host

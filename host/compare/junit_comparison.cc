@@ -69,17 +69,9 @@ std::string JunitComparison(const Comparison& comparison) {
   for (const FallenVerdict& each : comparison.fallen) {
     fallen.push_back(each.caseId + ": " + each.a + " to " + each.b);
   }
-  std::vector<std::string> guards;
-  for (const NewGuard& each : comparison.guards) {
-    guards.push_back(PlaceText(each.caseId, each.file, each.name));
-  }
-  std::vector<std::string> gone;
-  for (const OnlyThere& each : comparison.gone) {
-    gone.push_back(PlaceText(each.caseId, each.file, each.name));
-  }
   AddList(all, "verdicts", "have fallen", fallen);
-  AddList(all, "guards", "are new", guards);
-  AddList(all, "files and figures", "are gone", gone);
+  AddList(all, "guards", "are new", PlaceTexts(comparison.guards));
+  AddList(all, "files and figures", "are gone", PlaceTexts(comparison.gone));
   for (const MeasureComparison& each : comparison.measures) {
     const std::string text = MeasureText(each);
     const bool fails = IsWorse(each.verdict) && each.holds;

@@ -112,22 +112,13 @@ std::string Losses(const Comparison& comparison) {
   for (const FallenVerdict& each : comparison.fallen) {
     fallen.push_back(each.caseId + "  " + each.a + " -> " + each.b);
   }
-  std::vector<std::string> guards;
-  for (const NewGuard& each : comparison.guards) {
-    guards.push_back(PlaceText(each.caseId, each.file, each.name));
-  }
-  std::vector<std::string> gone;
-  for (const OnlyThere& each : comparison.gone) {
-    gone.push_back(PlaceText(each.caseId, each.file, each.name));
-  }
-  const std::string text = Lines("fallen", fallen) + Lines("guard", guards) + Lines("gone", gone);
+  const std::string text = Lines("fallen", fallen) + Lines("guard", PlaceTexts(comparison.guards)) +
+                           Lines("gone", PlaceTexts(comparison.gone));
   return text.empty() ? "" : "\n" + text;
 }
 
 std::string News(const std::vector<OnlyThere>& added) {
-  std::vector<std::string> lines;
-  for (const OnlyThere& each : added) lines.push_back(PlaceText(each.caseId, each.file, each.name));
-  const std::string text = Lines("new", lines);
+  const std::string text = Lines("new", PlaceTexts(added));
   return text.empty() ? "" : "\n" + text;
 }
 
