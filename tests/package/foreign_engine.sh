@@ -1,6 +1,6 @@
 #!/bin/bash
 # The bench builds and runs on an engine library that is not the desktop engine:
-# foreign_engine.sh CMAKE COMPILER NM ENGINE_SOURCES SCRATCH_FOLDER
+# foreign_engine.sh CMAKE COMPILER NM ENGINE_SOURCES SCRATCH_FOLDER [CMAKE_ARGUMENT...]
 set -euo pipefail
 trap 'echo "failed: $BASH_COMMAND" >&2' ERR
 
@@ -14,7 +14,7 @@ rm -rf "$scratch/prefix" "$scratch/workspace"
 "$cmake" --build "$scratch/engine" >&2
 library=$scratch/engine/libforeign_engine.so
 "$cmake" -S "$here/../.." -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-  -DCMAKE_BUILD_TYPE=None -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
+  "${@:6}" -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
 "$cmake" --build "$build" >&2
 "$cmake" --install "$build" --prefix "$scratch/prefix" >/dev/null
 
