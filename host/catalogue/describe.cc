@@ -19,13 +19,6 @@ std::string Line(std::string_view label, std::string_view text) {
   return WrapText(text, head, kIndent, kWidth);
 }
 
-// What happens without an optional input.
-std::string WithoutIt(const FileUse& use) {
-  if (use.dispensable) return "the outputs are as good without it";
-  return use.needed ? "without it the outputs say nothing"
-                    : "without it the routine comes to its end, with what there is";
-}
-
 std::string FileLines(std::string_view label, const FileGroup& group) {
   const FileUse& use = group.use;
   std::string format = label == "input" ? TakenFormat(use) : FileFormat(use);
@@ -34,11 +27,12 @@ std::string FileLines(std::string_view label, const FileGroup& group) {
   if (use.blockBytes == 0 && use.blockMs > 0 && label == "input") {
     format += "; at least " + std::to_string(use.blockMs) + " ms";
   }
-  if (use.optional) format += "; optional: " + WithoutIt(use);
+  if (use.optional) format += "; optional";
   if (label == "output") format += use.appended ? "; a run adds to it" : "; replaced";
   std::string lines = Line(label, use.name) + Line("", format);
   const auto place = KnownPlace(use);
   if (place) lines += Line("", "in the workspace: " + *place);
+  if (!use.without.empty()) lines += Line("", "without it: " + use.without);
   if (!use.partRead.empty()) lines += Line("", "may be read in part: " + use.partRead);
   if (!use.remark.empty()) lines += Line("", use.remark);
   return lines;

@@ -62,6 +62,7 @@ Json FileJson(const FileGroup& group) {
           {"channel_counts", ChannelCountsJson(use)},
           {"block", Declared(use.blockBytes, "bytes", "none is needed, or the header decides")},
           {"optional", use.optional},
+          {"without", TextOrNull(use.without)},
           {"may_be_empty", use.mayBeEmpty},
           {"appended", use.appended},
           {"part_read", TextOrNull(use.partRead)},

@@ -58,7 +58,8 @@ FileUse Framed(std::string name, WaveHeader header) {
 
 // The far end may lack a header: it is read from its first byte.
 FileUse FarEndWithoutHeader() {
-  FileUse use = Optional(Framed("{pFarendFileName}", WaveHeader::kSamples));
+  FileUse use =
+      Optional(Framed("{pFarendFileName}", WaveHeader::kSamples), "the far end is silence");
   use.partRead = "it may be longer than the near end";
   use.headerlessToo = true;
   return use;
@@ -150,8 +151,10 @@ const CatalogueRow kRows[] = {
                     TakenFor("C:\\aecfiles\\nearend.wav", kMono16, 2, WaveHeader::kSamples))}},
     {.declared = declared::TestRecord,
      .exercises = "CAecFileWriter recording of far/out data and echo-detection start",
-     .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400)),
-                WithFirst(Dispensable(Headerless("F:\\sample\\test2.pcm", 16000, 1)))},
+     .inputs = {Optional(Headerless("F:\\sample\\test.pcm", 16000, 1, 400),
+                         "the routine prints \"Can't Open Input File!\" and leaves no output"),
+                WithFirst(Dispensable(Headerless("F:\\sample\\test2.pcm", 16000, 1),
+                                      "near.wav holds no samples; the others are whole"))},
      .outputs = {Wave("far.wav"), Empty(Wave("near.wav")), Wave("out.wav"),
                  Empty(Text("delay.txt")), Text("log.txt")},
      .runsOn = 2},

@@ -15,6 +15,9 @@ namespace harness {
 
 namespace {
 
+constexpr const char* kNoStream =
+    "the routine logs \"can not open aac+ file\" and leaves no output";
+
 // Samples or frames of which the routine keeps at most so many bytes as an int counts, in whole
 // frames: with room for less than the longest, 120 ms of 48 kHz stereo, it may be full.
 FileUse Full(FileUse use) {
@@ -23,7 +26,8 @@ FileUse Full(FileUse use) {
 }
 
 FileUse PreprocessedSpeech() {
-  FileUse use = Optional(TakenFor("{refFile}.preproc.wav", kMono16, 320, WaveHeader::kCopied));
+  FileUse use = Optional(TakenFor("{refFile}.preproc.wav", kMono16, 320, WaveHeader::kCopied),
+                         "only the resampled reference is made; the other files hold no samples");
   use.remark = "nothing in the bench writes it";
   return use;
 }
@@ -110,13 +114,14 @@ FileUse EncodedByItsFormat() {
 const CatalogueRow kRows[] = {
     {.declared = declared::TestZUStreamToAAC,
      .exercises = "wrapper: calls TestAACStreamToAAC",
-     .inputs = {Optional(Other("packer.48k.aac", "coded audio"))},
+     .inputs = {Optional(Other("packer.48k.aac", "coded audio"), kNoStream)},
      .outputs = {Full(Other("48k.aac", "AAC stream"))},
      .lacking = NeedsFamily<kAudioCodecAACHIGH>},
     {.declared = declared::TestAudioEncode,
      .exercises = "AudioLocalCodec encoder then decoder: \"audio_test.pcm\" to \"out.enc\" to "
                   "\"dec.pcm\"",
-     .inputs = {Optional(Headerless("audio_test.pcm", 44100, 2))},
+     .inputs = {Optional(Headerless("audio_test.pcm", 44100, 2),
+                         "the routine prints \"Can't Open Input File!\"; out.enc is empty")},
      .outputs = {Other("out.enc", "coded audio"), Headerless("dec.pcm", 44100, 2)},
      .lacking = NeedsType<AudioLocalCodec::AAC_ELD_CODEC>},
     {.declared = declared::TestZUEAACCodec,
@@ -141,12 +146,12 @@ const CatalogueRow kRows[] = {
      .lacking = NeedsTypeOfWord<2>},
     {.declared = declared::TestSilkPackerOut,
      .exercises = "AudioProcessor decoding of packed frames (\"packer.out\" to \"packer.pcm\")",
-     .inputs = {Optional(Stream("packer.out", PackedStreamEnd))},
+     .inputs = {Optional(Stream("packer.out", PackedStreamEnd), "packer.pcm is empty")},
      .outputs = {Headerless("packer.pcm", 16000, 1)},
      .lacking = NeedsFamily<kAudioCodecSilk>},
     {.declared = declared::TestAACStreamToAAC,
      .exercises = "TransZUStreamToAAC conversion \"packer.48k.aac\" to \"48k.aac\"",
-     .inputs = {Optional(Other("packer.48k.aac", "coded audio"))},
+     .inputs = {Optional(Other("packer.48k.aac", "coded audio"), kNoStream)},
      .outputs = {Full(Other("48k.aac", "AAC stream"))},
      .lacking = NeedsFamily<kAudioCodecAACHIGH>},
     {.declared = declared::TestVADCodecMosByVADResult,

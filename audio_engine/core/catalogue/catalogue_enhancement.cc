@@ -21,10 +21,9 @@ int Number(std::string_view word) {
 }
 
 // A file whose absence ends in outputs that say nothing.
-FileUse Needed(FileUse use) {
-  use.optional = true;
+FileUse Needed(FileUse use, std::string without) {
   use.needed = true;
-  return use;
+  return Optional(std::move(use), std::move(without));
 }
 
 // What algorithm `ns` is scored by.
@@ -56,6 +55,7 @@ std::vector<FileUse> Foreign(std::vector<FileUse> uses) {
     use.optional = true;
     use.needed = false;
     use.dispensable = true;
+    use.without = "its tables hold no figures";
   }
   return uses;
 }
@@ -99,7 +99,8 @@ const CatalogueRow kRows[] = {
     {.declared = declared::TestVADProcess,
      .exercises = "voice activity detection (CVoiceDetectionEx, WebRtcVad_*), writing gated "
                   "audio and per-frame results",
-     .inputs = {Optional(TakenFor("{pSrcFileName}", kMono16, 320, WaveHeader::kCopied))},
+     .inputs = {Optional(TakenFor("{pSrcFileName}", kMono16, 320, WaveHeader::kCopied),
+                         "the routine prints \"Open Source File Error..\" and leaves no output")},
      .outputs = {WithForeignHeader(Wave("{pDstFileName}")),
                  WithForeignHeader(Wave("{pResultFileName}"))}},
     {.declared = declared::MeasureAverageSNR,
@@ -138,7 +139,8 @@ const CatalogueRow kRows[] = {
      .exercises = "VAD quality measures (bandwidth saving, PESQ, false and faulty alarm)"},
     {.declared = declared::TestVAD,
      .exercises = "batch VAD evaluation writing a tab-separated results table",
-     .inputs = {Needed(Text("F:/Stream/vad/input/vad_input_description.txt"))},
+     .inputs = {Needed(Text("F:/Stream/vad/input/vad_input_description.txt"),
+                       "the report has its heading alone")},
      .outputs = {Text("F:/Stream/vad/output/report_{version}.txt")},
      .listed = VadRecordings},
     {.declared = declared::TestSpeexAgc,

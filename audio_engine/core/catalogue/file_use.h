@@ -67,16 +67,17 @@ inline FileUse Headerless(std::string name, int rate, int channels, int blockByt
           .blockBytes = blockBytes};
 }
 
-// A file whose absence is an outcome of the routine.
-inline FileUse Optional(FileUse use) {
+// A file whose absence is an outcome of the routine, and which.
+inline FileUse Optional(FileUse use, std::string without) {
   use.optional = true;
+  use.without = std::move(without);
   return use;
 }
 
-// The same, where the outputs are as good without it.
-inline FileUse Dispensable(FileUse use) {
+// The same, where the outputs are as they should be without it.
+inline FileUse Dispensable(FileUse use, std::string without) {
   use.dispensable = true;
-  return Optional(std::move(use));
+  return Optional(std::move(use), std::move(without));
 }
 
 // A file that is right only in the format of another input.

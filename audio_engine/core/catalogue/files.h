@@ -70,6 +70,7 @@ struct FileUse {
   // own.
   bool optional = false;
   bool needed = false;  // An optional input without which the outputs are there and say nothing.
+  std::string without = {};  // What comes of a run without an optional input, for readers.
   bool dispensable = false;  // An optional input without which the outputs are as they should be.
   bool mayBeEmpty = false;   // An output that is as it should be without content.
   // An input that is read alongside another one, as a far end with its near end, so that in lists

@@ -272,6 +272,18 @@ TEST(Catalogue, RunsWhatReportsItsMissingInput) {
   }
 }
 
+TEST(Catalogue, SaysWhatComesOfARunWithoutAnOptionalInput) {
+  std::string silent;
+  for (const CatalogueRow& row : Catalogue()) {
+    for (const auto& use : row.inputs) {
+      if (use.optional == use.without.empty())
+        silent += std::string(row.declared.words.name) + ": " + use.name + "\n";
+    }
+  }
+  EXPECT_EQ(silent, "");
+  EXPECT_EQ(Row("TestKaraokeRecorder").inputs.at(2).without, "no line is scored");
+}
+
 TEST(Catalogue, NamesTheFilesOfTheSelectedTest) {
   for (const char* routine : {"RunTestCase", "TestHRTF"}) {
     const CatalogueRow& row = Row(routine);

@@ -140,6 +140,7 @@ TEST(CatalogueWords, GiveARowAsJson) {
             "reason": "none is needed, or the header decides"
           },
           "optional": true,
+          "without": null,
           "may_be_empty": false,
           "appended": false,
           "part_read": null,
@@ -175,6 +176,7 @@ TEST(CatalogueWords, GiveARowAsJson) {
             "reason": "none is needed, or the header decides"
           },
           "optional": false,
+          "without": null,
           "may_be_empty": false,
           "appended": false,
           "part_read": null,
