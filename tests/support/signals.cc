@@ -68,6 +68,11 @@ std::vector<short> Interleaved(const std::vector<short>& left, const std::vector
   return samples;
 }
 
+std::vector<short> Opposed(std::vector<short> samples) {
+  for (short& sample : samples) sample = static_cast<short>(std::max(-sample, -32767));
+  return samples;
+}
+
 std::vector<short> Channel(const std::vector<short>& samples, int channels, int channel) {
   std::vector<short> one;
   for (auto i = static_cast<size_t>(channel); i < samples.size();

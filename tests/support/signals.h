@@ -19,6 +19,9 @@ std::vector<double> ToDoubles(std::span<const short> samples);
 std::vector<short> Interleaved(const std::vector<short>& left, const std::vector<short>& right);
 std::vector<short> Channel(const std::vector<short>& samples, int channels, int channel);
 
+// The same in opposite phase: what a sum of both channels cancels.
+std::vector<short> Opposed(std::vector<short> samples);
+
 double Decibels(double ratio);  // Of amplitudes.
 double Rms(std::span<const double> samples);
 double Peak(std::span<const double> samples);

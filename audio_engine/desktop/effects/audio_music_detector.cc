@@ -113,10 +113,11 @@ void AudioMusicDetector::Process(zuwebrtc::AudioFrame& frame) {
   const desktop::DenormalGuard guard;
   const int channels = frame.num_channels_;
   for (int i = 0; i < frame.samples_per_channel_; ++i) {
-    int sum = 0;
-    for (int c = 0; c < channels; ++c) sum += frame.data_[i * channels + c];
-    const float sample = static_cast<float>(sum) / (32768.0f * static_cast<float>(channels));
-    if (impl.features.Push(sample)) impl.Decide();
+    float samples[desktop::kMaxEffectChannels];
+    for (int c = 0; c < channels; ++c) {
+      samples[c] = static_cast<float>(frame.data_[i * channels + c]) / 32768.0f;
+    }
+    if (impl.features.Push(samples, channels)) impl.Decide();
   }
 }
 

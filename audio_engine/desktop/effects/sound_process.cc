@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <numeric>
 #include <span>
 
 #include "desktop/common/counts.h"
@@ -37,25 +38,26 @@ struct Repetition {
 // Returns how many frames last so many tenths of a millisecond, rounded up.
 size_t Frames(unsigned rate, unsigned tenths) { return (size_t{rate} * tenths + 9999) / 10000; }
 
-// Adds up all channels of a block, so that they are cut at the same place.
-void Mix(const short* in, unsigned channels, std::span<float> mono) {
-  for (size_t i = 0; i < mono.size(); ++i) {
-    int sum = 0;
-    for (size_t channel = 0; channel < channels; ++channel) sum += in[i * channels + channel];
-    mono[i] = static_cast<float>(sum);
-  }
-}
+// The frames of a block, interleaved.
+struct Block {
+  const float* samples;
+  size_t frames;
+  size_t channels;
+
+  const float* At(size_t frame) const { return samples + frame * channels; }
+};
 
 // Returns the best repetition with a lag of `lowest` to `highest` frames. It is looked for early,
 // amid and late in the block.
-Repetition Search(std::span<const float> mono, unsigned rate, size_t lowest, size_t highest) {
+Repetition Search(const Block& block, unsigned rate, size_t lowest, size_t highest) {
   const size_t overlap = Frames(rate, 70);
-  const size_t slack = mono.size() - overlap - highest;
+  const size_t slack = block.frames - overlap - highest;
   const size_t step = std::max(rate / 11000, 1U);
   Repetition best;
   for (const size_t first : {slack / 2, slack / 8, slack - slack / 8}) {
-    const desktop::Match match = desktop::BestMatch(
-        mono.data() + first, overlap, mono.data() + first + lowest, highest - lowest + 1, step);
+    const desktop::Match match =
+        desktop::BestMatch(block.At(first), overlap, block.At(first + lowest), highest - lowest + 1,
+                           step, block.channels);
     if (match.likeness > best.likeness) {
       best = {first, lowest + match.place, overlap, match.likeness};
     }
@@ -65,22 +67,28 @@ Repetition Search(std::span<const float> mono, unsigned rate, size_t lowest, siz
 
 // Returns true for half the blocks of a voice, by where its pulses happen to lie in them: a choice
 // that needs no memory of the block before.
-bool PulsesLieEarly(std::span<const float> mono, size_t period) {
-  const auto quieter = [](float a, float b) { return std::fabs(a) < std::fabs(b); };
-  const auto loudest = std::max_element(mono.begin(), mono.end(), quieter);
-  return static_cast<size_t>(loudest - mono.begin()) % period < period / 2;
+bool PulsesLieEarly(const Block& block, size_t period) {
+  size_t loudest = 0;
+  float most = -1;
+  for (size_t frame = 0; frame < block.frames; ++frame) {
+    const float* samples = block.At(frame);
+    const float power = std::inner_product(samples, samples + block.channels, samples, 0.0F);
+    if (power > most) loudest = frame;
+    most = std::max(most, power);
+  }
+  return loudest % period < period / 2;
 }
 
 // Returns what to take out or put in; its lag is 0 when the block is to stay as it is.
-Repetition FindRepetition(std::span<const float> mono, unsigned rate, bool always) {
+Repetition FindRepetition(const Block& block, unsigned rate, bool always) {
   const size_t shortest = Frames(rate, 24);
   const size_t longest = Frames(rate, 90) - 1;
-  const Repetition best = Search(mono, rate, shortest, longest);
+  const Repetition best = Search(block, rate, shortest, longest);
   if (best.likeness < kHardlyAlike) {
-    const Repetition low = Search(mono, rate, longest + 1, Frames(rate, 125));
+    const Repetition low = Search(block, rate, longest + 1, Frames(rate, 125));
     if (low.likeness > kLowVoice) {
       // A whole period of every block would be more than a third of it.
-      return PulsesLieEarly(mono, low.lag) ? low : Repetition();
+      return PulsesLieEarly(block, low.lag) ? low : Repetition();
     }
   }
   return always || best.likeness >= kPeriodic ? best : Repetition();
@@ -122,10 +130,9 @@ int Process(unsigned rate, unsigned channels, const short* in, unsigned samples,
       frames > kMaxFrames) {
     return Refuse(kSoundProcessBadBlock, "a block that does not last 30 ms");
   }
-  std::array<float, kMaxFrames> room30Ms;
-  const std::span<float> mono(room30Ms.data(), frames);
-  Mix(in, channels, mono);
-  const Repetition found = FindRepetition(mono, rate, always);
+  std::array<float, kMaxFrames * kMaxChannels> floats;
+  std::copy_n(in, frames * channels, floats.begin());
+  const Repetition found = FindRepetition({floats.data(), frames, channels}, rate, always);
   const size_t lag = found.lag * channels;
   if ((shorter ? samples - lag : samples + lag) > room) {
     return Refuse(kSoundProcessNoRoom, "too little room for the block");

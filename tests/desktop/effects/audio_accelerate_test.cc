@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/voice.h"
 
 using testing::SizeIs;
@@ -92,6 +93,14 @@ TEST(AudioAccelerate, KeepsStereoInStep) {
   for (const short sample : mono) in.insert(in.end(), {sample, static_cast<short>(sample / 2)});
   const Shorts out = Play(*Enabled(40), in, 44100, 2);
   for (size_t i = 0; i + 1 < out.size(); i += 2) ASSERT_NEAR(out[i + 1], out[i] / 2.0, 1.01);
+}
+
+TEST(AudioAccelerate, HearsChannelsThatCancelEachOther) {
+  const Shorts mono = Babble(16000, 4);
+  const Shorts expected = Play(*Enabled(25), mono, 16000, 1);
+  const Shorts out = Play(*Enabled(25), Interleaved(mono, Opposed(mono)), 16000, 2);
+  EXPECT_EQ(Channel(out, 2, 0), expected);
+  EXPECT_EQ(Channel(out, 2, 1), Opposed(expected));
 }
 
 TEST(AudioAccelerate, SwitchesOnAndOffWithoutAJump) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "process_frames.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"
@@ -127,7 +128,9 @@ struct Verdict {
   int changes = 0;   // Of the decision, all in all.
 };
 
-Verdict Listen(AudioMusicDetector& detector, const Doubles& sound, int rate, int channels) {
+// What a detector says of a sound. Each channel after the first has `phase` times the first one.
+Verdict Listen(AudioMusicDetector& detector, const Doubles& sound, int rate, int channels,
+               int phase = 1) {
   const std::vector<short> samples = ToShorts(sound);
   Verdict verdict;
   int blocks = 0, music = 0;
@@ -140,7 +143,8 @@ Verdict Listen(AudioMusicDetector& detector, const Doubles& sound, int rate, int
     frame.samples_per_channel_ = rate / 100;
     for (size_t i = 0; i < frames; ++i) {
       for (size_t c = 0; c < static_cast<size_t>(channels); ++c) {
-        frame.data_[i * static_cast<size_t>(channels) + c] = samples[at + i];
+        const int sample = samples[at + i] * (c == 0 ? 1 : phase);
+        frame.data_[i * static_cast<size_t>(channels) + c] = static_cast<short>(sample);
       }
     }
     detector.Process(frame);
@@ -171,6 +175,38 @@ TEST(AudioMusicDetectorTest, TellsMusicFromSpeechAtEveryRate) {
       EXPECT_LE(speech.changes, 2) << rate << " x " << channels;
     }
   }
+}
+
+// As a song whose centre was taken out has them, or a channel that is not connected.
+TEST(AudioMusicDetectorTest, HearsChannelsThatCancelEachOther) {
+  for (const int phase : {-1, 0}) {
+    AudioMusicDetector song, talk;
+    song.Enable(true);
+    talk.Enable(true);
+    EXPECT_GT(Listen(song, Song(16000, 12, true, true, true), 16000, 2, phase).share, 0.97);
+    EXPECT_LT(Listen(talk, Speech(16000, 12), 16000, 2, phase).share, 0.03);
+  }
+}
+
+TEST(AudioMusicDetectorTest, HearsBothChannels) {
+  const Doubles song = Song(16000, 6, true, true, true);
+  const std::vector<short> sound = ToShorts(song);
+  const std::vector<short> right = Interleaved(std::vector<short>(sound.size()), sound);
+  AudioMusicDetector detector;
+  detector.Enable(true);
+  ProcessFrames(detector, right, 16000, 2);
+  EXPECT_TRUE(detector.IsMusic());
+}
+
+// A second channel that comes later begins as the first one, without an onset of its own.
+TEST(AudioMusicDetectorTest, GoesOnWhenTheChannelsChange) {
+  const Doubles song = Song(16000, 6, true, true, true);
+  AudioMusicDetector detector;
+  detector.Enable(true);
+  Listen(detector, song, 16000, 1);
+  ASSERT_TRUE(detector.IsMusic());
+  EXPECT_EQ(Listen(detector, song, 16000, 2).changes, 0);
+  EXPECT_EQ(Listen(detector, song, 16000, 1).changes, 0);
 }
 
 TEST(AudioMusicDetectorTest, KnowsMusicByItsTonesOrByItsBeat) {

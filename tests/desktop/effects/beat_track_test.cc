@@ -8,6 +8,7 @@
 
 #include "support/captured_stderr.h"
 #include "support/drum_loop.h"
+#include "support/signals.h"
 #include "support/voice.h"
 
 using testing::AllOf;
@@ -102,6 +103,18 @@ TEST(BeatTrack, WorksAtEveryRateMonoAndStereo) {
       EXPECT_NEAR(listener.tempi.back(), 120, 2);
     }
   }
+}
+
+TEST(BeatTrack, HearsChannelsThatCancelEachOther) {
+  const DrumLoop loop = RenderLoop(Groove::kRock, 120, 12, 0.2, 22050);
+  const Listener mono = Listen(loop.samples, 22050, 1, 220);
+  ASSERT_THAT(mono.times, testing::Not(IsEmpty()));
+  const std::vector<short> stereo = Interleaved(loop.samples, Opposed(loop.samples));
+  const Listener listener = Listen(stereo, 22050, 2, 440);
+  EXPECT_THAT(listener.times, testing::Pointwise(testing::DoubleEq(), mono.times));
+  // As one channel says that is beside a silent one.
+  const std::vector<short> silence(loop.samples.size());
+  EXPECT_EQ(Listen(Interleaved(silence, loop.samples), 22050, 2, 440).times, listener.times);
 }
 
 TEST(BeatTrack, TellsTheFirstBeatWithinSixSeconds) {

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/voice.h"
 
 using testing::IsEmpty;
@@ -60,6 +61,30 @@ TEST(RateChanger, SweepsWithEachSegmentOfTheRightLength) {
   }
 }
 
+// How much of the input the output is behind, at most, beyond the block of 10 ms that has just
+// come.
+TEST(RateChanger, KeepsNoMoreInsideThanItsHeaderSays) {
+  for (const double ratio : {0.25, 0.5, 1.0, 1.5, 1.61, 2.0, 3.0, 4.0}) {
+    for (const int rate : {8000, 44100}) {
+      Shorts in = Babble(rate, 4);
+      RateChanger changer(true);
+      Start(changer, ratio, rate, 1);
+      const auto block = static_cast<size_t>(rate / 100);
+      size_t given = 0;
+      double most = 0;
+      for (size_t done = block; done <= in.size(); done += block) {
+        given += Pass(changer, in, done - block, done, rate, 1).size();
+        const double behind = static_cast<double>(done) - static_cast<double>(given) * ratio;
+        most = std::max(most, 1000 * behind / rate);
+      }
+      EXPECT_LE(most, 100) << ratio << " at " << rate;
+      if (ratio == 1) {
+        EXPECT_EQ(most, 0);
+      }
+    }
+  }
+}
+
 TEST(RateChanger, ChangesTheSpeedWithoutAJump) {
   Shorts in = SungNote(220, 44100, 12);
   RateChanger changer(true);
@@ -74,6 +99,44 @@ TEST(RateChanger, ChangesTheSpeedWithoutAJump) {
   }
   EXPECT_LE(LargestStep(out), 1.02 * LargestStep(in));
   EXPECT_NEAR(CentsOff(out, 220, 44100), 0, 5);
+}
+
+// Whatever their phase, the channels are joined where one alone would be.
+TEST(RateChanger, HearsChannelsThatCancelEachOther) {
+  Shorts mono = Babble(16000, 4);
+  const Shorts silence(mono.size());
+  for (const double ratio : {0.5, 2.0}) {
+    RateChanger alone(true);
+    Start(alone, ratio, 16000, 1);
+    const Shorts expected = Pass(alone, mono, 0, mono.size(), 16000, 1);
+    for (const bool left : {true, false}) {
+      Shorts stereo = Interleaved(left ? mono : silence, Opposed(mono));
+      RateChanger changer(true);
+      Start(changer, ratio, 16000, 2);
+      const Shorts out = Pass(changer, stereo, 0, stereo.size(), 16000, 2);
+      EXPECT_EQ(Channel(out, 2, 1), Opposed(expected)) << ratio << (left ? "" : ", right alone");
+    }
+  }
+}
+
+// A voice that rises an octave a second still does so at the speed that was asked for.
+TEST(RateChanger, PlaysARisingToneAsSlowlyAsAskedFor) {
+  Shorts in;
+  double phase = 0;
+  for (int i = 0; i < 16000 * 2; ++i) {
+    phase += 2 * M_PI * 200 * std::exp2(i / 16000.0) / 16000;
+    in.push_back(static_cast<short>(std::lrint(12000 * std::sin(phase))));
+  }
+  for (const double ratio : {0.25, 0.3, 0.4, 0.6}) {
+    RateChanger changer(true);
+    Start(changer, ratio, 16000, 1);
+    const Shorts out = Pass(changer, in, 0, in.size(), 16000, 1);
+    // Where the output has played the first half of the input, it has risen by one octave.
+    const auto middle = static_cast<size_t>(16000 / ratio);
+    int crossings = 0;
+    for (size_t i = middle - 800; i < middle + 800; ++i) crossings += out[i] < 0 && out[i + 1] >= 0;
+    EXPECT_NEAR(crossings * 10, 400, 30) << ratio;
+  }
 }
 
 TEST(RateChanger, PassesSamplesWhileDisabledAndAtRatioOne) {

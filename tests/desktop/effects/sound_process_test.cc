@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/voice.h"
 
 using testing::Each;
@@ -117,6 +118,16 @@ TEST_P(SoundProcess, CutsAllChannelsAtTheSamePlace) {
   }
   const Shorts out = ProcessAll(GetParam(), stereo, 16000, 2);
   for (size_t i = 0; i + 1 < out.size(); i += 2) ASSERT_NEAR(out[i + 1], out[i] / 2.0, 1.01);
+}
+
+TEST_P(SoundProcess, HearsChannelsThatCancelEachOther) {
+  for (const Shorts& mono : {Babble(16000, 3), SungNote(93, 16000, 2)}) {
+    const Shorts expected = ProcessAll(GetParam(), mono, 16000);
+    const Shorts stereo = Interleaved(mono, Opposed(mono));
+    const Shorts out = ProcessAll(GetParam(), stereo, 16000, 2);
+    EXPECT_EQ(Channel(out, 2, 0), expected);
+    EXPECT_EQ(Channel(out, 2, 1), Opposed(expected));
+  }
 }
 
 // 3 * (22050 * 2 / 100) is an odd number of samples: the rest keeps the channels in order.

@@ -30,7 +30,7 @@ constexpr int kBeatTrackNotStarted = -1;
 constexpr int kBeatTrackBadFormat = -2;
 constexpr int kBeatTrackBadBlock = -3;
 
-// A new tracker, released by Destroy(). rate: Hz, 8000 to 192000. channels: 1 to 8, mixed. A
+// A new tracker, released by Destroy(). rate: Hz, 8000 to 192000. channels: 1 to 8. A
 // format that cannot be done is one line in the log and a status of each Detectbeat. Null only when
 // there is no memory.
 ENGINE_API IBeatTrack* CreateBeatTrack(int rate, int channels);

@@ -26,8 +26,8 @@ class ENGINE_API RateChanger {
   void SetFsAndCh(int rate, int channels);
 
   // Takes `samplesPerChannel` interleaved samples of each channel (channels as set) and replaces
-  // `out` by the bytes of the 16-bit samples that are ready: none at first (at most 60 ms wait
-  // inside), and none at all before SetFsAndCh.
+  // `out` by the bytes of the 16-bit samples that are ready: none at first (at most 100 ms of the
+  // input wait inside, at ratio 1 none), and none at all before SetFsAndCh.
   void Process(short* samples, int samplesPerChannel, int channels, std::string& out);
 
  private:

@@ -54,7 +54,7 @@ void MusicFeatures::Reset(int sampleRate) {
   for (size_t i = 0; i < m_fftSize; ++i) {
     m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(2 * std::numbers::pi * Real(i) / size));
   }
-  m_samples.resize(m_fftSize);
+  for (Channel& channel : m_channel) channel.samples.resize(m_fftSize);
   m_windowed.resize(m_fftSize);
   m_spectrum.resize(m_fftSize / 2 + 1);
   m_power.resize(m_bins);
@@ -65,20 +65,33 @@ void MusicFeatures::Reset(int sampleRate) {
 }
 
 void MusicFeatures::Restart() {
-  std::fill(m_samples.begin(), m_samples.end(), 0.0f);
+  for (Channel& channel : m_channel) {
+    std::fill(channel.samples.begin(), channel.samples.end(), 0.0f);
+    channel.lowPassed = 0;
+  }
   std::fill(m_standing.begin(), m_standing.end(), 0);
   m_bands.fill(-90);
-  m_lowPassed = m_energy = 0;
+  m_energy = 0;
   m_at = 0;
   m_inBlock = 0;
   m_block = m_looks = m_silentLooks = 0;
 }
 
-bool MusicFeatures::Push(float sample) {
-  m_samples[m_at] = sample;
-  m_at = m_at + 1 == m_samples.size() ? 0 : m_at + 1;
-  m_lowPassed += m_lowPassStep * (sample - m_lowPassed);
-  m_energy += m_lowPassed * m_lowPassed;
+// A channel that begins to be heard has the past of the first one.
+void MusicFeatures::SetChannels(size_t channels) {
+  for (size_t c = m_channels; c < channels; ++c) m_channel[c] = m_channel[0];
+  m_channels = channels;
+}
+
+bool MusicFeatures::Push(const float* frame, int channels) {
+  if (Size(channels) != m_channels) SetChannels(Size(channels));
+  for (size_t c = 0; c < m_channels; ++c) {
+    Channel& channel = m_channel[c];
+    channel.samples[m_at] = frame[c];
+    channel.lowPassed += m_lowPassStep * (frame[c] - channel.lowPassed);
+    m_energy += channel.lowPassed * channel.lowPassed / Real(m_channels);
+  }
+  m_at = m_at + 1 == m_fftSize ? 0 : m_at + 1;
   if (++m_inBlock < m_hop) return false;
   m_levels[m_block] = 10 * std::log10(m_energy / Real(m_hop) + kFloor);
   m_inBlock = 0;
@@ -90,17 +103,21 @@ bool MusicFeatures::Push(float sample) {
 }
 
 void MusicFeatures::TakeLook() {
-  const size_t size = m_samples.size();
-  for (size_t i = 0; i < size; ++i) {
-    const size_t at = m_at + i < size ? m_at + i : m_at + i - size;
-    m_windowed[i] = m_samples[at] * m_window[i];
+  std::fill(m_power.begin(), m_power.end(), 0.0);
+  const double scale = 16.0 / (3.0 * Real(m_fftSize) * Real(m_fftSize) * Real(m_channels));
+  for (size_t c = 0; c < m_channels; ++c) {
+    const std::vector<float>& samples = m_channel[c].samples;
+    for (size_t i = 0; i < m_fftSize; ++i) {
+      const size_t at = m_at + i < m_fftSize ? m_at + i : m_at + i - m_fftSize;
+      m_windowed[i] = samples[at] * m_window[i];
+    }
+    kiss_fftr(m_fft.get(), m_windowed.data(), m_spectrum.data());
+    for (size_t k = 0; k < m_power.size(); ++k) {
+      const double re = m_spectrum[k].r, im = m_spectrum[k].i;
+      m_power[k] += (re * re + im * im) * scale;
+    }
   }
-  kiss_fftr(m_fft.get(), m_windowed.data(), m_spectrum.data());
-  const double scale = 16.0 / (3.0 * Real(m_fftSize) * Real(m_fftSize));
-  for (size_t k = 0; k < m_power.size(); ++k) {
-    const double re = m_spectrum[k].r, im = m_spectrum[k].i;
-    m_power[k] = 10 * std::log10((re * re + im * im) * scale + kFloor * 1e-2);
-  }
+  for (double& power : m_power) power = 10 * std::log10(power + kFloor * 1e-2);
   Look look;
   std::copy_n(m_levels, 2, look.level);
   FollowPeaks(look);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "desktop/common/counts.h"
+#include "desktop/dsp/sample_blocks.h"
 
 namespace desktop {
 
@@ -47,8 +48,9 @@ class MusicFeatures {
   // Starts anew at the same rate.
   void Restart();
 
-  // Takes a sample (mono, full scale 1); true when there are new figures.
-  bool Push(float sample);
+  // Takes a frame of one or two channels (full scale 1); true when there are new figures. They are
+  // those of the mean power of the channels, so that no phase between these can cancel.
+  bool Push(const float* frame, int channels);
 
   // The figures over the last 3 s, or since the start; at least one look must have been taken.
   Values Measure() const;
@@ -77,6 +79,7 @@ class MusicFeatures {
     void operator()(kiss_fftr_state* state) const { kiss_fftr_free(state); }
   };
 
+  void SetChannels(size_t channels);
   void TakeLook();
   void FollowPeaks(Look& look);
   void CompareBands(Look& look);
@@ -92,8 +95,17 @@ class MusicFeatures {
   std::unique_ptr<kiss_fftr_state, FreeFft> m_fft;
   std::vector<float> m_window;
 
-  // A ring of the last m_fftSize samples, and these in order and windowed.
-  std::vector<float> m_samples;
+  struct Channel {
+    // A ring of the last m_fftSize samples.
+    std::vector<float> samples;
+    double lowPassed = 0;
+  };
+
+  // As many as the last frame had are listened to.
+  std::array<Channel, kMaxEffectChannels> m_channel;
+  size_t m_channels = 1;
+
+  // The samples of a channel in order and windowed.
   std::vector<float> m_windowed;
   std::vector<kiss_fft_cpx> m_spectrum;
 
@@ -106,7 +118,6 @@ class MusicFeatures {
   size_t m_at = 0;
   size_t m_inBlock = 0;
   int m_block = 0;
-  double m_lowPassed = 0;
   double m_lowPassStep = 1;
   double m_energy = 0;
   double m_levels[2] = {};

@@ -31,12 +31,11 @@ size_t TransformSize(int rate) {
 
 OnsetEnvelope::OnsetEnvelope(int rate, int channels)
     : m_rate(rate),
-      m_channels(channels),
       m_hop(Size((rate + 50) / 100)),
       m_size(TransformSize(rate)),
       m_transform(kiss_fftr_alloc(Count(m_size), 0, nullptr, nullptr)),
       m_window(m_size),
-      m_ring(m_size),
+      m_rings(Size(channels), std::vector<float>(m_size)),
       m_block(m_size),
       m_spectrum(m_size / 2 + 1) {
   if (!m_transform) throw std::bad_alloc();
@@ -57,9 +56,7 @@ OnsetEnvelope::OnsetEnvelope(int rate, int channels)
 double OnsetEnvelope::Latency() const { return 0.5 * Real(m_size) / m_rate + 0.004; }
 
 bool OnsetEnvelope::Put(const short* frame) {
-  int sum = 0;
-  for (int channel = 0; channel < m_channels; ++channel) sum += frame[channel];
-  m_ring[m_next] = static_cast<float>(sum) / (32768.0F * static_cast<float>(m_channels));
+  for (std::vector<float>& ring : m_rings) ring[m_next] = static_cast<float>(*frame++) / 32768.0F;
   m_next = (m_next + 1) % m_size;
   if (++m_sinceHop < m_hop) return false;
   m_sinceHop = 0;
@@ -67,20 +64,26 @@ bool OnsetEnvelope::Put(const short* frame) {
   return true;
 }
 
-void OnsetEnvelope::Analyse() {
-  for (size_t i = 0; i < m_size; ++i) m_block[i] = m_window[i] * m_ring[(m_next + i) % m_size];
+// Adds what a channel has in each band, as its share of the mean of all channels.
+void OnsetEnvelope::AddPowers(const std::vector<float>& ring) {
+  for (size_t i = 0; i < m_size; ++i) m_block[i] = m_window[i] * ring[(m_next + i) % m_size];
   kiss_fftr(m_transform.get(), m_block.data(), m_spectrum.data());
 
-  const float scale = 4 / (static_cast<float>(m_size) * static_cast<float>(m_size));
-  float loudest = 0;
-  for (size_t band = 0; band + 1 < m_edges.size(); ++band) {
+  const auto size = static_cast<float>(m_size);
+  const float scale = 4 / (size * size * static_cast<float>(m_rings.size()));
+  for (size_t band = 0; band < m_now.size(); ++band) {
     float power = 0;
     for (size_t bin = m_edges[band]; bin < m_edges[band + 1]; ++bin) {
       power += m_spectrum[bin].r * m_spectrum[bin].r + m_spectrum[bin].i * m_spectrum[bin].i;
     }
-    m_now[band] = power * scale;
-    loudest = std::max(loudest, m_now[band]);
+    m_now[band] += power * scale;
   }
+}
+
+void OnsetEnvelope::Analyse() {
+  std::fill(m_now.begin(), m_now.end(), 0.0F);
+  for (const std::vector<float>& ring : m_rings) AddPowers(ring);
+  const float loudest = *std::max_element(m_now.begin(), m_now.end());
   const auto fall = static_cast<float>(std::exp(-Step() / kForgetSeconds));
   m_loudest = std::max({loudest, m_loudest * fall, kSilence});
 

@@ -12,10 +12,11 @@ namespace desktop {
 // How much begins to sound, a hundred times a second: the rise of the log energy in bands of half
 // an octave, summed (spectral flux as in Klapuri, Sound onset detection by applying psychoacoustic
 // knowledge, 1999). Relative to the loudest of the last seconds, so that the level of a recording
-// does not matter; 0 in silence.
+// does not matter; 0 in silence. The powers of the channels are added, not the channels, so that no
+// phase between them can cancel.
 class OnsetEnvelope {
  public:
-  // rate: Hz, 8000 to 192000. channels: at least 1, mixed. Throws when there is no memory.
+  // rate: Hz, 8000 to 192000. channels: at least 1. Throws when there is no memory.
   OnsetEnvelope(int rate, int channels);
 
   // Takes one frame and tells whether a value is ready.
@@ -37,10 +38,10 @@ class OnsetEnvelope {
     void operator()(kiss_fftr_cfg config) const { kiss_fftr_free(config); }
   };
 
+  void AddPowers(const std::vector<float>& ring);
   void Analyse();
 
   const int m_rate;
-  const int m_channels;
   const size_t m_hop;
 
   // The length of the transform.
@@ -48,8 +49,8 @@ class OnsetEnvelope {
   std::unique_ptr<kiss_fftr_state, Free> m_transform;
   std::vector<float> m_window;
 
-  // The last m_size samples.
-  std::vector<float> m_ring;
+  // The last m_size samples of each channel.
+  std::vector<std::vector<float>> m_rings;
   std::vector<float> m_block;
   std::vector<kiss_fft_cpx> m_spectrum;
 

@@ -15,10 +15,12 @@ struct Match {
   double likeness = 0;
 };
 
-// Compares pattern[0..length) with field[i..i+length) for i = 0..places-1 (at least one). It looks
-// at every `step`-th place and sample first, then at the neighbours of the best; step 1 is a full
-// search. `step` should be below half a period of the highest strong component.
-Match BestMatch(const float* pattern, size_t length, const float* field, size_t places,
-                size_t step);
+// Compares pattern[0..length) with field[i..i+length) for i = 0..places-1 (at least one), all in
+// frames of `channels` interleaved samples. Every channel is compared with itself, so that none can
+// cancel another. It looks at every `step`-th place and frame first, then at the neighbours of the
+// best; step 1 is a full search. `step` should be below half a period of the highest strong
+// component.
+Match BestMatch(const float* pattern, size_t length, const float* field, size_t places, size_t step,
+                size_t channels);
 
 }  // namespace desktop

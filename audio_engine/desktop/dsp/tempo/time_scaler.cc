@@ -21,8 +21,8 @@ TimeScaler::TimeScaler(int rate, int channels)
       m_short(FramesOf(rate, 20)),
       m_step(Size(std::max(rate / 11000, 1))),
       m_fade(m_overlap),
-      m_pattern(m_overlap),
-      m_field(2 * m_reach + m_overlap),
+      m_pattern(m_overlap * m_channels),
+      m_field((2 * m_reach + m_overlap) * m_channels),
       m_faded(m_overlap) {
   for (size_t i = 0; i < m_overlap; ++i) {
     const double phase = M_PI * (Real(i) + 0.5) / Real(m_overlap);
@@ -42,7 +42,7 @@ void TimeScaler::SetSpeed(double speed) {
 
 void TimeScaler::Put(const short* samples, size_t frames) {
   // The frames that a join may still look back at stay.
-  const size_t kept = m_long + m_reach;
+  const size_t kept = m_long + 2 * m_reach;
   const size_t needed = std::min(m_position, m_faded < m_overlap ? m_fadingOut : m_position);
   if (needed > kept) {
     const size_t dropped = needed - kept;
@@ -82,9 +82,10 @@ bool TimeScaler::Join() {
   const size_t places = 2 * m_reach;
   if (std::max(low + places, m_position) + m_overlap > Frames()) return false;
 
-  Mix(m_position, m_overlap, m_pattern);
-  Mix(low, places + m_overlap, m_field);
-  const Match match = BestMatch(m_pattern.data(), m_overlap, m_field.data(), places, m_step);
+  std::copy_n(m_input.data() + m_position * m_channels, m_pattern.size(), m_pattern.begin());
+  std::copy_n(m_input.data() + low * m_channels, m_field.size(), m_field.begin());
+  const Match match =
+      BestMatch(m_pattern.data(), m_overlap, m_field.data(), places, m_step, m_channels);
   const size_t next = low + match.place;
   if (next != m_position) {
     m_fadingOut = m_position;
@@ -111,15 +112,6 @@ void TimeScaler::Copy(short* out, size_t frames) {
   m_faded += fading;
   m_fadingOut += fading;
   m_position += frames;
-}
-
-void TimeScaler::Mix(size_t first, size_t frames, std::vector<float>& mono) const {
-  const short* in = m_input.data() + first * m_channels;
-  for (size_t i = 0; i < frames; ++i) {
-    int sum = 0;
-    for (size_t channel = 0; channel < m_channels; ++channel) sum += in[i * m_channels + channel];
-    mono[i] = static_cast<float>(sum);
-  }
 }
 
 }  // namespace desktop

@@ -8,8 +8,9 @@ namespace desktop {
 // Plays 16-bit audio faster or slower at the same pitch: waveform-similarity overlap-add (Verhelst
 // and Roelands, "An overlap-add technique based on waveform similarity for high quality time-scale
 // modification of speech", 1993) over a stream. Each segment of the output is a stretch of the
-// input, faded in over 10 ms where the input resembles what would have come next; all channels are
-// joined at the same places. At speed 1 it copies, sample by sample, with no delay of its own.
+// input, faded in over 10 ms where the input resembles what would have come next in every channel;
+// all channels are joined at the same places. At speed 1 it copies, sample by sample, with no delay
+// of its own.
 class TimeScaler {
  public:
   // rate: Hz, 8000 to 48000. channels: at least 1.
@@ -34,7 +35,6 @@ class TimeScaler {
   size_t Frames() const { return m_input.size() / m_channels; }
   bool Join();
   void Copy(short* out, size_t frames);
-  void Mix(size_t first, size_t frames, std::vector<float>& mono) const;
 
   const size_t m_channels;
 
@@ -49,6 +49,8 @@ class TimeScaler {
   // The coarse step of the search.
   const size_t m_step;
   std::vector<float> m_fade;
+
+  // Interleaved: what would come next, and where the like of it is looked for.
   std::vector<float> m_pattern;
   std::vector<float> m_field;
   std::vector<short> m_input;
