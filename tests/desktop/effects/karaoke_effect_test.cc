@@ -9,6 +9,7 @@
 #include "support/captured_stderr.h"
 #include "support/signals.h"
 #include "support/tone.h"
+#include "support/voice.h"
 
 namespace {
 
@@ -134,6 +135,106 @@ TEST(KaraokeEffect, TakesEqualiserAndReverbOutTogether) {
       << "their own switches do not count meanwhile";
   module.EnableEqReverb(true);
   EXPECT_NE(ProcessFrames(module, noise, 44100, 1), noise) << "and come back";
+}
+
+// What comes out of a tone of 201.25 Hz, to which a look-ahead of 5 ms makes little difference,
+// while `change` is called ahead of every 100 ms.
+template <typename Change>
+Shorts WhileItChanges(AudioKaraokeEffectModule& module, Change change, double amplitude = 6000) {
+  const Shorts in = Tone(201.25, amplitude, 44100, 44100);
+  Shorts out;
+  for (int turn = 0; turn < 10; ++turn) {
+    change(turn);
+    const auto begin = in.begin() + turn * 4410;
+    const Shorts part = ProcessFrames(module, Shorts(begin, begin + 4410), 44100, 1);
+    out.insert(out.end(), part.begin(), part.end());
+  }
+  return out;
+}
+
+// By its slope a jump shows, and a gap by the quietest 5 ms.
+void ExpectNoClick(const Shorts& out, double lowestGain, double highestGain) {
+  const double slope = 6000 * 2 * M_PI * 200 / 44100;
+  EXPECT_LE(LargestStep(out), 1.1 * slope * highestGain);
+  for (size_t at = 441; at + 220 <= out.size(); at += 220) {
+    EXPECT_GE(Rms(ToDoubles({&out[at], 220})), 0.9 * lowestGain * 6000 / 32768 / std::sqrt(2))
+        << at;
+  }
+}
+
+TEST(KaraokeEffect, SwitchesItsLimiterWithoutAClick) {
+  AudioKaraokeEffectModule module;
+  LimiterParameter limiter = kLimiter;
+  limiter.fPreGain = 6;
+  limiter.fLookahead = 5;
+  module.SetLimiterParameter(limiter);
+  ExpectNoClick(WhileItChanges(module, [&](int turn) { module.EnableLimiter(turn % 2 == 1); }), 1,
+                2);
+}
+
+void SetLimiter(AudioKaraokeEffectModule& module, float lookahead, float preGain) {
+  LimiterParameter limiter = kLimiter;
+  limiter.fPreGain = preGain;
+  limiter.fLookahead = lookahead;
+  module.SetLimiterParameter(limiter);
+}
+
+TEST(KaraokeEffect, SetsItsLimiterWithoutAClick) {
+  AudioKaraokeEffectModule later;
+  later.EnableLimiter(true);
+  const auto setLookahead = [&](int turn) { SetLimiter(later, turn % 2 == 1 ? 5 : 10, 0); };
+  ExpectNoClick(WhileItChanges(later, setLookahead), 1, 1);
+  AudioKaraokeEffectModule louder;
+  louder.EnableLimiter(true);
+  const auto setGain = [&](int turn) { SetLimiter(louder, 5, turn % 2 == 1 ? 9 : 0); };
+  ExpectNoClick(WhileItChanges(louder, setGain), 1, 2.9);
+}
+
+TEST(KaraokeEffect, SwitchesItsCompressorWithoutAClick) {
+  AudioKaraokeEffectModule module;
+  const auto change = [&](int turn) { module.EnableDrc(turn % 2 == 1); };
+  const Shorts out = WhileItChanges(module, change, 20000);
+  EXPECT_LT(Rms(ToDoubles({&out[8000], 441})), 0.6 * Rms(ToDoubles({&out[4000], 441})));
+  const Shorts in = Tone(201.25, 20000, 44100, 44100);
+  EXPECT_LE(LargestStep(out), 1.02 * LargestStep(in));
+  // 20 ms later it changes no bit.
+  EXPECT_TRUE(std::equal(out.begin() + 8820 + 882, out.begin() + 13230, in.begin() + 8820 + 882));
+}
+
+// What a stage heard before it was switched off is neither heard again nor counts.
+TEST(KaraokeEffect, ForgetsTheSoundFromBeforeAPause) {
+  AudioKaraokeEffectModule module;
+  LimiterParameter limiter = kLimiter;
+  limiter.fPreGain = 0;
+  limiter.fLookahead = 20;
+  limiter.fRelease = 5000;
+  module.SetLimiterParameter(limiter);
+  module.EnableLimiter(true);
+  module.EnableDrc(true);
+  ProcessFrames(module, Tone(200, 32767, 44100, 44100), 44100, 1);
+  module.EnableLimiter(false);
+  module.EnableDrc(false);
+  const Shorts silence(4410);
+  ProcessFrames(module, silence, 44100, 1);
+  module.EnableLimiter(true);
+  module.EnableDrc(true);
+  EXPECT_EQ(ProcessFrames(module, silence, 44100, 1), silence);
+  // Neither the limiter's gain nor the compressor's is still on its way back.
+  const Shorts soft = Tone(200, 3000, 44100, 4410);
+  const Shorts out = ProcessFrames(module, soft, 44100, 1);
+  EXPECT_EQ(Shorts(out.begin() + 882, out.end()), Shorts(soft.begin(), soft.end() - 882));
+}
+
+// A look-ahead that is set before the first sound holds from its first sample on.
+TEST(KaraokeEffect, NeedsNoFadeAtTheStart) {
+  AudioKaraokeEffectModule module;
+  LimiterParameter limiter = kLimiter;
+  limiter.fPreGain = 0;
+  module.EnableLimiter(true);
+  module.SetLimiterParameter(limiter);
+  const Shorts in = Tone(200, 6000, 44100, 4410);
+  const Shorts out = ProcessFrames(module, in, 44100, 1);
+  EXPECT_EQ(Shorts(out.begin() + 44, out.end()), Shorts(in.begin(), in.end() - 44));
 }
 
 TEST(KaraokeEffect, RefusesFramesThatCannotBe) {

@@ -15,17 +15,23 @@ constexpr double kHoldSeconds = 0.012;
 
 }  // namespace
 
-Limiter::Limiter() : m_parameter{0, -1, 0, 90, 0, 1, 1, 0, 0, 1, 0} {}
-
-void Limiter::SetParameter(const LimiterParam& parameter) {
-  SetParameter(LimiterParameter{parameter.fCeiling, parameter.fThreshold, parameter.fPreGain,
-                                parameter.fRelease, parameter.fAttack, parameter.fLookahead,
-                                parameter.fLookaheadRatio, parameter.fRMS, 0, parameter.fStLink,
-                                0});
+LimiterParameter Limiter::ToParameter(const LimiterParam& parameter) {
+  return {parameter.fCeiling,
+          parameter.fThreshold,
+          parameter.fPreGain,
+          parameter.fRelease,
+          parameter.fAttack,
+          parameter.fLookahead,
+          parameter.fLookaheadRatio,
+          parameter.fRMS,
+          0,
+          parameter.fStLink,
+          0};
 }
 
-void Limiter::SetParameter(const LimiterParameter& parameter) {
-  LimiterParameter& p = m_parameter;
+LimiterParameter Limiter::InRange(const LimiterParameter& parameter) {
+  using desktop::InRange;
+  LimiterParameter p{};
   p.fCeiling = InRange(parameter.fCeiling, -60, 0);
   p.fThreshold = InRange(parameter.fThreshold, -60, p.fCeiling);
   p.fPreGain = InRange(parameter.fPreGain, -40, 40);
@@ -35,6 +41,11 @@ void Limiter::SetParameter(const LimiterParameter& parameter) {
   p.fLookaheadRatio = InRange(parameter.fLookaheadRatio, 0, 1);
   p.fRMS = InRange(parameter.fRMS, 0, 300);
   p.fStLink = InRange(parameter.fStLink, 0, 1);
+  return p;
+}
+
+void Limiter::SetParameter(const LimiterParameter& parameter) {
+  m_parameter = InRange(parameter);
   m_changed = true;
 }
 

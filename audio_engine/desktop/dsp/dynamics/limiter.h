@@ -14,18 +14,21 @@ namespace desktop {
 // fall: so it is down in time without a step.
 class Limiter {
  public:
-  Limiter();
+  // Of a new limiter.
+  static constexpr LimiterParameter kDefault = {0, -1, 0, 90, 0, 1, 1, 0, 0, 1, 0};
 
-  // The same fields mean the same in both records. Takes effect at the next Process; a change of
-  // the look-ahead starts anew.
+  // The values brought into their ranges; those without effect are 0.
+  static LimiterParameter InRange(const LimiterParameter& parameter);
+
+  // The same settings in the longer record.
+  static LimiterParameter ToParameter(const LimiterParam& parameter);
+
+  // Takes effect at the next Process; a change of the look-ahead starts anew.
   void SetParameter(const LimiterParameter& parameter);
-  void SetParameter(const LimiterParam& parameter);
+  void SetParameter(const LimiterParam& parameter) { SetParameter(ToParameter(parameter)); }
 
   // How many samples later the sound comes out.
   int Latency(int sampleRate) const;
-
-  // Forgets all that it heard.
-  void Flush() { m_sampleRate = 0; }
 
   // Limits rows[0..channels) in place. Allocates when the rate, the channels or the look-ahead are
   // not those of the last call, and throws when there is no memory.
@@ -54,7 +57,7 @@ class Limiter {
   double NextGain(Channel& channel, float level);
   float LevelOf(Channel& channel, float sample) const;
 
-  LimiterParameter m_parameter;
+  LimiterParameter m_parameter = kDefault;
   bool m_changed = true;
   int m_sampleRate = 0;
   int m_channels = 0;

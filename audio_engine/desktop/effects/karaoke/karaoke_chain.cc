@@ -22,18 +22,19 @@ void KaraokeChain::EnableReverb(bool enabled) {
 }
 
 void KaraokeChain::Compress(float* const* rows, int channels, size_t frames, int sampleRate) {
-  if (!m_compressorEnabled) {
-    m_compressorRate = 0;
-    return;
-  }
-  if (sampleRate != m_compressorRate) {
+  if (!m_compressorEnabled && m_compressorShare == 0) return;
+  if (m_compressorShare == 0 || sampleRate != m_compressorRate) {
     m_compressor.Reset(sampleRate);
     m_compressorRate = sampleRate;
+    m_compressorShare = 1;
   }
+  // Switched off it goes within 20 ms; switched on it needs no fade, for it begins at a gain of 1.
+  const float step = (m_compressorEnabled ? 50.0F : -50.0F) / static_cast<float>(sampleRate);
   for (size_t i = 0; i < frames; ++i) {
     float level = 0;
     for (int c = 0; c < channels; ++c) level = std::max(level, std::abs(rows[c][i]));
-    const float gain = m_compressor.Gain(level);
+    m_compressorShare = std::clamp(m_compressorShare + step, 0.0F, 1.0F);
+    const float gain = 1 + m_compressorShare * (m_compressor.Gain(level) - 1);
     for (int c = 0; c < channels; ++c) rows[c][i] *= gain;
   }
 }
@@ -42,11 +43,7 @@ void KaraokeChain::Process(float* const* rows, int channels, size_t frames, int 
   equalizer.Process(rows, channels, frames, sampleRate);
   reverb.Process(rows, channels, frames, sampleRate);
   Compress(rows, channels, frames, sampleRate);
-  if (m_limiterEnabled) {
-    limiter.Process(rows, channels, frames, sampleRate);
-  } else {
-    limiter.Flush();
-  }
+  limiter.Process(rows, channels, frames, sampleRate);
 }
 
 }  // namespace desktop
