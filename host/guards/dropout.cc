@@ -25,17 +25,28 @@ struct Zeros {
 void ForEachZeros(const Signal& signal, int channel, const std::function<void(Zeros)>& use) {
   const auto stride = static_cast<size_t>(signal.channels);
   const size_t frames = signal.Frames();
-  const double shortest = kShortestDropout * signal.rate;
-  size_t start = 0;
-  for (size_t i = 0; i <= frames; ++i) {
-    if (i < frames && signal.samples[i * stride + static_cast<size_t>(channel)] == 0) continue;
-    if (static_cast<double>(i - start) >= shortest && i > start) {
-      Zeros zeros{static_cast<double>(start) / signal.rate, static_cast<double>(i) / signal.rate};
+  const auto isZero = [&](size_t frame) {
+    return signal.samples[frame * stride + static_cast<size_t>(channel)] == 0;
+  };
+  // Frames that are so far apart have no run between them that is long enough.
+  const auto shortest =
+      std::max<size_t>(1, static_cast<size_t>(std::ceil(kShortestDropout * signal.rate)));
+  for (size_t frame = 0; frame < frames;) {
+    if (!isZero(frame)) {
+      frame += shortest;
+      continue;
+    }
+    size_t start = frame;
+    while (start > 0 && isZero(start - 1)) --start;
+    size_t end = frame + 1;
+    while (end < frames && isZero(end)) ++end;
+    if (end - start >= shortest) {
+      Zeros zeros{static_cast<double>(start) / signal.rate, static_cast<double>(end) / signal.rate};
       if (start == 0) zeros.from += kEndsLeftOut;
-      if (i == frames) zeros.to -= kEndsLeftOut;
+      if (end == frames) zeros.to -= kEndsLeftOut;
       if (zeros.to - zeros.from >= kShortestDropout / 2) use(zeros);
     }
-    start = i + 1;
+    frame = end + shortest;
   }
 }
 

@@ -30,6 +30,11 @@ bool Same(const Signal& in, const Signal& out, int64_t lag) {
 
 }  // namespace
 
+bool IsCopy(const Signal& in, const Signal& out) {
+  return in.rate == out.rate && in.channels == out.channels &&
+         in.samples.size() == out.samples.size() && Same(in, out, 0);
+}
+
 void CheckUnchanged(const GuardInput& input, const Surveys& surveys, const Pairing* pairing,
                     GuardHits& hits) {
   const Signal& in = *input.input;

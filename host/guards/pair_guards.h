@@ -6,6 +6,10 @@
 
 namespace host {
 
+// Whether the output is as long as the input and has the same samples, within half a step of 16
+// bits.
+bool IsCopy(const Signal& in, const Signal& out);
+
 // The guards that hold the output against its input, sample by sample. `pairing` is null where the
 // two cannot be brought in time.
 

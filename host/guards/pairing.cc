@@ -6,6 +6,8 @@
 
 #include "audio_measures/delay_finder.h"
 #include "audio_measures/phase_fit.h"
+#include "guards/coarse_delay.h"
+#include "guards/places.h"
 
 namespace host {
 
@@ -15,20 +17,11 @@ constexpr int64_t kStretches = 6;     // That a delay is looked for in,
 constexpr int64_t kFits = 12;         // and that it is checked in.
 constexpr size_t kFit = 16384;        // Frames of the latter.
 constexpr double kLikely = 0.2;       // Correlation from which the delay is believed.
+constexpr double kPlain = 0.5;        // The same of one that was found at a lower rate.
 constexpr double kLeastWidth = 1e-4;  // Power of the difference of two channels against their sum
 constexpr double kLeastDifference = 1e-12;  // and by itself, so that it is no rounding.
 constexpr double kTurned = -0.5;            // Correlation of the differences of swapped channels.
 constexpr double kUpright = 0.3;            // That of their sums.
-
-// At most `most` places where stretches of `length` start that are spread over `frames`.
-std::vector<int64_t> Places(int64_t frames, int64_t length, int64_t most) {
-  const int64_t count = std::clamp<int64_t>((frames + length - 1) / length, 1, most);
-  std::vector<int64_t> places;
-  for (int64_t i = 0; i < count; ++i) {
-    places.push_back(count * length >= frames ? i * length : i * (frames - length) / (count - 1));
-  }
-  return places;
-}
 
 // What two signals have in common, from sums over any number of samples.
 struct Common {
@@ -82,6 +75,11 @@ int Pairing::Source(int channel) const {
 }
 
 Match Pairing::MatchOf(int channel, int source) const {
+  const auto coarse = CoarseDelay({m_input, source, m_output, channel, m_rate}, m_least, m_most);
+  if (coarse) {
+    const Match match = MatchAt(channel, source, *coarse, 1, audio_measures::PhaseFit::kBlock);
+    if (match.known && match.correlation >= kPlain) return match;
+  }
   const int64_t frames = std::max(m_input.Frames(), m_output.Frames());
   audio_measures::DelayFinder finder(m_least, m_most, static_cast<uint64_t>(frames));
   std::vector<float> in(finder.ReferenceFrames());
@@ -94,19 +92,21 @@ Match Pairing::MatchOf(int channel, int source) const {
   }
   const auto peak = finder.Find();
   if (!peak || peak->sharpness < audio_measures::DelayFinder::kClear) return {};
+  return MatchAt(channel, source, peak->lag, peak->polarity, kFit);
+}
 
+Match Pairing::MatchAt(int channel, int source, int64_t lag, int polarity, size_t frames) const {
   audio_measures::PhaseFit phases;
-  in.resize(kFit);
-  out.resize(kFit);
-  for (const int64_t place : Places(m_input.Frames(), kFit, kFits)) {
+  std::vector<float> in(frames);
+  std::vector<float> out(frames);
+  for (const int64_t place : Places(m_input.Frames(), static_cast<int64_t>(frames), kFits)) {
     m_input.Read(source, place, in);
-    m_output.Read(channel, place + peak->lag, out);
+    m_output.Read(channel, place + lag, out);
     phases.Add(in, out);
   }
-  const auto fit = phases.Find(peak->polarity);
+  const auto fit = phases.Find(polarity);
   if (!fit || std::fabs(fit->correlation) < kLikely) return {};
-  return {
-      .known = true, .lag = peak->lag + std::llround(fit->later), .correlation = fit->correlation};
+  return {.known = true, .lag = lag + std::llround(fit->later), .correlation = fit->correlation};
 }
 
 bool Pairing::AreSwapped(int64_t lag) const {

@@ -36,7 +36,10 @@ class Pairing {
   bool Swapped() const { return m_swapped; }
 
  private:
+  // A delay that is plain at a lower rate is only made sure of; others are looked for in full.
   Match MatchOf(int channel, int source) const;
+  // Close to a lag, as stretches of so many frames have it.
+  Match MatchAt(int channel, int source, int64_t lag, int polarity, size_t frames) const;
   bool AreSwapped(int64_t lag) const;
 
   Track m_input;

@@ -46,6 +46,10 @@ void CheckSignals(const GuardInput& input, GuardHits& hits) {
   CheckTruePeak(input, surveys, hits);
   if (input.input == nullptr || !NeedsPairing(hits)) return;
 
+  if (IsCopy(*input.input, output)) {  // Nothing else can be wrong with it beside its input.
+    CheckUnchanged(input, surveys, nullptr, hits);
+    return;
+  }
   std::optional<Pairing> pairing;
   if (input.rules.comparable && CanBePaired(*input.input, output)) {
     pairing.emplace(*input.input, output, input.rules);

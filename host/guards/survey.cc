@@ -24,12 +24,12 @@ namespace {
 
 // A block of one channel; `whole` when it is as long as the others.
 void AddBlock(std::span<const float> block, bool whole, bool integers, ChannelSurvey& survey) {
-  survey.level.Add(block);
+  audio_measures::Level level;
+  level.Add(block);
+  survey.level.Add(level);
   survey.active.Add(block);
   if (integers) survey.clipped.Add(block);
   if (!whole) return;
-  audio_measures::Level level;
-  level.Add(block);
   // A block with a sample that is not finite has no mean.
   if (const auto mean = level.Dc().value) survey.offset.Add(*mean);
 }

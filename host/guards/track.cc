@@ -15,6 +15,8 @@ namespace {
 // Samples, at the lower rate, that the filter of the resampler reaches on either side.
 constexpr int64_t kReach = 512;
 
+constexpr size_t kKept = 1 << 14;  // Frames that are resampled at once and kept.
+
 float Finite(float sample) {
   return std::fabs(sample) <= std::numeric_limits<float>::max() ? sample : 0;
 }
@@ -42,9 +44,21 @@ int64_t Track::Frames() const {
 void Track::Read(int channel, int64_t first, std::span<float> to) const {
   if (m_rate == m_signal.rate) {
     Copy(channel, first, to);
+  } else if (to.size() < kKept / 4) {
+    ReadKept(channel, first, to);
   } else {
     Resample(channel, first, to);
   }
+}
+
+void Track::ReadKept(int channel, int64_t first, std::span<float> to) const {
+  const int64_t end = first + static_cast<int64_t>(to.size());
+  const int64_t endOfKept = m_kept.first + static_cast<int64_t>(m_kept.samples.size());
+  if (channel != m_kept.channel || first < m_kept.first || end > endOfKept) {
+    m_kept = {channel, first, std::vector<float>(kKept)};
+    Resample(channel, first, m_kept.samples);
+  }
+  std::copy_n(m_kept.samples.begin() + (first - m_kept.first), to.size(), to.begin());
 }
 
 void Track::Copy(int channel, int64_t first, std::span<float> to) const {

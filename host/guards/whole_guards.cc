@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "audio_measures/figure.h"
 #include "base/units.h"
 
 namespace host {
@@ -22,14 +23,14 @@ void CheckLength(const GuardInput& input, GuardHits& hits) {
 void CheckFinite(const GuardInput& input, GuardHits& hits) {
   const auto isOdd = [](float sample) { return !std::isfinite(sample); };
   const std::span<const float> samples = input.output->samples;
+  if (audio_measures::AreFinite(samples)) return;
   const auto first = std::ranges::find_if(samples, isOdd);
-  if (first == samples.end()) return;
   const auto index = static_cast<size_t>(first - samples.begin());
   const auto channels = static_cast<size_t>(input.output->channels);
   const size_t frame = index / channels;
   const auto count = std::count_if(first, samples.end(), isOdd);
   std::string text = std::to_string(count) + " samples that are not finite";
-  const bool given = input.input != nullptr && std::ranges::any_of(input.input->samples, isOdd);
+  const bool given = input.input != nullptr && !audio_measures::AreFinite(input.input->samples);
   if (given) text += ", as in the input";
   hits.Add(Guard::kNotFinite,
            {.at = static_cast<double>(frame) / input.output->rate,

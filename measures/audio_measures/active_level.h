@@ -31,6 +31,7 @@ class ActiveLevel {
 
  private:
   static constexpr size_t kThresholds = 24;
+  static constexpr size_t kBlock = 16;  // Samples that are taken in at once.
 
   // How many thresholds an envelope reaches: all from the lowest one up to some other.
   size_t Reached(float envelope) const;
@@ -38,7 +39,25 @@ class ActiveLevel {
   // Takes in so many samples in a row whose envelope reaches as many thresholds.
   void Count(size_t reached, int64_t samples);
 
+  // How many thresholds the envelope has reached, and for how many samples in a row.
+  struct Stay {
+    size_t reached = 0;
+    int64_t samples = 0;
+    float least = 0;   // The envelope stays where it is from here
+    float beyond = 0;  // up to below here.
+  };
+  // Goes on with one sample after the other.
+  void AddEach(std::span<const float> samples, Stay& stay);
+  // Goes on with kBlock samples at once; false, and nothing is done, where the envelope may pass a
+  // threshold meanwhile.
+  bool AddBlock(const float* samples, Stay& stay);
+
   double m_smoothing;
+  // Of each sample of a block, what of it is in the envelope after the block: after one smoothing,
+  // and after two. Of the envelope before it so much is kept.
+  alignas(16) std::array<double, kBlock> m_once;
+  alignas(16) std::array<double, kBlock> m_twice;
+  double m_kept;
   int64_t m_hangover;  // Samples.
   std::array<float, kThresholds> m_thresholds;
   std::array<int64_t, kThresholds> m_left = {};  // Samples for which the signal is still active.

@@ -18,7 +18,7 @@ class Clipped {
  public:
   static constexpr uint64_t kShortestRun = 3;
 
-  // fullScale: the largest value that samples can have, 1 - 2^(1 - bits) for integers.
+  // fullScale: the largest value that samples can have, 1 - 2^(1 - bits) for integers; above 0.
   explicit Clipped(float fullScale) : m_fullScale(fullScale) {}
 
   void Add(std::span<const float> samples);
@@ -31,6 +31,8 @@ class Clipped {
   }  // Sample at which the first run starts.
 
  private:
+  void AddEach(std::span<const float> samples);
+
   float m_fullScale;
   uint64_t m_samples = 0;
   uint64_t m_clipped = 0;

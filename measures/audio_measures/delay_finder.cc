@@ -17,6 +17,14 @@ size_t TransformSize(uint64_t lags, uint64_t frames) {
   return std::bit_ceil(std::max(kShortest, std::min(4 * lags, whole)));
 }
 
+// Of samples of any size no square overflows in double precision, so that the care of std::abs is
+// not needed.
+float Magnitude(const std::complex<float>& bin) {
+  const auto real = static_cast<double>(bin.real());
+  const auto imaginary = static_cast<double>(bin.imag());
+  return static_cast<float>(std::sqrt(real * real + imaginary * imaginary));
+}
+
 }  // namespace
 
 DelayFinder::DelayFinder(int64_t least, int64_t most, uint64_t frames)
@@ -40,14 +48,14 @@ void DelayFinder::Add(std::span<const float> reference, std::span<const float> s
 
 std::optional<DelayFinder::Peak> DelayFinder::Find() const {
   double mean = 0;
-  for (const auto& bin : m_cross) mean += static_cast<double>(std::abs(bin));
+  for (const auto& bin : m_cross) mean += static_cast<double>(Magnitude(bin));
   mean /= static_cast<double>(m_cross.size());
   if (!(mean > 0) || !std::isfinite(mean)) return std::nullopt;
 
   const auto floor = static_cast<float>(mean) * kWhitening;
   std::vector<std::complex<float>> white(m_cross.size());
   for (size_t i = 1; i + 1 < white.size(); ++i) {
-    white[i] = m_cross[i] / (std::abs(m_cross[i]) + floor);
+    white[i] = m_cross[i] / (Magnitude(m_cross[i]) + floor);
   }
   return PeakOf(white);
 }

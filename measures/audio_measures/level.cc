@@ -57,6 +57,15 @@ void Level::Add(std::span<const float> samples) {
   }
 }
 
+void Level::Add(const Level& next) {
+  if (next.m_samples == 0) return;
+  m_lowest = m_samples == 0 ? next.m_lowest : std::min(m_lowest, next.m_lowest);
+  m_highest = m_samples == 0 ? next.m_highest : std::max(m_highest, next.m_highest);
+  m_samples += next.m_samples;
+  m_sum += next.m_sum;
+  m_squares += next.m_squares;
+}
+
 const char* Level::Fault() const {
   if (m_samples == 0) return kNoSamples;
   return std::isfinite(m_sum) && std::isfinite(m_squares) ? nullptr : kNotFinite;

@@ -24,6 +24,7 @@ inline constexpr int kSwingVersion = 1;
 class Level {
  public:
   void Add(std::span<const float> samples);
+  void Add(const Level& next);  // What was measured of the samples that follow.
 
   Figure Peak() const;  // Unknown for silence, as are Rms and Crest.
   Figure Rms() const;

@@ -72,6 +72,22 @@ TEST(ActiveLevel, BlocksOfAnySizeMakeTheSameFigure) {
   EXPECT_NEAR(*level.Level().value, whole, 1e-9);
 }
 
+// A sample by itself is taken in as the recommendation writes it down, many at once in blocks.
+TEST(ActiveLevel, BlocksMakeTheFiguresOfSingleSamples) {
+  for (const int rate : {100, 1000, 8000, 44100}) {
+    std::vector<float> sound = Bursts(rate, 0.05, 0.7, 0.4, 5);
+    for (size_t i = 0; i < sound.size(); ++i) {
+      const double swell = std::sin(0.9 * M_PI * static_cast<double>(i) / rate);
+      sound[i] *= static_cast<float>(std::pow(10, 2 * swell - 1));
+    }
+    ActiveLevel single(rate);
+    for (const float& sample : sound) single.Add(std::span(&sample, 1));
+    const ActiveLevel whole = Of(sound, rate);
+    EXPECT_NEAR(*whole.Level().value, *single.Level().value, 1e-10) << rate;
+    EXPECT_NEAR(*whole.Activity().value, *single.Activity().value, 1e-11) << rate;
+  }
+}
+
 TEST(ActiveLevel, WhatCannotBeComputedSaysWhy) {
   EXPECT_STREQ(Of({}, 8000).Level().reason, kNoSamples);
   EXPECT_STREQ(Of(std::vector<float>(800), 8000).Activity().reason, kSilence);

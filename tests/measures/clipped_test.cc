@@ -52,6 +52,26 @@ TEST(Clipped, ARunGoesOnInTheNextBlock) {
   EXPECT_DOUBLE_EQ(*clipped.Share().value, 0.6);
 }
 
+TEST(Clipped, RunsAreFoundAcrossWhatIsPassedOver) {
+  std::vector<float> samples(2000, 0.5F);
+  for (const size_t at : {254, 255, 256, 767, 768, 1500, 1501, 1502, 1503}) samples[at] = 1;
+  Clipped clipped(1);
+  clipped.Add(samples);
+  EXPECT_EQ(clipped.Runs(), 2U);
+  EXPECT_EQ(clipped.Samples(), 7U);
+  EXPECT_EQ(clipped.First(), 254U);
+  EXPECT_DOUBLE_EQ(*clipped.Share().value, 7.0 / 2000);
+}
+
+// Two samples at the end of what was looked at, one at the start of what comes later.
+TEST(Clipped, WhatIsPassedOverEndsARun) {
+  std::vector<float> samples(768, 0.5F);
+  samples[254] = samples[255] = samples[512] = -1;
+  Clipped clipped(1);
+  clipped.Add(samples);
+  EXPECT_EQ(clipped.Samples(), 0U);
+}
+
 TEST(Clipped, WhatIsNotFiniteEndsARun) {
   const float infinite = std::numeric_limits<float>::infinity();
   EXPECT_EQ(Of({1, 1, infinite, 1, 1, std::numeric_limits<float>::quiet_NaN(), 1}).Samples(), 0U);

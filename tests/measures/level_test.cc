@@ -60,6 +60,24 @@ TEST(Level, BlocksOfAnySizeMakeTheSameFigures) {
   }
 }
 
+TEST(Level, PartsMakeTheFiguresOfTheWhole) {
+  const std::vector<float> sine = Sine(0.3, 5000, 0.01);
+  Level whole;
+  whole.Add(sine);
+  Level joined;
+  joined.Add(Level());
+  for (const size_t start : {0, 1700, 1701}) {
+    Level part;
+    const size_t end = start == 0 ? 1700 : start == 1700 ? 1701 : sine.size();
+    part.Add(std::span(sine).subspan(start, end - start));
+    joined.Add(part);
+  }
+  EXPECT_DOUBLE_EQ(*joined.Peak().value, *whole.Peak().value);
+  EXPECT_DOUBLE_EQ(*joined.Swing().value, *whole.Swing().value);
+  EXPECT_NEAR(*joined.Rms().value, *whole.Rms().value, 1e-5);
+  EXPECT_NEAR(*joined.Dc().value, *whole.Dc().value, 1e-8);
+}
+
 TEST(Level, OfOneSampleIsThatSample) {
   const Level level = Of({-0.1F});
   EXPECT_NEAR(*level.Peak().value, -20, 1e-5);

@@ -23,6 +23,20 @@ TEST(DropoutGuard, BeginsAtTwoMilliseconds) {
   EXPECT_EQ(DropoutHit(Check(in, Cut(in, 1, 0.0019))), nullptr);
 }
 
+// 96 samples are 2 ms; a run that is as long counts wherever it lies, also beside another one.
+TEST(DropoutGuard, ARunCountsWhereverItLies) {
+  const Sound in = Noise(0.1, 1, 1);
+  for (size_t first = 24000; first < 24200; first += 7) {
+    Sound out = in;
+    std::fill_n(out.samples.begin() + static_cast<int64_t>(first), 95, 0.0F);
+    EXPECT_EQ(DropoutHit(Check(in, out)), nullptr) << first;
+    std::fill_n(out.samples.begin() + static_cast<int64_t>(first) + 96, 96, 0.0F);
+    const auto hits = Check(in, out);
+    ASSERT_NE(DropoutHit(hits), nullptr) << first;
+    EXPECT_DOUBLE_EQ(*DropoutHit(hits)->at, static_cast<double>(first + 96) / 48000);
+  }
+}
+
 TEST(DropoutGuard, CountsThePlacesAndNamesTheFirst) {
   Sound in = Noise(0.1, 2, 1);
   in.channels = 2;

@@ -46,6 +46,19 @@ TEST(UnchangedGuard, AHalfStepOf16BitsIsNoChangeAndAWholeOneIs) {
   EXPECT_FALSE(Hits(Check(in, out), Guard::kUnchanged));
 }
 
+// A copy has nothing wrong with it beside its input; one that is longer may.
+TEST(UnchangedGuard, IsAllThatIsSaidOfACopy) {
+  const Sound in = Cut(Music(2), 1, 0.01);
+  EXPECT_EQ(Names(Check(in, in)), "unchanged");
+  GuardRules louder;
+  louder.leastLevel = 3;
+  EXPECT_EQ(Names(Check(in, in, louder)), "unchanged level");
+  Sound longer = in;
+  longer.samples.resize(in.samples.size() + 12000);
+  longer.samples[in.samples.size() + 6000] = 0.5F;
+  EXPECT_EQ(Names(Check(in, longer)), "unchanged click");
+}
+
 TEST(UnchangedGuard, IsSeenThroughADelay) {
   const Sound in = Speech(2);
   const auto hits = Check(in, Later(in, 0.089));
