@@ -1,0 +1,59 @@
+// The figures of a case: those that have changed first, with their direction in a word.
+import { el, freshId } from '../dom.js';
+import { badge } from '../icons.js';
+import { channel, number, plain, quantity, signed } from '../words.js';
+
+// More rows than these are shown at a click.
+export const kShownRows = 10;
+
+const kRank = { worse: 0, changed: 1, gone: 2, undecided: 3, better: 4, new: 5, same: 6 };
+const kBetter = { higher: '\u2191 higher', lower: '\u2193 lower' };
+
+function rows(one) {
+  const all = [...(one.results ?? []), ...(one.figures ?? [])];
+  return all.map((figure, at) => ({ figure, at, rank: kRank[figure.change] ?? 6 }))
+    .sort((a, b) => a.rank - b.rank || a.at - b.at).map((row) => row.figure);
+}
+
+function line(figure, compared) {
+  const { value, unit, against } = figure;
+  const both = typeof value === 'number' && typeof against === 'number';
+  const where = [figure.file, channel(figure.channel)].filter(Boolean).join(', ');
+  const note = [figure.reason, figure.untrusted ? 'not known to have passed its self-test' : '']
+    .filter(Boolean).join('; ');
+  return el('tr', {},
+    el('th', { scope: 'row' }, figure.name,
+       note ? el('span', { class: 'under' }, note) : null),
+    el('td', { class: 'name' }, where),
+    el('td', { class: 'figure' }, quantity(value, unit)),
+    compared ? [el('td', { class: 'figure' }, quantity(against, unit)),
+                el('td', { class: 'figure' }, both ? signed(value - against, unit) : number(null)),
+                el('td', {}, figure.change ? badge(figure.change) : null)] : null,
+    el('td', { class: 'quiet' }, kBetter[figure.better] ?? plain('none')));
+}
+
+export function figuresTable(one) {
+  const all = rows(one);
+  if (all.length === 0) return null;
+  const compared = all.some((f) => typeof f.against === 'number' || f.change);
+  const title = freshId('figures');
+  const columns = ['Figure', 'Of', 'Now', ...(compared ? ['Before', 'Difference', 'Change'] : []),
+                   'Better is'];
+  const figures = ['Now', 'Before', 'Difference'];
+  const body = el('tbody', {}, all.slice(0, kShownRows).map((figure) => line(figure, compared)));
+  const rest = all.slice(kShownRows);
+  const more = rest.length === 0 ? null
+    : el('button', { type: 'button', class: 'small', onclick: () => {
+      body.append(...rest.map((figure) => line(figure, compared)));
+      more.remove();
+      body.rows[kShownRows].scrollIntoView({ block: 'nearest' });
+    } }, `${rest.length} more figures`);
+  return el('section', { 'aria-labelledby': title },
+    el('h4', { id: title }, 'Figures'),
+    el('div', { class: 'wide', tabindex: '0', role: 'region', 'aria-labelledby': title },
+       el('table', {},
+          el('thead', {}, el('tr', {}, columns.map((name) =>
+            el('th', { scope: 'col', class: figures.includes(name) ? 'figure' : null }, name)))),
+          body)),
+    more);
+}

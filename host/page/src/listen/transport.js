@@ -1,0 +1,173 @@
+// Plays all versions of a recording at once and lets one of them be heard: what is heard changes
+// without a gap and at the same place.
+
+const kFade = 0.008;  // s, from one version to the next
+const kAhead = 0.02;  // s, in which all sources are made ready
+const kRest = 1000;   // ms, after which the audio of a page that is still is switched off
+
+const m_contexts = new Map();
+const m_running = new Set();
+
+// One clock for each rate: a browser resamples on its way out, not each source by itself.
+function contextOf(rate) {
+  if (!m_contexts.has(rate)) {
+    m_contexts.set(rate, new AudioContext({ sampleRate: rate, latencyHint: 'interactive' }));
+  }
+  return m_contexts.get(rate);
+}
+
+// A gain that goes to its next value in a straight line: two versions that are alike add up to
+// themselves meanwhile. Not every browser tells where a gain is on its way, so this is worked out here.
+class Fader {
+  constructor(context, gain) {
+    this.node = new GainNode(context, { gain });
+    this.m_from = gain;
+    this.m_to = gain;
+    this.m_start = -Infinity;
+  }
+
+  #now(time) {
+    const part = Math.min(1, Math.max(0, (time - this.m_start) / kFade));
+    return this.m_from + part * (this.m_to - this.m_from);
+  }
+
+  fade(to) {
+    const now = this.node.context.currentTime;
+    this.m_from = this.#now(now);
+    this.m_to = to;
+    this.m_start = now;
+    const parameter = this.node.gain;
+    parameter.cancelScheduledValues(now);
+    parameter.setValueAtTime(this.m_from, now);
+    parameter.linearRampToValueAtTime(to, now + kFade);
+  }
+}
+
+export class Transport {
+  constructor(rate, seconds) {
+    this.rate = rate;
+    this.seconds = seconds;
+    this.loop = null;          // {from, to} in s
+    this.heard = null;         // the key of the version
+    this.onend = () => {};
+    this.m_buffers = new Map();
+    this.m_gains = new Map();  // linear, by key
+    this.m_at = 0;             // the place while nothing plays
+    this.m_run = null;         // what plays: {started, from, sources}
+  }
+
+  setBuffers(buffers) { this.m_buffers = buffers; }
+
+  get playing() { return this.m_run !== null; }
+
+  // Seconds from the start of the recording.
+  get position() {
+    if (!this.m_run) return this.m_at;
+    const { context, started, from, loop } = this.m_run;
+    const at = from + Math.max(0, context.currentTime - started);
+    if (loop && at >= loop.to) return loop.from + (at - loop.from) % (loop.to - loop.from);
+    return Math.min(at, this.seconds);
+  }
+
+  // Places are whole samples, so that a clock of the page and the sources do not drift apart.
+  #whole(seconds) { return Math.round(seconds * this.rate) / this.rate; }
+
+  async play() {
+    if (this.m_run) return;
+    const context = contextOf(this.rate);
+    if (context.state !== 'running') await context.resume();
+    if (!this.m_run) this.#begin(context);
+  }
+
+  #begin(context) {
+    const loop = this.loop;
+    let from = this.m_at;
+    if (from >= this.seconds - 0.001) from = 0;
+    if (loop && (from < loop.from || from >= loop.to)) from = loop.from;
+    from = this.#whole(from);
+    const started = context.currentTime + kAhead;
+    const sources = new Map();
+    for (const [key, buffer] of this.m_buffers) {
+      const source = new AudioBufferSourceNode(context, { buffer });
+      if (loop) {
+        source.loop = true;
+        source.loopStart = loop.from;
+        source.loopEnd = loop.to;
+      }
+      const fader = new Fader(context, this.#level(key));
+      source.connect(fader.node).connect(context.destination);
+      source.start(started, from);
+      sources.set(key, { source, fader });
+    }
+    const run = { context, started, from, loop, sources };
+    this.m_run = run;
+    m_running.add(this);
+    const first = sources.values().next().value;
+    if (first) first.source.onended = () => { if (this.m_run === run) this.#ended(); };
+  }
+
+  #ended() {
+    this.stop();
+    this.m_at = 0;
+    this.onend();
+  }
+
+  // Stops where it is.
+  stop() {
+    if (!this.m_run) return;
+    this.m_at = this.position;
+    const { context, sources } = this.m_run;
+    this.m_run = null;
+    for (const { source, fader } of sources.values()) {
+      fader.fade(0);
+      source.stop(context.currentTime + 2 * kFade);
+    }
+    m_running.delete(this);
+    setTimeout(() => { if (m_running.size === 0) context.suspend(); }, kRest);
+  }
+
+  #restart() {
+    if (!this.m_run) return;
+    const { context } = this.m_run;
+    this.stop();
+    this.#begin(context);
+  }
+
+  seek(seconds) {
+    const to = Math.max(0, Math.min(this.seconds, seconds));
+    if (!this.m_run) {
+      this.m_at = to;
+      return;
+    }
+    const { context } = this.m_run;
+    this.stop();
+    this.m_at = to;
+    this.#begin(context);
+  }
+
+  // {from, to}, or null for none. What plays goes on at its place where that is inside.
+  setLoop(loop) {
+    this.loop = loop && { from: this.#whole(loop.from), to: this.#whole(loop.to) };
+    this.#restart();
+  }
+
+  #level(key) { return key === this.heard ? this.m_gains.get(key) ?? 1 : 0; }
+
+  // Lets the version of this key be heard.
+  hear(key) {
+    this.heard = key;
+    this.#fade();
+  }
+
+  // Linear gains by key.
+  setGains(gains) {
+    this.m_gains = gains;
+    this.#fade();
+  }
+
+  #fade() {
+    if (!this.m_run) return;
+    for (const [key, { fader }] of this.m_run.sources) fader.fade(this.#level(key));
+  }
+}
+

@@ -1,0 +1,54 @@
+// What the other run is compared by: one line a measure, with its interval as a small bar.
+import { badge } from '../icons.js';
+import { el } from '../dom.js';
+import { number, quantity, signed } from '../words.js';
+import { intervalBar } from './interval_bar.js';
+
+const kColumns = ['Measure', 'Verdict', 'Before', 'Now', 'Difference', '95 % interval, beside the margin',
+                  'Cases', 'Wins', 'Losses', 'Lost most'];
+
+function direction(measure) {
+  if (measure.to_truth) return 'less is better: distance from the truth';
+  return { higher: 'more is better', lower: 'less is better' }[measure.better] ??
+         'neither more nor less is better';
+}
+
+function caveat(measure) {
+  if (measure.untrusted) return 'this measure has not passed its self-test';
+  if (measure.holds === false) return 'by itself: not after the correction for many measures';
+  if (measure.more) return `about ${number(measure.more)} more cases would decide`;
+  return '';
+}
+
+function line(measure, choose) {
+  const name = el('button', { type: 'button', class: 'as-link',
+                              title: `Show the cases that have ${measure.name}`,
+                              onclick: () => choose(measure.name) }, measure.name);
+  const note = caveat(measure);
+  return el('tr', {},
+    el('th', { scope: 'row' }, name, el('span', { class: 'under' }, direction(measure))),
+    el('td', {}, badge(measure.verdict), note && el('span', { class: 'under' }, note)),
+    el('td', { class: 'figure' }, quantity(measure.a, measure.unit)),
+    el('td', { class: 'figure' }, quantity(measure.b, measure.unit)),
+    el('td', { class: 'figure' }, signed(measure.difference, measure.unit)),
+    el('td', { class: 'bar-cell' }, intervalBar(measure)),
+    el('td', { class: 'figure' }, number(measure.n)),
+    el('td', { class: 'figure' }, number(measure.wins)),
+    el('td', { class: 'figure' }, number(measure.losses)),
+    el('td', { class: 'name' }, measure.worst_case ?? ''));
+}
+
+export function drawMeasures(root, data, choose) {
+  const measures = data.measures ?? [];
+  if (!data.against || measures.length === 0) return;
+  root.append(
+    el('section', { 'aria-labelledby': 'measures-title' },
+       el('h2', { id: 'measures-title' }, 'Measures against ', data.against.name),
+       el('div', { class: 'wide', tabindex: '0', role: 'region',
+                   'aria-labelledby': 'measures-title' },
+          el('table', { class: 'measures' },
+             el('thead', {}, el('tr', {}, kColumns.map((name, at) =>
+               el('th', { scope: 'col', class: [2, 3, 4, 6, 7, 8].includes(at) ? 'figure' : null },
+                  name)))),
+             el('tbody', {}, measures.map((measure) => line(measure, choose)))))));
+}

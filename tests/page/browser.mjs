@@ -1,0 +1,66 @@
+// A page of the report in a browser without a window; whoever has none skips.
+import { existsSync, mkdtempSync, rmSync } from 'node:fs';
+import os from 'node:os';
+import path from 'node:path';
+import { pathToFileURL } from 'node:url';
+import { load } from './packages.mjs';
+import { writePage } from './page_file.mjs';
+
+const kSkip = 77;
+const kPrograms = { chrome: ['chromium', 'chromium-browser', 'google-chrome'],
+                    firefox: ['firefox-esr', 'firefox'] };
+
+// The path of the browser; without one the program ends as skipped.
+function find(browser) {
+  for (const folder of process.env.PATH.split(':')) {
+    for (const name of kPrograms[browser]) {
+      if (existsSync(path.join(folder, name))) return path.join(folder, name);
+    }
+  }
+  console.log(`Skipped: none of ${kPrograms[browser].join(', ')} is there`);
+  return process.exit(kSkip);
+}
+
+// Chromium's sandbox is not for root, who runs tests in containers.
+const kWords = {
+  chrome: ['--autoplay-policy=user-gesture-required', '--mute-audio', '--disable-gpu',
+           '--disable-dev-shm-usage', ...(process.getuid() === 0 ? ['--no-sandbox'] : [])],
+  firefox: [],
+};
+
+export class Browser {
+  static async start(browser = 'chrome', words = []) {
+    const executablePath = find(browser);
+    const self = new Browser();
+    self.folder = mkdtempSync(path.join(os.tmpdir(), 'page-'));
+    const puppeteer = load('puppeteer-core');
+    self.browser = await (puppeteer.default ?? puppeteer).launch({
+      browser, executablePath, headless: true, protocolTimeout: 240000,
+      args: [...kWords[browser], ...words],
+    });
+    return self;
+  }
+
+  // Opens a page with this sample in it. What the page says and asks for is in said and asked.
+  async open(sample, { fragment = '', before = null, width = 1280, height = 900, dark = false } = {}) {
+    const file = path.join(this.folder, 'report.html');
+    writePage(process.env.PAGE_TEMPLATE, sample, file);
+    const page = await this.browser.newPage();
+    page.said = [];
+    page.asked = [];
+    page.on('console', (message) => page.said.push(message.text()));
+    page.on('pageerror', (error) => page.said.push(String(error)));
+    page.on('request', (request) => page.asked.push(request.url()));
+    await page.setViewport({ width, height });
+    if (dark) await page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: 'dark' }]);
+    if (before) await page.evaluateOnNewDocument(before);
+    page.address = pathToFileURL(file).href;
+    await page.goto(page.address + fragment, { waitUntil: 'domcontentloaded' });
+    return page;
+  }
+
+  async stop() {
+    await this.browser.close();
+    rmSync(this.folder, { recursive: true, force: true });
+  }
+}

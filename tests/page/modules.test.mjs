@@ -1,0 +1,132 @@
+// What the page works out, without a browser: chance, levels, filters, outlines.
+import assert from 'node:assert/strict';
+import test from 'node:test';
+import { BlindTest, chance } from '../../host/page/src/listen/abx.js';
+import { matchLevels } from '../../host/page/src/listen/level_match.js';
+import { choose, formatFragment, kEmpty, parseFragment }
+  from '../../host/page/src/screen/filter_state.js';
+import { fitGain, subtract } from '../../host/page/src/work/difference.js';
+import { column, kBlock, outline, peakOf } from '../../host/page/src/work/envelope.js';
+import { number, signed, time, when } from '../../host/page/src/words.js';
+import { TimeView } from '../../host/page/src/draw/time_view.js';
+
+test('chance is the upper end of the binomial distribution', () => {
+  assert.equal(chance(0, 0), 1);
+  assert.equal(chance(5, 5), 1 / 32);
+  assert.equal(chance(4, 5), 6 / 32);
+  assert.equal(chance(8, 10), 56 / 1024);
+  assert.equal(chance(0, 10), 1);
+  assert.ok(Math.abs(chance(12, 16) - 2517 / 65536) < 1e-15);
+});
+
+test('a blind test counts what is right, draws X anew and ends as planned', () => {
+  const tosses = ['a', 'b', 'b', 'a'];
+  const blind = new BlindTest(3, () => tosses.shift());
+  blind.answer('a');
+  blind.answer('a');
+  assert.deepEqual([blind.trials, blind.right, blind.x, blind.done], [2, 1, 'b', false]);
+  blind.answer('b');
+  assert.deepEqual([blind.trials, blind.right, blind.done], [3, 2, true]);
+  assert.equal(blind.p, 4 / 8);
+  blind.answer('b');
+  assert.equal(blind.trials, 3);
+});
+
+test('the coin of a blind test falls on both sides', () => {
+  const drawn = new Set(Array.from({ length: 200 }, () => new BlindTest(1).x));
+  assert.deepEqual([...drawn].sort(), ['a', 'b']);
+});
+
+const near = (value, expected) => assert.ok(Math.abs(value - expected) < 1e-9, `${value}`);
+
+test('a soft version comes up to the loud one where its peak allows it', () => {
+  const gains = matchLevels([{ key: 'a', lufs: -20, peak: 1 }, { key: 'b', lufs: -26, peak: 0.1 }]);
+  near(gains.get('a'), 0);
+  near(gains.get('b'), 6);
+});
+
+test('both meet where the peak of the soft one ends', () => {
+  const gains = matchLevels([{ key: 'a', lufs: -20, peak: 0.5 },
+                             { key: 'b', lufs: -50, peak: 10 ** (-11 / 20) }]);
+  near(gains.get('b'), 10);
+  near(gains.get('a'), -20);
+});
+
+test('what is too soft or unknown is left as it is', () => {
+  const gains = matchLevels([{ key: 'a', lufs: -20, peak: 0.5 }, { key: 'b', lufs: null, peak: 0 },
+                             { key: 'c', lufs: -90, peak: 0.1 }]);
+  assert.deepEqual([...gains.values()], [0, 0, 0]);
+});
+
+const kCases = [
+  { id: 'one', group: 'aec', tags: ['car'], verdict: 'fail', change: 'worse', reason: 'a dropout',
+    elapsed: 1, figures: [{ name: 'erle', value: 10, against: 12, better: 'higher', channel: null }] },
+  { id: 'two', group: 'codec', tags: [], verdict: 'pass', change: 'same', elapsed: 3,
+    figures: [{ name: 'erle', value: 9, against: 14, better: 'higher', channel: null }] },
+  { id: 'ten', group: 'aec', tags: ['car', 'wide'], verdict: 'warn', change: null, elapsed: 2 },
+];
+const chosen = (part) => choose(kCases, { ...kEmpty, ...part });
+
+test('each filter leaves out what it should', () => {
+  assert.deepEqual(chosen({}), [0, 1, 2]);
+  assert.deepEqual(chosen({ text: 'DROP a' }), [0]);
+  assert.deepEqual(chosen({ group: 'aec' }), [0, 2]);
+  assert.deepEqual(chosen({ tag: 'wide' }), [2]);
+  assert.deepEqual(chosen({ verdict: ['pass', 'warn'] }), [1, 2]);
+  assert.deepEqual(chosen({ change: ['worse'] }), [0]);
+  assert.deepEqual(chosen({ measure: 'erle' }), [0, 1]);
+  assert.deepEqual(chosen({ case: 'two' }), [1]);
+});
+
+test('each order is what it says', () => {
+  assert.deepEqual(chosen({ order: 'id' }), [0, 2, 1]);
+  assert.deepEqual(chosen({ order: 'slowest' }), [1, 2, 0]);
+  assert.deepEqual(chosen({ measure: 'erle', order: 'measure' }), [1, 0]);
+});
+
+test('a choice survives the address', () => {
+  const state = { ...kEmpty, text: 'a&b #c', verdict: ['fail', 'warn'], order: 'id', case: 'x/<y>' };
+  assert.deepEqual(parseFragment(`#${formatFragment(state)}`), state);
+  assert.equal(formatFragment(kEmpty), '');
+});
+
+test('an outline has the peaks of its samples, near and far', () => {
+  const samples = Float32Array.from({ length: 1000 }, (_, n) => n === 500 ? -0.75 : n % 2 ? 0.25 : 0);
+  const lines = outline(samples);
+  assert.equal(peakOf([lines]), 0.75);
+  for (const [from, to] of [[490, 510], [0, 1000]]) {
+    const seen = column(samples, lines, from, to, {});
+    assert.deepEqual([seen.low, seen.high], [-0.75, 0.25]);
+  }
+  const far = column(samples, lines, 0, 10 * kBlock, {});
+  near(far.rms, Math.sqrt(0.0625 / 2));
+});
+
+test('the difference of two that are alike but for a gain is nothing', () => {
+  const b = [Float32Array.from([0.5, -0.25, 0.125, 0.5])];
+  const a = [b[0].map((v) => 0.5 * v)];
+  const gain = fitGain(a, b);
+  near(gain, 0.5);
+  assert.deepEqual([...subtract(a, b, gain)[0]], [0, 0, 0, 0]);
+});
+
+test('a zoom keeps its place and stays within the recording', () => {
+  const view = new TimeView(10);
+  view.zoom(2, 4);
+  assert.deepEqual([view.from, view.to], [2, 7]);
+  view.pan(100);
+  assert.deepEqual([view.from, view.to], [5, 10]);
+  view.zoom(0.01, 5);
+  assert.deepEqual([view.from, view.to], [0, 10]);
+});
+
+test('figures and times are written as readers write them', () => {
+  assert.equal(number(-3.104, 'dB'), '\u22123.10');
+  assert.equal(number(1234567), '1\u2009234\u2009567');
+  assert.equal(number(null), '\u2013');
+  assert.equal(number(0.00001234), '1.23e\u22125');
+  assert.equal(signed(2.5, 'dB'), '+2.50\u00a0dB');
+  assert.equal(time(62.5), '1:02.500');
+  assert.equal(time(13.2), '13.200\u00a0s');
+  assert.equal(when('2026-11-20T10:15:00Z'), '2026-11-20 10:15 UTC');
+});
