@@ -119,13 +119,16 @@ const KalmanFilter::Spectrum& KalmanFilter::FarSpectrum(size_t offset, size_t pa
   return m_far[(m_newest + offset + partition) % m_far.size()];
 }
 
-void KalmanFilter::Process(const float* far, const float* near, float* out) {
+void KalmanFilter::Hear(const float* far) {
   std::copy(m_farSamples.begin() + desktop::Offset(m_block), m_farSamples.end(),
             m_farSamples.begin());
   std::copy(far, far + m_block, m_farSamples.begin() + desktop::Offset(m_block));
   m_newest = (m_newest + m_far.size() - 1) % m_far.size();
   m_fft.Forward(m_farSamples.data(), m_far[m_newest].data());
+}
 
+void KalmanFilter::Process(const float* far, const float* near, float* out) {
+  Hear(far);
   PredictEarlierEcho();
   PredictEcho();
   for (size_t i = 0; i < m_block; ++i) {
@@ -168,21 +171,37 @@ void KalmanFilter::PredictEarlierEcho() {
 
 // Leaves the block's echo in the second half of m_samples.
 void KalmanFilter::PredictEcho() {
-  constexpr float kKept = kPersistence * kPersistence;
+  if (FarSounds()) Age();
   std::fill(m_echo.begin(), m_echo.end(), 0.0f);
   std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
   for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(m_offset, partition);
-    Spectrum& path = m_path[partition];
-    Power& uncertainty = m_uncertainty[partition];
+    const Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
-      uncertainty[bin] = kKept * uncertainty[bin] + (1 - kKept) * std::norm(path[bin]);
-      path[bin] *= kPersistence;
       m_predicted[bin] += std::norm(far[bin]) * uncertainty[bin];
     }
-    AddProduct(far, path, m_echo);
+    AddProduct(far, m_path[partition], m_echo);
   }
   m_fft.Inverse(m_echo.data(), m_samples.data());
+}
+
+bool KalmanFilter::FarSounds() const {
+  const float least = kFarRms * kFarRms * static_cast<float>(m_block);
+  return Energy(&m_farSamples[m_block], m_block) >= least;
+}
+
+// Lets a block's time pass: the path may have changed. Only what is heard makes a path surer, so
+// the uncertainty never falls here, not even where nothing has been learnt.
+void KalmanFilter::Age() {
+  constexpr float kKept = kPersistence * kPersistence;
+  for (size_t partition = 0; partition < m_partitions; ++partition) {
+    Spectrum& path = m_path[partition];
+    Power& uncertainty = m_uncertainty[partition];
+    for (size_t bin = 0; bin < path.size(); ++bin) {
+      uncertainty[bin] += (1 - kKept) * std::max(0.0f, std::norm(path[bin]) - uncertainty[bin]);
+      path[bin] *= kPersistence;
+    }
+  }
 }
 
 // Learns from the error, which stands in m_samples after a block of zeros. Only half of what is
@@ -222,8 +241,7 @@ bool KalmanFilter::Diverged(const float* near, const float* error) {
 }
 
 void KalmanFilter::DoubtUselessPath() {
-  const float least = kFarRms * kFarRms * static_cast<float>(m_block);
-  if (Energy(&m_farSamples[m_block], m_block) < least) return;
+  if (!FarSounds()) return;
   if (m_outEnergy < kUsefulness * m_nearEnergy) m_wasUseful = true;
   const bool useless = m_outEnergy > kUselessness * m_nearEnergy;
   m_uselessFor = useless ? m_uselessFor + 1 : 0;

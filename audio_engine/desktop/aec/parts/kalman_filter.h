@@ -31,6 +31,9 @@ class KalmanFilter {
   // a block is faded in with the next one, so that no step is heard where they meet.
   void Process(const float* far, const float* near, float* out);
 
+  // Takes a far-end block whose near end is not known.
+  void Hear(const float* far);
+
  private:
   using Spectrum = std::vector<std::complex<float>>;
   using Power = std::vector<float>;
@@ -38,6 +41,8 @@ class KalmanFilter {
   const Spectrum& FarSpectrum(size_t offset, size_t partition) const;
   float FirstUncertainty(size_t partition) const;
   void ForgetPartition(size_t partition);
+  bool FarSounds() const;
+  void Age();
   void PredictEcho();
   void PredictEarlierEcho();
   void TakeOut(const float* near, float* out, bool diverged) const;

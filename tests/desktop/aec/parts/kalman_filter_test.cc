@@ -8,6 +8,7 @@
 
 #include "support/allocation_count.h"
 #include "support/talk.h"
+#include "support/tone.h"
 
 namespace {
 
@@ -150,6 +151,48 @@ TEST(KalmanFilter, LeavesNoStepWhereItIsMoved) {
     out.insert(out.end(), part.begin(), part.end());
   }
   EXPECT_LT(Seam(out, 31840 - 10, 31840 + 10), 5);
+}
+
+// Feeds silence at both ends.
+void Rest(desktop::KalmanFilter& filter, int seconds) {
+  std::vector<float> block(kBlock);
+  for (int i = 0; i < 100 * seconds; ++i) filter.Process(block.data(), block.data(), block.data());
+}
+
+TEST(KalmanFilter, LearnsAfterALongSilenceAsItDoesAtFirst) {
+  const Samples far = Talk(kRate, 6, 14);
+  const Samples speech = Talk(kRate, 6, 15);
+  const Samples near = Sum(Echo(far, kRate, 20, 0), speech);
+  double sdr[2] = {};
+  for (const int silence : {0, 180}) {
+    desktop::KalmanFilter filter(kBlock, 10, 0);
+    Rest(filter, silence);
+    sdr[silence > 0] = SdrDb(speech, Cancel(filter, far, near), kRate, 1, 0);
+  }
+  EXPECT_GT(sdr[1], sdr[0] - 0.1);
+}
+
+TEST(KalmanFilter, KnowsThePathAfterALongSilence) {
+  const Samples far = Talk(kRate, 5, 16);
+  const Samples near = Sum(Echo(far, kRate, 20), Hiss(kRate, 5, 17, -75));
+  desktop::KalmanFilter filter(kBlock, 10, 0);
+  Cancel(filter, far, near);
+  Rest(filter, 180);
+  EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 0.1, 1), 25);
+}
+
+// A far end without highs, as from a telephone, teaches nothing about them.
+TEST(KalmanFilter, LearnsFrequenciesThatComeLate) {
+  const Samples far = Talk(kRate, 5, 18);
+  const Samples near = Sum(Echo(far, kRate, 20), Hiss(kRate, 5, 19, -75));
+  double loss[2] = {};
+  for (const int seconds : {5, 120}) {
+    desktop::KalmanFilter filter(kBlock, 10, 0);
+    const Samples low = Tone(300, 3000, kRate, seconds * kRate);
+    Cancel(filter, low, Echo(low, kRate, 20));
+    loss[seconds > 5] = LossDb(near, Cancel(filter, far, near), kRate, 0.5, 2);
+  }
+  EXPECT_GT(loss[1], loss[0] - 1);
 }
 
 TEST(KalmanFilter, AllocatesNothingPerBlock) {
