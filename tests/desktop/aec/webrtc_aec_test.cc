@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 #include <vector>
 
 #include "support/captured_stderr.h"
@@ -104,6 +105,38 @@ TEST_F(WebRtcAec, ImprovesDoubleTalk) {
   SetNlp(kAecNlpAggressive);
   EXPECT_GT(SdrDb(speech, RunShorts(far, near, 50), kRate, 2, 0),
             SdrDb(speech, near, kRate, 2, 0) + 4);
+}
+
+// Echo with hiss, `delay` ms late.
+Samples Noisy(const Samples& far, int delay) {
+  return Sum(Echo(far, kRate, delay), Hiss(kRate, 8, 14, -70));
+}
+
+TEST_F(WebRtcAec, FollowsADelayThatBecomesShort) {
+  const Samples far = Talk(kRate, 8, 13);
+  const double at5 = LossDb(Noisy(far, 5), RunShorts(far, Noisy(far, 5), 5), kRate, 3, 8);
+  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+  RunShorts(far, Noisy(far, 250), 250);
+  EXPECT_GT(LossDb(Noisy(far, 5), RunShorts(far, Noisy(far, 5), 5), kRate, 3, 8), at5 - 3);
+}
+
+TEST_F(WebRtcAec, IgnoresADelayThatDoesNotLast) {
+  const Samples far = Talk(kRate, 8, 15);
+  const Samples near = Noisy(far, 5);
+  const std::vector<float> steady = Run(far, near, 5);
+  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+  const auto part = [](const Samples& all, size_t begin, size_t end) {
+    return Samples(all.begin() + static_cast<ptrdiff_t>(begin * kBlock),
+                   all.begin() + static_cast<ptrdiff_t>(end * kBlock));
+  };
+  std::vector<float> out;
+  for (const auto& [begin, end, delay] : {std::tuple<size_t, size_t, int16_t>{0, 200, 5},
+                                          {200, 201, 300},
+                                          {201, 800, 5}}) {
+    const std::vector<float> some = Run(part(far, begin, end), part(near, begin, end), delay);
+    out.insert(out.end(), some.begin(), some.end());
+  }
+  EXPECT_EQ(out, steady);
 }
 
 TEST_F(WebRtcAec, StaysWithin16BitsAndTakesAnyDelayWithoutALine) {

@@ -89,6 +89,30 @@ TYPED_TEST(CaptureGain, KeepsPausesQuietAndHasNoLag) {
   EXPECT_GT(LevelDb(out, 16000, 5, 8) - LevelDb(out, 16000, 8.1, 9.9), 22);
 }
 
+Samples After(double zeros, const Samples& sound) {
+  Samples after(static_cast<size_t>(16000 * zeros));
+  after.insert(after.end(), sound.begin(), sound.end());
+  return after;
+}
+
+// The noise may start within a block, which is softer then.
+TYPED_TEST(CaptureGain, DoesNotTakeNoiseAfterSilenceForSpeech) {
+  for (const double zeros : {0.5, 0.5094, 3.0}) {
+    const Samples noise = After(zeros, Hiss(16000, 6, 9, -60));
+    EXPECT_NEAR(LevelDb(Level<TypeParam>(noise, 16000, 1), 16000, zeros, zeros + 6), -60, 0.1);
+  }
+}
+
+TYPED_TEST(CaptureGain, LeavesSpeechAfterNoiseAfterSilenceInRange) {
+  const auto firstSecond = [](double zeros) {
+    Samples samples = After(zeros, Hiss(16000, 3, 10, -60));
+    const Samples speech = Talk(16000, 3, 11, -25);
+    samples.insert(samples.end(), speech.begin(), speech.end());
+    return LevelDb(Level<TypeParam>(samples, 16000, 1), 16000, zeros + 3, zeros + 4);
+  };
+  EXPECT_NEAR(firstSecond(1), firstSecond(0), 1);
+}
+
 TYPED_TEST(CaptureGain, PassesWhatItDoesNotKnowWithOneLine) {
   CapturedStderr log;
   const Samples noise = Hiss(96000, 0.1, 7, -50);

@@ -126,10 +126,12 @@ bool CaptureChain::ProcessCapture(zuwebrtc::AudioFrame& frame) {
   m_capture.in->Convert(frame.data_, Size(frame.samples_per_channel_), samples);
   if (m_recorder) m_recorder->Record(AecRecorder::kNear, samples, bytes);
 
-  if (!m_bypassed) {
-    std::copy_n(samples, m_block.size(), m_block.begin());
+  std::copy_n(samples, m_block.size(), m_block.begin());
+  if (m_bypassed) {
+    m_canceller->PassNear(m_block.data());
+  } else {
     m_canceller->ProcessNear(m_block.data());
-    if (m_level) m_level->Process(m_block.data(), m_block.size(), true);
+    if (m_level) m_level->Process(m_block.data(), m_block.size(), !m_canceller->HasEcho());
     std::transform(m_block.begin(), m_block.end(), samples,
                    [](float sample) { return static_cast<short>(sample); });
   }

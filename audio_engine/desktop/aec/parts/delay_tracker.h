@@ -3,6 +3,7 @@
 #include <array>
 #include <complex>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "desktop/dsp/real_fft.h"
@@ -24,7 +25,8 @@ class DelayTracker {
   void AddNear(const short* samples, size_t count) { Add(m_near, m_far, samples, count); }
 
   // The last delay that was sure; 0 until there is one.
-  int DelayMs() const { return m_delayMs; }
+  int DelayMs() const { return m_delayMs.value_or(0); }
+  bool KnowsDelay() const { return m_delayMs.has_value(); }
 
   // How far the peak of the correlation stands above its mean, as the median over the run: about 5
   // for unrelated signals and 10 to 35 with an echo. 0 until both ends have sounded for a second.
@@ -66,7 +68,7 @@ class DelayTracker {
 
   // The cross spectrum, smoothed.
   Spectrum m_cross;
-  int m_delayMs = 0;
+  std::optional<int> m_delayMs;
 
   // How often each tenth of a score was seen, in m_looks looks.
   std::array<int, 1000> m_scores = {};

@@ -15,6 +15,10 @@ constexpr size_t kPartitions = 32;  // 320 ms of echo path.
 constexpr size_t kMaxOffsetBlocks = 50;
 constexpr size_t kEarlyBlocks = 8;
 
+// Blocks of the far end that have waited throughout so many of the near end are late for good:
+// capture paused, or began later than the far end.
+constexpr int kWatchedBlocks = 50;
+
 // The module loses 8 dB when it is told 10 ms too much, and nothing when it is told 30 ms too
 // little; a new delay makes it learn the path anew, so it hears of lasting changes only.
 constexpr int kModuleMarginMs = 10;
@@ -87,14 +91,37 @@ void EchoCanceller::SetDelay(int delayMs) { m_delayMs = std::clamp(delayMs, 0, 5
 
 void EchoCanceller::ProcessFar(const float* block) {
   if (m_earlyBlocks == kEarlyBlocks) {
-    std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
-    --m_earlyBlocks;
+    DropFar();
+    m_overflowed = true;
   }
   std::copy(block, block + m_block, &m_early[m_earlyBlocks * m_block]);
   ++m_earlyBlocks;
 }
 
+// The filter hears what is dropped, so that its past stays whole.
+void EchoCanceller::DropFar() {
+  m_filter.Hear(m_early.data());
+  std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
+  --m_earlyBlocks;
+}
+
+// Drops the blocks that no near end will come for: all but the newest after a pause, and later
+// those that were never needed.
+void EchoCanceller::DropLateFar() {
+  if (m_overflowed) {
+    while (m_earlyBlocks > 1) DropFar();
+    m_overflowed = false;
+    m_watchedFor = 0;
+  }
+  const size_t left = m_earlyBlocks > 0 ? m_earlyBlocks - 1 : 0;
+  m_leastLeft = m_watchedFor == 0 ? left : std::min(m_leastLeft, left);
+  if (++m_watchedFor < kWatchedBlocks) return;
+  for (; m_leastLeft > 0; --m_leastLeft) DropFar();
+  m_watchedFor = 0;
+}
+
 void EchoCanceller::TakeFar() {
+  DropLateFar();
   if (m_earlyBlocks == 0) {
     std::fill(m_far.begin(), m_far.end(), 0.0f);
     return;
@@ -102,6 +129,12 @@ void EchoCanceller::TakeFar() {
   std::copy(m_early.begin(), m_early.begin() + Offset(m_block), m_far.begin());
   std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
   --m_earlyBlocks;
+}
+
+void EchoCanceller::PassNear(const float* block) {
+  TakeFar();
+  m_filter.Hear(m_far.data());
+  if (m_cancels) FollowDelay(block);
 }
 
 void EchoCanceller::ProcessNear(float* block) {
@@ -125,21 +158,22 @@ void EchoCanceller::FollowDelay(const float* near) {
     };
     m_tracker->AddFar(take(m_far.data()), m_shorts.size());
     m_tracker->AddNear(take(near), m_shorts.size());
-    m_delayMs = m_tracker->DelayMs();
+    if (m_tracker->KnowsDelay()) m_delayMs = m_tracker->DelayMs();
   }
-  const int wanted = std::max(0, m_delayMs - kModuleMarginMs);
-  const bool different = std::abs(wanted - m_apmDelayMs) >= kChangeMs;
+  if (!m_delayMs) return;
+  if (!m_lastingDelayMs) m_lastingDelayMs = m_delayMs;
+  const bool different = std::abs(*m_delayMs - *m_lastingDelayMs) >= kChangeMs;
   m_differentFor = different ? m_differentFor + 1 : 0;
-  if (m_differentFor >= kLastingBlocks || (different && m_apmDelayMs == 0)) {
-    m_apmDelayMs = wanted;
-    m_differentFor = 0;
-  }
+  if (m_differentFor < kLastingBlocks) return;
+  m_lastingDelayMs = m_delayMs;
+  m_differentFor = 0;
 }
 
 void EchoCanceller::MoveFilter() {
-  const int margin = m_apmDelayMs + kModuleMarginMs - 10 * Count(m_filter.Offset());
-  if (m_apmDelayMs == 0 || (margin >= kMinMarginMs && margin <= kMaxMarginMs)) return;
-  m_filter.SetOffset(Size(m_apmDelayMs + kModuleMarginMs - kFilterMarginMs) / 10);
+  if (!m_lastingDelayMs) return;
+  const int margin = *m_lastingDelayMs - 10 * Count(m_filter.Offset());
+  if (margin >= kMinMarginMs && margin <= kMaxMarginMs) return;
+  m_filter.SetOffset(Size(std::max(0, *m_lastingDelayMs - kFilterMarginMs)) / 10);
 }
 
 void EchoCanceller::Suppress(float* block) {
@@ -151,7 +185,7 @@ void EchoCanceller::Suppress(float* block) {
     Scale(far, m_block, 1 / kFullScale);
     m_apm->ProcessReverseStream(&far, stream, stream, &far);
     Scale(far, m_block, kFullScale);
-    m_apm->set_stream_delay_ms(m_apmDelayMs);
+    m_apm->set_stream_delay_ms(std::max(0, m_lastingDelayMs.value_or(0) - kModuleMarginMs));
   }
   m_apm->ProcessStream(&near, stream, stream, &near);
   m_hasEcho = m_cancels && m_apm->echo_cancellation()->stream_has_echo();

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "desktop/aec/parts/delay_tracker.h"
@@ -32,18 +33,22 @@ class EchoCanceller {
   void EnableCancellation(bool on);     // On at first.
 
   void SetDelay(int delayMs);  // 0 to 500; the next block is the first that knows it.
-  int DelayMs() const { return m_delayMs; }
+  int DelayMs() const { return m_delayMs.value_or(0); }
 
   void ForgetEchoPath() { m_filter.Restart(); }
 
   // Per block first the far end; without one the near end is cleaned against silence. Blocks that
-  // come early are kept for the next near ends, up to 80 ms of them.
+  // come early are kept for the next near ends, up to 80 ms of them, unless no near end needs them:
+  // then capture has paused, and to keep them would make the far end late for good.
   void ProcessFar(const float* block);
 
   // In place. Cancellation makes it kLagSamples late at 8 and 16 kHz, noise suppression alone
   // 6 ms. The result stays within -32768..32767.
   void ProcessNear(float* block);
   static constexpr size_t kLagSamples = 112;
+
+  // Takes a block of the near end that is used as it is.
+  void PassNear(const float* block);
 
   // Whether there was echo in the last block.
   bool HasEcho() const { return m_hasEcho; }
@@ -55,6 +60,8 @@ class EchoCanceller {
   const float* Far() const { return m_far.data(); }
 
  private:
+  void DropFar();
+  void DropLateFar();
   void TakeFar();
   void FollowDelay(const float* near);
   void MoveFilter();
@@ -71,15 +78,20 @@ class EchoCanceller {
   bool m_suppressesNoise = false;
   bool m_hasEcho = false;
 
-  // The delay as estimated or given, the one that the module is told, and for how many blocks the
-  // two have been far apart.
-  int m_delayMs = 0;
-  int m_apmDelayMs = 0;
+  // The delay as estimated or given, empty before, and the one that has lasted, which is made use
+  // of; for how many blocks the two have been far apart.
+  std::optional<int> m_delayMs;
+  std::optional<int> m_lastingDelayMs;
   int m_differentFor = 0;
 
-  // The far-end blocks that wait, oldest first.
+  // The far-end blocks that wait, oldest first, and whether more came than can wait.
   std::vector<float> m_early;
   size_t m_earlyBlocks = 0;
+  bool m_overflowed = false;
+
+  // How many of them at least were left after each of the last blocks of the near end.
+  size_t m_leastLeft = 0;
+  int m_watchedFor = 0;
   std::vector<float> m_far;
   std::vector<short> m_shorts;
 };

@@ -171,7 +171,7 @@ void KalmanFilter::PredictEarlierEcho() {
 
 // Leaves the block's echo in the second half of m_samples.
 void KalmanFilter::PredictEcho() {
-  if (FarSounds()) Age();
+  Age();
   std::fill(m_echo.begin(), m_echo.end(), 0.0f);
   std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
   for (size_t partition = 0; partition < m_partitions; ++partition) {
@@ -190,16 +190,21 @@ bool KalmanFilter::FarSounds() const {
   return Energy(&m_farSamples[m_block], m_block) >= least;
 }
 
-// Lets a block's time pass: the path may have changed. Only what is heard makes a path surer, so
-// the uncertainty never falls here, not even where nothing has been learnt.
+// Lets a block's time pass: the path may have changed. What the far end does not sound on stays as
+// it is known, else the filter would forget in every pause and then never learn again.
 void KalmanFilter::Age() {
   constexpr float kKept = kPersistence * kPersistence;
+  // All bins alike: a path of which only some fade would wrap around.
+  m_quietFor = FarSounds() ? 0 : m_quietFor + 1;
+  const float keptOfPath = m_quietFor < m_partitions ? kPersistence : 1;
   for (size_t partition = 0; partition < m_partitions; ++partition) {
+    const Spectrum& far = FarSpectrum(m_offset, partition);
     Spectrum& path = m_path[partition];
     Power& uncertainty = m_uncertainty[partition];
     for (size_t bin = 0; bin < path.size(); ++bin) {
-      uncertainty[bin] += (1 - kKept) * std::max(0.0f, std::norm(path[bin]) - uncertainty[bin]);
-      path[bin] *= kPersistence;
+      const float kept = std::norm(far[bin]) >= kNoisePower ? kKept : 1;
+      uncertainty[bin] = kept * uncertainty[bin] + (1 - kept) * std::norm(path[bin]);
+      path[bin] *= keptOfPath;
     }
   }
 }

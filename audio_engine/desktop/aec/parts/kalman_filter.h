@@ -60,6 +60,9 @@ class KalmanFilter {
   std::vector<Spectrum> m_far;
   size_t m_newest = 0;
 
+  // How many blocks of the far end have been quiet since the last that was not.
+  size_t m_quietFor = 0;
+
   // By partition: the estimated echo path, and the variance of its error.
   std::vector<Spectrum> m_path;
   std::vector<Power> m_uncertainty;
