@@ -17,6 +17,13 @@ constexpr float kOverFloorDb = 8;
 constexpr float kUnderLevelDb = 18;
 constexpr float kFloorRiseDbPerSecond = 2;
 
+// What lies below this tells nothing of the background: nothing is captured, or it is gated. After
+// long enough the background is found anew, in the loudest of the first blocks, because a noise may
+// begin within a block.
+constexpr float kNothingDb = kMinActiveDb - kOverFloorDb;
+constexpr float kLongSeconds = 1;
+constexpr float kFirstSeconds = 0.03f;
+
 // The times over which the level is a mean: for louder blocks, for quieter ones, which may be
 // another talker, and for such as may be a fading.
 constexpr float kLevelSeconds = 1.5f;
@@ -76,7 +83,7 @@ void LevelControl::Learn(const float* samples, size_t count) {
   const float now = std::max(kSilenceDb, Decibels(rms / 32768));
   const float seconds = static_cast<float>(count) / m_samplesPerSecond;
 
-  m_floorDb = std::min(m_floorDb + kFloorRiseDbPerSecond * seconds, std::max(now, kSilenceDb));
+  FollowFloor(now, seconds);
   m_active = now > std::max(kMinActiveDb, m_floorDb + kOverFloorDb);
   if (!m_active) return;
 
@@ -86,6 +93,22 @@ void LevelControl::Learn(const float* samples, size_t count) {
                                                        : kFadeSeconds;
   const float part = seconds / std::min(m_activeSeconds, over);
   m_levelDb += part * (now - m_levelDb);
+}
+
+void LevelControl::FollowFloor(float now, float seconds) {
+  if (now < kNothingDb) {
+    m_nothingSeconds += seconds;
+    return;
+  }
+  if (m_nothingSeconds >= kLongSeconds) {
+    m_floorDb = kSilenceDb;
+    m_soundSeconds = 0;
+  }
+  m_nothingSeconds = 0;
+  m_soundSeconds += seconds;
+  m_floorDb = m_soundSeconds < kFirstSeconds
+                  ? std::max(m_floorDb, now)
+                  : std::min(m_floorDb + kFloorRiseDbPerSecond * seconds, now);
 }
 
 void LevelControl::MoveGain(float seconds) {

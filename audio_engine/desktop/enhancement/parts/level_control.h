@@ -36,14 +36,18 @@ class LevelControl {
 
  private:
   void Learn(const float* samples, size_t count);
+  void FollowFloor(float now, float seconds);
   void MoveGain(float seconds);
   void Apply(float* samples, size_t count, float from, float to);
 
   float m_samplesPerSecond;
   Settings m_settings;
 
-  // The levels of the background and of the active parts.
-  float m_floorDb = 0;
+  // The levels of the background and of the active parts, and how long there has been anything,
+  // and nothing since.
+  float m_floorDb = -96;
+  float m_soundSeconds = 0;
+  float m_nothingSeconds = 0;
   float m_levelDb = 0;
   float m_activeSeconds = 0;
   bool m_active = false;
