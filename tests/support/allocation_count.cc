@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -13,6 +14,8 @@ std::atomic<size_t> g_allocations = 0;
 std::atomic<size_t> g_largest = 0;
 std::atomic<const char*> g_watched = nullptr;
 std::atomic<size_t> g_ofWatched = 0;
+
+thread_local int t_callsLeft = -1;
 
 bool IsCalled(const char* thread) {
   char name[16] = {};
@@ -28,6 +31,13 @@ void Count(size_t bytes) {
   }
 }
 
+// An allocation, or null where it fails.
+void* Allocate(size_t bytes) {
+  Count(bytes);
+  const bool fails = t_callsLeft >= 0 && t_callsLeft-- == 0;
+  return fails ? nullptr : std::malloc(bytes);
+}
+
 }  // namespace
 
 size_t AllocationCount() { return g_allocations; }
@@ -41,16 +51,14 @@ void WatchAllocationsOf(const char* thread) {
 
 size_t WatchedAllocations() { return g_ofWatched; }
 
+bool FailAllocationAfter(int calls) { return std::exchange(t_callsLeft, calls) >= 0; }
+
 void* operator new(size_t bytes) {
-  Count(bytes);
-  if (void* memory = std::malloc(bytes)) return memory;
+  if (void* memory = Allocate(bytes)) return memory;
   throw std::bad_alloc();
 }
 
-void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
-  Count(bytes);
-  return std::malloc(bytes);
-}
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
 
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, size_t) noexcept { std::free(memory); }

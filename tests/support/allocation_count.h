@@ -11,3 +11,7 @@ size_t LargestAllocation();
 // Counts from now on how often the threads of that name call operator new; null for none.
 void WatchAllocationsOf(const char* thread);
 size_t WatchedAllocations();
+
+// Lets the calling thread's operator new fail once, after so many more calls. Returns whether the
+// failure of the call of this before is still to come. Negative: never.
+bool FailAllocationAfter(int calls);

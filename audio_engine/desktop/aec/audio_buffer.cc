@@ -1,16 +1,29 @@
 #include "engine_api/aec/audio_buffer.h"
 
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 #include "desktop/aec/parts/band_split.h"
 #include "desktop/common/counts.h"
 #include "desktop/dsp/rate/resampler.h"
+#include "desktop/platform/log.h"
 #include "engine_api/common/channel_buffer.h"
 
 namespace zuwebrtc {
 
 namespace {
+
+// 10 ms at 192 kHz.
+constexpr int kMaxFrames = 1920;
+constexpr int kMaxChannels = 8;
+
+bool Accepts(int frames, int channels) {
+  return frames >= 1 && frames <= kMaxFrames && channels >= 1 && channels <= kMaxChannels;
+}
+
+// What a buffer hands out where it has nothing.
+int16_t* const kNothing[kMaxChannels] = {};
 
 int BandsOf(int frames) { return frames == 320 ? 2 : frames == 480 ? 3 : 1; }
 
@@ -38,7 +51,9 @@ struct AudioBuffer::Bands {
     }
   }
 
+  // Nothing for a channel that there is not.
   int16_t* const* BandsOfChannel(int channel) const {
+    if (channel < 0 || channel >= whole.num_channels_) return kNothing;
     return split.num_bands_ == 1 ? &whole.channels_[Size(channel)]
                                  : &split.bands_[Size(channel) * Size(split.num_bands_)];
   }
@@ -59,13 +74,27 @@ struct AudioBuffer::Bands {
 };
 
 AudioBuffer::AudioBuffer(int input_num_frames, int num_input_channels, int process_num_frames,
-                         int num_process_channels, int output_num_frames)
-    : m_bands(std::make_unique<Bands>(input_num_frames, num_input_channels, process_num_frames,
-                                      num_process_channels, output_num_frames)) {}
+                         int num_process_channels, int output_num_frames) {
+  if (!Accepts(input_num_frames, num_input_channels) ||
+      !Accepts(process_num_frames, num_process_channels) ||
+      !Accepts(output_num_frames, num_process_channels)) {
+    desktop::LogRefusal("no audio buffer from %d frames of %d channels by %d of %d to %d",
+                        input_num_frames, num_input_channels, process_num_frames,
+                        num_process_channels, output_num_frames);
+    return;
+  }
+  try {
+    m_bands = std::make_unique<Bands>(input_num_frames, num_input_channels, process_num_frames,
+                                      num_process_channels, output_num_frames);
+  } catch (const std::exception&) {
+    desktop::LogRefusal("no memory for an audio buffer");
+  }
+}
 
 AudioBuffer::~AudioBuffer() = default;
 
 void AudioBuffer::DeinterleaveFrom(AudioFrame* frame) {
+  if (!m_bands || frame == nullptr) return;
   Bands& bands = *m_bands;
   const int wanted = std::min(bands.inFrames * bands.inChannels, AudioFrame::kMaxDataSizeSamples);
   std::copy(frame->data_, frame->data_ + wanted, bands.interleaved.begin());
@@ -84,6 +113,7 @@ void AudioBuffer::DeinterleaveFrom(AudioFrame* frame) {
 }
 
 void AudioBuffer::InterleaveTo(AudioFrame* frame, bool data_changed) {
+  if (!m_bands || frame == nullptr) return;
   Bands& bands = *m_bands;
   const int channels = bands.whole.num_channels_;
   if (!data_changed || bands.outFrames * channels > AudioFrame::kMaxDataSizeSamples) return;
@@ -104,16 +134,22 @@ void AudioBuffer::InterleaveTo(AudioFrame* frame, bool data_changed) {
   frame->num_channels_ = channels;
 }
 
-int AudioBuffer::num_frames() const { return m_bands->whole.num_frames_; }
-int AudioBuffer::num_bands() const { return m_bands->split.num_bands_; }
-int AudioBuffer::num_frames_per_band() const { return m_bands->split.num_frames_per_band_; }
+int AudioBuffer::num_frames() const { return m_bands ? m_bands->whole.num_frames_ : 0; }
+int AudioBuffer::num_bands() const { return m_bands ? m_bands->split.num_bands_ : 0; }
+int AudioBuffer::num_frames_per_band() const {
+  return m_bands ? m_bands->split.num_frames_per_band_ : 0;
+}
 
-const int16_t* const* AudioBuffer::channels_const() const { return m_bands->whole.channels_.get(); }
+const int16_t* const* AudioBuffer::channels_const() const {
+  return m_bands ? m_bands->whole.channels_.get() : kNothing;
+}
 
-int16_t* const* AudioBuffer::split_bands(int channel) { return m_bands->BandsOfChannel(channel); }
+int16_t* const* AudioBuffer::split_bands(int channel) {
+  return m_bands ? m_bands->BandsOfChannel(channel) : kNothing;
+}
 
 const int16_t* const* AudioBuffer::split_bands_const(int channel) const {
-  return m_bands->BandsOfChannel(channel);
+  return m_bands ? m_bands->BandsOfChannel(channel) : kNothing;
 }
 
 }  // namespace zuwebrtc

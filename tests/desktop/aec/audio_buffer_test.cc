@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/captured_stderr.h"
 #include "support/talk.h"
 #include "support/tone.h"
 
@@ -129,6 +130,39 @@ TEST(AudioBuffer, ConvertsBetweenItsThreeFormats) {
     out.insert(out.end(), frame.data_, frame.data_ + 80);
   }
   EXPECT_NEAR(FitTone(out, 400, 8000).amplitude, 8000, 80);
+}
+
+TEST(AudioBuffer, HoldsNothingInAFormatThatIsNone) {
+  const struct {
+    int inFrames, inChannels, frames, channels, outFrames;
+  } cases[] = {{0, 1, 160, 1, 0},      {160, 1, 0, 1, 160},    {160, 1, 160, 1, 0},
+               {-160, 1, 160, 1, 160}, {160, -1, 160, 1, 160}, {160, 1, -160, 1, 160},
+               {160, 1, 160, 0, 160},  {160, 1, 160, 1, -160}, {1 << 30, 1, 160, 1, 160}};
+  for (const auto& one : cases) {
+    CapturedStderr log;
+    zuwebrtc::AudioBuffer buffer(one.inFrames, one.inChannels, one.frames, one.channels,
+                                 one.outFrames);
+    EXPECT_EQ(log.Lines().size(), 1u);
+    EXPECT_EQ(buffer.num_frames(), 0);
+    EXPECT_EQ(buffer.num_bands(), 0);
+    EXPECT_EQ(buffer.num_frames_per_band(), 0);
+    EXPECT_EQ(buffer.channels_const()[0], nullptr);
+    EXPECT_EQ(buffer.split_bands(0)[0], nullptr);
+    EXPECT_EQ(buffer.split_bands_const(0)[0], nullptr);
+    const Samples talk = Talk(16000, 0.01, 3);
+    zuwebrtc::AudioFrame frame = Frame(talk.data(), 16000, 1);
+    buffer.DeinterleaveFrom(&frame);
+    buffer.InterleaveTo(&frame, true);
+    EXPECT_EQ(Samples(frame.data_, frame.data_ + 160), talk);
+    EXPECT_EQ(frame.samples_per_channel_, 160);
+  }
+}
+
+TEST(AudioBuffer, HasNoBandsOfAChannelThatItHasNot) {
+  zuwebrtc::AudioBuffer buffer(160, 1, 160, 1, 160);
+  EXPECT_NE(buffer.split_bands(0)[0], nullptr);
+  EXPECT_EQ(buffer.split_bands(1)[0], nullptr);
+  EXPECT_EQ(buffer.split_bands_const(-1)[0], nullptr);
 }
 
 }  // namespace

@@ -13,7 +13,8 @@ namespace zuwebrtc {
 class ENGINE_API AudioBuffer {
  public:
   // Samples per channel of a block on its way in, while processed, and on its way out, with their
-  // channel counts.
+  // channel counts. Up to 1920 samples and 8 channels each; the buffer of another format, and one
+  // that there is no memory for, has 0 frames and 0 bands, hands out null samples and does nothing.
   AudioBuffer(int input_num_frames, int num_input_channels, int process_num_frames,
               int num_process_channels, int output_num_frames);
   ~AudioBuffer();

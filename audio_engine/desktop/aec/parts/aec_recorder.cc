@@ -1,9 +1,11 @@
 #include "desktop/aec/parts/aec_recorder.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <exception>
 #include <new>
+#include <numeric>
 #include <utility>
 
 #include "desktop/common/counts.h"
@@ -20,17 +22,18 @@ constexpr size_t kBlockFrames = 800;
 constexpr auto kPause = std::chrono::milliseconds(20);
 constexpr int kMaxDelayMs = 500;
 
-FILE* OpenText(const std::string& name) {
-  FILE* const file = fopen(name.c_str(), "wb");
-  if (file == nullptr) OutputDebugInfo("%s: cannot be opened: %s", name.c_str(), strerror(errno));
+File OpenText(const std::string& name) {
+  File file(fopen(name.c_str(), "wb"));
+  if (!file) OutputDebugInfo("%s: cannot be opened: %s", name.c_str(), strerror(errno));
   return file;
 }
 
-void CloseText(FILE*& file, const std::string& name) {
-  if (file == nullptr) return;
-  const bool failed = ferror(file) != 0;
-  if (fclose(file) != 0 || failed) OutputDebugInfo("%s: cannot be written", name.c_str());
-  file = nullptr;
+void CloseText(File& file, const std::string& name) {
+  if (!file) return;
+  const bool failed = ferror(file.get()) != 0;
+  if (fclose(file.release()) != 0 || failed) {
+    OutputDebugInfo("%s: cannot be written", name.c_str());
+  }
 }
 
 }  // namespace
@@ -96,15 +99,15 @@ AecRecorder::AecRecorder(int rate, int channels, const Names& names)
       m_names(names),
       m_delayFile(OpenText(names.delay)),
       m_logFile(OpenText(names.log)),
-      m_block(kBlockFrames * m_channels),
       m_mono(kBlockFrames) {
-  const size_t capacity = kQueueSeconds * Size(rate) * m_channels;
+  const size_t capacity = kQueueSeconds * Size(rate);
   for (size_t i = 0; i < m_tracks.size(); ++i) {
     m_tracks[i] = std::make_unique<Track>(capacity, rate, names.streams[i]);
   }
-  m_thread = std::thread(&AecRecorder::Run, this);
   m_background = std::make_unique<BackgroundWork>(
       [this](std::chrono::steady_clock::time_point deadline) { return FinishUntil(deadline); });
+  // Last, because nothing may throw beside a thread that runs.
+  m_thread = std::thread(&AecRecorder::Run, this);
 }
 
 AecRecorder::~AecRecorder() {
@@ -115,8 +118,19 @@ AecRecorder::~AecRecorder() {
 
 void AecRecorder::Record(Stream stream, const void* data, size_t bytes) {
   if (!m_takes || data == nullptr) return;
-  const size_t frames = bytes / sizeof(short) / m_channels;
-  m_tracks[stream]->queue.Push(static_cast<const short*>(data), frames * m_channels);
+  const auto* samples = static_cast<const short*>(data);
+  SampleQueue& queue = m_tracks[stream]->queue;
+  size_t left = bytes / sizeof(short) / m_channels;
+  while (left > 0) {
+    short mono[kBlockFrames];
+    const size_t frames = std::min(left, kBlockFrames);
+    for (size_t i = 0; i < frames; ++i, samples += m_channels) {
+      const int sum = std::accumulate(samples, samples + m_channels, 0);
+      mono[i] = static_cast<short>(sum / Count(m_channels));
+    }
+    queue.Push(mono, frames);
+    left -= frames;
+  }
 }
 
 void AecRecorder::Detect(int rate) {
@@ -182,16 +196,8 @@ void AecRecorder::WriteAll() {
 
 bool AecRecorder::WriteBlock(Stream stream) {
   Track& track = *m_tracks[stream];
-  const size_t frames = track.queue.Pop(m_block.data(), m_block.size()) / m_channels;
+  const size_t frames = track.queue.Pop(m_mono.data(), m_mono.size());
   if (frames == 0) return false;
-
-  for (size_t i = 0; i < frames; ++i) {
-    int sum = 0;
-    for (size_t channel = 0; channel < m_channels; ++channel) {
-      sum += m_block[i * m_channels + channel];
-    }
-    m_mono[i] = static_cast<short>(sum / Count(m_channels));
-  }
   track.Write(m_mono.data(), frames);
   if (m_detection) LookForEcho(stream, frames);
   return true;
@@ -224,23 +230,24 @@ void AecRecorder::LookForEcho(Stream stream, size_t frames) {
   const size_t seconds = detection.frames / Size(m_rate);
   if (seconds == before) return;
   m_hasEcho = detection.tracker.MedianScore() >= DelayTracker::kEchoScore;
-  if (m_delayFile == nullptr) return;
-  fprintf(m_delayFile, "%zu %d\n", seconds, detection.tracker.DelayMs());
+  if (!m_delayFile) return;
+  fprintf(m_delayFile.get(), "%zu %d\n", seconds, detection.tracker.DelayMs());
 }
 
 void AecRecorder::CloseFiles() {
   size_t dropped = 0;
   for (const auto& track : m_tracks) {
     track->Close();
-    dropped += track->queue.Dropped() / m_channels;
+    dropped += track->queue.Dropped();
   }
   if (m_detection) {
     m_hasEcho = m_detection->tracker.MedianScore() >= DelayTracker::kEchoScore;
   }
-  if (m_logFile != nullptr) {
-    fprintf(m_logFile, "%d Hz, %zu channels, %zu samples dropped\n", m_rate, m_channels, dropped);
+  if (m_logFile) {
+    fprintf(m_logFile.get(), "%d Hz, %zu channels, %zu samples dropped\n", m_rate, m_channels,
+            dropped);
     const char* const verdict = !m_detection ? "not looked for" : m_hasEcho ? "yes" : "no";
-    fprintf(m_logFile, "echo: %s\n", verdict);
+    fprintf(m_logFile.get(), "echo: %s\n", verdict);
   }
   CloseText(m_delayFile, m_names.delay);
   CloseText(m_logFile, m_names.log);

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,6 +15,7 @@
 #include "desktop/aec/parts/mono_input.h"
 #include "desktop/aec/parts/sample_queue.h"
 #include "desktop/devices/background.h"
+#include "desktop/files/file.h"
 
 namespace desktop {
 
@@ -77,12 +77,11 @@ class AecRecorder {
   const size_t m_channels;
   const Names m_names;
   std::array<std::unique_ptr<Track>, 3> m_tracks;
-  FILE* m_delayFile;
-  FILE* m_logFile;
+  File m_delayFile;
+  File m_logFile;
 
-  // These three belong to the thread.
+  // These two belong to the thread.
   std::unique_ptr<Detection> m_detection;
-  std::vector<short> m_block;
   std::vector<short> m_mono;
   std::atomic<int> m_detectRate = 0;
   std::atomic<bool> m_hasEcho = false;
@@ -95,8 +94,8 @@ class AecRecorder {
   int m_writesAsked = 0;
   int m_writesDone = 0;
   bool m_done = false;
-  std::thread m_thread;
   std::unique_ptr<BackgroundWork> m_background;
+  std::thread m_thread;
 };
 
 }  // namespace desktop
