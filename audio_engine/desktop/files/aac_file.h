@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "desktop/files/file.h"
+#include "desktop/common/file.h"
 #include "desktop/files/file_source.h"
 
 namespace desktop {

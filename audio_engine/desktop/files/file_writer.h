@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
+#include "desktop/common/file.h"
 #include "desktop/devices/device_format.h"
-#include "desktop/files/file.h"
 
 namespace desktop {
 

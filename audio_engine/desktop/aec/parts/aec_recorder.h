@@ -14,8 +14,8 @@
 #include "desktop/aec/parts/delay_tracker.h"
 #include "desktop/aec/parts/mono_input.h"
 #include "desktop/aec/parts/sample_queue.h"
+#include "desktop/common/file.h"
 #include "desktop/devices/background.h"
-#include "desktop/files/file.h"
 
 namespace desktop {
 
