@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "engine_api/common/wav_reader.h"
+#include "module_frames.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
 #include "support/talk.h"
@@ -14,58 +15,6 @@
 namespace {
 
 using zuwebrtc::AudioFrame;
-
-struct Format {
-  int rate;
-  int channels;
-};
-
-constexpr Format kMono16 = {16000, 1};
-
-// Mono samples as a frame whose channels are all alike.
-AudioFrame Frame(const short* samples, Format format) {
-  AudioFrame frame;
-  frame.sample_rate_hz_ = format.rate;
-  frame.num_channels_ = format.channels;
-  frame.samples_per_channel_ = format.rate / 100;
-  for (int i = 0; i < format.rate / 100 * format.channels; ++i) {
-    frame.data_[i] = samples[i / format.channels];
-  }
-  return frame;
-}
-
-struct Flags {
-  bool render = false;
-  bool capture1 = false;
-  bool capture2 = true;
-};
-
-// Mono far and near end, each handed over in its own format; returns the first channel.
-Samples Process(AecModule& module, const Samples& far, Format farFormat, const Samples& near,
-                Format nearFormat, Flags flags = Flags()) {
-  Samples out(near.size());
-  const auto farBlock = static_cast<size_t>(farFormat.rate / 100);
-  const auto nearBlock = static_cast<size_t>(nearFormat.rate / 100);
-  for (size_t i = 0; (i + 1) * nearBlock <= near.size(); ++i) {
-    AudioFrame render = Frame(&far[i * farBlock], farFormat);
-    const AudioFrame before = render;
-    EXPECT_EQ(module.ProcessRenderAudio(render, flags.render), 0);
-    EXPECT_TRUE(std::equal(render.data_, render.data_ + 5292, before.data_));
-
-    AudioFrame capture = Frame(&near[i * nearBlock], nearFormat);
-    EXPECT_EQ(module.ProcessCaptureAudio(capture, flags.capture1, flags.capture2), 0);
-    EXPECT_EQ(capture.sample_rate_hz_, nearFormat.rate);
-    EXPECT_EQ(capture.num_channels_, nearFormat.channels);
-    EXPECT_EQ(capture.samples_per_channel_, nearFormat.rate / 100);
-    EXPECT_NE(capture.vad_activity_, zuwebrtc::kVadUnknown);
-    for (size_t k = 0; k < nearBlock; ++k) {
-      out[i * nearBlock + k] = capture.data_[k * static_cast<size_t>(nearFormat.channels)];
-    }
-  }
-  return out;
-}
-
-Samples Late(const Samples& samples, int lag) { return {samples.begin() + lag, samples.end()}; }
 
 // ERLE of a module in these formats, from 3 s on.
 double Erle(AecModule& module, Format farFormat, Format nearFormat, Flags flags = Flags()) {
@@ -177,62 +126,6 @@ TEST(SoftwareAec, SuppressesNoiseAndControlsGainOnlyWhenAsked) {
   EXPECT_TRUE(module.EnableAGC(true));
   EXPECT_GT(LevelDb(Process(module, silence, kMono16, quiet, kMono16), 16000, 4, 6),
             LevelDb(quiet, 16000, 4, 6) + 12);
-}
-
-// Render frames that no capture frame follows.
-void PlayOn(AecModule& module, const Samples& far) {
-  for (size_t at = 0; at + 160 <= far.size(); at += 160) {
-    AudioFrame frame = Frame(&far[at], kMono16);
-    EXPECT_EQ(module.ProcessRenderAudio(frame, false), 0);
-  }
-}
-
-// ERLE at 30 ms of echo, after something else was done to the module.
-double ErleNearBy(AecModule& module, double from) {
-  const Samples far = Talk(16000, 6, 21);
-  const Samples near = Sum(Echo(far, 16000, 30), Hiss(16000, 6, 22, -70));
-  return LossDb(near, Late(Process(module, far, kMono16, near, kMono16), 112), 16000, from, 6);
-}
-
-TEST(SoftwareAec, KeepsTheEndsTogetherWhenCaptureStartsLate) {
-  SoftwareAec module;
-  const double both = ErleNearBy(module, 3);
-  for (const double seconds : {0.05, 0.2}) {
-    SoftwareAec late;
-    PlayOn(late, Talk(16000, seconds, 23));
-    EXPECT_GT(ErleNearBy(late, 3), both - 3) << seconds;
-  }
-}
-
-TEST(SoftwareAec, KeepsTheEndsTogetherWhenCapturePauses) {
-  for (const double seconds : {0.05, 0.2, 3.0}) {
-    SoftwareAec module;
-    ErleNearBy(module, 3);
-    PlayOn(module, Talk(16000, seconds, 24));
-    EXPECT_GT(ErleNearBy(module, 2), 30) << seconds;
-  }
-}
-
-TEST(SoftwareAec, KeepsTheEndsTogetherWhileBypassed) {
-  SoftwareAec module;
-  ErleNearBy(module, 3);
-  module.EnableKalaok(true);
-  ErleNearBy(module, 3);
-  module.EnableKalaok(false);
-  EXPECT_GT(ErleNearBy(module, 0.2), 25);
-}
-
-TEST(SoftwareAec, DoesNotLearnTheGainFromEcho) {
-  const Samples far = Talk(16000, 8, 25);
-  const Samples near = Sum(Echo(far, 16000, 60), Hiss(16000, 8, 26, -75));
-  double loss[2] = {};
-  for (const bool gain : {false, true}) {
-    SoftwareAec module;
-    module.EnableAGC(gain);
-    const Samples out = Late(Process(module, far, kMono16, near, kMono16), 112);
-    loss[gain ? 1 : 0] = LossDb(near, out, 16000, 3, 8);
-  }
-  EXPECT_GT(loss[1], loss[0] - 3);
 }
 
 TEST(SoftwareAec, KnowsItsRateAndRefusesOthers) {

@@ -130,9 +130,8 @@ TEST_F(WebRtcAec, IgnoresADelayThatDoesNotLast) {
                    all.begin() + static_cast<ptrdiff_t>(end * kBlock));
   };
   std::vector<float> out;
-  for (const auto& [begin, end, delay] : {std::tuple<size_t, size_t, int16_t>{0, 200, 5},
-                                          {200, 201, 300},
-                                          {201, 800, 5}}) {
+  for (const auto& [begin, end, delay] :
+       {std::tuple<size_t, size_t, int16_t>{0, 200, 5}, {200, 201, 300}, {201, 800, 5}}) {
     const std::vector<float> some = Run(part(far, begin, end), part(near, begin, end), delay);
     out.insert(out.end(), some.begin(), some.end());
   }

@@ -1,0 +1,68 @@
+// Render and capture that do not go along with each other, and what the gain control makes of echo.
+
+#include <gtest/gtest.h>
+
+#include "engine_api/aec/software_aec.h"
+#include "module_frames.h"
+
+namespace {
+
+using zuwebrtc::AudioFrame;
+
+// Render frames that no capture frame follows.
+void PlayOn(AecModule& module, const Samples& far) {
+  for (size_t at = 0; at + 160 <= far.size(); at += 160) {
+    AudioFrame frame = Frame(&far[at], kMono16);
+    EXPECT_EQ(module.ProcessRenderAudio(frame, false), 0);
+  }
+}
+
+// ERLE at 30 ms of echo, after something else was done to the module.
+double ErleNearBy(AecModule& module, double from) {
+  const Samples far = Talk(16000, 6, 21);
+  const Samples near = Sum(Echo(far, 16000, 30), Hiss(16000, 6, 22, -70));
+  return LossDb(near, Late(Process(module, far, kMono16, near, kMono16), 112), 16000, from, 6);
+}
+
+TEST(SoftwareAec, KeepsTheEndsTogetherWhenCaptureStartsLate) {
+  SoftwareAec module;
+  const double both = ErleNearBy(module, 3);
+  for (const double seconds : {0.05, 0.2}) {
+    SoftwareAec late;
+    PlayOn(late, Talk(16000, seconds, 23));
+    EXPECT_GT(ErleNearBy(late, 3), both - 3) << seconds;
+  }
+}
+
+TEST(SoftwareAec, KeepsTheEndsTogetherWhenCapturePauses) {
+  for (const double seconds : {0.05, 0.2, 3.0}) {
+    SoftwareAec module;
+    ErleNearBy(module, 3);
+    PlayOn(module, Talk(16000, seconds, 24));
+    EXPECT_GT(ErleNearBy(module, 2), 30) << seconds;
+  }
+}
+
+TEST(SoftwareAec, KeepsTheEndsTogetherWhileBypassed) {
+  SoftwareAec module;
+  ErleNearBy(module, 3);
+  module.EnableKalaok(true);
+  ErleNearBy(module, 3);
+  module.EnableKalaok(false);
+  EXPECT_GT(ErleNearBy(module, 0.2), 25);
+}
+
+TEST(SoftwareAec, DoesNotLearnTheGainFromEcho) {
+  const Samples far = Talk(16000, 8, 25);
+  const Samples near = Sum(Echo(far, 16000, 60), Hiss(16000, 8, 26, -75));
+  double loss[2] = {};
+  for (const bool gain : {false, true}) {
+    SoftwareAec module;
+    module.EnableAGC(gain);
+    const Samples out = Late(Process(module, far, kMono16, near, kMono16), 112);
+    loss[gain ? 1 : 0] = LossDb(near, out, 16000, 3, 8);
+  }
+  EXPECT_GT(loss[1], loss[0] - 3);
+}
+
+}  // namespace
