@@ -82,6 +82,19 @@ std::vector<short> SungNote(double pitch, int rate, double seconds, int channels
   return samples;
 }
 
+std::vector<short> DarkVoice(int rate, double seconds) {
+  std::vector<short> samples = SungNote(98, rate, seconds);
+  const double step = 1 - std::exp(-2 * M_PI * 150 / rate);
+  double once = 0;
+  double twice = 0;
+  for (short& sample : samples) {
+    once += step * (sample - once);
+    twice += step * (once - twice);
+    sample = static_cast<short>(std::lround(4 * twice));
+  }
+  return samples;
+}
+
 std::vector<short> Babble(int rate, double seconds) {
   std::vector<short> samples(static_cast<size_t>(rate * seconds));
   uint32_t state = 1;

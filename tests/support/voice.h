@@ -11,6 +11,9 @@ std::vector<short> SungNote(double pitch, int rate, double seconds, int channels
 // What has the ups and downs of speech: gliding vowels, hissing consonants, pauses; mono.
 std::vector<short> Babble(int rate, double seconds);
 
+// A bass who hums: most of the sound lies below 300 Hz; mono.
+std::vector<short> DarkVoice(int rate, double seconds);
+
 // By how many cents the strongest component near `frequency` lies beside it, at most 100, over all
 // but the first quarter and the last eighth.
 double CentsOff(const std::vector<short>& samples, double frequency, int rate, int channels = 1);

@@ -25,11 +25,11 @@ VoiceRecipe ModeAt(VoiceBeautifyOption mode, double s) {
       recipe.filters = {Bass(120, -9 * s), Peak(3000, 0.8, 6 * s), Treble(8000, 6 * s)};
       break;
     case mode3:
-      recipe.semitones = -2 * s;
+      recipe.formants = -2 * s;
       recipe.filters = {Bass(180, 4 * s)};
       break;
     case mode4:
-      recipe.semitones = 2 * s;
+      recipe.formants = 2 * s;
       recipe.filters = {Bass(250, -3 * s), Treble(4000, 4 * s)};
       break;
     case mode5:
@@ -49,12 +49,12 @@ VoiceRecipe ModeAt(VoiceBeautifyOption mode, double s) {
 }
 
 // Returns the recipe of a mode at a strength of 0 to 1, where NaN counts as 0, as it does for the
-// semitones. These are added to the pitch of the mode, and the sum is clamped to -7..12.
+// semitones, which are clamped to -7..12.
 VoiceRecipe RecipeOf(VoiceBeautifyOption mode, double strength, double semitones) {
   const double s = std::isnan(strength) ? 0 : std::clamp(strength, 0.0, 1.0);
   VoiceRecipe recipe = s > 0 ? ModeAt(mode, s) : VoiceRecipe();
   if (std::isnan(semitones)) semitones = 0;
-  recipe.semitones = std::clamp(recipe.semitones + semitones, -7.0, 12.0);
+  recipe.semitones = std::clamp(semitones, -7.0, 12.0);
   return recipe;
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/voice.h"
 
 using testing::SizeIs;
@@ -20,9 +21,6 @@ struct Release {
   void operator()(IAudioVoiceBeautify* effect) const { effect->Destroy(); }
 };
 using Beautify = std::unique_ptr<IAudioVoiceBeautify, Release>;
-
-// What the header says of each mode at full strength.
-constexpr double kSemitones[] = {0, 0, -2, 2, 0, 0};
 
 Beautify Enabled(int mode, float strength, float semitones) {
   Beautify effect(IAudioVoiceBeautify::Create());
@@ -43,14 +41,14 @@ Shorts Process(IAudioVoiceBeautify& effect, Shorts samples, int rate, int channe
 
 class BeautifyMode : public testing::TestWithParam<int> {};
 
-TEST_P(BeautifyMode, MovesThePitchAsDocumented) {
-  const int mode = GetParam();
+// A singer stays in key in every mode.
+TEST_P(BeautifyMode, MovesThePitchBySemitonesAlone) {
   for (const int rate : {8000, 44100}) {
     const Shorts note = SungNote(220, rate, 3);
-    for (const auto& [strength, extra] : {std::pair{1.0F, 0.0F}, {0.5F, 0.0F}, {1.0F, 3.0F}}) {
-      const Shorts out = Process(*Enabled(mode, strength, extra), note, rate);
-      const double semitones = kSemitones[mode] * strength + extra;
-      EXPECT_NEAR(CentsOff(out, 220 * std::pow(2, semitones / 12), rate), 0, 10) << rate;
+    for (const auto& [strength, semitones] : {std::pair{1.0F, 0.0F}, {0.5F, 0.0F}, {1.0F, 3.0F}}) {
+      const Shorts out = Process(*Enabled(GetParam(), strength, semitones), note, rate);
+      const auto ratio = static_cast<double>(semitones);
+      EXPECT_NEAR(CentsOff(out, 220 * std::exp2(ratio / 12), rate), 0, 10) << rate;
     }
   }
 }
@@ -64,6 +62,14 @@ TEST_P(BeautifyMode, KeepsTheLevelAndIsHeard) {
       for (size_t i = 0; i < in.size(); ++i) difference[i] = static_cast<short>(out[i] - in[i]);
       EXPECT_GT(Level(difference), 0.1 * Level(in)) << rate;
     }
+  }
+}
+
+TEST_P(BeautifyMode, KeepsTheLevelOfADarkVoice) {
+  const Shorts in = DarkVoice(16000, 4);
+  for (const float semitones : {0.0F, -7.0F, 12.0F}) {
+    const Shorts out = Process(*Enabled(GetParam(), 1, semitones), in, 16000);
+    EXPECT_NEAR(20 * std::log10(Level(out) / Level(in)), 0, 6) << semitones;
   }
 }
 
@@ -103,6 +109,61 @@ TEST_P(BeautifyMode, ClampsItsParameters) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, BeautifyMode, testing::Range(0, 6));
+
+// The level of a harmonic in dB, over stretches so short that a cent more or less does not count.
+double HarmonicLevel(const std::vector<double>& sound, double frequency) {
+  double power = 0;
+  for (size_t begin = 8000; begin < 24000; begin += 1600) {
+    power += std::pow(AmplitudeAt({&sound[begin], 1600}, frequency, 16000), 2);
+  }
+  return Decibels(std::sqrt(power / 10));
+}
+
+// How many dB the harmonics of a sung "a" at `pitch` Hz lie beside the formants of the note at
+// `before` Hz, moved by `ratio`: root mean square below 3500 Hz, whatever the level.
+double FormantError(const Shorts& in, double before, const Shorts& out, double pitch,
+                    double ratio) {
+  const std::vector<double> source = ToDoubles(in);
+  const std::vector<double> moved = ToDoubles(out);
+  const auto formants = [&](double frequency) {
+    const double harmonic = std::max(std::floor(frequency / before), 1.0);
+    const double share = std::clamp(frequency / before - harmonic, 0.0, 1.0);
+    const double low = HarmonicLevel(source, harmonic * before);
+    return low + share * (HarmonicLevel(source, (harmonic + 1) * before) - low);
+  };
+  double sum = 0, squares = 0;
+  int count = 0;
+  for (int k = 1; k * pitch < 3500; ++k, ++count) {
+    const double error = HarmonicLevel(moved, k * pitch) - formants(k * pitch / ratio);
+    sum += error;
+    squares += error * error;
+  }
+  return std::sqrt(squares / count - sum * sum / count / count);
+}
+
+// Moved along, the formants are off by 9 to 14 dB.
+TEST(VoiceBeautify, KeepsTheFormantsWhereThePitchMoves) {
+  for (const double before : {110.0, 220.0}) {
+    const Shorts in = SungNote(before, 16000, 2);
+    for (const float semitones : {-7.0F, -3.0F, 4.0F, 9.0F, 12.0F}) {
+      const Beautify effect = Enabled(mode1, 1e-9F, semitones);
+      const double pitch = before * std::exp2(static_cast<double>(semitones) / 12);
+      const double error = FormantError(in, before, Process(*effect, in, 16000), pitch, 1);
+      EXPECT_LT(error, before < 200 ? 4.5 : 2.5) << before << " Hz by " << semitones;
+    }
+  }
+}
+
+TEST(VoiceBeautify, MovesTheFormantsOfTheDeepAndTheSweetMode) {
+  const Shorts in = SungNote(110, 16000, 2);
+  // Their filters tilt it a little.
+  const Shorts deep = Process(*Enabled(mode3, 1, 0), in, 16000);
+  EXPECT_LT(FormantError(in, 110, deep, 110, std::exp2(-2.0 / 12)), 4);
+  EXPECT_GT(FormantError(in, 110, deep, 110, 1), 4);
+  const Shorts sweet = Process(*Enabled(mode4, 1, 0), in, 16000);
+  EXPECT_LT(FormantError(in, 110, sweet, 110, std::exp2(2.0 / 12)), 4);
+  EXPECT_GT(FormantError(in, 110, sweet, 110, 1), 4);
+}
 
 TEST(VoiceBeautify, ChangesNoBitUntilItIsEnabled) {
   const Shorts in = Babble(16000, 1);

@@ -10,6 +10,7 @@
 
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/tone.h"
 #include "support/voice.h"
 
@@ -46,8 +47,6 @@ Shorts Change(int effect, const Shorts& samples, int rate, int channels = 1) {
                 static_cast<size_t>(rate / 100 * channels));
 }
 
-double Decibels(double ratio) { return 20 * std::log10(ratio); }
-
 class VoiceEffect : public testing::TestWithParam<int> {};
 
 TEST_P(VoiceEffect, MovesThePitchAsDocumented) {
@@ -66,6 +65,11 @@ TEST_P(VoiceEffect, KeepsTheLevelOfANoteAndOfSpeech) {
       EXPECT_NEAR(Decibels(Level(Change(GetParam(), in, rate)) / Level(in)), 0, 6) << rate;
     }
   }
+}
+
+TEST_P(VoiceEffect, KeepsTheLevelOfADarkVoice) {
+  const Shorts in = DarkVoice(16000, 4);
+  EXPECT_NEAR(Decibels(Level(Change(GetParam(), in, 16000)) / Level(in)), 0, 6);
 }
 
 TEST_P(VoiceEffect, LagsByLittleAndNeverRunsDry) {
@@ -217,6 +221,44 @@ double Swing(const Shorts& samples, int rate) {
     ++count;
   }
   return std::sqrt(std::max(squares / count - sum * sum / count / count, 0.0));
+}
+
+// Joins that do not fit make a held note tremble; those of the shifter must not be heard.
+TEST(VoiceChanger, HoldsANoteSteadyWhereThePitchMoves) {
+  for (const double pitch : {110.0, 157.0, 220.0, 311.0}) {
+    const Shorts note = SungNote(pitch, 16000, 4);
+    for (const int effect : {VeoLuBan, VeoLorie, VeoUncle, VeoDieFat, VeoBadBoy, VeoCold}) {
+      EXPECT_LT(Swing(Change(effect, note, 16000), 16000), 0.35) << pitch << " Hz, " << effect;
+    }
+  }
+}
+
+// What folds back at half the rate lies beside the harmonics.
+TEST(VoiceChanger, OverdrivesWithoutAliases) {
+  for (const double frequency : {1700.0, 3100.0}) {
+    const Shorts out = Change(VeoHeavyMetal, Tone(frequency, 8000, 16000, 32000), 16000);
+    const std::vector<double> sound = ToDoubles({&out[16000], 16000});
+    const double tone = AmplitudeAt(sound, frequency, 16000);
+    for (int k = 3; k < 30; k += 2) {
+      const double folded = std::fabs(k * frequency - 16000 * std::round(k * frequency / 16000));
+      if (k * frequency < 8000 || std::fabs(folded - frequency) < 1) continue;
+      EXPECT_LT(Decibels(AmplitudeAt(sound, folded, 16000) / tone), -50) << k << " x " << frequency;
+    }
+  }
+}
+
+// The roughness follows the level down: 200 ms after a loud sound a quiet one is as rough.
+TEST(VoiceChanger, OverdrivesAQuietVoiceAsMuchAsALoudOne) {
+  Shorts in = Tone(200, 20000, 16000, 16000);
+  const Shorts quiet = Tone(200, 500, 16000, 16000);
+  in.insert(in.end(), quiet.begin(), quiet.end());
+  const Shorts out = Change(VeoHeavyMetal, in, 16000);
+  const auto roughness = [&](size_t begin) {
+    return Thd(ToDoubles({&out[begin], 1600}), 200, 16000);
+  };
+  EXPECT_GT(roughness(8000), 0.3);
+  EXPECT_NEAR(roughness(16000 + 4800), roughness(8000), 0.1);
+  EXPECT_NEAR(roughness(16000 + 12000), roughness(8000), 0.1);
 }
 
 TEST(VoiceChanger, MakesEachEffectADifferentVoice) {

@@ -2,7 +2,8 @@
 
 #include "../common/visibility.h"
 
-// What the voice is turned into. In brackets: pitch in semitones, and what is done to it.
+// What the voice is turned into. In brackets: pitch in semitones, and what is done to it. The
+// formants stay where the pitch moves, so that words and speaker are still understood.
 enum VoiceEffectOption {
   VeoNone = 0,             // [0] The very same samples.
   VeoEthereal = 1,         // [0] Thin and far, in a large room.
@@ -27,7 +28,8 @@ class ENGINE_API IVoiceChangerToolbox {
 
   // Changes `*count` interleaved samples (of all channels together) in place and returns how many
   // there are now: always as many, and `*count` stays as it is. The output lags by at most 130 ms,
-  // with silence at first.
+  // with silence at first. Its level stays within 6 dB of the input's, and its peaks are kept below
+  // full scale.
   virtual int Process(short* samples, short* count) = 0;
 
   // Takes effect within 160 ms, faded over. An unknown option counts as VeoNone.

@@ -11,6 +11,11 @@ PitchShifter::PitchShifter(double semitones, int rate, int channels)
     : m_channels(Size(channels)), m_block(kMaxEffectFrames * m_channels) {
   m_shifter.setSampleRate(Unsigned(rate));
   m_shifter.setChannels(Unsigned(channels));
+  // Short enough that the level of a note does not tremble with the joins, long enough for two
+  // periods of a low voice.
+  m_shifter.setSetting(SETTING_SEQUENCE_MS, 40);
+  m_shifter.setSetting(SETTING_SEEKWINDOW_MS, 15);
+  m_shifter.setSetting(SETTING_OVERLAP_MS, 8);
   m_shifter.setPitchSemiTones(semitones);
   const int latency = m_shifter.getSetting(SETTING_INITIAL_LATENCY);
   m_latency = Size(latency);

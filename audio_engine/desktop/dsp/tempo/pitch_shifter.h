@@ -9,7 +9,7 @@ namespace desktop {
 
 // Moves the pitch of a stream by libsoundtouch (time-domain stretching by overlap-add, then a
 // change of rate) and gives one sample out for each one in, always. Filled with as much silence as
-// the library asks for at first: its output lags by 25 to 130 ms, by the pitch.
+// the library asks for at first: its output lags by 45 to 65 ms, by the pitch.
 class PitchShifter {
  public:
   // semitones: -7 to 12. rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory

@@ -10,9 +10,6 @@ namespace {
 
 size_t FramesOf(double ms, int rate) { return Size(std::lround(ms * rate / 1000)); }
 
-// How fast the measured level of a voice falls, in ms.
-constexpr double kLevelFallMs = 50;
-
 // Without a look-ahead, because a voice is not to lag where its pitch stays. The knee of 2 dB is
 // what keeps the first half-wave of a loud sound round: without it that would come out flat.
 constexpr LimiterParam kNoClipping = {.fCeiling = -0.1F,
@@ -40,6 +37,12 @@ void VoiceChain::Line::Put(float sample) {
 VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
     : m_recipe(recipe), m_rate(rate), m_channels(Size(channels)) {
   if (recipe.semitones != 0) m_shifter.emplace(recipe.semitones, rate, channels);
+  // The shifter takes the formants along.
+  const double formants = recipe.formants - recipe.semitones;
+  if (formants != 0) m_formants.emplace(std::exp2(formants / 12), rate, channels);
+  for (size_t c = 0; c < m_channels && recipe.drive > 0; ++c) {
+    m_channel[c].overdrive.emplace(recipe.drive, rate);
+  }
   for (Channel& channel : m_channel) {
     for (size_t i = 0; i < recipe.filters.size(); ++i) {
       channel.filters[i].Design(recipe.filters[i], rate);
@@ -63,19 +66,22 @@ VoiceChain::VoiceChain(const VoiceRecipe& recipe, int rate, int channels)
     m_room->SetEnabled(true);
   }
   m_gain = static_cast<float>(std::pow(10, recipe.levelDb / 20));
+  m_level.emplace(rate, Latency());
   m_limiter.SetParameter(kNoClipping);
   m_limiter.Process(nullptr, channels, 0, rate);  // Takes its memory here.
 }
 
 void VoiceChain::Process(float* const* rows, size_t frames) {
+  m_level->Listen(rows, m_channels, frames);
   if (m_shifter) m_shifter->Process(rows, frames);
+  if (m_formants) m_formants->Process(rows, frames);
   for (size_t c = 0; c < m_channels; ++c) {
     Channel& channel = m_channel[c];
     for (size_t i = 0; i < channel.filters.size(); ++i) {
       if (m_recipe.filters[i].kind != BiquadKind::kNone)
         channel.filters[i].Process(rows[c], frames);
     }
-    if (m_recipe.drive > 0) Drive(channel, rows[c], frames);
+    if (channel.overdrive) channel.overdrive->Process(rows[c], frames);
     if (m_recipe.ringGain > 0) Echo(channel.ring, m_recipe.ringGain, rows[c], frames);
   }
   if (m_recipe.tremoloDepth > 0) Tremolo(rows, frames);
@@ -88,19 +94,16 @@ void VoiceChain::Process(float* const* rows, size_t frames) {
   for (size_t c = 0; c < m_channels; ++c) {
     for (size_t i = 0; i < frames; ++i) rows[c][i] *= m_gain;
   }
+  m_level->Process(rows, m_channels, frames);
   m_limiter.Process(rows, Count(m_channels), frames, m_rate);
 }
 
-// Saturates in proportion to the level, so that a quiet voice sounds as rough as a loud one.
-void VoiceChain::Drive(Channel& channel, float* row, size_t frames) const {
-  const auto drive = static_cast<float>(m_recipe.drive);
-  const auto fall = static_cast<float>(std::exp(-1000 / (kLevelFallMs * m_rate)));
-  const float full = 1 / std::tanh(drive);
-  for (size_t i = 0; i < frames; ++i) {
-    channel.level = std::max(std::fabs(row[i]), channel.level * fall);
-    if (channel.level < 1e-6F) continue;
-    row[i] = channel.level * full * std::tanh(drive * row[i] / channel.level);
-  }
+size_t VoiceChain::Latency() const {
+  size_t frames = 0;
+  if (m_shifter) frames += m_shifter->Latency();
+  if (m_formants) frames += m_formants->Latency();
+  if (m_channel[0].overdrive) frames += m_channel[0].overdrive->Latency();
+  return frames;
 }
 
 // A comb with feedback: an echo, or a resonance where the delay is short (Schroeder 1962).

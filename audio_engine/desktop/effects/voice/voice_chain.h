@@ -9,14 +9,18 @@
 #include "desktop/dsp/reverb/reverb.h"
 #include "desktop/dsp/sample_blocks.h"
 #include "desktop/dsp/tempo/pitch_shifter.h"
+#include "desktop/effects/voice/formant_mover.h"
+#include "desktop/effects/voice/level_match.h"
+#include "desktop/effects/voice/overdrive.h"
 #include "desktop/effects/voice/voice_recipe.h"
 
 namespace desktop {
 
 // A voice recipe at work on a stream of planar floats of full scale 1: pitch shift, equaliser
-// (Bristow- Johnson), waveshaper and tremolo (Zölzer, "DAFX", 2011), combs and reverberation
-// (Schroeder, "Natural sounding artificial reverberation", 1962), in the order of the recipe. What
-// becomes too loud by that is made softer, so that nothing clips.
+// (Bristow-Johnson), waveshaper and tremolo (Zölzer, "DAFX", 2011), combs and reverberation
+// (Schroeder, "Natural sounding artificial reverberation", 1962), in the order of the recipe. The
+// level stays near that of the voice, and peaks that become too loud are made softer, so that
+// nothing clips.
 class VoiceChain {
  public:
   // rate: Hz, 8000 to 192000. channels: 1 or 2. Throws when there is no memory.
@@ -27,7 +31,7 @@ class VoiceChain {
   void Process(float* const* rows, size_t frames);
 
   // Frames until what goes in comes out.
-  size_t Latency() const { return m_shifter ? m_shifter->Latency() : 0; }
+  size_t Latency() const;
 
  private:
   // The last samples of a channel.
@@ -41,15 +45,12 @@ class VoiceChain {
   };
   struct Channel {
     std::array<Biquad, 4> filters;
-
-    // The level of the voice, for the drive.
-    float level = 0;
+    std::optional<Overdrive> overdrive;
     Line ring;
     Line echo;
     Line past;
   };
 
-  void Drive(Channel& channel, float* row, size_t frames) const;
   void Echo(Line& line, double gain, float* row, size_t frames) const;
   void Double(Channel& channel, float* row, size_t frames) const;
   void Tremolo(float* const* rows, size_t frames);
@@ -58,8 +59,10 @@ class VoiceChain {
   const int m_rate;
   const size_t m_channels;
   std::optional<PitchShifter> m_shifter;
+  std::optional<FormantMover> m_formants;
   std::array<Channel, kMaxEffectChannels> m_channel;
   std::optional<Reverb> m_room;
+  std::optional<LevelMatch> m_level;
 
   // In turns.
   double m_tremoloPhase = 0;

@@ -11,6 +11,9 @@ namespace desktop {
 struct VoiceRecipe {
   // How far the pitch moves, -7 to 12.
   double semitones = 0;
+
+  // How far the formants move, semitones. At 0 they stay, wherever the pitch goes.
+  double formants = 0;
   std::array<BiquadShape, 4> filters = {};
 
   // The gain into saturation, relative to the level of the voice.
