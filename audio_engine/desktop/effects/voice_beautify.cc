@@ -42,7 +42,6 @@ VoiceRecipe ModeAt(VoiceBeautifyOption mode, double s) {
       recipe.roomSeconds = 1.8;
       recipe.filters = {Treble(5000, 3 * s)};
       recipe.roomDb = -4 - 30 * (1 - s);
-      recipe.levelDb = -1 * s;
       break;
   }
   return recipe;

@@ -20,20 +20,16 @@ VoiceRecipe RecipeOf(VoiceEffectOption effect) {
     case VeoEthereal:
       return {.filters = {HighPass(350), HighPass(350), Treble(4000, 6)},
               .roomSeconds = 2.5,
-              .roomDb = -3,
-              .levelDb = -1};
+              .roomDb = -3};
     case VeoThriller:
       return {.semitones = -2,
               .filters = {LowPass(2200)},
               .tremoloHz = 6,
               .tremoloDepth = 0.6,
               .echoMs = 190,
-              .echoGain = 0.35,
-              .levelDb = 1};
+              .echoGain = 0.35};
     case VeoLuBan:
-      return {.semitones = 4,
-              .filters = {HighPass(300), LowPass(4500), Peak(1600, 1, 6)},
-              .levelDb = -2};
+      return {.semitones = 4, .filters = {HighPass(300), LowPass(4500), Peak(1600, 1, 6)}};
     case VeoLorie:
       return {.semitones = 9, .filters = {HighPass(200), Treble(4000, 3)}};
     case VeoUncle:

@@ -40,7 +40,8 @@ struct VoiceRecipe {
   double roomSeconds = 0;
   double roomDb = 0;
 
-  // Makes up for what the rest does to the level.
+  // Makes up for what the rest does to the level, ahead of the slow gain that does it for any
+  // voice.
   double levelDb = 0;
 
   bool operator==(const VoiceRecipe&) const = default;
