@@ -30,12 +30,6 @@ std::string Speex(void* function) {
   return Text(text);
 }
 
-std::string Ebur128(void* function) {
-  int parts[3] = {};
-  reinterpret_cast<void (*)(int*, int*, int*)>(function)(&parts[0], &parts[1], &parts[2]);
-  return std::to_string(parts[0]) + "." + std::to_string(parts[1]) + "." + std::to_string(parts[2]);
-}
-
 std::string FdkAac(void* /*function*/) {
   if constexpr (built_with::kFdkAac) return FdkAacVersion();
   return "";
@@ -55,7 +49,6 @@ constexpr Library kLibraries[] = {
     {"glibc", "libc.so.6", "gnu_get_libc_version", Plain, ""},
     {"Highway", "libhwy.so.1", nullptr, nullptr, built_with::kHighway},
     {"KissFFT", "libkissfft-float.so.131", nullptr, nullptr, built_with::kKissFft},
-    {"libebur128", "libebur128.so.1", "ebur128_get_version", Ebur128, built_with::kEbur128},
     {"opencore-amrwb", "libopencore-amrwb.so.0", nullptr, nullptr, built_with::kOpencoreAmrwb},
     {"opus", "libopus.so.0", "opus_get_version_string", Plain, built_with::kOpus},
     {"PulseAudio", "libpulse.so.0", "pa_get_library_version", Plain, built_with::kPulse},

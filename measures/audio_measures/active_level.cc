@@ -24,12 +24,6 @@ Doubles Load(const double* from) {
   return value;
 }
 
-Doubles Load(const float* from) {
-  float __attribute__((vector_size(8))) value;
-  memcpy(&value, from, sizeof value);
-  return __builtin_convertvector(value, Doubles);
-}
-
 double Sum(const Doubles& lanes) { return lanes[0] + lanes[1]; }
 
 }  // namespace
@@ -87,15 +81,18 @@ void ActiveLevel::AddEach(std::span<const float> samples, Stay& stay) {
 }
 
 bool ActiveLevel::AddBlock(const float* samples, Stay& stay) {
+  double magnitudes[kBlock];
+  for (size_t i = 0; i < kBlock; ++i) {
+    magnitudes[i] = static_cast<double>(std::fabs(samples[i]));
+  }
   Doubles first = {};
   Doubles second = {};
   Doubles squares = {};
   for (size_t i = 0; i < kBlock; i += kLanes) {
-    const Doubles value = Load(samples + i);
-    const Doubles magnitude = value < 0 ? -value : value;
+    const Doubles magnitude = Load(magnitudes + i);
     first += magnitude * Load(&m_once[i]);
     second += magnitude * Load(&m_twice[i]);
-    squares += value * value;
+    squares += magnitude * magnitude;
   }
   const double raised = Sum(first);
   const double share = (1 - m_smoothing) * static_cast<double>(kBlock);

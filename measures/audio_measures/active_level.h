@@ -31,7 +31,7 @@ class ActiveLevel {
 
  private:
   static constexpr size_t kThresholds = 24;
-  static constexpr size_t kBlock = 16;  // Samples that are taken in at once.
+  static constexpr size_t kBlock = 32;  // Samples that are taken in at once.
 
   // How many thresholds an envelope reaches: all from the lowest one up to some other.
   size_t Reached(float envelope) const;
@@ -55,8 +55,8 @@ class ActiveLevel {
   double m_smoothing;
   // Of each sample of a block, what of it is in the envelope after the block: after one smoothing,
   // and after two. Of the envelope before it so much is kept.
-  alignas(16) std::array<double, kBlock> m_once;
-  alignas(16) std::array<double, kBlock> m_twice;
+  std::array<double, kBlock> m_once;
+  std::array<double, kBlock> m_twice;
   double m_kept;
   int64_t m_hangover;  // Samples.
   std::array<float, kThresholds> m_thresholds;

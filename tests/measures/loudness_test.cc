@@ -1,11 +1,16 @@
 #include "audio_measures/loudness.h"
 
+#include <ebur128.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <string>
 #include <vector>
+
+#include "measures/noise.h"
 
 namespace audio_measures {
 namespace {
@@ -64,6 +69,62 @@ TEST(Loudness, RangeOfTheCasesOfTech3342) {
 
 TEST(Loudness, OfOneChannelIsNotThatOfTwo) {
   EXPECT_NEAR(Integrated({{20, {-23}}}), -23 - 3.01, 0.1);
+}
+
+// Loudness and its range as libebur128 has them.
+struct Opinion {
+  double integrated = 0;
+  double range = 0;
+};
+Opinion Elsewhere(const std::vector<float>& frames, int channels, int rate) {
+  const auto count = static_cast<unsigned>(channels);
+  ebur128_state* meter =
+      ebur128_init(count, static_cast<unsigned long>(rate), EBUR128_MODE_I | EBUR128_MODE_LRA);
+  ebur128_add_frames_float(meter, frames.data(), frames.size() / count);
+  Opinion opinion;
+  ebur128_loudness_global(meter, &opinion.integrated);
+  ebur128_loudness_range(meter, &opinion.range);
+  ebur128_destroy(&meter);
+  return opinion;
+}
+
+// Noise that swells and fades in each channel at another pace, down to digital silence, brighter
+// and darker.
+std::vector<float> Swells(int channels, int rate, double seconds) {
+  const auto count = static_cast<size_t>(channels);
+  std::vector<float> frames = Noise(static_cast<size_t>(seconds * rate) * count, 0.2, 1);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    const double time = static_cast<double>(i / count) / rate;
+    const double swell = std::sin(0.7 * time + static_cast<double>(i % count));
+    frames[i] *= static_cast<float>(swell > -0.9 ? std::pow(10, 2 * swell - 1.5) : 0);
+    if (i >= count && swell > 0) frames[i] += 0.9F * frames[i - count];
+  }
+  return frames;
+}
+
+TEST(Loudness, OfSwellingNoiseIsThatOfAnotherMeter) {
+  for (const int rate : {8000, 11025, 22050, 44100, 48000, 96000, 192000}) {
+    const std::vector<float> frames = Swells(2, rate, 40);
+    const Opinion opinion = Elsewhere(frames, 2, rate);
+    Loudness loudness(2, rate);
+    const std::span<const float> all = frames;
+    for (size_t i = 0; i < all.size(); i += 14002) {
+      loudness.Add(all.subspan(i, std::min<size_t>(14002, all.size() - i)));
+    }
+    EXPECT_NEAR(*loudness.Integrated().value, opinion.integrated, 1e-7) << rate;
+    EXPECT_NEAR(*loudness.Range().value, opinion.range, 1e-7) << rate;
+  }
+}
+
+TEST(Loudness, OfManyChannelsIsThatOfAnotherMeter) {
+  for (const int channels : {1, 2, 3, 4, 5, 6, 7, 8, 64}) {
+    const std::vector<float> frames = Swells(channels, 16000, 10);
+    const Opinion opinion = Elsewhere(frames, channels, 16000);
+    Loudness loudness(channels, 16000);
+    loudness.Add(frames);
+    EXPECT_NEAR(*loudness.Integrated().value, opinion.integrated, 1e-7) << channels;
+    EXPECT_NEAR(*loudness.Range().value, opinion.range, 1e-7) << channels;
+  }
 }
 
 std::string Reason(const Figure& figure) { return figure.value ? "a value" : figure.reason; }
