@@ -10,15 +10,13 @@
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
-#include "cli/color_option.h"
 #include "cli/compare_words.h"
 #include "cli/completion.h"
 #include "cli/controls_words.h"
-#include "cli/engine_options.h"
+#include "cli/list_words.h"
 #include "cli/manual.h"
 #include "cli/measure_words.h"
-#include "cli/seconds_word.h"
-#include "cli/staging_options.h"
+#include "cli/run_words.h"
 #include "cli/suite_words.h"
 #include "cli/synopsis.h"
 #include "cli/words.h"
@@ -26,15 +24,6 @@
 namespace host {
 
 namespace {
-
-std::string EmptyProblem(const std::string& word) { return word.empty() ? "is empty" : ""; }
-
-void AddWork(CLI::App& command, std::string& work) {
-  command.add_option("--work", work, "Workspace: all files of the routine are in this folder")
-      ->type_name("DIR")
-      ->check(EmptyProblem)
-      ->capture_default_str();
-}
 
 // The command line as CLI11 reads it, filling in a request.
 class CommandLine {
@@ -46,12 +35,9 @@ class CommandLine {
     m_app.require_subcommand(1);
     m_app.set_version_flag("--version", AUDIO_TESTER_VERSION);
     m_app.footer(kExitCodes);
-    AddList();
-    AddDescribe();
-    AddRun();
+    m_list = std::make_unique<ListWords>(m_app, m_request);
+    m_run = std::make_unique<RunWords>(m_app, m_request.run, m_request.replay);
     AddDemo();
-    AddStage();
-    AddReplay();
     AddSelftest();
     m_suite = std::make_unique<SuiteWords>(m_app, m_request.suite, m_request.merge);
     m_measure = std::make_unique<MeasureWords>(m_app, m_request.measure);
@@ -98,93 +84,11 @@ class CommandLine {
   }
 
  private:
-  void AddList() {
-    m_list = m_app.add_subcommand("list", "The catalogue of all routines, or of some");
-    m_list->add_option("GLOB", m_request.filter.glob, "Only names like this: 'Test*Reverb*'")
-        ->type_name("");
-    m_list->add_flag("--available", m_request.filter.available, "Only routines that can be run");
-    m_list->add_option("--group", m_request.filter.group, "Only this group")->type_name("G");
-    m_list->add_flag("--json", m_json, "For programs");
-    m_list->add_flag("--markdown", m_markdown, "As a document")->excludes("--json");
-    AddColor(*m_list, m_request.color);
-    AddEngine(*m_list, m_request.run.engine);
-    AddEngineOnly(*m_list, m_request.run.engineOnly);
-  }
-
-  void AddDescribe() {
-    CLI::App& describe = *m_app.add_subcommand(
-        "describe", "All that is known of one routine, or of a run of it with these arguments");
-    describe.add_option("ROUTINE", m_request.routine)->required();
-    describe.add_option("ARGUMENT", m_request.words);
-    describe.add_flag("--json", m_json, "For programs");
-    AddEngine(describe, m_request.run.engine);
-    AddEngineOnly(describe, m_request.run.engineOnly);
-  }
-
   void AddDemo() {
     CLI::App& demo = *m_app.add_subcommand(
         "demo", "Put a recording in place for the selected test, if there is none");
     AddWork(demo, m_request.run.work);
     demo.add_flag("--all", m_all, "For every routine that reads any; what is there stays");
-  }
-
-  void AddRun() {
-    Case& options = m_request.run;
-    CLI::App& run = *m_app.add_subcommand("run", "Run one routine in a process of its own");
-    run.footer(
-        "Without a routine: the selected test (RunTestCase). Arguments are one word each, in the\n"
-        "declared order; after \"--\" every word is an argument. With --in and --out those that "
-        "name\n"
-        "files may be left out, all of them, and the workspace is a temporary one unless it is "
-        "given.");
-    AddWork(run, options.work);
-    AddEngine(run, options.engine);
-    AddEngineOnly(run, options.engineOnly);
-    run.add_option("--timeout-s", options.timeout,
-                   "End a run that takes longer, in seconds (600; a routine that never returns "
-                   "is stopped after 10)")
-        ->type_name("N")
-        ->check(SecondsProblem);
-    run.add_option("--linger-s", options.linger,
-                   "How long a player may run on after its routine has returned (describe says "
-                   "what is usual)")
-        ->type_name("N")
-        ->check(SecondsProblem);
-    run.add_option("--json", options.json, "Also write the report to this file; - is stdout")
-        ->type_name("FILE")
-        ->check(EmptyProblem);
-    run.add_flag("--wait", options.wait, "Wait for the end of another run in the workspace");
-    run.add_flag("--debug", options.debug,
-                 "In this process and without a time limit: for gdb, perf and sanitizers")
-        ->excludes("--timeout-s");
-    run.add_flag("--strict", options.strict, "Take a warning for a failure");
-    run.add_flag("--figures", options.figures, "Also measure the files of lists");
-    run.add_flag("--wav", options.wav, "Also write headerless audio outputs as NAME.wav, 16-bit");
-    AddColor(run, options.color);
-    m_staging.AddTo(run, options);
-    run.add_option("--out", options.out, "Write an output to this file: .wav, .flac, .ogg or .raw")
-        ->type_name("[NAME=]FILE")
-        ->allow_extra_args(false);
-    m_run = &run;
-  }
-
-  void AddStage() {
-    CLI::App& stage = *m_app.add_subcommand(
-        "stage", "Put recordings in the places of a routine's inputs, in the form it takes");
-    stage.footer("Arguments as for run.");
-    AddWork(stage, m_request.run.work);
-    stage.add_flag("--wait", m_request.run.wait, "Wait for the end of a run in the workspace");
-    m_stagingAlone.AddTo(stage, m_request.run);
-  }
-
-  void AddReplay() {
-    CLI::App& replay = *m_app.add_subcommand(
-        "replay", "Run again what a report tells of, and compare the outputs");
-    replay.footer(
-        "REPORT.json is of run --json, or the folder of a case of a suite (DIR/cases/ID). Exit "
-        "codes:\n"
-        "0 same bytes, 1 something differs, 3 the run cannot be done again.");
-    replay.add_option("REPORT", m_request.replay.report)->required()->type_name("");
   }
 
   void AddSelftest() {
@@ -224,28 +128,23 @@ class CommandLine {
     if (command == "measure") m_measure->Take();
     if (command == "compare") m_compare->TakeCompare(m_literal);
     if (command == "baseline") m_compare->TakeBaseline();
+    if (command == "run") m_run->TakeRun();
+    if (command == "stage") m_run->TakeStage();
+    m_list->Take();
     if (m_json) m_request.form = Request::Form::kJson;
-    Case& run = m_request.run;
-    (m_request.command == Command::kStage ? m_stagingAlone : m_staging).Take(run);
-    run.temporary =
-        m_request.command == Command::kRun && !run.in.empty() && m_run->count("--work") == 0;
-    if (m_markdown) m_request.form = Request::Form::kMarkdown;
   }
 
   Request& m_request;
   std::span<const std::string> m_words;
   std::vector<std::string> m_literal;
+  std::unique_ptr<ListWords> m_list;
+  std::unique_ptr<RunWords> m_run;
   std::unique_ptr<SuiteWords> m_suite;
   std::unique_ptr<MeasureWords> m_measure;
   std::unique_ptr<CompareWords> m_compare;
   CLI::App m_app{"Runs the routines of the audio engine's test bench.", "audio_bench"};
-  CLI::App* m_list = nullptr;
-  CLI::App* m_run = nullptr;
-  StagingOptions m_staging;
-  StagingOptions m_stagingAlone;
   bool m_json = false;
   std::string m_shell;
-  bool m_markdown = false;
   bool m_all = false;
 };
 
