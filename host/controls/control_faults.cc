@@ -17,11 +17,13 @@ constexpr ControlFault kFaults[] = {
     {"gain", "louder by 0.1 dB", kThrough},
     {"swapped", "left and right exchanged", kThrough},
     {"holes", "one sample in 40 is zero", kThrough},
+    {"dropout", "5 ms around the loudest sample are missing", kThrough},
     {"clipped", "four times as loud and clipped", kThrough},
     {"low_pass", "nothing above 7 kHz", kThrough},
     {"faster", "faster by 0.1 %", kThrough},
     {"no_suppression", "no noise is suppressed", kDenoised},
     {"half_cancelled", "half the depth of the canceller", kCalled},
+    {"half_bit_rate", "half the bit rate of the codec", kCoded},
 };
 
 }  // namespace

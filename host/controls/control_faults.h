@@ -15,6 +15,7 @@ inline constexpr int kControlPieces = 8;
 inline constexpr std::string_view kThrough = "through";    // Passes a recording on.
 inline constexpr std::string_view kDenoised = "denoised";  // Suppresses noise.
 inline constexpr std::string_view kCalled = "called";      // Cancels an echo.
+inline constexpr std::string_view kCoded = "coded";        // Encodes and decodes.
 
 // An engine that is run against the clean one.
 struct ControlFault {

@@ -8,8 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "audio_measures/measure.h"
 #include "base/usage_error.h"
 #include "controls/control_faults.h"
 #include "demo/band.h"
@@ -26,8 +29,9 @@ namespace {
 using Samples = std::vector<double>;
 
 constexpr int kMusicRate = 32000;  // There must be something above 7 kHz.
+constexpr int kCodecRate = 44100;
 constexpr int kCallRate = 16000;
-constexpr double kThroughSeconds = 4;
+constexpr double kStereoSeconds = 4;
 constexpr double kCallSeconds = 8;
 constexpr double kNoiseDistance = 10;  // dB
 
@@ -55,10 +59,10 @@ void WriteSound(const std::string& path, const Samples& samples, int rate, int c
 
 // Two who sit left and right, or a band; not loud enough to be limited by what amplifies it a
 // little.
-Samples Stereo(const Piece& piece) {
-  if (piece.music) return PlayBand(kMusicRate, kThroughSeconds, piece.Tempo()).samples;
-  const Samples left = Speak(kMusicRate, kThroughSeconds, piece.Speaker(1)).samples;
-  const Samples right = Speak(kMusicRate, kThroughSeconds, piece.Speaker(2)).samples;
+Samples Stereo(const Piece& piece, int rate) {
+  if (piece.music) return PlayBand(rate, kStereoSeconds, piece.Tempo()).samples;
+  const Samples left = Speak(rate, kStereoSeconds, piece.Speaker(1)).samples;
+  const Samples right = Speak(rate, kStereoSeconds, piece.Speaker(2)).samples;
   Samples both(2 * left.size());
   for (size_t i = 0; i < left.size(); ++i) {
     both[2 * i] = 0.8 * left[i] + 0.2 * right[i];
@@ -93,26 +97,53 @@ Samples Echo(const Samples& far, int number) {
   return near;
 }
 
-// The head of a case, of which arguments and inputs follow.
-std::string CaseText(const std::string& id, const char* routine) {
-  return "\n[[case]]\nid = \"" + id + "\"\nroutine = \"" + routine + "\"\n";
-}
+// One case of the suite, and the recordings that it takes.
+class CaseWriter {
+ public:
+  // `given` says what the measures find beside the output.
+  CaseWriter(std::string folder, const Piece& piece, std::string_view word, const char* routine,
+             unsigned given)
+      : m_folder(std::move(folder)),
+        m_id(std::string(kControlSounds[piece.music ? 1 : 0]) + "-" + std::string(word) + "-" +
+             std::to_string(piece.number + 1)),
+        m_text("\n[[case]]\nid = \"" + m_id + "\"\nroutine = \"" + routine + "\"\n") {
+    m_text += "measures = [";
+    for (const audio_measures::Measure& measure : audio_measures::AllMeasures()) {
+      if (measure.version == 0 || (measure.needs & ~given) != 0) continue;
+      m_text += "\"" + std::string(measure.name) + "\", ";
+    }
+    m_text += "]\n";
+  }
 
-std::string Id(const Piece& piece, std::string_view routine) {
-  return std::string(kControlSounds[piece.music ? 1 : 0]) + "-" + std::string(routine) + "-" +
-         std::to_string(piece.number + 1);
-}
+  // A recording that is there for a file of the routine, under a key of the case: "in.ns_in.wav".
+  void Add(const std::string& key, const std::string& file, const Samples& samples, int rate,
+           int channels) {
+    const std::string name = m_id + "." + key + "." + file + ".wav";
+    WriteSound(m_folder + "/" + name, samples, rate, channels);
+    m_text += key + ".\"" + file + "\" = \"" + name + "\"\n";
+  }
+
+  void Arguments(const char* list) { m_text += std::string("arguments = ") + list + "\n"; }
+
+  const std::string& text() const { return m_text; }
+
+ private:
+  std::string m_folder;
+  std::string m_id;
+  std::string m_text;
+};
+
+// What should come out as it was.
+constexpr unsigned kFaithful = audio_measures::kInput | audio_measures::kReference;
 
 std::string WriteThrough(const std::string& folder, const Piece& piece) {
-  const std::string id = Id(piece, kThrough);
-  WriteSound(ControlFile(folder, id, "in"), Stereo(piece), kMusicRate, 2);
-  return CaseText(id, "TestAudioResamplerEx") + "arguments = [\"in.wav\", \"" + kControlOutput +
-         "\", \"" + std::to_string(kMusicRate) + "\", \"2\"]\nin = { \"in.wav\" = \"" + id +
-         ".in.wav\" }\n";
+  CaseWriter one(folder, piece, kThrough, "TestAudioResamplerEx", kFaithful);
+  one.Arguments(R"(["in.wav", "out.wav", "32000", "2"])");
+  one.Add("in", "in.wav", Stereo(piece, kMusicRate), kMusicRate, 2);
+  return one.text();
 }
 
 std::string WriteDenoised(const std::string& folder, const Piece& piece) {
-  const std::string id = Id(piece, kDenoised);
   const Samples clean = Mono(piece);
   Samples noisy =
       AddNoise({clean, {}}, NoiseOf(piece.number, kCallRate, kCallSeconds), kNoiseDistance);
@@ -120,34 +151,37 @@ std::string WriteDenoised(const std::string& folder, const Piece& piece) {
   for (Samples* const samples : {&noisy, &half}) {
     for (double& sample : *samples) sample = std::clamp(0.5 * sample, -1.0, 1.0);
   }
-  WriteSound(ControlFile(folder, id, "in"), noisy, kCallRate, 1);
-  WriteSound(ControlFile(folder, id, "clean"), half, kCallRate, 1);
-  return CaseText(id, "TestDenoiseProcess") + "in = { \"ns_in.wav\" = \"" + id + ".in.wav\" }\n";
+  CaseWriter one(folder, piece, kDenoised, "TestDenoiseProcess", kFaithful);
+  one.Add("in", "ns_in.wav", noisy, kCallRate, 1);
+  one.Add("reference", "ns_out.wav", half, kCallRate, 1);
+  return one.text();
 }
 
 std::string WriteCalled(const std::string& folder, const Piece& piece) {
-  const std::string id = Id(piece, kCalled);
   const Samples far = Mono(piece);
-  WriteSound(ControlFile(folder, id, "far"), far, kCallRate, 1);
-  WriteSound(ControlFile(folder, id, "in"), Echo(far, piece.number), kCallRate, 1);
-  return CaseText(id, "TestEchoDelayEstAndAEC") + "arguments = [\"far.wav\", \"near.wav\", \"" +
-         kControlOutput + "\"]\nin = { \"far.wav\" = \"" + id + ".far.wav\", \"near.wav\" = \"" +
-         id + ".in.wav\" }\n";
+  CaseWriter one(folder, piece, kCalled, "TestEchoDelayEstAndAEC",
+                 audio_measures::kInput | audio_measures::kFar);
+  one.Arguments(R"(["far.wav", "near.wav", "out.wav"])");
+  one.Add("in", "far.wav", far, kCallRate, 1);
+  one.Add("in", "near.wav", Echo(far, piece.number), kCallRate, 1);
+  return one.text();
+}
+
+std::string WriteCoded(const std::string& folder, const Piece& piece) {
+  CaseWriter one(folder, piece, kCoded, "TestAudioEncode", kFaithful);
+  one.Add("in", "audio_test.pcm", Stereo(piece, kCodecRate), kCodecRate, 2);
+  return one.text();
 }
 
 }  // namespace
-
-std::string ControlFile(const std::string& folder, const std::string& id, const std::string& what) {
-  return folder + "/" + id + "." + what + ".wav";
-}
 
 void WriteControlMaterial(const std::string& folder) {
   std::string suite;
   for (const bool music : {false, true}) {
     for (int number = 0; number < kControlPieces; ++number) {
       const Piece piece = {music, number};
-      suite +=
-          WriteThrough(folder, piece) + WriteDenoised(folder, piece) + WriteCalled(folder, piece);
+      suite += WriteThrough(folder, piece) + WriteDenoised(folder, piece) +
+               WriteCalled(folder, piece) + WriteCoded(folder, piece);
     }
   }
   const std::string path = folder + "/suite.toml";

@@ -15,15 +15,14 @@
 #include "compare/bench_suites.h"
 #include "compare/compare_results.h"
 #include "compare/read_results.h"
-#include "controls/control_figures.h"
 #include "controls/control_findings.h"
 #include "controls/control_material.h"
 #include "engines/engine.h"
+#include "files/temporary_workspace.h"
 #include "process/limits.h"
 #include "process/signals.h"
 #include "report/output.h"
 #include "report/result_file.h"
-#include "run/temporary_workspace.h"
 
 namespace host {
 
@@ -133,8 +132,7 @@ class ControlRuns {
       m_place.reset();
       raise(interruption);  // Who has interrupted it wants to see its end.
     }
-    ResultSet set = ReadResultSet(folder);
-    AddControlFigures(set, folder, m_place->path());
+    const ResultSet set = ReadResultSet(folder);
     std::error_code ignored;
     fs::remove_all(folder, ignored);
     return set;
