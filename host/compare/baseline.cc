@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "base/printable.h"
 #include "base/suggest.h"
 #include "base/usage_error.h"
+#include "base/user_folder.h"
 #include "compare/read_results.h"
 #include "files/whole_file.h"
 #include "report/output.h"
@@ -27,14 +27,9 @@ namespace fs = std::filesystem;
 constexpr const char* kEnding = ".json";
 
 fs::path Folder() {
-  const char* const data = getenv("XDG_DATA_HOME");
-  // As the standard of these folders has it, one that is not absolute does not count.
-  if (data != nullptr && data[0] == '/') return fs::path(data) / "audio_bench/baselines";
-  const char* const home = getenv("HOME");
-  if (home == nullptr || home[0] != '/') {
-    throw UsageError{"there is no folder for baselines: neither XDG_DATA_HOME nor HOME is set"};
-  }
-  return fs::path(home) / ".local/share/audio_bench/baselines";
+  const std::string folder = UserFolder("XDG_DATA_HOME", ".local/share");
+  if (!folder.empty()) return fs::path(folder) / "audio_bench/baselines";
+  throw UsageError{"there is no folder for baselines: neither XDG_DATA_HOME nor HOME is set"};
 }
 
 std::vector<std::string> Names() {

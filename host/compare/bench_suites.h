@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/temporary_workspace.h"
+#include "files/temporary_workspace.h"
 
 namespace host {
 

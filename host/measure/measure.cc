@@ -1,13 +1,16 @@
 #include "measure/measure.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <utility>
 
+#include "audio_measures/measure.h"
 #include "base/exit_code.h"
 #include "base/printable.h"
 #include "base/usage_error.h"
 #include "measure/figure_forms.h"
+#include "measure/scorer_tables.h"
 #include "process/limits.h"
 #include "process/signals.h"
 #include "report/output.h"
@@ -37,8 +40,16 @@ class Form {
   std::optional<ResultFile> m_file;
 };
 
-void CheckWords(const MeasureOptions& options) {
-  for (const std::string& name : options.measures) CheckMeasureName(name);
+// The user's scorers, where any are asked for: nobody else needs to have his file in order.
+Scorers WantedScorers(const MeasureOptions& options) {
+  const bool all = std::ranges::all_of(options.measures, [](const std::string& name) {
+    return audio_measures::FindMeasure(name) != nullptr;
+  });
+  return all && !options.list ? Scorers() : UserScorers();
+}
+
+void CheckWords(const MeasureOptions& options, const Scorers& scorers) {
+  for (const std::string& name : options.measures) CheckMeasureName(name, scorers);
   if (options.files.empty()) {
     throw UsageError{"measure takes files (audio_bench measure --help)"};
   }
@@ -50,8 +61,9 @@ void CheckWords(const MeasureOptions& options) {
 }  // namespace
 
 int MeasureFiles(const MeasureOptions& options) {
-  if (options.list) return PrintResults(MeasureList());
-  CheckWords(options);
+  const Scorers scorers = WantedScorers(options);
+  if (options.list) return PrintResults(MeasureList(scorers));
+  CheckWords(options, scorers);
   Form json(options.json, JsonFigures);
   Form csv(options.csv, CsvFigures);
   MeasuredAgainst against = options.against;
@@ -64,7 +76,8 @@ int MeasureFiles(const MeasureOptions& options) {
   std::vector<MeasuredFile> files;
   int exitCode = exit_code::kPass;
   for (const std::string& path : options.files) {
-    files.push_back(MeasureFile({path, options.raw}, against, names));
+    files.push_back(
+        MeasureFile({path, options.raw}, against, {names, scorers}, [] { return true; }));
     if (files.back().unreadable.empty()) continue;
     fprintf(stderr, "audio_bench: %s\n", Printable(files.back().unreadable).c_str());
     exitCode = exit_code::kInput;

@@ -24,6 +24,6 @@ struct MeasureOptions {
 int MeasureFiles(const MeasureOptions& options);
 
 // What `measure --list` prints.
-std::string MeasureList();
+std::string MeasureList(const Scorers& scorers);
 
 }  // namespace host

@@ -11,6 +11,7 @@
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "measure/figure_trust.h"
+#include "measure/score.h"
 #include "measure/sound.h"
 #include "selftest/trust.h"
 
@@ -166,9 +167,12 @@ std::vector<std::string_view> MeasureNames() {
   return names;
 }
 
-void CheckMeasureName(const std::string& name) {
+void CheckMeasureName(const std::string& name, const Scorers& scorers) {
   if (audio_measures::FindMeasure(name) != nullptr) return;
-  const auto alike = NamesAlike(name, MeasureNames());
+  if (FindScorer(scorers, name) != nullptr) return;
+  std::vector<std::string_view> names = MeasureNames();
+  for (const Scorer& each : scorers) names.push_back(each.name);
+  const auto alike = NamesAlike(name, names);
   throw UsageError{"no measure is called \"" + name + "\"; " +
                    (alike.empty() ? "\"audio_bench measure --list\" names them all"
                                   : "did you mean " + std::string(alike.front()) + "?")};
@@ -189,28 +193,38 @@ std::vector<std::string> FittingMeasures(const MeasuredAgainst& against) {
 }
 
 MeasuredFile MeasureFile(const MeasuredSource& output, const MeasuredAgainst& against,
-                         std::span<const std::string> names) {
-  const std::vector<std::string_view> views(names.begin(), names.end());
-  AskTrust(views);
+                         const MeasureChoice& choice, const std::function<bool()>& goOn) {
+  std::vector<std::string_view> own;
+  for (const std::string& name : choice.names) {
+    if (FindScorer(choice.scorers, name) == nullptr) own.push_back(name);
+  }
+  AskTrust(own);
   MeasuredFile file;
-  std::vector<NamedFigure> figures;
   try {
-    figures = Measured(output, against, views, file);
+    const std::vector<NamedFigure> figures = Measured(output, against, own, file);
+    auto next = figures.begin();
+    for (const std::string& name : choice.names) {
+      if (const Scorer* const scorer = FindScorer(choice.scorers, name)) {
+        file.figures.push_back(Score(*scorer, output, against, goOn));
+      }
+      for (; next != figures.end() && next->name == name; ++next) {
+        file.figures.push_back(FigureOf(output.path, *next));
+      }
+    }
   } catch (const UnreadableSound& error) {
     file.unreadable = error.fault;
+    file.figures = NoFigures(choice, error.fault);
   }
-  for (const NamedFigure& each : figures) file.figures.push_back(FigureOf(output.path, each));
-  if (file.unreadable.empty()) return file;
-  file.figures = NoFigures(names, file.unreadable);
   for (MeasuredFigure& each : file.figures) each.file = output.path;
   return file;
 }
 
-std::vector<MeasuredFigure> NoFigures(std::span<const std::string> names,
-                                      const std::string& reason) {
+std::vector<MeasuredFigure> NoFigures(const MeasureChoice& choice, const std::string& reason) {
   std::vector<MeasuredFigure> figures;
-  for (const std::string& name : names) {
-    figures.push_back(FigureOf("", {name, std::nullopt, {}}));
+  for (const std::string& name : choice.names) {
+    const Scorer* const scorer = FindScorer(choice.scorers, name);
+    figures.push_back(scorer == nullptr ? FigureOf("", {name, std::nullopt, {}})
+                                        : NoScore(*scorer, reason));
     figures.back().reason = reason;
   }
   return figures;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "measure/scorer.h"
 #include "recording/recording.h"
 #include "results/measured_figure.h"
 
@@ -35,8 +37,8 @@ struct BroughtToRate {
 // All names, in the order of the list.
 std::vector<std::string_view> MeasureNames();
 
-// Throws UsageError, with a suggestion, when there is no measure of that name.
-void CheckMeasureName(const std::string& name);
+// Throws UsageError, with a suggestion, when neither a measure nor a scorer has that name.
+void CheckMeasureName(const std::string& name, const Scorers& scorers);
 
 // The names of those that say something of an output beside these recordings. Tempo is none of
 // them, because most recordings have none.
@@ -50,14 +52,19 @@ struct MeasuredFile {
   std::string unreadable = {};  // The file that could not be read, and why; else empty.
 };
 
-// The figures of one output, in the order of the names. Levels alone are measured block by block,
-// in memory that hardly grows with the file; all else holds the files whole.
+// What is asked of an output, in this order: measures, and scorers by their names.
+struct MeasureChoice {
+  std::span<const std::string> names;
+  const Scorers& scorers;
+};
+
+// The figures of one output. Levels alone are measured block by block, in memory that hardly grows
+// with the file; all else holds the files whole. Scorers are stopped when `goOn` returns false.
 MeasuredFile MeasureFile(const MeasuredSource& output, const MeasuredAgainst& against,
-                         std::span<const std::string> names);
+                         const MeasureChoice& choice, const std::function<bool()>& goOn);
 
 // One figure of each name without a value, and why.
-std::vector<MeasuredFigure> NoFigures(std::span<const std::string> names,
-                                      const std::string& reason);
+std::vector<MeasuredFigure> NoFigures(const MeasureChoice& choice, const std::string& reason);
 
 // The figure of a measure that a run gives, not samples; without a value the reason why.
 MeasuredFigure RunFigure(std::string_view name, std::optional<double> value,

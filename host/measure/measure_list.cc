@@ -2,6 +2,8 @@
 #include <string_view>
 
 #include "audio_measures/measure.h"
+#include "base/printable.h"
+#include "base/shell_word.h"
 #include "measure/measure.h"
 
 namespace host {
@@ -77,11 +79,28 @@ std::string Entry(const Measure& measure) {
   return text;
 }
 
+// The direction as reports have it, in words.
+std::string Entry(const Scorer& scorer) {
+  const Better better = scorer.better == "higher"  ? Better::kHigher
+                        : scorer.better == "lower" ? Better::kLower
+                                                   : Better::kNeither;
+  std::string text = scorer.name + "  " +
+                     (scorer.unit.empty() ? "no unit" : Printable(scorer.unit)) + ", " +
+                     Direction(better) + "\n    Scored by:";
+  for (const std::string& word : scorer.command) text += " " + Printable(ShellWord(word));
+  std::string rates;
+  for (const int rate : scorer.rates) {
+    rates += (rates.empty() ? "" : ", ") + std::to_string(rate);
+  }
+  return text + "\n    Input: 16-bit WAVE" + (rates.empty() ? "" : "; " + rates + " Hz") + "\n";
+}
+
 }  // namespace
 
-std::string MeasureList() {
+std::string MeasureList(const Scorers& scorers) {
   std::string text;
   for (const Measure& measure : audio_measures::AllMeasures()) text += Entry(measure);
+  for (const Scorer& scorer : scorers) text += Entry(scorer);
   return text;
 }
 

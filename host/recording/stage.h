@@ -20,6 +20,7 @@ struct StageInput {
   // Inputs of one number other than 0 are brought to the format of the first of them, and made
   // softer by the same amount.
   int group = 0;
+  std::optional<RawForm> raw = {};  // Of this one without a header; as is wished when not given.
 };
 
 // How recordings are taken, as far as there is a choice.

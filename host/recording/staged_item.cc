@@ -72,10 +72,10 @@ std::optional<RecordingFault> StagedItem::Choose(std::optional<WaveFormat> given
     m_staged.was = "no audio";
     return std::nullopt;
   }
-  const OpenedRecording opened = OpenRecording(m_file.get(), m_wishes.raw);
+  const OpenedRecording opened = OpenRecording(m_file.get(), Raw());
   if (opened.recording == nullptr) {
     return Blame(Kind::kInput,
-                 opened.fault + Remedy(m_input.source, m_file.get(), m_wishes.raw.has_value()));
+                 opened.fault + Remedy(m_input.source, m_file.get(), Raw().has_value()));
   }
   m_format = opened.recording->Format();
   m_staged.was = m_format.Words();
@@ -105,7 +105,7 @@ std::optional<RecordingFault> StagedItem::Copy() {
 std::optional<RecordingFault> StagedItem::Render(double gain) {
   if (!m_rendering) {
     const Rendering::Task task = {.source = m_file.get(),
-                                  .raw = m_wishes.raw,
+                                  .raw = Raw(),
                                   .conversion = {.rate = m_wanted.rate,
                                                  .channels = m_wanted.channels,
                                                  .choice = m_wishes.channels,

@@ -46,6 +46,7 @@ class StagedItem {
     void operator()(FILE* file) const { fclose(file); }
   };
 
+  const std::optional<RawForm>& Raw() const { return m_input.raw ? m_input.raw : m_wishes.raw; }
   RecordingFault Blame(RecordingFault::Kind kind, const std::string& text) const;
   std::optional<RecordingFault> Render(double gain);
   std::optional<RecordingFault> Copy();

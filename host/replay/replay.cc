@@ -8,6 +8,7 @@
 #include "base/exit_code.h"
 #include "base/printable.h"
 #include "base/usage_error.h"
+#include "files/temporary_workspace.h"
 #include "process/signals.h"
 #include "replay/compare_runs.h"
 #include "replay/provide_inputs.h"
@@ -15,7 +16,6 @@
 #include "report/output.h"
 #include "run/plan.h"
 #include "run/run.h"
-#include "run/temporary_workspace.h"
 
 namespace host {
 

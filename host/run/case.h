@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/paint.h"
+#include "measure/scorer.h"
 #include "recording/stage.h"
 
 namespace host {
@@ -37,6 +38,7 @@ struct Case {
   StageWishes wishes = {};
   // Of a report: names of measures; empty for those that fit.
   std::vector<std::string> measures = {};
+  Scorers scorers = {};  // Those of them that are no measures of the bench.
   // What outputs are measured against.
   NamedSources reference = {};
   NamedSources far = {};

@@ -132,6 +132,7 @@ void AddRunFigures(RunReport& report) {
 void MeasureOutputs(const Plan& plan, Limits& limits, RunReport& report) {
   if (!plan.WantsDigests()) return;
   AddRunFigures(report);
+  const auto goOn = [&] { return limits.Check() == Limits::Stop::kNone; };
   std::map<const SoundUse*, size_t> places;
   for (const FileReport& file : report.outputs) {
     const SoundUse* const sound = harness::FindSound(plan.row->sounds, file.place.use.name);
@@ -144,10 +145,11 @@ void MeasureOutputs(const Plan& plan, Limits& limits, RunReport& report) {
     if (limits.Check() != Limits::Stop::kNone) return;
     const MeasuredAgainst against = AgainstWhat(plan, report, file.place, sound, place);
     const std::vector<std::string> names = WantedMeasures(plan, sound, file.place, against);
+    const MeasureChoice choice = {names, plan.what.scorers};
     const bool brief = IsShort(*file.audio);
     for (MeasuredFigure& figure :
-         brief ? MeasureFile({.path = file.place.path, .raw = form}, against, names).figures
-               : NoFigures(names, "longer than what a run measures")) {
+         brief ? MeasureFile({.path = file.place.path, .raw = form}, against, choice, goOn).figures
+               : NoFigures(choice, "longer than what a run measures")) {
       figure.file = file.place.name;
       report.figures.push_back(std::move(figure));
     }

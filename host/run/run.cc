@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/exit_code.h"
+#include "files/temporary_workspace.h"
 #include "process/signals.h"
 #include "run/check.h"
 #include "run/deliver.h"
@@ -18,7 +19,6 @@
 #include "run/judge.h"
 #include "run/stage.h"
 #include "run/stopped.h"
-#include "run/temporary_workspace.h"
 
 namespace host {
 

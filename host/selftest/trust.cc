@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/user_folder.h"
 #include "selftest/build_ids.h"
 #include "selftest/run_controls.h"
 
@@ -22,18 +22,9 @@ namespace fs = std::filesystem;
 constexpr const char* kHolds = "holds\n";
 constexpr const char* kFails = "fails\n";
 
-// Empty where there is none.
-fs::path CacheFolder() {
-  const char* const cache = getenv("XDG_CACHE_HOME");
-  // As the standard of these folders has it, one that is not absolute does not count.
-  if (cache != nullptr && cache[0] == '/') return fs::path(cache);
-  const char* const home = getenv("HOME");
-  return home != nullptr && home[0] == '/' ? fs::path(home) / ".cache" : fs::path();
-}
-
 // The file of a measure's answer for this build; empty where it cannot be kept.
 fs::path FileOf(std::string_view measure) {
-  const fs::path folder = CacheFolder();
+  const fs::path folder = UserFolder("XDG_CACHE_HOME", ".cache");
   const std::string build = BuildIds();
   if (folder.empty() || build.empty()) return {};
   return folder / "audio_bench/selftest" / build / measure;

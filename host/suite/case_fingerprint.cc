@@ -69,9 +69,23 @@ std::string CaseFingerprint(const SuitePlace& suite, size_t at) {
   }
   Json before = Json::array();
   for (const size_t each : suite.order.Before(at)) before.push_back(CaseFingerprint(suite, each));
-  const Json all = {
-      suite.origin,   one.routine, one.arguments,         one.measures,         inputs, one.sameAs,
-      one.engineOnly, one.strict,  Optional(one.timeout), Optional(one.linger), before};
+  Json scorers = Json::array();
+  for (const Scorer& each : one.scorers) {
+    scorers.push_back({each.name, each.folder, each.command, each.pattern, each.unit, each.better,
+                       each.rates, each.seconds});
+  }
+  const Json all = {suite.origin,
+                    one.routine,
+                    one.arguments,
+                    one.measures,
+                    scorers,
+                    inputs,
+                    one.sameAs,
+                    one.engineOnly,
+                    one.strict,
+                    Optional(one.timeout),
+                    Optional(one.linger),
+                    before};
   return DigestOfText(all.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 

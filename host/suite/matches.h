@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "suite/placeholders.h"
-#include "suite/suite_table.h"
+#include "tables/placeholders.h"
+#include "tables/suite_table.h"
 
 namespace host {
 

@@ -12,6 +12,7 @@ Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string
               .engineOnly = one.engineOnly,
               .json = report,
               .measures = one.measures,
+              .scorers = one.scorers,
               .reference = one.reference,
               .far = one.far,
               .near = one.near,

@@ -18,6 +18,7 @@ struct SuiteCase {
   std::vector<std::string> arguments = {};
   std::vector<std::pair<std::string, std::string>> inputs = {};  // File of the routine, its source.
   std::vector<std::string> measures = {};                        // Names; empty for those that fit.
+  Scorers scorers = {};  // Those of them that are no measures of the bench.
   // What outputs are measured against.
   NamedSources reference = {};
   NamedSources far = {};

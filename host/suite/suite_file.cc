@@ -9,9 +9,10 @@
 
 #include "base/usage_error.h"
 #include "measure/measure_file.h"
+#include "measure/scorer_tables.h"
 #include "suite/matches.h"
-#include "suite/placeholders.h"
-#include "suite/suite_table.h"
+#include "tables/placeholders.h"
+#include "tables/suite_table.h"
 
 namespace host {
 
@@ -19,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kSections[] = {"defaults", "margins", "case"};
+constexpr std::string_view kSections[] = {"defaults", "margins", "measure", "case"};
 // What a case says, and what `defaults` may say for all of them.
 constexpr std::string_view kCaseKeys[] = {
     "id",     "routine",    "arguments", "in",        "each",     "tags",
@@ -84,12 +85,18 @@ std::string InFolder(const std::string& folder, const std::string& path) {
   return path.starts_with('/') ? path : (fs::path(folder) / path).string();
 }
 
-// Names of measures, each of which there is.
-std::vector<std::string> MeasuresOf(const CaseTables& tables) {
+// Names of measures, each of which there is. `scorers` are those of the suite; where they are not
+// enough, those of the user are added.
+std::vector<std::string> MeasuresOf(const CaseTables& tables, Scorers& scorers) {
   std::vector<std::string> names;
   for (const PlacedText& name : tables.Texts("measures").value_or(std::vector<PlacedText>{})) {
+    const auto all = MeasureNames();
+    const bool own = std::ranges::find(all, name.text) != all.end();
+    if (!own && FindScorer(scorers, name.text) == nullptr) {
+      scorers = Together(UserScorers(), scorers);
+    }
     try {
-      CheckMeasureName(name.text);
+      CheckMeasureName(name.text, scorers);
     } catch (const UsageError& error) {
       throw UsageError{name.at + error.message};
     }
@@ -98,12 +105,20 @@ std::vector<std::string> MeasuresOf(const CaseTables& tables) {
   return names;
 }
 
+Scorers NamedOnes(const Scorers& scorers, const std::vector<std::string>& names) {
+  Scorers named;
+  for (const Scorer& each : scorers) {
+    if (std::ranges::find(names, each.name) != names.end()) named.push_back(each);
+  }
+  return named;
+}
+
 using TextsWithNames = std::vector<std::pair<PlacedText, PlacedText>>;
 
 // The cases of one table [[case]].
 class Expansion {
  public:
-  Expansion(const CaseTables& tables, const std::string& folder)
+  Expansion(const CaseTables& tables, const std::string& folder, Scorers& scorers)
       : m_folder(folder),
         m_each(tables.own.AllOf("each")),
         m_id(Needed(tables.own.Text("id"), tables, "id")),
@@ -111,7 +126,8 @@ class Expansion {
         m_known(tables.own.Text("known")),
         m_cluster(tables.Text("cluster")),
         m_inputs(tables.TextsByName("in")),
-        m_measures(MeasuresOf(tables)),
+        m_measures(MeasuresOf(tables, scorers)),
+        m_scorers(NamedOnes(scorers, m_measures)),
         m_reference(tables.TextsByName("reference")),
         m_far(tables.TextsByName("far")),
         m_near(tables.TextsByName("near")),
@@ -165,6 +181,7 @@ class Expansion {
     };
     one.inputs = fillFiles(m_inputs);
     one.measures = m_measures;
+    one.scorers = m_scorers;
     one.reference = fillFiles(m_reference);
     one.far = fillFiles(m_far);
     one.near = fillFiles(m_near);
@@ -187,6 +204,7 @@ class Expansion {
   std::optional<PlacedText> m_cluster;
   std::optional<TextsWithNames> m_inputs;
   std::vector<std::string> m_measures;
+  Scorers m_scorers;
   std::optional<TextsWithNames> m_reference;
   std::optional<TextsWithNames> m_far;
   std::optional<TextsWithNames> m_near;
@@ -226,10 +244,11 @@ std::vector<SuiteCase> ReadSuite(const std::string& path) {
     }
     defaults.emplace(*node->as_table(), path, kDefaultKeys);
   }
+  Scorers scorers = ReadScorers(path);
   std::vector<SuiteCase> cases;
   for (const toml::node& node : CaseTablesOf(suite, path)) {
     const SuiteTable own(*node.as_table(), path, kCaseKeys);
-    Expansion({own, defaults ? &*defaults : nullptr}, folder).AddTo(cases);
+    Expansion({own, defaults ? &*defaults : nullptr}, folder, scorers).AddTo(cases);
   }
   for (size_t i = 0; i < cases.size(); ++i) cases[i].index = i;
   return cases;

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "base/usage_error.h"
-#include "suite/suite_table.h"
+#include "tables/suite_table.h"
 
 namespace host {
 

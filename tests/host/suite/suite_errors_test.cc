@@ -114,7 +114,7 @@ TEST_F(SuiteErrorsTest, PlaceholdersThatStandForNothing) {
   EXPECT_EQ(MessageOnCase("each.call = [\"1\"]\ntags = [\"{cal}\"]"),
             "s.toml:5:9: {cal} stands for nothing; did you mean {call}?");
   EXPECT_EQ(MessageOnCase("cluster = \"{s}\""),
-            "s.toml:4:11: {s} stands for nothing: no each.s in this case (a brace itself is "
+            "s.toml:4:11: {s} stands for nothing: there is no each in this case (a brace itself is "
             "written twice)");
   EXPECT_EQ(MessageOnCase("cluster = \"a}\""),
             "s.toml:4:11: \"a}\" has a brace without its other one (a brace itself is written "

@@ -3,11 +3,11 @@
 #include <map>
 #include <string>
 
-#include "suite/suite_table.h"
+#include "tables/suite_table.h"
 
 namespace host {
 
-// What the names of `each` stand for in one case: "call" and "call.path".
+// What names stand for: in one case those of its `each`, "call" and "call.path".
 using PlaceholderValues = std::map<std::string, std::string>;
 
 // The text with its {names} replaced; "{{" and "}}" are braces. Throws UsageError, with the place

@@ -1,4 +1,4 @@
-#include "suite/placeholders.h"
+#include "tables/placeholders.h"
 
 #include <string_view>
 #include <vector>
@@ -17,7 +17,11 @@ std::string Unknown(const std::string& name, const PlaceholderValues& values) {
   if (const auto alike = NamesAlike(name, names); !alike.empty()) {
     return text + "; did you mean {" + std::string(alike.front()) + "}?";
   }
-  return text + ": no each." + name + " in this case (a brace itself is written twice)";
+  text += names.empty() ? ": there is no each in this case" : "; there are ";
+  for (const std::string_view each : names) {
+    text += (each == names.front() ? "{" : ", {") + std::string(each) + "}";
+  }
+  return text + " (a brace itself is written twice)";
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "run/temporary_workspace.h"
+#include "files/temporary_workspace.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -24,8 +24,8 @@ struct Each {
   std::vector<PlacedText> values = {};
 };
 
-// A table of a suite file. Whatever is not as expected is a UsageError that begins with file, line
-// and column, and says what was expected.
+// A table of a suite file, or of the user's own one of scorers. Whatever is not as expected is a
+// UsageError that begins with file, line and column, and says what was expected.
 class SuiteTable {
  public:
   // `table` stays alive. Refuses keys that are not among `keys`, and suggests one of them.
@@ -40,7 +40,9 @@ class SuiteTable {
   std::optional<double> Seconds(std::string_view key) const;  // Above 0, up to 1000000.
   std::optional<bool> Flag(std::string_view key) const;
   std::optional<int> Count(std::string_view key) const;  // 1 to 10000.
-  std::vector<Each> AllOf(std::string_view key) const;   // In the order of the file.
+  // Sample rates, Hz.
+  std::optional<std::vector<int>> Rates(std::string_view key) const;
+  std::vector<Each> AllOf(std::string_view key) const;  // In the order of the file.
 
   // Where the table begins.
   const std::string& at() const { return m_at; }
@@ -51,7 +53,7 @@ class SuiteTable {
   std::string m_at;
 };
 
-// The tables of a suite file. Throws UsageError when it is none.
+// The tables of such a file. Throws UsageError when it is none.
 toml::table ParseSuite(const std::string& path);
 
 // "suite.toml:3:12: "

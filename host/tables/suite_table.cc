@@ -1,4 +1,4 @@
-#include "suite/suite_table.h"
+#include "tables/suite_table.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +10,7 @@
 
 #include "base/suggest.h"
 #include "base/usage_error.h"
+#include "recording/recording.h"
 
 namespace host {
 
@@ -154,6 +155,23 @@ std::optional<int> SuiteTable::Count(std::string_view key) const {
   if (count >= 1 && count <= kMaxRepeats) return static_cast<int>(count);
   throw UsageError{PlaceOf(m_file, node->source()) + std::string(key) + " must be " + expected +
                    ", not " + std::to_string(count)};
+}
+
+std::optional<std::vector<int>> SuiteTable::Rates(std::string_view key) const {
+  const toml::node* const node = m_table.get(key);
+  if (node == nullptr) return std::nullopt;
+  const std::string expected = "a list of rates from 1 to " + std::to_string(kMaxRate) + " Hz";
+  const toml::array* const list = node->as_array();
+  if (list == nullptr) RefuseNode(m_file, *node, key, expected);
+  std::vector<int> rates;
+  for (const toml::node& each : *list) {
+    const int64_t rate = each.is_integer() ? each.as_integer()->get() : 0;
+    if (rate < 1 || rate > kMaxRate) {
+      throw UsageError{PlaceOf(m_file, each.source()) + std::string(key) + " must be " + expected};
+    }
+    rates.push_back(static_cast<int>(rate));
+  }
+  return rates;
 }
 
 std::vector<Each> SuiteTable::AllOf(std::string_view key) const {
