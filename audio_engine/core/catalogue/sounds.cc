@@ -43,7 +43,6 @@ constexpr std::string_view kSuppression[] = {"noise_reduction", "speech_retained
 constexpr std::string_view kCoding[] = {"codec_delay", "band_limit", "band_difference", "seg_snr",
                                         "lsd"};
 constexpr std::string_view kLikeness[] = {"si_sdr"};
-constexpr std::string_view kLengths[] = {"length_factor"};
 
 // Aec.
 constexpr SoundUse kNearEnd[] = {{.input = "{pNearendFileName}",
@@ -111,8 +110,7 @@ constexpr SoundUse kAacCase[] = {
 // Effects.
 constexpr SoundUse kEqualizer[] = {{.input = ".wav", .off = kBoosted}};
 constexpr SoundUse kReverb[] = {{.input = "{pSrcFileName}"}};
-constexpr SoundUse kAccelerate[] = {
-    {.input = ".wav", .comparable = false, .off = kChanged, .measures = kLengths}};
+constexpr SoundUse kAccelerate[] = {{.input = ".wav", .comparable = false, .off = kChanged}};
 constexpr SoundUse kHrtf[] = {{.input = "44100_2.pcm", .off = kSpatial}};
 constexpr SoundUse kMusicDetector[] = {{.noSound = "samples beside markers, at a rate of its own"}};
 constexpr SoundUse kFromWave[] = {{.input = ".wav"}};
@@ -125,13 +123,9 @@ constexpr SoundUse kResampledFile[] = {
 // Mixing.
 constexpr SoundUse kBlockMixer[] = {{.input = ".wav", .off = kMixedViews}};
 constexpr SoundUse kCompressed[] = {{.input = ".wav", .leastLevel = -24}};
-constexpr SoundUse kSwept[] = {
-    {.input = ".wav", .comparable = false, .off = kChanged, .measures = kLengths}};
-constexpr SoundUse kHalfTempo[] = {{.input = ".wav",
-                                    .comparable = false,
-                                    .lengthFactor = 2,
-                                    .lengthTolerance = 1,
-                                    .measures = kLengths}};
+constexpr SoundUse kSwept[] = {{.input = ".wav", .comparable = false, .off = kChanged}};
+constexpr SoundUse kHalfTempo[] = {
+    {.input = ".wav", .comparable = false, .lengthFactor = 2, .lengthTolerance = 1}};
 constexpr SoundUse kRecordMixer[] = {{.input = "record_acc.wav"}};
 constexpr SoundUse kKaraokeRecorder[] = {{}};
 constexpr SoundUse kPushPcm[] = {{.input = ".pcm", .off = kConverted}};
