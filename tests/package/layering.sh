@@ -64,7 +64,7 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 allow host/statistics "$standard|\"statistics/$name\""
 allow host/engine "$standard|\"(engine/engine_work|facilities/engine_calls|desktop/(devices/(audio_device|background)|files/refused_files|platform/log))\.h\""
 below='base|engine|statistics'
-for folder in base guards files engines recording process catalogue results report selftest measure demo run replay suite compare controls cli; do
+for folder in base guards files engines recording tables process catalogue results report selftest measure demo run replay suite compare controls cli; do
   below+="|$folder"
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
