@@ -19,7 +19,8 @@ namespace {
 using Floats = std::vector<float>;
 using FirFilter = VectorTargetTest;
 
-constexpr size_t kCounts[] = {1, 2, 3, 4, 5, 15, 16, 17, 31, 63, 64, 127, 128, 129, 300, 512, 1000};
+constexpr size_t kCounts[] = {1,   2,   3,   4,   5,   15,  16,  17,  31,  63,  64,   127, 128,
+                              129, 255, 256, 257, 300, 511, 512, 513, 514, 515, 1000, 1001};
 
 std::unique_ptr<zuwebrtc::FIRFilter> Create(const Floats& taps, size_t maxLength = 441) {
   return std::unique_ptr<zuwebrtc::FIRFilter>(
@@ -56,14 +57,30 @@ double Exact(const Floats& in, const Floats& taps, size_t at) {
   return sum;
 }
 
+// The answer to an impulse after 20 samples, and after 21.
+void ExpectCoefficients(const Floats& taps, float tolerance) {
+  for (const size_t at : {20u, 21u}) {
+    Floats in(taps.size() + 50);
+    in[at] = 1;
+    const Floats out = Filter(*Create(taps), in);
+    for (size_t i = 0; i < in.size(); ++i) {
+      const bool inside = i >= at && i < at + taps.size();
+      ASSERT_NEAR(out[i], inside ? taps[i - at] : 0, inside ? tolerance : 0)
+          << taps.size() << " taps, " << i;
+    }
+  }
+}
+
 TEST_P(FirFilter, GivesItsCoefficientsForAnImpulse) {
+  for (const size_t count : kCounts)
+    ExpectCoefficients(Response(count), count < 256 ? 0 : 0x1p-22f);
+}
+
+TEST_P(FirFilter, GivesCoefficientsOf16BitsUnrounded) {
   for (const size_t count : kCounts) {
-    Floats in(count + 50);
-    in[20] = 1;
-    Floats expected(in.size());
-    const Floats taps = Response(count);
-    std::copy(taps.begin(), taps.end(), expected.begin() + 20);
-    EXPECT_EQ(Filter(*Create(taps), in), expected) << count;
+    Floats taps = Response(count);
+    for (float& tap : taps) tap = std::round(tap * 32767) / 32768;
+    ExpectCoefficients(taps, 0);
   }
 }
 
@@ -73,15 +90,21 @@ TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
     const Floats taps = Response(count);
     const Floats in = Noise(20000, 1, 5);
     const Floats whole = Filter(*Create(taps, in.size()), in);
-    for (const unsigned longest : {1u, 7u, 40u, 441u, 1765u, 6000u}) {
+    const auto expectSame = [&](const auto& nextLength, unsigned what) {
       const auto filter = Create(taps);
       Floats cut(in.size());
       for (size_t at = 0; at < in.size();) {
-        const size_t length = std::min<size_t>(random() % (longest + 1), in.size() - at);
+        const size_t length = std::min<size_t>(nextLength(), in.size() - at);
         filter->Filter(&in[at], length, &cut[at]);
         at += length;
       }
-      ASSERT_EQ(cut, whole) << count << " taps, at most " << longest << " samples";
+      ASSERT_EQ(cut, whole) << count << " taps, " << what << " samples";
+    };
+    for (const unsigned length : {1u, 2u, 3u, 441u, 1765u}) {
+      expectSame([length] { return length; }, length);
+    }
+    for (const unsigned longest : {1u, 7u, 40u, 441u, 1765u, 6000u}) {
+      expectSame([&] { return random() % (longest + 1); }, longest);
     }
   }
 }
@@ -95,13 +118,16 @@ TEST_P(FirFilter, WritesNothingBehindTheOutput) {
   }
 }
 
-TEST_P(FirFilter, IsWithinAMillionthOfADoubleConvolution) {
+// Full scale goes in, and no more than that can come out.
+TEST_P(FirFilter, IsWithinTwoTenMillionthsOfADoubleConvolution) {
   for (const size_t count : kCounts) {
     Floats taps = Response(count);
-    for (float& tap : taps) tap *= 0.3f;
+    float sum = 0;
+    for (const float tap : taps) sum += std::abs(tap);
+    for (float& tap : taps) tap /= sum;
     const Floats in = Noise(5000, 1, 8);
     const Floats out = Filter(*Create(taps), in);
-    for (size_t i = 0; i < in.size(); ++i) ASSERT_NEAR(out[i], Exact(in, taps, i), 1e-6) << count;
+    for (size_t i = 0; i < in.size(); ++i) ASSERT_NEAR(out[i], Exact(in, taps, i), 2e-7) << count;
   }
 }
 
@@ -134,8 +160,6 @@ TEST_P(FirFilter, TakesCallsLongerThanAnnounced) {
     for (size_t i = 0; i < in.size(); i += 97) ASSERT_NEAR(out[i], Exact(in, taps, i), 1e-5);
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(, FirFilter, EveryVectorTarget(), VectorTargetName);
 
 TEST(FirFilterState, IsSilentWithoutCoefficients) {
   const std::unique_ptr<zuwebrtc::FIRFilter> filter(zuwebrtc::FIRFilter::Create(nullptr, 0, 441));
@@ -182,6 +206,35 @@ TEST(FirFilterUpdate, TakesSamplesOlderThanTheHistoryForZero) {
   filter->UpdateCoeffients(taps.data(), 4);
   EXPECT_EQ(Filter(*filter, {8, 0, 0, 0}), (Floats{8 + 70, 80 + 700, 800 + 7000, 8000}));
 }
+
+// Whole numbers, so that no output is rounded. The changes come after an odd number of samples.
+TEST_P(FirFilter, TakesLongerAndShorterCoefficientsBetweenTwoSamples) {
+  const auto wholeNumbers = [](size_t count, unsigned seed) {
+    Floats numbers = Noise(count, 9, seed);
+    for (float& number : numbers) number = std::round(number);
+    return numbers;
+  };
+  const Floats in = wholeNumbers(20000, 14);
+  const auto filter = Create(wholeNumbers(1030, 15));
+  Filter(*filter, Floats(in.begin(), in.begin() + 1501));
+  size_t at = 1501;
+  size_t kept = 1030;
+  for (const size_t count : {1029u, 514u, 513u, 513u, 100u, 600u, 256u, 1u, 255u, 512u}) {
+    const Floats taps = wholeNumbers(count, 16);
+    filter->UpdateCoeffients(taps.data(), count);
+    kept = std::min(kept, count);
+    Floats heard(in.begin(), in.begin() + static_cast<ptrdiff_t>(at + 701));
+    std::fill(heard.begin(), heard.begin() + static_cast<ptrdiff_t>(at - (kept - 1)), 0.0f);
+    const Floats out = Filter(*filter, Floats(&in[at], &in[at] + 701));
+    for (size_t i = 0; i < out.size(); ++i) {
+      ASSERT_EQ(out[i], static_cast<float>(Exact(heard, taps, at + i))) << count << " taps, " << i;
+    }
+    at += 701;
+    kept = count;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(, FirFilter, EveryVectorTarget(), VectorTargetName);
 
 TEST(FirFilterUpdate, GoesToSilenceAndBack) {
   const auto filter = Create({1, 2});

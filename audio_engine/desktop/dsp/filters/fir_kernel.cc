@@ -72,8 +72,9 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
 template <size_t kRows>
 void ConvolveTile(const float* in, const float* coefficients, size_t count, float* out) {
   const Tag d;
+  constexpr size_t kChains = 2 * kRows <= kMaxRows && 2 * kStepsPerSum <= kLanes ? 2 : 1;
   Vector totals[kRows];
-  for (Vector& total : totals) total = hn::Zero(d);
+  Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR { totals[row] = hn::Zero(d); });
 
   // The oldest taps, which make no whole group, one by one: padding them with zeros would let an
   // infinite sample reach further than the response.
@@ -81,27 +82,31 @@ void ConvolveTile(const float* in, const float* coefficients, size_t count, floa
   for (size_t end = count - count % kGroupTaps; tap > end;) {
     --tap;
     const Vector coefficient = hn::Set(d, coefficients[tap]);
-    for (size_t row = 0; row < kRows; ++row) {
+    Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR {
       totals[row] = hn::MulAdd(hn::LoadU(d, in + kLanes * row - tap), coefficient, totals[row]);
-    }
+    });
   }
 
   while (tap > 0) {
     tap -= kGroupTaps;
-    for (size_t first = tap + kLanes; first > tap;) {
-      Vector sums[kRows];
-      Unroll(std::make_index_sequence<kRows>(),
-             [&](auto row) HWY_ATTR { sums[row] = hn::Zero(d); });
-      for (size_t step = 0; step < kStepsPerSum; ++step) {
-        --first;
-        AddSharedTaps(in - first, coefficients + first, sums);
+    for (size_t first = tap + kLanes; first > tap; first -= kChains * kStepsPerSum) {
+      Vector sums[kChains][kRows];
+      Unroll(std::make_index_sequence<kChains * kRows>(),
+             [&](auto at) HWY_ATTR { sums[at / kRows][at % kRows] = hn::Zero(d); });
+      for (size_t step = 1; step <= kStepsPerSum; ++step) {
+        Unroll(std::make_index_sequence<kChains>(), [&](auto chain) HWY_ATTR {
+          const size_t newest = first - chain * kStepsPerSum - step;
+          AddSharedTaps(in - newest, coefficients + newest, sums[chain]);
+        });
       }
-      Unroll(std::make_index_sequence<kRows>(),
-             [&](auto row) HWY_ATTR { totals[row] = hn::Add(totals[row], sums[row]); });
+      Unroll(std::make_index_sequence<kChains * kRows>(), [&](auto at) HWY_ATTR {
+        totals[at % kRows] = hn::Add(totals[at % kRows], sums[at / kRows][at % kRows]);
+      });
     }
   }
 
-  for (size_t row = 0; row < kRows; ++row) hn::StoreU(totals[row], d, out + kLanes * row);
+  Unroll(std::make_index_sequence<kRows>(),
+         [&](auto row) HWY_ATTR { hn::StoreU(totals[row], d, out + kLanes * row); });
 }
 
 using Tile = void (*)(const float* in, const float* coefficients, size_t count, float* out);

@@ -1,0 +1,157 @@
+// The fast FIR algorithm in steps of two (Z.-J. Mou and P. Duhamel, "Short-length FIR filters and
+// their use in fast nonrecursive filtering", IEEE Transactions on Signal Processing 39, 1991). With
+// the even and the odd samples x0, x1 and coefficients h0, h1, three convolutions of half the
+// length at half the rate serve instead of four:
+//
+//   y0[k] = (h0 * x0)[k] + (h1 * x1)[k - 1]
+//   y1[k] = (h0 * x0)[k] + (h1 * x1)[k] + ((h0 - h1) * (x1 - x0))[k]
+//
+// This is the form with differences, not the one with h0 + h1 and x0 + x1: neighbouring samples of
+// sound are alike, so that the third convolution stays small, and its rounding with it.
+
+#include "desktop/dsp/filters/fast_fir.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "desktop/dsp/filters/fir_kernel.h"
+#include "desktop/dsp/filters/pair_kernel.h"
+
+namespace desktop {
+namespace {
+
+using Floats = std::vector<float>;
+
+// A convolution as it is defined. Keeps the samples in one array that the input is appended to;
+// when it is full, the history moves to its start. The kernel computes whole vectors: up to
+// kPairSlack floats after the outputs are overwritten.
+class DirectStage final : public FirStage {
+ public:
+  DirectStage(const float* coefficients, size_t count, size_t maxSamples)
+      : m_coefficients(coefficients, coefficients + count),
+        m_samples(count - 1 + kCallsPerMove * maxSamples + kPairSlack),
+        m_end(count - 1) {}
+
+  float* Place(size_t samples) override {
+    const size_t history = m_coefficients.size() - 1;
+    float* start = m_samples.data();
+    if (m_end + samples + kPairSlack > m_samples.size()) {
+      std::copy_n(start + m_end - history, history, start);
+      m_end = history;
+    }
+    return start + m_end;
+  }
+
+  void Filter(size_t samples, float* out) override {
+    const size_t whole = (samples + kWhole - 1) / kWhole * kWhole;
+    Convolve(&m_samples[m_end], whole, m_coefficients.data(), m_coefficients.size(), out);
+    m_end += samples;
+  }
+
+ private:
+  static constexpr size_t kCallsPerMove = 2;
+  static constexpr size_t kWhole = kConvolveOverread;  // A multiple of every vector's length.
+  static_assert(kPairSlack >= kWhole - 1 + kConvolveOverread);
+
+  const Floats m_coefficients;
+  Floats m_samples;
+  size_t m_end;  // Where the next samples go, right after the history.
+};
+
+// One step of two. A call may end between the two samples of a pair: the first one is filtered and
+// heard at once, and waits for the second with its output of the even branch.
+class SplitStage final : public FirStage {
+ public:
+  SplitStage(const float* coefficients, size_t count, size_t levels, size_t maxSamples)
+      : SplitStage(Coefficients(coefficients, count), levels - 1, maxSamples, maxSamples / 2 + 1) {}
+
+  float* Place(size_t /*samples*/) override { return m_in.data(); }
+
+  void Filter(size_t samples, float* out) override {
+    if (samples == 0) return;
+    const float* in = m_in.data();
+    // Of the even branch at[0] is the output of the sample that waits, if there is one; of the odd
+    // branch it is the output of the pair before.
+    const size_t first = m_waits ? 1 : 0;
+    const size_t pairs = (samples - first) / 2;
+    const size_t rest = (samples - first) % 2;
+    float* evenIn = m_even.stage->Place(pairs + rest);
+    float* oddIn = m_odd.stage->Place(first + pairs);
+    float* differenceIn = m_difference.stage->Place(first + pairs);
+    if (m_waits) {
+      oddIn[0] = in[0];
+      differenceIn[0] = in[0] - m_waiting;
+    }
+    SplitPairs(in + first, pairs, evenIn, oddIn + first, differenceIn + first);
+    m_waits = rest == 1;
+    if (m_waits) evenIn[pairs] = m_waiting = in[samples - 1];
+
+    float* even = m_even.out.data();
+    float* odd = m_odd.out.data();
+    float* difference = m_difference.out.data();
+    m_even.stage->Filter(pairs + rest, even + first);
+    m_odd.stage->Filter(first + pairs, odd + 1);
+    m_difference.stage->Filter(first + pairs, difference);
+
+    if (first == 1) *out++ = (even[0] + odd[1]) + difference[0];
+    JoinPairs(even + first, odd + first, difference + first, pairs, out);
+    const size_t last = first + pairs;
+    if (m_waits) out[2 * pairs] = even[last] + odd[last];
+    even[0] = even[last];
+    odd[0] = odd[last];
+  }
+
+ private:
+  // One of the three convolutions and its outputs.
+  struct Branch {
+    Branch(const Floats& coefficients, size_t levels, size_t maxSamples)
+        : out(1 + maxSamples + kPairSlack) {
+      const size_t count = coefficients.size();
+      if (levels > 0) {
+        stage = MakeFastFir(coefficients.data(), count, levels, maxSamples);
+      } else {
+        stage = std::make_unique<DirectStage>(coefficients.data(), count, maxSamples);
+      }
+    }
+
+    std::unique_ptr<FirStage> stage;
+    Floats out;
+  };
+
+  struct Coefficients {
+    Coefficients(const float* coefficients, size_t count)
+        : even(count / 2), odd(count / 2), difference(count / 2) {
+      for (size_t k = 0; k < count / 2; ++k) {
+        even[k] = coefficients[2 * k];
+        odd[k] = coefficients[2 * k + 1];
+        difference[k] = even[k] - odd[k];
+      }
+    }
+
+    Floats even;
+    Floats odd;
+    Floats difference;
+  };
+
+  SplitStage(const Coefficients& coefficients, size_t levels, size_t maxSamples, size_t maxPairs)
+      : m_in(maxSamples + kPairSlack),
+        m_even(coefficients.even, levels, maxPairs),
+        m_odd(coefficients.odd, levels, maxPairs),
+        m_difference(coefficients.difference, levels, maxPairs) {}
+
+  Floats m_in;
+  Branch m_even;
+  Branch m_odd;
+  Branch m_difference;
+  bool m_waits = false;
+  float m_waiting = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<FirStage> MakeFastFir(const float* coefficients, size_t count, size_t levels,
+                                      size_t maxSamples) {
+  return std::make_unique<SplitStage>(coefficients, count, levels, maxSamples);
+}
+
+}  // namespace desktop
