@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 
+#include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"
 #include "support/voice.h"
@@ -174,6 +175,50 @@ TEST(AudioAccelerate, DoesTheSameToIntegersOf32Bits) {
   int few[4] = {1, 2, 3, 4};
   EXPECT_EQ(words->Process(few, 160, 16000, 1, 16, 4), 160);
   EXPECT_THAT(few, testing::ElementsAre(1, 2, 3, 4));
+}
+
+// What waits of another format is no sound of this one.
+TEST(AudioAccelerate, StartsAnewWithEachFormat) {
+  const Shorts mono = SungNote(220, 16000, 1);
+  const Shorts stereo = SungNote(330, 16000, 1, 2);
+  const Shorts fast = SungNote(220, 8000, 1);
+  const Accelerator accelerator = Enabled(25);
+  EXPECT_EQ(Play(*accelerator, mono, 16000, 1), Play(*Enabled(25), mono, 16000, 1));
+  EXPECT_EQ(Play(*accelerator, stereo, 16000, 2), Play(*Enabled(25), stereo, 16000, 2));
+  EXPECT_EQ(Play(*accelerator, fast, 8000, 1), Play(*Enabled(25), fast, 8000, 1));
+}
+
+// Of a stream without an end no more is kept than a join looks back at.
+TEST(AudioAccelerate, AsksForNoMemoryOnceItRuns) {
+  const Shorts in = SungNote(220, 16000, 20);
+  const Accelerator accelerator = Enabled(25);
+  Shorts block(in.begin(), in.begin() + 160);
+  const auto run = [&](size_t begin, size_t end) {
+    for (size_t at = begin; at + 160 <= end; at += 160) {
+      std::copy_n(&in[at], 160, block.begin());
+      accelerator->Process(reinterpret_cast<char*>(block.data()), 160, 16000, 1, 16);
+    }
+  };
+  run(0, 16000 * 2);
+  const size_t before = AllocationCount();
+  run(16000 * 2, in.size());
+  EXPECT_EQ(AllocationCount(), before);
+}
+
+// A period of 12.5 ms is found when it is looked for as far as 12 ms before and after.
+TEST(AudioAccelerate, HoldsTheLevelOfALowVoice) {
+  for (const double pitch : {82.0, 91.0, 104.0}) {
+    const Shorts in = SungNote(pitch, 16000, 6);
+    const std::vector<double> out = ToDoubles(Play(*Enabled(25), in, 16000, 1));
+    const auto period = static_cast<size_t>(std::lround(2 * 16000 / pitch));
+    double lowest = 1, highest = 0;
+    for (size_t at = 16000; at + period <= 64000; at += 40) {
+      const double level = Rms({&out[at], period});
+      lowest = std::min(lowest, level);
+      highest = std::max(highest, level);
+    }
+    EXPECT_LT(Decibels(highest / lowest), 0.3) << pitch;
+  }
 }
 
 TEST(AudioAccelerate, ForgetsItsSamplesWhenFlushed) {

@@ -214,6 +214,43 @@ TEST(MultibandDrcTest, GivesTheChannelsOneGainPerBand) {
   EXPECT_NEAR(LevelOf(Channel(out, 2, 1), 800, 44100) + 40, left, 0.2);
 }
 
+// Milliseconds until the gain of a tone is within 1 / e of its way, from a step of its level.
+double BandStepTime(double frequency, double from, double to) {
+  constexpr int kRate = 48000;
+  std::vector<double> squares(kRate * 3);
+  // Sine and cosine: their squares add up to that of the envelope.
+  for (const double phase : {0.0, std::numbers::pi / 2}) {
+    Shorts tone;
+    for (int i = 0; i < kRate * 3; ++i) {
+      const double wave = std::sin(2 * std::numbers::pi * frequency * i / kRate + phase);
+      tone.push_back(static_cast<short>(std::lround(Amplitude(i < kRate ? from : to) * wave)));
+    }
+    MultibandDrc drc;
+    const Shorts out = ProcessFrames(drc, tone, kRate, 1);
+    for (size_t i = 0; i < out.size(); ++i) squares[i] += static_cast<double>(out[i]) * out[i];
+  }
+  const auto gain = [&](int frame) {
+    const double level = 10 * std::log10(squares[static_cast<size_t>(frame)] + 1e-9);
+    return level - 20 * std::log10(Amplitude(frame < kRate ? from : to));
+  };
+  const double first = gain(kRate - 1), last = gain(kRate * 3 - 1);
+  // From the end on, for the split itself swings at the step.
+  int frame = kRate * 3 - 1;
+  while (std::abs(gain(frame) - last) < std::abs(first - last) / std::numbers::e) --frame;
+  return 1000.0 * (frame - kRate) / kRate;
+}
+
+// The release begins when the last peak no longer counts, after 12 ms; the split of the low band
+// makes both a little longer.
+TEST(MultibandDrcTest, HasTheTimesOfEachBand) {
+  EXPECT_NEAR(BandStepTime(100, -40, -4), 10, 2);
+  EXPECT_NEAR(BandStepTime(100, -4, -26), 200 + 12, 30);
+  EXPECT_NEAR(BandStepTime(800, -40, -4), 5, 0.5);
+  EXPECT_NEAR(BandStepTime(800, -4, -26), 150 + 12, 10);
+  EXPECT_NEAR(BandStepTime(9000, -40, -4), 2, 0.3);
+  EXPECT_NEAR(BandStepTime(9000, -4, -26), 80 + 12, 6);
+}
+
 TEST(MultibandDrcTest, StartsAnewWithEveryInit) {
   const Shorts noise = ToShorts(WhiteNoise(44100, 0.8, 1));
   MultibandDrc drc;

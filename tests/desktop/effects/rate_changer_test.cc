@@ -195,17 +195,34 @@ TEST(RateChanger, RefusesABlockOfOtherChannels) {
 TEST(RateChanger, ClampsTheRatio) {
   Shorts in = SungNote(220, 8000, 10);
   for (const auto& [asked, used] : {std::pair{100.0, 4.0}, {0.0, 0.25}, {-3.0, 0.25}}) {
-    RateChanger changer(true);
-    Start(changer, asked, 8000, 1);
-    const Shorts out = Pass(changer, in, 0, in.size(), 8000, 1);
-    const double share = static_cast<double>(out.size()) / static_cast<double>(in.size());
-    EXPECT_NEAR(share * used, 1, 0.015) << asked;
+    for (const bool keepPitch : {true, false}) {
+      RateChanger changer(keepPitch);
+      Start(changer, asked, 8000, 1);
+      const Shorts out = Pass(changer, in, 0, in.size(), 8000, 1);
+      const double share = static_cast<double>(out.size()) / static_cast<double>(in.size());
+      EXPECT_NEAR(share * used, 1, 0.015) << asked << (keepPitch ? "" : " as a tape");
+    }
   }
   CapturedStderr log;
   RateChanger changer(true);
   Start(changer, std::numeric_limits<double>::quiet_NaN(), 8000, 1);
   EXPECT_EQ(Pass(changer, in, 0, in.size(), 8000, 1), in);
   EXPECT_THAT(log.Lines(), SizeIs(1));
+}
+
+// What a tape's filter makes of the edges of a full square lies beyond full scale.
+TEST(RateChanger, ClipsAndDoesNotWrapRoundAsATape) {
+  Shorts square(16000);
+  for (size_t i = 0; i < square.size(); ++i) square[i] = i / 100 % 2 == 0 ? 32767 : -32768;
+  for (const double ratio : {0.7, 1.3}) {
+    RateChanger changer(false);
+    Start(changer, ratio, 16000, 1);
+    const Shorts out = Pass(changer, square, 0, square.size(), 16000, 1);
+    int turns = 0;
+    for (size_t i = 200; i < out.size(); ++i) turns += (out[i] < 0) != (out[i - 1] < 0);
+    EXPECT_NEAR(turns, 158, 3) << ratio;
+    EXPECT_EQ(*std::max_element(out.begin(), out.end()), 32767);
+  }
 }
 
 TEST(RateChanger, GivesTheSameHoweverTheInputIsCut) {

@@ -147,6 +147,15 @@ TEST_P(SoundProcess, StaysWithinFullScaleAndKeepsSilence) {
   EXPECT_THAT(ProcessAll(GetParam(), Shorts(16000), 16000), Each(0));
 }
 
+TEST_P(SoundProcess, Takes29To31Milliseconds) {
+  const Shorts in = Babble(16000, 1);
+  for (const size_t samples : {464U, 480U, 496U}) {
+    short out[kRoom];
+    unsigned length = kRoom;
+    EXPECT_EQ(Process(GetParam(), 16000, 1, in.data(), samples, out, &length), 0) << samples;
+  }
+}
+
 TEST_P(SoundProcess, IsStateless) {
   const Shorts in = Babble(16000, 2);
   EXPECT_EQ(ProcessAll(GetParam(), in, 16000), ProcessAll(GetParam(), in, 16000));
@@ -170,6 +179,9 @@ TEST_P(SoundProcess, RefusesWithACodeAndNoSamples) {
   EXPECT_EQ(refused(16000, 20, 4800, kRoom), kSoundProcessBadFormat);
   EXPECT_EQ(refused(16000, 1, 160, kRoom), kSoundProcessBadBlock);
   EXPECT_EQ(refused(16000, 1, 4800, kRoom), kSoundProcessBadBlock);
+  EXPECT_EQ(refused(16000, 1, 320, kRoom), kSoundProcessBadBlock);
+  EXPECT_EQ(refused(16000, 1, 463, kRoom), kSoundProcessBadBlock);
+  EXPECT_EQ(refused(16000, 1, 497, kRoom), kSoundProcessBadBlock);
   EXPECT_EQ(refused(16000, 1, 480, 100), kSoundProcessNoRoom);
   EXPECT_LE(log.Lines().size(), 1U);
 }

@@ -205,6 +205,17 @@ TEST(VoiceBeautify, DoesTheSameThroughEveryEntrance) {
   }
 }
 
+TEST(VoiceBeautify, LeavesABlockAloneThatIsLongerThanItsRoom) {
+  const Beautify effect = Enabled(mode2, 1, 0);
+  std::vector<int> block(400);
+  for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<int>(37 * i % 2000);
+  const std::vector<int> before = block;
+  EXPECT_EQ(effect->Process(block.data(), 160, 16000, 2, 16, 318), 160);
+  EXPECT_EQ(block, before);
+  EXPECT_EQ(effect->Process(block.data(), 160, 16000, 2, 16, 320), 160);
+  EXPECT_NE(block, before);
+}
+
 TEST(VoiceBeautify, ForgetsWhenFlushed) {
   const Shorts in = SungNote(220, 16000, 1);
   const Beautify effect = Enabled(mode6, 1, 2);

@@ -137,6 +137,24 @@ TEST(Limiter, RecoversWithItsRelease) {
   }
 }
 
+// With a ratio of 1 the gain takes the whole look-ahead to fall, with less it is down sooner.
+TEST(Limiter, FallsOverItsShareOfTheLookAhead) {
+  for (const float ratio : {0.0f, 0.25f, 0.5f, 1.0f}) {
+    LimiterParameter parameter = kVoice;
+    parameter.fThreshold = parameter.fCeiling = -12;
+    parameter.fPreGain = 0;
+    parameter.fLookahead = 20;
+    parameter.fLookaheadRatio = ratio;
+    Doubles in(4800, 0.1);
+    in.resize(9600, 1.0);
+    const Doubles out = Processed(parameter, {in}, 48000)[0];
+    // The loud part is known from frame 4800 on and comes out at 5760.
+    size_t down = 4800;
+    while (out[down] > 0.1 * 0.2520) ++down;
+    EXPECT_NEAR(static_cast<double>(down - 4800), static_cast<double>(ratio) * 960, 8) << ratio;
+  }
+}
+
 TEST(Limiter, FallsWithItsAttack) {
   LimiterParameter parameter = kVoice;
   parameter.fAttack = 50;
