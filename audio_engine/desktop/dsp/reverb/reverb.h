@@ -14,6 +14,9 @@ namespace desktop {
 // enters the even lines, the right one the odd lines.
 class Reverb {
  public:
+  // Of a new reverberation.
+  static constexpr NreverbFv3Parameter kDefault = {1, -12, 0, 0.5f, 0.5f, 0, 0, 1.5f, 1, 10};
+
   // Takes effect at the next Process. A change of anything but Wet, Dry and Width drops the tail.
   void SetParameter(const NreverbFv3Parameter& parameter);
 
@@ -53,7 +56,7 @@ class Reverb {
   float Diffuse(int channel, float sample);
   void Room(const float* in, float* out);
 
-  NreverbFv3Parameter m_parameter = InRange({1, -12, 0, 0.5f, 0.5f, 0, 0, 1.5f, 1, 10});
+  NreverbFv3Parameter m_parameter = kDefault;
   ReverbDesign m_design;
   bool m_enabled = false;
   bool m_wasEnabled = false;
