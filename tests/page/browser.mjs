@@ -10,6 +10,12 @@ const kSkip = 77;
 const kPrograms = { chrome: ['chromium', 'chromium-browser', 'google-chrome'],
                     firefox: ['firefox-esr', 'firefox'] };
 
+// Ends the program as one that could not be run here.
+export function skip(why) {
+  console.log(`Skipped: ${why}`);
+  process.exit(kSkip);
+}
+
 // The path of the browser; without one the program ends as skipped.
 function find(browser) {
   for (const folder of process.env.PATH.split(':')) {
@@ -17,8 +23,7 @@ function find(browser) {
       if (existsSync(path.join(folder, name))) return path.join(folder, name);
     }
   }
-  console.log(`Skipped: none of ${kPrograms[browser].join(', ')} is there`);
-  return process.exit(kSkip);
+  return skip(`none of ${kPrograms[browser].join(', ')} is there`);
 }
 
 // Chromium's sandbox is not for root, who runs tests in containers.
@@ -28,21 +33,27 @@ const kWords = {
   firefox: [],
 };
 
+// What a page asked for beside itself; what it has in itself needs no network.
+export function askedOutside(page) {
+  return page.asked.filter((url) => url.split('#')[0] !== page.address && !/^(blob|data):/.test(url));
+}
+
 export class Browser {
-  static async start(browser = 'chrome', words = []) {
+  static async start(browser = 'chrome', env = {}) {
     const executablePath = find(browser);
     const self = new Browser();
     self.folder = mkdtempSync(path.join(os.tmpdir(), 'page-'));
     const puppeteer = load('puppeteer-core');
     self.browser = await (puppeteer.default ?? puppeteer).launch({
-      browser, executablePath, headless: true, protocolTimeout: 240000,
-      args: [...kWords[browser], ...words],
+      browser, executablePath, headless: true, protocolTimeout: 60000,
+      args: kWords[browser], env: { ...process.env, ...env },
     });
     return self;
   }
 
   // Opens a page with this sample in it. What the page says and asks for is in said and asked.
-  async open(sample, { fragment = '', before = null, width = 1280, height = 900, dark = false } = {}) {
+  async open(sample, { fragment = '', before = null, width = 1280, height = 900, dark = false,
+                       anyScript = false } = {}) {
     const file = path.join(this.folder, 'report.html');
     writePage(process.env.PAGE_TEMPLATE, sample, file);
     const page = await this.browser.newPage();
@@ -53,6 +64,8 @@ export class Browser {
     page.on('request', (request) => page.asked.push(request.url()));
     await page.setViewport({ width, height });
     if (dark) await page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: 'dark' }]);
+    // For tests that bring programs of their own.
+    if (anyScript) await page.setBypassCSP(true);
     if (before) await page.evaluateOnNewDocument(before);
     page.address = pathToFileURL(file).href;
     await page.goto(page.address + fragment, { waitUntil: 'domcontentloaded' });

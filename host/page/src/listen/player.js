@@ -176,7 +176,13 @@ export class Player {
     await this.load();
     if (s_playing && s_playing !== this) s_playing.stop();
     s_playing = this;
-    await this.transport.play();
+    try {
+      await this.transport.play();
+    } catch (error) {
+      this.bar.state.textContent = `Cannot be played: ${error.message}`;
+      return;
+    }
+    this.bar.state.textContent = '';
     this.bar.showPlaying(true);
     this.#tick();
   }

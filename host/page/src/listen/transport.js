@@ -3,6 +3,7 @@
 
 const kFade = 0.008;  // s, from one version to the next
 const kAhead = 0.02;  // s, in which all sources are made ready
+const kPatience = 5000;  // ms that a sound output has to begin
 const kRest = 1000;   // ms, after which the audio of a page that is still is switched off
 
 const m_contexts = new Map();
@@ -14,6 +15,13 @@ function contextOf(rate) {
     m_contexts.set(rate, new AudioContext({ sampleRate: rate, latencyHint: 'interactive' }));
   }
   return m_contexts.get(rate);
+}
+
+// Without a sound output some browsers never say that they cannot play.
+function running(context) {
+  return Promise.race([context.resume(), new Promise((_, failed) => {
+    setTimeout(() => failed(new Error('no sound output answers')), kPatience);
+  })]);
 }
 
 // A gain that goes to its next value in a straight line: two versions that are alike add up to
@@ -75,7 +83,7 @@ export class Transport {
   async play() {
     if (this.m_run) return;
     const context = contextOf(this.rate);
-    if (context.state !== 'running') await context.resume();
+    if (context.state !== 'running') await running(context);
     if (!this.m_run) this.#begin(context);
   }
 
