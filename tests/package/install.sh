@@ -27,6 +27,10 @@ grep -q '^\.TH AUDIO_BENCH 1 ' "$MANPATH/man1/audio_bench.1"
 completion=$prefix/share/bash-completion/completions/audio_bench
 "$(dirname "$0")/completion.sh" "$prefix/bin/audio_bench" "$completion"
 
+# A suite as a job array.
+bash -n "$prefix/share/audio_engine/slurm/suite.sbatch"
+[[ -x $prefix/share/audio_engine/slurm/suite.sbatch ]]
+
 # runs PROGRAM: it calls the entry of the installed library.
 runs() {
   LD_LIBRARY_PATH=$prefix/lib "$1" 2>log
