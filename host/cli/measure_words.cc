@@ -33,6 +33,10 @@ MeasureWords::MeasureWords(CLI::App& app, MeasureOptions& options) : m_options(o
       ->type_name("FILE");
   measure.add_option("--csv", m_options.csv, "Also write the figures as a table; - is stdout")
       ->type_name("FILE");
+  measure
+      .add_option("--plot", m_options.plot,
+                  "Also draw FILE as SVG: wave, spectrum, and the measures in the course of time")
+      ->type_name("FILE.svg");
   measure.add_flag("--list", m_options.list, "Explain every measure");
 }
 

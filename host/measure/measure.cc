@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "base/printable.h"
 #include "base/usage_error.h"
 #include "measure/figure_forms.h"
+#include "measure/plot_file.h"
 #include "measure/scorer_tables.h"
 #include "process/limits.h"
 #include "process/signals.h"
@@ -25,18 +27,15 @@ constexpr double kPatience = 600;  // Seconds for the reader of a pipe.
 // A form that was asked for, and where it goes.
 class Form {
  public:
-  using Make = std::string (*)(std::span<const MeasuredFile>);
-
-  Form(const std::string& path, Make make) : m_make(make) {
+  explicit Form(const std::string& path) {
     if (!path.empty()) m_file.emplace(path, Now() + kPatience);
   }
 
-  int Write(std::span<const MeasuredFile> files, Limits& limits) {
-    return m_file ? m_file->Write(m_make(files), limits) : exit_code::kPass;
+  int Write(const std::function<std::string()>& text, Limits& limits) {
+    return m_file ? m_file->Write(text(), limits) : exit_code::kPass;
   }
 
  private:
-  Make m_make;
   std::optional<ResultFile> m_file;
 };
 
@@ -53,8 +52,14 @@ void CheckWords(const MeasureOptions& options, const Scorers& scorers) {
   if (options.files.empty()) {
     throw UsageError{"measure takes files (audio_bench measure --help)"};
   }
-  if (options.json == "-" && options.csv == "-") {
-    throw UsageError{"only one of --json and --csv can go to standard output"};
+  const int printed =
+      (options.json == "-" ? 1 : 0) + (options.csv == "-" ? 1 : 0) + (options.plot == "-" ? 1 : 0);
+  if (printed > 1) {
+    throw UsageError{"only one of --json, --csv and --plot can go to standard output"};
+  }
+  if (!options.plot.empty() && options.files.size() > 1) {
+    throw UsageError{"--plot draws one file, and there are " +
+                     std::to_string(options.files.size())};
   }
 }
 
@@ -64,8 +69,9 @@ int MeasureFiles(const MeasureOptions& options) {
   const Scorers scorers = WantedScorers(options);
   if (options.list) return PrintResults(MeasureList(scorers));
   CheckWords(options, scorers);
-  Form json(options.json, JsonFigures);
-  Form csv(options.csv, CsvFigures);
+  Form json(options.json);
+  Form csv(options.csv);
+  Form plot(options.plot);
   MeasuredAgainst against = options.against;
   for (MeasuredSource* const each :
        {&against.reference, &against.far, &against.near, &against.input}) {
@@ -85,10 +91,17 @@ int MeasureFiles(const MeasureOptions& options) {
   const int printed = PrintResults(TextFigures(files));
   const HostSignals signals;
   Limits limits(signals, kPatience);
-  for (const int written : {printed, json.Write(files, limits), csv.Write(files, limits)}) {
-    if (written != exit_code::kPass) return written;
+  const int written[] = {printed, json.Write([&] { return JsonFigures(files); }, limits),
+                         csv.Write([&] { return CsvFigures(files); }, limits)};
+  for (const int each : written) {
+    if (each != exit_code::kPass) return each;
   }
-  return exitCode;
+  if (exitCode != exit_code::kPass) return exitCode;  // There is nothing to be drawn.
+  return plot.Write(
+      [&] {
+        return PlotFile({options.files.front(), options.raw}, against, options.measures);
+      },
+      limits);
 }
 
 }  // namespace host

@@ -16,7 +16,8 @@ struct MeasureOptions {
   std::optional<RawForm> raw = {};         // Of samples without a header.
   std::string json = {};                   // Where each form goes: a file, "-", or empty.
   std::string csv = {};
-  bool list = false;  // Explain all measures instead.
+  std::string plot = {};  // The picture of the one file.
+  bool list = false;      // Explain all measures instead.
 };
 
 // Measures, prints and returns the exit code: kInput when a file could not be read. Throws
