@@ -31,6 +31,18 @@ void AlignedTable::Add(std::vector<std::string> row) {
 }
 
 std::string AlignedTable::Text() const {
+  return Lines([](const std::string& cell, size_t /*column*/) { return cell; });
+}
+
+std::string AlignedTable::Text(const Paint& paint, size_t painted) const {
+  return Lines([&](const std::string& cell, size_t column) {
+    const size_t end = std::min(cell.find_first_of(" ,"), cell.size());
+    return column != painted ? cell : paint.Word(cell.substr(0, end)) + cell.substr(end);
+  });
+}
+
+std::string AlignedTable::Lines(
+    const std::function<std::string(const std::string&, size_t)>& painted) const {
   const size_t columns = m_rows.front().size();
   std::vector<size_t> widths(columns);
   std::vector<bool> right(columns, true);
@@ -45,7 +57,9 @@ std::string AlignedTable::Text() const {
     std::string line;
     for (size_t i = 0; i < columns; ++i) {
       const std::string space(widths[i] - Width(row[i]), ' ');
-      line += (i > 0 ? "  " : "") + (right[i] ? space + row[i] : row[i] + space);
+      const bool head = &row == &m_rows.front();
+      const std::string cell = head ? row[i] : painted(row[i], i);
+      line += (i > 0 ? "  " : "") + (right[i] ? space + cell : cell + space);
     }
     line.erase(line.find_last_not_of(' ') + 1);
     text += line + "\n";

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "base/paint.h"
 
 namespace host {
 
@@ -16,7 +20,12 @@ class AlignedTable {
   // All rows, numbers to the right and words to the left of their columns.
   std::string Text() const;
 
+  // The same with the first word of each cell of a column painted.
+  std::string Text(const Paint& paint, size_t column) const;
+
  private:
+  std::string Lines(const std::function<std::string(const std::string&, size_t)>& painted) const;
+
   std::vector<std::vector<std::string>> m_rows;
 };
 

@@ -19,10 +19,11 @@ constexpr std::string_view kYellow = "33";
 constexpr std::string_view kRed = "31";
 constexpr std::string_view kCyan = "36";
 
-constexpr Meaning kMeanings[] = {{"pass", kGreen},    {"warn", kYellow},  {"fail", kRed},
-                                 {"error", kRed},     {"skip", kCyan},    {"known", kCyan},
-                                 {"PASSES", kYellow}, {"not_run", kCyan}, {"available", kGreen},
-                                 {"lacking", kYellow}};
+constexpr Meaning kMeanings[] = {{"pass", kGreen},     {"warn", kYellow},  {"fail", kRed},
+                                 {"error", kRed},      {"skip", kCyan},    {"known", kCyan},
+                                 {"PASSES", kYellow},  {"not_run", kCyan}, {"available", kGreen},
+                                 {"lacking", kYellow}, {"worse", kRed},    {"changed", kRed},
+                                 {"better", kGreen},   {"same", kGreen},   {"undecided", kYellow}};
 
 bool IsSet(const char* name) {
   const char* const value = std::getenv(name);

@@ -7,6 +7,7 @@
 
 #include "base/suggest.h"
 #include "base/usage_error.h"
+#include "cli/color_option.h"
 #include "engines/engine.h"
 #include "results/numbers.h"
 
@@ -102,6 +103,7 @@ void CompareWords::AddCompare(CLI::App& app) {
     compare.add_option(name, *path, "Also write the comparison in this form; - is stdout")
         ->type_name("FILE");
   }
+  AddColor(compare, m_compare.color);
 }
 
 void CompareWords::AddBaseline(CLI::App& app) {

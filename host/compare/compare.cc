@@ -1,5 +1,7 @@
 #include "compare/compare.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -148,7 +150,7 @@ int Compare(const CompareOptions& options) {
   }
   const ResultSet a = ReadSet(sets[0]);
   const Comparison comparison = CompareResults(a, b, options.rules);
-  std::string text = TextComparison(comparison);
+  std::string text = TextComparison(comparison, Paint(options.color, STDOUT_FILENO));
   if (options.recordMissing && CanRecordIn(sets[0])) {
     const size_t added = RecordNew(sets[0], a, b);
     if (added > 0) {

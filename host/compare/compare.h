@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paint.h"
 #include "compare/bench_suites.h"
 #include "compare/compare_results.h"
 
@@ -20,6 +21,7 @@ struct CompareOptions {
 
   CompareRules rules = {};
   bool recordMissing = false;
+  Color color = Color::kAuto;
   std::string json = {};  // Where each form goes: a file, "-" for stdout, or empty.
   std::string csv = {};
   std::string junit = {};

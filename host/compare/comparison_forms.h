@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paint.h"
 #include "compare/comparison.h"
 
 namespace host {
@@ -11,7 +12,7 @@ namespace host {
 
 // For readers, the worst first: tables, and a line with the verdict. One line where nothing has
 // changed.
-std::string TextComparison(const Comparison& comparison);
+std::string TextComparison(const Comparison& comparison, const Paint& paint = {});
 
 // The verdict and what it is made of, in one line: "worse: 1 verdict fell (30 cases, ...)".
 std::string ComparisonSummary(const Comparison& comparison);

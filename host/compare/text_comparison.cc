@@ -74,24 +74,35 @@ std::vector<std::string> MeasureRow(const MeasureComparison& measure) {
           worst};
 }
 
-std::string MeasureTable(const std::vector<MeasureComparison>& measures) {
-  if (measures.empty()) return "";
-  AlignedTable table({"measure", "unit", "better", "A", "B", "B - A", "95 %", "margin", "cases",
-                      "won / lost", "p", "verdict", "worst case"});
-  for (const MeasureComparison& each : measures) table.Add(MeasureRow(each));
-  return "\n" + table.Text();
+// A table whose column "verdict" is painted.
+std::string Painted(AlignedTable& table, const std::vector<std::string>& heads,
+                    const Paint& paint) {
+  const auto verdict = std::find(heads.begin(), heads.end(), "verdict") - heads.begin();
+  return "\n" + table.Text(paint, static_cast<size_t>(verdict));
 }
 
-std::string TimeTable(const std::vector<TimeComparison>& times) {
+std::string MeasureTable(const std::vector<MeasureComparison>& measures, const Paint& paint) {
+  if (measures.empty()) return "";
+  const std::vector<std::string> heads = {"measure", "unit",    "better",    "A",     "B",
+                                          "B - A",   "95 %",    "margin",    "cases", "won / lost",
+                                          "p",       "verdict", "worst case"};
+  AlignedTable table(heads);
+  for (const MeasureComparison& each : measures) table.Add(MeasureRow(each));
+  return Painted(table, heads, paint);
+}
+
+std::string TimeTable(const std::vector<TimeComparison>& times, const Paint& paint) {
   if (times.empty()) return "";
-  AlignedTable table({"time", "unit", "A", "B", "B / A", "half of the cases", "cases", "verdict"});
+  const std::vector<std::string> heads = {"time",  "unit",   "A", "B", "B / A", "half of the cases",
+                                          "cases", "verdict"};
+  AlignedTable table(heads);
   for (const TimeComparison& each : times) {
     const bool known = each.ratio > 0;
     table.Add({each.name, each.unit, Plain(each.a), Plain(each.b), known ? Plain(each.ratio) : "-",
                known ? Plain(each.quartiles[0]) + " .. " + Plain(each.quartiles[1]) : "-",
                std::to_string(each.count), each.verdict ? ChangeName(*each.verdict) : "-"});
   }
-  return "\n" + table.Text();
+  return Painted(table, heads, paint);
 }
 
 // Lines of one kind, of which many are cut short.
@@ -189,11 +200,15 @@ std::string ComparisonSummary(const Comparison& comparison) {
   return text + ")\n";
 }
 
-std::string TextComparison(const Comparison& comparison) {
-  if (NothingChanged(comparison)) return ComparisonSummary(comparison);
+std::string TextComparison(const Comparison& comparison, const Paint& paint) {
+  // Its first word is the verdict.
+  const std::string summary = ComparisonSummary(comparison);
+  const size_t end = std::min(summary.find_first_of(" :"), summary.size());
+  const std::string last = paint.Word(summary.substr(0, end)) + summary.substr(end);
+  if (NothingChanged(comparison)) return last;
   std::string text = OriginLine("A", comparison.a) + OriginLine("B", comparison.b) +
-                     Losses(comparison) + MeasureTable(comparison.measures) +
-                     TimeTable(comparison.times) + News(comparison.added);
+                     Losses(comparison) + MeasureTable(comparison.measures, paint) +
+                     TimeTable(comparison.times, paint) + News(comparison.added);
   const bool single = std::any_of(
       comparison.measures.begin(), comparison.measures.end(),
       [](const MeasureComparison& each) { return IsWorse(each.verdict) && !each.holds; });
@@ -202,7 +217,7 @@ std::string TextComparison(const Comparison& comparison) {
         "\n(by itself): chance makes one of so many measures read worse often enough; it does not "
         "decide\n";
   }
-  return text + "\n" + ComparisonSummary(comparison);
+  return text + "\n" + last;
 }
 
 }  // namespace host

@@ -58,7 +58,7 @@ Call MakeCall(int rate) {
   Call call = {.far = Speak(rate, kSeconds, 11).samples,
                .near = {},
                .talk = {},
-               .delay = 0.089,
+               .delay = kCallDelay,
                .echoGain = -6,
                .doubleTalk = {10, 16},
                .nearTalk = {}};

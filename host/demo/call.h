@@ -7,6 +7,8 @@
 
 namespace host {
 
+inline constexpr double kCallDelay = 0.089;  // Of the echo's first arrival, s.
+
 // A call: what the loudspeaker plays, and what the microphone hears of it and of who sits there.
 struct Call {
   std::vector<double> far;

@@ -2,9 +2,11 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "catalogue/rows.h"
+#include "results/truth.h"
 
 namespace host {
 
@@ -23,6 +25,10 @@ void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace);
 // Where PlaceDemosOf puts what should be left of an input that something is to be taken out of: a
 // WAVE in the same workspace. `place` is that of the input.
 std::string TruthPlace(const std::string& place);
+
+// What a routine should find out of an input of this name: the delay of the call's echo, the tempo
+// of the band. Nothing for others.
+Truths DemoTruthsOf(std::string_view input);
 
 // What is true of the demo's sounds, as JSON: tempo, beats, notes, delay, signal-to-noise ratios,
 // where somebody speaks.

@@ -4,6 +4,7 @@
 #include "demo/band.h"
 #include "demo/call.h"
 #include "demo/demo_all.h"
+#include "demo/demo_cases.h"
 #include "demo/material.h"
 #include "harness/noizeus_cases.h"
 
@@ -52,6 +53,13 @@ Json SentenceTruth() {
 }
 
 }  // namespace
+
+Truths DemoTruthsOf(std::string_view input) {
+  const auto sound = SoundOf(input);
+  if (sound == Sound::kNear) return {{.name = "delay", .unit = "ms", .value = 1000 * kCallDelay}};
+  if (sound == Sound::kBand) return {{.name = "tempo", .unit = "BPM", .value = kBandTempo}};
+  return {};
+}
 
 std::string DemoTruth() {
   const Speech speech = Speak(kRate, kSpeechSeconds, kSpeaker);

@@ -14,7 +14,8 @@ using audio_measures::Inputs;
 using audio_measures::NamedFigure;
 using audio_measures::Signal;
 
-constexpr int kOverlap = 4;
+constexpr size_t kOverlap = 4;
+constexpr size_t kMostFigures = 1000;
 // How far the delay of a stretch may be from that of the whole.
 constexpr double kSearchSeconds = 0.05;
 
@@ -65,12 +66,12 @@ Course CourseOf(const Inputs& inputs, std::string_view name) {
   const audio_measures::Measure& measure = *audio_measures::FindMeasure(name);
   const double seconds = std::max(1.0, measure.leastSeconds);
   const int rate = inputs.output.rate;
+  const auto frames = static_cast<size_t>(seconds * rate);
+  const size_t step = std::max(frames / kOverlap, inputs.output.Frames() / kMostFigures);
   Course course = {.name = std::string(name),
                    .unit = std::string(measure.unit),
-                   .step = seconds / kOverlap,
+                   .step = static_cast<double>(step) / rate,
                    .first = seconds / 2};
-  const auto frames = static_cast<size_t>(seconds * rate);
-  const auto step = static_cast<size_t>(seconds * rate / kOverlap);
   const long ofReference = Delay(inputs, inputs.reference);
   const long ofInput = Delay(inputs, inputs.input);
   const std::array<std::string_view, 1> names = {name};

@@ -20,8 +20,8 @@ struct Course {
 };
 
 // The figures of a measure over stretches of a second, or of the least that it takes, four of which
-// begin in the time of one. What lies beside the output is moved by its delay as a whole first, so
-// that short stretches need not find it.
+// begin in the time of one, of long recordings fewer. What lies beside the output is moved by its
+// delay as a whole first, so that short stretches need not find it.
 Course CourseOf(const audio_measures::Inputs& inputs, std::string_view measure);
 
 }  // namespace host

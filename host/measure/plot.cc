@@ -21,7 +21,7 @@ constexpr double kGap = 26;
 constexpr size_t kMostChannels = 8;
 constexpr int kColumns = 400;
 constexpr int kRows = 100;
-constexpr float kShownDecibels = 90;  // Below the strongest.
+constexpr int kShownDecibels = 90;  // Below the strongest.
 constexpr int kShades = 24;
 constexpr const char* kInk = "#1f4e79";
 constexpr const char* kFaint = "#d9d9d9";
@@ -79,8 +79,8 @@ class Picture {
     for (size_t i = 0; i < shown; ++i) Wave(i, shown == 1 ? 120 : shown == 2 ? 80 : 44);
     if (m_seconds > 0) Spectrum(220);
     for (const Course& course : m_plot.courses) Draw(course, 120);
-    m_drawing.Text({kLeft + kPanelWidth / 2, m_top + 12}, Anchor::kMiddle, "s");
-    return m_drawing.Svg(m_top + 24);
+    m_drawing.Text({kLeft + kPanelWidth / 2, m_top - 8}, Anchor::kMiddle, "s");
+    return m_drawing.Svg(m_top + 4);
   }
 
  private:
@@ -168,7 +168,7 @@ class Picture {
   }
 
   static int ShadeOf(float level) {
-    const float share = 1 + level / kShownDecibels;
+    const float share = 1 + level / static_cast<float>(kShownDecibels);
     return std::clamp(static_cast<int>(share * kShades), 0, kShades - 1);
   }
 

@@ -44,14 +44,14 @@ Spectrogram SpectrogramOf(const audio_measures::Signal& signal, int columns, int
   const size_t frames = signal.Frames();
   const auto least = static_cast<size_t>(kLeastBlockSeconds * signal.rate);
   RowsOfBlock block(std::bit_ceil(std::max<size_t>(least, 16)));
-  const size_t blocks = 2 * frames / block.size();
+  const size_t step = block.size() / 2;
+  const size_t blocks = frames < block.size() ? 0 : (frames - block.size()) / step + 1;
   columns = static_cast<int>(std::clamp<size_t>(blocks, 1, static_cast<size_t>(columns)));
   Spectrogram picture = {.columns = columns, .rows = rows};
   picture.levels.assign(static_cast<size_t>(columns) * static_cast<size_t>(rows), 0);
-  for (size_t begin = 0; begin + block.size() <= frames; begin += block.size() / 2) {
-    const size_t middle = begin + block.size() / 2;
-    const size_t column = middle * static_cast<size_t>(columns) / frames;
-    block.AddTo(signal, begin,
+  for (size_t i = 0; i < blocks; ++i) {
+    const size_t column = i * static_cast<size_t>(columns) / blocks;
+    block.AddTo(signal, i * step,
                 std::span(picture.levels)
                     .subspan(column * static_cast<size_t>(rows), static_cast<size_t>(rows)));
   }

@@ -105,6 +105,7 @@ Json ResultsJson(const std::vector<Result>& results) {
                     {"better", BetterName(result.better)},
                     {"file", TextOrNull(result.file)},
                     {"reason", TextOrNull(result.reason)}});
+    if (result.truth) json.back()["truth"] = *result.truth;
   }
   return json;
 }

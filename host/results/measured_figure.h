@@ -16,6 +16,7 @@ struct MeasuredFigure {
   std::string reason = {};           // Why there is no value; empty where there is one.
   int version = 0;                   // Of the measure; 0 for an external one.
   bool untrusted = true;             // The measure has not passed its self-test.
+  std::optional<double> truth = {};  // What it should be, where that is known.
 };
 
 }  // namespace host

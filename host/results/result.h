@@ -17,6 +17,7 @@ struct Result {
   Better better = Better::kNone;
   std::string file = {};    // The output in which it stands, as the routine opens it; or empty.
   std::string reason = {};  // Why there is no value, or what is missing in it; empty for none.
+  std::optional<double> truth = {};  // What it should be, where that is known.
 };
 
 // The name of the length of an audio output.

@@ -8,6 +8,7 @@
 #include "base/paint.h"
 #include "measure/scorer.h"
 #include "recording/stage.h"
+#include "results/truth.h"
 
 namespace host {
 
@@ -43,6 +44,7 @@ struct Case {
   NamedSources reference = {};
   NamedSources far = {};
   NamedSources near = {};
+  Truths truths = {};          // What figures and results should be.
   bool demo = false;           // On recordings of the demo, with what is true of them beside them.
   Color color = Color::kAuto;  // Of the verdict.
   bool temporary = false;      // `work` is a folder that the run makes, and removes if it may.

@@ -17,6 +17,7 @@
 #include "run/guard_outputs.h"
 #include "run/guard_run.h"
 #include "run/measure_outputs.h"
+#include "run/name_truths.h"
 #include "run/stopped.h"
 
 namespace host {
@@ -129,6 +130,7 @@ RunReport Examine(const Plan& plan, Executed executed, Limits& limits) {
     MeasureOutputs(plan, limits, report);
   }
   report.results = CollectResults(plan, std::move(executed.heard), report, limits);
+  NameTruths(plan, report);
   report.lookEnded = examiner.lookEnded();
   return report;
 }

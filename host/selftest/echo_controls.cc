@@ -60,23 +60,25 @@ Control Converging(const std::string& name, const std::vector<Passage>& passages
 }
 
 Control WithNear() {
-  return {"an echo 26 dB down, with speech at the microphone for a while",
+  return {"an echo 26 dB down, with speech at the microphone most of the time",
           "While the near end talks, 0.2 s after it and 60 ms before it nothing counts, nor while "
-          "the far end is silent: what is left is a gain of 0.05.",
+          "the far end is silent: what is left is a gain of 0.05 in the first second. Of either of "
+          "the others there is more than of that, so that it would be the median.",
           [] {
-            Samples far = Talk(0.1, 4, 82);
+            Samples far = Talk(0.1, 6, 82);
             std::fill(far.begin() + 3 * kRate, far.end(), 0.0F);
             Samples near(far.size());
-            const Samples said = Talk(0.1, 1, 83);
+            const Samples said = Talk(0.1, 1.9, 83);
             std::copy(said.begin(), said.end(), near.begin() + kRate + kEchoLater);
             const Samples echo = Later(Scaled(far, 0.5), kEchoLater);
             Samples input = Sum(echo, near);
             Samples output = Sum(Scaled(echo, 0.05), near);
             // What talks on in the room when the far end is silent is no echo.
-            const Samples room = Talk(0.01, 0.9, 84);
+            const Samples room = Talk(0.01, 2.6, 84);
+            const size_t start = Frames(kRate, 3.3);
             for (size_t i = 0; i < room.size(); ++i) {
-              input[3 * kRate + 2 * kEchoLater + i] += room[i];
-              output[3 * kRate + 2 * kEchoLater + i] += room[i];
+              input[start + i] += room[i];
+              output[start + i] += room[i];
             }
             return Scene{.output = {kRate, {output}},
                          .far = {kRate, {far}},
@@ -123,6 +125,12 @@ std::vector<Control> EchoControls() {
           Converging("an echo 10 dB down for 2.6 s, then 30 dB",
                      {{2.6, std::pow(10, -0.5)}, {3, std::pow(10, -1.5)}}, {"erle", 10, 0.01},
                      {"convergence", 2.6, 0.001}),
+          Converging("an echo 10 dB down for 1 s, but 60 dB for 0.1 s of it, then 30 dB",
+                     {{0.5, std::pow(10, -0.5)},
+                      {0.1, 1e-3},
+                      {0.4, std::pow(10, -0.5)},
+                      {3, std::pow(10, -1.5)}},
+                     {"erle", 30, 0.01}, {"convergence", 1, 0.001}),
           Converging("an echo 19.9 dB down throughout", {{4, std::pow(10, -0.995)}},
                      {"erle", third - 0.1, 0.01},
                      {"convergence", 0, 0, "the echo is never 20 dB down"}),

@@ -74,11 +74,14 @@ std::string CaseFingerprint(const SuitePlace& suite, size_t at) {
     scorers.push_back({each.name, each.folder, each.command, each.pattern, each.unit, each.better,
                        each.rates, each.seconds});
   }
+  Json truths = Json::array();
+  for (const Truth& each : one.truths) truths.push_back({each.name, each.unit, each.value});
   const Json all = {suite.origin,
                     one.routine,
                     one.arguments,
                     one.measures,
                     scorers,
+                    truths,
                     inputs,
                     one.sameAs,
                     one.engineOnly,

@@ -1,14 +1,17 @@
 #include "suite/input_names.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "audio_measures/measure.h"
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "files/workspace.h"
+#include "results/result.h"
 #include "run/source_of_output.h"
 
 namespace host {
@@ -37,6 +40,36 @@ void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
   }
 }
 
+// Throws UsageError when no figure of that name and unit comes out of the routine. The names in its
+// tables are known only when they are there.
+void CheckTruths(const SuiteCase& one, const CatalogueRow& row,
+                 std::span<const std::string_view> words) {
+  if (row.tables != nullptr && !row.tables(harness::Outputs(row, words)).empty()) return;
+  for (const Truth& truth : one.truths) {
+    std::string units;
+    bool known = false;
+    const auto consider = [&](std::string_view name, std::string_view unit) {
+      if (name != truth.name) return;
+      known = known || unit == truth.unit;
+      units += (units.empty() ? "" : " or ") + (unit.empty() ? "a bare number" : std::string(unit));
+    };
+    for (const audio_measures::Measure& each : audio_measures::AllMeasures()) {
+      consider(each.name, each.unit);
+    }
+    for (const Scorer& each : one.scorers) consider(each.name, each.unit);
+    for (const harness::ResultLine& each : row.results) consider(each.name, each.unit);
+    consider(kLength, "s");
+    consider("speech_share", "%");
+    if (known) continue;
+    std::string text = "truth: " + one.routine + " has no figure \"" + truth.name + "\"";
+    if (!units.empty()) {
+      const std::string unit = truth.unit.empty() ? "without a unit" : "in " + truth.unit;
+      text += " " + unit + "; " + truth.name + " is in " + units;
+    }
+    throw UsageError{text};
+  }
+}
+
 }  // namespace
 
 void CheckFileNames(const SuiteCase& one) {
@@ -50,6 +83,7 @@ void CheckFileNames(const SuiteCase& one) {
   CheckNames(one, outputs, one.reference, "reference", "writes");
   CheckNames(one, outputs, one.far, "far", "writes");
   CheckNames(one, outputs, one.near, "near", "writes");
+  CheckTruths(one, row, words);
 }
 
 }  // namespace host

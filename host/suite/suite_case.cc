@@ -16,6 +16,7 @@ Case RunOf(const SuiteCase& one, const std::string& workspace, const std::string
               .reference = one.reference,
               .far = one.far,
               .near = one.near,
+              .truths = one.truths,
               .demo = one.demo};
   for (const auto& [name, source] : one.inputs) {
     run.in.push_back(name);

@@ -23,6 +23,7 @@ struct SuiteCase {
   NamedSources reference = {};
   NamedSources far = {};
   NamedSources near = {};
+  Truths truths = {};  // What figures and results should be.
   std::vector<std::string> tags = {};
   std::string known = {};               // Why it is known to fail; empty when it is not.
   std::string cluster = {};             // Those that share what they were made of; empty for none.

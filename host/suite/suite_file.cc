@@ -23,12 +23,12 @@ namespace fs = std::filesystem;
 constexpr std::string_view kSections[] = {"defaults", "margins", "measure", "case"};
 // What a case says, and what `defaults` may say for all of them.
 constexpr std::string_view kCaseKeys[] = {
-    "id",     "routine",    "arguments", "in",        "each",     "tags",
-    "known",  "after",      "cluster",   "timeout_s", "linger_s", "strict",
-    "repeat", "same_bytes", "measures",  "reference", "far",      "near"};
+    "id",       "routine",   "arguments", "in",       "each",   "tags",   "known",
+    "after",    "cluster",   "timeout_s", "linger_s", "strict", "repeat", "same_bytes",
+    "measures", "reference", "far",       "near",     "truth"};
 constexpr std::string_view kDefaultKeys[] = {
-    "routine", "arguments", "in",         "tags",     "cluster",   "timeout_s", "linger_s",
-    "strict",  "repeat",    "same_bytes", "measures", "reference", "far",       "near"};
+    "routine", "arguments",  "in",       "tags",      "cluster", "timeout_s", "linger_s", "strict",
+    "repeat",  "same_bytes", "measures", "reference", "far",     "near",      "truth"};
 
 // A table, and another one that speaks where it is silent.
 struct CaseTables {
@@ -113,6 +113,12 @@ Scorers NamedOnes(const Scorers& scorers, const std::vector<std::string>& names)
   return named;
 }
 
+Truth TruthOf(const std::string& name, const PlacedText& text) {
+  if (auto truth = ParseTruth(name, text.text)) return *truth;
+  throw UsageError{text.at + "the truth of " + name +
+                   " must be a number and its unit, \"60 ms\", not \"" + text.text + "\""};
+}
+
 using TextsWithNames = std::vector<std::pair<PlacedText, PlacedText>>;
 
 // The cases of one table [[case]].
@@ -131,6 +137,7 @@ class Expansion {
         m_reference(tables.TextsByName("reference")),
         m_far(tables.TextsByName("far")),
         m_near(tables.TextsByName("near")),
+        m_truths(tables.TextsByName("truth")),
         m_arguments(tables.Texts("arguments")),
         m_tags(tables.Texts("tags")),
         m_after(tables.own.Texts("after")),
@@ -185,6 +192,9 @@ class Expansion {
     one.reference = fillFiles(m_reference);
     one.far = fillFiles(m_far);
     one.near = fillFiles(m_near);
+    for (const auto& [name, text] : m_truths.value_or(TextsWithNames{})) {
+      one.truths.push_back(TruthOf(FillIn(name, values), {FillIn(text, values), text.at}));
+    }
     one.tags = fillAll(m_tags);
     one.known = fill(m_known);
     one.cluster = fill(m_cluster);
@@ -208,6 +218,7 @@ class Expansion {
   std::optional<TextsWithNames> m_reference;
   std::optional<TextsWithNames> m_far;
   std::optional<TextsWithNames> m_near;
+  std::optional<TextsWithNames> m_truths;
   std::optional<std::vector<PlacedText>> m_arguments;
   std::optional<std::vector<PlacedText>> m_tags;
   std::optional<std::vector<PlacedText>> m_after;

@@ -12,12 +12,31 @@ import time
 BUILT_ON = {"platform": ["devices", "mixing"], "devices": ["live", "mixing"], "live": ["mixing"],
             "dsp": ["effects", "enhancement", "aec", "mixing"], "common": ["codec", "files", "mixing"],
             "enhancement": ["aec"], "wave": ["common"],
-            "base": ["report", "run", "cli"], "files": ["live", "mixing", "run", "report"], "process": ["run", "cli"],
+            "base": ["report", "run", "cli"], "files": ["live", "mixing", "run", "report"],
+            "process": ["run", "cli", "measure"],
+            "guards": ["run"], "recording": ["run", "measure"], "results": ["run", "suite", "measure"],
+            "suite": ["measure", "cli"], "tables": ["suite", "measure"], "measure": ["run"], "statistics": ["compare"],
+            "compare": ["controls", "cli"], "controls": [], "engines": ["engine"], "replay": [], "selftest": ["measure"],
             "report": ["run", "cli"], "catalogue": ["cli", "run"], "cli": ["run"], "run": ["cli", "process"],
             "harness": [], "engine": ["cli", "run"], "demo": ["cli"], "host": ["cli", "run"]}
 STATIONS = {"audio_engine/core": "contract", "audio_engine/desktop": "desktop", "audio_engine/wave": "desktop",
             "host": "host"}
+# Sources that are tested in folders of other names.
+ELSEWHERE = {"measures": ["tests/measures", "tests/host/selftest", "tests/host/measure"]}
 LEAST_SECONDS = 60  # That a test program may take; a busy machine is no killed mutant.
+
+
+def test_folders(source):
+    """Where the tests of a source are: those of its group, then of what builds on it."""
+    parts = pathlib.PurePath(source).parts
+    if parts[0] in ELSEWHERE:
+        return ELSEWHERE[parts[0]]
+    station = next((s for prefix, s in STATIONS.items() if source.startswith(prefix)), None)
+    group = next((g for g in reversed(parts[:-1]) if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing")), None)
+    if station is None or group is None:
+        raise SystemExit(f"mutate: it is not known where the tests of {source} are (scripts/mutation/copy_tree.py)")
+    everywhere = ["routines"] if station == "contract" else []
+    return [f"tests/{station}/{wanted}" for wanted in [group, *BUILT_ON.get(group, []), *everywhere]]
 
 
 class CopyTree:
@@ -72,13 +91,8 @@ class CopyTree:
         The test of the same name as the source stands first, because it is the likeliest to notice,
         and tests in real time stand last, because they take longest.
         """
-        station = next(s for prefix, s in STATIONS.items() if source.startswith(prefix))
-        group = next(g for g in reversed(pathlib.PurePath(source).parts[:-1])
-                     if g in BUILT_ON or g in ("aec", "codec", "effects", "mixing"))
         names = []
-        everywhere = ["routines"] if station == "contract" else []
-        for wanted in [group, *BUILT_ON.get(group, []), *everywhere]:
-            folder = f"tests/{station}/{wanted}"
+        for folder in test_folders(source):
             for name in self.programs:
                 if name not in names and any(f == folder or f.startswith(folder + "/") for f in self._tests_of(name)):
                     names.append(name)

@@ -99,6 +99,22 @@ TEST(OverallVerdict, IsCorrectedForTheNumberOfMeasures) {
   EXPECT_THAT(ComparisonSummary(sure), testing::StartsWith("worse: m0 ("));
 }
 
+TEST(ComparisonText, HasTheColorsOfItsVerdictsInTheirColumns) {
+  const Comparison comparison = CompareResults(SetOf(Many(1, 0, 0)), SetOf(Many(2, 1, -3)), {});
+  const std::string plain = TextComparison(comparison);
+  std::string colored = TextComparison(comparison, Paint(Color::kAlways, 1));
+  EXPECT_THAT(colored, HasSubstr("  \033[31mworse\033[0m  "));
+  EXPECT_THAT(colored, HasSubstr("\n\033[31mworse\033[0m: m0 ("));
+  EXPECT_THAT(colored, HasSubstr("  \033[33mundecided\033[0m, "));
+  for (const std::string code : {"\033[31m", "\033[33m", "\033[32m", "\033[0m"}) {
+    for (size_t at = 0; (at = colored.find(code)) != std::string::npos;) {
+      colored.erase(at, code.size());
+    }
+  }
+  EXPECT_EQ(colored, plain);
+  EXPECT_EQ(TextComparison(comparison, Paint(Color::kNever, 1)), plain);
+}
+
 TEST(OverallVerdict, TheWorstMeasureComesFirst) {
   const auto set = [](double a, double b, double c, double d) {
     Json results = ResultsJson({});

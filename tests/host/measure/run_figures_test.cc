@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "bench_process.h"
@@ -132,6 +133,66 @@ TEST_F(RunFiguresTest, OnDemoRecordingsTheTruthIsKnown) {
   const json echo = CaseFigures({"TestZUAec"}, "echo");
   EXPECT_GT(One(echo, "erle")["value"].get<double>(), 10);
   EXPECT_GT(One(echo, "near_sdr")["value"].get<double>(), 3);
+}
+
+// What stands beside the result of that name.
+json TruthOf(const json& results, const std::string& name) {
+  for (const json& each : results["cases"][0]["results"]) {
+    if (each["name"] == name) return each.value("truth", json());
+  }
+  ADD_FAILURE() << "no result " << name << " in " << results;
+  return {};
+}
+
+TEST_F(RunFiguresTest, OnDemoRecordingsResultsStandBesideTheTruth) {
+  EXPECT_EQ(Bench({"suite", "TestEchoDelayEst", "--out", "delay"}).exitCode, 0);
+  const json delay = ParseResults(ReadFile("delay/results.json"));
+  EXPECT_EQ(TruthOf(delay, "delay"), 89);
+  EXPECT_EQ(TruthOf(delay, "frames"), nullptr);
+  EXPECT_EQ(Bench({"suite", "TestBeatTrack", "--out", "beats"}).exitCode, 0);
+  EXPECT_EQ(TruthOf(ParseResults(ReadFile("beats/results.json")), "tempo"), 120);
+}
+
+TEST_F(RunFiguresTest, ASuiteNamesTruthsFromWhichCompareTakesTheDistance) {
+  const auto suite = [](const std::string& truth) {
+    WriteWav("a.wav", Babble(16000, 3));
+    WriteFile("s.toml",
+              "[[case]]\nid = \"{s}\"\nroutine = \"TestHPFProcess\"\neach.s = [\"3\"]\n"
+              "arguments = [\"in.wav\", \"out.wav\"]\nin = { \"in.wav\" = \"a.wav\" }\n"
+              "measures = [\"length_factor\", \"rms\"]\ntruth = { " +
+                  truth + " }\n");
+  };
+  suite(R"(length = "{s} s", rms = "-20.5 dBFS")");
+  const json figures = CaseFigures({"s.toml"});
+  EXPECT_EQ(One(figures, "rms")["truth"], -20.5);
+  EXPECT_FALSE(One(figures, "length_factor").contains("truth"));
+  EXPECT_EQ(TruthOf(ParseResults(ReadFile("results/results.json")), "length"), 3);
+  const Finished compared = Bench({"compare", "results", "results", "--json", "c.json"});
+  EXPECT_EQ(compared.exitCode, 0) << compared.err;
+  const json comparison = json::parse(ReadFile("c.json"));
+  for (const json& each : comparison["measures"]) {
+    const bool told = each["name"] == "rms" || each["name"] == "length";
+    EXPECT_EQ(each["to_truth"], told) << each;
+    if (each["name"] == "rms") {
+      EXPECT_NEAR(each["a"].get<double>(),
+                  std::abs(One(figures, "rms")["value"].get<double>() + 20.5), 1e-9);
+    }
+  }
+
+  // Another truth is another case.
+  suite(R"(rms = "-20 dBFS")");
+  EXPECT_EQ(One(CaseFigures({"s.toml", "--resume"}), "rms")["truth"], -20);
+  const auto fault = [&](const std::string& truth) {
+    suite(truth);
+    const Finished finished = Bench({"suite", "s.toml", "--out", "fault"});
+    EXPECT_EQ(finished.exitCode, 2) << finished.out;
+    return finished.err;
+  };
+  EXPECT_THAT(fault(R"(rms = "loud")"),
+              HasSubstr("the truth of rms must be a number and its unit, \"60 ms\", not \"loud\""));
+  EXPECT_THAT(fault(R"(rms = "-20 dB")"),
+              HasSubstr("TestHPFProcess has no figure \"rms\" in dB; rms is in dBFS"));
+  EXPECT_THAT(fault(R"(dely = "60 ms")"), HasSubstr("TestHPFProcess has no figure \"dely\""));
 }
 
 }  // namespace
