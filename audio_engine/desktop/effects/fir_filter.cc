@@ -13,9 +13,9 @@
 
 namespace {
 
-// Longer calls are filtered in blocks of at most so many frames, so that they need no larger
-// memory.
-constexpr size_t kMaxBlockFrames = 2048;
+// Longer calls are filtered in blocks of at most so many frames, so that they need no larger memory
+// and stay in the nearest cache.
+constexpr size_t kMaxBlockFrames = 512;
 
 // A step of the fast algorithm pays while the parts of the response keep so many coefficients:
 // whole groups of the kernel.
@@ -27,6 +27,8 @@ size_t FastLevels(size_t taps) {
   while (levels < kMaxLevels && taps >> (levels + 1) >= kMinPartTaps) ++levels;
   return levels;
 }
+
+static_assert(desktop::kPairSlack >= desktop::kConvolveOverread);
 
 // The newest part of the response, as many coefficients as the fast algorithm can take, goes
 // through that; the oldest ones that are left over are added in direct form, and a short response
@@ -71,14 +73,14 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
     std::copy_n(coefficients, count, newCoefficients.data());
     const size_t levels = FastLevels(count);
     const size_t fastTaps = levels > 0 ? count >> levels << levels : 0;
-    std::unique_ptr<desktop::FirStage> newFast;
+    std::unique_ptr<desktop::FastFir> newFast;
     if (levels > 0) newFast = desktop::MakeFastFir(coefficients, fastTaps, levels, kMaxBlockFrames);
 
     const size_t oldHistory = HistorySamples(m_coefficients.size());
     const size_t newHistory = HistorySamples(count);
     std::vector<float> newDirect(kMaxBlockFrames);
     if (m_samples.empty() || newHistory != oldHistory) {
-      std::vector<float> newSamples(newHistory + kMaxBlockFrames + desktop::kConvolveOverread);
+      std::vector<float> newSamples(newHistory + 2 * kMaxBlockFrames + desktop::kPairSlack);
       const size_t kept = std::min(oldHistory, newHistory);
       const float* end = m_samples.data() + m_end;
       std::copy(end - kept, end, newSamples.data() + newHistory - kept);
@@ -98,8 +100,7 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
     size_t left = HistorySamples(m_coefficients.size());
     while (left > 0) {
       const size_t samples = std::min(left, kMaxBlockFrames);
-      std::copy_n(&m_samples[m_end - left], samples, m_fast->Place(samples));
-      m_fast->Filter(samples, m_direct.data());
+      m_fast->Filter(&m_samples[m_end - left], samples, m_direct.data());
       left -= samples;
     }
   }
@@ -108,7 +109,7 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
   const float* Append(const float* in, size_t samples) {
     const size_t history = HistorySamples(m_coefficients.size());
     float* start = m_samples.data();
-    if (m_end + samples + desktop::kConvolveOverread > m_samples.size()) {
+    if (m_end + samples + desktop::kPairSlack > m_samples.size()) {
       std::copy_n(start + m_end - history, history, start);
       m_end = history;
     }
@@ -125,8 +126,7 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
       desktop::Convolve(block, samples, directTaps, count, out);
       return;
     }
-    std::copy_n(block, samples, m_fast->Place(samples));
-    m_fast->Filter(samples, out);
+    m_fast->Filter(block, samples, out);
     if (count == 0) return;
     desktop::Convolve(block - m_fastTaps, samples, directTaps, count, m_direct.data());
     for (size_t i = 0; i < samples; ++i) out[i] += m_direct[i];
@@ -134,8 +134,8 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
 
   std::vector<float> m_coefficients;
   std::vector<float> m_samples;
-  size_t m_end = 0;                           // Where the next samples go, right after the history.
-  std::unique_ptr<desktop::FirStage> m_fast;  // None for a short response.
+  size_t m_end = 0;                          // Where the next samples go, right after the history.
+  std::unique_ptr<desktop::FastFir> m_fast;  // None for a short response.
   size_t m_fastTaps = 0;
   std::vector<float> m_direct;  // Outputs of the coefficients that are left over.
 };

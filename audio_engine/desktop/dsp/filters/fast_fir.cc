@@ -22,10 +22,22 @@ namespace {
 
 using Floats = std::vector<float>;
 
+// One of the convolutions of a step.
+class Stage {
+ public:
+  virtual ~Stage() = default;
+
+  // Where the next `samples` samples go. kPairSlack floats after them may be overwritten as well.
+  virtual float* Place(size_t samples) = 0;
+
+  // Filters the samples that were put there into as many outputs. kPairSlack floats after the
+  // outputs may be overwritten.
+  virtual void FilterPlaced(size_t samples, float* out) = 0;
+};
+
 // A convolution as it is defined. Keeps the samples in one array that the input is appended to;
-// when it is full, the history moves to its start. The kernel computes whole vectors: up to
-// kPairSlack floats after the outputs are overwritten.
-class DirectStage final : public FirStage {
+// when it is full, the history moves to its start.
+class DirectStage final : public Stage {
  public:
   DirectStage(const float* coefficients, size_t count, size_t maxSamples)
       : m_coefficients(coefficients, coefficients + count),
@@ -42,7 +54,8 @@ class DirectStage final : public FirStage {
     return start + m_end;
   }
 
-  void Filter(size_t samples, float* out) override {
+  // Whole vectors are faster than a part of one.
+  void FilterPlaced(size_t samples, float* out) override {
     const size_t whole = (samples + kWhole - 1) / kWhole * kWhole;
     Convolve(&m_samples[m_end], whole, m_coefficients.data(), m_coefficients.size(), out);
     m_end += samples;
@@ -60,18 +73,19 @@ class DirectStage final : public FirStage {
 
 // One step of two. A call may end between the two samples of a pair: the first one is filtered and
 // heard at once, and waits for the second with its output of the even branch.
-class SplitStage final : public FirStage {
+class SplitStage final : public FastFir, public Stage {
  public:
   SplitStage(const float* coefficients, size_t count, size_t levels, size_t maxSamples)
       : SplitStage(Coefficients(coefficients, count), levels - 1, maxSamples, maxSamples / 2 + 1) {}
 
   float* Place(size_t /*samples*/) override { return m_in.data(); }
 
-  void Filter(size_t samples, float* out) override {
+  void FilterPlaced(size_t samples, float* out) override { Filter(m_in.data(), samples, out); }
+
+  void Filter(const float* in, size_t samples, float* out) override {
     if (samples == 0) return;
-    const float* in = m_in.data();
-    // Of the even branch at[0] is the output of the sample that waits, if there is one; of the odd
-    // branch it is the output of the pair before.
+    // The first output in the array is the one of the sample that waits, in the even branch, and
+    // the one of the pair before, in the odd branch.
     const size_t first = m_waits ? 1 : 0;
     const size_t pairs = (samples - first) / 2;
     const size_t rest = (samples - first) % 2;
@@ -89,9 +103,9 @@ class SplitStage final : public FirStage {
     float* even = m_even.out.data();
     float* odd = m_odd.out.data();
     float* difference = m_difference.out.data();
-    m_even.stage->Filter(pairs + rest, even + first);
-    m_odd.stage->Filter(first + pairs, odd + 1);
-    m_difference.stage->Filter(first + pairs, difference);
+    m_even.stage->FilterPlaced(pairs + rest, even + first);
+    m_odd.stage->FilterPlaced(first + pairs, odd + 1);
+    m_difference.stage->FilterPlaced(first + pairs, difference);
 
     if (first == 1) *out++ = (even[0] + odd[1]) + difference[0];
     JoinPairs(even + first, odd + first, difference + first, pairs, out);
@@ -108,13 +122,13 @@ class SplitStage final : public FirStage {
         : out(1 + maxSamples + kPairSlack) {
       const size_t count = coefficients.size();
       if (levels > 0) {
-        stage = MakeFastFir(coefficients.data(), count, levels, maxSamples);
+        stage = std::make_unique<SplitStage>(coefficients.data(), count, levels, maxSamples);
       } else {
         stage = std::make_unique<DirectStage>(coefficients.data(), count, maxSamples);
       }
     }
 
-    std::unique_ptr<FirStage> stage;
+    std::unique_ptr<Stage> stage;
     Floats out;
   };
 
@@ -149,8 +163,8 @@ class SplitStage final : public FirStage {
 
 }  // namespace
 
-std::unique_ptr<FirStage> MakeFastFir(const float* coefficients, size_t count, size_t levels,
-                                      size_t maxSamples) {
+std::unique_ptr<FastFir> MakeFastFir(const float* coefficients, size_t count, size_t levels,
+                                     size_t maxSamples) {
   return std::make_unique<SplitStage>(coefficients, count, levels, maxSamples);
 }
 
