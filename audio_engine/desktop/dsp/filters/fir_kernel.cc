@@ -48,6 +48,13 @@ HWY_INLINE void Unroll(std::index_sequence<kIndex...>, Function function) {
   (function(std::integral_constant<size_t, kIndex>()), ...);
 }
 
+// Keeps the compiler from loading the vector anew for every use: most loads cross a cache line.
+HWY_INLINE void KeepInRegister([[maybe_unused]] Vector& vector) {
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+  __asm__("" : "+v"(vector.raw));
+#endif
+}
+
 // Adds kSharedTaps taps, the oldest first, to kRows vectors of sums. in: the sample that the first
 // output takes with the first coefficient.
 template <size_t kRows>
@@ -59,7 +66,8 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
   // One vector of samples serves a diagonal of the tile, row - tap = constant. Along the diagonals
   // every row takes its taps in the same order.
   Unroll(std::make_index_sequence<kRows + kSharedTaps - 1>(), [&](auto diagonal) HWY_ATTR {
-    const Vector samples = hn::LoadU(d, in - kLanes * (kSharedTaps - 1) + kLanes * diagonal);
+    Vector samples = hn::LoadU(d, in - kLanes * (kSharedTaps - 1) + kLanes * diagonal);
+    KeepInRegister(samples);
     Unroll(std::make_index_sequence<kSharedTaps>(), [&](auto tap) HWY_ATTR {
       // Above the tile the diagonal wraps round.
       constexpr size_t kRow = diagonal + tap - (kSharedTaps - 1);
@@ -72,6 +80,7 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
 template <size_t kRows>
 void ConvolveTile(const float* in, const float* coefficients, size_t count, float* out) {
   const Tag d;
+  // A low tile has too few sums to keep the multipliers busy: it makes two partial sums at a time.
   constexpr size_t kChains = 2 * kRows <= kMaxRows && 2 * kStepsPerSum <= kLanes ? 2 : 1;
   Vector totals[kRows];
   Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR { totals[row] = hn::Zero(d); });
