@@ -1,7 +1,9 @@
 #!/bin/bash
 # The head-related rendering as a whole process beside public convolution programs on the same work:
 # 16-bit stereo in, the left channel through the left ear's 512 taps and the right one through the
-# right ear's, float stereo out. All run in turn; the figures are medians.
+# right ear's, float stereo out. All run in turn; the figures are medians. "TestHRTF" is the
+# routine's own process, as audio_bench reports it: the work that the peers do too. "audio_bench" is
+# everything, the guards and measures over the finished output included.
 #
 # usage: peers.sh BUILD [SECONDS [RUNS]]
 # BUILD: a build with AUDIO_TESTER_BENCHMARKS. Peers, where installed: ffmpeg, sox, fconvolver
@@ -19,6 +21,21 @@ cd "$work"
 
 run_audio_bench() {
   "$build/host/audio_bench" run TestHRTF --work .
+}
+
+# What the report of audio_bench says of the routine, as the times of the other programs are kept.
+routine_times() {
+  awk '$2 == "TestHRTF" { line = $0 }
+       function seconds(pattern) {
+         match(line, pattern " [0-9.]+ m?s")
+         split(substr(line, RSTART + length(pattern) + 1, RLENGTH), part, " ")
+         return part[2] == "ms" ? part[1] / 1000 : part[1]
+       }
+       function kib() {
+         match(line, /memory [0-9.]+ MB/)
+         return substr(line, RSTART + 7) * 1000000 / 1024
+       }
+       END { print seconds("CPU"), 0, seconds("TestHRTF "), kib() }' audio_bench.log
 }
 
 # The filter doubles what it is given.
@@ -68,6 +85,7 @@ for ((run = 1; run <= runs; ++run)); do
   for program in "${programs[@]}"; do
     /usr/bin/time -f '%U %S %e %M' -a -o "$program.times" \
       bash -c "run_$program" > "$program.log" 2>&1 || { cat "$program.log"; exit 1; }
+    if [ "$program" = audio_bench ]; then routine_times >> TestHRTF.times; fi
   done
 done
 
@@ -90,7 +108,7 @@ done
 
 printf '%s s of 44.1 kHz stereo through 2 x 512 taps, medians of %s runs\n' "$seconds" "$runs"
 printf '%-12s %8s %8s %11s  %s\n' program 'CPU s' 'wall s' 'memory MiB' 'CPU of the fastest peer'
-for program in "${programs[@]}"; do
+for program in TestHRTF "${programs[@]}"; do
   cpu=$(median "$program.times" '$1 + $2')
   ratio=-
   if [ -n "$fastest" ]; then ratio=$(awk "BEGIN { printf \"%.2f\", $cpu / $fastest }"); fi
