@@ -98,6 +98,14 @@ uint64_t EndOfChunks(FILE* file, uint64_t at, uint64_t fileBytes) {
   return at;
 }
 
+std::string Bytes(uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+std::string ThereAre(uint64_t count) {
+  return (count == 1 ? "there is " : "there are ") + std::to_string(count);
+}
+
 }  // namespace
 
 bool Audio::IsPcm16() const { return Packed(*this, Coding::kPcm, 16); }
@@ -140,13 +148,11 @@ std::string LengthFault(FILE* file, const Audio& audio, uint64_t fileBytes) {
   const uint64_t there = fileBytes - std::min(fileBytes, audio.offset);
   if (samples > there ||
       Padded(EndOfChunks(file, audio.offset + Padded(samples), fileBytes)) != Padded(fileBytes)) {
-    return "its header announces " + std::to_string(samples) + " bytes of samples, there are " +
-           std::to_string(there);
+    return "its header announces " + Bytes(samples) + " of samples, " + ThereAre(there);
   }
   const uint64_t whole = uint64_t{NumberAt(file, 4)} + 8;
   if (Padded(whole) == Padded(fileBytes)) return "";
-  return "its header announces " + std::to_string(whole) + " bytes in all, there are " +
-         std::to_string(fileBytes);
+  return "its header announces " + Bytes(whole) + " in all, " + ThereAre(fileBytes);
 }
 
 std::array<unsigned char, kHeaderBytes> Header(int rate, int channels, int bits,

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/aligned_table.h"
+#include "base/counted.h"
 #include "base/exit_code.h"
 #include "base/json_parts.h"
 #include "base/printable.h"
@@ -109,8 +110,8 @@ int Save(const BaselineOptions& options) {
     throw UsageError{"cannot make the folder of " + path + ": " + error.message()};
   }
   WriteBaseline(set, path);
-  return PrintResults("baseline " + options.name + ": " + std::to_string(set.cases.size()) +
-                      " cases of " + Printable(options.path) + "\n");
+  return PrintResults("baseline " + options.name + ": " + Counted(set.cases.size(), "case") +
+                      " of " + Printable(options.path) + "\n");
 }
 
 int List() {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <unordered_set>
 
+#include "base/counted.h"
 #include "base/exit_code.h"
 #include "base/printable.h"
 #include "base/usage_error.h"
@@ -146,7 +147,7 @@ int Compare(const CompareOptions& options) {
   const ResultSet b = ReadSet(sets[1]);
   if (options.recordMissing && RecordWhole(sets[0], b)) {
     return PrintResults("recorded: " + Printable(sets[0]) + " is now what " + Printable(sets[1]) +
-                        " holds, " + std::to_string(b.cases.size()) + " cases\n");
+                        " holds, " + Counted(b.cases.size(), "case") + "\n");
   }
   const ResultSet a = ReadSet(sets[0]);
   const Comparison comparison = CompareResults(a, b, options.rules);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "base/counted.h"
 #include "compare/comparison_forms.h"
 #include "report/xml_text.h"
 
@@ -50,7 +51,8 @@ std::string MeasureText(const MeasureComparison& measure) {
   text << ChangeName(measure.verdict) << ": " << measure.a << " and " << measure.b << " "
        << measure.kind.unit << ", difference " << measure.difference;
   if (measure.interval) text << " (" << measure.low << " to " << measure.high << ")";
-  text << ", margin " << measure.margin << ", " << measure.count << " cases";
+  text << ", margin " << measure.margin << ", "
+       << Counted(static_cast<uint64_t>(measure.count), "case");
   if (!measure.worstCase.empty()) text << ", worst " << measure.worstCase;
   return text.str();
 }

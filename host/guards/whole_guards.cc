@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "audio_measures/figure.h"
+#include "base/counted.h"
 #include "base/units.h"
 
 namespace host {
@@ -29,7 +30,8 @@ void CheckFinite(const GuardInput& input, GuardHits& hits) {
   const auto channels = static_cast<size_t>(input.output->channels);
   const size_t frame = index / channels;
   const auto count = std::count_if(first, samples.end(), isOdd);
-  std::string text = std::to_string(count) + " samples that are not finite";
+  std::string text = Counted(static_cast<uint64_t>(count), "sample") +
+                     (count == 1 ? " that is" : " that are") + " not finite";
   const bool given = input.input != nullptr && !audio_measures::AreFinite(input.input->samples);
   if (given) text += ", as in the input";
   hits.Add(Guard::kNotFinite,

@@ -149,7 +149,8 @@ OpenedRecording OpenSoundRecording(int file) {
   if (info.samplerate < 1 || info.samplerate > kMaxRate || info.channels < 1 ||
       info.channels > kMaxRecordedChannels) {
     return {.fault = "is damaged: " + std::to_string(info.samplerate) + " Hz, " +
-                     std::to_string(info.channels) + " channels"};
+                     std::to_string(info.channels) +
+                     (info.channels == 1 ? " channel" : " channels")};
   }
   return {.recording = std::make_unique<SoundRecording>(std::move(place), std::move(sound), info)};
 }

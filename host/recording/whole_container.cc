@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/counted.h"
 #include "wave/wave_file.h"
 
 namespace host {
@@ -47,8 +48,7 @@ uint64_t LittleEndian(const unsigned char* bytes, int count) {
 std::string Shortage(uint64_t announced, uint64_t there) {
   // A pad byte at the end is often left out.
   if (announced <= there + 1) return "";
-  return "is not whole: it announces " + std::to_string(announced) + " bytes, there are " +
-         std::to_string(there);
+  return "is not whole: it announces " + Counted(announced, "byte") + ", " + ThereAre(there);
 }
 
 // Where the chunks of a CAF file end, by what they announce; that of the samples may be open.

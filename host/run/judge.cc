@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/counted.h"
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
 #include "files/beneath.h"
@@ -95,8 +96,9 @@ void AddContentProblems(const FileReport& output, std::vector<Problem>& problems
     for (const ChannelFigures& figures : *output.channels) notFinite += figures.notFinite;
   }
   if (notFinite > 0) {
-    problems.push_back({Cause::kSamplesNotFinite,
-                        std::to_string(notFinite) + " samples are not finite in " + name});
+    problems.push_back({Cause::kSamplesNotFinite, Counted(notFinite, "sample") +
+                                                      (notFinite == 1 ? " is" : " are") +
+                                                      " not finite in " + name});
   }
   if (output.copy && !output.copy->problem.empty() && !output.givenUp) {
     problems.push_back(

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "base/counted.h"
 #include "base/units.h"
 #include "catalogue/catalogue_text.h"
 #include "files/audio_layout.h"
@@ -99,8 +100,8 @@ void AddShortage(const AudioLayout& audio, FileReport& input) {
   if (audio.announced <= audio.bytes || PartBlockLeftOut(audio)) return;
   input.problems.push_back(
       {Cause::kInputNotWhole,
-       Says(input.place, "is not whole: its header announces " + std::to_string(audio.announced) +
-                             " bytes of samples, there are " + std::to_string(audio.bytes))});
+       Says(input.place, "is not whole: its header announces " + Counted(audio.announced, "byte") +
+                             " of samples, " + ThereAre(audio.bytes))});
 }
 
 void AddHeaderWarning(FILE* file, const AudioLayout& audio, FileReport& input) {
@@ -182,11 +183,11 @@ std::optional<Problem> WaveProblem(const FilePlace& input, FILE* file, uint64_t 
   const uint64_t samples =
       BlockBytes({.blockMs = use.blockMs}, audio->rate, audio->channels) / sizeof(int16_t);
   if (use.blockMs > 0 && (samples == 0 || samples > static_cast<uint64_t>(use.mostBlockSamples))) {
-    return Problem{Cause::kInputFormat,
-                   Says(input, "is " + FormatOf(*audio) + ": " + std::to_string(samples) +
-                                   " samples in a block of " + std::to_string(use.blockMs) +
-                                   " ms, where 1 to " + std::to_string(use.mostBlockSamples) +
-                                   " are read" + Convert(input))};
+    return Problem{
+        Cause::kInputFormat,
+        Says(input, "is " + FormatOf(*audio) + ": " + Counted(samples, "sample") +
+                        " in a block of " + std::to_string(use.blockMs) + " ms, where 1 to " +
+                        std::to_string(use.mostBlockSamples) + " are read" + Convert(input))};
   }
   const uint64_t there = SampleBytes(use, *audio, bytes);
   if (use.optional || there >= std::max<uint64_t>(block, 1)) return std::nullopt;
