@@ -17,7 +17,8 @@ struct Channels {
 };
 
 // By about how many frames the output is later, from `least` to `most`: GCC-PHAT of both at some
-// 8 kHz, of one stretch after the other until the delay is plain. It may be off by as many frames
+// 8 kHz, first of delays of up to some 0.05 s, of one stretch after the other until it is plain. It
+// may be off by as many frames
 // as make one at that rate. Nothing where it is not plain, or upside down: then only the whole
 // signals can tell.
 std::optional<int64_t> CoarseDelay(const Channels& both, int64_t least, int64_t most);

@@ -66,7 +66,12 @@ void Track::Copy(int channel, int64_t first, std::span<float> to) const {
   const auto frames = static_cast<int64_t>(m_signal.Frames());
   const int64_t begin = std::clamp<int64_t>(first, 0, frames);
   const int64_t end = std::clamp<int64_t>(first + static_cast<int64_t>(to.size()), begin, frames);
-  std::ranges::fill(to, 0.0F);
+  if (begin == end) {
+    std::ranges::fill(to, 0.0F);
+    return;
+  }
+  std::ranges::fill(to.first(static_cast<size_t>(begin - first)), 0.0F);
+  std::ranges::fill(to.subspan(static_cast<size_t>(end - first)), 0.0F);
   const float* from = m_signal.samples.data() + static_cast<size_t>(begin) * stride;
   float* const sample = to.data() + (begin - first);
   const auto count = static_cast<size_t>(end - begin);
@@ -75,8 +80,9 @@ void Track::Copy(int channel, int64_t first, std::span<float> to) const {
     return;
   }
   for (size_t i = 0; i < count; ++i, from += stride) {
-    for (size_t c = 0; c < stride; ++c) sample[i] += Finite(from[c]);
-    sample[i] /= static_cast<float>(stride);
+    float sum = 0;
+    for (size_t c = 0; c < stride; ++c) sum += Finite(from[c]);
+    sample[i] = sum / static_cast<float>(stride);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <span>
 #include <vector>
 
 #include "base/units.h"
@@ -32,6 +33,17 @@ uint32_t HighBytes(const unsigned char* bytes, size_t count) {
   uint32_t value = 0;
   for (size_t i = 0; i < count; ++i) value = value >> 8U | uint32_t{bytes[i]} << 24U;
   return value;
+}
+
+// Of samples as this machine has them, too: the lowest byte first.
+template <typename Sample>
+void Widen(const unsigned char* bytes, double scale, std::span<double> values) {
+  static_assert(std::endian::native == std::endian::little);
+  for (size_t i = 0; i < values.size(); ++i) {
+    Sample sample;
+    memcpy(&sample, bytes + i * sizeof sample, sizeof sample);
+    values[i] = static_cast<double>(sample) * scale;
+  }
 }
 
 class RawRecording : public Recording {
@@ -60,11 +72,19 @@ class RawRecording : public Recording {
                           : "was cut off while it was read";
     }
     const size_t read = count < 0 ? 0 : static_cast<size_t>(count) / frameBytes;
-    for (size_t i = 0; i < read * static_cast<size_t>(m_format.channels); ++i) {
-      const uint32_t bits = HighBytes(m_block.data() + i * width, width);
-      samples[i] = m_samples == RawForm::Samples::kF32
-                       ? static_cast<double>(std::bit_cast<float>(bits))
-                       : static_cast<double>(std::bit_cast<int32_t>(bits)) / kFullScale;
+    const std::span values(samples, read * static_cast<size_t>(m_format.channels));
+    switch (m_samples) {
+      case RawForm::Samples::kS16:
+        Widen<int16_t>(m_block.data(), 1.0 / 32768, values);
+        break;
+      case RawForm::Samples::kF32:
+        Widen<float>(m_block.data(), 1, values);
+        break;
+      default:
+        for (size_t i = 0; i < values.size(); ++i) {
+          const uint32_t bits = HighBytes(m_block.data() + i * width, width);
+          values[i] = static_cast<double>(std::bit_cast<int32_t>(bits)) / kFullScale;
+        }
     }
     m_at += read * frameBytes;
     return read;

@@ -84,6 +84,15 @@ std::optional<DelayFinder::Peak> DelayFinder::PeakOf(
     peak.lag = m_least + static_cast<int64_t>(i);
   }
   if (!(squares > 0) || !std::isfinite(squares)) return std::nullopt;
+  const auto at = static_cast<size_t>(peak.lag - m_least);
+  const auto largest = [&correlation](size_t from, size_t to) {
+    float value = 0;
+    for (size_t i = from; i < to; ++i) value = std::max(value, std::fabs(correlation[i]));
+    return value;
+  };
+  const float next = std::max(largest(0, at - std::min(at, kApart)),
+                              largest(std::min(m_lags, at + kApart + 1), m_lags));
+  peak.next = static_cast<double>(next / std::fabs(highest));
   peak.polarity = highest < 0 ? -1 : 1;
   peak.sharpness =
       std::fabs(static_cast<double>(highest)) / std::sqrt(squares / static_cast<double>(m_lags));

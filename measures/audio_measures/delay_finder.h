@@ -32,6 +32,7 @@ class DelayFinder {
     int64_t lag = 0;       // Samples.
     int polarity = 1;      // -1: the signal is upside down.
     double sharpness = 0;  // Height of the correlation there, over its RMS at all lags.
+    double next = 0;       // Of that height, what the highest peak more than kApart away has.
   };
   // Nothing when both had no spectrum in common, as with silence.
   std::optional<Peak> Find() const;
@@ -41,6 +42,7 @@ class DelayFinder {
 
   // Of signals that have nothing to do with each other the peak stays below this.
   static constexpr double kClear = 8;
+  static constexpr size_t kApart = 8;  // Samples
 
  private:
   std::optional<Peak> PeakOf(std::span<const std::complex<float>> cross) const;

@@ -70,6 +70,7 @@ struct LevelMeter::State {
   void Add(std::span<const float> frames) {
     if (truePeak) truePeak->Add(frames);
     if (loudness) loudness->Add(frames);
+    if (channels.size() == 1) return channels.front().Add(frames);
     const size_t count = frames.size() / channels.size();
     for (size_t channel = 0; channel < channels.size(); ++channel) {
       for (size_t i = 0; i < count; ++i) samples[i] = frames[i * channels.size() + channel];

@@ -13,6 +13,29 @@ constexpr double kMaxWeight = 1000;  // Bins that agree to 30 dB count no more f
 
 double Angle(size_t bin) { return 2 * M_PI * static_cast<double>(bin) / PhaseFit::kBlock; }
 
+// Turns one bin after the other, from the first one on, back by how much later the signal is: each
+// by the turn of the one before and a little more.
+class Turn {
+ public:
+  explicit Turn(double later) : m_step(std::polar(1.0, Angle(1) * later)), m_turn(m_step) {}
+
+  std::complex<double> Next(const std::complex<double>& bin) {
+    const std::complex<double> turned = Product(bin, m_turn);
+    m_turn = Product(m_turn, m_step);
+    return turned;
+  }
+
+ private:
+  // Without the look for infinities that the product of std::complex takes.
+  static std::complex<double> Product(const std::complex<double>& a,
+                                      const std::complex<double>& b) {
+    return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
+  }
+
+  std::complex<double> m_step;
+  std::complex<double> m_turn;
+};
+
 }  // namespace
 
 PhaseFit::PhaseFit()
@@ -47,13 +70,13 @@ double PhaseFit::Slope(double later, int polarity, double band) const {
   const auto last = static_cast<size_t>(band * static_cast<double>(m_cross.size() - 1));
   double product = 0;
   double squares = 0;
+  Turn turn(later);
   for (size_t i = 1; i < last; ++i) {
+    const std::complex<double> turned = turn.Next(m_cross[i]);
     const double both = m_referencePower[i] * m_signalPower[i];
     if (!(both > 0)) continue;
     const double coherence = std::min(1.0, std::norm(m_cross[i]) / both);
     const double weight = coherence / std::max(1 - coherence, 1 / kMaxWeight);
-    const std::complex<double> turned =
-        m_cross[i] * std::polar(static_cast<double>(1), Angle(i) * later);
     product -= weight * Angle(i) * std::arg(turned * static_cast<double>(polarity));
     squares += weight * Angle(i) * Angle(i);
   }
@@ -64,8 +87,9 @@ double PhaseFit::Slope(double later, int polarity, double band) const {
 double PhaseFit::StepToMostAlike(double later, int polarity) const {
   double slope = 0;
   double curvature = 0;
+  Turn turn(later);
   for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
-    const std::complex<double> turned = m_cross[i] * std::polar(1.0, Angle(i) * later);
+    const std::complex<double> turned = turn.Next(m_cross[i]);
     slope -= polarity * Angle(i) * turned.imag();
     curvature += polarity * Angle(i) * Angle(i) * turned.real();
   }
@@ -93,10 +117,10 @@ std::optional<PhaseFit::Fit> PhaseFit::Find(int polarity) const {
     fit.later += Slope(fit.later, polarity, band);
   }
   for (int i = 0; i < 4; ++i) fit.later += StepToMostAlike(fit.later, polarity);
+  // Nothing is added to the first bin and the last one.
   double common = 0;
-  for (size_t i = 0; i < m_cross.size(); ++i) {
-    common += (m_cross[i] * std::polar(1.0, Angle(i) * fit.later)).real();
-  }
+  Turn turn(fit.later);
+  for (size_t i = 1; i + 1 < m_cross.size(); ++i) common += turn.Next(m_cross[i]).real();
   fit.gain = common / reference;
   fit.correlation = common / std::sqrt(reference * signal);
   return fit;

@@ -10,7 +10,7 @@ struct kiss_fftr_state;
 namespace audio_measures {
 
 // Fourier transforms of real blocks, both directions; neither scales, so that there and back
-// multiplies by the size. Sizes are even.
+// multiplies by the size. Sizes are even. What a size needs is kept for the next one of that size.
 class RealFft {
  public:
   explicit RealFft(size_t size);
@@ -23,13 +23,21 @@ class RealFft {
   void Inverse(std::span<const std::complex<float>> bins, std::span<float> samples) const;
 
  private:
-  struct Free {
+  enum class Direction { kForward, kInverse };
+  // Of one transform at a time, because it holds what is being worked on.
+  struct GiveBack {
+    size_t size = 0;
+    Direction direction = Direction::kForward;
     void operator()(kiss_fftr_state* plan) const;
   };
+  using Plan = std::unique_ptr<kiss_fftr_state, GiveBack>;
+  class Shelf;
+
+  static Plan Take(size_t size, Direction direction);
 
   size_t m_size;
-  std::unique_ptr<kiss_fftr_state, Free> m_forward;
-  std::unique_ptr<kiss_fftr_state, Free> m_inverse;
+  Plan m_forward;
+  Plan m_inverse;
 };
 
 // A bin of the cross-spectrum from `a` to `b`: conj(a) b, without the look for infinities that the

@@ -83,6 +83,23 @@ TEST(Pairing, WhatIsUpsideDownOrUnrelatedIsNotPlain) {
   EXPECT_FALSE(MatchOf(Noise(0.1, 5, 1), Noise(0.1, 5, 2)).known);
 }
 
+// Half a period later a tone with overtones is all but upside down: no place of it is plain.
+TEST(Pairing, OfAToneThatSwellsOnlyTheWholeTells) {
+  Sound tone = Silence(3, 1, 16000);
+  for (size_t i = 0; i < tone.samples.size(); ++i) {
+    const double time = static_cast<double>(i) / 16000;
+    double sum = 0;
+    for (int partial = 1; partial <= 5; ++partial) {
+      sum += std::sin(2 * M_PI * 150 * partial * time + partial) / partial;
+    }
+    tone.samples[i] = static_cast<float>((0.2 + 0.1 * std::sin(2 * M_PI * 4 * time)) * sum);
+  }
+  for (const int64_t lag : {0, 31, 400}) {
+    EXPECT_LT(MatchOf(tone, Inverted(LaterBy(lag, tone))).correlation, -0.9) << lag;
+    EXPECT_GT(MatchOf(tone, LaterBy(lag, tone)).correlation, 0.9) << lag;
+  }
+}
+
 // For 6 s in the middle, where it is looked for first, it is another one.
 TEST(Pairing, ADelayThatIsPlainInOnePlaceOnlyIsNotBelieved) {
   const Sound in = Speech(20);
