@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
+#include <vector>
 
 #include "base/units.h"
 #include "guards/self_inversion.h"
@@ -64,7 +66,17 @@ void CheckInverted(const Pairing& pairing, int channels, GuardHits& hits) {
 }
 
 void CheckSwapped(const Pairing& pairing, GuardHits& hits) {
-  if (pairing.Swapped()) hits.Add(Guard::kSwapped, {.at = 0}, "left and right are swapped");
+  if (!pairing.Swapped()) return;
+  // A difference that is a steady tone is turned by a delay as by swapping.
+  std::vector<float> right;
+  const auto readDifference = [&](int64_t first, std::span<float> to) {
+    right.resize(to.size());
+    pairing.Input().Read(0, first, to);
+    pairing.Input().Read(1, first, right);
+    for (size_t i = 0; i < to.size(); ++i) to[i] -= right[i];
+  };
+  if (InvertsItself(pairing.Input().Frames(), readDifference)) return;
+  hits.Add(Guard::kSwapped, {.at = 0}, "left and right are swapped");
 }
 
 }  // namespace host

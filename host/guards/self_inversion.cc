@@ -18,12 +18,17 @@ constexpr float kOwnNegative = -0.9F;
 }  // namespace
 
 bool InvertsItself(const Track& track, int channel) {
+  return InvertsItself(track.Frames(),
+                       [&](int64_t first, std::span<float> to) { track.Read(channel, first, to); });
+}
+
+bool InvertsItself(int64_t frames, const ReadFrom& read) {
   const audio_measures::RealFft fft(2 * kStretch);
   std::vector<float> samples(fft.Size());
   std::vector<std::complex<float>> bins(fft.Bins());
   std::vector<std::complex<float>> power(fft.Bins());
   for (int64_t place = 0; place < kPlaces; ++place) {
-    track.Read(channel, place * track.Frames() / kPlaces, std::span(samples).first(kStretch));
+    read(place * frames / kPlaces, std::span(samples).first(kStretch));
     fft.Forward(samples, bins);
     for (size_t i = 0; i < bins.size(); ++i) power[i] += std::norm(bins[i]);
   }

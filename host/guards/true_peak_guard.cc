@@ -46,6 +46,22 @@ std::vector<double> PeaksOf(const Signal& signal) {
   return peaks;
 }
 
+// The frame at which a channel first goes over its limit, in dBTP, in the block from `first` on.
+size_t FrameOver(double limit, const Signal& signal, int channel, size_t first) {
+  constexpr size_t kBefore = 64;  // Frames, by which the meter forgets what came before.
+  const auto stride = static_cast<size_t>(signal.channels);
+  audio_measures::TruePeak peak(1, signal.rate);
+  for (size_t frame = first - std::min(first, kBefore); frame < signal.Frames(); ++frame) {
+    const float sample = signal.samples[frame * stride + static_cast<size_t>(channel)];
+    const float finite = std::isfinite(sample) ? sample : 0;
+    peak.Add({&finite, 1});
+    if (frame < first || peak.LastPeak(0).value.value_or(-INFINITY) <= limit) continue;
+    const bool itself = 20 * std::log10(std::fabs(static_cast<double>(finite))) > limit;
+    return itself ? frame : frame - std::min(frame, peak.Delay());
+  }
+  return first;
+}
+
 }  // namespace
 
 void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& hits) {
@@ -73,7 +89,8 @@ void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& h
     for (int channel = 0; channel < out.channels; ++channel) {
       if (peak.LastPeak(channel).value.value_or(-INFINITY) <= limits[static_cast<size_t>(channel)])
         continue;
-      hits.Add(Guard::kTruePeak, {.at = static_cast<double>(frames) / out.rate, .channel = channel},
+      const size_t frame = FrameOver(limits[static_cast<size_t>(channel)], out, channel, frames);
+      hits.Add(Guard::kTruePeak, {.at = static_cast<double>(frame) / out.rate, .channel = channel},
                harness::FormatName("%+.1f dBTP", peaks[static_cast<size_t>(channel)]));
       return false;
     }

@@ -23,6 +23,9 @@ class TruePeak {
   Figure Peak(int channel) const;
   Figure LastPeak(int channel) const;  // Of what the last Add brought.
 
+  // Frames by which a value that is made between samples is later than its place.
+  size_t Delay() const { return m_taps / 2; }
+
  private:
   struct Channel {
     std::vector<float> samples = {};  // Before() last ones of what was before, then a run.

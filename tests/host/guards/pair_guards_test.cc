@@ -124,6 +124,21 @@ TEST(SwappedGuard, GoesByTheDifferenceOfTheChannels) {
   EXPECT_FALSE(Hits(Check(in, few), Guard::kSwapped));
 }
 
+// One tone in the middle, another one at a side: half a period of the latter later its difference
+// is turned and the sum is not, and any period of the former may be the delay.
+TEST(SwappedGuard, CannotTellOfSteadyTones) {
+  Sound in = Sine(440, 0.3, 3, 2, 44000);
+  const Sound side = Sine(550, 0.1, 3, 2, 44000);
+  for (size_t i = 1; i < in.samples.size(); i += 2) in.samples[i] += side.samples[i];
+  Sound turned = in;
+  for (size_t i = 1; i < in.samples.size(); i += 2) {
+    turned.samples[i] -= 2 * side.samples[i];
+  }
+  EXPECT_EQ(Find(Check(in, turned), Guard::kSwapped), nullptr);
+  EXPECT_EQ(Find(Check(in, Later(in, 200.0 / 44000)), Guard::kSwapped), nullptr);
+  EXPECT_EQ(Find(Check(in, Later(in, 1000.0 / 44000)), Guard::kSwapped), nullptr);
+}
+
 TEST(SwappedGuard, NothingCanBeSaidOfTwoAlike) {
   const Sound in = Integers(Sine(440, 0.3, 1, 2));
   EXPECT_FALSE(Hits(Check(in, Swapped(in)), Guard::kSwapped));
