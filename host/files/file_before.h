@@ -10,9 +10,12 @@ namespace host {
 // What a file was before a run.
 class FileBefore {
  public:
-  // Waits until the clock of the file system has gone on, so that whatever is written from now on
-  // gets another date, and reads the file, see Fingerprint.
+  // Reads the file, see Fingerprint. Of one that is not read whole it waits for its dates to tell.
   explicit FileBefore(const std::string& path);
+
+  // Waits until the clock of the file system has gone on, so that whatever is written from now on
+  // gets another date: the same bytes, written again, are then told from those that were left.
+  void WaitUntilDatesTell();
 
   // Returns whether there was a file.
   bool WasThere() const { return m_state.status().has_value(); }
@@ -29,6 +32,7 @@ class FileBefore {
   std::string m_path;
   FileState m_state;
   uint64_t m_fingerprint;
+  bool m_datesTell = false;  // A change from now on has another date.
 };
 
 }  // namespace host

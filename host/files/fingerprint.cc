@@ -15,7 +15,7 @@ namespace host {
 namespace {
 
 constexpr off_t kBlockBytes = 64 << 10;
-constexpr off_t kMaxBlocks = 256;
+constexpr off_t kMaxBlocks = kMaxWhole / kBlockBytes;
 
 // Takes eight bytes at a time in, each of which changes all bits that follow. `bytes` is a multiple
 // of eight.

@@ -69,7 +69,9 @@ std::optional<InputFault> FindInputFault(const FilePlace& input) {
   return std::nullopt;
 }
 
-OutputBefore::OutputBefore(const FilePlace& output) : m_path(output.path), m_before(output.path) {}
+OutputBefore::OutputBefore(const FilePlace& output) : m_path(output.path), m_before(output.path) {
+  m_before.WaitUntilDatesTell();
+}
 
 OutputState OutputBefore::StateNow() const {
   if (m_path.empty()) return OutputState::kOutside;

@@ -47,7 +47,7 @@ enum class OutputState { kWritten, kOutside, kAbsent, kNotAFile, kStale, kEmpty 
 // What an output was before a run.
 class OutputBefore {
  public:
-  // Waits and reads as FileBefore does.
+  // Reads the file as FileBefore does, and waits until its dates tell.
   explicit OutputBefore(const FilePlace& output);
 
   OutputState StateNow() const;

@@ -6,8 +6,8 @@
 #include "base/shell_word.h"
 #include "files/audio_figures.h"
 #include "files/foreign_audio.h"
+#include "files/known_digest.h"
 #include "files/regular_file.h"
-#include "files/sha256.h"
 #include "recording/copy_bytes.h"
 #include "recording/staging_steps.h"
 
@@ -55,12 +55,13 @@ std::optional<RecordingFault> StagedItem::Open() {
   m_file.reset(OpenRegular(m_input.source));
   if (m_file == nullptr) return Blame(Kind::kInput, "cannot be read: " + FaultText(errno));
   m_before.emplace(fileno(m_file.get()));
-  const FileDigest digest = DigestOf(fileno(m_file.get()), m_goOn);
+  const FileDigest digest = KnownDigestOf(fileno(m_file.get()), m_goOn);
   if (digest.fault == kStopped) return Blame(Kind::kStopped, kStopped);
   if (!digest.fault.empty()) return Blame(Kind::kInput, "cannot be read: " + digest.fault);
   m_staged.place = m_input.place;
   m_staged.source = std::filesystem::absolute(m_input.source).lexically_normal();
   m_staged.sourceDigest = digest.digest;
+  m_made = digest;
   return std::nullopt;
 }
 
@@ -122,10 +123,10 @@ std::optional<RecordingFault> StagedItem::Render(double gain) {
 std::optional<RecordingFault> StagedItem::Complete() {
   const bool same = m_before->SameContent(FileState(fileno(m_file.get())));
   if (!same) return Blame(Kind::kInput, "was changed while it was read");
-  const FileDigest made = m_target->Digest();
-  if (!made.fault.empty()) return Blame(Kind::kOutput, made.fault);
-  m_staged.digest = made.digest;
-  m_staged.bytes = made.bytes;
+  if (!m_copied) m_made = m_target->Digest();
+  if (!m_made.fault.empty()) return Blame(Kind::kOutput, m_made.fault);
+  m_staged.digest = m_made.digest;
+  m_staged.bytes = m_made.bytes;
   if (m_copied) {
     m_staged.steps = {{.name = "copy", .text = "copied as it is"}};
     return std::nullopt;
@@ -142,6 +143,7 @@ std::optional<RecordingFault> StagedItem::Complete() {
 std::optional<RecordingFault> StagedItem::Publish() {
   const std::string fault = m_target->Publish();
   if (!fault.empty()) return Blame(Kind::kOutput, fault);
+  NoteDigest(m_target->descriptor(), m_made);
   return std::nullopt;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "files/file_state.h"
+#include "files/sha256.h"
 #include "recording/placed_file.h"
 #include "recording/rendering.h"
 #include "recording/stage.h"
@@ -63,6 +64,7 @@ class StagedItem {
   double m_gain = 1;
   std::optional<PlacedFile> m_target;
   std::optional<Rendering> m_rendering;
+  FileDigest m_made;  // Of what is put in place: of the source, where that is copied.
   StagedFile m_staged;
 };
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "files/audio_figures.h"
+#include "files/known_digest.h"
 #include "files/regular_file.h"
 #include "files/sha256.h"
 #include "recording/staged_record.h"
@@ -17,13 +18,15 @@ namespace host {
 
 namespace {
 
-void Fill(FileReport& report, const std::function<bool()>& goOn) {
+using Digest = FileDigest (*)(int file, const std::function<bool()>& goOn);
+
+void Fill(FileReport& report, Digest digestOf, const std::function<bool()>& goOn) {
   const int file = OpenRegularDescriptor(report.place.path);
   if (file < 0) {
     report.undigested = FaultText(errno);
     return;
   }
-  const FileDigest made = DigestOf(file, goOn);
+  const FileDigest made = digestOf(file, goOn);
   close(file);
   report.digest = made.digest;
   report.undigested = made.fault == kStopped ? "the time was up" : made.fault;
@@ -45,7 +48,7 @@ void DigestInputs(const Plan& plan, Limits& limits, std::vector<FileReport>& inp
   for (FileReport& input : inputs) {
     // A file that grows for ever has an end here.
     const double latest = Now() + kMaxSeconds;
-    Fill(input, [&] { return !limits.Interrupted() && Now() < latest; });
+    Fill(input, KnownDigestOf, [&] { return !limits.Interrupted() && Now() < latest; });
     if (limits.Interrupted()) throw Ended{Stopped(limits, plan.timeout, "reading its inputs")};
     FindStaged(record, input);
   }
@@ -53,7 +56,7 @@ void DigestInputs(const Plan& plan, Limits& limits, std::vector<FileReport>& inp
 }
 
 void DigestOutput(Limits& limits, FileReport& output) {
-  Fill(output, [&limits] { return limits.Check() == Limits::Stop::kNone; });
+  Fill(output, DigestOf, [&limits] { return limits.Check() == Limits::Stop::kNone; });
 }
 
 }  // namespace host

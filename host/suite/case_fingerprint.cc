@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "files/fingerprint.h"
+#include "files/known_digest.h"
 #include "files/sha256.h"
 #include "report/origin.h"
 #include "suite/case_work.h"
@@ -26,7 +27,7 @@ std::string DigestOfText(const std::string& text) {
 std::string DigestOfFile(const std::string& path) {
   const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (file < 0) return "";
-  const FileDigest digest = DigestOf(file, [] { return true; });
+  const FileDigest digest = KnownDigestOf(file, [] { return true; });
   close(file);
   return digest.digest;
 }
@@ -48,7 +49,24 @@ std::string DigestOfSource(const std::string& path) {
 
 Json Optional(const std::optional<double>& value) { return value ? Json(*value) : Json(); }
 
+constexpr uintmax_t kLong = 100'000'000;  // Bytes that take too long while all else waits.
+
 }  // namespace
+
+SharedSources::SharedSources(const std::vector<SuiteCase>& cases) {
+  for (const SuiteCase& one : cases) {
+    for (const auto& [name, source] : one.inputs) ++m_uses[source];
+  }
+}
+
+void SharedSources::ReadOf(const SuiteCase& one) const {
+  for (const auto& [name, source] : one.inputs) {
+    if (m_uses.at(source) < 2) continue;
+    std::error_code error;
+    const bool brief = fs::is_regular_file(source, error) && fs::file_size(source, error) < kLong;
+    if (brief && !error) DigestOfFile(source);
+  }
+}
 
 std::string OriginText(const Engine& engine) {
   const Json origin = OriginJson(engine);

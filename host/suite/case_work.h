@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,17 @@ std::string OriginText(const Engine& engine);
 // engine and bench, and the same of the cases that it reads from. Two that differ in it may differ
 // in their results.
 std::string CaseFingerprint(const SuitePlace& suite, size_t at);
+
+// Reads the sources that other cases have as well, so that none of the processes of these cases,
+// which are made of this one, needs to read them for a digest of its own. Leaves out long ones.
+class SharedSources {
+ public:
+  explicit SharedSources(const std::vector<SuiteCase>& cases);
+  void ReadOf(const SuiteCase& one) const;
+
+ private:
+  std::map<std::string, size_t> m_uses = {};  // Of each source, by how many cases.
+};
 
 // Runs a case, in the process that is made for it: takes over its standard streams. Returns its
 // record. Throws UsageError when there is not even a report.

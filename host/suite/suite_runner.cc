@@ -22,6 +22,7 @@ constexpr double kStopSeconds = 8;  // After which a case that does not end is k
 SuiteRunner::SuiteRunner(const SuitePlace& suite, const std::vector<bool>& kept, size_t jobs,
                          const HostSignals& signals, Listener listener)
     : m_suite(suite),
+      m_shared(suite.cases),
       m_jobs(jobs),
       m_signals(signals),
       m_listener(std::move(listener)),
@@ -83,6 +84,7 @@ void SuiteRunner::Start(size_t at) {
                         "not run, because " + m_lacking[at] + ", which it follows, did not pass"));
     return;
   }
+  m_shared.ReadOf(one);
   try {
     m_running.emplace(at, CaseProcess(m_signals, [this, at] { return RunOneCase(m_suite, at); }));
   } catch (const std::system_error& error) {

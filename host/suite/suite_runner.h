@@ -42,6 +42,7 @@ class SuiteRunner {
   void StopAll();
 
   const SuitePlace& m_suite;
+  SharedSources m_shared;
   size_t m_jobs;
   const HostSignals& m_signals;
   Listener m_listener;

@@ -53,8 +53,19 @@ TEST_F(FileBeforeTest, TellsOtherContentOfTheSameSizeAndDate) {
   EXPECT_FALSE(before.IsSameNow());
 }
 
+// At once, within the clock tick in which the file was made.
+TEST_F(FileBeforeTest, TellsOtherContentThatIsWrittenAtOnce) {
+  for (int i = 0; i < 20; ++i) {
+    WriteFile("file", "bytes");
+    const FileBefore before("file");
+    PutAndDateBack("B", 0);
+    EXPECT_FALSE(before.IsSameNow());
+  }
+}
+
 TEST_F(FileBeforeTest, TellsTheSameBytesWrittenAgainByTheirDate) {
-  const FileBefore before("file");
+  FileBefore before("file");
+  before.WaitUntilDatesTell();
   const int file = open("file", O_WRONLY | O_TRUNC);
   ASSERT_EQ(write(file, "bytes", 5), 5);
   close(file);
