@@ -104,6 +104,11 @@ TEST_F(AudioLayoutTest, SaysWhatShowsThatAFileIsNotWhole) {
             "it ends with a part of a frame, 1 byte");
   EXPECT_EQ(FindWave(whole.substr(0, whole.size() - 2))->flaw,
             "its header announces 8 bytes of samples, there are 6");
+  EXPECT_EQ(FindWave(whole.substr(0, whole.size() - 7))->flaw,
+            "its header announces 8 bytes of samples, there is 1");
+  const std::string single = Riff(mono + Chunk("data", "1"));
+  EXPECT_EQ(FindWave(single.substr(0, single.size() - 2))->flaw,
+            "its header announces 1 byte of samples, there are 0");
   EXPECT_EQ(FindWave(whole + "90")->flaw, "its header announces 8 bytes of samples, there are 10");
   EXPECT_EQ(FindWave(whole + "1234567890abcdef")->flaw,
             "its header announces 8 bytes of samples, there are 24");
