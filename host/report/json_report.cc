@@ -139,9 +139,19 @@ Json InputsJson(const std::vector<FileReport>& files) {
   return json;
 }
 
+Json AgainstJson(const MeasuredPaths& against) {
+  return {{"reference", TextOrNull(against.reference)},
+          {"input", TextOrNull(against.input)},
+          {"far", TextOrNull(against.far)},
+          {"near", TextOrNull(against.near)}};
+}
+
 Json OutputsJson(const std::vector<FileReport>& files) {
   Json json = Json::array();
-  for (const FileReport& file : files) json.push_back(FileJson(file));
+  for (const FileReport& file : files) {
+    json.push_back(FileJson(file));
+    json.back()["measured_against"] = AgainstJson(file.against);
+  }
   return json;
 }
 

@@ -41,6 +41,15 @@ struct HandedOver {
   bool done = false;
 };
 
+// Recordings that belong with an output, as the host opens them; empty for those that there are
+// not.
+struct MeasuredPaths {
+  std::string reference = {};  // What it should be,
+  std::string input = {};      // what it was made from,
+  std::string far = {};        // what the loudspeaker played,
+  std::string near = {};       // and what was said, without echo.
+};
+
 // A declared file; only the place and its problems when it was not looked at.
 struct FileReport {
   FilePlace place;
@@ -64,6 +73,8 @@ struct FileReport {
   std::string digest = {};
   std::string undigested = "not looked at";  // Why there is none.
   std::optional<StagedFile> staged = {};     // An input that is what was put in its place.
+  // The paths of the recordings that an output is measured against; empty for none.
+  MeasuredPaths against = {};
 };
 
 // Why a run goes no further, where that is known before its routine has been started.

@@ -134,7 +134,7 @@ void MeasureOutputs(const Plan& plan, Limits& limits, RunReport& report) {
   AddRunFigures(report);
   const auto goOn = [&] { return limits.Check() == Limits::Stop::kNone; };
   std::map<const SoundUse*, size_t> places;
-  for (const FileReport& file : report.outputs) {
+  for (FileReport& file : report.outputs) {
     const SoundUse* const sound = harness::FindSound(plan.row->sounds, file.place.use.name);
     const size_t place = places[sound]++;
     if (file.state != OutputState::kWritten || file.changed || !file.audio || !file.figures)
@@ -144,6 +144,10 @@ void MeasureOutputs(const Plan& plan, Limits& limits, RunReport& report) {
     if (!form) continue;
     if (limits.Check() != Limits::Stop::kNone) return;
     const MeasuredAgainst against = AgainstWhat(plan, report, file.place, sound, place);
+    file.against = {.reference = against.reference.path,
+                    .input = against.input.path,
+                    .far = against.far.path,
+                    .near = against.near.path};
     const std::vector<std::string> names = WantedMeasures(plan, sound, file.place, against);
     const MeasureChoice choice = {names, plan.what.scorers};
     const bool brief = IsShort(*file.audio);
