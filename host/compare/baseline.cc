@@ -175,6 +175,20 @@ std::string BaselinePath(const std::string& name) {
   return (Folder() / (name + kEnding)).string();
 }
 
+std::string PlaceOfResults(const std::string& name) {
+  const std::string_view prefix = kBaselinePrefix;
+  return name.starts_with(prefix) ? BaselinePath(name.substr(prefix.size())) : name;
+}
+
+std::string ExistingResults(const std::string& name) {
+  std::string place = PlaceOfResults(name);
+  std::error_code error;
+  if (place != name && !fs::exists(place, error)) {
+    throw UsageError{"there is no " + name + " (audio_bench baseline list)"};
+  }
+  return place;
+}
+
 std::string BaselineText(const ResultSet& set) {
   Json margins = Json::object();
   for (const auto& [name, margin] : set.margins) margins[name] = margin;

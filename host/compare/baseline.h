@@ -15,6 +15,12 @@ inline constexpr const char* kBaselinePrefix = "baseline:";
 // there is no folder for it.
 std::string BaselinePath(const std::string& name);
 
+// The file or folder behind the name of results, which may be that of a baseline.
+std::string PlaceOfResults(const std::string& name);
+
+// The same of results that are to be read. Throws UsageError when there is no such baseline.
+std::string ExistingResults(const std::string& name);
+
 // The results as a file that is read like those of the suite.
 std::string BaselineText(const ResultSet& set);
 

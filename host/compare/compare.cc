@@ -30,19 +30,8 @@ namespace fs = std::filesystem;
 
 constexpr double kPatience = 600;  // Seconds for the reader of a pipe.
 
-// The file or folder behind the name of a set.
-std::string PlaceOf(const std::string& set) {
-  const std::string_view prefix = kBaselinePrefix;
-  return set.starts_with(prefix) ? BaselinePath(set.substr(prefix.size())) : set;
-}
-
 ResultSet ReadSet(const std::string& name) {
-  const std::string place = PlaceOf(name);
-  std::error_code error;
-  if (place != name && !fs::exists(place, error)) {
-    throw UsageError{"there is no " + name + " (audio_bench baseline list)"};
-  }
-  ResultSet set = ReadResultSet(place);
+  ResultSet set = ReadResultSet(ExistingResults(name));
   set.origin.path = name;
   return set;
 }
@@ -87,7 +76,7 @@ class Forms {
 
 // A reference that is not there at all is made of B; then there is nothing to compare with.
 bool RecordWhole(const std::string& name, const ResultSet& b) {
-  const std::string place = PlaceOf(name);
+  const std::string place = PlaceOfResults(name);
   std::error_code error;
   if (fs::exists(place, error)) return false;
   if (place != name) fs::create_directories(fs::path(place).parent_path(), error);
@@ -121,7 +110,7 @@ size_t RecordNew(const std::string& name, ResultSet reference, const ResultSet& 
     reference.cases.push_back(std::move(copy));
     ++added;
   }
-  if (added > 0) WriteBaseline(reference, PlaceOf(name));
+  if (added > 0) WriteBaseline(reference, PlaceOfResults(name));
   return added;
 }
 
@@ -129,7 +118,8 @@ size_t RecordNew(const std::string& name, ResultSet reference, const ResultSet& 
 // run has left them.
 bool CanRecordIn(const std::string& name) {
   std::error_code error;
-  return !fs::is_directory(PlaceOf(name), error) && fs::path(name).filename() != "results.json";
+  return !fs::is_directory(PlaceOfResults(name), error) &&
+         fs::path(name).filename() != "results.json";
 }
 
 }  // namespace

@@ -18,22 +18,19 @@ constexpr double kTimeMargin = 0.1;
 
 class Margins {
  public:
-  Margins(const CompareRules& rules, const ResultSet& a, const ResultSet& b) : m_given(rules) {
-    m_declared.insert(b.margins.begin(), b.margins.end());
-    m_declared.insert(a.margins.begin(), a.margins.end());
-  }
+  Margins(const CompareRules& rules, const ResultSet& a, const ResultSet& b)
+      : m_given(rules), m_a(a), m_b(b) {}
 
   double Of(const std::string& name) const {
     if (const auto given = Given(name)) return *given;
-    const auto declared = m_declared.find(name);
-    return declared != m_declared.end() ? declared->second : MarginOfMeasure(name);
+    const auto declared = DeclaredMargin(m_a, m_b, name);
+    return declared ? *declared : MarginOfMeasure(name);
   }
 
   std::optional<double> OfTime(const std::string& name) const {
     if (!m_given.times) return std::nullopt;
     if (const auto given = Given(name)) return given;
-    const auto declared = m_declared.find(name);
-    return declared != m_declared.end() ? declared->second : kTimeMargin;
+    return DeclaredMargin(m_a, m_b, name).value_or(kTimeMargin);
   }
 
  private:
@@ -43,7 +40,8 @@ class Margins {
   }
 
   const CompareRules& m_given;
-  std::map<std::string, double> m_declared;
+  const ResultSet& m_a;
+  const ResultSet& m_b;
 };
 
 void CheckMargins(const CompareRules& rules, const PairedResults& results) {

@@ -21,7 +21,8 @@ ComparedCase EmptyCase() { return {.elapsed = kNone, .cpu = kNone}; }
 
 }  // namespace
 
-ResultsParser::ResultsParser(ResultSet& set) : m_set(set) {
+ResultsParser::ResultsParser(ResultSet& set, KeptResults kept, Json::json_sax_t* listener)
+    : m_set(set), m_kept(kept), m_listener(listener) {
   m_set.cases = {EmptyCase()};  // The run, if this is its report.
 }
 
@@ -51,31 +52,56 @@ void ResultsParser::Finish() {
   }
 }
 
-bool ResultsParser::null() { return Take({.isNull = true}); }
-bool ResultsParser::boolean(bool value) { return Take({.flag = value}); }
+bool ResultsParser::null() {
+  if (m_listener != nullptr) m_listener->null();
+  return Take({.isNull = true});
+}
+bool ResultsParser::boolean(bool value) {
+  if (m_listener != nullptr) m_listener->boolean(value);
+  return Take({.flag = value});
+}
 bool ResultsParser::number_integer(number_integer_t value) {
+  if (m_listener != nullptr) m_listener->number_integer(value);
   const auto number = static_cast<double>(value);
   return Take({.number = &number});
 }
 bool ResultsParser::number_unsigned(number_unsigned_t value) {
+  if (m_listener != nullptr) m_listener->number_unsigned(value);
   const auto number = static_cast<double>(value);
   return Take({.number = &number});
 }
-bool ResultsParser::number_float(number_float_t value, const string_t&) {
+bool ResultsParser::number_float(number_float_t value, const string_t& text) {
+  if (m_listener != nullptr) m_listener->number_float(value, text);
   return Take({.number = &value});
 }
-bool ResultsParser::string(string_t& value) { return Take({.text = &value}); }
+bool ResultsParser::string(string_t& value) {
+  if (m_listener != nullptr) m_listener->string(value);
+  return Take({.text = &value});
+}
 bool ResultsParser::binary(binary_t&) { return Refuse("no JSON"); }
 
 bool ResultsParser::key(string_t& value) {
+  if (m_listener != nullptr) m_listener->key(value);
   m_key = std::move(value);
   return true;
 }
 
-bool ResultsParser::start_object(size_t) { return Start(true); }
-bool ResultsParser::start_array(size_t) { return Start(false); }
-bool ResultsParser::end_object() { return End(); }
-bool ResultsParser::end_array() { return End(); }
+bool ResultsParser::start_object(size_t elements) {
+  if (m_listener != nullptr) m_listener->start_object(elements);
+  return Start(true);
+}
+bool ResultsParser::start_array(size_t elements) {
+  if (m_listener != nullptr) m_listener->start_array(elements);
+  return Start(false);
+}
+bool ResultsParser::end_object() {
+  if (m_listener != nullptr) m_listener->end_object();
+  return End();
+}
+bool ResultsParser::end_array() {
+  if (m_listener != nullptr) m_listener->end_array();
+  return End();
+}
 
 bool ResultsParser::parse_error(size_t position, const std::string&,
                                 const nlohmann::detail::exception& error) {

@@ -9,11 +9,16 @@
 
 namespace host {
 
+// What is kept of each case.
+enum class KeptResults { kAll, kVerdicts };
+
 // Fills a ResultSet in while results.json, a report or a baseline is read, of which no more than
 // that is kept. Stops at the first thing that is not as the schema has it.
 class ResultsParser : public Json::json_sax_t {
  public:
-  explicit ResultsParser(ResultSet& set);
+  // `listener` gets each event first; null for none.
+  explicit ResultsParser(ResultSet& set, KeptResults kept = KeptResults::kAll,
+                         Json::json_sax_t* listener = nullptr);
 
   // After the document: what it lacks.
   void Finish();
@@ -97,6 +102,8 @@ class ResultsParser : public Json::json_sax_t {
   int KindOf(const MeasureKind& kind);
 
   ResultSet& m_set;
+  KeptResults m_kept;
+  Json::json_sax_t* m_listener;
   std::vector<Place> m_places = {Place::kDocument};
   size_t m_ignored = 0;  // Levels of what is not taken.
   std::string m_key;

@@ -145,6 +145,7 @@ void ResultsParser::EndFigure() {
     Refuse("of " + m_entry.kind.name + " it is not known whether higher or lower is better");
     return;
   }
+  if (m_kept == KeptResults::kVerdicts) return;
   const int file = m_entry.file ? m_set.texts.Number(*m_entry.file) : TextTable::kNone;
   Case().figures.push_back({.kind = KindOf(m_entry.kind),
                             .file = file,
@@ -163,6 +164,7 @@ void ResultsParser::EndGuard() {
     Refuse("a guard is without a name");
     return;
   }
+  if (m_kept == KeptResults::kVerdicts) return;
   const int file = m_entry.file ? m_set.texts.Number(*m_entry.file) : TextTable::kNone;
   const ComparedGuard guard = {m_set.texts.Number(m_entry.kind.name), file};
   std::vector<ComparedGuard>& guards = Case().guards;
@@ -170,7 +172,7 @@ void ResultsParser::EndGuard() {
 }
 
 void ResultsParser::EndOutput() {
-  if (m_entry.absent) return;
+  if (m_entry.absent || m_kept == KeptResults::kVerdicts) return;
   Case().outputs.push_back({m_set.texts.Number(m_entry.kind.name), m_entry.sha256.value_or("")});
 }
 
