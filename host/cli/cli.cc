@@ -23,6 +23,8 @@
 #include "measure/measure.h"
 #include "replay/replay.h"
 #include "report/output.h"
+#include "report_page/open_page.h"
+#include "report_page/report_page.h"
 #include "run/deliver.h"
 #include "run/run.h"
 #include "run/stage_command.h"
@@ -70,10 +72,18 @@ std::string Description(const Request& request) {
          (engine.empty() ? "" : EngineText(FindEngine(engine), OutputWidth()));
 }
 
-// With the recordings of the demo for the routines of the catalogue.
-SuiteOptions OnDemo(SuiteOptions options) {
+// With the recordings of the demo for the routines of the catalogue; with a page at the end where
+// that is asked for.
+int RunSuiteOnDemo(SuiteOptions options) {
   options.demo = {DemoWords, PlaceDemosOf};
-  return options;
+  if (options.report) {
+    const int there = CheckReportPage();
+    if (there != exit_code::kPass) return there;
+    options.ended = [](const std::string& folder) {
+      return WriteReportPage({.path = folder, .out = PageOfSuite(folder)});
+    };
+  }
+  return RunSuite(options);
 }
 
 int Execute(const Request& request) {
@@ -91,7 +101,7 @@ int Execute(const Request& request) {
     case Request::Command::kStage:
       return StageOnly(request.run);
     case Request::Command::kSuite:
-      return RunSuite(OnDemo(request.suite));
+      return RunSuiteOnDemo(request.suite);
     case Request::Command::kMerge:
       return MergeSuites(request.merge);
     case Request::Command::kReplay:
@@ -107,6 +117,10 @@ int Execute(const Request& request) {
       return ManageBaselines(request.baseline);
     case Request::Command::kControls:
       return RunControls(request.controls);
+    case Request::Command::kReportPage:
+      return WriteReportPage(request.page);
+    case Request::Command::kOpen:
+      return OpenPage(request.opened);
     case Request::Command::kRun:
       break;
   }

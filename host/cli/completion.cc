@@ -98,6 +98,7 @@ Answer FreeWord(const std::string& command, const std::vector<std::string>& befo
   if (command == "help" && before.empty()) return Commands();
   if (command == "completion" && before.empty()) return {"none", {"bash"}};
   if (command == "merge") return {"folders", {}};
+  if ((command == "report" || command == "open") && before.empty()) return {"files", {}};
   if (command == "replay" && before.empty()) return {"files", {}};
   if (command == "compare" || command == "measure") return {"files", {}};
   if (command == "baseline" && before.empty()) {

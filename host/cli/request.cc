@@ -16,6 +16,7 @@
 #include "cli/list_words.h"
 #include "cli/manual.h"
 #include "cli/measure_words.h"
+#include "cli/report_page_words.h"
 #include "cli/run_words.h"
 #include "cli/suite_words.h"
 #include "cli/synopsis.h"
@@ -43,6 +44,8 @@ class CommandLine {
     m_measure = std::make_unique<MeasureWords>(m_app, m_request.measure);
     m_compare = std::make_unique<CompareWords>(m_app, m_request.compare, m_request.baseline);
     AddControls(m_app, m_request.controls);
+    AddReportPage(m_app, m_request.page);
+    AddOpen(m_app, m_request.opened);
     m_app.add_subcommand("completion", "Print the script by which a shell completes these words")
         ->add_option("SHELL", m_shell, "bash")
         ->required()
@@ -117,6 +120,8 @@ class CommandLine {
                         : command == "baseline" ? Command::kBaseline
                         : command == "selftest" ? Command::kSelftest
                         : command == "controls" ? Command::kControls
+                        : command == "report"   ? Command::kReportPage
+                        : command == "open"     ? Command::kOpen
                         : m_all                 ? Command::kDemoAll
                                                 : Command::kDemo;
     if (command == "manual" || command == "completion") {

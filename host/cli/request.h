@@ -11,6 +11,7 @@
 #include "controls/controls.h"
 #include "measure/measure.h"
 #include "replay/replay.h"
+#include "report_page/report_page.h"
 #include "run/case.h"
 #include "suite/suite.h"
 
@@ -32,6 +33,8 @@ struct Request {
     kBaseline,
     kSelftest,
     kControls,
+    kReportPage,
+    kOpen,
     kDemo,
     kDemoAll
   };
@@ -52,6 +55,8 @@ struct Request {
   CompareOptions compare;          // kCompare
   BaselineOptions baseline;        // kBaseline
   ControlOptions controls;         // kControls
+  ReportPageOptions page;          // kReportPage
+  std::string opened;              // kOpen
 };
 
 // Why the words of a command line ask for nothing that can be done.

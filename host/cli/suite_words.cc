@@ -50,6 +50,7 @@ void SuiteWords::AddSuite(CLI::App& app) {
   suite.add_option("--shard", m_shard, "Only part I of N of the cases")->type_name("I/N");
   suite.add_flag("--dry-run", m_suite.dryRun, "Only say which cases there are");
   suite.add_flag("--strict", m_suite.strict, "A warning is a failure");
+  suite.add_flag("--report", m_suite.report, "Also write a page of the results: DIR/report.html");
   AddColor(suite, m_suite.color);
 }
 

@@ -18,6 +18,8 @@ constexpr Synopsis kSynopses[] = {
     {"replay", "REPORT.json"},
     {"measure", "FILE... [--against FILE] [OPTIONS]"},
     {"compare", "A B [OPTIONS]"},
+    {"report", "DIR|REPORT.json [--against DIR] --out FILE [OPTIONS]"},
+    {"open", "DIR"},
     {"baseline", "save|list|show|remove|export [WORD...]"},
     {"selftest", "[--json]"},
     {"controls", "[FAULT...] [OPTIONS]"},

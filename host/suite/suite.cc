@@ -213,7 +213,9 @@ int RunSuite(const SuiteOptions& options) {
     return exit_code::kSignal + interruption;
   }
   const int exitCode = SuiteJournal(folder.path()).counts().ExitCode();
-  return exitCode != exit_code::kPass ? exitCode : printed;
+  const int ended = options.ended ? options.ended(folder.path()) : exit_code::kPass;
+  if (exitCode != exit_code::kPass) return exitCode;
+  return printed != exit_code::kPass ? printed : ended;
 }
 
 }  // namespace host

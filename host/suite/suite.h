@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,9 @@ struct SuiteOptions {
   Shard shard = {};
   std::vector<std::string> command = {};  // The words of the command line.
   DemoRecordings demo = {};               // Without a file.
+  bool report = false;                    // Write a page at the end.
+  // Is called with the folder once its results are written; returns an exit code.
+  std::function<int(const std::string& folder)> ended = {};
 };
 
 // Runs many cases, writes their results and returns the exit code. Throws UsageError when that

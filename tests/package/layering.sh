@@ -1,7 +1,8 @@
 #!/bin/bash
 # Includes point one way: layering.sh PROJECT_FOLDER
 #   host -> catalogue -> bench -> harness -> engine_api <- an engine; all may use wave
-#   host/guards, host/measure, host/compare, host/controls, host/selftest -> measures, which know nothing of either
+#   host/guards, host/measure, host/compare, host/controls, host/report_page, host/selftest -> measures,
+#   which know nothing of either
 set -euo pipefail
 
 cd "$1"
@@ -64,7 +65,7 @@ done < <(cd audio_engine/core/engine_api && grep -rlE --include='*.h' '^class EN
 allow host/statistics "$standard|\"statistics/$name\""
 allow host/engine "$standard|\"(engine/engine_work|facilities/engine_calls|desktop/(devices/(audio_device|background)|files/refused_files|platform/log))\.h\""
 below='base|engine|statistics'
-for folder in base guards files engines recording tables process catalogue results report selftest measure demo run replay suite compare controls cli; do
+for folder in base guards files engines recording tables process catalogue results report selftest measure demo run replay suite compare controls report_page cli; do
   below+="|$folder"
   core='harness/(format_name|noizeus_cases)'
   # What a file is; the rows are for those above.
@@ -72,7 +73,7 @@ for folder in base guards files engines recording tables process catalogue resul
   # Only these know by which names the engine is called.
   [[ $folder != engines ]] || core+='|facilities/engine_calls|engine_api/common/interface_version'
   measures='audio_measures'
-  [[ $folder =~ ^(guards|measure|compare|controls|selftest)$ ]] || measures=wave
+  [[ $folder =~ ^(guards|measure|compare|controls|report_page|selftest)$ ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
 allow audio_engine/facilities "$standard|\"facilities/$name\"|\"routine_uses\.inc\""
