@@ -58,7 +58,7 @@ expect '' run Measure
 
 expect '--start --strict' run --st
 expect '--start --strict' run TestReverb --st
-expect '--resume' suite --r
+expect '--report --resume' suite --r
 expect '--shard --strict' suite --s
 expect '--all' demo --work folder --a
 

@@ -73,7 +73,7 @@ for folder in base guards files engines recording tables process catalogue resul
   # Only these know by which names the engine is called.
   [[ $folder != engines ]] || core+='|facilities/engine_calls|engine_api/common/interface_version'
   measures='audio_measures'
-  [[ $folder =~ ^(guards|measure|compare|controls|report_page|selftest)$ ]] || measures=wave
+  [[ $folder =~ ^(guards|measure|suite|compare|controls|report_page|selftest)$ ]] || measures=wave
   allow "host/$folder" "$library|\"($below|wave|$measures)/$name\"|\"($core)\.h\""
 done
 allow audio_engine/facilities "$standard|\"facilities/$name\"|\"routine_uses\.inc\""

@@ -184,9 +184,14 @@ TEST_F(StageTest, AFullDiskLeavesWhatWasThere) {
 }
 
 TEST_F(StageTest, GivesUpWhereverItIsToldTo) {
+  // Written anew for each: what has been read before is not read again.
+  const auto writeSource = [] {
+    fs::remove("source");
+    WriteSound("source",
+               {.format = SF_FORMAT_WAV | SF_FORMAT_PCM_24, .samples = Sine(997, 3, 48000, 20000)});
+  };
   fs::create_directories("work");
-  WriteSound("source",
-             {.format = SF_FORMAT_WAV | SF_FORMAT_PCM_24, .samples = Sine(997, 3, 48000, 20000)});
+  writeSource();
   const StageInput input = {.source = "source", .place = "in", .form = WaveForm({16000, 1})};
   int asked = 0;
   const StageWishes late = {.cut = {.start = 0.1}};
@@ -197,6 +202,7 @@ TEST_F(StageTest, GivesUpWhereverItIsToldTo) {
   fs::create_directories("work");
   for (int most = 0; most < asked; ++most) {
     int left = most;
+    writeSource();
     const Staging staging =
         StageRecordings("work", std::span(&input, 1), late, [&] { return left-- > 0; });
     ASSERT_TRUE(staging.fault) << most << " of " << asked;
