@@ -117,6 +117,23 @@ TEST(BeatTrack, HearsChannelsThatCancelEachOther) {
   EXPECT_EQ(Listen(Interleaved(silence, loop.samples), 22050, 2, 440).times, listener.times);
 }
 
+TEST(BeatTrack, TellsClearBeatsFrom3AndAHalfSecondsOnAndNoneLate) {
+  for (const Groove groove : {Groove::kRock, Groove::kHouse, Groove::kWaltz, Groove::kSwing}) {
+    for (const int bpm : {97, 110, 120, 140}) {
+      const DrumLoop loop = RenderLoop(groove, bpm, 8, 0.31, 22050);
+      const Listener listener = Listen(loop.samples, 22050, 1, 220);
+      ASSERT_THAT(listener.times, testing::Not(IsEmpty()));
+      EXPECT_LT(listener.times.front(), 3.5) << static_cast<int>(groove) << " at " << bpm;
+      for (const double time : listener.times) {
+        if (time < 3.5) continue;
+        EXPECT_TRUE(std::any_of(loop.beats.begin(), loop.beats.end(),
+                                [&](double beat) { return std::fabs(beat - time) < 0.07; }))
+            << time << " s, " << static_cast<int>(groove) << " at " << bpm;
+      }
+    }
+  }
+}
+
 TEST(BeatTrack, TellsTheFirstBeatWithinSixSeconds) {
   const DrumLoop loop = RenderLoop(Groove::kRock, 110, 10, 0.2, 22050);
   const Listener listener = Listen(loop.samples, 22050, 1, 220);

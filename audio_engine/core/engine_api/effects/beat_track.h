@@ -4,7 +4,8 @@
 #include "beat_track_notify.h"
 
 // Follows the beat of music while it plays. Belongs to one thread at a time; the slot order is
-// fixed. The first beats come after 3 to 6 s; silence has none.
+// fixed. The first beats come after 3 s where they are clear, else after up to 6 s; silence has
+// none.
 class ENGINE_API IBeatTrack {
  public:
   virtual ~IBeatTrack() = default;

@@ -12,7 +12,7 @@ constexpr double kHistorySeconds = 10;
 
 // How much must have been heard before the first beat, and after how long a time without an onset
 // the music has stopped.
-constexpr double kFirstSeconds = 3;
+constexpr double kFirstSeconds = 2.6;
 constexpr double kPauseSeconds = 2.5;
 
 // The range of tempi in beats a minute, and the ratio of one that is tried to the next.
