@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/talk.h"
 
 namespace {
@@ -60,6 +61,15 @@ TEST(EchoDelayEst, TakesOtherRatesChannelsAndOddCounts) {
     near.insert(near.end(), {sample, 0});
   CEchoDelayEst estimator(16000, 2);
   EXPECT_NEAR(Delays(estimator, far, near, 32000, 333).back(), 70, 8);
+}
+
+TEST(EchoDelayEst, HearsChannelsThatCancelEachOther) {
+  const Samples talk = Talk(16000, 4, 6);
+  const Samples echo = Echo(talk, 16000, 70);
+  CEchoDelayEst estimator(16000, 2);
+  const Samples far = Interleaved(talk, Opposed(talk));
+  const Samples near = Interleaved(echo, Opposed(echo));
+  EXPECT_NEAR(Delays(estimator, far, near, 32000, 320).back(), 70, 8);
 }
 
 TEST(EchoDelayEst, Is0UntilKnown) {

@@ -8,6 +8,7 @@
 #include "desktop/enhancement/signals.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 
 namespace {
 
@@ -167,10 +168,17 @@ TEST(VoiceDetection, MixesChannelsDown) {
   for (const short sample : mono) pairs.insert(pairs.end(), {sample, sample});
   CVoiceDetectionEx stereo(8000, 2);
   EXPECT_EQ(Detect(stereo, pairs, 160), Detect(8000, mono, voiceDetectionLowLikelihood));
+}
 
-  for (size_t i = 1; i < pairs.size(); i += 2) pairs[i] = static_cast<short>(-pairs[i]);
-  CVoiceDetectionEx cancelled(8000, 2);
-  EXPECT_EQ(ShareOfSound(Detect(cancelled, pairs, 160)), 0);
+// As a balanced microphone or a centre-cancelled track has them.
+TEST(VoiceDetection, HearsChannelsThatCancelEachOther) {
+  const Samples mono = Speech(16000, 6, 1500);
+  CVoiceDetectionEx alone(16000, 1);
+  CVoiceDetectionEx both(16000, 2);
+  const Kinds expected = Detect(alone, mono, 160);
+  const Kinds heard = Detect(both, Interleaved(mono, Opposed(mono)), 320);
+  ASSERT_GT(ShareOfSound(expected), 0.3);
+  EXPECT_NEAR(ShareOfSound(heard), ShareOfSound(expected), 0.02);
 }
 
 TEST(VoiceDetection, TakesMoreForSpeechInEachMode) {

@@ -6,7 +6,8 @@
 #include "voice_activity.h"
 
 // Tells speech from background noise, for 8 to 48 kHz and any number of channels, which are mixed
-// down. It decides by 10 ms frames and does not look ahead. Belongs to one thread at a time.
+// down, none against another. It decides by 10 ms frames and does not look ahead. Belongs to one
+// thread at a time.
 class ENGINE_API CVoiceDetectionEx {
  public:
   // sampleRate in Hz. A rate outside 4 to 192 kHz, or channels outside 1 to 64: every

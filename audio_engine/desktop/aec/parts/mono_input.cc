@@ -1,5 +1,7 @@
 #include "desktop/aec/parts/mono_input.h"
 
+#include <cmath>
+
 #include "desktop/common/counts.h"
 
 namespace desktop {
@@ -16,19 +18,23 @@ bool MonoInput::Accepts(int rate, int channels) {
 }
 
 MonoInput::MonoInput(int rate, int channels)
-    : m_channels(Size(channels)),
-      m_resampler(Unsigned(rate), Unsigned(channels), Unsigned(TrackedRate(rate)), 1, kMaxFrames),
-      m_frames(kMaxFrames * Size(channels)),
+    : m_mix(rate, Size(channels)),
+      m_resampler(Unsigned(rate), 1, Unsigned(TrackedRate(rate)), 1, kMaxFrames),
+      m_frame(Size(channels)),
+      m_block(kMaxFrames),
       m_mono(m_resampler.MaxFramesFor(kMaxFrames)) {}
 
 void MonoInput::Feed(const short* samples, size_t count,
                      const std::function<void(const short*, size_t)>& take) {
   for (size_t i = 0; i < count; ++i) {
-    m_frames[m_filled++] = samples[i];
-    const bool last = i + 1 == count && m_filled % m_channels == 0;
-    if (m_filled < m_frames.size() && !last) continue;
-    const size_t frames = m_filled / m_channels;
-    take(m_mono.data(), m_resampler.Convert(m_frames.data(), frames, m_mono.data()));
+    m_frame[m_channel++] = samples[i];
+    if (m_channel == m_frame.size()) {
+      m_channel = 0;
+      m_block[m_filled++] = static_cast<short>(std::lrint(m_mix.Add(m_frame.data())));
+    }
+    const bool last = i + 1 == count && m_channel == 0;
+    if (m_filled < m_block.size() && !last) continue;
+    take(m_mono.data(), m_resampler.Convert(m_block.data(), m_filled, m_mono.data()));
     m_filled = 0;
   }
 }

@@ -4,12 +4,13 @@
 #include <functional>
 #include <vector>
 
+#include "desktop/dsp/aligned_sum.h"
 #include "desktop/dsp/rate/resampler.h"
 
 namespace desktop {
 
-// Brings interleaved audio of 8 to 48 kHz to mono at a rate that the trackers take: 8000 Hz stays,
-// all others become 16000 Hz.
+// Brings interleaved audio of 8 to 48 kHz to mono, no channel against another, at a rate that the
+// trackers take: 8000 Hz stays, all others become 16000 Hz.
 class MonoInput {
  public:
   MonoInput(int rate, int channels);
@@ -23,11 +24,13 @@ class MonoInput {
             const std::function<void(const short*, size_t)>& take);
 
  private:
-  const size_t m_channels;
+  AlignedSum m_mix;
   Resampler m_resampler;
 
-  // The next block to convert, of which m_filled samples have come.
-  std::vector<short> m_frames;
+  // The next frame, of which m_channel samples have come, and the next block to convert.
+  std::vector<short> m_frame;
+  size_t m_channel = 0;
+  std::vector<short> m_block;
   size_t m_filled = 0;
 
   std::vector<short> m_mono;

@@ -24,9 +24,10 @@ bool VoiceDetector::Accepts(unsigned rate, unsigned channels) {
 
 VoiceDetector::VoiceDetector(unsigned rate, unsigned channels)
     : m_hop(rate / 100),
-      m_channels(channels),
       m_activity(std::make_unique<ActivityDetector>(Count(rate), m_hop)),
-      m_steadiness(std::make_unique<SteadyNoise>(Count(rate), m_hop)) {
+      m_steadiness(std::make_unique<SteadyNoise>(Count(rate), m_hop)),
+      m_mix(Count(rate), channels),
+      m_frame(channels) {
   m_block.reserve(m_hop);
   m_activity->SetThreshold(kThresholds[voiceDetectionLowLikelihood]);
 }
@@ -64,10 +65,9 @@ VADResultKind VoiceDetector::Detect(const short* samples, size_t count) {
 
 // Takes one sample of one channel. Returns true when it completed 10 ms.
 bool VoiceDetector::Push(short sample) {
-  m_sum += sample;
-  if (++m_channel < m_channels) return false;
-  m_block.push_back(static_cast<float>(m_sum) / static_cast<float>(m_channels));
-  m_sum = 0;
+  m_frame[m_channel++] = sample;
+  if (m_channel < m_frame.size()) return false;
+  m_block.push_back(m_mix.Add(m_frame.data()));
   m_channel = 0;
   return m_block.size() == m_hop;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/dsp/aligned_sum.h"
 #include "engine_api/enhancement/voice_activity.h"
 
 namespace desktop {
@@ -12,8 +13,8 @@ class ActivityDetector;
 class SteadyNoise;
 
 // Says what there is in each 10 ms of interleaved audio: nothing, voice, or a sound without voice.
-// It mixes the channels down and does not look ahead. Allocates in the constructor only. Belongs to
-// one thread at a time.
+// It mixes the channels down, none against another, and does not look ahead. Allocates in the
+// constructor only. Belongs to one thread at a time.
 class VoiceDetector {
  public:
   // 4000 to 192000 Hz, 1 to 64 channels.
@@ -38,16 +39,17 @@ class VoiceDetector {
   VADResultKind Judge();
 
   const size_t m_hop;
-  const unsigned m_channels;
   const std::unique_ptr<ActivityDetector> m_activity;
   const std::unique_ptr<SteadyNoise> m_steadiness;
 
   // The next 10 ms, mixed down, as far as they have come.
   std::vector<float> m_block;
 
-  // The sum of the m_channel samples that have come of the next frame.
-  int m_sum = 0;
-  unsigned m_channel = 0;
+  AlignedSum m_mix;
+
+  // The next frame, of which m_channel samples have come.
+  std::vector<short> m_frame;
+  size_t m_channel = 0;
   VADResultKind m_last = vadResultIsUnknown;
 };
 
