@@ -120,6 +120,11 @@ std::vector<std::string_view> MeasureNames() {
   return names;
 }
 
+std::optional<std::string_view> UnitOfMeasure(std::string_view name) {
+  const Measure* const measure = audio_measures::FindMeasure(name);
+  return measure == nullptr ? std::nullopt : std::optional(measure->unit);
+}
+
 void CheckMeasureName(const std::string& name, const Scorers& scorers) {
   if (audio_measures::FindMeasure(name) != nullptr) return;
   if (FindScorer(scorers, name) != nullptr) return;

@@ -37,6 +37,9 @@ struct BroughtToRate {
 // All names, in the order of the list.
 std::vector<std::string_view> MeasureNames();
 
+// The unit of a measure, empty for a bare number; nothing when there is none of that name.
+std::optional<std::string_view> UnitOfMeasure(std::string_view name);
+
 // Throws UsageError, with a suggestion, when neither a measure nor a scorer has that name.
 void CheckMeasureName(const std::string& name, const Scorers& scorers);
 

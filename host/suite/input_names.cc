@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "audio_measures/measure.h"
 #include "base/suggest.h"
 #include "base/usage_error.h"
 #include "catalogue/catalogue_text.h"
 #include "files/workspace.h"
+#include "measure/measure_file.h"
 #include "results/result.h"
 #include "run/source_of_output.h"
 
@@ -53,9 +53,7 @@ void CheckTruths(const SuiteCase& one, const CatalogueRow& row,
       known = known || unit == truth.unit;
       units += (units.empty() ? "" : " or ") + (unit.empty() ? "a bare number" : std::string(unit));
     };
-    for (const audio_measures::Measure& each : audio_measures::AllMeasures()) {
-      consider(each.name, each.unit);
-    }
+    if (const auto unit = UnitOfMeasure(truth.name)) consider(truth.name, *unit);
     for (const Scorer& each : one.scorers) consider(each.name, each.unit);
     for (const harness::ResultLine& each : row.results) consider(each.name, each.unit);
     consider(kLength, "s");
