@@ -45,7 +45,7 @@ export class Browser {
     self.folder = mkdtempSync(path.join(os.tmpdir(), 'page-'));
     const puppeteer = load('puppeteer-core');
     self.browser = await (puppeteer.default ?? puppeteer).launch({
-      browser, executablePath, headless: true, protocolTimeout: 60000,
+      browser, executablePath, headless: true, protocolTimeout: 0,
       args: kWords[browser], env: { ...process.env, ...env },
     });
     return self;
@@ -57,6 +57,7 @@ export class Browser {
     const file = path.join(this.folder, 'report.html');
     writePage(process.env.PAGE_TEMPLATE, sample, file);
     const page = await this.browser.newPage();
+    page.setDefaultTimeout(0);  // However busy the machine is: ctest has a limit for the whole.
     page.said = [];
     page.asked = [];
     page.on('console', (message) => page.said.push(message.text()));
@@ -68,7 +69,7 @@ export class Browser {
     if (anyScript) await page.setBypassCSP(true);
     if (before) await page.evaluateOnNewDocument(before);
     page.address = pathToFileURL(file).href;
-    await page.goto(page.address + fragment, { waitUntil: 'domcontentloaded' });
+    await page.goto(page.address + fragment, { waitUntil: 'domcontentloaded', timeout: 0 });
     return page;
   }
 

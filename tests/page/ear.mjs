@@ -1,24 +1,25 @@
 // What the page plays: taken at the way out of its audio, so that the page needs to know nothing of it.
 //
 // Installed before the page's own script. window.ear.analyser is an AnalyserNode on what is heard,
-// window.ear.context its clock. Every block is taken where it is made, so none is missed however busy
-// the machine is: record() begins anew, recorded(seconds) resolves to all since then when there is that
-// much of it.
+// window.ear.context its clock. Every block is taken where it is made, with its time, so none is missed
+// or mistaken for a later one however busy the machine is: record() begins anew with what is played from
+// then on, until(time) resolves to all of it up to that time of the clock.
 export function listen() {
   const connect = AudioNode.prototype.connect;
-  const ear = { context: null, analyser: null, blocks: [], count: 0, waiting: [] };
+  const ear = { context: null, analyser: null, blocks: [], from: 0, last: 0, waiting: [] };
   window.ear = ear;
 
   const kTap = `registerProcessor('tap', class extends AudioWorkletProcessor {
     process([[samples]]) {
-      this.port.postMessage(samples ? samples.slice() : new Float32Array(128));
+      this.port.postMessage({ time: currentTime, block: samples?.slice() ?? new Float32Array(128) });
       return true;
     }
   });`;
 
-  const take = (block) => {
+  const take = ({ time, block }) => {
+    if (time < ear.from) return;
     ear.blocks.push(block);
-    ear.count += block.length;
+    ear.last = time + block.length / ear.context.sampleRate;
     for (const look of [...ear.waiting]) look();
   };
 
@@ -45,10 +46,14 @@ export function listen() {
     return connect.call(this, to, ...rest);
   };
 
-  ear.record = () => { ear.blocks = []; ear.count = 0; };
-  ear.recorded = (seconds) => new Promise((done) => {
+  ear.record = () => {
+    ear.from = ear.context.currentTime;
+    ear.blocks = [];
+    ear.last = 0;
+  };
+  ear.until = (time) => new Promise((done) => {
     const look = () => {
-      if (ear.count < seconds * ear.context.sampleRate) return;
+      if (ear.last < time) return;
       ear.waiting = ear.waiting.filter((one) => one !== look);
       done(ear.blocks.flatMap((block) => [...block]));
     };

@@ -18,7 +18,8 @@ export class Spectrum {
 
   async load(channels, seconds, width) {
     this.m_channels = channels;
-    this.m_images = [await this.#make(0, seconds, Math.min(kWidest, Math.max(300, width)))];
+    const whole = await this.#make(0, seconds, Math.min(kWidest, Math.max(300, width)));
+    if (this.m_channels === channels) this.m_images = [whole];
   }
 
   // Only what is shown is sent, with half a window on either side.

@@ -3,27 +3,35 @@ import { ask } from '../work/ask.js';
 import { channelsOf, decode, padded, toBuffer } from './recordings.js';
 import { linear } from './level_match.js';
 
-async function difference(player, tracks) {
-  const [a, b] = player.difference.of.map((key) => tracks.find((track) => track.key === key));
-  const gain = typeof player.difference.gain === 'number' ? linear(player.difference.gain) : null;
+async function subtracted(difference, tracks) {
+  const [a, b] = difference.of.map((key) => tracks.find((track) => track.key === key));
+  const gain = typeof difference.gain === 'number' ? linear(difference.gain) : null;
   const copies = (track) => channelsOf(track.buffer).map((samples) => samples.slice());
   const { channels } = await ask('difference', () => ({ a: copies(a), b: copies(b), gain }));
   return channels;
 }
 
-export async function loadTracks(player) {
+// Resolves to whether all are there. When they are not wanted any more, because a reader has gone on, the
+// rest is left.
+export async function loadTracks(player, wanted) {
   const { tracks, rate } = player;
   const recorded = tracks.filter((track) => track.version.audio);
   const buffers = [];
-  for (const track of recorded) buffers.push(await decode(track.version.audio, rate));
+  for (const track of recorded) {
+    buffers.push(await decode(track.version.audio, rate));
+    if (!wanted()) return false;
+  }
   const length = Math.max(...buffers.map((buffer) => buffer.length),
                           Math.round(player.seconds * rate));
   for (const [at, track] of recorded.entries()) {
-    await track.load(padded(buffers[at], length), player.width);
+    await track.load(padded(buffers[at], length), player.width, wanted);
+    if (!wanted()) return false;
     player.redraw();
   }
   const rest = tracks.find((track) => track.key === 'difference');
-  if (rest) {
-    await rest.load(toBuffer(await difference(player.data, tracks), rate), player.width);
-  }
+  if (!rest) return true;
+  const channels = await subtracted(player.data.difference, tracks);
+  if (!wanted()) return false;
+  await rest.load(toBuffer(channels, rate), player.width, wanted);
+  return wanted();
 }

@@ -47,6 +47,7 @@ export class Player {
                                                     m.at <= this.start + this.seconds);
     this.matching = true;
     this.m_loading = null;
+    this.m_turn = 0;
     this.m_blind = false;
     this.m_drawing = false;
     this.width = 0;
@@ -63,8 +64,7 @@ export class Player {
     this.tracks = [...heard, difference].filter(Boolean).map((version, at) =>
       new Track(version, at, this, this.#layer(at === 0)));
     this.curves = (player.curves ?? []).map((curve) => new Curve(curve, this.start));
-    this.m_ruler = new Canvas(kRuler, `Time from ${time(this.start)} to ` +
-                                      time(this.start + this.seconds));
+    this.m_ruler = new Canvas(kRuler, this.#shown());
     this.node = this.#build(one, heard, (player.versions ?? []).filter((v) => !v.audio));
     this.hear(this.tracks[0]?.key);
     registerPlayer(this);
@@ -100,14 +100,17 @@ export class Player {
 
   // Recordings, decoded and drawn; once until they are given back.
   load() {
-    this.m_loading ??= loadTracks(this).then(() => this.#loaded(), (error) => {
-      this.bar.state.textContent = `Cannot be played: ${error.message}`;
-    });
+    if (!this.m_loading) {
+      const turn = ++this.m_turn;
+      const wanted = () => turn === this.m_turn;
+      this.m_loading = loadTracks(this, wanted).then(
+        (all) => (all ? this.#loaded() : null),
+        (error) => { this.bar.state.textContent = `Cannot be played: ${error.message}`; });
+    }
     return this.m_loading;
   }
 
   #loaded() {
-    if (!this.m_loading) return;
     this.transport.setBuffers(new Map(this.tracks.map((track) => [track.key, track.buffer])));
     this.#match();
     this.redraw();
@@ -116,6 +119,7 @@ export class Player {
   #release() {
     if (!this.m_loading || this.transport.playing) return;
     this.m_loading = null;
+    this.m_turn += 1;
     this.transport.setBuffers(new Map());
     for (const part of [...this.tracks, ...this.curves]) part.release();
   }
@@ -123,6 +127,10 @@ export class Player {
   #resize(width) {
     this.width = Math.floor(width);
     this.redraw();
+  }
+
+  #shown() {
+    return `Time from ${time(this.start + this.view.from)} to ${time(this.start + this.view.to)}`;
   }
 
   // Draws everything anew, in small steps.
@@ -134,6 +142,7 @@ export class Player {
       if (this.width < 60) return;
       this.m_ruler.draw(this.width, (context, width) =>
         drawRuler(context, width, kRuler, this.view, this.start));
+      this.m_ruler.node.setAttribute('aria-label', this.#shown());
       const top = Math.max(0.001, ...this.tracks.filter((t) => t.key !== 'difference')
         .map((track) => track.peak));
       for (const track of this.tracks) {

@@ -55,11 +55,12 @@ export class Track {
     this.panes = this.node.lastChild;
   }
 
-  // Takes what is to be heard and seen; resolves when it can be drawn.
-  async load(buffer, width) {
-    this.buffer = buffer;
+  // Takes what is to be heard and seen; resolves when it can be drawn, or is not wanted any more.
+  async load(buffer, width, wanted) {
     const channels = channelsOf(buffer);
     const { outlines, peak } = await ask('outline', () => ({ channels: channels.map((c) => c.slice()) }));
+    if (!wanted()) return;
+    this.buffer = buffer;
     this.peak = peak;
     this.m_shown = { channels, outlines, rate: buffer.sampleRate };
     this.m_wave.node.setAttribute('aria-label', `Waveform of ${this.version.label}, peak ` +
