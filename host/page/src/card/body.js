@@ -17,8 +17,7 @@ export function guessHeight(one) {
 
 function why(one) {
   const words = one.reason || kMeaning[one.verdict] || '';
-  const change = one.change ? `Beside the other run: ${plain(one.change)}, ${kMeaning[one.change] ?? ''}`
-                            : '';
+  const change = one.change ? `Beside the other run: ${plain(one.change)}` : '';
   const before = one.against_verdict && one.against_verdict !== one.verdict
     ? `; its verdict there is ${plain(one.against_verdict)}` : '';
   return [

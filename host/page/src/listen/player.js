@@ -1,19 +1,21 @@
 // A player: all versions of one recording, seen on one time axis and heard at one place.
-import { el, freshId } from '../dom.js';
+import { el } from '../dom.js';
 import { Canvas, kGutter } from '../draw/canvas.js';
 import { Curve } from '../draw/curve.js';
 import { drawRuler } from '../draw/ruler.js';
 import { onTheme } from '../draw/theme.js';
 import { TimeView } from '../draw/time_view.js';
-import { quantity, signed, time } from '../words.js';
+import { signed, time } from '../words.js';
 import { Visible } from '../work/visible.js';
 import { slice } from '../work/slices.js';
 import { AbxPanel } from './abx_panel.js';
 import { Bar } from './bar.js';
 import { registerPlayer, usedPlayer } from './keys.js';
 import { Layer } from './layer.js';
+import { differenceVersion } from './difference_version.js';
 import { linear, matchLevels } from './level_match.js';
 import { loadTracks } from './load.js';
+import { playerFrame } from './player_frame.js';
 import { kRuler } from './player_size.js';
 import { playerRate } from './recordings.js';
 import { Track } from './track.js';
@@ -23,20 +25,6 @@ const kBefore = 0.5;     // s that are heard before a guard's place
 const kLeastLoop = 0.02; // s
 const s_visible = new Visible({ near: 300, far: 3000 });
 let s_playing = null;
-
-function differenceVersion(player) {
-  const difference = player.difference;
-  const labels = (difference?.of ?? []).map((key) => player.versions.find((v) => v.key === key));
-  if (labels.length !== 2 || labels.some((v) => !v?.audio)) return null;
-  const level = difference.identical ? 'none: they are the same'
-    : typeof difference.db === 'number' ? quantity(difference.db, 'dBFS') : '';
-  const relative = typeof difference.relative === 'number'
-    ? `${signed(difference.relative, 'dB')} beside ${labels[1].label.toLowerCase()}` : '';
-  return { key: 'difference', label: 'Difference', channels: labels[0].channels, lufs: null,
-           file: [`${labels[0].label} less ${labels[1].label.toLowerCase()}`, level, relative]
-             .filter(Boolean).join(' · '),
-           gain: 0 };
-}
 
 export class Player {
   constructor(player, one) {
@@ -61,11 +49,13 @@ export class Player {
     this.abx = new AbxPanel(this, heard);
     this.m_layers = [];
     const difference = differenceVersion(player);
+    this.heard = heard;
     this.tracks = [...heard, difference].filter(Boolean).map((version, at) =>
       new Track(version, at, this, this.#layer(at === 0)));
     this.curves = (player.curves ?? []).map((curve) => new Curve(curve, this.start));
     this.m_ruler = new Canvas(kRuler, this.#shown());
-    this.node = this.#build(one, heard, (player.versions ?? []).filter((v) => !v.audio));
+    this.m_wide = el('div', { class: 'pane-width' }, this.m_ruler.node);
+    this.node = playerFrame(this, one, this.m_wide, () => usedPlayer(this));
     this.hear(this.tracks[0]?.key);
     registerPlayer(this);
     onTheme(() => { this.curves.forEach((curve) => curve.release()); this.redraw(); });
@@ -77,25 +67,6 @@ export class Player {
     const layer = new Layer(this, first);
     this.m_layers.push(layer);
     return layer.node;
-  }
-
-  #build(one, heard, silent) {
-    const title = freshId('player');
-    const whole = this.data.whole;
-    const part = whole && whole > this.seconds + 0.01
-      ? `${time(this.start, 1)} to ${time(this.start + this.seconds, 1)} of ${time(whole, 1)}`
-      : time(this.seconds, 1);
-    this.m_wide = el('div', { class: 'pane-width' }, this.m_ruler.node);
-    return el('section', { class: 'player', tabindex: '0', role: 'group', 'aria-labelledby': title,
-                           onfocusin: () => usedPlayer(this), onpointerdown: () => usedPlayer(this) },
-      el('h4', { id: title }, this.data.title ?? one.id, el('span', { class: 'quiet' }, part)),
-      heard.length > 0 ? this.bar.node : null,
-      el('div', { class: 'tracks' },
-         el('div', { class: 'track is-ruler' }, el('div', { class: 'track-head' }), this.m_wide),
-         this.tracks.map((track) => track.node), this.curves.map((curve) => curve.node)),
-      silent.length > 0 ? el('p', { class: 'note' }, 'Not in this page: ',
-                             silent.map((v) => `${v.label} (${v.file ?? ''})`).join(', ')) : null,
-      heard.length > 1 ? this.abx.node : null);
   }
 
   // Recordings, decoded and drawn; once until they are given back.
