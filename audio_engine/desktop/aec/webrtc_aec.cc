@@ -42,7 +42,8 @@ int32_t WebRtcAec_Init(void* handle, int32_t rate, int32_t cardRate) {
     return -1;
   }
   try {
-    static_cast<Handle*>(handle)->emplace(kRate, desktop::EchoCanceller::Delay::kGiven);
+    static_cast<Handle*>(handle)->emplace(kRate, desktop::EchoCanceller::Delay::kGiven,
+                                          desktop::EchoCanceller::Suppressor::kOwn);
   } catch (const std::bad_alloc&) {
     desktop::LogRefusal("no memory for an echo canceller");
     return -1;

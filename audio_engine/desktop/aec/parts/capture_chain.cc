@@ -23,7 +23,8 @@ void CaptureChain::SetRate(int rate) {
   // The files of a recorder are of the rate before.
   if (rate != m_rate) m_recorder.reset();
   m_rate = rate;
-  m_canceller = std::make_unique<EchoCanceller>(rate, EchoCanceller::Delay::kFound);
+  m_canceller = std::make_unique<EchoCanceller>(rate, EchoCanceller::Delay::kFound,
+                                                EchoCanceller::Suppressor::kOwn);
   m_canceller->SetSuppression(EchoCanceller::Suppression::kHigh);
   ApplyDenoise();
   m_voice.emplace(Unsigned(rate), 1u);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <new>
 
 #include "desktop/common/apm.h"
@@ -31,6 +32,14 @@ constexpr int kFilterMarginMs = 50;
 constexpr int kMinMarginMs = 20;
 constexpr int kMaxMarginMs = 150;
 
+// An echo comes so many blocks about its delay; before that is known, it may come up to so late.
+constexpr size_t kBlocksBefore = 1;
+constexpr size_t kBlocksAfter = 2;
+constexpr size_t kUnknownBlocks = 25;
+
+// From the least suppression to the most.
+constexpr EchoSuppressor::Strength kStrengths[] = {{0.1f, 0.3f}, {0.25f, 2.0f}, {0.5f, 32.0f}};
+
 constexpr float kFullScale = 32768.0f;
 
 webrtc::AudioProcessing* CreateApm(int rate) {
@@ -51,22 +60,30 @@ void Scale(float* block, size_t count, float factor) {
 
 }  // namespace
 
-EchoCanceller::EchoCanceller(int rate, Delay delay)
+EchoCanceller::EchoCanceller(int rate, Delay delay, Suppressor suppressor)
     : m_rate(rate),
       m_block(Size(rate / 100)),
       m_filter(m_block, kPartitions, kMaxOffsetBlocks),
       m_tracker(delay == Delay::kFound ? std::make_unique<DelayTracker>(rate, 500) : nullptr),
+      m_suppressor(suppressor == Suppressor::kOwn ? std::make_unique<EchoSuppressor>(m_block)
+                                                  : nullptr),
       m_apm(CreateApm(rate)),
       m_early(kEarlyBlocks * m_block),
       m_far(m_block),
+      m_near(m_block),
+      m_echo(m_block),
       m_shorts(m_block) {
-  m_apm->echo_cancellation()->Enable(true);
+  m_apm->echo_cancellation()->Enable(!m_suppressor);
   SetSuppression(Suppression::kModerate);
 }
 
 EchoCanceller::~EchoCanceller() = default;
 
 void EchoCanceller::SetSuppression(Suppression suppression) {
+  if (m_suppressor) {
+    m_suppressor->SetStrength(kStrengths[static_cast<int>(suppression)]);
+    return;
+  }
   using Level = webrtc::EchoCancellation::SuppressionLevel;
   const Level levels[] = {Level::kLowSuppression, Level::kModerateSuppression,
                           Level::kHighSuppression};
@@ -84,7 +101,12 @@ void EchoCanceller::EnableCancellation(bool on) {
   if (on == m_cancels) return;
   m_cancels = on;
   m_hasEcho = false;
-  m_apm->echo_cancellation()->Enable(on);
+  m_apm->echo_cancellation()->Enable(on && !m_suppressor);
+}
+
+void EchoCanceller::ForgetEchoPath() {
+  m_filter.Restart();
+  if (m_suppressor) m_suppressor->Forget();
 }
 
 void EchoCanceller::SetDelay(int delayMs) { m_delayMs = std::clamp(delayMs, 0, 500); }
@@ -98,9 +120,10 @@ void EchoCanceller::ProcessFar(const float* block) {
   ++m_earlyBlocks;
 }
 
-// The filter hears what is dropped, so that its past stays whole.
+// What is dropped is heard, so that the past of the far end stays whole.
 void EchoCanceller::DropFar() {
   m_filter.Hear(m_early.data());
+  if (m_suppressor) m_suppressor->Hear(m_early.data());
   std::copy(m_early.begin() + Offset(m_block), m_early.end(), m_early.begin());
   --m_earlyBlocks;
 }
@@ -134,6 +157,7 @@ void EchoCanceller::TakeFar() {
 void EchoCanceller::PassNear(const float* block) {
   TakeFar();
   m_filter.Hear(m_far.data());
+  if (m_suppressor) m_suppressor->Hear(m_far.data());
   if (m_cancels) FollowDelay(block);
 }
 
@@ -142,9 +166,11 @@ void EchoCanceller::ProcessNear(float* block) {
   if (m_cancels) {
     FollowDelay(block);
     MoveFilter();
+    std::copy(block, block + m_block, m_near.begin());
     m_filter.Process(m_far.data(), block, block);
+    if (m_suppressor) SuppressEcho(m_near.data(), block);
   }
-  if (m_cancels || m_suppressesNoise) Suppress(block);
+  if ((m_cancels && !m_suppressor) || m_suppressesNoise) RunModule(block);
   for (size_t i = 0; i < m_block; ++i) block[i] = std::clamp(block[i], -32768.0f, 32767.0f);
 }
 
@@ -176,20 +202,35 @@ void EchoCanceller::MoveFilter() {
   m_filter.SetOffset(Size(std::max(0, *m_lastingDelayMs - kFilterMarginMs)) / 10);
 }
 
-void EchoCanceller::Suppress(float* block) {
+// Returns about how many blocks ago the far end was that is heard now.
+EchoSuppressor::Delay EchoCanceller::EchoBlocks() const {
+  if (!m_lastingDelayMs) return {0, kUnknownBlocks};
+  const size_t blocks = Size(*m_lastingDelayMs) / 10;
+  return {blocks - std::min(blocks, kBlocksBefore), blocks + kBlocksAfter};
+}
+
+void EchoCanceller::SuppressEcho(const float* near, float* block) {
+  std::transform(near, near + m_block, block, m_echo.begin(), std::minus<>());
+  m_suppressor->Hear(m_far.data());
+  m_suppressor->Process(m_echo.data(), m_filter.Doubt(), EchoBlocks(), block);
+  m_hasEcho = m_suppressor->HasEcho();
+}
+
+// The packaged module works in the range of -1 to 1.
+void EchoCanceller::RunModule(float* block) {
   const webrtc::StreamConfig stream(m_rate, 1);
-  float* const near = block;
-  Scale(near, m_block, 1 / kFullScale);
-  if (m_cancels) {
+  const bool cancels = m_cancels && !m_suppressor;
+  Scale(block, m_block, 1 / kFullScale);
+  if (cancels) {
     float* const far = m_far.data();
     Scale(far, m_block, 1 / kFullScale);
     m_apm->ProcessReverseStream(&far, stream, stream, &far);
     Scale(far, m_block, kFullScale);
     m_apm->set_stream_delay_ms(std::max(0, m_lastingDelayMs.value_or(0) - kModuleMarginMs));
   }
-  m_apm->ProcessStream(&near, stream, stream, &near);
-  m_hasEcho = m_cancels && m_apm->echo_cancellation()->stream_has_echo();
-  Scale(near, m_block, kFullScale);
+  m_apm->ProcessStream(&block, stream, stream, &block);
+  if (!m_suppressor) m_hasEcho = cancels && m_apm->echo_cancellation()->stream_has_echo();
+  Scale(block, m_block, kFullScale);
 }
 
 }  // namespace desktop

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "desktop/aec/parts/delay_tracker.h"
+#include "desktop/aec/parts/echo_suppressor.h"
 #include "desktop/aec/parts/kalman_filter.h"
 
 namespace webrtc {
@@ -15,17 +16,21 @@ class AudioProcessing;
 namespace desktop {
 
 // Takes the far end's echo, and noise if asked to, out of a near end, mono, in blocks of 10 ms of
-// floats in the 16-bit range: a linear filter, then the packaged module, which suppresses what
-// the filter leaves. Belongs to one thread at a time.
+// floats in the 16-bit range: a linear filter, then what suppresses the echo that the filter
+// leaves. Belongs to one thread at a time.
 class EchoCanceller {
  public:
   enum class Suppression { kLow, kModerate, kHigh };
   enum class Delay { kFound, kGiven };  // By itself, or by SetDelay.
 
+  // Of what the filter leaves: EchoSuppressor, which is kind to near talkers, or the packaged
+  // module, in which noise is suppressed without further lag.
+  enum class Suppressor { kOwn, kPackaged };
+
   static constexpr int kNoNoiseSuppression = -1;
 
   // rate: 8000 or 16000 Hz.
-  EchoCanceller(int rate, Delay delay);
+  EchoCanceller(int rate, Delay delay, Suppressor suppressor);
   ~EchoCanceller();
 
   void SetSuppression(Suppression suppression);
@@ -35,15 +40,15 @@ class EchoCanceller {
   void SetDelay(int delayMs);  // 0 to 500; the next block is the first that knows it.
   int DelayMs() const { return m_delayMs.value_or(0); }
 
-  void ForgetEchoPath() { m_filter.Restart(); }
+  void ForgetEchoPath();
 
   // Per block first the far end; without one the near end is cleaned against silence. Blocks that
   // come early are kept for the next near ends, up to 80 ms of them, unless no near end needs them:
   // then capture has paused, and to keep them would make the far end late for good.
   void ProcessFar(const float* block);
 
-  // In place. Cancellation makes it kLagSamples late at 8 and 16 kHz, noise suppression alone
-  // 6 ms. The result stays within -32768..32767.
+  // In place. Cancellation makes it kLagSamples late (at 8 kHz, with a suppressor of our own, 80
+  // samples), noise suppression alone 6 ms. The result stays within -32768..32767.
   void ProcessNear(float* block);
   static constexpr size_t kLagSamples = 112;
 
@@ -65,7 +70,9 @@ class EchoCanceller {
   void TakeFar();
   void FollowDelay(const float* near);
   void MoveFilter();
-  void Suppress(float* block);
+  EchoSuppressor::Delay EchoBlocks() const;
+  void SuppressEcho(const float* near, float* block);
+  void RunModule(float* block);
 
   const int m_rate;
   const size_t m_block;
@@ -73,6 +80,9 @@ class EchoCanceller {
 
   // Null when the delay is given.
   std::unique_ptr<DelayTracker> m_tracker;
+
+  // Null where the packaged module suppresses.
+  std::unique_ptr<EchoSuppressor> m_suppressor;
   std::unique_ptr<webrtc::AudioProcessing> m_apm;
   bool m_cancels = true;
   bool m_suppressesNoise = false;
@@ -93,6 +103,8 @@ class EchoCanceller {
   size_t m_leastLeft = 0;
   int m_watchedFor = 0;
   std::vector<float> m_far;
+  std::vector<float> m_near;
+  std::vector<float> m_echo;
   std::vector<short> m_shorts;
 };
 

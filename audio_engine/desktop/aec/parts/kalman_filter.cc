@@ -70,6 +70,7 @@ KalmanFilter::KalmanFilter(size_t block, size_t partitions, size_t maxOffset)
       m_uncertainty(partitions, Power(m_fft.Bins())),
       m_earlierPath(partitions, Spectrum(m_fft.Bins())),
       m_predicted(m_fft.Bins()),
+      m_doubt(m_fft.Bins()),
       m_nearPower(m_fft.Bins()),
       m_echo(m_fft.Bins()),
       m_error(m_fft.Bins()),
@@ -182,6 +183,7 @@ void KalmanFilter::PredictEcho() {
     }
     AddProduct(far, m_path[partition], m_echo);
   }
+  m_doubt = m_predicted;
   m_fft.Inverse(m_echo.data(), m_samples.data());
 }
 

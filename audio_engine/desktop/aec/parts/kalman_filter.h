@@ -31,6 +31,9 @@ class KalmanFilter {
   // a block is faded in with the next one, so that no step is heard where they meet.
   void Process(const float* far, const float* near, float* out);
 
+  // The power, by bin, of the echo that the last block is thought to keep.
+  const std::vector<float>& Doubt() const { return m_doubt; }
+
   // Takes a far-end block whose near end is not known.
   void Hear(const float* far);
 
@@ -74,6 +77,7 @@ class KalmanFilter {
   // The power of the echo that the error of the path makes, and that of the near end without echo,
   // smoothed.
   Power m_predicted;
+  Power m_doubt;
   Power m_nearPower;
   Spectrum m_echo;
   Spectrum m_error;

@@ -37,7 +37,8 @@ bool MobileCanceller::Accepts(int rate) {
 MobileCanceller::MobileCanceller(int rate)
     : m_frames(Size(rate / 100)),
       m_bands(Size(std::max(1, rate / 16000))),
-      m_canceller(std::min(rate, 16000), EchoCanceller::Delay::kFound),
+      m_canceller(std::min(rate, 16000), EchoCanceller::Delay::kFound,
+                  EchoCanceller::Suppressor::kPackaged),
       m_farSplit(m_bands, m_frames),
       m_farBands(m_frames),
       m_block(FramesPerBand()),

@@ -1,0 +1,117 @@
+#include "desktop/aec/parts/echo_suppressor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "desktop/aec/parts/kalman_filter.h"
+#include "support/allocation_count.h"
+#include "support/talk.h"
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr size_t kBlock = 160;
+constexpr desktop::EchoSuppressor::Delay kDelay = {5, 8};
+
+// What the filter and the suppressor make of a near end whose echo is 60 ms late, less the lag.
+struct Cancelled {
+  Samples filtered;
+  Samples out;
+  int blocksWithEcho = 0;
+};
+
+Cancelled Cancel(const Samples& far, const Samples& near) {
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  desktop::EchoSuppressor suppressor(kBlock);
+  Cancelled result;
+  std::vector<float> farBlock(kBlock);
+  std::vector<float> echo(kBlock);
+  std::vector<float> block(kBlock);
+  for (size_t at = 0; at + kBlock <= near.size(); at += kBlock) {
+    std::copy_n(&far[at], kBlock, farBlock.begin());
+    std::copy_n(&near[at], kBlock, block.begin());
+    filter.Process(farBlock.data(), block.data(), block.data());
+    for (size_t i = 0; i < kBlock; ++i) echo[i] = near[at + i] - block[i];
+    result.filtered.insert(result.filtered.end(), block.begin(), block.end());
+    suppressor.Hear(farBlock.data());
+    suppressor.Process(echo.data(), filter.Doubt(), kDelay, block.data());
+    result.out.insert(result.out.end(), block.begin(), block.end());
+    result.blocksWithEcho += suppressor.HasEcho() ? 1 : 0;
+  }
+  result.out.erase(result.out.begin(),
+                   result.out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
+  return result;
+}
+
+Samples Clipped(Samples samples, int least, int most) {
+  for (short& sample : samples) sample = static_cast<short>(std::clamp<int>(sample, least, most));
+  return samples;
+}
+
+TEST(EchoSuppressor, TakesTheEchoOfALoudspeakerThatDistorts) {
+  const Samples far = Talk(kRate, 6, 1);
+  const Samples near = Sum(Echo(Clipped(far, -1500, 2500), kRate, 60), Hiss(kRate, 6, 2, -75));
+  const Cancelled made = Cancel(far, near);
+  const double filtered = LossDb(near, made.filtered, kRate, 2, 6);
+  EXPECT_LT(filtered, 20);
+  EXPECT_GT(LossDb(near, made.out, kRate, 2, 6), filtered + 10);
+}
+
+// A product of samples, of which a linear filter learns next to nothing.
+TEST(EchoSuppressor, TakesEchoThatTheFilterDoesNotLearn) {
+  const Samples far = Talk(kRate, 6, 3);
+  Samples near = Echo(far, kRate, 60);
+  for (size_t i = near.size() - 1; i > 0; --i) {
+    const int fold = near[i] * near[i - 1] / 300;
+    near[i] = static_cast<short>(std::clamp(fold, -20000, 20000));
+  }
+  const Cancelled made = Cancel(far, near);
+  EXPECT_LT(LossDb(near, made.filtered, kRate, 2, 6), 6);
+  EXPECT_GT(LossDb(near, made.out, kRate, 2, 6), 15);
+}
+
+TEST(EchoSuppressor, LeavesTheNearEndInDoubleTalk) {
+  const Samples far = Talk(kRate, 8, 4);
+  const Samples speech = Talk(kRate, 8, 5);
+  const Samples near = Sum(Echo(Clipped(far, -2500, 3500), kRate, 60, 0), speech);
+  const Cancelled made = Cancel(far, near);
+  EXPECT_GT(SdrDb(speech, made.out, kRate, 1, 0), SdrDb(speech, near, kRate, 1, 0) + 4);
+}
+
+TEST(EchoSuppressor, LeavesTheNearEndBesideTheNoiseOfAFarEnd) {
+  const Samples far = Hiss(kRate, 6, 6, -60);
+  const Samples speech = Sum(Talk(kRate, 6, 7), Hiss(kRate, 6, 8, -70));
+  const Cancelled made = Cancel(far, speech);
+  EXPECT_NEAR(LossDb(speech, made.out, kRate, 0, 6), 0, 0.2);
+  EXPECT_LT(made.blocksWithEcho, 60);
+}
+
+TEST(EchoSuppressor, PutsNoiseInThePlaceOfEcho) {
+  const Samples far = Hiss(kRate, 8, 9, -25);
+  Samples echo = Echo(Clipped(far, -1000, 1200), kRate, 60, 0);
+  std::fill(echo.begin(), echo.begin() + 2 * kRate, short{0});
+  Samples silent = far;
+  std::fill(silent.begin(), silent.begin() + 2 * kRate, short{0});
+  const Samples near = Sum(echo, Hiss(kRate, 8, 10, -60));
+  const Cancelled made = Cancel(silent, near);
+  EXPECT_GT(made.blocksWithEcho, 500);
+  const double noise = LevelDb(made.out, kRate, 2.5, 3);
+  EXPECT_LT(noise, -58);
+  EXPECT_GT(noise, -75);
+}
+
+TEST(EchoSuppressor, AllocatesNothingPerBlock) {
+  desktop::EchoSuppressor suppressor(kBlock);
+  const std::vector<float> doubt(kBlock + 1);
+  std::vector<float> block(kBlock, 100.0f);
+  const size_t before = AllocationCount();
+  for (int i = 0; i < 100; ++i) {
+    suppressor.Hear(block.data());
+    suppressor.Process(block.data(), doubt, kDelay, block.data());
+  }
+  EXPECT_EQ(AllocationCount(), before);
+}
+
+}  // namespace
