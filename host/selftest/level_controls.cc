@@ -36,6 +36,14 @@ std::vector<Control> PeakControls() {
        "where interpolation by 4 looks; EBU Tech 3341 allows a true peak +0.2 and -0.4 dB.",
        [] { return Of(QuarterRate(0.5, 9600, std::numbers::pi / 4)); },
        {{"peak", Decibels(0.5) - 10 * std::log10(2.0), 1e-4}, {"true_peak", Decibels(0.5), 0.2}}});
+  for (const double turn : {1.0, 3.0}) {
+    controls.push_back(
+        {turn < 2 ? "the same sine, 22.5 degrees on" : "the same sine, 67.5 degrees on",
+         "The crest lies a quarter of the way between two samples, where only one of the three "
+         "values in between stands; next to it the sine is 0.69 dB lower.",
+         [turn] { return Of(QuarterRate(0.5, 9600, turn * std::numbers::pi / 8)); },
+         {{"true_peak", Decibels(0.5), 0.2}}});
+  }
   for (const size_t place : {0U, 4799U}) {
     controls.push_back(
         {place == 0 ? "one low sample at the start" : "one low sample at the end",
