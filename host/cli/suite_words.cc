@@ -48,6 +48,8 @@ void SuiteWords::AddSuite(CLI::App& app) {
       "--resume", m_suite.resume,
       "Go on in that folder, or in the latest: only what has not passed, or has changed");
   suite.add_option("--shard", m_shard, "Only part I of N of the cases")->type_name("I/N");
+  suite.add_option("--scratch", m_suite.scratch, "Run the cases in DIR, on a disk of this machine")
+      ->type_name("DIR");
   suite.add_flag("--dry-run", m_suite.dryRun, "Only say which cases there are");
   suite.add_flag("--strict", m_suite.strict, "A warning is a failure");
   suite.add_flag("--report", m_suite.report, "Also write a page of the results: DIR/report.html");

@@ -17,6 +17,7 @@
 #include "catalogue/catalogue_text.h"
 #include "run/run.h"
 #include "suite/case_record.h"
+#include "suite/scratch.h"
 
 namespace host {
 
@@ -109,6 +110,32 @@ void BeStrict(const SuiteCase& one, Json& record) {
   FailRecord(record, "guard", record.value("reason", ""));
 }
 
+// Runs the case in its workspace, among the results or in the scratch folder.
+void RunInPlace(const SuitePlace& suite, const SuiteCase& one) {
+  SuitePlace here = suite;
+  if (!suite.scratch.empty()) {
+    here.folder = suite.scratch;
+    std::error_code ignored;
+    fs::remove_all(suite.Workspace(one.id), ignored);
+  }
+  MakeWorkspace(here.Workspace(one.id));
+  for (const std::string& id : one.after) {
+    TakeOutputs(suite.Report(id), suite.Workspace(id), here.Workspace(one.id));
+  }
+  if (one.demo && suite.demo.place) {
+    suite.demo.place(FindRow(one.routine), here.Workspace(one.id));
+  }
+  // The report is among the results at once: it tells of a scratch folder that is full.
+  Run(RunOf(one, here.Workspace(one.id), suite.Report(one.id)));
+  if (suite.scratch.empty()) return;
+  try {
+    Homecoming{suite.scratch, suite.folder, one.id}.Bring();
+  } catch (const UsageError&) {
+    fs::remove(suite.Report(one.id));  // It tells of files that are not there.
+    throw;
+  }
+}
+
 void Print(const std::string& message) {
   fprintf(stderr, "audio_bench: %s\n", Printable(message).c_str());
 }
@@ -123,14 +150,7 @@ Json RunOneCase(const SuitePlace& suite, size_t at) {
   const std::string fingerprint = CaseFingerprint(suite, at);
   Json record;
   try {
-    MakeWorkspace(suite.Workspace(one.id));
-    for (const std::string& id : one.after) {
-      TakeOutputs(suite.Report(id), suite.Workspace(id), suite.Workspace(one.id));
-    }
-    if (one.demo && suite.demo.place) {
-      suite.demo.place(FindRow(one.routine), suite.Workspace(one.id));
-    }
-    Run(RunOf(one, suite.Workspace(one.id), suite.Report(one.id)));
+    RunInPlace(suite, one);
   } catch (const UsageError& error) {
     Print(error.message);
     record = UnrunRecord(one, "error", exit_code::kUsage, "usage", error.message);

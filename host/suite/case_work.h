@@ -19,6 +19,7 @@ struct SuitePlace {
   std::string folder;  // Of the results.
   std::string origin;  // See OriginText().
   DemoRecordings demo;
+  std::string scratch = {};  // Folder in which cases run; empty: in that of the results.
 
   std::string Workspace(const std::string& id) const { return folder + "/cases/" + id; }
   std::string Report(const std::string& id) const { return folder + "/reports/" + id + ".json"; }

@@ -125,25 +125,23 @@ int MergeSuites(const MergeOptions& options) {
   const std::vector<Place> places = Places(parts);
   const SuiteFolder folder(options.out, false);
 
-  std::string plan = JournalLine(MergedHeader(parts, options));
-  CaseLog log(folder.path(), "");
+  NewLines plan = NewLines::ForPlan(folder.path());
+  NewLines cases = NewLines::ForCases(folder.path());
+  plan.Add(MergedHeader(parts, options));
   for (const Place& place : places) {
     const Part& part = parts[place.part];
     const Json record = MovedRecord(part.journal->Read(place.at), part.folder, folder.path());
     const bool ended = part.journal->Ended(place.at);
-    Json line = record;
-    if (ended) {
-      line = Json::object();
-      line["index"] = place.index;
-    }
-    plan += JournalLine(line);
-    if (ended) log.Append(record);
+    if (ended) cases.Add(record);
+    plan.Add(ended ? Json{{"index", place.index}} : record);
   }
-  WritePlan(folder.path(), plan);
-  WriteResults(folder.path());
+  cases.Publish();
+  plan.Publish();
+  const SuiteJournal journal(folder.path());
+  WriteResults(journal, folder.path());
   const int printed =
-      PrintResults(SuiteSummary(folder.path(), Paint(options.color, STDOUT_FILENO)));
-  const int exitCode = SuiteJournal(folder.path()).counts().ExitCode();
+      PrintResults(SuiteSummary(journal, folder.path(), Paint(options.color, STDOUT_FILENO)));
+  const int exitCode = journal.counts().ExitCode();
   return exitCode != 0 ? exitCode : printed;
 }
 

@@ -17,6 +17,7 @@
 #include "report/output.h"
 #include "suite/case_record.h"
 #include "suite/case_work.h"
+#include "suite/scratch.h"
 #include "suite/selection.h"
 #include "suite/suite_folder.h"
 #include "suite/suite_journal.h"
@@ -59,12 +60,13 @@ Json Header(const SuiteOptions& options, const Selection& selection) {
   return header;
 }
 
-std::string PlanText(const SuiteOptions& options, const Selection& selection) {
-  std::string text = JournalLine(Header(options, selection));
+void WritePlan(const std::string& folder, const SuiteOptions& options, const Selection& selection) {
+  NewLines plan = NewLines::ForPlan(folder);
+  plan.Add(Header(options, selection));
   for (const SuiteCase& one : selection.cases) {
-    if (one.counted) text += JournalLine(NotRunRecord(one));
+    if (one.counted) plan.Add(NotRunRecord(one));
   }
-  return text;
+  plan.Publish();
 }
 
 std::string DryRun(const Selection& selection) {
@@ -82,10 +84,10 @@ std::string DryRun(const Selection& selection) {
   return text + std::to_string(counted) + (counted == 1 ? " case\n" : " cases\n");
 }
 
-// What an earlier suite in the folder has left that holds for this one as well.
+// What an earlier suite in the folder has left that holds for this one as well, and is left of
+// cases.jsonl.
 struct Kept {
   std::vector<bool> cases;
-  std::string lines;  // For cases.jsonl.
   SuiteCounts counts;
 };
 
@@ -99,9 +101,9 @@ Json Renewed(const SuiteCase& one, const Json& earlier) {
   return record;
 }
 
-Kept FindKept(const SuitePlace& suite, bool resumed) {
-  Kept kept = {std::vector<bool>(suite.cases.size()), "", {}};
-  if (!resumed) return kept;
+// Adds them to `lines`.
+Kept FindKept(const SuitePlace& suite, NewLines& lines) {
+  Kept kept = {std::vector<bool>(suite.cases.size()), {}};
   std::map<std::string, size_t> places;
   for (size_t at = 0; at < suite.cases.size(); ++at) {
     if (suite.cases[at].counted) places.emplace(suite.cases[at].id, at);
@@ -117,7 +119,7 @@ Kept FindKept(const SuitePlace& suite, bool resumed) {
     if (!HasOutputs(record) || kept.cases[at]) continue;
     if (record.value(kFingerprintKey, "") != CaseFingerprint(suite, at)) continue;
     kept.cases[at] = true;
-    kept.lines += JournalLine(record);
+    lines.Add(record);
     kept.counts.Add(record);
   }
   return kept;
@@ -147,33 +149,49 @@ size_t Jobs(int asked) {
   return asked > 0 ? static_cast<size_t>(asked) : std::max(1U, std::thread::hardware_concurrency());
 }
 
+// Of a case that has ended, whatever its end was.
+void LeaveScratch(const SuitePlace& suite, size_t at) {
+  if (suite.scratch.empty()) return;
+  SuitePlace there = suite;
+  there.folder = suite.scratch;
+  std::error_code ignored;
+  fs::remove_all(there.Workspace(suite.cases[at].id), ignored);
+}
+
+// What never came home.
+void RemoveIncoming(const std::string& folder) {
+  std::error_code ignored;
+  fs::remove_all(IncomingFolder(folder), ignored);
+}
+
 // Runs what is to run. Returns the signal by which somebody asked for an end; 0 for none.
 int RunCases(const SuitePlace& suite, const SuiteOptions& options, const Kept& kept,
              size_t counted) {
   const HostSignals signals;
-  CaseLog log(suite.folder, kept.lines);
+  CaseLog log(suite.folder);
   SuiteProgress progress(counted, kept.counts, Paint(options.color, STDOUT_FILENO));
   double next = Now() + kResultsSeconds;
   bool changed = false;
-  const SuiteRunner::Listener listener = {.ended =
-                                              [&](size_t at, const Json& record) {
-                                                if (!suite.cases[at].counted) return;
-                                                log.Append(record);
-                                                progress.Ended(record);
-                                                changed = true;
-                                              },
-                                          .tick =
-                                              [&] {
-                                                progress.Show();
-                                                if (!changed || Now() < next) return;
-                                                const double start = Now();
-                                                WriteResults(suite.folder);
-                                                // Of a long suite the results take long to write;
-                                                // that is a small part of the time.
-                                                next = Now() + std::max(kResultsSeconds,
-                                                                        20 * (Now() - start));
-                                                changed = false;
-                                              }};
+  const SuiteRunner::Listener listener = {
+      .ended =
+          [&](size_t at, const Json& record) {
+            LeaveScratch(suite, at);
+            if (!suite.cases[at].counted) return;
+            log.Append(record);
+            progress.Ended(record);
+            changed = true;
+          },
+      .tick =
+          [&] {
+            progress.Show();
+            if (!changed || Now() < next) return;
+            const double start = Now();
+            WriteResults(SuiteJournal(suite.folder), suite.folder);
+            // Of a long suite the results take long to write;
+            // that is a small part of the time.
+            next = Now() + std::max(kResultsSeconds, 20 * (Now() - start));
+            changed = false;
+          }};
   return SuiteRunner(suite, kept.cases, Jobs(options.jobs), signals, listener).Run();
 }
 
@@ -193,26 +211,36 @@ int RunSuite(const SuiteOptions& options) {
   const Selection selection = SelectCases(options);
   if (options.dryRun) return PrintResults(DryRun(selection));
   const CaseOrder order(selection.cases);
+  std::optional<Scratch> scratch;
+  if (!options.scratch.empty()) scratch.emplace(options.scratch);
   const SuiteFolder folder(options.out, options.resume);
   MakeFolders(folder.path());
-  const SuitePlace suite = {selection.cases, order, folder.path(),
-                            OriginText(FindEngine(options.engine)), options.demo};
+  RemoveIncoming(folder.path());
+  const SuitePlace suite = {selection.cases, order,
+                            folder.path(),   OriginText(FindEngine(options.engine)),
+                            options.demo,    scratch ? scratch->path() : ""};
 
-  Kept kept = FindKept(suite, folder.resumed());
+  NewLines lines = NewLines::ForCases(folder.path());
+  Kept kept =
+      folder.resumed() ? FindKept(suite, lines) : Kept{std::vector<bool>(suite.cases.size()), {}};
   LeaveOutUnneeded(suite, kept.cases);
-  WritePlan(folder.path(), PlanText(options, selection));
+  WritePlan(folder.path(), options, selection);
+  lines.Publish();
   const auto counted = std::count_if(selection.cases.begin(), selection.cases.end(),
                                      [](const SuiteCase& one) { return one.counted; });
   const int interruption = RunCases(suite, options, kept, static_cast<size_t>(counted));
-  WriteResults(folder.path());
+  scratch.reset();
+  RemoveIncoming(folder.path());
+  const SuiteJournal journal(folder.path());
+  WriteResults(journal, folder.path());
   const int printed =
-      PrintResults(SuiteSummary(folder.path(), Paint(options.color, STDOUT_FILENO)));
+      PrintResults(SuiteSummary(journal, folder.path(), Paint(options.color, STDOUT_FILENO)));
   if (interruption != 0) {
     fflush(nullptr);
     raise(interruption);  // Who has interrupted the suite wants to see its end.
     return exit_code::kSignal + interruption;
   }
-  const int exitCode = SuiteJournal(folder.path()).counts().ExitCode();
+  const int exitCode = journal.counts().ExitCode();
   const int ended = options.ended ? options.ended(folder.path()) : exit_code::kPass;
   if (exitCode != exit_code::kPass) return exitCode;
   return printed != exit_code::kPass ? printed : ended;

@@ -24,6 +24,7 @@ struct SuiteOptions {
   bool strict = false;
   Color color = Color::kAuto;  // Of the verdicts.
   Shard shard = {};
+  std::string scratch;  // Folder in which cases run; empty: in that of the results.
   std::vector<std::string> command = {};  // The words of the command line.
   DemoRecordings demo = {};               // Without a file.
   bool report = false;                    // Write a page at the end.

@@ -20,11 +20,7 @@ namespace {
 
 constexpr const char* kPlan = "/plan.jsonl";
 constexpr const char* kCases = "/cases.jsonl";
-
-void Replace(const std::string& path, const std::string& text) {
-  if (ReplaceFile(path, 0644, text)) return;
-  throw UsageError{"cannot write " + path + ": " + strerror(errno)};
-}
+constexpr const char* kNew = ".new";  // What follows the name of a file that is not yet whole.
 
 // A line, which getline makes room for.
 class Buffer {
@@ -46,6 +42,24 @@ class Buffer {
   size_t m_size = 0;
 };
 
+// A line without its long lists, which nobody asks for who only looks through the lines.
+Json Skimmed(std::string_view line) {
+  return Json::parse(
+      line,
+      [](int depth, Json::parse_event_t event, const Json& parsed) {
+        if (event != Json::parse_event_t::key || depth != 1) return true;
+        const auto& key = parsed.get_ref<const std::string&>();
+        return key != "figures" && key != "results" && key != "guards" && key != "outputs" &&
+               key != "arguments";
+      },
+      false);
+}
+
+bool IsWorthTelling(const Json& record) {
+  const std::string verdict = record.value("verdict", "");
+  return verdict != "not_run" && (verdict != "pass" || !record.value("known", Json()).is_null());
+}
+
 // Calls `take` with each whole line of a file, and where it starts.
 void ForEachLine(FILE* file, const std::string& path,
                  const std::function<void(const Json&, uint64_t)>& take) {
@@ -56,7 +70,7 @@ void ForEachLine(FILE* file, const std::string& path,
     const auto line = buffer.Next(file);
     if (!line) return;
     ++number;
-    const Json json = Json::parse(*line, nullptr, false);
+    const Json json = number == 1 ? Json::parse(*line, nullptr, false) : Skimmed(*line);
     if (!json.is_object()) {
       throw UsageError{path + ":" + std::to_string(number) + ": not a line of a suite's results"};
     }
@@ -70,13 +84,38 @@ std::string JournalLine(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-void WritePlan(const std::string& folder, const std::string& lines) {
-  Replace(folder + kPlan, lines);
+NewLines NewLines::ForPlan(const std::string& folder) { return NewLines(folder + kPlan); }
+NewLines NewLines::ForCases(const std::string& folder) { return NewLines(folder + kCases); }
+
+NewLines::NewLines(const std::string& path)
+    : m_path(path), m_file(fopen((path + kNew).c_str(), "we")) {
+  if (m_file == nullptr) Refuse();
 }
 
-CaseLog::CaseLog(const std::string& folder, const std::string& kept) : m_path(folder + kCases) {
-  Replace(m_path, kept);
-  m_file = open(m_path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+NewLines::~NewLines() {
+  if (m_file == nullptr) return;
+  fclose(m_file);
+  unlink((m_path + kNew).c_str());
+}
+
+void NewLines::Refuse() const {
+  throw UsageError{"cannot write " + m_path + ": " + strerror(errno)};
+}
+
+void NewLines::Add(const Json& line) {
+  const std::string text = JournalLine(line);
+  if (fwrite(text.data(), 1, text.size(), m_file) != text.size()) Refuse();
+}
+
+void NewLines::Publish() {
+  if (fflush(m_file) != 0 || rename((m_path + kNew).c_str(), m_path.c_str()) != 0) Refuse();
+  const bool closed = fclose(m_file) == 0;
+  m_file = nullptr;
+  if (!closed) Refuse();
+}
+
+CaseLog::CaseLog(const std::string& folder) : m_path(folder + kCases) {
+  m_file = open(m_path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
   if (m_file < 0) throw UsageError{"cannot write " + m_path + ": " + strerror(errno)};
 }
 
@@ -112,8 +151,10 @@ void SuiteJournal::ReadPlan(const std::string& path) {
     if (m_header.is_null()) {
       m_header = line;
     } else {
-      m_lines.push_back(
-          {.index = line.value("index", uint64_t{0}), .start = start, .ended = false});
+      m_lines.push_back({.index = line.value("index", uint64_t{0}),
+                         .start = start,
+                         .ended = false,
+                         .told = false});
     }
   });
   if (m_header.is_null()) throw UsageError{path + " is empty"};
@@ -127,7 +168,7 @@ void SuiteJournal::ReadEnded(const std::string& path) {
     const auto at = std::lower_bound(m_lines.begin(), m_lines.end(), index,
                                      [](const Line& a, uint64_t b) { return a.index < b; });
     if (at == m_lines.end() || at->index != index || at->ended) return;
-    *at = {.index = index, .start = start, .ended = true};
+    *at = {.index = index, .start = start, .ended = true, .told = IsWorthTelling(line)};
     m_counts.Add(line);
   });
 }

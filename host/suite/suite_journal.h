@@ -15,15 +15,32 @@ namespace host {
 // A line of these files.
 std::string JournalLine(const Json& json);
 
-// Writes the plan, in place of an earlier one. Throws UsageError when that fails.
-void WritePlan(const std::string& folder, const std::string& lines);
+// Lines that take the place of one of these files, as many as there may be. What has not been
+// published leaves nothing. All throw UsageError when the file cannot be written.
+class NewLines {
+ public:
+  static NewLines ForPlan(const std::string& folder);
+  static NewLines ForCases(const std::string& folder);
+  ~NewLines();
+  NewLines(const NewLines&) = delete;
+  NewLines& operator=(const NewLines&) = delete;
+
+  void Add(const Json& line);
+  void Publish();
+
+ private:
+  explicit NewLines(const std::string& path);
+  [[noreturn]] void Refuse() const;
+
+  std::string m_path;
+  FILE* m_file;
+};
 
 // The lines of cases.jsonl that are being added.
 class CaseLog {
  public:
-  // Continues after these lines, which replace those that are there. Throws UsageError when the
-  // file cannot be written.
-  CaseLog(const std::string& folder, const std::string& kept);
+  // Continues after the lines that are there. Throws UsageError when the file cannot be written.
+  explicit CaseLog(const std::string& folder);
   ~CaseLog();
   CaseLog(const CaseLog&) = delete;
   CaseLog& operator=(const CaseLog&) = delete;
@@ -58,11 +75,15 @@ class SuiteJournal {
   bool Ended(size_t at) const { return m_lines[at].ended; }
   uint64_t Index(size_t at) const { return m_lines[at].index; }
 
+  // Whether a case has ended and did not pass, or did and should not have.
+  bool IsTold(size_t at) const { return m_lines[at].told; }
+
  private:
   struct Line {
     uint64_t index;
     uint64_t start;
     bool ended;
+    bool told;
   };
   void ReadPlan(const std::string& path);
   void ReadEnded(const std::string& path);

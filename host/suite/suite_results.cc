@@ -6,12 +6,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/usage_error.h"
 #include "files/new_file.h"
 #include "suite/junit_results.h"
 #include "suite/result_writer.h"
-#include "suite/suite_journal.h"
 
 namespace host {
 
@@ -71,8 +71,7 @@ class Output {
 
 }  // namespace
 
-void WriteResults(const std::string& path) {
-  const SuiteJournal journal(path);
+void WriteResults(const SuiteJournal& journal, const std::string& path) {
   const Folder folder(path);
   Output jsonFile(folder, "results.json");
   Output csvFile(folder, "results.csv");
@@ -81,10 +80,10 @@ void WriteResults(const std::string& path) {
   CsvResults csv(csvFile.file());
   JunitResults junit(junitFile.file(), journal.header().value("started", ""));
   for (size_t at = 0; at < journal.size(); ++at) {
-    const Json record = journal.Read(at);
+    Json record = journal.Read(at);
     csv.Add(record);
     junit.Add(record);
-    json.Add(record);
+    json.Add(std::move(record));
   }
   json.End();
   if (!junit.End())

@@ -5,7 +5,6 @@
 
 #include "base/printable.h"
 #include "suite/case_record.h"
-#include "suite/suite_journal.h"
 
 namespace host {
 
@@ -18,12 +17,6 @@ struct Row {
   std::string id;
   std::string reason;
 };
-
-// Whether a case is in the table: it did not pass, or it did and should not have.
-bool IsTold(const Json& record) {
-  const std::string verdict = record.value("verdict", "");
-  return verdict != "not_run" && (verdict != "pass" || !record["known"].is_null());
-}
 
 Row RowOf(const Json& record) {
   const std::string known = record["known"].is_null() ? "" : record.value("known", "");
@@ -56,16 +49,14 @@ std::string Table(const std::vector<Row>& rows, size_t more, const Paint& paint)
 
 }  // namespace
 
-std::string SuiteSummary(const std::string& folder, const Paint& paint) {
-  const SuiteJournal journal(folder);
+std::string SuiteSummary(const SuiteJournal& journal, const std::string& folder,
+                         const Paint& paint) {
   std::vector<Row> rows;
   size_t more = 0;
   for (size_t at = 0; at < journal.size(); ++at) {
-    if (!journal.Ended(at)) continue;
-    const Json record = journal.Read(at);
-    if (!IsTold(record)) continue;
+    if (!journal.IsTold(at)) continue;
     if (rows.size() < kMaxRows) {
-      rows.push_back(RowOf(record));
+      rows.push_back(RowOf(journal.Read(at)));
     } else {
       ++more;
     }

@@ -41,14 +41,22 @@ kill_all() {
 
 # Passes, warnings, failures, crashes, known failures, and cases that read what others leave.
 write_suite() {
-  head -c 16000 /dev/urandom >"$folder/in.pcm"
+  python3 - "$folder/in.wav" <<'PYTHON'
+import random, struct, sys, wave
+random.seed(1)
+with wave.open(sys.argv[1], "wb") as file:
+    file.setnchannels(1)
+    file.setsampwidth(2)
+    file.setframerate(8000)
+    file.writeframes(struct.pack("<8000h", *(random.randint(-8000, 8000) for _ in range(8000))))
+PYTHON
   cat >"$folder/cases.toml" <<'TOML'
 [[case]]
 id = "copy-{n}"
 routine = "Copy"
 arguments = ["in.pcm", "out.pcm"]
 each.n = [NUMBERS]
-in = { "in.pcm" = "in.pcm" }
+in = { "in.pcm" = "in.wav" }
 tags = ["quick"]
 
 [[case]]
@@ -165,7 +173,8 @@ def rows(folder):
     return [row[:6] if row[5] in TIMES else row for row in csv.reader(open(folder + "/results.csv"))]
 
 one, many = (results(folder) for folder in sys.argv[1:3])
-assert len(one["cases"]) == 72 and one["counts"]["not_run"] == 0, one["counts"]
+counts = {key: count for key, count in one["counts"].items() if count > 0}
+assert counts == {"pass": 64, "error": 4, "known": 4}, counts
 for first, second in zip(one["cases"], many["cases"]):
     assert first == second, f"\n{first}\nis in the shards\n{second}"
 assert one == many, (one["counts"], many["counts"])
