@@ -85,6 +85,29 @@ TEST_F(AecFileWriter, LooksForEchoInTheOutput) {
   }
 }
 
+TEST_F(AecFileWriter, JudgesARecordingOfLessThanASecond) {
+  const Samples far = Talk(16000, 0.95, 12);
+  const Samples out = Echo(far, 16000, 30);
+  CAecFileWriter writer(16000, 1, "far", "near", "out", "delay", "log", 0);
+  writer.EchoDetectionStart(16000);
+  writer.RecordFarendData(far.data(), Bytes(far));
+  writer.RecordOutData(out.data(), Bytes(out));
+  writer.EchoDetectionEnd();
+  EXPECT_EQ(writer.EchoDetect(), 1);
+}
+
+TEST_F(AecFileWriter, LooksForNoEchoAtARateThatIsTooHigh) {
+  const Samples far = Talk(96000, 2, 13);
+  CAecFileWriter writer(96000, 1, "far", "near", "out", "delay", "log", 0);
+  writer.EchoDetectionStart(96000);
+  EXPECT_EQ(m_log.Lines().size(), 1u);
+  writer.RecordFarendData(far.data(), Bytes(far));
+  writer.RecordOutData(far.data(), Bytes(far));
+  writer.EchoDetectionEnd();
+  EXPECT_EQ(writer.EchoDetect(), 0);
+  EXPECT_EQ(ReadFile("log.txt"), "96000 Hz, 1 channels, 0 samples dropped\necho: not looked for\n");
+}
+
 TEST_F(AecFileWriter, FinishesItsFilesAtTheEndOfDetection) {
   const Samples far = Talk(16000, 1, 5);
   CAecFileWriter writer(16000, 1, "far", "near", "out", "delay", "log", 0);

@@ -92,6 +92,17 @@ TEST(EchoDelayEst, HoldsTheLastSureValueInSilence) {
               testing::Each(known));
 }
 
+// An echo that is softer than the noise of converters.
+TEST(EchoDelayEst, LearnsNothingOfANearEndThatIsSilent) {
+  const Samples far = Talk(16000, 5, 16);
+  CEchoDelayEst estimator(16000, 1);
+  const int known = Delays(estimator, far, Echo(far, 16000, 150), 16000, 160).back();
+  const Samples faint = Echo(far, 16000, 60, -66);
+  EXPECT_GT(LevelDb(faint, 16000, 0, 5), -96);
+  EXPECT_LT(LevelDb(faint, 16000, 0, 5), -84);
+  EXPECT_THAT(Delays(estimator, far, faint, 16000, 160), testing::Each(known));
+}
+
 TEST(EchoDelayEst, FollowsAMovingTalkerWithin4Seconds) {
   const Samples far = Talk(16000, 10, 13);
   Samples near = Echo(far, 16000, 60);

@@ -76,6 +76,17 @@ TEST(EchoDetection, LooksNoFartherThanAsked) {
   echo_detection_free(detector);
 }
 
+TEST(EchoDetection, LooksForHalfASecondAtMost) {
+  const Samples far = Talk(16000, 6, 61);
+  for (const int asked : {1000, -5}) {
+    const Samples near = Echo(far, 16000, asked > 0 ? 700 : 300);
+    void* const detector = echo_detection_create(nullptr, 16000, asked);
+    echo_detection_process(detector, far.data(), near.data(), static_cast<int>(near.size()));
+    EXPECT_EQ(get_echo_detection_result(detector), 0) << asked;
+    echo_detection_free(detector);
+  }
+}
+
 TEST(EchoDetection, AnswersNothingWithoutADetector) {
   const short sample = 1;
   CapturedStderr log;

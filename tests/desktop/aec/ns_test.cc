@@ -81,6 +81,23 @@ TEST(Ns, KeepsChannelsInPlaceOverBlocksOfAnOddLength) {
   EXPECT_GT(LevelDb(out, 44100, 5, 9.9), -50);
 }
 
+TEST(Ns, StartsAfreshWhenItIsInitialised) {
+  const Samples noise = Hiss(22050, 2, 6, -30);
+  void* handle = nullptr;
+  EXPECT_EQ(Ns_Create(&handle), 0);
+  Samples runs[2];
+  for (Samples& out : runs) {
+    EXPECT_EQ(Ns_Init(handle, 22050), 0);
+    out.resize(noise.size());
+    for (size_t at = 0; at + 441 <= noise.size(); at += 441) {
+      EXPECT_EQ(Ns_Process2(handle, &noise[at], &out[at], 2), 0);
+    }
+    EXPECT_EQ(Ns_set_policy(handle, 2), 0);
+  }
+  EXPECT_EQ(runs[1], runs[0]);
+  EXPECT_EQ(Ns_Free(handle), 0);
+}
+
 TEST(Ns, RefusesWhatIsNotAsSaid) {
   void* handle = nullptr;
   short block[480] = {};

@@ -52,6 +52,24 @@ TEST(SoftwareAec, KeepsTheEndsTogetherWhileBypassed) {
   EXPECT_GT(ErleNearBy(module, 0.2), 25);
 }
 
+// Devices may hand over 40 ms of one end and then as much of the other.
+TEST(SoftwareAec, KeepsEarlyFramesOfTheFarEnd) {
+  const Samples far = Talk(16000, 6, 27);
+  const Samples near = Sum(Echo(far, 16000, 90), Hiss(16000, 6, 28, -70));
+  SoftwareAec module;
+  Samples out;
+  for (size_t at = 0; at + 640 <= far.size(); at += 640) {
+    PlayOn(module, Samples(far.begin() + static_cast<ptrdiff_t>(at),
+                           far.begin() + static_cast<ptrdiff_t>(at + 640)));
+    for (size_t block = at; block < at + 640; block += 160) {
+      AudioFrame frame = Frame(&near[block], kMono16);
+      EXPECT_EQ(module.ProcessCaptureAudio(frame, false, true), 0);
+      out.insert(out.end(), frame.data_, frame.data_ + 160);
+    }
+  }
+  EXPECT_GT(LossDb(near, Late(out, 112), 16000, 3, 6), 30);
+}
+
 TEST(SoftwareAec, DoesNotLearnTheGainFromEcho) {
   const Samples far = Talk(16000, 8, 25);
   const Samples near = Sum(Echo(far, 16000, 60), Hiss(16000, 8, 26, -75));

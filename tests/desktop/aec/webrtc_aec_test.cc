@@ -152,6 +152,17 @@ TEST_F(WebRtcAec, StaysWithin16BitsAndTakesAnyDelayWithoutALine) {
   }
 }
 
+TEST_F(WebRtcAec, ClampsTheDelay) {
+  const Samples far = Talk(kRate, 3, 16);
+  const Samples near = Echo(far, kRate, 470);
+  const auto at = [&](int16_t delay) {
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+    return Run(far, near, delay);
+  };
+  EXPECT_EQ(at(32767), at(500));
+  EXPECT_EQ(at(-25536), at(0));
+}
+
 TEST_F(WebRtcAec, IgnoresSkewAndRepeatsItself) {
   const Samples far = Talk(kRate, 2, 11);
   const Samples near = Echo(far, kRate, 40);

@@ -128,6 +128,31 @@ TEST(Agc, WarnsOfSaturation) {
   EXPECT_EQ(agc.saturations, 2);
 }
 
+TEST(Agc, LearnsNothingOfEcho) {
+  Agc agc(kAgcModeAdaptiveDigital);
+  const Samples quiet = Talk(kRate, 3, 12, -45);
+  Samples out = quiet;
+  for (size_t at = 0; at + kBlock <= out.size(); at += kBlock) {
+    int16_t* const block = &out[at];
+    int32_t volume = 0;
+    uint8_t saturated = 0;
+    EXPECT_EQ(WebRtcAgc_Process(agc.Handle(), &block, 1, kBlock, &block, 0, &volume, 1, &saturated),
+              0);
+  }
+  EXPECT_EQ(out, quiet);
+}
+
+TEST(VirtualMic, KeepsItsLevelInRange) {
+  Agc agc(kAgcModeAdaptiveDigital);
+  Samples block = Talk(kRate, 0.01, 13);
+  int16_t* const band = block.data();
+  int32_t level = -1;
+  EXPECT_EQ(WebRtcAgc_VirtualMic(agc.Handle(), &band, 1, kBlock, 300, &level), 0);
+  EXPECT_EQ(level, 255);
+  EXPECT_EQ(WebRtcAgc_VirtualMic(agc.Handle(), &band, 1, kBlock, -5, &level), 0);
+  EXPECT_EQ(level, 0);
+}
+
 TEST(VirtualMic, LeavesABlockAsItIsAtLevel0) {
   Agc agc(kAgcModeAdaptiveDigital);
   Samples block = Talk(kRate, 0.01, 11);

@@ -113,6 +113,21 @@ TYPED_TEST(CaptureGain, LeavesSpeechAfterNoiseAfterSilenceInRange) {
   EXPECT_NEAR(firstSecond(1), firstSecond(0), 1);
 }
 
+TYPED_TEST(CaptureGain, GoesOnWhenItIsSwitchedOnAgain) {
+  TypeParam once(16000, 1);
+  TypeParam again(16000, 1);
+  once.EnableAGC(true);
+  again.EnableAGC(true);
+  Samples quiet = Talk(16000, 4, 12, -45);
+  Samples other = quiet;
+  for (size_t at = 0; at + 160 <= quiet.size(); at += 160) {
+    once.Block(&quiet[at]);
+    if (at == 32000) again.EnableAGC(true);
+    again.Block(&other[at]);
+  }
+  EXPECT_EQ(other, quiet);
+}
+
 TYPED_TEST(CaptureGain, PassesWhatItDoesNotKnowWithOneLine) {
   CapturedStderr log;
   const Samples noise = Hiss(96000, 0.1, 7, -50);
