@@ -100,7 +100,10 @@ TEST(EchoDelayEst, LearnsNothingOfANearEndThatIsSilent) {
   const Samples faint = Echo(far, 16000, 60, -66);
   EXPECT_GT(LevelDb(faint, 16000, 0, 5), -96);
   EXPECT_LT(LevelDb(faint, 16000, 0, 5), -84);
-  EXPECT_THAT(Delays(estimator, far, faint, 16000, 160), testing::Each(known));
+  // Three times, because what was learnt before is forgotten slowly.
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(Delays(estimator, far, faint, 16000, 160), testing::Each(known));
+  }
 }
 
 TEST(EchoDelayEst, FollowsAMovingTalkerWithin4Seconds) {

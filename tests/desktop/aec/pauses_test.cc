@@ -54,8 +54,8 @@ TEST(SoftwareAec, KeepsTheEndsTogetherWhileBypassed) {
 
 // Devices may hand over 40 ms of one end and then as much of the other.
 TEST(SoftwareAec, KeepsEarlyFramesOfTheFarEnd) {
-  const Samples far = Talk(16000, 6, 27);
-  const Samples near = Sum(Echo(far, 16000, 90), Hiss(16000, 6, 28, -70));
+  const Samples far = Talk(16000, 3.2, 27);
+  const Samples near = Sum(Echo(far, 16000, 90), Talk(16000, 3.2, 28, -30));
   SoftwareAec module;
   Samples out;
   for (size_t at = 0; at + 640 <= far.size(); at += 640) {
@@ -67,7 +67,8 @@ TEST(SoftwareAec, KeepsEarlyFramesOfTheFarEnd) {
       out.insert(out.end(), frame.data_, frame.data_ + 160);
     }
   }
-  EXPECT_GT(LossDb(near, Late(out, 112), 16000, 3, 6), 30);
+  SoftwareAec paired;
+  EXPECT_EQ(out, Process(paired, far, kMono16, near, kMono16));
 }
 
 TEST(SoftwareAec, DoesNotLearnTheGainFromEcho) {
