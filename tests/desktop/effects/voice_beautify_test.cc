@@ -110,6 +110,16 @@ TEST_P(BeautifyMode, ClampsItsParameters) {
 
 INSTANTIATE_TEST_SUITE_P(, BeautifyMode, testing::Range(0, 6));
 
+// Above 8 kHz, where a recording at 16 kHz has nothing.
+TEST(VoiceBeautify, LiftsTheAirOfAClearVoice) {
+  const std::vector<double> in = WhiteNoise(48000, 0.1, 1);
+  const std::vector<double> out = ToDoubles(Process(*Enabled(mode2, 1, 0), ToShorts(in), 48000));
+  const auto gain = [&](double octave) {
+    return Decibels(Rms(OctaveBand(out, octave, 48000)) / Rms(OctaveBand(in, octave, 48000)));
+  };
+  EXPECT_GT(gain(11000) - gain(1000), 2);
+}
+
 // The level of a harmonic in dB, over stretches so short that a cent more or less does not count.
 double HarmonicLevel(const std::vector<double>& sound, double frequency) {
   double power = 0;
