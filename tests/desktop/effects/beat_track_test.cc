@@ -193,6 +193,15 @@ TEST(BeatTrack, TellsLaterByTheDelayAndTheRestAtTheEnd) {
   EXPECT_LT(prompt.times.back(), late.now);
 }
 
+TEST(BeatTrack, ClampsTheDelay) {
+  const DrumLoop loop = RenderLoop(Groove::kRock, 120, 16, 0.2, 22050);
+  const Listener latest = Listen(loop.samples, 22050, 1, 220, 10000);
+  EXPECT_LT(latest.times.front(), latest.now);
+  EXPECT_EQ(Listen(loop.samples, 22050, 1, 220, 60000).times, latest.times);
+  EXPECT_EQ(Listen(loop.samples, 22050, 1, 220, -500).times,
+            Listen(loop.samples, 22050, 1, 220, 0).times);
+}
+
 TEST(BeatTrack, AnswersByStatusWhatItCannotDo) {
   CapturedStderr log;
   short block[160] = {};
