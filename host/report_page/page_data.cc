@@ -1,8 +1,10 @@
 #include "report_page/page_data.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
+#include "base/units.h"
 #include "compare/comparison_forms.h"
 #include "report_page/case_data.h"
 #include "report_page/json_values.h"
@@ -73,6 +75,19 @@ size_t BytesOf(const Json& json) {
 // Beside its bytes, a recording has the element that it stands in.
 constexpr size_t kElementBytes = 90;
 
+// Why recordings are left out, each with how many.
+struct LeftOut {
+  size_t size = 0;     // They would make the page too large.
+  size_t outputs = 0;  // Their case has many outputs.
+  size_t same = 0;     // They are the same as in the other run, and so is what is in the page.
+
+  size_t All() const { return size + outputs + same; }
+};
+
+std::string Recordings(size_t count) {
+  return std::to_string(count) + (count == 1 ? " recording is" : " recordings are");
+}
+
 class RecordingFitter {
  public:
   RecordingFitter(const PageRun& run, const PageLimits& limits, PageData& data)
@@ -80,6 +95,8 @@ class RecordingFitter {
 
   void Fit() {
     for (size_t i = 0; i < m_run.cases.size(); ++i) FitCase(i);
+    m_data.leftOut = m_leftOut.All();
+    m_data.json["left_out"] = LeftOutText();
   }
 
  private:
@@ -89,19 +106,21 @@ class RecordingFitter {
     const CaseReport report(one.record, m_run.folder, m_run.report ? m_run.header : Json());
     const std::vector<PlayedOutput> outputs = PlayedOutputs(m_run, one, report);
     const bool same = one.rank == PageRank::kSame && m_run.comparison;
-    size_t missing = 0;
+    const size_t before = m_leftOut.All();
     for (size_t i = 0; i < outputs.size(); ++i) {
-      m_data.recordings += outputs[i].files.size();
-      const bool wanted = i < kMostOfACase && !(same && m_same >= kMostOfTheSame);
-      const bool fits = wanted && !m_full && Add(outputs[i], at, i, data);
-      if (!fits) missing += outputs[i].files.size();
+      const size_t count = outputs[i].files.size();
+      m_data.recordings += count;
+      if (!m_limits.all && i >= kMostOfACase) {
+        m_leftOut.outputs += count;
+      } else if (!m_limits.all && same && m_same >= kMostOfTheSame) {
+        m_leftOut.same += count;
+      } else if (m_full || !Add(outputs[i], at, i, data)) {
+        m_leftOut.size += count;
+      }
     }
-    if (same && missing < m_data.recordings && !data["players"].empty()) ++m_same;
-    m_data.leftOut += missing;
-    if (missing > 0) {
-      data["notes"].push_back(std::to_string(missing) +
-                              (missing == 1 ? " recording is" : " recordings are") +
-                              " left out of this page");
+    if (same && !data["players"].empty()) ++m_same;
+    if (const size_t missing = m_leftOut.All() - before; missing > 0) {
+      data["notes"].push_back(Recordings(missing) + " left out of this page");
     }
   }
 
@@ -113,7 +132,7 @@ class RecordingFitter {
     if (player.json.is_null()) return true;
     size_t bytes = BytesOf(player.json);
     for (const PageAudio& audio : player.audio) bytes += audio.base64.size() + kElementBytes;
-    if (m_bytes + bytes > m_limits.bytes) {
+    if (!m_limits.all && m_bytes + bytes > m_limits.bytes) {
       m_full = true;
       return false;
     }
@@ -123,22 +142,36 @@ class RecordingFitter {
     return true;
   }
 
+  std::string LeftOutText() const {
+    if (m_leftOut.All() == 0) return "";
+    std::vector<std::string> reasons;
+    if (m_leftOut.size > 0) {
+      reasons.push_back(std::to_string(m_leftOut.size) + " to stay below " +
+                        Amount(m_limits.megabytes, "MB"));
+    }
+    if (m_leftOut.outputs > 0) {
+      reasons.push_back(std::to_string(m_leftOut.outputs) + " of outputs beyond the first " +
+                        std::to_string(kMostOfACase) + " of a case");
+    }
+    if (m_leftOut.same > 0) {
+      reasons.push_back(std::to_string(m_leftOut.same) + " of cases that are the same");
+    }
+    std::string text = std::to_string(m_leftOut.All()) + " of " +
+                       std::to_string(m_data.recordings) + " recordings are left out: ";
+    for (const std::string& reason : reasons) {
+      text += (&reason == &reasons.front() ? "" : ", ") + reason;
+    }
+    return text + ". --folder writes all.";
+  }
+
   const PageRun& m_run;
   const PageLimits& m_limits;
   PageData& m_data;
   size_t m_bytes;
   size_t m_same = 0;
+  LeftOut m_leftOut;
   bool m_full = false;
 };
-
-std::string LeftOutText(const PageData& data, const PageLimits& limits) {
-  if (data.leftOut == 0) return "";
-  const std::string megabytes = std::to_string(limits.bytes / 1'000'000);
-  return std::to_string(data.leftOut) + " of " + std::to_string(data.recordings) +
-         " recordings are left out: the page takes " + megabytes +
-         " MB, a few outputs of a case, and a few cases that are the same; " +
-         (limits.links ? "the files beside it are whole." : "--folder writes all.");
-}
 
 }  // namespace
 
@@ -171,7 +204,6 @@ Json DataWithoutPlayers(const PageRun& run) {
 PageData MakePageData(const PageRun& run, const PageLimits& limits) {
   PageData data = {.json = DataWithoutPlayers(run)};
   RecordingFitter(run, limits, data).Fit();
-  data.json["left_out"] = LeftOutText(data, limits);
   return data;
 }
 

@@ -14,13 +14,14 @@ struct PageData {
   Json json = {};
   std::vector<PageAudio> audio = {};
   size_t recordings = 0;  // That there are, in the cases of the page,
-  size_t leftOut = 0;     // and how many of them have no place in it.
+  size_t leftOut = 0;     // and how many of them are not in it.
 };
 
 struct PageLimits {
   double excerpt = 6;         // s
   size_t bytes = 20'000'000;  // Of data and recordings together.
-  bool links = false;         // Whole files stand beside the page: what is left out is there.
+  double megabytes = 20;      // Of the page as a whole, as was asked for.
+  bool all = false;           // All recordings, whatever they take.
 };
 
 // The first line of the page: "77 routines: 75 pass, 1 fails, 1 is worse than baseline:X".

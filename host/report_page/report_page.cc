@@ -50,9 +50,10 @@ std::string Summary(const std::string& place, size_t bytes, const PageRun& run,
 // The limit holds for the page as a whole.
 PageLimits LimitsOf(const ReportPageOptions& options, std::string_view page) {
   const auto most = static_cast<size_t>(std::llround(options.megabytes * 1e6));
-  PageLimits limits = {.excerpt = options.excerpt, .bytes = SIZE_MAX, .links = false};
-  if (options.folder.empty()) limits.bytes = most > page.size() ? most - page.size() : 0;
-  return limits;
+  return {.excerpt = options.excerpt,
+          .bytes = most > page.size() ? most - page.size() : 0,
+          .megabytes = options.megabytes,
+          .all = !options.folder.empty()};
 }
 
 }  // namespace

@@ -51,8 +51,7 @@ TEST_F(PageBudgetTest, SaysWhatItLeavesOut) {
   const PageData data = DataOf("r", "", {.bytes = whole * 2 / 3});
   EXPECT_EQ(Heard(data.json), "failed ");
   EXPECT_EQ(data.json["left_out"],
-            "2 of 4 recordings are left out: the page takes 0 MB, a few outputs of a case, and a "
-            "few cases that are the same; --folder writes all.");
+            "2 of 4 recordings are left out: 2 to stay below 20 MB. --folder writes all.");
   EXPECT_EQ(data.json["cases"][1]["notes"], Json({"2 recordings are left out of this page"}));
 }
 
@@ -70,9 +69,35 @@ TEST_F(PageBudgetTest, TakesAFewThatAreTheSame) {
   WriteSuite("b", cases);
   const PageData data = DataOf("b", "a");
   EXPECT_EQ(Heard(data.json), "c0 c1 c2 c3 c4 c5 c6 c7 ");
-  EXPECT_EQ(data.leftOut, 12U);
+  EXPECT_EQ(
+      data.json["left_out"],
+      "12 of 36 recordings are left out: 12 of cases that are the same. --folder writes all.");
   EXPECT_EQ(Heard(DataOf("b").json), "c0 c1 c2 c3 c4 c5 c6 c7 c8 c9 c10 c11 ")
       << "without another run nothing is the same";
+}
+
+TEST_F(PageBudgetTest, TakesTheFirstOutputsOfACase) {
+  Json one = CaseOf("c", "pass");
+  const std::vector<double> sound(1600, 0.1);
+  WriteSounds("r", "c", sound, sound);
+  one["outputs"] = Json::array();
+  for (int i = 0; i < 9; ++i) {
+    const std::string name = "out" + std::to_string(i) + ".wav";
+    std::filesystem::copy_file("r/cases/c/out.wav", "r/cases/c/" + name);
+    one["outputs"].push_back({{"name", name}, {"path", "cases/c/" + name}, {"sha256", Json()}});
+  }
+  // The one that hits a guard comes before the others.
+  one["guards"] = {GuardJson("click", "out8.wav", 0.05, false)};
+  WriteSuite("r", {one});
+  const PageData data = DataOf("r");
+  const Json& players = data.json["cases"][0]["players"];
+  ASSERT_EQ(players.size(), 6U);
+  EXPECT_EQ(players[0]["title"], "out8.wav");
+  EXPECT_EQ(players[1]["title"], "out0.wav");
+  EXPECT_EQ(data.json["left_out"],
+            "6 of 18 recordings are left out: 6 of outputs beyond the first 6 of a case. --folder "
+            "writes all.");
+  EXPECT_EQ(DataOf("r", "", {.bytes = 0, .all = true}).json["cases"][0]["players"].size(), 9U);
 }
 
 }  // namespace
