@@ -7,7 +7,7 @@ import { onTheme } from '../draw/theme.js';
 import { TimeView } from '../draw/time_view.js';
 import { signed, time } from '../words.js';
 import { Visible } from '../work/visible.js';
-import { slice } from '../work/slices.js';
+import { drawingSlice, slice } from '../work/slices.js';
 import { AbxPanel } from './abx_panel.js';
 import { Bar } from './bar.js';
 import { registerPlayer, usedPlayer } from './keys.js';
@@ -42,7 +42,7 @@ export class Player {
     const heard = (player.versions ?? []).filter((v) => v.audio);
     this.rate = playerRate(heard.length > 0 ? heard : [{}]);
     this.view = new TimeView(this.seconds);
-    this.view.onchange = () => this.redraw();
+    this.view.onchange = () => this.redraw(slice);
     this.transport = new Transport(this.rate, this.seconds);
     this.transport.onend = () => this.#stopped();
     this.bar = new Bar(this);
@@ -104,11 +104,11 @@ export class Player {
     return `Time from ${time(this.start + this.view.from)} to ${time(this.start + this.view.to)}`;
   }
 
-  // Draws everything anew, in small steps.
-  redraw() {
+  // Draws everything anew, in small steps: one in a frame while a reader scrolls, together when he zooms.
+  redraw(step = drawingSlice) {
     if (this.m_drawing) return;
     this.m_drawing = true;
-    slice(() => {
+    step(() => {
       this.m_drawing = false;
       if (this.width < 60) return;
       this.m_ruler.draw(this.width, (context, width) =>
@@ -118,9 +118,9 @@ export class Player {
         .map((track) => track.peak));
       for (const track of this.tracks) {
         const own = track.key === 'difference' ? Math.max(0.0001, track.peak) : top;
-        slice(() => track.draw(this.width, this.view, own));
+        step(() => track.draw(this.width, this.view, own, step));
       }
-      for (const curve of this.curves) slice(() => curve.draw(this.width, this.view));
+      for (const curve of this.curves) step(() => curve.draw(this.width, this.view));
       this.#place();
     });
   }

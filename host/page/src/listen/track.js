@@ -6,7 +6,6 @@ import { Spectrum } from '../draw/spectrum.js';
 import { colourOf } from '../draw/theme.js';
 import { drawWave } from '../draw/wave.js';
 import { ask } from '../work/ask.js';
-import { slice } from '../work/slices.js';
 import { number, quantity } from '../words.js';
 import { channelsOf } from './recordings.js';
 import { kSpectrum, waveHeight } from './player_size.js';
@@ -71,11 +70,11 @@ export class Track {
   get loaded() { return this.m_shown !== null; }
 
   // The two drawings are two steps: each is short.
-  draw(width, view, top) {
+  draw(width, view, top, step) {
     if (!this.m_shown) return;
     this.m_wave.draw(width, (context, inner) => drawWave(
       context, inner, this.m_wave.height, view, this.m_shown, top, colourOf(this.key)));
-    slice(() => {
+    step(() => {
       if (!this.m_shown) return;
       this.m_spectrum_pane.draw(width, (context, inner) =>
         this.m_spectrum.draw(context, inner, kSpectrum, view));

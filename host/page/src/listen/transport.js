@@ -1,8 +1,10 @@
 // Plays all versions of a recording at once and lets one of them be heard: what is heard changes
 // without a gap and at the same place.
+import { channelsOf, toBuffer } from './recordings.js';
 
 const kFade = 0.008;  // s, from one version to the next
-const kAhead = 0.02;  // s, in which all sources are made ready
+const kAhead = 0.02;  // s, after which what was made ready begins
+const kMostChannels = 32;  // of a buffer, in every browser
 const kPatience = 5000;  // ms that a sound output has to begin
 const kRest = 1000;   // ms, after which the audio of a page that is still is switched off
 
@@ -58,13 +60,28 @@ export class Transport {
     this.loop = null;          // {from, to} in s
     this.heard = null;         // the key of the version
     this.onend = () => {};
-    this.m_buffers = new Map();
+    this.m_all = null;          // one buffer with the channels of all versions
+    this.m_places = new Map();  // which of them are whose: {first, count} by key
     this.m_gains = new Map();  // linear, by key
     this.m_at = 0;             // the place while nothing plays
-    this.m_run = null;         // what plays: {started, from, sources}
+    this.m_run = null;         // what plays: {started, from, source, faders}
   }
 
-  setBuffers(buffers) { this.m_buffers = buffers; }
+  // Versions by key, of one length; none gives the memory back. They become the channels of one
+  // source: several would begin apart from each other on a busy machine.
+  setBuffers(buffers) {
+    this.m_all = null;
+    this.m_places = new Map();
+    if (buffers.size === 0) return;
+    const each = Math.floor(kMostChannels / buffers.size);
+    const channels = [];
+    for (const [key, buffer] of buffers) {
+      const own = channelsOf(buffer).slice(0, each);
+      this.m_places.set(key, { first: channels.length, count: own.length });
+      channels.push(...own);
+    }
+    this.m_all = toBuffer(channels, this.rate);
+  }
 
   get playing() { return this.m_run !== null; }
 
@@ -84,7 +101,7 @@ export class Transport {
     if (this.m_run) return;
     const context = contextOf(this.rate);
     if (context.state !== 'running') await running(context);
-    if (!this.m_run) this.#begin(context);
+    if (!this.m_run && this.m_all) this.#begin(context);
   }
 
   #begin(context) {
@@ -93,25 +110,37 @@ export class Transport {
     if (from >= this.seconds - 0.001) from = 0;
     if (loop && (from < loop.from || from >= loop.to)) from = loop.from;
     from = this.#whole(from);
-    const started = context.currentTime + kAhead;
-    const sources = new Map();
-    for (const [key, buffer] of this.m_buffers) {
-      const source = new AudioBufferSourceNode(context, { buffer });
-      if (loop) {
-        source.loop = true;
-        source.loopStart = loop.from;
-        source.loopEnd = loop.to;
-      }
-      const fader = new Fader(context, this.#level(key));
-      source.connect(fader.node).connect(context.destination);
-      source.start(started, from);
-      sources.set(key, { source, fader });
+    const source = new AudioBufferSourceNode(context, { buffer: this.m_all });
+    if (loop) {
+      source.loop = true;
+      source.loopStart = loop.from;
+      source.loopEnd = loop.to;
     }
-    const run = { context, started, from, loop, sources };
+    const faders = this.#connect(context, source);
+    const ahead = context.currentTime + kAhead;
+    source.start(ahead, from);
+    // On a busy machine it may begin later than that.
+    const started = Math.max(ahead, context.currentTime);
+    const run = { context, started, from, loop, source, faders };
     this.m_run = run;
     m_running.add(this);
-    const first = sources.values().next().value;
-    if (first) first.source.onended = () => { if (this.m_run === run) this.#ended(); };
+    source.onended = () => { if (this.m_run === run) this.#ended(); };
+  }
+
+  // Leads the channels of each version through a gain of its own; returns these by key.
+  #connect(context, source) {
+    const splitter = new ChannelSplitterNode(context,
+                                             { numberOfOutputs: this.m_all.numberOfChannels });
+    source.connect(splitter);
+    const faders = new Map();
+    for (const [key, { first, count }] of this.m_places) {
+      const merger = new ChannelMergerNode(context, { numberOfInputs: count });
+      for (let at = 0; at < count; ++at) splitter.connect(merger, first + at, at);
+      const fader = new Fader(context, this.#level(key));
+      merger.connect(fader.node).connect(context.destination);
+      faders.set(key, fader);
+    }
+    return faders;
   }
 
   #ended() {
@@ -124,12 +153,10 @@ export class Transport {
   stop() {
     if (!this.m_run) return;
     this.m_at = this.position;
-    const { context, sources } = this.m_run;
+    const { context, source, faders } = this.m_run;
     this.m_run = null;
-    for (const { source, fader } of sources.values()) {
-      fader.fade(0);
-      source.stop(context.currentTime + 2 * kFade);
-    }
+    for (const fader of faders.values()) fader.fade(0);
+    source.stop(context.currentTime + 2 * kFade);
     m_running.delete(this);
     setTimeout(() => { if (m_running.size === 0) context.suspend(); }, kRest);
   }
@@ -175,7 +202,7 @@ export class Transport {
 
   #fade() {
     if (!this.m_run) return;
-    for (const [key, { fader }] of this.m_run.sources) fader.fade(this.#level(key));
+    for (const [key, fader] of this.m_run.faders) fader.fade(this.#level(key));
   }
 }
 

@@ -18,28 +18,27 @@ function work() {
   m_scheduled = false;
   const start = performance.now();
   while (m_waiting.length > 0 && performance.now() - start < kBudget) {
-    const { step, done, failed } = m_waiting.shift();
+    const { step, done, failed, draws } = m_waiting.shift();
     try {
       done(step());
     } catch (error) {
       failed(error);
     }
+    if (draws) break;
   }
   schedule();
 }
 
-// Calls step() when there is time for it; resolves to what it returns. A step should be short.
-export function slice(step) {
+function wait(step, draws) {
   return new Promise((done, failed) => {
-    m_waiting.push({ step, done, failed });
+    m_waiting.push({ step, done, failed, draws });
     schedule();
   });
 }
 
-// Calls what waits now, as before printing.
-export function flush() {
-  while (m_waiting.length > 0) {
-    const { step, done } = m_waiting.shift();
-    done(step());
-  }
-}
+// Calls step() when there is time for it; resolves to what it returns. A step should be short.
+export function slice(step) { return wait(step, false); }
+
+// The same for a step that draws on a canvas: one in a frame, because the browser takes longer to
+// bring it to the screen than the step to draw it.
+export function drawingSlice(step) { return wait(step, true); }
