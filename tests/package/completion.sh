@@ -59,7 +59,7 @@ expect '' run Measure
 expect '--start --strict' run --st
 expect '--start --strict' run TestReverb --st
 expect '--report --resume' suite --r
-expect '--shard --strict' suite --s
+expect '--scratch --shard --strict' suite --s
 expect '--all' demo --work folder --a
 
 expect 'always auto never' run --color ''
