@@ -11,6 +11,7 @@
 #include "files/sha256.h"
 #include "report/origin.h"
 #include "suite/case_work.h"
+#include "suite/shard.h"
 
 namespace host {
 
@@ -55,13 +56,21 @@ constexpr uintmax_t kLong = 100'000'000;  // Bytes that take too long while all 
 
 SharedSources::SharedSources(const std::vector<SuiteCase>& cases) {
   for (const SuiteCase& one : cases) {
-    for (const auto& [name, source] : one.inputs) ++m_uses[source];
+    for (const auto& [name, source] : one.inputs) m_shared.push_back(Fnv1a(source));
   }
+  std::sort(m_shared.begin(), m_shared.end());
+  size_t shared = 0;
+  for (size_t i = 1; i < m_shared.size(); ++i) {
+    const bool counted = shared > 0 && m_shared[shared - 1] == m_shared[i];
+    if (m_shared[i] == m_shared[i - 1] && !counted) m_shared[shared++] = m_shared[i];
+  }
+  m_shared.resize(shared);
+  m_shared.shrink_to_fit();
 }
 
 void SharedSources::ReadOf(const SuiteCase& one) const {
   for (const auto& [name, source] : one.inputs) {
-    if (m_uses.at(source) < 2) continue;
+    if (!std::binary_search(m_shared.begin(), m_shared.end(), Fnv1a(source))) continue;
     std::error_code error;
     const bool brief = fs::is_regular_file(source, error) && fs::file_size(source, error) < kLong;
     if (brief && !error) DigestOfFile(source);

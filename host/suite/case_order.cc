@@ -1,5 +1,7 @@
 #include "suite/case_order.h"
 
+#include <algorithm>
+#include <numeric>
 #include <string_view>
 
 #include "base/suggest.h"
@@ -10,9 +12,9 @@ namespace host {
 namespace {
 
 std::string NoCase(const SuiteCase& from, const std::string& id,
-                   const std::map<std::string, size_t>& places) {
+                   const std::vector<SuiteCase>& cases, const std::vector<size_t>& sorted) {
   std::vector<std::string_view> names;
-  for (const auto& [name, place] : places) names.push_back(name);
+  for (const size_t place : sorted) names.emplace_back(cases[place].id);
   const auto alike = NamesAlike(id, names);
   return from.at + "after: no case is called \"" + id + "\"" +
          (alike.empty() ? "" : "; did you mean \"" + std::string(alike.front()) + "\"?");
@@ -21,26 +23,48 @@ std::string NoCase(const SuiteCase& from, const std::string& id,
 }  // namespace
 
 CaseOrder::CaseOrder(const std::vector<SuiteCase>& cases) : m_cases(cases), m_before(cases.size()) {
-  for (size_t at = 0; at < cases.size(); ++at) {
-    const auto [there, isNew] = m_places.emplace(cases[at].id, at);
-    if (isNew) continue;
-    const std::string& other = cases[there->second].at;
-    const std::string where = other == cases[at].at || other.size() < 2
-                                  ? ""
-                                  : "; the other is at " + other.substr(0, other.size() - 2);
-    throw UsageError{cases[at].at + "two cases have the id \"" + cases[at].id + "\"" + where};
-  }
+  Sort();
   for (size_t at = 0; at < cases.size(); ++at) {
     std::vector<std::string> ids = cases[at].after;
     if (!cases[at].sameAs.empty()) ids.push_back(cases[at].sameAs);
     for (const std::string& id : ids) {
-      const auto there = m_places.find(id);
-      if (there == m_places.end()) throw UsageError{NoCase(cases[at], id, m_places)};
-      m_before[at].push_back(there->second);
+      const auto there = Place(id);
+      if (!there) throw UsageError{NoCase(cases[at], id, cases, m_sorted)};
+      m_before[at].push_back(*there);
     }
   }
   std::vector<int> states(cases.size());
   for (size_t at = 0; at < cases.size(); ++at) Check(at, states);
+}
+
+void CaseOrder::Sort() {
+  m_sorted.resize(m_cases.size());
+  std::iota(m_sorted.begin(), m_sorted.end(), size_t{0});
+  std::stable_sort(m_sorted.begin(), m_sorted.end(),
+                   [this](size_t a, size_t b) { return m_cases[a].id < m_cases[b].id; });
+  // The first case whose id an earlier one has.
+  size_t second = m_cases.size();
+  size_t first = 0;
+  for (size_t i = 1; i < m_sorted.size(); ++i) {
+    if (m_sorted[i] >= second || m_cases[m_sorted[i]].id != m_cases[m_sorted[i - 1]].id) continue;
+    second = m_sorted[i];
+    first = m_sorted[i - 1];
+  }
+  if (second == m_cases.size()) return;
+  const SuiteCase& one = m_cases[second];
+  const std::string& other = m_cases[first].at;
+  const std::string where = other == one.at || other.size() < 2
+                                ? ""
+                                : "; the other is at " + other.substr(0, other.size() - 2);
+  throw UsageError{one.at + "two cases have the id \"" + one.id + "\"" + where};
+}
+
+std::optional<size_t> CaseOrder::Place(const std::string& id) const {
+  const auto there = std::lower_bound(
+      m_sorted.begin(), m_sorted.end(), id,
+      [this](size_t at, const std::string& name) { return m_cases[at].id < name; });
+  if (there == m_sorted.end() || m_cases[*there].id != id) return std::nullopt;
+  return *there;
 }
 
 // Walks what a case follows in depth: 1 stands for a case on the way, 2 for one that is right. The

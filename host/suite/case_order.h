@@ -1,6 +1,6 @@
 #pragma once
 
-#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,13 +19,16 @@ class CaseOrder {
   const std::vector<size_t>& Before(size_t at) const { return m_before[at]; }
 
   // The place of a case that there is.
-  size_t Find(const std::string& id) const { return m_places.at(id); }
+  size_t Find(const std::string& id) const { return *Place(id); }
 
  private:
+  // Of a case; nothing when there is none.
+  std::optional<size_t> Place(const std::string& id) const;
+  void Sort();
   void Check(size_t at, std::vector<int>& states) const;
 
   const std::vector<SuiteCase>& m_cases;
-  std::map<std::string, size_t> m_places;
+  std::vector<size_t> m_sorted;  // The places in the list, in the order of the ids.
   std::vector<std::vector<size_t>> m_before;
 };
 

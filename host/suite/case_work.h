@@ -1,6 +1,6 @@
 #pragma once
 
-#include <map>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -42,7 +42,9 @@ class SharedSources {
   void ReadOf(const SuiteCase& one) const;
 
  private:
-  std::map<std::string, size_t> m_uses = {};  // Of each source, by how many cases.
+  // What those hash to that several inputs have, sorted: many cases have many sources. Two that
+  // hash to the same are only read once too often.
+  std::vector<uint64_t> m_shared = {};
 };
 
 // Runs a case, in the process that is made for it: takes over its standard streams. Returns its

@@ -111,12 +111,17 @@ Selection SelectCases(const SuiteOptions& options) {
   }
   std::vector<bool> runs = counted;
   AddNeeded(order, runs);
+  // In their own place: of many cases two lists are too much.
+  size_t kept = 0;
   for (size_t i = 0; i < cases.size(); ++i) {
     if (!runs[i]) continue;
     cases[i].counted = counted[i];
     cases[i].strict = cases[i].strict || options.strict;
-    selection.cases.push_back(std::move(cases[i]));
+    if (kept != i) cases[kept] = std::move(cases[i]);
+    ++kept;
   }
+  cases.erase(cases.begin() + static_cast<std::ptrdiff_t>(kept), cases.end());
+  selection.cases = std::move(cases);
   return selection;
 }
 

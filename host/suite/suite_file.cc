@@ -149,10 +149,16 @@ class Expansion {
 
   // Adds the cases at the end of the list.
   void AddTo(std::vector<SuiteCase>& cases) const {
-    for (const PlaceholderValues& values : Combinations(m_each, m_folder)) {
-      const SuiteCase one = Case(values);
+    auto combinations = Combinations(m_each, m_folder);
+    // At once, because while a list grows there are two of it.
+    const size_t size =
+        cases.size() + combinations.size() * static_cast<size_t>(m_repeat.value_or(1));
+    if (size > cases.capacity()) cases.reserve(std::max(size, 2 * cases.capacity()));
+    for (PlaceholderValues& values : combinations) {
+      SuiteCase one = Case(values);
+      values = {};  // Makes room for the next ones.
       if (!m_repeat) {
-        cases.push_back(one);
+        cases.push_back(std::move(one));
         continue;
       }
       for (int i = 1; i <= *m_repeat; ++i) {

@@ -26,9 +26,8 @@ SuiteRunner::SuiteRunner(const SuitePlace& suite, const std::vector<bool>& kept,
       m_jobs(jobs),
       m_signals(signals),
       m_listener(std::move(listener)),
-      m_readers(suite.cases.size()),
       m_waitsFor(suite.cases.size()),
-      m_lacking(suite.cases.size()) {
+      m_lacking(suite.cases.size(), suite.cases.size()) {
   for (size_t at = 0; at < suite.cases.size(); ++at) {
     if (kept[at]) continue;
     for (const size_t before : suite.order.Before(at)) {
@@ -36,7 +35,7 @@ SuiteRunner::SuiteRunner(const SuitePlace& suite, const std::vector<bool>& kept,
       m_readers[before].push_back(at);
       ++m_waitsFor[at];
     }
-    if (m_waitsFor[at] == 0) (Alone(at) ? m_readyAlone : m_ready).insert(at);
+    if (m_waitsFor[at] == 0) (Alone(at) ? m_readyAlone : m_ready).push(at);
   }
 }
 
@@ -61,13 +60,13 @@ int SuiteRunner::Run() {
 
 void SuiteRunner::StartWhatFits() {
   while (!m_ready.empty() && !m_alone && m_running.size() < m_jobs) {
-    const size_t next = *m_ready.begin();
-    m_ready.erase(m_ready.begin());
+    const size_t next = m_ready.top();
+    m_ready.pop();
     Start(next);
   }
   if (!m_ready.empty() || !m_running.empty() || m_readyAlone.empty()) return;
-  const size_t next = *m_readyAlone.begin();
-  m_readyAlone.erase(m_readyAlone.begin());
+  const size_t next = m_readyAlone.top();
+  m_readyAlone.pop();
   m_alone = true;
   Start(next);
 }
@@ -79,9 +78,10 @@ void SuiteRunner::Start(size_t at) {
     End(at, UnrunRecord(one, "skip", exit_code::kSkip, "not_runnable", one.skip));
     return;
   }
-  if (!m_lacking[at].empty()) {
+  if (m_lacking[at] < m_suite.cases.size()) {
     End(at, UnrunRecord(one, "skip", exit_code::kSkip, "after",
-                        "not run, because " + m_lacking[at] + ", which it follows, did not pass"));
+                        "not run, because " + m_suite.cases[m_lacking[at]].id +
+                            ", which it follows, did not pass"));
     return;
   }
   m_shared.ReadOf(one);
@@ -125,12 +125,14 @@ void SuiteRunner::End(size_t at, const Json& record) {
 
 // Lets go those that have waited for this case.
 void SuiteRunner::Release(size_t at, bool usable) {
-  for (const size_t reader : m_readers[at]) {
+  const auto readers = m_readers.extract(at);
+  if (readers.empty()) return;
+  for (const size_t reader : readers.mapped()) {
     // Whose outputs are only compared with those of another case runs in any case.
     if (!usable && m_suite.cases[reader].sameAs != m_suite.cases[at].id) {
-      m_lacking[reader] = m_suite.cases[at].id;
+      m_lacking[reader] = at;
     }
-    if (--m_waitsFor[reader] == 0) (Alone(reader) ? m_readyAlone : m_ready).insert(reader);
+    if (--m_waitsFor[reader] == 0) (Alone(reader) ? m_readyAlone : m_ready).push(reader);
   }
 }
 

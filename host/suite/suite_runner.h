@@ -2,7 +2,7 @@
 
 #include <functional>
 #include <map>
-#include <set>
+#include <queue>
 #include <vector>
 
 #include "process/limits.h"
@@ -32,6 +32,9 @@ class SuiteRunner {
   int Run();
 
  private:
+  // Those that may begin, the first of them on top.
+  using Ready = std::priority_queue<size_t, std::vector<size_t>, std::greater<>>;
+
   bool Alone(size_t at) const;
   void Start(size_t at);
   void StartWhatFits();
@@ -46,11 +49,11 @@ class SuiteRunner {
   size_t m_jobs;
   const HostSignals& m_signals;
   Listener m_listener;
-  std::vector<std::vector<size_t>> m_readers;  // Of each case, those that wait for it.
-  std::vector<size_t> m_waitsFor;              // How many cases each one waits for.
-  std::vector<std::string> m_lacking;          // Whose outputs a case lacks; empty for none.
-  std::set<size_t> m_ready;
-  std::set<size_t> m_readyAlone;
+  std::map<size_t, std::vector<size_t>> m_readers;  // Of each case, those that wait for it.
+  std::vector<size_t> m_waitsFor;                   // How many cases each one waits for.
+  std::vector<size_t> m_lacking;  // Whose outputs a case lacks; beyond all for none.
+  Ready m_ready;
+  Ready m_readyAlone;
   std::map<size_t, CaseProcess> m_running;
   bool m_alone = false;  // What runs is to run beside nothing else.
 };
