@@ -2,7 +2,7 @@
 # Sixteen shards of a suite as a job array of Slurm, with a controller and two nodes of its own on
 # this machine, leave what one run leaves, also when a node is lost and a shard's process is killed
 # on the way: slurm.sh AUDIO_BENCH_PROBE SUITE.SBATCH
-set -euo pipefail
+set -Eeuo pipefail
 
 probe=$(realpath "$1") script=$(realpath "$2")
 skip() { echo "skipped: $*" >&2; exit 77; }
