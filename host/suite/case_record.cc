@@ -78,11 +78,16 @@ Json OutputsOf(const Json& report, const std::string& folder) {
   return outputs;
 }
 
-// The text with its paths relative to the folder.
+// The text with its paths relative to the folder. The end of a longer name is no such folder.
 std::string Within(const std::string& folder, std::string text) {
   const std::string start = folder + "/";
   for (size_t at = 0; (at = text.find(start, at)) != std::string::npos;) {
-    text.erase(at, start.size());
+    const char before = at == 0 ? ' ' : text[at - 1];
+    if (before == ' ' || before == '(' || before == '"' || before == '\'') {
+      text.erase(at, start.size());
+    } else {
+      at += start.size();
+    }
   }
   return text;
 }

@@ -133,6 +133,13 @@ TEST_F(RunFiguresTest, OnDemoRecordingsTheTruthIsKnown) {
   const json echo = CaseFigures({"TestZUAec"}, "echo");
   EXPECT_GT(One(echo, "erle")["value"].get<double>(), 10);
   EXPECT_GT(One(echo, "near_sdr")["value"].get<double>(), 3);
+  const json report = ParseReport(ReadFile("echo/reports/TestZUAec.json"));
+  const std::string demo = "echo/cases/TestZUAec/demo/";
+  EXPECT_EQ(report["outputs"][0]["measured_against"],
+            json({{"reference", nullptr},
+                  {"input", demo + "near.wav"},
+                  {"far", demo + "far.wav"},
+                  {"near", demo + "truth/demo/near.wav.wav"}}));
 }
 
 // What stands beside the result of that name.

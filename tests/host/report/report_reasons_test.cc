@@ -189,5 +189,18 @@ TEST(ReportReasons, OfAFileThatIsNoAudioButThere) {
   EXPECT_THAT(TextReport(report), HasSubstr("  output  work/out  3200 bytes\n"));
 }
 
+TEST(ReportReasons, OfWhatAnOutputIsMeasuredAgainst) {
+  FileReport file = Pcm();
+  EXPECT_EQ(
+      OutputOf(file)["measured_against"],
+      json({{"reference", nullptr}, {"input", nullptr}, {"far", nullptr}, {"near", nullptr}}));
+  file.against = {
+      .reference = "clean.wav", .input = "mic.wav", .far = "far.wav", .near = "near.wav"};
+  EXPECT_EQ(OutputOf(file)["measured_against"], json({{"reference", "clean.wav"},
+                                                      {"input", "mic.wav"},
+                                                      {"far", "far.wav"},
+                                                      {"near", "near.wav"}}));
+}
+
 }  // namespace
 }  // namespace host

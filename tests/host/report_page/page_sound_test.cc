@@ -6,6 +6,7 @@
 
 #include "../recording/sound_files.h"
 #include "page_fixture.h"
+#include "support/file_bytes.h"
 #include "support/signals.h"
 
 namespace host {
@@ -210,6 +211,78 @@ TEST_F(PageSoundTest, FindsTheRecordingsOfResultsThatWereMoved) {
   WriteSounds("r", "c", sound, sound);
   std::filesystem::rename("r", "elsewhere");
   EXPECT_THAT(KeysOf(PlayerOf(DataOf("elsewhere"))), ElementsAre("output", "input"));
+}
+
+// The report of a case whose output was measured against these files of its workspace.
+void MeasureAgainst(const std::string& folder, const std::string& id, const Json& roles) {
+  const std::string path = folder + "/reports/" + id + ".json";
+  Json report = Json::parse(ReadFile(path));
+  Json& against = report["outputs"][0]["measured_against"];
+  for (const auto& [role, name] : roles.items()) {
+    against[role] =
+        name.is_null() ? Json() : Json(folder + "/cases/" + id + "/" + name.get<std::string>());
+  }
+  WriteFile(path, report.dump());
+}
+
+// A canceller that leaves a tenth of the echo, and is late: what it was given, and what the
+// loudspeaker played, run beside each other.
+TEST_F(PageSoundTest, PlaysAllThatBelongsWithACanceller) {
+  const std::vector<double> far = BurstNoise(16000 * 8, 0.5, 16000, 13);
+  std::vector<double> microphone = Delayed(far, 800);
+  for (double& sample : microphone) sample *= 0.5;
+  std::vector<double> left = Delayed(microphone, 160);
+  for (double& sample : left) sample *= 0.1;
+  WriteSuite("r", {CaseOf("c", "pass")});
+  WriteSounds("r", "c", microphone, left);
+  WriteSound("r/cases/c/far.wav", {.format = kWave | k16Bits, .rate = 16000, .samples = far});
+  MeasureAgainst("r", "c", {{"far", "far.wav"}});
+  const PageData data = DataOf("r");
+  const Json& player = PlayerOf(data);
+  EXPECT_THAT(KeysOf(player), ElementsAre("output", "input", "far"));
+  EXPECT_EQ(player["versions"][2]["label"], "Far end");
+  EXPECT_EQ(player["versions"][2]["file"], "far.wav");
+  EXPECT_NEAR(player["versions"][1]["delay"].get<double>(), 0.01, 1e-4);
+  EXPECT_EQ(player["versions"][2]["delay"], player["versions"][1]["delay"]);
+  ASSERT_EQ(player["curves"].size(), 1U);
+  const Json& curve = player["curves"][0];
+  EXPECT_EQ(curve["name"], "ERLE");
+  EXPECT_EQ(curve["unit"], "dB");
+  EXPECT_EQ(curve["from"], player["start"]);
+  EXPECT_EQ(curve["step"], 0.1);
+  EXPECT_EQ(curve["values"].size(), 60U);
+  size_t known = 0;
+  for (const Json& value : curve["values"]) {
+    if (value.is_null()) continue;
+    ++known;
+    EXPECT_NEAR(value.get<double>(), 20, 0.5);
+  }
+  EXPECT_GT(known, 20U);
+}
+
+// What is at another rate is heard at its own, and cut at the same time.
+TEST_F(PageSoundTest, HoldsOutputAndReferenceAtTheirOwnRates) {
+  const std::vector<double> clean = Sine(440, -10, 48000, 48000 * 8);
+  std::vector<double> noisy = Sine(440, -10, 16000, 16000 * 8);
+  const std::vector<double> noise = WhiteNoise(16000 * 8, 0.01, 14);
+  for (size_t i = 0; i < noisy.size(); ++i) noisy[i] += noise[i];
+  WriteSuite("r", {CaseOf("c", "pass")});
+  WriteSounds("r", "c", noisy, noisy);
+  WriteSound("r/cases/c/clean.wav", {.format = kWave | k16Bits, .rate = 48000, .samples = clean});
+  MeasureAgainst("r", "c", {{"reference", "clean.wav"}, {"input", Json()}});
+  const PageData data = DataOf("r", "", {.excerpt = 2});
+  const Json& player = PlayerOf(data);
+  EXPECT_THAT(KeysOf(player), ElementsAre("output", "reference"));
+  EXPECT_EQ(player["versions"][1]["rate"], 48000);
+  EXPECT_EQ(Decoded(data, "0-0-output").size(), 32000U);
+  EXPECT_EQ(Decoded(data, "0-0-reference").size(), 96000U);
+  EXPECT_EQ(player["difference"]["of"], Json({"output", "reference"}));
+  ASSERT_EQ(player["curves"].size(), 1U);
+  EXPECT_EQ(player["curves"][0]["name"], "SNR");
+  const double snr = Decibels(Rms(Sine(440, -10, 16000, 16000)) / Rms(noise));
+  for (const Json& value : player["curves"][0]["values"]) {
+    EXPECT_NEAR(value.get<double>(), snr, 1.5);
+  }
 }
 
 }  // namespace

@@ -215,4 +215,11 @@ TEST_F(SuiteRunTest, WithoutAFileTheCasesAreTheRoutinesOfTheCatalogue) {
             "it takes arguments, and there is no recording with words for it");
 }
 
+// The folder of the results, and not the end of a longer name.
+TEST_F(SuiteRunTest, NamesFilesRelativeToTheFolderOfTheResults) {
+  WriteFile("s.toml", Case("first", "WriteEmpty"));
+  EXPECT_EQ(Suite({"s.toml", "--out", "t"}).exitCode, 1);
+  EXPECT_EQ(Results("t")["cases"][0]["reason"], "output out.pcm (cases/first/out.pcm) is empty");
+}
+
 }  // namespace
