@@ -291,6 +291,10 @@ test('in a blind test A, B and X are what they are called', async () => {
   assert.equal(await sign('2'), -1);
   const x = await sign('x');
   assert.ok(x === 1 || x === -1);
+  // Neither the arrows nor the switch of the levels tell which one it is.
+  assert.deepEqual([await sign('ArrowDown'), await sign('ArrowUp'), await sign('l')], [x, x, x]);
+  assert.equal(await page.$eval('.abx [aria-pressed=true]', (b) => b.textContent), 'X');
+  assert.equal(await page.$eval('.tick input', (box) => box.checked), true);
   await page.evaluate(() => [...document.querySelectorAll('.abx button')]
     .find((b) => b.textContent === 'End now').click());
   assert.match(await page.$eval('.score', (p) => p.textContent), /No trial was made/);

@@ -212,6 +212,7 @@ export class Player {
   }
 
   hearNext(by) {
+    if (this.m_blind) return;
     const now = this.tracks.findIndex((track) => track.key === this.transport.heard);
     this.hearAt(Math.max(0, Math.min(this.tracks.length - 1, now + by)));
   }
