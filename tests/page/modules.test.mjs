@@ -8,6 +8,7 @@ import { choose, formatFragment, kEmpty, parseFragment }
 import { fitGain, subtract } from '../../host/page/src/work/difference.js';
 import { column, kBlock, outline, peakOf } from '../../host/page/src/work/envelope.js';
 import { number, signed, time, when } from '../../host/page/src/words.js';
+import { joinMarks } from '../../host/page/src/listen/layer.js';
 import { TimeView } from '../../host/page/src/draw/time_view.js';
 
 test('chance is the upper end of the binomial distribution', () => {
@@ -129,4 +130,10 @@ test('figures and times are written as readers write them', () => {
   assert.equal(time(62.5), '1:02.500');
   assert.equal(time(13.2), '13.200\u00a0s');
   assert.equal(when('2026-11-20T10:15:00Z'), '2026-11-20 10:15 UTC');
+});
+
+test('marks at one place become one with all their names', () => {
+  const marks = [{ at: 2, name: 'iut' }, { at: 1, name: 'click' }, { at: 1.01, name: 'dc' },
+                 { at: 1.02, name: 'click' }];
+  assert.deepEqual(joinMarks(marks), [{ at: 1, name: 'click, dc' }, { at: 2, name: 'iut' }]);
 });

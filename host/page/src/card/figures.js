@@ -19,7 +19,8 @@ function line(figure, compared) {
   const { value, unit, against } = figure;
   const both = typeof value === 'number' && typeof against === 'number';
   const where = [figure.file, channel(figure.channel)].filter(Boolean).join(', ');
-  const note = [figure.reason, figure.untrusted ? 'not known to have passed its self-test' : '']
+  // What the run itself gives, such as its time, is not measured on a file and has no self-test.
+  const note = [figure.reason, figure.untrusted && figure.file ? 'not known to have passed its self-test' : '']
     .filter(Boolean).join('; ');
   return el('tr', {},
     el('th', { scope: 'row' }, figure.name,

@@ -3,8 +3,23 @@
 import { el } from '../dom.js';
 import { time } from '../words.js';
 
+const kTogether = 0.05;  // s
 const kDrag = 4;       // px before a press is a drag
 const kWheel = 1.0025; // of zoom for each unit of the wheel
+
+// Marks that would stand on each other become one with all their names.
+export function joinMarks(marks) {
+  const joined = [];
+  for (const mark of [...marks].sort((a, b) => a.at - b.at)) {
+    const last = joined.at(-1);
+    if (!last || mark.at - last.at > kTogether) {
+      joined.push({ at: mark.at, name: mark.name });
+    } else if (!last.name.split(', ').includes(mark.name)) {
+      last.name += `, ${mark.name}`;
+    }
+  }
+  return joined;
+}
 
 export class Layer {
   constructor(player, first) {

@@ -11,7 +11,7 @@ import { drawingSlice, slice } from '../work/slices.js';
 import { AbxPanel } from './abx_panel.js';
 import { Bar } from './bar.js';
 import { registerPlayer, usedPlayer } from './keys.js';
-import { Layer } from './layer.js';
+import { joinMarks, Layer } from './layer.js';
 import { differenceVersion } from './difference_version.js';
 import { linear, matchLevels } from './level_match.js';
 import { loadTracks } from './load.js';
@@ -31,8 +31,8 @@ export class Player {
     this.data = player;
     this.start = player.start ?? 0;
     this.seconds = player.seconds;
-    this.marks = (player.marks ?? []).filter((m) => m.at >= this.start &&
-                                                    m.at <= this.start + this.seconds);
+    this.marks = joinMarks((player.marks ?? []).filter((m) => m.at >= this.start &&
+                                                              m.at <= this.start + this.seconds));
     this.matching = true;
     this.m_loading = null;
     this.m_turn = 0;

@@ -38,17 +38,25 @@ function line(measure, choose) {
     el('td', { class: 'name' }, measure.worst_case ?? ''));
 }
 
+function table(measures, choose) {
+  return el('div', { class: 'wide', tabindex: '0', role: 'region', 'aria-labelledby': 'measures-title' },
+    el('table', { class: 'measures' },
+       el('thead', {}, el('tr', {}, kColumns.map((name, at) =>
+         el('th', { scope: 'col', class: [2, 3, 4, 6, 7, 8].includes(at) ? 'figure' : null }, name)))),
+       el('tbody', {}, measures.map((measure) => line(measure, choose)))));
+}
+
+// Those that are the same are folded, so that the cases come soon.
 export function drawMeasures(root, data, choose) {
   const measures = data.measures ?? [];
   if (!data.against || measures.length === 0) return;
+  const same = measures.filter((measure) => measure.verdict === 'same');
+  const others = measures.filter((measure) => measure.verdict !== 'same');
+  const words = same.length === 1 ? '1 measure is the same' : `${same.length} measures are the same`;
   root.append(
     el('section', { 'aria-labelledby': 'measures-title' },
        el('h2', { id: 'measures-title' }, 'Measures against ', data.against.name),
-       el('div', { class: 'wide', tabindex: '0', role: 'region',
-                   'aria-labelledby': 'measures-title' },
-          el('table', { class: 'measures' },
-             el('thead', {}, el('tr', {}, kColumns.map((name, at) =>
-               el('th', { scope: 'col', class: [2, 3, 4, 6, 7, 8].includes(at) ? 'figure' : null },
-                  name)))),
-             el('tbody', {}, measures.map((measure) => line(measure, choose)))))));
+       others.length > 0 ? table(others, choose) : null,
+       same.length > 0 ? el('details', { class: 'fold' }, el('summary', {}, words),
+                            table(same, choose)) : null));
 }
