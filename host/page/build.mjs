@@ -51,7 +51,7 @@ const escaped = (text) => text.replace(/[&<>"]/g, (c) => `&#${c.charCodeAt(0)};`
 
 const about = JSON.parse(await readFile(path.join(here, 'package.json'), 'utf8'));
 const licences = await Promise.all(Object.keys(about.dependencies).map(licence));
-const worker = await bundle('src/work/worker.js');
+const worker = await bundle('src/compute/worker.js');
 const script = await bundle('src/main.js', {
   define: { WORKER_SOURCE: JSON.stringify(worker) },
 });

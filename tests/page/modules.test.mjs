@@ -5,8 +5,8 @@ import { BlindTest, chance } from '../../host/page/src/listen/abx.js';
 import { matchLevels } from '../../host/page/src/listen/level_match.js';
 import { choose, formatFragment, kEmpty, parseFragment }
   from '../../host/page/src/screen/filter_state.js';
-import { fitGain, subtract } from '../../host/page/src/work/difference.js';
-import { column, kBlock, outline, peakOf } from '../../host/page/src/work/envelope.js';
+import { fitGain, subtract } from '../../host/page/src/compute/difference.js';
+import { column, kBlock, outline, peakOf } from '../../host/page/src/compute/envelope.js';
 import { number, signed, time, when } from '../../host/page/src/words.js';
 import { joinMarks } from '../../host/page/src/listen/layer.js';
 import { TimeView } from '../../host/page/src/draw/time_view.js';

@@ -3,8 +3,8 @@ import { badge } from '../icons.js';
 import { el } from '../dom.js';
 import { figureOf } from '../screen/filter_state.js';
 import { duration, number, quantity, signed } from '../words.js';
-import { slice } from '../work/slices.js';
-import { Visible } from '../work/visible.js';
+import { slice } from '../compute/slices.js';
+import { Visible } from '../compute/visible.js';
 import { fillBody, guessHeight } from './body.js';
 
 const kQuiet = ['pass', 'skip', 'not_run'];

@@ -1,5 +1,5 @@
 // The spectrogram: an image of all that there is, and a finer one of what is zoomed in to.
-import { ask } from '../work/ask.js';
+import { ask } from '../compute/ask.js';
 import { mark } from './canvas.js';
 import { colours } from './theme.js';
 

@@ -1,6 +1,6 @@
 // The waveform: what lies between the peaks lighter, the RMS of each column stronger, a lane for each
 // channel. Full scale is marked at the edge where it is reached.
-import { column } from '../work/envelope.js';
+import { column } from '../compute/envelope.js';
 import { mark } from './canvas.js';
 import { colours } from './theme.js';
 

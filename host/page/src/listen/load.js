@@ -1,5 +1,5 @@
 // Fills the tracks of a player, one after the other.
-import { ask } from '../work/ask.js';
+import { ask } from '../compute/ask.js';
 import { channelsOf, decode, padded, toBuffer } from './recordings.js';
 import { linear } from './level_match.js';
 

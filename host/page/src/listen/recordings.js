@@ -1,5 +1,5 @@
 // The recordings that the page carries, decoded: lossless, at a rate of the player's choice.
-import { ask } from '../work/ask.js';
+import { ask } from '../compute/ask.js';
 
 // Rates that every browser's audio takes.
 const kLowest = 8000;

@@ -5,7 +5,7 @@ import { Canvas } from '../draw/canvas.js';
 import { Spectrum } from '../draw/spectrum.js';
 import { colourOf } from '../draw/theme.js';
 import { drawWave } from '../draw/wave.js';
-import { ask } from '../work/ask.js';
+import { ask } from '../compute/ask.js';
 import { number, quantity } from '../words.js';
 import { channelsOf } from './recordings.js';
 import { kSpectrum, waveHeight } from './player_size.js';

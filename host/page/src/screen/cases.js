@@ -1,7 +1,7 @@
 // The list of cases: cards in the order and choice that the address asks for.
 import { Card } from '../card/card.js';
 import { announce, el } from '../dom.js';
-import { slice } from '../work/slices.js';
+import { slice } from '../compute/slices.js';
 import { choose, formatFragment, parseFragment } from './filter_state.js';
 import { drawFilters } from './filters.js';
 
