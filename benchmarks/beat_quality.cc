@@ -34,7 +34,7 @@ std::vector<double> Told(std::vector<short> samples, int rate, int channels) {
   Listener listener;
   IBeatTrack* const tracker = CreateBeatTrack(rate, channels);
   tracker->Start(0, &listener, 0);
-  const auto block = static_cast<size_t>(rate / 100 * channels);
+  const auto block = static_cast<size_t>(rate / 100) * static_cast<size_t>(channels);
   for (size_t done = 0; done + block <= samples.size(); done += block) {
     listener.now = static_cast<double>(done + block) / rate / channels;
     tracker->Detectbeat(&samples[done], static_cast<int>(block));

@@ -44,7 +44,7 @@ Sound Read(const char* name) {
 }
 
 void Write(const std::string& name, const Sound& like, const std::vector<short>& samples) {
-  zuwebrtc::WavWriter writer(name.c_str(), like.rate, like.channels);
+  zuwebrtc::WavWriter writer(name, like.rate, like.channels);
   writer.WriteSamples(samples.data(), static_cast<unsigned>(samples.size()));
 }
 
@@ -127,8 +127,8 @@ void Make(const char* name, const std::string& folder) {
   for (const auto& [speed, text] :
        {std::pair{2.0, "2"}, {0.5, "0.5"}, {1.25, "1.25"}, {0.8, "0.8"}}) {
     const std::string end = std::string("_") + text + ".wav";
-    Write(folder + "/rate_changer" + end, in, ByRateChanger(in, speed));
-    Write(folder + "/soundtouch" + end, in, BySoundTouch(in, speed));
+    Write((folder + "/rate_changer").append(end), in, ByRateChanger(in, speed));
+    Write((folder + "/soundtouch").append(end), in, BySoundTouch(in, speed));
   }
   Write(folder + "/accelerate_1.25.wav", in, ByAccelerator(in, 1.25));
   Write(folder + "/accelerate_sound.wav", in, ByBlocks(in, true));
@@ -137,7 +137,7 @@ void Make(const char* name, const std::string& folder) {
 
 // The levels of the bands, a thousand times a second.
 std::vector<std::vector<double>> Levels(const Sound& sound) {
-  const auto size = static_cast<size_t>(sound.rate * 12 / 1000 / 2 * 2);
+  const auto size = static_cast<size_t>(sound.rate) * 12 / 1000 / 2 * 2;
   desktop::RealFft fft(size);
   std::vector<float> block(size);
   std::vector<std::complex<float>> bins(fft.Bins());

@@ -21,7 +21,7 @@ class AlignedTable {
   std::string Text() const;
 
   // The same with the first word of each cell of a column painted.
-  std::string Text(const Paint& paint, size_t column) const;
+  std::string Text(const Paint& paint, size_t painted) const;
 
  private:
   std::string Lines(const std::function<std::string(const std::string&, size_t)>& painted) const;

@@ -204,7 +204,7 @@ std::string TextComparison(const Comparison& comparison, const Paint& paint) {
   // Its first word is the verdict.
   const std::string summary = ComparisonSummary(comparison);
   const size_t end = std::min(summary.find_first_of(" :"), summary.size());
-  const std::string last = paint.Word(summary.substr(0, end)) + summary.substr(end);
+  std::string last = paint.Word(summary.substr(0, end)) + summary.substr(end);
   if (NothingChanged(comparison)) return last;
   std::string text = OriginLine("A", comparison.a) + OriginLine("B", comparison.b) +
                      Losses(comparison) + MeasureTable(comparison.measures, paint) +

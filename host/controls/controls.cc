@@ -132,7 +132,7 @@ class ControlRuns {
       m_place.reset();
       raise(interruption);  // Who has interrupted it wants to see its end.
     }
-    const ResultSet set = ReadResultSet(folder);
+    ResultSet set = ReadResultSet(folder);
     std::error_code ignored;
     fs::remove_all(folder, ignored);
     return set;

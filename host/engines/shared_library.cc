@@ -148,7 +148,9 @@ std::string OwnBuildId() {
   const auto look = [](dl_phdr_info* program, size_t /*bytes*/, void* result) {
     for (const ElfW(Phdr) & part : std::span(program->dlpi_phdr, program->dlpi_phnum)) {
       if (part.p_type != PT_NOTE) continue;
+      // The loader tells addresses as numbers.
       const auto* const notes =
+          // NOLINTNEXTLINE(performance-no-int-to-ptr)
           reinterpret_cast<const unsigned char*>(program->dlpi_addr + part.p_vaddr);
       std::string& id = *static_cast<std::string*>(result);
       if (id.empty()) id = BuildId({notes, part.p_memsz});

@@ -22,6 +22,6 @@ struct Course {
 // The figures of a measure over stretches of a second, or of the least that it takes, four of which
 // begin in the time of one, of long recordings fewer. What lies beside the output is moved by its
 // delay as a whole first, so that short stretches need not find it.
-Course CourseOf(const audio_measures::Inputs& inputs, std::string_view measure);
+Course CourseOf(const audio_measures::Inputs& inputs, std::string_view name);
 
 }  // namespace host

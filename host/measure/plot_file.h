@@ -11,6 +11,6 @@ namespace host {
 // own; without any, of its level and of what tells most beside what is given. Holds the files
 // whole. Throws UnreadableSound.
 std::string PlotFile(const MeasuredSource& output, const MeasuredAgainst& against,
-                     std::span<const std::string> names);
+                     std::span<const std::string> asked);
 
 }  // namespace host

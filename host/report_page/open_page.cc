@@ -11,8 +11,6 @@
 #include "report_page/page_server.h"
 #include "report_page/report_page.h"
 
-extern char** environ;
-
 namespace host {
 
 namespace {

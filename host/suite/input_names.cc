@@ -62,7 +62,7 @@ void CheckTruths(const SuiteCase& one, const CatalogueRow& row,
     std::string text = "truth: " + one.routine + " has no figure \"" + truth.name + "\"";
     if (!units.empty()) {
       const std::string unit = truth.unit.empty() ? "without a unit" : "in " + truth.unit;
-      text += " " + unit + "; " + truth.name + " is in " + units;
+      text.append(" ").append(unit).append("; ").append(truth.name).append(" is in ").append(units);
     }
     throw UsageError{text};
   }

@@ -54,7 +54,8 @@ TEST(Clipped, ARunGoesOnInTheNextBlock) {
 
 TEST(Clipped, RunsAreFoundAcrossWhatIsPassedOver) {
   std::vector<float> samples(2000, 0.5F);
-  for (const size_t at : {254, 255, 256, 767, 768, 1500, 1501, 1502, 1503}) samples[at] = 1;
+  for (const size_t at : {254U, 255U, 256U, 767U, 768U, 1500U, 1501U, 1502U, 1503U})
+    samples[at] = 1;
   Clipped clipped(1);
   clipped.Add(samples);
   EXPECT_EQ(clipped.Runs(), 2U);

@@ -66,7 +66,7 @@ TEST(Level, PartsMakeTheFiguresOfTheWhole) {
   whole.Add(sine);
   Level joined;
   joined.Add(Level());
-  for (const size_t start : {0, 1700, 1701}) {
+  for (const size_t start : {0U, 1700U, 1701U}) {
     Level part;
     const size_t end = start == 0 ? 1700 : start == 1700 ? 1701 : sine.size();
     part.Add(std::span(sine).subspan(start, end - start));

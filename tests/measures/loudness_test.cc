@@ -94,7 +94,8 @@ std::vector<float> Swells(int channels, int rate, double seconds) {
   const auto count = static_cast<size_t>(channels);
   std::vector<float> frames = Noise(static_cast<size_t>(seconds * rate) * count, 0.2, 1);
   for (size_t i = 0; i < frames.size(); ++i) {
-    const double time = static_cast<double>(i / count) / rate;
+    const size_t frame = i / count;
+    const double time = static_cast<double>(frame) / rate;
     const double swell = std::sin(0.7 * time + static_cast<double>(i % count));
     frames[i] *= static_cast<float>(swell > -0.9 ? std::pow(10, 2 * swell - 1.5) : 0);
     if (i >= count && swell > 0) frames[i] += 0.9F * frames[i - count];

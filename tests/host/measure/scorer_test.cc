@@ -56,7 +56,7 @@ class ScorerTest : public testing::Test {
 
   static void WriteTone(const std::string& path, int rate, int amplitude = 8000) {
     WriteFile(path, WavBytes({.channels = 1, .rate = static_cast<uint32_t>(rate)},
-                             Tone(500, amplitude, rate, static_cast<size_t>(rate))));
+                             Tone(500, amplitude, rate, rate)));
   }
 
   static Finished Bench(std::vector<std::string> words) {

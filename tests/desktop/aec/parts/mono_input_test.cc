@@ -29,7 +29,7 @@ TEST(MonoInput, GoesOnWithAFrameThatIsCut) {
   for (size_t i = 0; i < left.size(); ++i) stereo.insert(stereo.end(), {left[i], right[i]});
   const Samples whole = Mono(stereo, stereo.size());
   EXPECT_EQ(whole.size(), left.size());
-  for (const size_t count : {1, 3, 333, 961}) EXPECT_EQ(Mono(stereo, count), whole) << count;
+  for (const size_t count : {1U, 3U, 333U, 961U}) EXPECT_EQ(Mono(stereo, count), whole) << count;
 }
 
 }  // namespace
