@@ -134,6 +134,22 @@ TEST(BeatTrack, TellsClearBeatsFrom3AndAHalfSecondsOnAndNoneLate) {
   }
 }
 
+// What begins with a crash, or with silence before it, is followed from the same time on.
+TEST(BeatTrack, IsNotDeafenedByALoudBeginning) {
+  for (const double bpm : {97, 120, 140}) {
+    const DrumLoop loop = RenderLoop(Groove::kBallad, bpm, 10, 0.31, 22050);
+    std::vector<double> samples = ToDoubles(loop.samples);
+    for (double& sample : samples) sample *= 0.03;
+    const std::vector<double> crash = WhiteNoise(2205, 0.9, 1);
+    for (size_t i = 0; i < crash.size(); ++i) {
+      samples[6835 + i] += crash[i] * std::exp(-static_cast<double>(i) / 500);
+    }
+    const Listener listener = Listen(ToShorts(samples), 22050, 1, 220);
+    ASSERT_THAT(listener.times, testing::Not(IsEmpty())) << bpm;
+    EXPECT_LT(listener.times.front(), 3.5) << bpm;
+  }
+}
+
 TEST(BeatTrack, TellsTheFirstBeatWithinSixSeconds) {
   const DrumLoop loop = RenderLoop(Groove::kRock, 110, 10, 0.2, 22050);
   const Listener listener = Listen(loop.samples, 22050, 1, 220);

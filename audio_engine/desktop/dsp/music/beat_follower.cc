@@ -26,8 +26,13 @@ constexpr float kToothFade = 0.92F;
 constexpr float kPull = 0.35F;
 constexpr size_t kWeightReach = 3;  // Onset values.
 
+// One onset in twenty values is usual; one that stands so much above these counts no more than
+// that. A crash, or the first sound after silence, would outweigh the beats of the next 10 s.
+constexpr double kUsualShare = 0.05;
+constexpr float kMostOfUsual = 1.5F;
+
 // There is no beat where no tempo has this score.
-constexpr float kMinRhythm = 0.12F;
+constexpr float kMinRhythm = 0.15F;
 
 size_t Tempi() {
   return static_cast<size_t>(std::log(kFastest / kSlowest) / std::log(kTempoStep)) + 1;
@@ -39,7 +44,7 @@ double TempoOf(size_t index) { return kSlowest * std::pow(kTempoStep, Real(index
 // model of pulse salience and metrical accent in musical rhythms", 1994).
 double Preference(double bpm) {
   const double octaves = std::log2(bpm / 115);
-  return std::exp(-0.5 * octaves * octaves / (0.85 * 0.85));
+  return std::exp(-0.5 * octaves * octaves / (1.2 * 1.2));
 }
 
 }  // namespace
@@ -88,7 +93,7 @@ float BeatFollower::At(double age) const {
   const auto share = static_cast<float>(age - from);
   const float newer = m_onsets[(m_count - 1 - whole) % m_capacity];
   const float older = m_onsets[(m_count - 2 - whole) % m_capacity];
-  return newer + share * (older - newer);
+  return std::min(newer + share * (older - newer), m_limit);
 }
 
 float BeatFollower::Comb(double age, double period) const {
@@ -111,11 +116,20 @@ float BeatFollower::Correlation(double lag) const {
   return m_correlation[whole] + share * (m_correlation[whole + 1] - m_correlation[whole]);
 }
 
+void BeatFollower::SetLimit(size_t length) {
+  for (size_t i = 0; i < length; ++i) m_recent[i] = m_onsets[(m_count - length + i) % m_capacity];
+  const auto usual =
+      m_recent.begin() + static_cast<std::ptrdiff_t>((1 - kUsualShare) * Real(length - 1));
+  std::nth_element(m_recent.begin(), usual, m_recent.begin() + Offset(length));
+  m_limit = kMostOfUsual * *usual;
+}
+
 void BeatFollower::UpdateTempo() {
   const size_t length = std::min(m_count, m_capacity);
+  SetLimit(length);
   float mean = 0;
   for (size_t i = 0; i < length; ++i) {
-    m_recent[i] = m_onsets[(m_count - length + i) % m_capacity];
+    m_recent[i] = std::min(m_onsets[(m_count - length + i) % m_capacity], m_limit);
     mean += m_recent[i] / static_cast<float>(length);
   }
   for (size_t i = 0; i < length; ++i) m_recent[i] -= mean;

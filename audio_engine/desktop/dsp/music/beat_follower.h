@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace desktop {
@@ -38,6 +39,9 @@ class BeatFollower {
   float At(double age) const;
   float Comb(double age, double period) const;
   float Correlation(double lag) const;
+
+  // Finds the limit of the last `length` onsets.
+  void SetLimit(size_t length);
   void UpdateTempo();
   double RefinePeriod(double period) const;
   double ChooseLevel(double period);
@@ -53,6 +57,9 @@ class BeatFollower {
   const size_t m_capacity;
   std::vector<float> m_onsets;
   std::vector<float> m_weights;
+
+  // What an onset counts at most.
+  float m_limit = std::numeric_limits<float>::max();
 
   // A straight copy of the onsets for the autocorrelation, newest last.
   std::vector<float> m_recent;
