@@ -76,4 +76,13 @@ TEST(AudioMusicDetectorTest, FollowsAChangeFromMusicToSpeech) {
   EXPECT_FALSE(detector.IsMusic());
 }
 
+// Talk over a song so quiet that it is nearly nothing but talk: what was decided stays until the
+// sound speaks clearly for the other.
+TEST(AudioMusicDetectorTest, DoesNotFlutterOnTheBorder) {
+  const Doubles song = Song(16000, 16, true, true, true);
+  Doubles mix = Speech(16000, 16);
+  for (size_t i = 0; i < mix.size(); ++i) mix[i] = 0.04 * song[i] + 0.96 * mix[i];
+  EXPECT_EQ(Listen(mix, 16000).changes, 2);
+}
+
 }  // namespace
