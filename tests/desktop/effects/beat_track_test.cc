@@ -166,6 +166,17 @@ TEST(BeatTrack, CatchesUpWithADragInSteps) {
   EXPECT_NEAR(late[2], 0, 0.006);
 }
 
+TEST(BeatTrack, FindsTheBeatAgainAfterAJump) {
+  DrumLoop loop = RenderLoop(Groove::kHouse, 120, 19, 0.2, 22050);
+  constexpr int kJump = 4000;
+  loop.samples.insert(loop.samples.begin() + 22050 * 101 / 10, kJump, 0);
+  const Listener listener = Listen(loop.samples, 22050, 1, 220);
+  for (const double time : listener.times) {
+    if (time < 17) continue;
+    EXPECT_NEAR(std::remainder(time - 0.2 - kJump / 22050.0, 0.5), 0, 0.07) << time;
+  }
+}
+
 TEST(BeatTrack, TellsTheFirstBeatWithinSixSeconds) {
   const DrumLoop loop = RenderLoop(Groove::kRock, 110, 10, 0.2, 22050);
   const Listener listener = Listen(loop.samples, 22050, 1, 220);
