@@ -32,7 +32,7 @@ bool ResultsParser::Refuse(const std::string& fault) {
 }
 
 std::string ResultsParser::Where() const {
-  if (!m_hasCases || m_set.cases.empty()) return "";
+  if (std::find(m_places.begin(), m_places.end(), Place::kCase) == m_places.end()) return "";
   const ComparedCase& one = m_set.cases.back();
   if (!one.id.empty()) return "case " + one.id.substr(0, kMaxMessageBytes) + ": ";
   return "case number " + std::to_string(m_set.cases.size()) + ": ";
@@ -147,11 +147,11 @@ bool ResultsParser::End() {
     return true;
   }
   const Place ended = m_places.back();
-  m_places.pop_back();
   if (ended == Place::kFigure) EndFigure();
   if (ended == Place::kGuard) EndGuard();
   if (ended == Place::kOutput) EndOutput();
   if (ended == Place::kCase) CheckCase();
+  m_places.pop_back();
   return m_fault.empty();
 }
 

@@ -31,7 +31,9 @@ bool ResultsParser::Take(const Scalar& value) {
       if (m_key == "value" && value.text != nullptr) m_set.origin.engine += " " + *value.text;
       return true;
     case Place::kMargins:
-      if (value.number == nullptr) return Refuse("the margin of " + m_key + " is no number");
+      if (value.number == nullptr || *value.number < 0) {
+        return Refuse("the margin of " + m_key + " is no number from 0 on");
+      }
       m_set.margins.emplace_back(m_key, *value.number);
       return true;
     case Place::kCase:
@@ -100,7 +102,7 @@ bool ResultsParser::TakeOfEntry(const Scalar& value) {
   double number = TextTable::kNone;
   if (!TakeNumber(value, number)) return false;
   if (std::isnan(number)) return true;
-  if (number != std::floor(number) || std::abs(number) > kMaxChannel) {
+  if (number != std::floor(number) || number < 0 || number > kMaxChannel) {
     return Refuse(m_key + " is no whole number in range");
   }
   (m_key == "version" ? m_entry.kind.version : m_entry.channel) = static_cast<int>(number);

@@ -13,6 +13,7 @@
 #include "base/usage_error.h"
 #include "files/new_file.h"
 #include "files/whole_file.h"
+#include "suite/journal_form.h"
 
 namespace host {
 
@@ -81,9 +82,10 @@ bool IsWorthTelling(const Json& record) {
   return verdict != "not_run" && (verdict != "pass" || !record.value("known", Json()).is_null());
 }
 
-// Calls `take` with each whole line of a file, and where it starts.
+// Calls `take` with each whole line of a file, and where it starts; it returns whether that is one
+// that may stand there.
 void ForEachLine(FILE* file, const std::string& path,
-                 const std::function<void(const Json&, uint64_t)>& take) {
+                 const std::function<bool(Json&, uint64_t)>& take) {
   Buffer buffer;
   size_t number = 0;
   for (;;) {
@@ -91,11 +93,9 @@ void ForEachLine(FILE* file, const std::string& path,
     const auto line = buffer.Next(file);
     if (!line) return;
     ++number;
-    const Json json = number == 1 ? Json::parse(*line, nullptr, false) : Skimmed(*line);
-    if (!json.is_object()) {
-      throw UsageError{path + ":" + std::to_string(number) + ": not a line of a suite's results"};
-    }
-    take(json, start);
+    Json json = number == 1 ? Json::parse(*line, nullptr, false) : Skimmed(*line);
+    if (json.is_object() && take(json, start)) continue;
+    throw UsageError{path + ":" + std::to_string(number) + ": not a line of a suite's results"};
   }
 }
 
@@ -148,35 +148,34 @@ void CaseLog::Append(const Json& record) {
   throw UsageError{"cannot write " + m_path + ": " + strerror(errno)};
 }
 
-SuiteJournal::SuiteJournal(const std::string& folder) {
+SuiteJournal::File SuiteJournal::Open(const std::string& path) {
+  return {fopen(path.c_str(), "re"), fclose};
+}
+
+SuiteJournal::SuiteJournal(const std::string& folder)
+    : m_plan(Open(folder + kPlan)), m_ended(nullptr, fclose) {
   const std::string plan = folder + kPlan;
-  m_plan = fopen(plan.c_str(), "re");
   if (m_plan == nullptr) {
     throw UsageError{folder + " holds no results of a suite: " + plan + ": " + strerror(errno)};
   }
   ReadPlan(plan);
-  m_ended = fopen((folder + kCases).c_str(), "re");
+  m_ended = Open(folder + kCases);
   if (m_ended != nullptr) ReadEnded(folder + kCases);
   for (const Line& line : m_lines) {
     if (!line.ended) ++m_counts.notRun;
   }
 }
 
-SuiteJournal::~SuiteJournal() {
-  if (m_plan != nullptr) fclose(m_plan);
-  if (m_ended != nullptr) fclose(m_ended);
-}
-
 void SuiteJournal::ReadPlan(const std::string& path) {
-  ForEachLine(m_plan, path, [this](const Json& line, uint64_t start) {
+  ForEachLine(m_plan.get(), path, [this](Json& line, uint64_t start) {
     if (m_header.is_null()) {
       m_header = line;
-    } else {
-      m_lines.push_back({.index = line.value("index", uint64_t{0}),
-                         .start = start,
-                         .ended = false,
-                         .told = false});
+      return IsPlanHeader(line);
     }
+    if (!HasPlace(line)) return false;
+    m_lines.push_back(
+        {.index = line["index"].get<uint64_t>(), .start = start, .ended = false, .told = false});
+    return true;
   });
   if (m_header.is_null()) throw UsageError{path + " is empty"};
   std::sort(m_lines.begin(), m_lines.end(),
@@ -184,24 +183,26 @@ void SuiteJournal::ReadPlan(const std::string& path) {
 }
 
 void SuiteJournal::ReadEnded(const std::string& path) {
-  ForEachLine(m_ended, path, [this](const Json& line, uint64_t start) {
-    const uint64_t index = line.value("index", UINT64_MAX);
+  ForEachLine(m_ended.get(), path, [this](Json& line, uint64_t start) {
+    if (!TakeRecord(line)) return false;
+    const auto index = line["index"].get<uint64_t>();
     const auto at = std::lower_bound(m_lines.begin(), m_lines.end(), index,
                                      [](const Line& a, uint64_t b) { return a.index < b; });
-    if (at == m_lines.end() || at->index != index || at->ended) return;
+    if (at == m_lines.end() || at->index != index || at->ended) return true;
     *at = {.index = index, .start = start, .ended = true, .told = IsWorthTelling(line)};
     m_counts.Add(line);
+    return true;
   });
 }
 
 Json SuiteJournal::Read(size_t at) const {
   const Line& line = m_lines[at];
-  FILE* const file = line.ended ? m_ended : m_plan;
+  FILE* const file = (line.ended ? m_ended : m_plan).get();
   Buffer buffer;
   if (fseeko(file, static_cast<off_t>(line.start), SEEK_SET) == 0) {
     const auto text = buffer.Next(file);
     Json record = text ? Json::parse(*text, nullptr, false) : Json();
-    if (record.is_object()) return record;
+    if (TakeWholeRecord(record)) return record;
   }
   throw UsageError{"a line of the results of a suite is damaged, or changed while they were read"};
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -57,12 +59,9 @@ class CaseLog {
 // more is kept than where its line stands.
 class SuiteJournal {
  public:
-  // Throws UsageError when the folder holds no plan, or a line that is none; a last line that is
-  // not whole is as if it were not there.
+  // Throws UsageError, as reading does, when the folder holds no plan, or a line that is none
+  // (journal_form.h); a last line that is not whole is as if it were not there.
   explicit SuiteJournal(const std::string& folder);
-  ~SuiteJournal();
-  SuiteJournal(const SuiteJournal&) = delete;
-  SuiteJournal& operator=(const SuiteJournal&) = delete;
 
   // The first line of the plan.
   const Json& header() const { return m_header; }
@@ -85,14 +84,17 @@ class SuiteJournal {
     bool ended;
     bool told;
   };
+  using File = std::unique_ptr<FILE, int (*)(FILE*)>;
+
+  static File Open(const std::string& path);
   void ReadPlan(const std::string& path);
   void ReadEnded(const std::string& path);
 
   Json m_header;
   std::vector<Line> m_lines;
   SuiteCounts m_counts;
-  FILE* m_plan = nullptr;
-  FILE* m_ended = nullptr;  // Null when no case has ended.
+  File m_plan;
+  File m_ended;  // Null when no case has ended.
 };
 
 }  // namespace host

@@ -150,9 +150,26 @@ TEST(ReadResults, RefusesValuesOfAnotherType) {
   figure["channel"] = 1e300;
   EXPECT_THAT(FaultOfCase("figures", Json::array({figure})),
               HasSubstr("channel is no whole number"));
+  for (const char* const key : {"channel", "version"}) {
+    for (const double wrong : {-1.0, 0.5, 65537.0}) {
+      Json other = FigureJson({.value = 1});
+      other[key] = wrong;
+      EXPECT_THAT(FaultOfCase("figures", Json::array({other})), HasSubstr("is no whole number"));
+    }
+  }
   figure["channel"] = Json();
   figure["better"] = "more";
   EXPECT_THAT(FaultOfCase("figures", Json::array({figure})), HasSubstr("whether higher or lower"));
+}
+
+TEST(ReadResults, RefusesMarginsBelowNothing) {
+  Json results = OneFigureEach({1});
+  results["margins"] = {{"my_sdr", 0}};
+  EXPECT_EQ(Fault(results.dump()), "");
+  for (const Json& wrong : {Json(-0.1), Json("0.1"), Json()}) {
+    results["margins"]["my_sdr"] = wrong;
+    EXPECT_EQ(Fault(results.dump()), "r.json: the margin of my_sdr is no number from 0 on");
+  }
 }
 
 TEST(ReadResults, RefusesTwoCasesOfOneName) {
