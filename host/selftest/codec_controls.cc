@@ -1,4 +1,6 @@
 #include <cmath>
+#include <numbers>
+#include <span>
 
 #include "selftest/control.h"
 
@@ -27,39 +29,103 @@ Control Late(double later) {
           {{"codec_delay", later / 48000, 0.002 / 48000}}};
 }
 
-// Tones, 0.5 dB softer from 100 Hz to 100 Hz above `edge`: by 15 dB from there on, then by 25 dB.
-Control BandLimited(double edge, int rate) {
-  return {
-      "a codec that ends at " + std::to_string(static_cast<int>(edge)) + " Hz, at " +
-          std::to_string(rate) + " Hz",
-      "Noise through a filter of linear phase, designed as a sinc in a window of Blackman of "
-      "40 ms whose half-amplitude point is the edge: its response falls from 0 to -74 dB within "
-      "138 Hz, and passes -20 dB within 30 Hz above the edge. A mean over 9 bins moves that by "
-      "half of it, 55 Hz at most.",
-      [=] {
-        const Samples noise = WhiteNoise(Frames(rate, 3), 0.1, 42);
-        const auto half = static_cast<std::ptrdiff_t>(0.02 * rate);
-        std::vector<double> taps;
-        for (std::ptrdiff_t i = -half; i <= half; ++i) {
-          const double x = static_cast<double>(i);
-          const double turn = 3.14159265358979 * x / static_cast<double>(half);
-          const double window = 0.42 + 0.5 * std::cos(turn) + 0.08 * std::cos(2 * turn);
-          const double cut = 2 * edge / rate;
-          const double angle = 3.14159265358979 * x;
-          taps.push_back(window * (i == 0 ? cut : std::sin(angle * cut) / angle));
-        }
-        Samples output(noise.size());
-        for (size_t i = 0; i < noise.size(); ++i) {
-          double sum = 0;
-          for (size_t k = 0; k < taps.size(); ++k) {
-            const size_t place = i + static_cast<size_t>(half) - k;
-            if (place < noise.size()) sum += taps[k] * noise[place];
-          }
-          output[i] = static_cast<float>(sum);
-        }
-        return Scene{.output = {rate, {output}}, .input = {rate, {noise}}};
-      },
-      {{"band_limit", edge + 30, 60}}};
+// Filtered by a sinc in a window of Blackman of 40 ms: of linear phase, half the amplitude at
+// `edge`, from 0 to -74 dB within 138 Hz.
+Samples Below(double edge, std::span<const float> samples, int rate) {
+  const auto half = static_cast<std::ptrdiff_t>(0.02 * rate);
+  const double cut = 2 * edge / rate;
+  std::vector<double> taps;
+  for (std::ptrdiff_t i = -half; i <= half; ++i) {
+    const double angle = std::numbers::pi * static_cast<double>(i);
+    const double turn = angle / static_cast<double>(half);
+    const double window = 0.42 + 0.5 * std::cos(turn) + 0.08 * std::cos(2 * turn);
+    taps.push_back(window * (i == 0 ? cut : std::sin(angle * cut) / angle));
+  }
+  Samples below(samples.size());
+  for (size_t i = 0; i < samples.size(); ++i) {
+    double sum = 0;
+    for (size_t k = 0; k < taps.size(); ++k) {
+      const size_t place = i + static_cast<size_t>(half) - k;
+      if (place < samples.size()) sum += taps[k] * samples[place];
+    }
+    below[i] = static_cast<float>(sum);
+  }
+  return below;
+}
+
+Control BandLimited(double edge, int rate, double gain) {
+  return {"a codec that ends at " + std::to_string(static_cast<int>(edge)) + " Hz, at " +
+              std::to_string(rate) + " Hz and gain " + std::to_string(gain),
+          "Noise through a filter that falls from 0 to -74 dB within 138 Hz around the edge passes "
+          "-20 dB within 30 Hz above it, whatever the gain of all. A mean over 9 bins moves that "
+          "by half of it, 55 Hz at most.",
+          [=] {
+            const Samples noise = WhiteNoise(Frames(rate, 3), 0.1, 42);
+            return Scene{.output = {rate, {Scaled(Below(edge, noise, rate), gain)}},
+                         .input = {rate, {noise}}};
+          },
+          {{"band_limit", edge + 30, 60}}};
+}
+
+constexpr int kStepRate = 16000;
+constexpr double kStep = 3000;  // Hz
+constexpr double kEnd = 6000;
+
+// Single samples, whose spectrum is flat to the last digit.
+Samples Flat() {
+  Samples samples(Frames(kStepRate, 2));
+  for (size_t i = 1200; i < samples.size(); i += 2400) samples[i] = 0.5F;
+  return samples;
+}
+
+// Flat up to kStep, so many dB softer from there to kEnd, and nothing above.
+Samples Stepped(double softer) {
+  const Samples low = Below(kStep, Flat(), kStepRate);
+  const Samples high = Sum(Below(kEnd, Flat(), kStepRate), Scaled(low, -1));
+  return Sum(low, Scaled(high, std::pow(10, -softer / 20)));
+}
+
+// A codec that keeps the upper band, but softer by so much. `constant` is what the input has beside
+// it.
+Control SofterBand(double softer, bool kept, float constant) {
+  return {"a codec whose upper band is " + std::to_string(softer) + " dB softer" +
+              (constant > 0 ? ", of an input beside 0" : ""),
+          "3 of 8 kHz are kept and 3 more to so many dB, which makes a gain of all of -4.24 dB; a "
+          "band is lost at 20 dB below that, 24.24 dB below the input: at the end of the upper "
+          "band or of the lower one, to what a mean over 9 bins moves it. What is constant is in "
+          "no band.",
+          [=] {
+            Samples input = Flat();
+            for (float& sample : input) sample += constant;
+            return Scene{.output = {kStepRate, {Stepped(softer)}}, .input = {kStepRate, {input}}};
+          },
+          {{"band_limit", kept ? kEnd : kStep + 30, 60}}};
+}
+
+Control SoftBand(double softer, bool kept) {
+  return {"a copy of what has an upper band " + std::to_string(softer) + " dB below the lower one",
+          "All is kept of what is no more than 70 dB below the maximum of the input; where all is "
+          "below that there is nothing to keep. The filter passes -70 dB within 70 Hz of its "
+          "edge.",
+          [softer] {
+            const Samples samples = Stepped(softer);
+            return Scene{.output = {kStepRate, {samples}}, .input = {kStepRate, {samples}}};
+          },
+          {{"band_limit", kept ? kEnd : kStep + 60, 60}}};
+}
+
+// Silence up to the last 64 ms of 0.704 s.
+Control LateBand() {
+  return {"sound in nothing but the last half of the last window",
+          "At 16 kHz windows have 2048 samples and start every 1024; the one that starts at 9216 "
+          "ends with the signal. What is kept of it is all below 3 kHz.",
+          [] {
+            Samples samples(11264);
+            samples[10752] = 0.5F;
+            return Scene{.output = {kStepRate, {Below(kStep, samples, kStepRate)}},
+                         .input = {kStepRate, {samples}}};
+          },
+          {{"band_limit", kStep + 30, 60}}};
 }
 
 }  // namespace
@@ -70,8 +136,15 @@ std::vector<Control> CodecControls() {
           Late(312),
           Late(-7.5),
           Late(0.25),
-          BandLimited(3400, 16000),
-          BandLimited(5000, 12000)};
+          BandLimited(3400, 16000, 1),
+          BandLimited(3400, 16000, 0.05),
+          BandLimited(5000, 12000, 20),
+          SofterBand(23, true, 0),
+          SofterBand(25.5, false, 0),
+          SofterBand(25.5, false, 0.5),
+          SoftBand(69.5, true),
+          SoftBand(71, false),
+          LateBand()};
 }
 
 }  // namespace host
