@@ -98,8 +98,13 @@ const std::vector<Control>& AllControls() {
 }
 
 std::vector<Outcome> RunControls(std::span<const std::string_view> measures) {
+  return RunControls(AllControls(), measures);
+}
+
+std::vector<Outcome> RunControls(std::span<const Control> controls,
+                                 std::span<const std::string_view> measures) {
   std::vector<Outcome> outcomes;
-  for (const Control& control : AllControls()) Run(control, measures, outcomes);
+  for (const Control& control : controls) Run(control, measures, outcomes);
   return outcomes;
 }
 

@@ -24,6 +24,10 @@ struct Outcome {
 // The controls of these measures, in the order of the controls.
 std::vector<Outcome> RunControls(std::span<const std::string_view> measures);
 
+// The same of other controls, which stay as long as what is returned.
+std::vector<Outcome> RunControls(std::span<const Control> controls,
+                                 std::span<const std::string_view> measures);
+
 bool HasControls(std::string_view measure);
 
 // Whether there are outcomes of this measure and all of them hold.
