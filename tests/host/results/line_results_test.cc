@@ -134,6 +134,35 @@ TEST_F(LineResultsTest, NeverGivesANumberThatIsNone) {
   }
 }
 
+TEST_F(LineResultsTest, SaysWhereThereIsNoSuchLine) {
+  m_results.Read("beats.txt", "other 1\n");
+  EXPECT_EQ(Get("tempo").reason, "the routine printed no such line");
+  EXPECT_EQ(Get("time").reason, "no such line is in the log");
+  EXPECT_EQ(Get("mean").reason, "no such line is in the file");
+  EXPECT_EQ(Get("mean").unit, "s");
+  EXPECT_EQ(Get("time").better, Better::kLower);
+  EXPECT_EQ(Get("beats").reason, "");
+}
+
+// Another file of the same lines is not the one that was meant.
+TEST_F(LineResultsTest, ReadsEachFileForItself) {
+  m_results.Read("other.txt", "beat 1\n");
+  EXPECT_EQ(Get("beats").value, 0);
+  m_results.Miss("other.txt", "the file was not written");
+  EXPECT_EQ(Get("beats").reason, "");
+}
+
+TEST_F(LineResultsTest, SaysWhyNothingWasHeard) {
+  m_results.Read("beats.txt", "beat 1\n");
+  m_results.Hear(Stands::kPrinted, "bpm=120\n");
+  m_results.MissHeard("the log cannot be read");
+  for (const char* const name : {"delay", "time", "tempo", "share"}) {
+    EXPECT_EQ(Get(name).reason, "the log cannot be read") << name;
+    EXPECT_FALSE(Get(name).value.has_value()) << name;
+  }
+  EXPECT_EQ(Get("beats").value, 1);
+}
+
 TEST_F(LineResultsTest, SaysWhatCouldNotBeRead) {
   m_results.Miss("beats.txt", "the file was not written");
   EXPECT_EQ(Get("beats").reason, "the file was not written");

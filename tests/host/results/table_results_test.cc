@@ -43,6 +43,17 @@ TEST(TableResults, NameEachCellAndTheMeans) {
   EXPECT_EQ(Get(results, "snr.new.mean").value, 2.5);
   EXPECT_EQ(Get(results, "snr.new.over_off").value, 1.5);
   EXPECT_EQ(Get(results, "snr.off.mean").value, 1);
+  for (const char* const name : {"snr.new.car.0", "snr.new.mean", "snr.new.over_off"}) {
+    EXPECT_EQ(Get(results, name).unit, "dB") << name;
+    EXPECT_EQ(Get(results, name).better, Better::kHigher) << name;
+    EXPECT_EQ(Get(results, name).reason, "") << name;
+  }
+  // The cells in the order of the tables, then the means in that of the groups.
+  std::vector<std::string> names;
+  for (const Result& each : results) names.push_back(each.name);
+  EXPECT_THAT(names, testing::ElementsAre("snr.new.car.0", "snr.new.car.5", "snr.new.train.0",
+                                          "snr.new.train.5", "snr.off.car.0", "snr.off.car.5",
+                                          "snr.new.mean", "snr.new.over_off", "snr.off.mean"));
   EXPECT_EQ(Get(results, "snr.off.over_off").reason, "no such result");
 }
 
@@ -53,7 +64,32 @@ TEST(TableResults, LeaveOutWhatIsNoNumberAndSaySo) {
   EXPECT_EQ(Get(results, "snr.car.0").reason, "only 2 of 3 figures have a number");
   EXPECT_FALSE(Get(results, "snr.car.5").value.has_value());
   EXPECT_EQ(Get(results, "snr.mean").value, 2);
-  EXPECT_THAT(Get(results, "snr.mean").reason, HasSubstr("only 1 of 2"));
+  EXPECT_EQ(Get(results, "snr.car.5").reason, "there is no number for any of them");
+  EXPECT_EQ(Get(results, "snr.mean").reason, "only 1 of 2 cells have a number");
+}
+
+TEST(TableResults, LeadOfMeansThatLackCellsSaysSo) {
+  const auto lead = [](const char* of, const char* over) {
+    return Get(TableResults(std::vector<TableText>{
+                   {.table = Against(Scores("snr.new", "car"), "snr.off"), .text = of},
+                   {.table = Scores("snr.off", "car"), .text = over}}),
+               "snr.new.over_off");
+  };
+  EXPECT_EQ(lead("1 2 3\n4 nan 6\n", "1 1 1\n1 1 1\n").value, 2.5);
+  EXPECT_EQ(lead("1 2 3\nnan nan nan\n", "1 1 1\n1 1 1\n").reason,
+            "snr.new.mean: only 1 of 2 cells have a number");
+  EXPECT_EQ(lead("1 2 3\n4 5 6\n", "1 1 1\nnan nan nan\n").reason,
+            "snr.off.mean: only 1 of 2 cells have a number");
+  EXPECT_EQ(lead("1 2 3\n4 5 6\n", "1 1 1\nnan nan nan\n").value, 2.5);
+  EXPECT_FALSE(lead("nan nan nan\nnan nan nan\n", "1 1 1\n1 1 1\n").value);
+}
+
+// Blanks of both kinds part numbers, and may stand at both ends.
+TEST(TableResults, TakeNumbersBetweenBlanks) {
+  const std::vector<Result> results = TableResults(
+      std::vector<TableText>{{.table = Scores("snr", "car"), .text = "\t 1\t2  3\t\n1 2 +3\n"}});
+  EXPECT_EQ(Get(results, "snr.car.0").value, 2);
+  EXPECT_EQ(Get(results, "snr.car.5").reason, "the line is missing or torn");
 }
 
 TEST(TableResults, TakeNothingFromTornOrHostileLines) {
@@ -88,6 +124,12 @@ TEST(TableResults, NameTheRowsOfAReportByTheirFirstWord) {
   EXPECT_EQ(Get(results, "pesq.a.wav").reason, "it is not computed");
   EXPECT_EQ(Get(results, "saving.b.wav").reason, "there is no number");
   EXPECT_EQ(Get(results, "saving.c.wav").reason, "the line is missing or torn");
+  EXPECT_EQ(Get(results, "saving.a.wav").unit, "%");
+  EXPECT_EQ(Get(results, "pesq.a.wav").better, Better::kHigher);
+  EXPECT_EQ(Get(results, "saving.a.wav").file, "report.txt");
+  EXPECT_EQ(results.size(), 6U) << "the first line is no row";
+  EXPECT_THAT(TableResults(std::vector<TableText>{{.table = table, .reason = "gone"}}),
+              testing::IsEmpty());
 }
 
 }  // namespace
