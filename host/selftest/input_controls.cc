@@ -153,11 +153,12 @@ std::vector<Control> InputControls() {
   controls.push_back(Filled("one infinite sample", "No sum with it is a figure.",
                             std::numeric_limits<float>::infinity(), audio_measures::kNotFinite,
                             ofFinite));
-  controls.push_back(Filled("silence", "There is no logarithm of 0 and no place where nothing is.",
-                            0, audio_measures::kSilence,
-                            {"peak", "true_peak", "rms", "active_level", "crest", "bandwidth",
-                             "bandwidth_40db", "noise_floor", "delay", "gain", "polarity", "snr",
-                             "si_sdr", "stoi", "codec_delay", "band_limit", "tempo"}));
+  controls.push_back(
+      Filled("silence", "There is no logarithm of 0 and no place where nothing is.", 0,
+             audio_measures::kSilence,
+             {"peak", "true_peak", "rms", "active_level", "crest", "bandwidth", "bandwidth_40db",
+              "noise_floor", "delay", "gain", "polarity", "snr", "si_sdr", "stoi", "codec_delay",
+              "band_limit", "tempo", "pitch_cents"}));
   return controls;
 }
 

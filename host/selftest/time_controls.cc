@@ -48,6 +48,122 @@ Control OtherTimbre() {
           {{"pitch_cents", 0, 2}}};
 }
 
+constexpr int kVoiceRate = 16000;
+
+// Stretches of voice and of noise, one after the other: hz 0 is noise.
+struct Stretch {
+  double seconds;
+  double hz;
+  double gain = 1;
+};
+
+Samples Stretches(const std::vector<Stretch>& stretches) {
+  Samples samples;
+  for (const Stretch& each : stretches) {
+    const Samples part = each.hz > 0 ? Voice(kVoiceRate, each.seconds, each.hz)
+                                     : WhiteNoise(Frames(kVoiceRate, each.seconds), 0.2, 61);
+    Append(samples, Scaled(part, each.gain));
+  }
+  return samples;
+}
+
+Control Spoken(const std::string& name, const std::string& theory,
+               const std::vector<Stretch>& reference, const std::vector<Stretch>& output,
+               double cents) {
+  return {name,
+          theory,
+          [=] {
+            return Scene{.output = {kVoiceRate, {Stretches(output)}},
+                         .reference = {kVoiceRate, {Stretches(reference)}}};
+          },
+          {{"pitch_cents", cents, 2}}};
+}
+
+std::vector<Control> SpokenInStretches() {
+  const double fifth = 220 * std::exp2(700.0 / 1200);
+  const std::string median = "The median is that of the longer stretch of those that count: ";
+  return {
+      Spoken("two pitches that last other times in an output of twice the length",
+             "Each block stands beside that at the same part of the length, so that 100 Hz meet "
+             "100 Hz a fifth higher, and 300 Hz meet 300 Hz, which last less than half the time.",
+             {{0.35, 100}, {0.25, 300}}, {{0.7, 100 * std::exp2(700.0 / 1200)}, {0.5, 300}}, 700),
+      Spoken("a voice a fifth higher, then noise in the output", median + "noise has no pitch.",
+             {{1.2, 220}}, {{0.4, fifth}, {0.8, 0}}, 700),
+      Spoken("a voice a fifth higher, then noise in the reference", median + "noise has no pitch.",
+             {{0.4, 220}, {0.8, 0}}, {{0.4, fifth}, {0.8, fifth / 2}}, 700),
+      Spoken("a voice a fifth higher, then noise in both", median + "noise has no pitch.",
+             {{0.4, 220}, {0.8, 0}}, {{0.4, fifth}, {0.8, 0}}, 700),
+      Spoken("a voice a fifth higher, then one as high and 32 dB softer",
+             median + "what is more than 30 dB softer than the loudest block does not count.",
+             {{0.4, 220}, {0.8, 220, 0.025}}, {{0.4, fifth}, {0.8, 220, 0.025}}, 700),
+      Spoken("a voice as high, then one a fifth higher and 28 dB softer",
+             median + "what is less than 30 dB softer than the loudest block counts.",
+             {{0.4, 220}, {0.8, 220, 0.04}}, {{0.4, 220}, {0.8, fifth, 0.04}}, 700),
+      Spoken("a voice a semitone higher, 60 dB softer than another",
+             "How soft all of a signal is makes no difference.", {{0.5, 220, 0.001}},
+             {{0.5, 220 * std::exp2(1.0 / 12), 0.001}}, 100)};
+}
+
+Control BesideZero() {
+  return {"a voice 300 cents higher, both beside a constant",
+          "What is constant is the same one period later.",
+          [] {
+            Samples reference = Voice(kVoiceRate, 0.5, 150);
+            Samples output = Voice(kVoiceRate, 0.5, 150 * std::exp2(0.25));
+            for (Samples* const each : {&reference, &output}) {
+              for (float& sample : *each) sample += 0.4F;
+            }
+            return Scene{.output = {kVoiceRate, {output}}, .reference = {kVoiceRate, {reference}}};
+          },
+          {{"pitch_cents", 300, 2}}};
+}
+
+// A copy, voiced in so many blocks from the first one on.
+Control ShortVoice(size_t blocks) {
+  Expected expected = {.measure = "pitch_cents", .value = 0, .tolerance = 1e-6};
+  if (blocks < 10) expected.reason = "too little that has a pitch";
+  return {"a voice of 200 Hz in " + std::to_string(blocks) + " blocks, then silence",
+          "A block of 25 ms is voiced where both it and what is a period of 5 ms later are in the "
+          "voice; they start every 10 ms, and the voice ends 0.6 ms after the last of them. It "
+          "takes ten.",
+          [blocks] {
+            Samples samples = Voice(kVoiceRate, 0.03 + 0.01 * static_cast<double>(blocks - 1), 200);
+            Append(samples, Voice(kVoiceRate, 0.0006, 200));
+            samples.resize(kVoiceRate);
+            return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
+          },
+          {expected}};
+}
+
+// A copy of a voice in noise that makes up this share of its power.
+Control NoisyVoice(double share, bool voiced) {
+  Expected expected = {.measure = "pitch_cents", .value = 0, .tolerance = 1e-6};
+  if (!voiced) expected.reason = "too little that has a pitch";
+  return {
+      "a voice in noise of " + std::to_string(share) + " of the power",
+      "The difference from one period later is twice the power of the noise, its mean over all "
+      "lags twice that of both: their ratio is the share, to a fifth of it for 400 samples, and "
+      "the threshold 0.1.",
+      [share] {
+        const Samples voice = Voice(kVoiceRate, 1, 200);
+        const double power = Energy(voice) / static_cast<double>(voice.size());
+        const Samples noise = WhiteNoise(voice.size(), std::sqrt(power * share / (1 - share)), 62);
+        const Samples samples = Sum(voice, noise);
+        return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
+      },
+      {expected}};
+}
+
+Control SilentReference() {
+  return {"a voice against silence",
+          "Silence has no pitch.",
+          [] {
+            return Scene{.output = {kVoiceRate, {Voice(kVoiceRate, 0.5, 200)}},
+                         .reference = {kVoiceRate, {Samples(8000)}}};
+          },
+          {{.measure = "pitch_cents", .reason = audio_measures::kSilence}}};
+}
+
 Control Clicking(double bpm, int rate) {
   return {"clicks at " + std::to_string(bpm) + " BPM and " + std::to_string(rate) + " Hz",
           "A click of 5 ms each 60 / BPM s; known over eight beats to a fraction of 10 ms: 0.3 %.",
@@ -106,6 +222,16 @@ std::vector<Control> TimeControls() {
                                    Clicking(93, 16000),
                                    Clicking(150.5, 44100)};
   for (Control& each : Beats()) controls.push_back(std::move(each));
+  for (Control& each : SpokenInStretches()) controls.push_back(std::move(each));
+  for (const auto& [share, voiced] : {std::pair{0.07, true}, {0.15, false}}) {
+    controls.push_back(NoisyVoice(share, voiced));
+  }
+  controls.push_back(ShortVoice(10));
+  controls.push_back(ShortVoice(9));
+  controls.push_back(BesideZero());
+  controls.push_back(SilentReference());
+  controls.push_back(Higher(124, -1200, 16000));
+  controls.push_back(Higher(490, 1200, 48000));
   return controls;
 }
 
