@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <random>
 
 #include "engine_api/common/wav_reader.h"
+#include "support/seeded_noise.h"
 
 namespace {
 
@@ -49,19 +49,6 @@ constexpr Setting kJudging[] = {
     {"aec/fs05_farend", "noizeus", 0, 220, 300, Speaker::kSoft, 4, 0, -65},
     {"aec/dt01_farend", "noizeus", 0, 50, 220, Speaker::kLinear, 0, 6, -72}};
 
-class Noise {
- public:
-  explicit Noise(unsigned seed) : m_random(seed) {}
-  double operator()() { return static_cast<double>(m_random()) / 2147483648.0 - 1; }
-
- private:
-  std::mt19937 m_random;
-};
-
-short Limit(double sample) {
-  return static_cast<short>(std::lrint(std::clamp(sample, -32768.0, 32767.0)));
-}
-
 Samples ReadWave(const std::string& name, int rate) {
   zuwebrtc::WavReader reader(name);
   if (reader.sample_rate() != rate || reader.num_channels() != 1) {
@@ -94,7 +81,7 @@ double Energy(const std::vector<double>& samples) {
 }
 
 // A response of as many reflections as tell in a room, a third of all taps.
-std::vector<double> Room(Noise& noise, int delayMs, double decayMs) {
+std::vector<double> Room(SeededNoise& noise, int delayMs, double decayMs) {
   const auto delay = static_cast<size_t>(delayMs * kRate / 1000);
   std::vector<double> room(delay + static_cast<size_t>(decayMs * kRate / 1000));
   room[delay] = 1;
@@ -126,7 +113,7 @@ std::vector<double> Convolve(const std::vector<double>& in, const std::vector<do
 }
 
 EchoCase Make(const std::string& folder, const Setting& setting, unsigned seed) {
-  Noise noise(seed);
+  SeededNoise noise(seed);
   EchoCase made;
   made.name = std::to_string(seed) + " " + setting.far + ", " + setting.near;
   made.far = ReadSpeech(folder, setting.far);
@@ -148,7 +135,8 @@ EchoCase Make(const std::string& folder, const Setting& setting, unsigned seed) 
   const std::vector<double> near(made.near.begin(), made.near.end());
   const double gain = std::sqrt(Energy(near) / Energy(echo) * std::pow(10, setting.echoDb / 10));
   const double hiss = 32768 * std::sqrt(3.0) * std::pow(10, setting.noiseDb / 20);
-  for (const double sample : echo) made.echo.push_back(Limit(gain * sample + hiss * noise()));
+  for (const double sample : echo)
+    made.echo.push_back(NearestSample(gain * sample + hiss * noise()));
   return made;
 }
 

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
-#include <random>
+
+#include "support/seeded_noise.h"
 
 namespace {
 
@@ -31,9 +32,9 @@ void Filter(std::vector<double>& samples, Pass pass, double corner, int rate) {
 }  // namespace
 
 std::vector<double> WhiteNoise(int count, double peak, unsigned seed) {
-  std::mt19937 random(seed);
+  SeededNoise white(seed);
   std::vector<double> noise(static_cast<size_t>(count));
-  for (double& value : noise) value = peak * (static_cast<double>(random()) / 2147483648.0 - 1);
+  for (double& value : noise) value = peak * white();
   return noise;
 }
 

@@ -3,31 +3,17 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <random>
+
+#include "support/seeded_noise.h"
 
 namespace {
-
-// The standard library's distributions differ from machine to machine; this does not.
-class Noise {
- public:
-  explicit Noise(unsigned seed) : m_random(seed) {}
-
-  double operator()() { return static_cast<double>(m_random()) / 2147483648.0 - 1; }
-
- private:
-  std::mt19937 m_random;
-};
-
-short Limit(double sample) {
-  return static_cast<short>(std::lrint(std::clamp(sample, -32768.0, 32767.0)));
-}
 
 size_t At(int rate, double seconds) { return static_cast<size_t>(rate * seconds); }
 
 }  // namespace
 
 Samples Talk(int rate, double seconds, unsigned seed, double level) {
-  Noise noise(seed);
+  SeededNoise noise(seed);
   Samples talk(At(rate, seconds));
   double low = 0;
   double before = 0;
@@ -45,17 +31,18 @@ Samples Talk(int rate, double seconds, unsigned seed, double level) {
     const double white = noise();
     low += 0.2 * (white - low);  // A fall of 6 dB an octave over the voice band, and no rumble.
     const double coloured = low + 0.1 * white;
-    talk[i] = Limit(32768 * 4.4 * std::pow(10, level / 20) * envelope * (coloured - before));
+    talk[i] =
+        NearestSample(32768 * 4.4 * std::pow(10, level / 20) * envelope * (coloured - before));
     before += 0.03 * (coloured - before);
   }
   return talk;
 }
 
 Samples Hiss(int rate, double seconds, unsigned seed, double level) {
-  Noise noise(seed);
+  SeededNoise noise(seed);
   Samples hiss(At(rate, seconds));
   const double amplitude = 32768 * std::sqrt(3.0) * std::pow(10, level / 20);
-  for (short& sample : hiss) sample = Limit(amplitude * noise());
+  for (short& sample : hiss) sample = NearestSample(amplitude * noise());
   return hiss;
 }
 
@@ -64,7 +51,7 @@ Samples Echo(const Samples& far, int rate, int delayMs, double gainDb) {
     size_t at;
     double gain;
   };
-  Noise noise(99);
+  SeededNoise noise(99);
   std::vector<Reflection> room = {{At(rate, delayMs / 1000.0), 1}};
   double energy = 1;
   for (int i = 0; i < 60; ++i) {
@@ -78,14 +65,14 @@ Samples Echo(const Samples& far, int rate, int delayMs, double gainDb) {
   for (size_t i = 0; i < far.size(); ++i) {
     double sum = 0;
     for (const Reflection& one : room) sum += i < one.at ? 0 : one.gain * far[i - one.at];
-    echo[i] = Limit(gain * sum);
+    echo[i] = NearestSample(gain * sum);
   }
   return echo;
 }
 
 Samples Sum(const Samples& one, const Samples& other) {
   Samples sum(std::min(one.size(), other.size()));
-  for (size_t i = 0; i < sum.size(); ++i) sum[i] = Limit(one[i] + other[i]);
+  for (size_t i = 0; i < sum.size(); ++i) sum[i] = NearestSample(one[i] + other[i]);
   return sum;
 }
 
