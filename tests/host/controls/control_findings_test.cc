@@ -85,6 +85,41 @@ TEST(ControlFindings, ReadersSeeWhatIsWrong) {
   EXPECT_THAT(text, HasSubstr("fail: 1 are not as they should be\n"));
 }
 
+TEST(ControlFindings, ReadersSeeWhatFoundItAndByHowMuch) {
+  MeasureComparison bare = Worse("stoi", -0.12345);
+  bare.kind.unit = "";
+  ControlFindings both = Cut("speech");
+  both.guards.push_back("click");
+  both.measures = {bare, Worse("lsd", 2)};
+  both.compared = {"stoi", "lsd", "erle", "rms"};
+  const ControlResult found = {&kLoud, {both, Nothing("music")}};
+  const std::string text = ControlsText({found, found, {&kClean, {Nothing("speech")}}});
+  EXPECT_THAT(text, HasSubstr("    speech: guard clipped, guard click, stoi -0.123, lsd +2 dB\n"));
+  EXPECT_THAT(text, HasSubstr("guard click    s  s  .\n"
+                              "guard clipped  s  s  .\n"
+                              "lsd            s  s  .\n"
+                              "stoi           s  s  .\n"));
+  EXPECT_THAT(text, HasSubstr("has found nothing: dc, erle, gain, rms\n"));
+  EXPECT_THAT(text, HasSubstr("fail: 2 are not as they should be\n"));
+}
+
+TEST(ControlFindings, ProgramsGetEachMember) {
+  ControlFindings louder = Louder("speech");
+  louder.measures.front().a = 1.5;
+  louder.measures.front().b = 1.625;
+  const nlohmann::json json = ParseControls(
+      ControlsJson({{&kClean, {Nothing("speech")}}, {&kLoud, {louder, Nothing("music")}}}));
+  EXPECT_EQ(json["pieces"], kControlPieces);
+  EXPECT_EQ(json["engines"], nlohmann::json::parse(R"([
+    {"name": "clean", "what": "the same again", "clean": true, "right": true,
+     "found": [{"sound": "speech", "guards": [], "measures": []}]},
+    {"name": "gain", "what": "louder", "clean": false, "right": false,
+     "found": [{"sound": "speech", "guards": [],
+                "measures": [{"name": "gain", "unit": "dB", "a": 1.5, "b": 1.625,
+                              "difference": 0.1}]},
+               {"sound": "music", "guards": [], "measures": []}]}])"));
+}
+
 TEST(ControlFindings, ProgramsGetAllOfIt) {
   const nlohmann::json json =
       ParseControls(ControlsJson({{&kLoud, {Louder("speech"), Cut("music")}}}));
