@@ -22,15 +22,9 @@ bool Has(const std::vector<int>& list, int number) {
   return std::find(list.begin(), list.end(), number) != list.end();
 }
 
-bool AnyValue(const auto& entries) {
-  return std::any_of(entries.begin(), entries.end(),
-                     [](const auto& each) { return !std::isnan(each.value); });
-}
-
-// The figure over all channels; null when there is none with a value.
+// The figure over all channels; null when there is none.
 const auto* OverAll(const auto& entries) {
-  const bool has = !entries.empty() && entries.front().channel == TextTable::kNone &&
-                   !std::isnan(entries.front().value);
+  const bool has = !entries.empty() && entries.front().channel == TextTable::kNone;
   return has ? &entries.front() : nullptr;
 }
 
@@ -78,15 +72,21 @@ std::vector<CasePairing::Entry> CasePairing::EntriesOf(const ComparedCase& one, 
   std::vector<Entry> entries;
   entries.reserve(one.figures.size());
   for (const ComparedFigure& figure : one.figures) {
+    if (std::isnan(figure.value)) continue;  // As if it were not there.
     entries.push_back({.kind = kinds[static_cast<size_t>(figure.kind)],
                        .file = ofB ? NameOfB(figure.file) : figure.file,
                        .channel = figure.channel,
                        .value = figure.value,
                        .truth = figure.truth});
   }
-  std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-    return std::tie(a.kind, a.file, a.channel) < std::tie(b.kind, b.file, b.channel);
-  });
+  const auto place = [](const Entry& entry) {
+    return std::tuple(entry.kind, entry.file, entry.channel);
+  };
+  std::stable_sort(entries.begin(), entries.end(),
+                   [&](const Entry& a, const Entry& b) { return place(a) < place(b); });
+  // Of several figures of one thing, which no suite leaves, the first.
+  const auto same = [&](const Entry& a, const Entry& b) { return place(a) == place(b); };
+  entries.erase(std::unique(entries.begin(), entries.end(), same), entries.end());
   return entries;
 }
 
@@ -156,12 +156,9 @@ void CasePairing::PairFigures(const ComparedCase& a, const ComparedCase& b) {
 }
 
 void CasePairing::PairGroup(Entries a, Entries b) {
-  const bool inA = AnyValue(a);
-  const bool inB = AnyValue(b);
-  if (!inA && !inB) return;
-  if (!inB) {
+  if (b.empty()) {
     AddGone(a.front());
-  } else if (!inA) {
+  } else if (a.empty()) {
     AddNew(b.front());
   } else if (OverAll(a) != nullptr && OverAll(b) != nullptr) {
     AddPair(*OverAll(a), *OverAll(b));
@@ -173,19 +170,19 @@ void CasePairing::PairGroup(Entries a, Entries b) {
 void CasePairing::PairChannels(Entries a, Entries b) {
   const Entry* gone = nullptr;
   const Entry* added = nullptr;
+  const auto find = [](Entries among, int channel) {
+    return std::ranges::find(among, channel, &Entry::channel);
+  };
   for (const Entry& one : a) {
-    const auto other = std::find_if(b.begin(), b.end(),
-                                    [&](const Entry& each) { return each.channel == one.channel; });
-    const bool inA = !std::isnan(one.value);
-    const bool inB = other != b.end() && !std::isnan(other->value);
-    if (inA && inB) AddPair(one, *other);
-    if (inA && !inB) gone = &one;
-    if (!inA && inB) added = &*other;
+    const auto other = find(b, one.channel);
+    if (other == b.end()) {
+      gone = &one;
+    } else {
+      AddPair(one, *other);
+    }
   }
   for (const Entry& other : b) {
-    const bool known = std::any_of(
-        a.begin(), a.end(), [&](const Entry& each) { return each.channel == other.channel; });
-    if (!known && !std::isnan(other.value)) added = &other;
+    if (find(a, other.channel) == a.end()) added = &other;
   }
   if (gone != nullptr) AddGone(*gone);
   if (added != nullptr) AddNew(*added);

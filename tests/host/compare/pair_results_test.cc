@@ -85,6 +85,64 @@ TEST(PairResults, ListsWhatIsNewTheSameWay) {
   EXPECT_THAT(paired.gone, IsEmpty());
 }
 
+// With a new file come its figures.
+TEST(PairResults, ListsANewFileOnce) {
+  const Json less = CaseJson("c", {});
+  Json whole = CaseJson("c", {{.value = 1, .file = "more.wav"}});
+  whole["outputs"].push_back({{"name", "more.wav"}, {"sha256", Json()}});
+  EXPECT_THAT(Places(Pair(less, whole).added), testing::ElementsAre("c more.wav"));
+}
+
+// Somebody has put figures together by hand: of one thing the first that has a value counts.
+TEST(PairResults, TakesTheFirstOfSeveralFiguresOfOneThing) {
+  for (const std::optional<int> channel : {std::optional<int>(), std::optional<int>(1)}) {
+    const Json one = CaseJson(
+        "c",
+        {{.channel = channel}, {.value = 2, .channel = channel}, {.value = 7, .channel = channel}});
+    const PairedResults paired = Pair(one, one);
+    ASSERT_THAT(paired.measures, SizeIs(1));
+    EXPECT_EQ(paired.measures[0].pairs[0].a, 2);
+    EXPECT_EQ(paired.measures[0].pairs[0].b, 2);
+    EXPECT_THAT(paired.gone, IsEmpty());
+    EXPECT_THAT(paired.added, IsEmpty());
+  }
+}
+
+// A mean over the channels in one of both only leaves the channels.
+TEST(PairResults, PairsChannelsWhereOneHasNoMean) {
+  const Json mean = CaseJson("c", {{.value = 1, .channel = 0}, {.value = 10}});
+  const Json channel = CaseJson("c", {{.value = 4, .channel = 0}});
+  for (const auto& [a, b] : {std::pair{mean, channel}, {channel, mean}}) {
+    const PairedResults paired = Pair(a, b);
+    ASSERT_THAT(paired.measures, SizeIs(1));
+    EXPECT_EQ(paired.measures[0].pairs[0].a + paired.measures[0].pairs[0].b, 5);
+    EXPECT_EQ(paired.gone.size(), a == mean ? 1U : 0U);
+    EXPECT_EQ(paired.added.size(), a == mean ? 0U : 1U);
+  }
+}
+
+// A truth that only one of both names holds for both.
+TEST(PairResults, TakesTheTruthOfEither) {
+  const auto delay = [](double value, const Json& truth) {
+    Json one = CaseJson("c", {{.name = "delay", .value = value, .better = "none", .unit = "ms"}});
+    one["figures"][0]["truth"] = truth;
+    return one;
+  };
+  for (const auto& [a, b] :
+       {std::pair{delay(95, 90), delay(88, Json())}, {delay(95, Json()), delay(88, 90)}}) {
+    const PairedResults paired = Pair(a, b);
+    ASSERT_THAT(paired.measures, SizeIs(1));
+    EXPECT_TRUE(paired.measures[0].toTruth);
+    EXPECT_EQ(paired.measures[0].pairs[0].a, 5);
+    EXPECT_EQ(paired.measures[0].pairs[0].b, 2);
+  }
+  // Where more is better the truth changes nothing.
+  Json better = CaseJson("c", {{.value = 3}});
+  better["figures"][0]["truth"] = 1;
+  EXPECT_FALSE(Pair(better, better).measures[0].toTruth);
+  EXPECT_EQ(Pair(better, better).measures[0].pairs[0].a, 3);
+}
+
 // A figure without a value is as if it were not there.
 TEST(PairResults, AFigureThatHasLostItsValueIsGone) {
   const Json with = CaseJson("c", {{.value = 1}});
