@@ -9,6 +9,7 @@
 
 #include "support/captured_stderr.h"
 #include "support/signals.h"
+#include "support/tone.h"
 #include "support/voice.h"
 
 using testing::SizeIs;
@@ -213,6 +214,22 @@ TEST(VoiceBeautify, DoesTheSameThroughEveryEntrance) {
       ASSERT_EQ(wide[i], expected[done + i]);
     }
   }
+}
+
+// After a loud tone that had to be made softer the gain comes back: all but 1 / e of the way within
+// 12 ms, for which a peak counts, and 90 ms.
+TEST(VoiceBeautify, ComesBackAfterALoudSound) {
+  constexpr int kRate = 48000;
+  Shorts tone = Tone(3000, 30000, kRate, kRate);
+  for (size_t i = kRate / 2; i < tone.size(); ++i) tone[i] = static_cast<short>(tone[i] / 20);
+  const auto out = ToDoubles(Process(*Enabled(mode2, 1, 0), tone, kRate));
+  constexpr size_t kStretch = kRate / 500;  // 2 ms.
+  const auto level = [&](size_t ms) { return Rms({&out[ms * (kRate / 1000)], kStretch}); };
+  const double first = level(504), last = level(990);
+  EXPECT_GT(Decibels(last / first), 1.5);
+  size_t ms = 504;
+  while (last - level(ms) > (last - first) / std::exp(1.0)) ++ms;
+  EXPECT_NEAR(static_cast<double>(ms - 500), 12 + 90, 15);
 }
 
 TEST(VoiceBeautify, LeavesABlockAloneThatIsLongerThanItsRoom) {

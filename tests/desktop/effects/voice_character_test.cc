@@ -139,6 +139,7 @@ TEST(VoiceCharacter, IsAboutAsLoudAsTheVoiceFromTheStart) {
     EXPECT_NEAR(LevelAtTheStart(static_cast<VoiceEffectOption>(effect)), 0, 4) << effect;
   }
   EXPECT_LT(LevelAtTheStart(VeoWarCraft), 3);
+  EXPECT_LT(LevelAtTheStart(VeoHeavyMetal), 3);
   EXPECT_GT(LevelAtTheStart(VeoPowerCurrent), 0);
   EXPECT_LT(LevelAtTheStart(mode5), 0);
 }
