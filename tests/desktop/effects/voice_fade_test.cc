@@ -67,4 +67,20 @@ TEST(VoiceFade, IsNotBrokenIntoStairs) {
   }
 }
 
+// An effect whose sound comes later than that of the old one is waited for.
+TEST(VoiceFade, LeavesNoGapWhereAnEffectComesIn) {
+  std::vector<short> note = SungNote(220, kRate, 1);
+  const std::unique_ptr<IVoiceChangerToolbox> toolbox(IVoiceChangerToolbox::Create(kRate, 1));
+  for (size_t done = 0; done < note.size(); done += 160) {
+    if (done == kRate / 2) toolbox->SetVoiceEffectOption(VeoUncle);
+    short count = 160;
+    toolbox->Process(&note[done], &count);
+  }
+  const std::vector<double> sound = ToDoubles(note);
+  const double before = Rms({&sound[kRate / 4], kRate / 4});
+  for (size_t at = kRate / 2; at + 320 <= sound.size(); at += 80) {
+    EXPECT_GT(Decibels(Rms({&sound[at], 320}) / before), -10) << at;
+  }
+}
+
 }  // namespace
