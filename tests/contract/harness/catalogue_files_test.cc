@@ -10,8 +10,10 @@
 #include <vector>
 
 #include "catalogue/catalogue.h"
+#include "catalogue_row_of.h"
 #include "fake_engine/codec/codec_format.h"
 #include "fake_engine/fake_engine.h"
+#include "files_of_routines.h"
 
 using harness::Catalogue;
 using harness::CatalogueRow;
@@ -83,244 +85,26 @@ std::vector<std::string> Texts(const std::vector<FileUse>& uses) {
   return texts;
 }
 
-struct RowFiles {
-  const char* routine;
-  std::vector<std::string> inputs;
-  std::vector<std::string> outputs;
-};
-
-constexpr const char* kUnwritten =
-    "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_mcra2.pcm 960x s16 8000x1 block 160 optional "
-    "(nothing in the bench writes these)";
-
-const RowFiles kRows[] = {
-    {"RunTestCase",
-     {"/sdcard/ZUAudioDemo/44100_2.pcm s16 44100x2 block 1764"},
-     {"/sdcard/ZUAudioDemo/44100_2_out_902.pcm f32 44100x2"}},
-    {"TestEchoDelayEst",
-     {"{pFarendFileName} wave 16000x1 skip 44 block 320",
-      "{pNearendFileName} wave 16000x1 skip 44 block 320"},
-     {}},
-    {"TestEchoDelayEstAndAEC",
-     {"{pFarendFileName} wave 16000x1 skip 44 block 320",
-      "{pNearendFileName} wave 16000x1 copy 44 block 320"},
-     {"{pOutFileName} wave foreign header"}},
-    {"TestTemp", {"wrpcmin.pcm s16 8000x1 block 160"}, {"NSout.pcm s16 8000x1"}},
-    {"TestAECNsNoizeus",
-     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160"},
-     {"NOIZEUS/out/sp<sentence>_<noise>_sn<level>_aec.pcm 960x s16 8000x1 block 160"}},
-    {"TestZUAECProcess",
-     {"{pFarendFileName} wave 16000x1 from byte 0 or headerless block 320 optional",
-      "{pNearendFileName} wave 16000x1 copy 44 block 320"},
-     {"{pOutFileName} wave foreign header"}},
-    {"TestAECProcess",
-     {"{pFarendFileName} s16 16000x1 block 320", "{pNearendFileName} s16 16000x1 block 320"},
-     {"{pOutFileName} s16 16000x1"}},
-    {"TestZUAec",
-     {"{inNearFile} wave 10 ms", "{inFarFile} wave as {inNearFile} else nothing 10 ms"},
-     {"{outNearFile} wave"}},
-    {"TestAecDenoiseInternal", {"{in} wave 10 ms"}, {"{out} wave 10 ms"}},
-    {"TestAecDenoiseNOIZEUS",
-     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.wav 960x wave 10 ms"},
-     {"NOIZEUS/out/rev3.2.50/sp<sentence>_<noise>_sn<level>_denoise.wav 960x wave 10 ms"}},
-    {"TestAecDenoise",
-     {"in/<recording>.wav 10x wave 10 ms"},
-     {"out/rev3.2.250/<recording>_out_rev3.2.250.wav 10x wave 10 ms"}},
-    {"TestHardwareAec", {"noise_in.wav wave 32000x1 10 ms"}, {"out.wav wave"}},
-    {"TestSoftAec",
-     {"music_delay/findcap.wav wave 16000x1 10 ms",
-      "music_delay/findreceive.wav wave 16000x1 10 ms"},
-     {"music_delay/out.wav wave", "music_delay/echo_metrics.txt may be empty text"}},
-    {"TestEchoDetection",
-     {"C:\\aecfiles\\farend.wav wave 16000x1 from byte 0 block 2",
-      "C:\\aecfiles\\nearend.wav wave 16000x1 from byte 0 block 2"},
-     {}},
-    {"TestRecord",
-     {"F:\\sample\\test.pcm s16 16000x1 block 400 optional",
-      "F:\\sample\\test2.pcm s16 16000x1 optional"},
-     {"far.wav wave", "near.wav wave may be empty", "out.wav wave", "delay.txt may be empty text",
-      "log.txt text"}},
-    {"TestNoizeus",
-     {"NOIZEUS/in/clean/sp<sentence>.pcm 30x s16 8000x1 block 160 beside",
-      "NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_aec.pcm 960x s16 8000x1 block 160",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise_light.pcm 960x s16 8000x1 block 160",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise.pcm 960x s16 8000x1 block 160",
-      kUnwritten},
-     {"NOIZEUS/out/result_avg_snr_aec_<noise>.txt 8x text",
-      "NOIZEUS/out/result_speech_snr_aec_<noise>.txt 8x text",
-      "NOIZEUS/out/result_avg_snr_denoise_light_<noise>.txt 8x text",
-      "NOIZEUS/out/result_speech_snr_denoise_light_<noise>.txt 8x text",
-      "NOIZEUS/out/result_avg_snr_denoise_<noise>.txt 8x text",
-      "NOIZEUS/out/result_speech_snr_denoise_<noise>.txt 8x text",
-      "NOIZEUS/out/result_avg_snr_mcra2_<noise>.txt 8x text",
-      "NOIZEUS/out/result_speech_snr_mcra2_<noise>.txt 8x text",
-      "NOIZEUS/out/result_avg_snr_off_<noise>.txt 8x text",
-      "NOIZEUS/out/result_speech_snr_off_<noise>.txt 8x text"}},
-    {"TestAGCProcess",
-     {"{pSrcFileName} wave 16000x1 copy 44 block 320"},
-     {"{pDstFileName} wave foreign header"}},
-    {"TestVADProcess",
-     {"{pSrcFileName} wave 16000x1 copy 44 block 320 optional"},
-     {"{pDstFileName} wave foreign header", "{pResultFileName} wave foreign header"}},
-    {"TestNoizeusEx",
-     {"NOIZEUS/in/clean/sp<sentence>.pcm 30x s16 8000x1 block 160 beside",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_<algorithm>.pcm 960x s16 8000x1 block 160 (for "
-      "\"off\" the noisy sentences of NOIZEUS/in instead)",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_<algorithm>.pcm 960x s16 8000x1 block 160"},
-     {"NOIZEUS/out/result_<measure>_<algorithm>_<noise>.txt 8x text"}},
-    {"TestZUAudioProcessing",
-     {"{pFarendFileName} wave 16000x1 copy 44 block 320",
-      "{pNearendFileName} wave 16000x1 skip 44 block 320"},
-     {"{pOutFileName} wave foreign header"}},
-    {"TestHPFProcess", {"{pSrcFileName} wave 10 ms"}, {"{pDstFileName} wave 10 ms"}},
-    {"TestVADProcessRefined", {"{in} wave anyx1 else abort 10 ms any size"}, {"{out} wave"}},
-    {"TestVadResult",
-     {"swb_ref_16kHz.wav wave 10 ms"},
-     {"vad_out.wav wave 10 ms", "vad_result.wav wave 10 ms"}},
-    {"TestVAD",
-     {"F:/Stream/vad/input/vad_input_description.txt optional text"},
-     {"F:/Stream/vad/output/report_{version}.txt text"}},
-    {"TestSpeexAgc", {"music.wav wave 10 ms"}, {"agc_out.wav wave 10 ms"}},
-    {"TestWebrtcAgc", {"niannujiao_44100_1.wav wave 10 ms"}, {"agc_out.wav wave 10 ms"}},
-    {"TestDenoiseProcessNoizeus",
-     {"NOIZEUS/in/<noise>/<level>dB/sp<sentence>_<noise>_sn<level>.pcm 960x s16 8000x1 block 160"},
-     {"NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise.pcm 960x s16 8000x1 block 160",
-      "NOIZEUS/out/sp<sentence>_<noise>_sn<level>_denoise_light.pcm 960x s16 8000x1 block 160"}},
-    {"TestDenoiseProcess", {"ns_in.wav wave 10 ms"}, {"ns_out.wav wave 10 ms"}},
-    {"TestZUStreamToAAC", {"packer.48k.aac optional coded audio"}, {"48k.aac AAC stream"}},
-    {"TestAudioEncode",
-     {"audio_test.pcm s16 44100x2 optional"},
-     {"out.enc coded audio", "dec.pcm s16 44100x2"}},
-    {"TestZUEAACCodec",
-     {"F:\\44100_2_new1.wav wave 44100x2 from byte 0 block 8192"},
-     {"F:\\44100_2_out.aac AAC stream", "F:\\44100_2_out.pcm s16 44100x2"}},
-    {"TestZUEldCodec", {"yedegangqinqu_Fs32000_Ch1.pcm s16 32000x1"}, {"eld_out.aac coded audio"}},
-    {"TestEncodeFile",
-     {"{pSrcFileName} wave 44100x2 or 16000x1 else nothing skip 44"},
-     {"{pDstFileName} coded audio"}},
-    {"TestDecodeFile", {"{pSrcFileName} coded audio"}, {"{pDstFileName} headerless samples"}},
-    {"TestSilkPackerOut", {"packer.out optional coded audio"}, {"packer.pcm s16 16000x1"}},
-    {"TestAACStreamToAAC", {"packer.48k.aac optional coded audio"}, {"48k.aac AAC stream"}},
-    {"TestVADCodecMosByVADResult",
-     {"{pSrcFileName} wave as the codec block 2"},
-     {"{pDstFileName} wave", "{pVadResultFile} wave"}},
-    {"TestZUAudioProcessor", {"player.wav wave 44100x2 block 8192"}, {"player.aac AAC stream"}},
-    {"TestZUEncode",
-     {"{wavInFileName} wave as the codec block 2"},
-     {"{encodedFileName} coded audio"}},
-    {"TestZUDecode", {"{encodedFileName} coded audio"}, {"{decodedWavFileName} wave"}},
-    {"newTestZUEncode",
-     {"{wavInFileName} wave as the codec block 2"},
-     {"{encodedFileName} coded audio"}},
-    {"newTestZUDecode", {"{encodedFileName} coded audio"}, {"{decodedWavFileName} wave"}},
-    {"TestZUCodecNew",
-     {"{wavInFileName} wave as the codec block 2"},
-     {"{wavOutFileName}.enc coded audio", "{wavOutFileName}.dec.wav wave",
-      "{wavOutFileName} wave"}},
-    {"TestMockVADMos",
-     {"{refFile} wave 10 ms",
-      "{refFile}.preproc.wav wave 16000x1 copy 44 block 320 optional (nothing in the bench writes "
-      "it)"},
-     {"{refFile}.resample.wav wave", "{refFile}.codec.wav.enc coded audio",
-      "{refFile}.codec.wav.dec.wav wave", "{refFile}.codec.wav wave",
-      "{refFile}.vad.wav wave foreign header", "{refFile}.vadresult.wav wave foreign header",
-      "{refFile}.vadCodec.wav.enc coded audio", "{refFile}.vadCodec.wav.dec.wav wave",
-      "{refFile}.vadCodec.wav wave"}},
-    {"calAACMos",
-     {"{wavInFileName} wave 10 ms"},
-     {"{rate}_{channels}_{bitRate}.res.wav wave 10 ms",
-      "{rate}_{channels}_{bitRate}.ref.wav wave 10 ms",
-      "{rate}_{channels}_{bitRate}.enc.wav coded audio",
-      "{rate}_{channels}_{bitRate}.dec.wav wave"}},
-    {"TestIIREq",
-     {"c:\\44100_2_music.wav wave 44100x2 copy 44 block 1764"},
-     {"c:\\44100_2_music_eq.wav wave foreign header"}},
-    {"TestReverb",
-     {"{pSrcFileName} wave as the arguments copy 44"},
-     {"{pDstFileName} wave foreign header"}},
-    {"TestReverbPreset",
-     {"e:\\lumo.wav wave 44100x1 copy 44 block 882"},
-     {"e:\\reverb\\lumo_reverb_*.wav 14x wave foreign header"}},
-    {"TestAudioAccelerate",
-     {"F:\\44100_2_new1.wav wave 44100x2 copy 44 block 4096 optional"},
-     {"F:\\44100_2_new1_out.wav wave foreign header"}},
-    {"TestHRTF",
-     {"/sdcard/ZUAudioDemo/44100_2.pcm s16 44100x2 block 1764"},
-     {"/sdcard/ZUAudioDemo/44100_2_out_902.pcm f32 44100x2"}},
-    {"TestAudioMusicDetector", {"music.wav wave 10 ms block 2"}, {"music_det.wav wave"}},
-    {"TestMdrc", {"voice.wav wave 10 ms"}, {"mdrc.wav wave 10 ms"}},
-    {"TestVoiceBeautify", {"f:\\4.wav wave 10 ms"}, {"f:\\4_out6.wav wave 10 ms"}},
-    {"TestVoiceChangerEx", {"voice.wav wave 10 ms"}, {"voice_changer_out.wav wave 10 ms"}},
-    {"TestSpeexConverter",
-     {"niannujiao_44100_2.wav wave 10 ms optional"},
-     {"resampler.wav wave 10 ms"}},
-    {"TestAudioResamplerEx", {"{inFile} wave 10 ms optional"}, {"{outFile} wave 10 ms"}},
-    {"TestDrc", {"music.wav wave 10 ms"}, {"drc_out.wav wave 10 ms"}},
-    {"TestBeatTrack",
-     {"yedegangqinqu_Fs44100_Ch1.wav wave 10 ms"},
-     {"BeatTrack.txt may be empty text"}},
-    {"AccelerateTest", {"whenold_8000_1.wav wave 30 ms"}, {"out.wav wave"}},
-    {"StretchTest", {"whenold_8000_1.wav wave 30 ms"}, {"out.wav wave"}},
-    {"TestEqReverb",
-     {"voice_record.wav wave anyx1 or anyx2 else nothing 10 ms"},
-     {"eqreverb.wav wave 10 ms"}},
-    {"TestAudioEffectModule", {"input.wav wave 10 ms"}, {"effect_out.wav wave 10 ms"}},
-    {"TestRateChanger", {"test.wav wave 10 ms"}, {"rate.wav wave 10 ms"}},
-    {"TestSoundTouchBpm", {"yedegangqinqu_Fs44100_Ch1.wav wave from 8000 else abort 10 ms"}, {}},
-    {"TestSoundTouch", {"input.wav wave 44100x1 10 ms"}, {"out.wav wave"}},
-    {"TestAudioMixer",
-     {"c:\\5.wav wave 16000x1 skip 44 block 320"},
-     {"c:\\outmix.pcm s16 16000x1"}},
-    {"TestRecordMixer",
-     {"record_acc.wav wave 10 ms any size",
-      "record_voice.wav wave as record_acc.wav 10 ms any size"},
-     {"record_out.wav wave 10 ms"}},
-    {"TestKaraokeFileMixer",
-     {"voice_record.wav recording", "music.wav recording"},
-     {"output.aac AAC stream"}},
-    {"TestKaraokeRecorder",
-     {"/sdcard/dangni_mix.wav recording optional", "/sdcard/dangni_acc.wav recording optional",
-      "/sdcard/dangni_line_info.txt optional text",
-      "/sdcard/dangni_score_time_range.txt optional text"},
-     {"/sdcard/voice_record.wav wave"}},
-    {"TestFilePlayer", {"music.wav recording"}, {"sdk_log.txt text"}},
-    {"TestAudioRecorder", {}, {"audiorecorder.aac AAC stream appended"}},
-    {"TestAudioSaver",
-     {"gangqin.wav recording", "gangqin2.wav recording"},
-     {"saver.aac AAC stream", "sdk_log.txt text"}},
-    {"TestAudioChannel", {}, {"pack.enc coded audio", "sdk_log.txt text"}},
-    {"TestPushPcm",
-     {"Fs44100_Ch2.pcm s16 44100x2 block 3528"},
-     {"out.pcm s16 44100x2 may be empty"}},
-};
-
 std::vector<std::string> Names(const std::vector<FileUse>& uses) {
   std::vector<std::string> names;
   for (const FileUse& use : uses) names.push_back(use.name);
   return names;
 }
 
-const CatalogueRow& Row(std::string_view routine) {
-  const auto rows = Catalogue();
-  return *std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& row) {
-    return row.declared.words.name == routine;
-  });
-}
-
 }  // namespace
 
 TEST(CatalogueFiles, DeclareWhatEachRoutineReadsAndWrites) {
-  auto expected = std::begin(kRows);
+  const auto& all = FilesOfRoutines();
+  auto expected = all.begin();
   for (const CatalogueRow& row : Catalogue()) {
     if (row.inputs.empty() && row.outputs.empty()) continue;
-    ASSERT_NE(expected, std::end(kRows));
+    ASSERT_NE(expected, all.end());
     EXPECT_EQ(row.declared.words.name, expected->routine);
     EXPECT_THAT(Texts(row.inputs), ElementsAreArray(expected->inputs)) << expected->routine;
     EXPECT_THAT(Texts(row.outputs), ElementsAreArray(expected->outputs)) << expected->routine;
     ++expected;
   }
-  EXPECT_EQ(expected, std::end(kRows));
+  EXPECT_EQ(expected, all.end());
 }
 
 TEST(CatalogueFiles, NameEachFileOfALongListOnce) {

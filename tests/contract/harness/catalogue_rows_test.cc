@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "catalogue/catalogue.h"
+#include "catalogue_row_of.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/codec/local_codec.h"
 #include "fake_engine/fake_engine.h"
@@ -48,13 +49,6 @@ std::vector<std::string_view> CodecWords(const CatalogueRow& row) {
                                                                 : "1");
   }
   return words;
-}
-
-const CatalogueRow& Row(std::string_view routine) {
-  const auto rows = Catalogue();
-  return *std::find_if(rows.begin(), rows.end(), [routine](const CatalogueRow& row) {
-    return row.declared.words.name == routine;
-  });
 }
 
 }  // namespace
