@@ -76,6 +76,10 @@ Samples Voice(int rate, int channels, double seconds) {
   return out;
 }
 
+int FrameSamples(const AudioStreamFormat& format) {
+  return format.iSamplesOfFrame * format.iNumOfChannels;
+}
+
 std::string BytesOf(const Samples& samples) {
   return {reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(short)};
 }

@@ -14,6 +14,9 @@ using Samples = std::vector<short>;
 // the right channel is softer and later.
 Samples Voice(int rate, int channels, double seconds);
 
+// Samples of a frame, of all channels together.
+int FrameSamples(const AudioStreamFormat& format);
+
 std::string BytesOf(const Samples& samples);
 Samples SamplesOf(const std::string& bytes);
 

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "desktop/dsp/filters/graphic_equalizer.h"
-#include "engine_api/effects/audio_effect_module.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"
 #include "support/tone.h"
@@ -252,59 +251,6 @@ TEST(Equalizer, KeepsItsSlots) {
   EXPECT_EQ(process(equalizer, reinterpret_cast<char*>(tone.data()), 44100, 44100, 1, 2), 44100);
   EXPECT_NEAR(FitTone(tone, 1000, 44100).amplitude, 3000 * 3.981, 100);
   destroy(equalizer);
-}
-
-TEST(AudioEffectModuleTest, EqualisesTheSamplesOfItsFrameAndNoMore) {
-  AudioEffectModule module;
-  Gains gains = kAllUp;
-  module.SetEqualizerEnable(true);
-  module.SetEqGains(gains.data(), false);
-  zuwebrtc::AudioFrame frame;
-  frame.sample_rate_hz_ = 22050;
-  frame.num_channels_ = 2;
-  frame.samples_per_channel_ = 220;
-  std::fill_n(frame.data_, 441, short{1000});
-  EXPECT_EQ(module.Process(frame), 220u);
-  EXPECT_NE(frame.data_[439], 1000);
-  EXPECT_EQ(frame.data_[440], 1000);
-}
-
-TEST(AudioEffectModuleTest, LeavesABandAsItWasForAGainThatIsNoNumber) {
-  std::vector<short> first;
-  for (const bool again : {false, true}) {
-    AudioEffectModule module;
-    Gains gains = kAllUp;
-    module.SetEqualizerEnable(true);
-    module.SetEqGains(gains.data(), false);
-    gains.fill(std::nanf(""));
-    if (again) module.SetEqGains(gains.data(), false);
-    zuwebrtc::AudioFrame frame;
-    frame.sample_rate_hz_ = 48000;
-    frame.num_channels_ = 1;
-    frame.samples_per_channel_ = 480;
-    std::fill_n(frame.data_, 480, short{100});
-    module.Process(frame);
-    if (!again) first.assign(frame.data_, frame.data_ + 480);
-    EXPECT_EQ(std::vector<short>(frame.data_, frame.data_ + 480), first);
-  }
-  EXPECT_GT(first[0], 200);
-}
-
-TEST(AudioEffectModuleTest, ChangesAtOnceOrSmoothly) {
-  for (const bool smooth : {false, true}) {
-    AudioEffectModule module;
-    module.SetEqualizerEnable(true);
-    zuwebrtc::AudioFrame frame;
-    frame.sample_rate_hz_ = 48000;
-    frame.num_channels_ = 1;
-    frame.samples_per_channel_ = 480;
-    module.Process(frame);
-    Gains gains = kAllUp;
-    module.SetEqGains(gains.data(), smooth);
-    std::fill_n(frame.data_, 480, short{100});
-    module.Process(frame);
-    EXPECT_EQ(frame.data_[0] > 200, !smooth) << frame.data_[0];
-  }
 }
 
 }  // namespace

@@ -2,16 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <mutex>
-#include <optional>
 #include <string>
 
 #include "desktop/live/played.h"
 #include "desktop/live/wait.h"
-#include "desktop/platform/step_clock.h"
 #include "engine_api/mixing/audio_file_player.h"
-#include "engine_api/mixing/speech_msg_player.h"
+#include "file_player_fixture.h"
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/file_bytes.h"
@@ -24,31 +20,8 @@ namespace {
 
 using desktop::FilePlayer;
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::MatchesRegex;
 
-class FilePlayerTest : public testing::Test {
- protected:
-  void SetUp() override { desktop::UseNullDevices(5); }
-
-  // Noise that is nowhere silent, in the loudspeaker's format.
-  std::vector<short> Noise(int frames) {
-    std::vector<short> noise = ToShorts(WhiteNoise(2 * frames, 0.5, 7));
-    std::replace(noise.begin(), noise.end(), short{0}, short{1});
-    return noise;
-  }
-
-  void Write(const char* name, const std::vector<short>& samples, int rate = 48000,
-             int channels = 2) {
-    WriteFile(name, WavBytes({.channels = static_cast<uint16_t>(channels),
-                              .rate = static_cast<uint32_t>(rate)},
-                             samples));
-  }
-
-  std::optional<desktop::StepClock> m_clock{std::in_place};
-  const TemporaryDirectory m_directory;
-  const CapturedStderr m_log;
-};
+using FilePlayerTest = FilePlayerFixture;
 
 TEST_F(FilePlayerTest, PlaysAllSamplesBitForBitAndEndsByItself) {
   const std::vector<short> noise = Noise(48000 * 2 + 77);
@@ -249,92 +222,6 @@ TEST_F(FilePlayerTest, PlaysSeveralAtOnce) {
   brief->Destroy();
   lasting->Destroy();
   EXPECT_EQ(played.Sound().size(), 96000U);
-}
-
-// Notes the calls in order; of the status only the first of several.
-class SpeechNotes : public ISpeechMsgPlayerNotify {
- public:
-  void OnAudioPlayStatus(uint32_t played, uint32_t total, uint32_t volume) override {
-    EXPECT_LE(played, total);
-    EXPECT_LE(volume, 100U);
-    if (m_calls.empty() || m_calls.back() != "status") Note("status");
-  }
-  void OnAudioPlayError() override { Note("error"); }
-  void OnFirstStartPlayData() override { Note("start"); }
-  void OnStopPlayData(uint32_t played, uint32_t total) override {
-    Note("stop " + std::to_string(played) + " of " + std::to_string(total));
-  }
-  void OnReachMaxPlayTime(uint32_t, uint32_t) override { Note("max"); }
-
-  std::vector<std::string> Calls() const {
-    const std::scoped_lock lock(m_mutex);
-    return m_calls;
-  }
-
- private:
-  void Note(const std::string& call) {
-    const std::scoped_lock lock(m_mutex);
-    m_calls.push_back(call);
-  }
-
-  mutable std::mutex m_mutex;
-  std::vector<std::string> m_calls;
-};
-
-TEST_F(FilePlayerTest, TellsOfASpeechMessageInOrder) {
-  Write("a.wav", Tone(300, 5000, 16000, 24000), 16000, 1);
-  ISpeechMsgPlayer* player = ISpeechMsgPlayer::CreateAudioPlayer("a.wav");
-  EXPECT_TRUE(player->Init());
-  EXPECT_EQ(player->GetRecordFileTime(), 1500U);
-  SpeechNotes notes;
-  ASSERT_TRUE(player->Start(&notes));
-  EXPECT_TRUE(WaitUntil([&] { return notes.Calls().size() == 3; }));
-  EXPECT_THAT(notes.Calls(), ElementsAre("start", "status", "stop 1500 of 1500"));
-  player->Stop();
-  player->Destroy();
-  EXPECT_EQ(notes.Calls().size(), 3U);
-}
-
-TEST_F(FilePlayerTest, TellsThatASpeechMessageCannotBePlayedOn) {
-  Write("a.wav", Tone(300, 5000, 16000, 48000), 16000, 1);
-  ISpeechMsgPlayer* player = ISpeechMsgPlayer::CreateAudioPlayer("a.wav");
-  std::filesystem::resize_file("a.wav", 44 + 2 * 16000);  // One second of three is left.
-  SpeechNotes notes;
-  ASSERT_TRUE(player->Start(&notes));
-  EXPECT_TRUE(WaitUntil([&] { return notes.Calls().size() == 4; }));
-  EXPECT_THAT(notes.Calls(),
-              ElementsAre("start", "status", "error", MatchesRegex("stop 10.. of 3000")));
-  player->Destroy();
-  EXPECT_EQ(notes.Calls().size(), 4U);
-}
-
-TEST_F(FilePlayerTest, CallsNothingAfterASpeechMessageWasStopped) {
-  Write("a.wav", Tone(300, 5000, 16000, 160000), 16000, 1);
-  ISpeechMsgPlayer* player = ISpeechMsgPlayer::CreateAudioPlayer("a.wav");
-  auto notes = std::make_unique<SpeechNotes>();
-  for (int i = 0; i < 5; ++i) {
-    ASSERT_TRUE(player->Start(notes.get()));
-    EXPECT_TRUE(WaitUntil([&] { return notes->Calls().size() >= 2; }));
-    player->Stop();
-    EXPECT_THAT(notes->Calls().back(), testing::StartsWith("stop "));
-    notes = std::make_unique<SpeechNotes>();
-  }
-  EXPECT_TRUE(player->Start(nullptr));
-  player->Destroy();
-}
-
-TEST_F(FilePlayerTest, TakesASpeechMessageThatIsNotThereAsOneOfNoLength) {
-  for (const char* name : {"", "missing.wav"}) {
-    ISpeechMsgPlayer* player = ISpeechMsgPlayer::CreateAudioPlayer(name);
-    ASSERT_NE(player, nullptr);
-    EXPECT_FALSE(player->Init());
-    EXPECT_EQ(player->GetRecordFileTime(), 0U);
-    SpeechNotes notes;
-    EXPECT_FALSE(player->Start(&notes));
-    player->Stop();
-    player->Destroy();
-    EXPECT_THAT(notes.Calls(), IsEmpty());
-  }
 }
 
 }  // namespace
