@@ -3,12 +3,15 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 import { BlindTest, chance } from '../../host/page/src/listen/abx.js';
 import { matchLevels } from '../../host/page/src/listen/level_match.js';
-import { choose, formatFragment, kEmpty, parseFragment }
+import { changed, choose, formatFragment, kEmpty, parseFragment }
   from '../../host/page/src/screen/filter_state.js';
 import { fitGain, subtract } from '../../host/page/src/compute/difference.js';
 import { column, kBlock, outline, peakOf } from '../../host/page/src/compute/envelope.js';
-import { number, signed, time, when } from '../../host/page/src/words.js';
+import { channel, channelsOfFile, count, duration, laneWords, meaning, number, signed, signedNumber, time,
+         when } from '../../host/page/src/words.js';
 import { joinMarks } from '../../host/page/src/listen/layer.js';
+import { playedGain } from '../../host/page/src/listen/difference_version.js';
+import { waveHeight } from '../../host/page/src/listen/player_size.js';
 import { TimeView } from '../../host/page/src/draw/time_view.js';
 
 test('chance is the upper end of the binomial distribution', () => {
@@ -136,4 +139,69 @@ test('marks at one place become one with all their names', () => {
   const marks = [{ at: 2, name: 'iut' }, { at: 1, name: 'click' }, { at: 1.01, name: 'dc' },
                  { at: 1.02, name: 'click' }];
   assert.deepEqual(joinMarks(marks), [{ at: 1, name: 'click, dc' }, { at: 2, name: 'iut' }]);
+});
+
+test('a difference has a sign but where it rounds to nothing', () => {
+  assert.equal(signed(-0.001, 'dB'), '0.00\u00a0dB');
+  assert.equal(signed(0.001, 'dB'), '0.00\u00a0dB');
+  assert.equal(signed(0), '0');
+  assert.equal(signedNumber(12345, 'Hz'), '+12\u2009345');
+  assert.equal(signedNumber(-0.00001234), '\u22121.23e\u22125');
+  assert.equal(signedNumber(null), '\u2013');
+});
+
+test('times round to the next minute', () => {
+  assert.equal(time(119.9996), '2:00.000');
+  assert.equal(time(59.9996), '1:00.000');
+  assert.equal(time(59.97, 1), '1:00.0');
+  assert.equal(duration(0.25), '250\u00a0ms');
+  assert.equal(duration(2), '2.00\u00a0s');
+});
+
+test('channels are called by what their file has', () => {
+  const one = { files: [{ name: 'a', role: 'input', channels: 6 }, { name: 'a', role: 'output', channels: 2 },
+                        { name: 'b', role: 'output' }] };
+  assert.deepEqual([channelsOfFile(one, 'a'), channelsOfFile(one, 'b'), channelsOfFile({}, 'a')],
+                   [2, null, null]);
+  assert.deepEqual([0, 1].map((at) => channel(at, 2)), ['left', 'right']);
+  assert.deepEqual([channel(0, 1), channel(null, 2)], ['', '']);
+  assert.deepEqual([channel(0, 6), channel(2, 6), channel(0)], ['channel 1', 'channel 3', 'channel 1']);
+  assert.deepEqual([laneWords(1), laneWords(2), laneWords(3)], [['\u2212\u221e'], ['L', 'R'], ['1', '2', '3']]);
+  assert.deepEqual([1, 2, 6].map((channels) => waveHeight({ channels })), [56, 76, 108]);
+});
+
+test('a choice leaves the link to one case, and a measure brings its order', () => {
+  const linked = { ...kEmpty, case: 'one' };
+  assert.deepEqual(changed(linked, { text: 'a' }), { ...kEmpty, text: 'a' });
+  assert.deepEqual(changed(kEmpty, { case: 'two' }), { ...kEmpty, case: 'two' });
+  const measured = changed(kEmpty, { measure: 'erle' });
+  assert.equal(measured.order, 'measure');
+  assert.deepEqual(changed(measured, { measure: '' }), kEmpty);
+  assert.equal(changed({ ...kEmpty, order: 'id' }, { measure: 'erle' }).order, 'id');
+});
+
+test('where neither more nor less is better what has changed most comes first', () => {
+  const cases = [[1, 0], [5, 9], [3, 0], [2, null]].map(([value, against], at) => ({
+    id: `${at}`, figures: [{ name: 'rt60', value, against, better: 'none', channel: null }] }));
+  assert.deepEqual(choose(cases, { ...kEmpty, measure: 'rt60', order: 'measure' }), [1, 2, 0, 3]);
+  const lower = cases.slice(0, 3).map((one) => ({ ...one, figures: [{ ...one.figures[0], better: 'lower' }] }));
+  assert.deepEqual(choose(lower, { ...kEmpty, measure: 'rt60', order: 'measure' }), [2, 0, 1]);
+});
+
+test('words of an address or of data that the page does not know do no harm', () => {
+  assert.deepEqual(chosen({ order: '__proto__' }), [0, 1, 2]);
+  assert.equal(meaning('constructor'), '');
+  assert.match(meaning('undecided'), /spread/);
+});
+
+test('of two recordings that play softer than their files the difference is that of the files', () => {
+  const a = { gain: -6 };
+  const b = { gain: -1.5 };
+  assert.equal(playedGain({ gain: 2 }, a, b), -2.5);
+  assert.equal(playedGain({ gain: 2 }, {}, {}), 2);
+  assert.equal(playedGain({}, a, b), null);
+});
+
+test('things are counted as one counts them', () => {
+  assert.deepEqual([count(1, 'case'), count(2, 'case'), count(0, 'case')], ['1 case', '2 cases', '0 cases']);
 });

@@ -27,7 +27,7 @@ function kindOf(place, of) {
 
 const rounded = (value, digits = 3) => Number(value.toFixed(digits));
 
-function figures(place, file, kind, next) {
+function figures(place, file, kind, next, channels) {
   const [, , name, unit, better] = kGroups[place % kGroups.length];
   const step = { worse: -3.1, better: 2.4, undecided: 0.4 }[kind[1]] ?? 0;
   const turn = better === 'lower' ? -1 : 1;
@@ -37,11 +37,14 @@ function figures(place, file, kind, next) {
                  against: rounded(value - turn * scale * step), change: kind[1] };
   const others = [['peak', 'dBFS', 'none'], ['rms', 'dBFS', 'none'], ['loudness', 'LUFS', 'none'],
                   ['noise_floor', 'dBFS', 'lower'], ['true_peak', 'dBTP', 'none'],
-                  ['bandwidth', 'Hz', 'none']].flatMap(([n, u, b], at) => [0, 1].map((channel) => {
-    const v = u === 'Hz' ? 7400 : rounded(-3 - 6 * at + next(), 2);
+                  ['bandwidth', 'Hz', 'none'], ['clipped', 'samples', 'lower'],
+                  ['active_level', 'dBov', 'none'], ['activity', '1', 'none'],
+                  ['centroid', 'Hz', 'none']].flatMap(([n, u, b], at) =>
+    Array.from({ length: channels }, (_, channel) => {
+    const v = u === 'Hz' ? 7400 : u === 'samples' ? 0 : rounded(-3 - 6 * at + next(), 2);
     return { file, channel, name: n, value: v, unit: u, better: b, reason: null, untrusted: false,
              against: v, change: 'same' };
-  }));
+    }));
   return [main, ...others, { file: null, channel: null, name: 'near_sdr', value: null, unit: 'dB',
                              better: 'higher', reason: 'no near end was given', untrusted: false,
                              against: null, change: null }];
@@ -134,20 +137,21 @@ function oneCase(place, of, audio, options) {
     results: [{ name: 'delay', value: 89, unit: 'ms', better: 'none', file: null, reason: null,
                 against: 89, change: 'same' }],
     guards: guard ? [{ ...guard, file: 'out.wav', channel: 0, new: true }] : [],
-    figures: kind[0] === 'skip' ? [] : figures(place, 'out.wav', kind, next),
+    figures: kind[0] === 'skip' ? [] : figures(place, 'out.wav', kind, next, options.channels),
     files: ['mic.wav', 'far.wav', 'out.wav'].map((name, at) => ({
-      name, role: ['input', 'far', 'output'][at], sha256: hash(place, at), path: `cases/${place}/${name}` })),
+      name, role: ['input', 'far', 'output'][at], sha256: hash(place, at), path: `cases/${place}/${name}`,
+      channels: options.channels })),
     players: heard ? [player(place, kind, audio, options)] : [], notes: [],
     log: `[engine] opened mic.wav, 16000 Hz, 1 channel\n[aec] delay 89 ms\n[aec] done`,
     command, report: `cases/${place}/report.json`,
   };
 }
 
-const measure = (name, unit, better, difference, half, margin, verdict, extra = {}) => ({
+const measure = (worst, name, unit, better, difference, half, margin, verdict, extra = {}) => ({
   name, unit, better, n: 24, clusters: null, a: 18.42, b: rounded(18.42 + difference),
   difference, low: half === null ? null : rounded(difference - half),
   high: half === null ? null : rounded(difference + half), p: 0.031, wins: 9, losses: 14,
-  worst_case: 'aec/anna_office_001', margin, verdict, to_truth: false, untrusted: false, holds: true,
+  worst_case: worst, margin, verdict, to_truth: false, untrusted: false, holds: true,
   more: null, ...extra });
 
 // options: cases, how many of them are heard, rate, seconds, channels, and the keys of the versions.
@@ -158,6 +162,7 @@ export function makeSample(options = {}) {
   const cases = Array.from({ length: all.cases }, (_, place) => oneCase(place, all.cases, audio, all));
   const counts = {};
   for (const one of cases) counts[one.verdict] = (counts[one.verdict] ?? 0) + 1;
+  const worst = cases.find((one) => one.change === 'worse')?.id ?? null;
   const data = {
     version: 1, title: 'calls.toml', suite: 'calls.toml',
     sentence: `${all.cases} cases: ${counts.pass} pass, ${counts.fail ?? 0} fail, ` +
@@ -168,11 +173,11 @@ export function makeSample(options = {}) {
                started: '2026-11-02T09:00:00Z' },
     counts,
     measures: [
-      measure('erle', 'dB', 'higher', -3.104, 0.81, 0.5, 'worse'),
-      measure('snr', 'dB', 'higher', -0.42, 0.72, 0.5, 'undecided', { more: 31 }),
-      measure('noise_floor', 'dBFS', 'lower', -0.8, null, 0.5, 'undecided'),
-      measure('delay_error', 'ms', 'lower', 0, 0, 1, 'same', { to_truth: true }),
-      measure('stoi', '1', 'higher', 0.031, 0.012, 0.01, 'better', { holds: false }),
+      measure(worst, 'erle', 'dB', 'higher', -3.104, 0.81, 0.5, 'worse'),
+      measure(worst, 'snr', 'dB', 'higher', -0.42, 0.72, 0.5, 'undecided', { more: 31 }),
+      measure(worst, 'noise_floor', 'dBFS', 'lower', -0.8, null, 0.5, 'undecided'),
+      measure(worst, 'delay_error', 'ms', 'lower', 0, 0, 1, 'same', { to_truth: true }),
+      measure('gone/elsewhere', 'stoi', '1', 'higher', 0.031, 0.012, 0.01, 'better', { holds: false }),
     ],
     total: all.cases, shown: all.cases, worst_only: '',
     left_out: '12 of 90 recordings are left out to stay below 20 MB; --folder writes all.', cases,

@@ -46,7 +46,7 @@ test('the first screen says what matters, with what and when', async () => {
   }
   assert.equal((await texts(page, '.measures tbody tr')).length, 5);
   assert.deepEqual(await texts(page, '#measures summary'), ['1 measure is the same']);
-  assert.deepEqual(await texts(page, '#measures details tbody button'), ['delay_error']);
+  assert.deepEqual(await texts(page, '#measures details tbody th button'), ['delay_error']);
   assert.deepEqual(await ids(page), sample.data.cases.map((one) => one.id));
   assertQuiet(page);
   await page.close();

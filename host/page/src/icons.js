@@ -1,6 +1,6 @@
 // A shape for every verdict and every change, so that none is told by its colour alone.
 import { el, svg } from './dom.js';
-import { kMeaning, plain } from './words.js';
+import { meaning, plain } from './words.js';
 
 // Paths in a square of 16.
 const kShapes = {
@@ -27,8 +27,8 @@ export function icon(name) {
 
 // Shape and word of a verdict or a change.
 export function badge(word, extra = '') {
-  const known = word in kShapes ? word : 'skip';
-  return el('span', { class: `badge is-${known}`, title: kMeaning[word] ?? null },
+  const known = Object.hasOwn(kShapes, word) ? word : 'skip';
+  return el('span', { class: `badge is-${known}`, title: meaning(word) || null },
             icon(known), plain(word) + extra);
 }
 

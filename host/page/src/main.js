@@ -21,8 +21,8 @@ function start() {
   }
   drawHead(head, data);
   const cases = new Cases(document.getElementById('cases'), data);
-  drawMeasures(document.getElementById('measures'), data, (measure) => {
-    cases.choose({ measure });
+  drawMeasures(document.getElementById('measures'), data, (part) => {
+    cases.choose(part);
     document.getElementById('cases').scrollIntoView();
   });
   drawKeys(document.getElementById('keys'));

@@ -17,8 +17,11 @@ export function number(value, unit = '') {
   } else {
     text = String(Number(value.toPrecision(4)));
   }
-  return text.replace(/-/g, kMinus);
+  return unsignedZero(text).replace(/-/g, kMinus);
 }
+
+// What rounds to nothing is neither above nor below it.
+function unsignedZero(text) { return Number(text) === 0 ? text.replace('-', '') : text; }
 
 // A number with its unit; "1" is none.
 export function quantity(value, unit) {
@@ -28,17 +31,20 @@ export function quantity(value, unit) {
 }
 
 // A difference, with its sign.
-export function signed(value, unit = '') {
-  if (value === null || value === undefined) return '\u2013';
-  return (value > 0 ? '+' : '') + quantity(value, unit);
-}
+export function signed(value, unit = '') { return plus(value, unit) + quantity(value, unit); }
+
+// The same without its unit, rounded as in it.
+export function signedNumber(value, unit = '') { return plus(value, unit) + number(value, unit); }
+
+function plus(value, unit) { return value > 0 && /[1-9]/.test(number(value, unit)) ? '+' : ''; }
 
 // Seconds: 13.200 s, or 1:02.345 from a minute on.
 export function time(seconds, decimals = 3) {
   if (seconds === null || seconds === undefined) return '\u2013';
-  const minutes = Math.floor(seconds / 60);
-  if (minutes < 1) return `${seconds.toFixed(decimals)}\u00a0s`;
-  const rest = (seconds - 60 * minutes).toFixed(decimals);
+  const rounded = Number(seconds.toFixed(decimals));
+  const minutes = Math.floor(rounded / 60);
+  if (minutes < 1) return `${rounded.toFixed(decimals)}\u00a0s`;
+  const rest = (rounded - 60 * minutes).toFixed(decimals);
   return `${minutes}:${rest.padStart(decimals + 3, '0')}`;
 }
 
@@ -60,15 +66,28 @@ export function count(how, what) {
   return `${number(how)} ${what}${how === 1 ? '' : 's'}`;
 }
 
-// "left" and "right" of two channels; of others their number from 1.
-export function channel(index, of = 2) {
-  if (index === null || index === undefined) return '';
+// "left" and "right" of two channels, nothing of a single one; of others their number from 1, as
+// where it is not known how many there are.
+export function channel(index, of = null) {
+  if (index === null || index === undefined || of === 1) return '';
   if (of === 2 && index < 2) return index === 0 ? 'left' : 'right';
   return `channel ${index + 1}`;
 }
 
-// What stands for a verdict or a change where words are needed.
-export const kMeaning = {
+// What stands in the middle of the lanes of a waveform, one for each channel.
+export function laneWords(channels) {
+  if (channels === 1) return ['\u2212\u221e'];
+  return channels === 2 ? ['L', 'R'] : Array.from({ length: channels }, (_, at) => String(at + 1));
+}
+
+// How many channels a file of a case has, or null.
+export function channelsOfFile(one, name) {
+  const named = (one.files ?? []).filter((file) => file.name === name);
+  return (named.find((file) => file.role === 'output') ?? named[0])?.channels ?? null;
+}
+
+// What a verdict or a change says, in words; empty for another word.
+const kMeaning = {
   pass: 'did what it should',
   warn: 'a guard was hit or there is something to know',
   fail: 'did not do what it should',
@@ -84,6 +103,8 @@ export const kMeaning = {
   new: 'the other run has it not',
   gone: 'only the other run has it',
 };
+
+export function meaning(word) { return Object.hasOwn(kMeaning, word) ? kMeaning[word] : ''; }
 
 // A word of the data as a reader writes it.
 export function plain(word) {

@@ -1,7 +1,7 @@
 // What stands in a card that is open: why, guards, what there is to hear, figures, files, log.
 import { el } from '../dom.js';
 import { makePlayer } from '../listen/player.js';
-import { duration, kMeaning, number, plain } from '../words.js';
+import { duration, meaning, number, plain } from '../words.js';
 import { copyButton } from '../copy.js';
 import { figuresTable, kShownRows } from './figures.js';
 import { filesTable } from './files.js';
@@ -16,7 +16,7 @@ export function guessHeight(one) {
 }
 
 function why(one) {
-  const words = one.reason || kMeaning[one.verdict] || '';
+  const words = one.reason || meaning(one.verdict);
   const change = one.change ? `Beside the other run: ${plain(one.change)}` : '';
   const before = one.against_verdict && one.against_verdict !== one.verdict
     ? `; its verdict there is ${plain(one.against_verdict)}` : '';

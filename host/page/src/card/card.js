@@ -2,7 +2,7 @@
 import { badge } from '../icons.js';
 import { el } from '../dom.js';
 import { figureOf } from '../screen/filter_state.js';
-import { duration, number, quantity, signed } from '../words.js';
+import { count, duration, quantity, signedNumber } from '../words.js';
 import { slice } from '../compute/slices.js';
 import { Visible } from '../compute/visible.js';
 import { fillBody, guessHeight } from './body.js';
@@ -19,7 +19,7 @@ function startsOpen(one) {
 export class Card {
   static s_visible = new Visible({ near: 600 });
 
-  constructor(one, place, startOpen = null) {
+  constructor(one, place) {
     this.one = one;
     this.m_filled = false;
     this.m_near = false;
@@ -27,7 +27,7 @@ export class Card {
     this.m_figure = el('span', { class: 'card-figure' });
     this.node = el('details', { class: `card is-${one.verdict}`, id: `case-${place}` },
                    this.#line(), this.m_body);
-    this.node.open = startOpen ?? startsOpen(one);
+    this.node.open = startsOpen(one);
     this.node.addEventListener('toggle', () => this.#size());
     this.#size();
     Card.s_visible.watch(this.node, () => { this.m_near = true; this.#wantBody(); });
@@ -42,7 +42,7 @@ export class Card {
       el('h3', {}, one.id),
       el('span', { class: 'card-about' },
          [one.routine, one.group, ...(one.tags ?? []).map((t) => `#${t}`)].filter(Boolean).join(' · '),
-         hit > 0 ? ` · ${hit} ${hit === 1 ? 'guard' : 'guards'} hit` : null),
+         hit > 0 ? ` · ${count(hit, 'guard')} hit` : null),
       this.m_figure,
       el('span', { class: 'card-time' }, duration(one.elapsed)));
   }
@@ -85,9 +85,7 @@ export class Card {
       return;
     }
     const by = typeof figure.against === 'number' && typeof figure.value === 'number'
-      ? ` (${signed(figure.value - figure.against, '')
-             .replace(/[\d.]+/, () => number(Math.abs(figure.value - figure.against), figure.unit))})`
-      : '';
+      ? ` (${signedNumber(figure.value - figure.against, figure.unit)})` : '';
     this.m_figure.textContent = `${name} ${quantity(figure.value, figure.unit)}${by}`;
   }
 }

@@ -1,7 +1,7 @@
 // The figures of a case: those that have changed first, with their direction in a word.
 import { el, freshId } from '../dom.js';
 import { badge } from '../icons.js';
-import { channel, number, plain, quantity, signed } from '../words.js';
+import { channel, channelsOfFile, count, number, plain, quantity, signed } from '../words.js';
 
 // More rows than these are shown at a click.
 export const kShownRows = 10;
@@ -15,10 +15,10 @@ function rows(one) {
     .sort((a, b) => a.rank - b.rank || a.at - b.at).map((row) => row.figure);
 }
 
-function line(figure, compared) {
+function line(one, figure, compared) {
   const { value, unit, against } = figure;
   const both = typeof value === 'number' && typeof against === 'number';
-  const where = [figure.file, channel(figure.channel)].filter(Boolean).join(', ');
+  const where = [figure.file, channel(figure.channel, channelsOfFile(one, figure.file))].filter(Boolean).join(', ');
   // What the run itself gives, such as its time, is not measured on a file and has no self-test.
   const note = [figure.reason, figure.untrusted && figure.file ? 'not known to have passed its self-test' : '']
     .filter(Boolean).join('; ');
@@ -41,14 +41,15 @@ export function figuresTable(one) {
   const columns = ['Figure', 'Of', 'Now', ...(compared ? ['Before', 'Difference', 'Change'] : []),
                    'Better is'];
   const figures = ['Now', 'Before', 'Difference'];
-  const body = el('tbody', {}, all.slice(0, kShownRows).map((figure) => line(figure, compared)));
+  const body = el('tbody', {}, all.slice(0, kShownRows).map((figure) => line(one, figure, compared)));
   const rest = all.slice(kShownRows);
   const more = rest.length === 0 ? null
     : el('button', { type: 'button', class: 'small', onclick: () => {
-      body.append(...rest.map((figure) => line(figure, compared)));
+      body.append(...rest.map((figure) => line(one, figure, compared)));
       more.remove();
+      body.closest('.wide').focus({ preventScroll: true });
       body.rows[kShownRows].scrollIntoView({ block: 'nearest' });
-    } }, `${rest.length} more figures`);
+    } }, count(rest.length, 'more figure'));
   return el('section', { 'aria-labelledby': title },
     el('h4', { id: title }, 'Figures'),
     el('div', { class: 'wide', tabindex: '0', role: 'region', 'aria-labelledby': title },

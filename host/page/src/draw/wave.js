@@ -2,6 +2,7 @@
 // channel. Full scale is marked at the edge where it is reached.
 import { column } from '../compute/envelope.js';
 import { mark } from './canvas.js';
+import { laneWords } from '../words.js';
 import { colours } from './theme.js';
 
 const kFull = 0.9999;
@@ -22,10 +23,10 @@ export function drawWave(context, width, height, view, shown, top, colour) {
     drawLane(context, columns, middle, (lane / 2 - 2) / top, colour);
     markFull(context, columns, lane * at);
   });
-  // A word for each lane, or for the loudest and the middle of a single one.
   mark(context, kDecibels(top), 6, height, colours().quiet);
-  mark(context, channels.length > 1 ? 'L' : '\u2212\u221e', lane / 2, height, colours().quiet);
-  if (channels.length === 2) mark(context, 'R', 1.5 * lane, height, colours().quiet);
+  laneWords(channels.length).forEach((word, at) => {
+    mark(context, word, lane * (at + 0.5), height, colours().quiet);
+  });
 }
 
 function reduce(samples, outline, view, rate, width) {

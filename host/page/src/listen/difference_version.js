@@ -1,6 +1,12 @@
 // What is left of one version when another is taken away, as a version of its own.
 import { quantity, signed } from '../words.js';
 
+// The gain in dB of what is taken away, or null where it is not known. The measured one is that of the
+// files; either recording may play softer than its file.
+export function playedGain({ gain }, a, b) {
+  return typeof gain === 'number' ? gain + (a.gain ?? 0) - (b.gain ?? 0) : null;
+}
+
 // Null where there is no difference, or where one of the two is not in the page.
 export function differenceVersion(player) {
   const difference = player.difference;

@@ -1,11 +1,13 @@
 // Fills the tracks of a player, one after the other.
 import { ask } from '../compute/ask.js';
 import { channelsOf, decode, padded, toBuffer } from './recordings.js';
+import { playedGain } from './difference_version.js';
 import { linear } from './level_match.js';
 
 async function subtracted(difference, tracks) {
   const [a, b] = difference.of.map((key) => tracks.find((track) => track.key === key));
-  const gain = typeof difference.gain === 'number' ? linear(difference.gain) : null;
+  const played = playedGain(difference, a.version, b.version);
+  const gain = played === null ? null : linear(played);
   const copies = (track) => channelsOf(track.buffer).map((samples) => samples.slice());
   const { channels } = await ask('difference', () => ({ a: copies(a), b: copies(b), gain }));
   return channels;

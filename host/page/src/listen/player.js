@@ -84,6 +84,7 @@ export class Player {
   #loaded() {
     this.transport.setBuffers(new Map(this.tracks.map((track) => [track.key, track.buffer])));
     this.#match();
+    this.node.classList.add('is-drawn');
     this.redraw();
   }
 
@@ -92,6 +93,7 @@ export class Player {
     this.m_loading = null;
     this.m_turn += 1;
     this.transport.setBuffers(new Map());
+    this.node.classList.remove('is-drawn');
     for (const part of [...this.tracks, ...this.curves]) part.release();
   }
 
@@ -162,6 +164,8 @@ export class Player {
       this.bar.state.textContent = `Cannot be played: ${error.message}`;
       return;
     }
+    // What cannot be decoded has said so.
+    if (!this.transport.playing) return;
     this.bar.state.textContent = '';
     this.bar.showPlaying(true);
     this.#tick();
@@ -182,14 +186,17 @@ export class Player {
 
   covers(guard) {
     return guard.at >= this.start && guard.at <= this.start + this.seconds &&
-           this.tracks.some((track) => track.version.file === guard.file);
+           this.heard.some(({ key, file }) => key === 'output' && file === guard.file);
   }
 
-  // Plays from a little before a place of the whole recording.
+  // Plays from a little before a place of the whole recording, which no loop keeps from it.
   hearFrom(at) {
     this.node.scrollIntoView({ block: 'nearest' });
     this.node.focus({ preventScroll: true });
-    this.seek(at - this.start - kBefore);
+    const { loop } = this.transport;
+    const place = at - this.start;
+    if (loop && (place < loop.from || place >= loop.to)) this.setLoop(null);
+    this.seek(place - kBefore);
     return this.play();
   }
 

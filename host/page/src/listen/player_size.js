@@ -2,9 +2,13 @@
 export const kSpectrum = 84;
 export const kRuler = 20;
 const kMono = 56;
-const kStereo = 76;
+const kLane = 38;  // of several channels
+const kLow = 18;   // of more than two
 
-export function waveHeight(version) { return (version.channels ?? 1) > 1 ? kStereo : kMono; }
+export function waveHeight({ channels }) {
+  if ((channels ?? 1) === 1) return kMono;
+  return channels === 2 ? 2 * kLane : Math.max(2 * kLane, channels * kLow);
+}
 
 export function playerHeight(player) {
   const versions = player.versions ?? [];

@@ -19,6 +19,8 @@ function contextOf(rate) {
   return m_contexts.get(rate);
 }
 
+function isUsed(context) { return [...m_running].some((one) => one.context === context); }
+
 // Without a sound output some browsers never say that they cannot play.
 function running(context) {
   return Promise.race([context.resume(), new Promise((_, failed) => {
@@ -84,6 +86,9 @@ export class Transport {
   }
 
   get playing() { return this.m_run !== null; }
+
+  // The clock of what plays, or null.
+  get context() { return this.m_run?.context ?? null; }
 
   // Seconds from the start of the recording.
   get position() {
@@ -158,7 +163,7 @@ export class Transport {
     for (const fader of faders.values()) fader.fade(0);
     source.stop(context.currentTime + 2 * kFade);
     m_running.delete(this);
-    setTimeout(() => { if (m_running.size === 0) context.suspend(); }, kRest);
+    setTimeout(() => { if (!isUsed(context)) context.suspend(); }, kRest);
   }
 
   #restart() {

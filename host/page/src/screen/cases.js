@@ -2,7 +2,7 @@
 import { Card } from '../card/card.js';
 import { announce, el } from '../dom.js';
 import { slice } from '../compute/slices.js';
-import { choose, formatFragment, parseFragment } from './filter_state.js';
+import { changed, choose, formatFragment, parseFragment } from './filter_state.js';
 import { drawFilters } from './filters.js';
 
 const kAtOnce = 12;  // cards that are made before the first screen is shown
@@ -17,7 +17,7 @@ export class Cases {
     this.m_list = el('div', { class: 'cards' });
     this.m_none = el('p', { class: 'none', hidden: true }, 'No case is left by this choice.');
     root.append(filters, this.#folding(), this.m_none, this.m_list);
-    this.m_show = drawFilters(filters, this.m_cases, (part) => this.choose(part));
+    this.m_show = drawFilters(filters, this.m_cases, data.total ?? 0, (part) => this.choose(part));
     addEventListener('hashchange', () => {
       this.m_state = parseFragment(location.hash);
       this.#draw();
@@ -35,9 +35,7 @@ export class Cases {
 
   // Changes a part of what is shown, and the address with it.
   choose(part) {
-    this.m_state = { ...this.m_state, ...part };
-    if (part.measure && !this.m_state.order) this.m_state.order = 'measure';
-    if (part.measure === '' && this.m_state.order === 'measure') this.m_state.order = '';
+    this.m_state = changed(this.m_state, part);
     const fragment = formatFragment(this.m_state);
     history.replaceState(null, '', `${location.pathname}${location.search}${fragment && `#${fragment}`}`);
     this.#draw();
@@ -45,8 +43,8 @@ export class Cases {
   }
 
   #card(place) {
-    const open = this.m_state.case ? true : null;
-    this.m_cards[place] ??= new Card(this.m_cases[place], place, open);
+    this.m_cards[place] ??= new Card(this.m_cases[place], place);
+    if (this.m_state.case) this.m_cards[place].open = true;
     return this.m_cards[place];
   }
 

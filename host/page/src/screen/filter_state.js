@@ -24,6 +24,14 @@ export function formatFragment(state) {
   return words.toString().replace(/%2C/g, ',');
 }
 
+// The state after a reader has chosen `part` of it. A link to one case is left by any other choice.
+export function changed(state, part) {
+  const next = { ...state, case: '', ...part };
+  if (part.measure && !next.order) next.order = 'measure';
+  if (part.measure === '' && next.order === 'measure') next.order = '';
+  return next;
+}
+
 // All words of a case that a reader may look for, in small letters.
 function searched(one) {
   const names = (list, ...keys) => (list ?? []).flatMap((item) => keys.map((key) => item[key]));
@@ -58,12 +66,15 @@ export function isShown(one, state) {
   return hasText(one, state.text);
 }
 
-// How much better a figure has become; less is worse. Unknown ones come last.
+// How much better a figure has become; less is worse. Where neither more nor less is better, what has
+// changed most comes first. Unknown ones come last.
 function gained(one, name) {
   const figure = figureOf(one, name);
   if (!figure || typeof figure.value !== 'number') return Infinity;
-  const by = typeof figure.against === 'number' ? figure.value - figure.against : figure.value;
-  return figure.better === 'lower' ? -by : by;
+  const compared = typeof figure.against === 'number';
+  const by = compared ? figure.value - figure.against : figure.value;
+  if (figure.better === 'higher') return by;
+  return figure.better === 'lower' ? -by : compared ? -Math.abs(by) : by;
 }
 
 const byText = (key) => (a, b) => String(a[key]).localeCompare(String(b[key]), 'en', { numeric: true });
@@ -79,7 +90,7 @@ export function choose(cases, state) {
   const places = cases.map((_, at) => at).filter((at) => isShown(cases[at], state));
   const order = state.order === 'measure' && state.measure
     ? (a, b) => gained(a, state.measure) - gained(b, state.measure) || 0
-    : kOrders[state.order];
+    : Object.hasOwn(kOrders, state.order) && kOrders[state.order];
   if (order) places.sort((a, b) => order(cases[a], cases[b]) || a - b);
   return places;
 }

@@ -1,6 +1,7 @@
 // The controls that choose cases.
 import { badge } from '../icons.js';
 import { el } from '../dom.js';
+import { count } from '../words.js';
 import { kEmpty } from './filter_state.js';
 
 const kVerdicts = ['error', 'fail', 'warn', 'known', 'pass', 'skip', 'not_run'];
@@ -30,9 +31,9 @@ function chips(name, label, words, cases, toggle) {
   return { name, buttons, field };
 }
 
-// Draws the controls into root. change(part) is called with what a reader has chosen; what is returned
+// Draws the controls into root; `all` is how many cases the run has. change(part) is called with what a reader has chosen; what is returned
 // shows a state: show(state, shownCases, allCases).
-export function drawFilters(root, cases, change) {
+export function drawFilters(root, cases, all, change) {
   let state = { ...kEmpty };
   const toggle = (name, word) => change({
     [name]: state[name].includes(word) ? state[name].filter((w) => w !== word)
@@ -49,14 +50,14 @@ export function drawFilters(root, cases, change) {
     select('measure', 'Measure', any(measures), change),
     select('order', 'Order', kOrders, change),
   ];
-  const all = [chips('verdict', 'Verdict', kVerdicts, cases, toggle),
-               chips('change', 'Change', kChanges, cases, toggle)];
+  const allChips = [chips('verdict', 'Verdict', kVerdicts, cases, toggle),
+                    chips('change', 'Change', kChanges, cases, toggle)];
   const said = el('output', { class: 'shown', 'aria-live': 'polite' });
   const clear = el('button', { type: 'button', class: 'small', hidden: true,
                                onclick: () => change({ ...kEmpty }) }, 'Show all');
   root.append(el('form', { class: 'filters', role: 'search', 'aria-label': 'Choose cases',
                            onsubmit: (event) => event.preventDefault() },
-                 all.map((one) => one.field),
+                 allChips.map((one) => one.field),
                  el('div', { class: 'fields' },
                     el('label', { class: 'field is-text' }, 'Text', text),
                     selects.map((one) => one.field)),
@@ -66,12 +67,14 @@ export function drawFilters(root, cases, change) {
     state = next;
     if (text.value !== next.text) text.value = next.text;
     for (const { name, box } of selects) box.value = next[name];
-    for (const { name, buttons } of all) {
+    for (const { name, buttons } of allChips) {
       for (const { word, node } of buttons) {
         node.setAttribute('aria-pressed', String(next[name].includes(word)));
       }
     }
-    said.textContent = shown === total ? `All ${total} cases` : `${shown} of ${total} cases`;
+    const here = total < all ? ' in this page' : '';
+    said.textContent = shown === total ? `All ${count(total, 'case')}${here}`
+                                       : `${shown} of ${count(total, 'case')}${here}`;
     clear.hidden = shown === total && !next.order;
   };
 }

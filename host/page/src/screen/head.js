@@ -16,9 +16,11 @@ export function drawHead(root, data) {
     el('h1', {}, data.sentence ?? ''),
     el('dl', { class: 'facts' },
        fact('Bench', data.bench), fact('Engine', data.engine), fact('Machine', data.machine),
-       fact('Started', when(data.started)), fact('Suite', data.suite)));
+       fact('Started', when(data.started)),
+       fact('Suite', data.suite === data.title ? '' : data.suite)));
   if (against) {
-    root.append(el('p', { class: 'against' }, 'Against ', el('strong', {}, against.name), ': ',
+    root.append(el('p', { class: 'against' },
+                   el('span', {}, 'Against ', el('strong', {}, against.name), ':'),
                    badge(against.verdict),
                    el('span', { class: 'quiet' },
                       [against.engine, when(against.started)].filter(Boolean).join(', '))));

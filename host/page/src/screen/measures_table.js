@@ -20,10 +20,25 @@ function caveat(measure) {
   return '';
 }
 
-function line(measure, choose) {
-  const name = el('button', { type: 'button', class: 'as-link',
-                              title: `Show the cases that have ${measure.name}`,
-                              onclick: () => choose(measure.name) }, measure.name);
+function link(title, choose, ...words) {
+  return el('button', { type: 'button', class: 'as-link', title, onclick: choose }, words);
+}
+
+// A long name may break after its signs.
+function breakable(name) {
+  return name.split(/(?<=[/_-])/).flatMap((part, at) => at === 0 ? [part] : [el('wbr'), part]);
+}
+
+// Leads to the case where the page has it.
+function worstCase({ worst_case: id }, cases, choose) {
+  if (!id) return '';
+  return cases.has(id) ? link('Show this case', () => choose({ case: id }), ...breakable(id))
+                       : breakable(id);
+}
+
+function line(measure, cases, choose) {
+  const name = link(`Show the cases that have ${measure.name}`,
+                    () => choose({ measure: measure.name }), measure.name);
   const note = caveat(measure);
   return el('tr', {},
     el('th', { scope: 'row' }, name, el('span', { class: 'under' }, direction(measure))),
@@ -35,20 +50,21 @@ function line(measure, choose) {
     el('td', { class: 'figure' }, number(measure.n)),
     el('td', { class: 'figure' }, number(measure.wins)),
     el('td', { class: 'figure' }, number(measure.losses)),
-    el('td', { class: 'name' }, measure.worst_case ?? ''));
+    el('td', { class: 'name' }, worstCase(measure, cases, choose)));
 }
 
-function table(measures, choose) {
+function table(measures, cases, choose) {
   return el('div', { class: 'wide', tabindex: '0', role: 'region', 'aria-labelledby': 'measures-title' },
     el('table', { class: 'measures' },
        el('thead', {}, el('tr', {}, kColumns.map((name, at) =>
          el('th', { scope: 'col', class: [2, 3, 4, 6, 7, 8].includes(at) ? 'figure' : null }, name)))),
-       el('tbody', {}, measures.map((measure) => line(measure, choose)))));
+       el('tbody', {}, measures.map((measure) => line(measure, cases, choose)))));
 }
 
-// Those that are the same are folded, so that the cases come soon.
+// Those that are the same are folded, so that the cases come soon. choose(part) shows some cases.
 export function drawMeasures(root, data, choose) {
   const measures = data.measures ?? [];
+  const cases = new Set((data.cases ?? []).map((one) => one.id));
   if (!data.against || measures.length === 0) return;
   const same = measures.filter((measure) => measure.verdict === 'same');
   const others = measures.filter((measure) => measure.verdict !== 'same');
@@ -56,7 +72,7 @@ export function drawMeasures(root, data, choose) {
   root.append(
     el('section', { 'aria-labelledby': 'measures-title' },
        el('h2', { id: 'measures-title' }, 'Measures against ', data.against.name),
-       others.length > 0 ? table(others, choose) : null,
+       others.length > 0 ? table(others, cases, choose) : null,
        same.length > 0 ? el('details', { class: 'fold' }, el('summary', {}, words),
-                            table(same, choose)) : null));
+                            table(same, cases, choose)) : null));
 }
