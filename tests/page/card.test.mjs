@@ -155,7 +155,7 @@ test('the title is not said twice', async () => {
 });
 
 test('on paper the times of guards stay, and nothing is an empty drawing', async () => {
-  const sample = small();
+  const sample = small({ seconds: 3 });
   const place = failedOf(sample);
   const page = await openCard(sample, place);
   await page.waitForSelector(`#case-${place} .player.is-drawn`);
