@@ -91,8 +91,35 @@ lose_node() {
 
 queue_empty() { [[ -z $(timeout 60 squeue -h 2>&1) ]]; }
 
+# Leaves the number of the last job in $last.
 submit() {
-  (cd "$folder" && AUDIO_BENCH=$folder/bench "$script" $shards "$folder/results" cases.toml)
+  local said
+  said=$(cd "$folder" && AUDIO_BENCH=$folder/bench "$script" $shards "$folder/results" cases.toml)
+  [[ $said =~ ^"shards "[0-9]+", results "([0-9]+)": $folder/results/all"$ ]] ||
+    { say "suite.sbatch says: $said"; exit 1; }
+  last=${BASH_REMATCH[1]}
+}
+
+# ended_with CODE: so did the last job.
+ended_with() {
+  local job
+  job=$(timeout 60 scontrol -o show job "$last")
+  [[ " $job " == *" ExitCode=$1:0 "* ]] || { say "not with $1: $job"; exit 1; }
+}
+
+# The results were compared, and are the same.
+compared() {
+  python3 - "$folder/results/compare.json" <<'PYTHON'
+import json, sys
+verdict = json.load(open(sys.argv[1]))["verdict"]
+assert verdict == "same", verdict
+PYTHON
+}
+
+# Something ran in this folder, and has taken all of it along.
+was_scratch() {
+  [[ $(stat -c %Y "$1") -gt $(date -d "$long_ago" +%s) ]] || { say "$1 was not used"; exit 1; }
+  [[ -z $(ls -A "$1") ]] || { say "$1 is not empty"; exit 1; }
 }
 
 explain() {
@@ -111,6 +138,16 @@ until_true 200 test -e "$folder/held/shard"
 lose_node two
 until_true 400 queue_empty
 (($(not_run "$folder/results/all") > 0)) || { say "the killed shard has left nothing to run"; exit 1; }
-submit
+ended_with 4
+[[ ! -e $folder/results/compare.json ]] || { say "compared with nothing"; exit 1; }
+
+long_ago='2001-02-03 04:05:06 UTC'
+mkdir "$folder/scratch"
+touch -d "$long_ago" "$folder/scratch"
+AUDIO_BENCH_SCRATCH=$folder/scratch AUDIO_BENCH_AGAINST=$folder/whole submit
 until_true 200 queue_empty
 same_as_whole "$folder/results/all"
+was_scratch "$folder/scratch"
+compared
+# Of the comparison: that of the suite, in which routines crash, is another one.
+ended_with 0
