@@ -37,16 +37,17 @@ class FigureList {
   size_t m_at = 0;
 };
 
-Json GuardsData(const PageCase& one) {
+Json GuardsData(const PageCase& one, const CaseReport& report) {
   Json json = Json::array();
   for (const Json& guard : ListOf(one.record, "guards")) {
+    const Json file = report.Output(TextOf(guard, "file"));
     json.push_back({{"name", TextOf(guard, "name")},
                     {"file", TextOrNull(TextOf(guard, "file"))},
                     {"at", ValueOf(guard, "at")},
                     {"channel", ValueOf(guard, "channel")},
                     {"fails", FlagOf(guard, "fails")},
                     {"new", IsNewGuard(one, guard)},
-                    {"text", GuardSentence(guard)}});
+                    {"text", GuardSentence(guard, FactNumber(file, "channel_count"))}});
   }
   return json;
 }
@@ -65,28 +66,36 @@ std::map<std::string, std::string> RolesOf(const Json& report) {
   return roles;
 }
 
+// `entry` is that of a report, where there is one.
 Json FileData(const std::string& name, const std::string& role, const Json& sha256,
-              const std::string& path) {
-  return {{"name", name}, {"role", role}, {"sha256", sha256}, {"path", path}};
+              const std::string& path, const Json& entry) {
+  const auto channels = FactNumber(entry, "channel_count");
+  return {{"name", name},
+          {"role", role},
+          {"sha256", sha256},
+          {"path", path},
+          {"channels", channels ? Json(*channels) : Json()}};
 }
 
 // Inputs, outputs, and what else was measured against.
-Json FilesData(const Json& record, const Json& report) {
+Json FilesData(const Json& record, const CaseReport& of) {
+  const Json& report = of.json();
   Json files = Json::array();
   std::map<std::string, std::string> roles = RolesOf(report);
   for (const Json& input : ListOf(report, "inputs")) {
     const std::string path = TextOf(input, "path");
     const auto role = roles.find(path);
     files.push_back(FileData(TextOf(input, "name"), role == roles.end() ? "input" : role->second,
-                             TextOrNull(FactText(input, "sha256")), path));
+                             TextOrNull(FactText(input, "sha256")), path, input));
     if (role != roles.end()) roles.erase(role);
   }
   for (const auto& [path, role] : roles) {
-    files.push_back(FileData(path.substr(path.find_last_of('/') + 1), role, Json(), path));
+    files.push_back(FileData(path.substr(path.find_last_of('/') + 1), role, Json(), path, Json()));
   }
   for (const Json& output : ListOf(record, "outputs")) {
-    files.push_back(FileData(TextOf(output, "name"), "output", ValueOf(output, "sha256"),
-                             TextOf(output, "path")));
+    const std::string name = TextOf(output, "name");
+    files.push_back(FileData(name, "output", ValueOf(output, "sha256"), TextOf(output, "path"),
+                             of.Output(name)));
   }
   return files;
 }
@@ -113,10 +122,10 @@ Json CaseData(const PageCase& one, const CaseReport& report) {
   for (const char* const key : {"elapsed", "cpu", "rtf"}) data[key] = ValueOf(record, key);
   FigureList figures(one);
   data["results"] = figures.Take("results", {"name", "value", "unit", "better", "file", "reason"});
-  data["guards"] = GuardsData(one);
+  data["guards"] = GuardsData(one, report);
   data["figures"] = figures.Take(
       "figures", {"file", "channel", "name", "value", "unit", "better", "reason", "untrusted"});
-  data["files"] = FilesData(record, report.json());
+  data["files"] = FilesData(record, report);
   data["players"] = Json::array();
   data["notes"] = Json::array();
   data["log"] = report.LogTail();

@@ -39,9 +39,19 @@ std::string Place(double at) {
   return text;
 }
 
+// Which of the channels; nothing of a single one.
+std::string ChannelWords(double channel, std::optional<double> channels, bool afterPlace) {
+  if (channels == 1) return "";
+  if (channels == 2 && channel < 2) {
+    return std::string(afterPlace ? "" : ",") + (channel < 1 ? " on the left" : " on the right");
+  }
+  return (afterPlace ? " in channel " : ", channel ") +
+         std::to_string(static_cast<int>(channel) + 1);
+}
+
 }  // namespace
 
-std::string GuardSentence(const Json& guard) {
+std::string GuardSentence(const Json& guard, std::optional<double> channels) {
   const std::string name = TextOf(guard, "name");
   const std::string file = TextOf(guard, "file");
   const auto known = FindGuard(name);
@@ -51,8 +61,7 @@ std::string GuardSentence(const Json& guard) {
   if (at && std::isfinite(*at) && *at > 0) text += Place(*at);
   const auto channel = NumberOf(guard, "channel");
   if (channel && *channel >= 0 && *channel < 1000) {
-    text += (at && *at > 0 ? " in channel " : ", channel ") +
-            std::to_string(static_cast<int>(*channel) + 1);
+    text += ChannelWords(*channel, channels, at && *at > 0);
   }
   return text + " (" + name + ")";
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "base/json_parts.h"
@@ -7,7 +8,8 @@
 namespace host {
 
 // What a guard of a report says, for readers who do not know it by its name: "out.wav: samples stay
-// at full scale, first at 1.25 s in channel 1 (clipped)".
-std::string GuardSentence(const Json& guard);
+// at full scale, first at 1.25 s on the left (clipped)". `channels` is how many its file has, where
+// that is known.
+std::string GuardSentence(const Json& guard, std::optional<double> channels);
 
 }  // namespace host

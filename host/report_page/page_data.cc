@@ -32,8 +32,11 @@ std::string MachineText(const Json& header) {
   const Json& machine = ValueOf(header, "host");
   const auto count = FactNumber(machine, "processors");
   std::string text = FactText(machine, "cpu");
-  if (count)
-    text += (text.empty() ? "" : ", ") + std::to_string(std::lround(*count)) + " processors";
+  if (count) {
+    const long processors = std::lround(*count);
+    text += (text.empty() ? "" : ", ") + std::to_string(processors) +
+            (processors == 1 ? " processor" : " processors");
+  }
   return text;
 }
 
@@ -61,8 +64,10 @@ Json CountsData(const PageRun& run) {
 }
 
 std::string WorstOnly(const PageRun& run) {
-  if (run.total <= run.cases.size()) return "";
-  return "The worst " + std::to_string(run.cases.size()) + " of " + std::to_string(run.total) +
+  const auto gone = run.changes.find("gone");
+  const size_t all = run.total + (gone == run.changes.end() ? 0 : gone->second);
+  if (all <= run.cases.size()) return "";
+  return "The worst " + std::to_string(run.cases.size()) + " of " + std::to_string(all) +
          " cases; the totals are of all.";
 }
 

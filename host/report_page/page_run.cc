@@ -190,17 +190,21 @@ class RunReader {
   // Cases that only the other run has come first among those that are worse.
   void AddGone() {
     if (!m_changes) return;
-    auto place = std::ranges::find_if(
-        m_run.cases, [](const PageCase& each) { return each.rank >= PageRank::kWorse; });
+    std::vector<PageCase>& cases = m_run.cases;
+    const auto first = std::ranges::find_if(
+        cases, [](const PageCase& each) { return each.rank >= PageRank::kWorse; });
+    auto at = first - cases.begin();
     for (const ComparedCase* const one : m_changes->Gone()) {
-      if (m_run.cases.size() >= m_most) break;
+      if (static_cast<size_t>(at) >= m_most) break;
       PageCase gone = {.rank = PageRank::kWorse};
       gone.change = {.word = "gone", .verdict = one->verdict};
       gone.record =
           NotRunRecord({.id = one->id, .routine = one->routine, .arguments = one->arguments});
       gone.record["reason"] = "only " + m_run.against + " has this case";
-      place = std::next(m_run.cases.insert(place, std::move(gone)));
+      cases.insert(cases.begin() + at++, std::move(gone));
     }
+    // They take the place of what is less bad.
+    if (cases.size() > m_most) cases.resize(m_most);
   }
 
   size_t m_most;

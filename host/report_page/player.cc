@@ -85,7 +85,9 @@ class PlayerMaker {
       const SoundPart& part = m_heard.back().part;
       if (m_heard.back().file == &file && part.notFinite > 0) {
         m_player.notes.push_back(file.name + " holds " + std::to_string(part.notFinite) +
-                                 " samples that are no numbers; they play as silence");
+                                 (part.notFinite == 1
+                                      ? " sample that is no number; it plays as silence"
+                                      : " samples that are no numbers; they play as silence"));
       }
     }
     return !m_heard.empty();

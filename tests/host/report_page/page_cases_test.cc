@@ -19,7 +19,7 @@ TEST_F(PageCasesTest, SaysWhatTheRunWas) {
   EXPECT_EQ(page["sentence"], "2 cases: 1 passes, 1 fails");
   EXPECT_EQ(page["bench"], "1 (abc)");
   EXPECT_EQ(page["engine"], "desktop engine 0.2.0");
-  EXPECT_EQ(page["machine"], "x, 1 processors");
+  EXPECT_EQ(page["machine"], "x, 1 processor");
   EXPECT_EQ(page["started"], "2026-03-01T12:00:00Z");
   EXPECT_EQ(page["command"], "audio_bench suite");
   EXPECT_EQ(page["against"], Json());
@@ -85,7 +85,7 @@ TEST_F(PageCasesTest, SaysAllOfACase) {
                           {"new", false},
                           {"text",
                            "out.wav stays at full scale as its input does not, first at "
-                           "1.25 s in channel 1 (clipped)"}}}));
+                           "1.25 s (clipped)"}}}));
   EXPECT_EQ(data["figures"], Json::array({{{"file", "out.wav"},
                                            {"channel", Json()},
                                            {"name", "my_sdr"},
@@ -99,11 +99,13 @@ TEST_F(PageCasesTest, SaysAllOfACase) {
   EXPECT_EQ(data["files"], Json::array({{{"name", "in.wav"},
                                          {"role", "input"},
                                          {"sha256", std::string(64, 'a')},
-                                         {"path", "r/cases/c/in.wav"}},
+                                         {"path", "r/cases/c/in.wav"},
+                                         {"channels", 1}},
                                         {{"name", "out.wav"},
                                          {"role", "output"},
                                          {"sha256", std::string(64, '0')},
-                                         {"path", "cases/c/out.wav"}}}));
+                                         {"path", "cases/c/out.wav"},
+                                         {"channels", 1}}}));
   EXPECT_EQ(data["log"], "first\nsecond \\x1b[31m\n");
   EXPECT_EQ(data["command"], "audio_bench run -- TestZUAec 'a b'");
   EXPECT_EQ(data["report"], "reports/c.json");
@@ -188,6 +190,19 @@ TEST_F(PageCasesTest, ShowsTheWorstOfMany) {
   EXPECT_EQ(Ids(page), "c17 c0 c1 c2");
   EXPECT_EQ(page["worst_only"], "The worst 4 of 30 cases; the totals are of all.");
   EXPECT_EQ(page["counts"]["pass"], 29);
+}
+
+// What only the other run has is worse than what passes, and comes before it.
+TEST_F(PageCasesTest, MakesRoomForCasesThatAreGone) {
+  WriteSuite("a", {Valued("c0", 5), Valued("c1", 5), Valued("gone", 5)});
+  WriteSuite("b", {Valued("c0", 5), Valued("c1", 5)});
+  Json page = DataWithoutPlayers(ReadPageRun("b", "a", 2));
+  EXPECT_EQ(Ids(page), "gone c0");
+  EXPECT_EQ(page["shown"], 2);
+  EXPECT_EQ(page["worst_only"], "The worst 2 of 3 cases; the totals are of all.");
+  page = DataWithoutPlayers(ReadPageRun("b", "a", 3));
+  EXPECT_EQ(Ids(page), "gone c0 c1");
+  EXPECT_EQ(page["worst_only"], "");
 }
 
 TEST_F(PageCasesTest, TakesTheReportOfARunForOneCase) {

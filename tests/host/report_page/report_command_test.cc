@@ -5,12 +5,14 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 
 #include "bench_process.h"
 #include "page_fixture.h"
 #include "support/file_bytes.h"
+#include "support/signals.h"
 
 namespace host {
 namespace {
@@ -68,6 +70,38 @@ TEST_F(ReportCommandTest, WritesThePage) {
   EXPECT_EQ(ReadFile("page.html"), page) << "what is there stays";
 }
 
+TEST_F(ReportCommandTest, TakesTheLengthOfExcerptsAndOfThePage) {
+  WriteSuite("r", {CaseOf("c", "fail")});
+  const std::vector<double> noise = WhiteNoise(16000 * 9, 0.9, 1);
+  WriteSounds("r", "c", noise, noise);
+  EXPECT_EQ(Bench({"report", "r", "-o", "page.html", "--excerpt-s", "2.5"}).exitCode, 0);
+  EXPECT_THAT(ReadFile("page.html"), HasSubstr("\"seconds\":2.5,"));
+  const Finished run = Bench({"report", "r", "-o", "page.html", "--most-mb", "0.5"});
+  EXPECT_THAT(run.out, HasSubstr(", 0 of 2 recordings\n"));
+  EXPECT_THAT(ReadFile("page.html"), HasSubstr("to stay below 0.5 MB. --folder writes all."));
+  EXPECT_LE(std::filesystem::file_size("page.html"), 501'000U);
+}
+
+TEST_F(ReportCommandTest, PutsABaselineBesideTheRun) {
+  WriteSuite("a", {CaseOf("c", "pass")});
+  WriteSuite("b", {CaseOf("c", "fail")});
+  const std::vector<double> sound(16000, 0.1);
+  for (const char* const folder : {"a", "b"}) WriteSounds(folder, "c", sound, sound);
+  const std::string home = "XDG_DATA_HOME=" + std::filesystem::current_path().string();
+  const auto bench = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), {"/usr/bin/env", home, AUDIO_BENCH_PROBE});
+    return RunProcess(words);
+  };
+  ASSERT_EQ(bench({"baseline", "save", "spring", "a"}).exitCode, 0);
+  const Finished run = bench({"report", "b", "--against", "baseline:spring", "-o", "page.html"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("1 case: 1 fails, 1 is worse than baseline:spring\n"));
+  const std::string page = ReadFile("page.html");
+  EXPECT_THAT(page, HasSubstr("\"name\":\"baseline:spring\""));
+  EXPECT_THAT(page, HasSubstr("id=\"audio-0-0-input\""));
+  EXPECT_THAT(page, Not(HasSubstr("id=\"audio-0-0-against\""))) << "it has no recordings";
+}
+
 TEST_F(ReportCommandTest, WritesAFolderWithWholeRecordings) {
   WriteSuite("r", {CaseOf("c", "fail")});
   const std::vector<double> sound(16000 * 9, 0.1);
@@ -116,6 +150,39 @@ std::string AddressIn(const std::string& path) {
     if (end != std::string::npos) return text.substr(at, end - at);
     usleep(10'000);
   }
+}
+
+// Opens a folder of results with this program in the place of the browser's.
+Finished Open(const std::string& folder, const std::string& program) {
+  std::filesystem::create_directory("bin");
+  WriteFile("bin/xdg-open", "#!/bin/sh\n" + program);
+  std::filesystem::permissions("bin/xdg-open", std::filesystem::perms::owner_all);
+  return RunProcess({"/usr/bin/env", "PATH=bin:/usr/bin:/bin", AUDIO_BENCH_PROBE, "open", folder});
+}
+
+TEST_F(ReportCommandTest, HandsThePageToTheBrowser) {
+  const std::string note = "echo \"$1\" >opened\n";
+  const std::string page = std::filesystem::current_path().string() + "/r/report.html";
+  WriteSuite("r", {CaseOf("c", "pass")});
+  EXPECT_EQ(Open("r", note).exitCode, 0);
+  EXPECT_EQ(ReadFile("opened"), page + "\n");
+  EXPECT_THAT(ReadFile("r/report.html"), HasSubstr("\"sentence\":\"1 case: 1 passes\""));
+
+  // One that is not older than the results is opened as it is.
+  WriteFile("r/report.html", "of the reader's own");
+  EXPECT_EQ(Open("r", note).exitCode, 0);
+  EXPECT_EQ(ReadFile("r/report.html"), "of the reader's own");
+  const auto results = std::filesystem::last_write_time("r/results.json");
+  std::filesystem::last_write_time("r/report.html", results - std::chrono::seconds(10));
+  EXPECT_EQ(Open("r", note).exitCode, 0);
+  EXPECT_THAT(ReadFile("r/report.html"), HasSubstr("\"sentence\":\"1 case: 1 passes\""));
+}
+
+TEST_F(ReportCommandTest, OpensTheFolderOfAPage) {
+  std::filesystem::create_directory("page");
+  WriteFile("page/index.html", "a page");
+  EXPECT_EQ(Open("page", "echo \"$1\" >opened\n").exitCode, 0);
+  EXPECT_EQ(ReadFile("opened"), std::filesystem::current_path().string() + "/page/index.html\n");
 }
 
 TEST_F(ReportCommandTest, ServesThePageWhereNoBrowserCanBeCalled) {
