@@ -81,7 +81,7 @@ test('a measure leads to the case that has lost most', async () => {
   // A case that is not in the page is a name only.
   const last = await page.$eval('.measures tbody tr:last-child td.name', (cell) =>
     [cell.textContent, cell.querySelector('button') === null]);
-  assert.deepEqual(last, ['gone/elsewhere', true]);
+  assert.deepEqual(last, ['codec/erik_train_112', true]);
   await page.close();
 });
 

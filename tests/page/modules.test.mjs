@@ -10,7 +10,7 @@ import { column, kBlock, outline, peakOf } from '../../host/page/src/compute/env
 import { channel, channelsOfFile, count, duration, laneWords, meaning, number, signed, signedNumber, time,
          when } from '../../host/page/src/words.js';
 import { joinMarks } from '../../host/page/src/listen/layer.js';
-import { playedGain } from '../../host/page/src/listen/difference_version.js';
+import { differenceVersion, playedGain } from '../../host/page/src/listen/difference_version.js';
 import { waveHeight } from '../../host/page/src/listen/player_size.js';
 import { TimeView } from '../../host/page/src/draw/time_view.js';
 
@@ -204,4 +204,84 @@ test('of two recordings that play softer than their files the difference is that
 
 test('things are counted as one counts them', () => {
   assert.deepEqual([count(1, 'case'), count(2, 'case'), count(0, 'case')], ['1 case', '2 cases', '0 cases']);
+});
+
+test('a figure is that of all channels where there is one', () => {
+  const figures = [{ name: 'snr', value: 1, better: 'higher', channel: 0 },
+                   { name: 'snr', value: 9, better: 'higher', channel: null }];
+  const other = [{ name: 'snr', value: 5, better: 'higher', channel: 1 }];
+  const cases = [{ id: 'a', figures }, { id: 'b', figures: other }];
+  assert.deepEqual(choose(cases, { ...kEmpty, measure: 'snr', order: 'measure' }), [1, 0]);
+});
+
+test('a text is looked for in files, hashes, arguments and results too', () => {
+  const cases = [{ id: 'a', files: [{ name: 'mic.wav', sha256: 'cafe01' }] },
+                 { id: 'b', arguments: ['far.wav'] }, { id: 'c', results: [{ name: 'bpm' }] }];
+  const found = (text) => choose(cases, { ...kEmpty, text });
+  assert.deepEqual([found('mic'), found('CAFE'), found('far'), found('bpm')], [[0], [0], [1], [2]]);
+});
+
+test('orders count as readers do, keep equal ones as they are, and put unknown times last', () => {
+  const cases = [{ id: 'c10', elapsed: 0.5 }, { id: 'c9' }, { id: 'c9', elapsed: 0.5 }];
+  assert.deepEqual(choose(cases, { ...kEmpty, order: 'id' }), [1, 2, 0]);
+  assert.deepEqual(choose(cases, { ...kEmpty, order: 'slowest' }), [0, 2, 1]);
+  assert.equal(formatFragment({ ...kEmpty, verdict: ['fail', 'warn'] }), 'verdict=fail,warn');
+});
+
+test('a difference is a version where both of its recordings are in the page', () => {
+  const version = (key, audio) => ({ key, label: `The ${key}`, audio, channels: 1 });
+  const player = (extra, audio = 'a') => ({ versions: [version('output', 'b'), version('input', audio)],
+    difference: { of: ['output', 'input'], db: -40, relative: -20, identical: false, ...extra } });
+  assert.equal(differenceVersion(player({})).file,
+               'The output less the input \u00b7 \u221240.00\u00a0dBFS \u00b7 \u221220.00\u00a0dB beside the input');
+  assert.equal(differenceVersion(player({ db: null, relative: null, identical: true })).file,
+               'The output less the input \u00b7 none: they are the same');
+  assert.equal(differenceVersion(player({}, null)), null);
+  assert.equal(differenceVersion({ versions: [], difference: null }), null);
+});
+
+test('an outline near by is that of the samples alone, also between two of them', () => {
+  const samples = Float32Array.from({ length: 640 }, (_, n) => n / 640);
+  const lines = outline(samples);
+  near(column(samples, lines, 100.2, 100.4, {}).low, samples[100]);
+  assert.deepEqual([column(samples, lines, 33, 40, {}).low, column(samples, lines, 33, 40, {}).high],
+                   [samples[33], samples[39]]);
+  const beyond = column(samples, lines, 700, 710, {});
+  assert.deepEqual([beyond.low, beyond.high, beyond.rms], [0, 0, 0]);
+});
+
+test('a difference of several channels is one for each; of silence nothing is fitted', () => {
+  const a = [Float32Array.from([1, 1]), Float32Array.from([0.5, 0.5])];
+  const b = [Float32Array.from([1, 1]), Float32Array.from([0.25, 0.25])];
+  assert.deepEqual(subtract(a, b, 1).map((samples) => [...samples]), [[0, 0], [0.25, 0.25]]);
+  assert.deepEqual(subtract(a, [b[0]], 1).map((samples) => [...samples]), [[0, 0], [-0.5, -0.5]]);
+  near(fitGain(a, b), (2 + 0.25) / (2 + 0.125));
+  assert.equal(fitGain(a, [new Float32Array(2)]), 1);
+});
+
+test('a view goes no closer than 2 ms, and follows what plays out of it', () => {
+  const view = new TimeView(10);
+  view.follow(9);
+  assert.deepEqual([view.from, view.to], [0, 10]);
+  view.show(4, 4.0001);
+  near(view.span, 0.002);
+  view.show(2, 4);
+  view.follow(4);
+  assert.deepEqual([view.from, view.to], [2, 4]);
+  view.follow(4.5);
+  assert.deepEqual([view.from, view.to], [4.5, 6.5]);
+  view.follow(1);
+  assert.deepEqual([view.from, view.to], [1, 3]);
+});
+
+test('numbers have four figures, small ones an exponent, large ones no fraction', () => {
+  assert.deepEqual([number(0.00051), number(0.001234), number(12345.6), number(1234.56)],
+                   ['5.10e\u22124', '0.001234', '12\u2009346', '1235']);
+  assert.equal(duration(1.5), '1.50\u00a0s');
+  assert.equal(channel(2, 2), 'channel 3');
+});
+
+test('one alone is not made softer to fit nothing', () => {
+  const gains = matchLevels([{ key: 'a', lufs: -20, peak: 0.5 }]);
+  assert.deepEqual([...gains], [['a', 0]]);
 });
