@@ -58,6 +58,17 @@ void PageTest::WriteSounds(const std::string& folder, const std::string& id,
   host::WriteSound(work + "/out.wav", {.format = kWave16, .rate = 16000, .samples = output});
 }
 
+void PageTest::MeasureAgainst(const std::string& folder, const std::string& id, const Json& roles) {
+  const std::string path = folder + "/reports/" + id + ".json";
+  Json report = Json::parse(ReadFile(path));
+  Json& against = report["outputs"][0]["measured_against"];
+  for (const auto& [role, name] : roles.items()) {
+    against[role] =
+        name.is_null() ? Json() : Json(folder + "/cases/" + id + "/" + name.get<std::string>());
+  }
+  WriteFile(path, report.dump());
+}
+
 Json PageTest::CaseOf(const std::string& id, const std::string& verdict) {
   Json one = CaseJson(id, {{.name = "my_sdr", .value = 5}});
   one["verdict"] = verdict;

@@ -34,6 +34,10 @@ class PageTest : public testing::Test {
   static void WriteSounds(const std::string& folder, const std::string& id,
                           const std::vector<double>& input, const std::vector<double>& output);
 
+  // Has the report of a case say that its output was measured against these files of its workspace.
+  static void MeasureAgainst(const std::string& folder, const std::string& id,
+                             const host::Json& roles);
+
   // A case that has this verdict.
   static host::Json CaseOf(const std::string& id, const std::string& verdict);
 

@@ -213,18 +213,6 @@ TEST_F(PageSoundTest, FindsTheRecordingsOfResultsThatWereMoved) {
   EXPECT_THAT(KeysOf(PlayerOf(DataOf("elsewhere"))), ElementsAre("output", "input"));
 }
 
-// The report of a case whose output was measured against these files of its workspace.
-void MeasureAgainst(const std::string& folder, const std::string& id, const Json& roles) {
-  const std::string path = folder + "/reports/" + id + ".json";
-  Json report = Json::parse(ReadFile(path));
-  Json& against = report["outputs"][0]["measured_against"];
-  for (const auto& [role, name] : roles.items()) {
-    against[role] =
-        name.is_null() ? Json() : Json(folder + "/cases/" + id + "/" + name.get<std::string>());
-  }
-  WriteFile(path, report.dump());
-}
-
 // A canceller that leaves a tenth of the echo, and is late: what it was given, and what the
 // loudspeaker played, run beside each other.
 TEST_F(PageSoundTest, PlaysAllThatBelongsWithACanceller) {
@@ -258,6 +246,23 @@ TEST_F(PageSoundTest, PlaysAllThatBelongsWithACanceller) {
     EXPECT_NEAR(value.get<double>(), 20, 0.5);
   }
   EXPECT_GT(known, 20U);
+}
+
+// A canceller that is half a second late, and better from the fourth second of its input on.
+TEST_F(PageSoundTest, DrawsEchoLossAtTheTimeOfTheOutput) {
+  const std::vector<double> far = BurstNoise(16000 * 8, 0.5, 16000, 22);
+  std::vector<double> left = far;
+  for (size_t i = 0; i < left.size(); ++i) left[i] *= i < 16000 * 4 ? 0.1 : 0.01;
+  WriteSuite("r", {CaseOf("c", "pass")});
+  WriteSounds("r", "c", far, Delayed(left, 8000));
+  WriteSound("r/cases/c/far.wav", {.format = kWave | k16Bits, .rate = 16000, .samples = far});
+  MeasureAgainst("r", "c", {{"far", "far.wav"}});
+  const PageData data = DataOf("r", "", {.excerpt = 8});
+  const Json& values = PlayerOf(data)["curves"][0]["values"];
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (values[i].is_null() || (i > 40 && i < 50)) continue;
+    EXPECT_NEAR(values[i].get<double>(), i < 45 ? 20 : 40, 2) << i;
+  }
 }
 
 // What is at another rate is heard at its own, and cut at the same time.
