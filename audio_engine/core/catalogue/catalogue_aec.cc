@@ -80,6 +80,10 @@ FileUse FarEnd(FileUse use) {
 
 constexpr UnusedArgument kUnusedDelay[] = {{"echoDelay", "the delay that the canceller finds"}};
 
+std::vector<FileUse> CleanedFiles() { return NoizeusProcessed("aec"); }
+std::vector<FileUse> NoisyWaves() { return AsWaves(NoizeusNoisy()); }
+std::vector<FileUse> DenoisedWaves() { return AsWaves(NoizeusProcessed("denoise"), "rev3.2.50/"); }
+
 const CatalogueRow kRows[] = {
     {.declared = declared::TestEchoDelayEst,
      .exercises = "echo-delay estimator (CEchoDelayEst) over far/near raw PCM; logs "
@@ -102,8 +106,8 @@ const CatalogueRow kRows[] = {
     {.declared = declared::TestAECNsNoizeus,
      .exercises = "runs TestZUAECNSProcess over the NOIZEUS corpus into "
                   "\"NOIZEUS/out/sp%02d_%s_sn%d_aec.pcm\"",
-     .inputs = NoizeusNoisy(),
-     .outputs = NoizeusProcessed("aec")},
+     .inputs = MadeOnce<NoizeusNoisy>,
+     .outputs = MadeOnce<CleanedFiles>},
     {.declared = declared::TestZUAECProcess,
      .exercises = "mobile echo canceller on far/near files with a fixed echo delay",
      .nullable = "pFarendFileName",
@@ -129,8 +133,8 @@ const CatalogueRow kRows[] = {
      .outputs = {AnyWave("{out}")}},
     {.declared = declared::TestAecDenoiseNOIZEUS,
      .exercises = "TestAecDenoiseInternal over the NOIZEUS corpus (WAVE)",
-     .inputs = AsWaves(NoizeusNoisy()),
-     .outputs = AsWaves(NoizeusProcessed("denoise"), "rev3.2.50/")},
+     .inputs = MadeOnce<NoisyWaves>,
+     .outputs = MadeOnce<DenoisedWaves>},
     {.declared = declared::TestAecDenoise,
      .exercises = "TestAecDenoiseInternal over a fixed list of named recordings",
      .inputs = ForRecordings("in/*.wav"),

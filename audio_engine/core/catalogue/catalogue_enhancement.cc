@@ -86,11 +86,15 @@ std::vector<FileUse> ScoredFilesOfAny() {
   return Join({NoizeusClean(), processed});
 }
 
+std::vector<FileUse> DenoisedFiles() {
+  return Join({NoizeusProcessed("denoise"), NoizeusProcessed("denoise_light")});
+}
+
 const CatalogueRow kRows[] = {
     {.declared = declared::TestNoizeus,
      .exercises = "wrapper: TestNoizeusEx over ns 0..4, ms 0 and 1",
-     .inputs = AllScoredFiles(),
-     .outputs = AllResults(),
+     .inputs = MadeOnce<AllScoredFiles>,
+     .outputs = MadeOnce<AllResults>,
      .after = {"TestAECNsNoizeus", "TestDenoiseProcessNoizeus"}},
     {.declared = declared::TestAGCProcess,
      .exercises = "WebRTC-style AGC (WebRtcAgc_*) with virtual microphone",
@@ -111,7 +115,7 @@ const CatalogueRow kRows[] = {
      .exercises = "SNR over the speech segments of sentence no"},
     {.declared = declared::TestNoizeusEx,
      .exercises = "NOIZEUS evaluation of one suppression setting, one measure; result text files",
-     .inputs = ScoredFilesOfAny(),
+     .inputs = MadeOnce<ScoredFilesOfAny>,
      .outputs = NoizeusResults("<measure>", "<algorithm>"),
      .inputsFor = ScoredFilesFor,
      .outputsFor = ResultsFor,
@@ -153,8 +157,8 @@ const CatalogueRow kRows[] = {
      .outputs = {AnyWave("agc_out.wav")}},
     {.declared = declared::TestDenoiseProcessNoizeus,
      .exercises = "CAudioDenoise (normal and light) over the NOIZEUS corpus",
-     .inputs = NoizeusNoisy(),
-     .outputs = Join({NoizeusProcessed("denoise"), NoizeusProcessed("denoise_light")})},
+     .inputs = MadeOnce<NoizeusNoisy>,
+     .outputs = MadeOnce<DenoisedFiles>},
     {.declared = declared::TestDenoiseProcess,
      .exercises = "CAudioDenoise over \"ns_in.wav\" into \"ns_out.wav\"",
      .inputs = {TreatedWave("ns_in.wav", {.leastRate = 8000, .mostRate = 48000})},

@@ -24,11 +24,11 @@ std::string ArgumentFault(const CatalogueRow& row, ArgumentWords words) {
 }
 
 std::vector<FileUse> Inputs(const CatalogueRow& row, ArgumentWords words) {
-  return row.inputsFor != nullptr ? row.inputsFor(words) : row.inputs;
+  return row.inputsFor != nullptr ? row.inputsFor(words) : row.inputs.All();
 }
 
 std::vector<FileUse> Outputs(const CatalogueRow& row, ArgumentWords words) {
-  return row.outputsFor != nullptr ? row.outputsFor(words) : row.outputs;
+  return row.outputsFor != nullptr ? row.outputsFor(words) : row.outputs.All();
 }
 
 std::string Lacking(const CatalogueRow& row, ArgumentWords words) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/file_list.h"
 #include "catalogue/files.h"
 #include "catalogue/invoke.h"
 #include "catalogue/results.h"
@@ -60,8 +61,8 @@ struct CatalogueRow {
   std::string_view calledBy = {};  // The routines that call it, where no command line can.
   std::string_view exercises = {};
   std::string_view nullable = {};  // The parameter for which the word "none" is a null name.
-  std::vector<FileUse> inputs = {};
-  std::vector<FileUse> outputs = {};
+  FileList inputs = {};
+  FileList outputs = {};
   // The inputs of one run, where they follow from the words. Null: `inputs`.
   std::vector<FileUse> (*inputsFor)(ArgumentWords words) = nullptr;
   // The outputs of one run, where more than a name in them follows from the words. Null: `outputs`.
