@@ -33,6 +33,11 @@ std::string FileLines(std::string_view label, const FileGroup& group) {
   const auto place = KnownPlace(use);
   if (place) lines += Line("", "in the workspace: " + *place);
   if (!use.without.empty()) lines += Line("", "without it: " + use.without);
+  if (use.onlyRight) lines += Line("", "in another format it is refused before the run");
+  if (use.alsoTakenFor.rate > 0) {
+    lines += Line("", "a part of the routine takes it for " + Hertz(use.alsoTakenFor.rate) + ", " +
+                          Channels(use.alsoTakenFor.channels) + ", whatever it is in");
+  }
   if (!use.partRead.empty()) lines += Line("", "may be read in part: " + use.partRead);
   if (!use.remark.empty()) lines += Line("", use.remark);
   return lines;

@@ -48,7 +48,7 @@ Checked Check(const Plan& plan, Staged staged, Limits& limits) {
                      .stop = std::move(staged.stop)};
   StopWhereFailing(checked.stop, [&] {
     LookAtInputs(plan, limits, checked.inputs);
-    AddFormatWarnings(checked.inputs);
+    AddFormatProblems(checked.inputs, plan.engine);
     if (MayRun(checked.inputs)) MakeReady(plan, limits, checked);
   });
   return checked;

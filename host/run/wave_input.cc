@@ -120,10 +120,20 @@ void AddHeaderWarning(FILE* file, const AudioLayout& audio, FileReport& input) {
   }
 }
 
+// Whether a run on another format is refused, and the engine takes no other one.
+bool OnlyRight(const FileUse& use, const Engine& engine) {
+  return use.onlyRight && !engine.IsInLibrary(std::string(use.formatBy));
+}
+
 // `right`: the format that would be, in words.
 void AddOtherFormat(const AudioLayout& audio, const FilePlace& wanted, const std::string& right,
-                    FileReport& input) {
+                    const Engine& engine, FileReport& input) {
   const std::string is = Says(input.place, "is " + FormatOf(audio));
+  const std::string only = is + ", where only " + right + " is taken" + Convert(wanted);
+  if (OnlyRight(input.place.use, engine)) {
+    input.problems.push_back({Cause::kInputFormat, only});
+    return;
+  }
   switch (input.place.use.otherFormat) {
     case OtherFormat::kAsItIs:
       input.problems.push_back(
@@ -131,21 +141,35 @@ void AddOtherFormat(const AudioLayout& audio, const FilePlace& wanted, const std
            is + ", where " + right + " is counted on; it is taken as it is" + Convert(wanted)});
       break;
     case OtherFormat::kAborts:
-      input.concerns.push_back(
-          {Concern::Kind::kAborts, is + ", where only " + right + " is taken" + Convert(wanted)});
+      input.concerns.push_back({Concern::Kind::kAborts, only});
       break;
     case OtherFormat::kNoOutput:
-      input.concerns.push_back(
-          {Concern::Kind::kNoOutput, is + ", where only " + right + " is taken" + Convert(wanted)});
+      input.concerns.push_back({Concern::Kind::kNoOutput, only});
       break;
   }
 }
 
-void AddFormatWarning(const AudioLayout& audio, std::span<FileReport> inputs, FileReport& input) {
+// What is to be known of a file that is right, but not for all parts of the routine.
+void AddAlsoTakenFor(const AudioLayout& audio, FileReport& input) {
+  const WaveFormat format = input.place.use.alsoTakenFor;
+  if (Fits(audio, format)) return;
+  FileUse use;
+  use.rate = format.rate;
+  use.channels = format.channels;
+  input.problems.push_back({Cause::kInputAsItIs, Says(input.place, "is " + FormatOf(audio) +
+                                                                       ", which a part of the "
+                                                                       "routine takes for " +
+                                                                       RightFormat(use))});
+}
+
+void AddFormatProblem(const AudioLayout& audio, std::span<FileReport> inputs, const Engine& engine,
+                      FileReport& input) {
   FilePlace wanted = input.place;
   if (!IsRight(audio, wanted.use)) {
     if (audio.rate < wanted.use.leastRate) wanted.use.rate = wanted.use.leastRate;
-    AddOtherFormat(audio, wanted, RightFormat(input.place.use), input);
+    AddOtherFormat(audio, wanted, RightFormat(input.place.use), engine, input);
+  } else {
+    AddAlsoTakenFor(audio, input);
   }
   if (wanted.use.formatOf.empty()) return;
   const auto other = std::find_if(inputs.begin(), inputs.end(), [&](const FileReport& each) {
@@ -155,7 +179,8 @@ void AddFormatWarning(const AudioLayout& audio, std::span<FileReport> inputs, Fi
   if (!otherAudio || Fits(audio, {otherAudio->rate, otherAudio->channels})) return;
   wanted.use.rate = otherAudio->rate;
   wanted.use.channels = otherAudio->channels;
-  AddOtherFormat(audio, wanted, FormatOf(*otherAudio) + ", as in " + other->place.name, input);
+  AddOtherFormat(audio, wanted, FormatOf(*otherAudio) + ", as in " + other->place.name, engine,
+                 input);
 }
 
 }  // namespace
@@ -196,7 +221,7 @@ std::optional<Problem> WaveProblem(const FilePlace& input, FILE* file, uint64_t 
                                                         " of samples: " + Bytes(there))};
 }
 
-void AddFormatWarnings(std::span<FileReport> inputs) {
+void AddFormatProblems(std::span<FileReport> inputs, const Engine& engine) {
   for (FileReport& input : inputs) {
     if (!input.problems.empty()) continue;
     const OpenWave wave = Open(input);
@@ -204,7 +229,7 @@ void AddFormatWarnings(std::span<FileReport> inputs) {
     AddShortage(*wave.audio, input);
     if (input.place.use.container != Container::kWave) continue;
     AddHeaderWarning(wave.file.get(), *wave.audio, input);
-    AddFormatWarning(*wave.audio, inputs, input);
+    AddFormatProblem(*wave.audio, inputs, engine, input);
   }
 }
 

@@ -25,10 +25,24 @@ FileUse Full(FileUse use) {
   return use;
 }
 
+// A codec has one format; samples of another one would be coded at the wrong speed.
+FileUse OnlyRight(FileUse use) {
+  use.onlyRight = true;
+  return use;
+}
+
+// For readers: what a codec takes, which the words of a run name.
+FileUse AsTheCodec(FileUse use) {
+  use.formatOf = "the codec";
+  return OnlyRight(std::move(use));
+}
+
+// The detector takes it for 16 kHz mono, whatever the codec's format is.
 FileUse PreprocessedSpeech() {
-  FileUse use = Optional(TakenFor("{refFile}.preproc.wav", kMono16, 320, WaveHeader::kCopied),
+  FileUse use = Optional(TakenFor("{refFile}.preproc.wav", {}, 320, WaveHeader::kCopied),
                          "only the resampled reference is made; the other files hold no samples");
   use.remark = "nothing in the bench writes it";
+  use.alsoTakenFor = kMono16;
   return use;
 }
 
@@ -78,27 +92,36 @@ std::vector<FileUse> QualityCaseFor(ArgumentWords words) {
                      std::to_string(format.iNumOfChannels) + "_{bitRate}");
 }
 
-// For readers: what a codec takes, which the words of a run name.
 FileUse ForCodec(std::string name) {
   FileUse use = Wave(std::move(name));
   use.blockBytes = 2;
-  use.formatOf = "the codec";
-  return use;
+  return AsTheCodec(std::move(use));
+}
+
+// In the format of the id that is word number `index`, and only in that where it is a codec's.
+FileUse InFormatOfId(FileUse use, ArgumentWords words, size_t index) {
+  const AudioStreamFormat format = FormatOfWord(words, index);
+  if (format.iSampleRate > 0) use.rate = format.iSampleRate;
+  if (format.iNumOfChannels > 0) use.channels = format.iNumOfChannels;
+  use.formatBy = "codec/codec_format";
+  return UnknownRawId(words, index).empty() ? OnlyRight(std::move(use)) : use;
 }
 
 // Whatever the format, the samples are encoded, the last frame filled up with silence.
 std::vector<FileUse> EncodedInputFor(ArgumentWords words) {
-  const AudioStreamFormat format = FormatOfWord(words, 2);
-  return {TakenFor("{wavInFileName}", {format.iSampleRate, format.iNumOfChannels}, 2,
-                   WaveHeader::kRead)};
+  return {InFormatOfId(TakenFor("{wavInFileName}", {}, 2, WaveHeader::kRead), words, 2)};
+}
+
+std::vector<FileUse> MockInputsFor(ArgumentWords words) {
+  return {AnyWave("{refFile}"), InFormatOfId(PreprocessedSpeech(), words, 1)};
 }
 
 // The routine ends without a word when its input is in another format than the codec.
 std::vector<FileUse> GatedInputFor(ArgumentWords words) {
   const AudioStreamFormat format = FormatOfWord(words, 3);
   const int frameBytes = 2 * format.iSamplesOfFrame * format.iNumOfChannels;
-  FileUse use = TakenFor("{pSrcFileName}", {format.iSampleRate, format.iNumOfChannels}, frameBytes,
-                         WaveHeader::kRead);
+  FileUse use =
+      InFormatOfId(TakenFor("{pSrcFileName}", {}, frameBytes, WaveHeader::kRead), words, 3);
   use.otherFormat = OtherFormat::kNoOutput;
   return {use};
 }
@@ -108,7 +131,7 @@ FileUse EncodedByItsFormat() {
   FileUse use = TakenFor("{pSrcFileName}", kStereo44, 0, WaveHeader::kSkipped);
   use.alsoRight = kMono16;
   use.otherFormat = OtherFormat::kNoOutput;
-  return use;
+  return OnlyRight(use);
 }
 
 const CatalogueRow kRows[] = {
@@ -126,7 +149,7 @@ const CatalogueRow kRows[] = {
      .lacking = NeedsType<AudioLocalCodec::AAC_ELD_CODEC>},
     {.declared = declared::TestZUEAACCodec,
      .exercises = "CreateAudioCodec enhanced-AAC encode and decode of a 44.1 kHz stereo file",
-     .inputs = {TakenFor("F:\\44100_2_new1.wav", kStereo44, 8192, WaveHeader::kSamples)},
+     .inputs = {OnlyRight(TakenFor("F:\\44100_2_new1.wav", kStereo44, 8192, WaveHeader::kSamples))},
      .outputs = {Other("F:\\44100_2_out.aac", "AAC stream"),
                  Headerless("F:\\44100_2_out.pcm", 44100, 2)},
      .lacking = NeedsFamily<kAudioCodecAAC>},
@@ -164,7 +187,7 @@ const CatalogueRow kRows[] = {
      .codecIds = CodecIds},
     {.declared = declared::TestZUAudioProcessor,
      .exercises = "AudioProcessor encoding of a WAVE file to a stream file",
-     .inputs = {TakenFor("player.wav", kStereo44, 8192, WaveHeader::kRead)},
+     .inputs = {OnlyRight(TakenFor("player.wav", kStereo44, 8192, WaveHeader::kRead))},
      .outputs = {Other("player.aac", "AAC stream")},
      .lacking = NeedsFamily<kAudioCodecAAC>},
     {.declared = declared::TestZUEncode,
@@ -210,13 +233,14 @@ const CatalogueRow kRows[] = {
      .codecIds = CodecIds},
     {.declared = declared::TestMockVADMos,
      .exercises = "resample, VAD, codec chain for MOS",
-     .inputs = {AnyWave("{refFile}"), PreprocessedSpeech()},
+     .inputs = {AnyWave("{refFile}"), AsTheCodec(PreprocessedSpeech())},
      .outputs = {Wave("{refFile}.resample.wav"), Other("{refFile}.codec.wav.enc", "coded audio"),
                  Full(Wave("{refFile}.codec.wav.dec.wav")), Wave("{refFile}.codec.wav"),
                  WithForeignHeader(Wave("{refFile}.vad.wav")),
                  WithForeignHeader(Wave("{refFile}.vadresult.wav")),
                  Other("{refFile}.vadCodec.wav.enc", "coded audio"),
                  Full(Wave("{refFile}.vadCodec.wav.dec.wav")), Wave("{refFile}.vadCodec.wav")},
+     .inputsFor = MockInputsFor,
      .lacking = NeedsRawIdOfWord<1>,
      .fruitless = NoCodecOfWord<1>,
      .codecIds = CodecIds},

@@ -90,6 +90,14 @@ struct FileUse {
   WaveFormat alsoRight = {};  // A second format that is as right as the declared one.
   Treated treated = {};
   int leastRate = 0;  // Below it, Hz, every rate is another format.
+  // Whether a run on another format is refused: a codec would take its samples for longer or
+  // shorter ones than they are, or for those of other channels, and nothing of use would come out.
+  bool onlyRight = false;
+  // The facility of the engine that says which format that is, since another engine may say another
+  // one; empty where the routine itself does.
+  std::string_view formatBy = {};
+  // What a part of the routine takes the samples for, whatever the right format is.
+  WaveFormat alsoTakenFor = {};
   // Whose format is right: the name of another input, or, for readers, what the words of a run
   // name.
   std::string formatOf = {};

@@ -19,6 +19,7 @@ using harness::Catalogue;
 using harness::CatalogueRow;
 using harness::Container;
 using harness::FileUse;
+using harness::MadeOnce;
 using harness::SampleType;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -42,6 +43,9 @@ std::string WaveFacts(const FileUse& use) {
   if (!use.formatOf.empty()) text += " as " + use.formatOf;
   if (use.otherFormat == harness::OtherFormat::kAborts) text += " else abort";
   if (use.otherFormat == harness::OtherFormat::kNoOutput) text += " else nothing";
+  if (use.onlyRight) text += " only";
+  if (use.alsoTakenFor.rate > 0 || use.alsoTakenFor.channels > 0)
+    text += " or taken for" + Format(use.alsoTakenFor.rate, use.alsoTakenFor.channels);
   if (use.header == harness::WaveHeader::kSkipped) text += " skip 44";
   if (use.header == harness::WaveHeader::kCopied) text += " copy 44";
   if (use.header == harness::WaveHeader::kSamples) text += " from byte 0";
@@ -91,6 +95,13 @@ std::vector<std::string> Names(const std::vector<FileUse>& uses) {
   return names;
 }
 
+int g_made = 0;  // Calls of CountedFiles.
+
+std::vector<FileUse> CountedFiles() {
+  ++g_made;
+  return {{.name = "one"}, {.name = "two"}};
+}
+
 }  // namespace
 
 TEST(CatalogueFiles, DeclareWhatEachRoutineReadsAndWrites) {
@@ -130,6 +141,27 @@ TEST(CatalogueFiles, NameTheTenRecordings) {
             "out/rev3.2.250/wrpcmin_ka_out_rev3.2.250.wav");
 }
 
+TEST(FileList, IsMadeOnceWhenItIsAskedFor) {
+  const harness::FileList later = MadeOnce<CountedFiles>;
+  const harness::FileList copy = later;
+  EXPECT_EQ(g_made, 0);
+  EXPECT_TRUE(copy.IsMadeLater());
+  EXPECT_THAT(Names(copy), ElementsAre("one", "two"));
+  EXPECT_EQ(later.size(), 2U);
+  EXPECT_EQ(g_made, 1);
+  const harness::FileList own = {FileUse{.name = "one"}};
+  EXPECT_FALSE(own.IsMadeLater());
+  EXPECT_THAT(Names(own), ElementsAre("one"));
+}
+
+TEST(CatalogueFiles, AreNotMadeAtTheStartOfTheProcessWhereTheyAreMany) {
+  for (const CatalogueRow& row : Catalogue()) {
+    for (const harness::FileList* const list : {&row.inputs, &row.outputs}) {
+      EXPECT_TRUE(list->IsMadeLater() || list->size() <= 60) << row.declared.words.name;
+    }
+  }
+}
+
 TEST(CatalogueFiles, FollowFromTheFormatOfTheCodec) {
   FakeEngine engine;
   engine.script<CodecFormatScript>().format = [](int id) {
@@ -142,4 +174,37 @@ TEST(CatalogueFiles, FollowFromTheFormatOfTheCodec) {
   EXPECT_THAT(Names(Outputs(Row("calAACMos"), words)),
               ElementsAre("7000_8_{bitRate}.res.wav", "7000_8_{bitRate}.ref.wav",
                           "7000_8_{bitRate}.enc.wav", "7000_8_{bitRate}.dec.wav"));
+}
+
+TEST(CatalogueFiles, AreTakenInTheFormatOfTheCodecOnly) {
+  FakeEngine engine;
+  engine.script<CodecFormatScript>().format = [](int id) {
+    AudioStreamFormat format = {};
+    format.iSampleRate = 1000 * id;
+    format.iNumOfChannels = id;
+    format.iSamplesOfFrame = 10;
+    return format;
+  };
+  const auto inputs = [](std::string_view routine, std::vector<std::string_view> words) {
+    const std::vector<FileUse> uses = Inputs(Row(routine), words);
+    for (const FileUse& use : uses) {
+      EXPECT_EQ(use.formatBy, use.onlyRight ? "codec/codec_format" : use.formatBy) << routine;
+    }
+    return Texts(uses);
+  };
+  const std::string name = "{wavInFileName} wave ";
+  EXPECT_THAT(inputs("TestZUEncode", {"i", "o", "2", "true"}),
+              ElementsAre(name + "2000x2 only block 2"));
+  EXPECT_THAT(inputs("newTestZUEncode", {"i", "o", "2", "1", "1", "true"}),
+              ElementsAre(name + "2000x2 only block 2"));
+  EXPECT_THAT(inputs("TestZUCodecNew", {"i", "o", "55"}),
+              ElementsAre(name + "55000x55 only block 2"));
+  EXPECT_THAT(inputs("TestVADCodecMosByVADResult", {"i", "o", "v", "2"}),
+              ElementsAre("{pSrcFileName} wave 2000x2 else nothing only block 40"));
+  EXPECT_THAT(inputs("TestMockVADMos", {"i", "2"}),
+              ElementsAre("{refFile} wave 10 ms",
+                          "{refFile}.preproc.wav wave 2000x2 only or taken for 16000x1 copy 44 "
+                          "block 320 optional (nothing in the bench writes it)"));
+  EXPECT_THAT(inputs("TestZUEncode", {"i", "o", "3", "true"}), ElementsAre(name + "3000x3 block 2"))
+      << "an id that stands for no codec codes nothing";
 }

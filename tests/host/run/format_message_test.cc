@@ -98,6 +98,31 @@ TEST_F(FormatMessage, NamesBothFormatsWhereNothingComesOfAnInput) {
   EXPECT_THAT(run.out, HasSubstr("where only 44100 Hz, stereo or 16000 Hz, mono is taken"));
 }
 
+TEST_F(FormatMessage, RefusesWhatACodecDoesNotTakeBeforeTheRun) {
+  const auto refuse = [](const std::vector<std::string>& words, const std::string& format) {
+    const Finished run = Run(words);
+    EXPECT_EQ(run.exitCode, 1) << words[0];
+    EXPECT_THAT(run.out, HasSubstr(format + " is taken; to convert it: ffmpeg")) << words[0];
+    EXPECT_FALSE(std::filesystem::exists("bench_work/out")) << words[0];
+    EXPECT_FALSE(std::filesystem::exists("bench_work/logs")) << words[0];
+  };
+  Put("fast", Wave({.channels = 1, .rate = 48000}));
+  Put("two", Wave(kStereo));
+  for (const std::string in : {"fast", "two"}) {
+    const std::string only = (in == "fast" ? "48000 Hz, mono" : "16000 Hz, stereo") +
+                             std::string(", where only 16000 Hz, mono");
+    refuse({"TestZUEncode", in, "out", "2", "false"}, only);
+    refuse({"newTestZUEncode", in, "out", "2", "0", "48000", "false"}, only);
+    refuse({"TestZUCodecNew", in, "out", "2"}, only);
+    refuse({"TestVADCodecMosByVADResult", in, "out", "r.wav", "2"}, only);
+    refuse({"TestEncodeFile", in, "out"}, "where only 44100 Hz, stereo or 16000 Hz, mono");
+  }
+  Put("ref", Wave(kMono));
+  Put("ref.preproc.wav", Wave(kStereo));
+  refuse({"TestMockVADMos", "ref", "2"}, "16000 Hz, stereo, where only 16000 Hz, mono");
+  EXPECT_FALSE(std::filesystem::exists("bench_work/ref.resample.wav"));
+}
+
 TEST_F(FormatMessage, BlamesTheInputForACopiedHeaderThatIsNone) {
   Put("in.wav", Riff(PlainFormat(kMono) + Chunk("LIST", std::string(26, 'x')) +
                      Chunk("data", SampleBytes(Speech(kMono, 8000)))));
@@ -164,6 +189,12 @@ TEST_F(FormatMessage, SaysWhatIsRightInTheDescription) {
   EXPECT_THAT(describe("TestIIREq"), HasSubstr("16-bit WAVE; 44100 Hz; stereo; at least 1764"));
   EXPECT_THAT(describe("TestHPFProcess"), HasSubstr("any rate; any channel count; at least 10 ms"));
   EXPECT_THAT(describe("TestVADProcess"), HasSubstr("; optional"));
+  const std::string refused = "in another format it is refused before the run\n";
+  EXPECT_THAT(describe("TestZUEncode"), HasSubstr(refused));
+  EXPECT_THAT(describe("TestMockVADMos"),
+              HasSubstr(refused + "                a part of the routine takes it for 16000 Hz, "
+                                  "mono, whatever it is in\n"));
+  EXPECT_THAT(describe("TestIIREq"), testing::Not(HasSubstr(refused)));
   EXPECT_THAT(describe("TestAudioRecorder"), HasSubstr("AAC stream; a run adds to it"));
   EXPECT_THAT(describe("TestVAD"), HasSubstr("text; optional"));
 }

@@ -173,7 +173,7 @@ TEST_F(JudgeTest, WarnsOfSamplesThatAreTakenForOthers) {
     inputs[0].place.use.container = Container::kWave;
     inputs[0].place.use.rate = rate;
     inputs[0].place.use.channels = channels;
-    AddFormatWarnings(inputs);
+    AddFormatProblems(inputs);
     return Judge(inputs[0].problems);
   };
   EXPECT_EQ(judge(0, 0).verdict, Verdict::kPass) << "any format";
@@ -185,6 +185,51 @@ TEST_F(JudgeTest, WarnsOfSamplesThatAreTakenForOthers) {
             "input /in (work/in) is 16000 Hz, mono, where 44100 Hz, stereo is counted on; it is "
             "taken as it is; to convert it: ffmpeg -i work/in -c:a pcm_s16le -map_metadata -1 "
             "-bitexact -ar 44100 -ac 2 work/in.16.wav && mv work/in.16.wav work/in");
+}
+
+TEST_F(JudgeTest, RefusesSamplesOfWhichNothingOfUseWouldCome) {
+  WriteFile("work/in", WavBytes({.rate = 16000}, {1, 2, 3}));
+  const auto problems = [](const FileUse& use, const Engine& engine) {
+    std::vector<FileReport> inputs(1);
+    inputs[0].place = Place("/in");
+    inputs[0].place.use = use;
+    AddFormatProblems(inputs, engine);
+    return inputs[0].problems;
+  };
+  Engine other = {EngineLibrary{}};
+  other.library->facilities = {"codec/audio_codec", "codec/codec_format"};
+  FileUse use = {.container = Container::kWave, .rate = 16000, .channels = 1, .onlyRight = true};
+  EXPECT_TRUE(problems(use, {}).empty());
+  use.channels = 2;
+  const std::vector<Problem> refused = problems(use, {});
+  EXPECT_EQ(Judge(refused).Worst()->cause, Cause::kInputFormat);
+  EXPECT_EQ(Judge(refused).reason.substr(0, 75),
+            "input /in (work/in) is 16000 Hz, mono, where only 16000 Hz, stereo is taken");
+  EXPECT_EQ(Judge(problems(use, other)).exitCode, 1) << "it is the routine that takes no other";
+  use.formatBy = "codec/codec_format";
+  EXPECT_EQ(Judge(problems(use, {})).exitCode, 1);
+  EXPECT_EQ(Judge(problems(use, other)).verdict, Verdict::kWarn)
+      << "the codecs of another engine may have other formats";
+}
+
+TEST_F(JudgeTest, WarnsOfSamplesThatAPartOfTheRoutineTakesForOthers) {
+  WriteFile("work/in", WavBytes({.rate = 44100}, {1, 2, 3}));
+  std::vector<FileReport> inputs(1);
+  inputs[0].place = Place("/in");
+  inputs[0].place.use = {.container = Container::kWave,
+                         .rate = 44100,
+                         .channels = 1,
+                         .onlyRight = true,
+                         .alsoTakenFor = {16000, 1}};
+  AddFormatProblems(inputs);
+  EXPECT_EQ(Judge(inputs[0].problems).reason,
+            "input /in (work/in) is 44100 Hz, mono, which a part of the routine takes for 16000 "
+            "Hz, mono");
+  EXPECT_EQ(Judge(inputs[0].problems).verdict, Verdict::kWarn);
+  inputs[0].problems.clear();
+  inputs[0].place.use.alsoTakenFor = {44100, 1};
+  AddFormatProblems(inputs);
+  EXPECT_TRUE(inputs[0].problems.empty());
 }
 
 TEST(Judge, NamesTheWorstProblemAndKeepsAll) {
