@@ -75,7 +75,7 @@ std::string Description(const Request& request) {
 // With the recordings of the demo for the routines of the catalogue; with a page at the end where
 // that is asked for.
 int RunSuiteOnDemo(SuiteOptions options) {
-  options.demo = {DemoWords, PlaceDemosOf};
+  options.demo = {DemoWords, RenderDemosOf, PlaceDemosOf};
   if (options.report) {
     const int there = CheckReportPage();
     if (there != exit_code::kPass) return there;

@@ -31,18 +31,34 @@ std::optional<std::vector<std::string>> DemoWords(const CatalogueRow& row) {
 
 std::string TruthPlace(const std::string& place) { return "demo/truth/" + place + ".wav"; }
 
-void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace) {
-  const auto words = DemoWords(row);
-  if (!words) return;
-  const std::vector<std::string_view> views(words->begin(), words->end());
-  DemoWriter writer(workspace);
-  writer.Want(row, views);
+namespace {
+
+// Wants what a routine reads, and what is coded for it. Returns who codes that.
+std::vector<const StreamMaker*> WantAllOf(const CatalogueRow& row, DemoWriter& writer) {
   std::vector<const StreamMaker*> makers;
+  const auto words = DemoWords(row);
+  if (!words) return makers;
+  const std::vector<std::string_view> views(words->begin(), words->end());
+  writer.Want(row, views);
   for (const StreamMaker& maker : StreamMakers()) {
     if (!writer.Wants(maker.stream)) continue;
     makers.push_back(&maker);
     writer.Want(FindRow(std::string(maker.routine)), maker.arguments);
   }
+  return makers;
+}
+
+}  // namespace
+
+void RenderDemosOf(const CatalogueRow& row) {
+  DemoWriter writer("");
+  WantAllOf(row, writer);
+  writer.Render();
+}
+
+void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace) {
+  DemoWriter writer(workspace, true);
+  const std::vector<const StreamMaker*> makers = WantAllOf(row, writer);
   writer.Write();
   writer.WriteTruths();
   for (const StreamMaker* const maker : makers) writer.Make(*maker);

@@ -19,6 +19,9 @@ std::string PlaceAllDemos(const std::string& workspace);
 // The words with which a routine runs on the demo's files; nothing where there are none for it.
 std::optional<std::vector<std::string>> DemoWords(const CatalogueRow& row);
 
+// Makes the sounds that PlaceDemosOf writes, for this process and those that come of it.
+void RenderDemosOf(const CatalogueRow& row);
+
 // Writes only what one routine reads with these words, coded streams included.
 void PlaceDemosOf(const CatalogueRow& row, const std::string& workspace);
 

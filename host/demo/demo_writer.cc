@@ -14,6 +14,7 @@
 #include "catalogue/catalogue_text.h"
 #include "demo/demo_all.h"
 #include "demo/placed_file.h"
+#include "demo/sound_file.h"
 #include "wave/wave_file.h"
 
 namespace host {
@@ -31,12 +32,14 @@ harness::WaveFormat FormatOf(const FileUse& use, Sound sound) {
   return {use.rate != 0 ? use.rate : rate, use.channels != 0 ? use.channels : channels};
 }
 
-std::vector<std::byte> InContainer(const FileUse& use, const harness::WaveFormat& format,
-                                   const std::vector<int16_t>& samples) {
+bool IsHeaderless(const FileUse& use) { return use.container == Container::kHeaderless; }
+
+// A sentence in the container of its file.
+std::vector<std::byte> InContainer(const FileUse& use, const std::vector<int16_t>& samples) {
   const auto pcm = std::as_bytes(std::span(samples));
   std::vector<std::byte> bytes;
-  if (use.container != Container::kHeaderless) {
-    const auto header = wave::Header(format.rate, format.channels, 16, pcm.size());
+  if (!IsHeaderless(use)) {
+    const auto header = wave::Header(8000, 1, 16, pcm.size());
     const auto span = std::as_bytes(std::span(header));
     bytes.assign(span.begin(), span.end());
   }
@@ -44,9 +47,16 @@ std::vector<std::byte> InContainer(const FileUse& use, const harness::WaveFormat
   return bytes;
 }
 
+std::vector<int16_t> SentenceSamples(const SentenceName& sentence) {
+  const Sentences& all = AllSentences();
+  if (sentence.place < 0) return all.Clean(sentence.number);
+  return all.Noisy(sentence.number, sentence.place, sentence.level);
+}
+
 }  // namespace
 
-DemoWriter::DemoWriter(std::string workspace) : m_workspace(std::move(workspace)) {}
+DemoWriter::DemoWriter(std::string workspace, bool hashed)
+    : m_workspace(std::move(workspace)), m_hashed(hashed) {}
 
 void DemoWriter::Want(const CatalogueRow& row, std::span<const std::string_view> words) {
   const auto uses = harness::Inputs(row, words);
@@ -78,10 +88,26 @@ void DemoWriter::WriteFile(const FilePlace& input) {
   if (!text.empty()) {
     Put(input, std::as_bytes(std::span(text)));
   } else if (const auto sentence = SentenceOf(input.name)) {
-    Put(input, InContainer(input.use, {8000, 1}, SentenceSamples(*sentence)));
+    Put(input, InContainer(input.use, SentenceSamples(*sentence)));
   } else if (const auto sound = SoundOf(input.name)) {
+    PutSound(input, *sound, FormatOf(input.use, *sound));
+  }
+}
+
+void DemoWriter::PutSound(const FilePlace& file, Sound sound, const harness::WaveFormat& format) {
+  SoundFile& made = SoundFileOf(sound, format);
+  const bool headerless = IsHeaderless(file.use);
+  Put(file, made.Bytes(headerless), m_hashed ? &made.Digest(headerless) : nullptr);
+}
+
+void DemoWriter::Render() const {
+  for (const auto& [place, input] : m_wanted) {
+    if (SentenceOf(input.name)) AllSentences();
+    const auto sound = SoundOf(input.name);
+    if (!sound) continue;
     const harness::WaveFormat format = FormatOf(input.use, *sound);
-    Put(input, InContainer(input.use, format, Rendered(*sound, format)));
+    SoundFileOf(*sound, format).Digest(IsHeaderless(input.use));
+    if (const auto truth = TruthOf(*sound)) SoundFileOf(*truth, format).Digest(false);
   }
 }
 
@@ -95,7 +121,7 @@ void DemoWriter::WriteTruths() {
                             .name = input.name,
                             .path = {},
                             .place = TruthPlace(place)};
-    Put(file, InContainer(file.use, format, Rendered(*truth, format)));
+    PutSound(file, *truth, format);
   }
 }
 
@@ -103,24 +129,13 @@ void DemoWriter::WriteText(const std::string& place, const std::string& text) {
   Put({.use = {}, .name = place, .path = {}, .place = place}, std::as_bytes(std::span(text)));
 }
 
-void DemoWriter::Put(const FilePlace& file, std::span<const std::byte> bytes) {
-  const Placed placed = PlaceFile(m_workspace, file.place, bytes);
+void DemoWriter::Put(const FilePlace& file, std::span<const std::byte> bytes,
+                     const FileDigest* digest) {
+  const Placed placed = PlaceFile(m_workspace, file.place, bytes, digest);
   Line& line = m_lines[file.use.pattern.empty() ? file.place : file.use.pattern];
   const bool kept = placed == Placed::kKept || placed == Placed::kThere;
   ++(kept ? line.kept : line.written);
   if (file.use.container != Container::kOther) line.what = FileFormat(file.use);
-}
-
-const std::vector<int16_t>& DemoWriter::Rendered(Sound sound, const harness::WaveFormat& format) {
-  auto& samples = m_rendered[{sound, format.rate, format.channels}];
-  if (samples.empty()) samples = Render(sound, format.rate, format.channels);
-  return samples;
-}
-
-std::vector<int16_t> DemoWriter::SentenceSamples(const SentenceName& sentence) {
-  if (!m_sentences) m_sentences.emplace();
-  if (sentence.place < 0) return m_sentences->Clean(sentence.number);
-  return m_sentences->Noisy(sentence.number, sentence.place, sentence.level);
 }
 
 void DemoWriter::Make(const StreamMaker& maker) {

@@ -13,6 +13,7 @@
 
 #include "base/usage_error.h"
 #include "files/beneath.h"
+#include "files/known_digest.h"
 #include "files/new_file.h"
 #include "files/regular_file.h"
 
@@ -45,7 +46,8 @@ There Look(const std::string& path, std::span<const std::byte> bytes) {
 }
 
 // errno; 0 when the bytes have their place. They replace nothing else than a part of them.
-int Write(int workspace, const std::string& place, std::span<const std::byte> bytes, bool replace) {
+int Write(int workspace, const std::string& place, std::span<const std::byte> bytes, bool replace,
+          const FileDigest* digest) {
   if (CreateParentsBeneath(workspace, place) != 0) return errno;
   const std::filesystem::path path(place);
   const std::string parent = path.has_parent_path() ? path.parent_path().string() : ".";
@@ -58,6 +60,7 @@ int Write(int workspace, const std::string& place, std::span<const std::byte> by
                          WriteAll(file.descriptor(), bytes.data(), bytes.size()) &&
                          file.Publish(replace);
     if (!written) error = errno;
+    if (written && digest != nullptr) NoteDigest(file.descriptor(), *digest);
   }
   close(folder);
   return error;
@@ -66,7 +69,7 @@ int Write(int workspace, const std::string& place, std::span<const std::byte> by
 }  // namespace
 
 Placed PlaceFile(const std::string& workspace, const std::string& place,
-                 std::span<const std::byte> bytes) {
+                 std::span<const std::byte> bytes, const FileDigest* digest) {
   const std::string path = workspace + "/" + place;
   const There there = Look(path, bytes);
   if (there == There::kOther) return Placed::kKept;
@@ -77,7 +80,7 @@ Placed PlaceFile(const std::string& workspace, const std::string& place,
   const int folder = OpenFolder(workspace);
   if (folder < 0) Refuse(path, errno);
   const bool replace = there == There::kPart;
-  const int fault = Write(folder, place, bytes, replace);
+  const int fault = Write(folder, place, bytes, replace, digest);
   close(folder);
   if (fault != 0) Refuse(path, fault);
   return replace ? Placed::kInPlaceOfAPart : Placed::kWritten;

@@ -85,6 +85,7 @@ void SuiteRunner::Start(size_t at) {
     return;
   }
   m_shared.ReadOf(one);
+  if (one.demo && m_suite.demo.render) m_suite.demo.render(FindRow(one.routine));
   try {
     m_running.emplace(at, CaseProcess(m_signals, [this, at] { return RunOneCase(m_suite, at); }));
   } catch (const std::system_error& error) {
