@@ -5,7 +5,10 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "cli/staging_options.h"
 
 namespace host {
 namespace {
@@ -65,6 +68,55 @@ TEST(Request, TakesNoOtherNumberOfSeconds) {
                 HasSubstr("not a number of seconds between 0 and 1000000: " + word));
   }
   EXPECT_THAT(Refusal({"run", "--linger-s=0"}), HasSubstr("not a number of seconds"));
+}
+
+TEST(Request, TakesWhatBecomesOfRecordings) {
+  for (const char* const command : {"run", "stage"}) {
+    const Case what =
+        Of({command, "Copy", "--in", "a.wav", "--in", "b=c.wav", "--start", "0.5", "--seconds", "2",
+            "--channels", "first", "--force", "--raw", "48000,2,s24"})
+            .run;
+    EXPECT_THAT(what.in, ElementsAre("a.wav", "b=c.wav"));
+    EXPECT_EQ(what.wishes.cut.start, 0.5);
+    EXPECT_EQ(what.wishes.cut.seconds, 2);
+    EXPECT_EQ(what.wishes.channels, ChannelChoice::kFirst);
+    EXPECT_TRUE(what.wishes.force);
+    EXPECT_EQ(what.wishes.raw->rate, 48000);
+    EXPECT_EQ(what.temporary, command == std::string("run"));
+  }
+  EXPECT_EQ(Of({"run", "--channels", "mean"}).run.wishes.channels, ChannelChoice::kMean);
+  const Case usual = Of({"run", "Copy", "--start", "0"}).run;
+  EXPECT_TRUE(usual.wishes.cut.Whole());
+  EXPECT_FALSE(usual.wishes.channels);
+  EXPECT_FALSE(usual.wishes.raw);
+  EXPECT_FALSE(usual.wishes.force);
+  EXPECT_FALSE(usual.temporary);
+  EXPECT_FALSE(Of({"run", "Copy", "--in", "a.wav", "--work", "w"}).run.temporary);
+}
+
+TEST(ParseRawForm, TakesARateChannelsAndAType) {
+  using Samples = RawForm::Samples;
+  for (const auto& [word, samples] :
+       {std::pair("s16", Samples::kS16), std::pair("s24", Samples::kS24),
+        std::pair("s32", Samples::kS32), std::pair("f32", Samples::kF32)}) {
+    const auto raw = ParseRawForm(std::string("1,64,") + word);
+    ASSERT_TRUE(raw) << word;
+    EXPECT_EQ(raw->rate, 1);
+    EXPECT_EQ(raw->channels, 64);
+    EXPECT_EQ(raw->samples, samples) << word;
+  }
+  EXPECT_EQ(ParseRawForm("768000,1,s16")->rate, 768000);
+  EXPECT_EQ(RawFormProblem("8000,1,s16"), "");
+}
+
+TEST(ParseRawForm, TakesNothingElse) {
+  for (const char* const word :
+       {"", "8000", "8000,1", "8000,1,", "8000,1,s8", "8000,1,S16", "8000,1,s16,", "8000,1,s161",
+        "8000,,s16", ",1,s16", "0,1,s16", "-1,1,s16", "768001,1,s16", "8000,0,s16", "8000,65,s16",
+        "8e3,1,s16", "8000;1,s16", "99999999999,1,s16", " 8000,1,s16"}) {
+    EXPECT_FALSE(ParseRawForm(word)) << word;
+    EXPECT_EQ(RawFormProblem(word), std::string("not RATE,CHANNELS,s16|s24|s32|f32: ") + word);
+  }
 }
 
 TEST(Request, TellsTheOtherCommandsApart) {

@@ -29,6 +29,13 @@ class FirstDifferenceTest : public testing::Test {
     return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
   }
 
+  // A text of 20 lines.
+  static std::string Lines() {
+    std::string text;
+    for (int i = 1; i <= 20; ++i) text += "delay " + std::to_string(7 * i) + " ms\n";
+    return text;
+  }
+
   TemporaryDirectory m_directory;
 };
 
@@ -78,6 +85,46 @@ TEST_F(FirstDifferenceTest, TellsAnotherFormat) {
             "is 8000 Hz mono, 16-bit, was 44100 Hz stereo, 16-bit");
 }
 
+TEST_F(FirstDifferenceTest, TellsAnotherSampleType) {
+  const std::string shorts = WavBytes({.rate = 8000}, std::vector<short>(800, 1));
+  std::string floats =
+      WavBytes({.tag = 3, .rate = 8000, .bits = 32, .blockAlign = 4}, std::vector<short>(1600, 1));
+  EXPECT_EQ(Of(shorts, floats, kWave), "is 8000 Hz mono, 32-bit float, was 8000 Hz mono, 16-bit");
+}
+
+TEST_F(FirstDifferenceTest, TellsTheZerosApart) {
+  const std::vector<float> before(16, 0.0F);
+  std::vector<float> now = before;
+  now[3] = -0.0F;
+  EXPECT_EQ(Of(Bytes(before), Bytes(now), kFloats),
+            "first at 0.1 ms (frame 1), right, by the sign of a zero; at most by the sign of a "
+            "zero");
+}
+
+TEST_F(FirstDifferenceTest, ComparesByByteWhatIsAudioOnlyOnce) {
+  const std::string wave = WavBytes({.rate = 8000}, std::vector<short>(8, 1));
+  std::string none = wave;
+  none[1] = 'x';
+  EXPECT_EQ(Of(wave, none, kWave), "first at byte 1");
+  EXPECT_EQ(Of(none, wave, kWave), "first at byte 1");
+}
+
+TEST_F(FirstDifferenceTest, ComparesByByteWhatIsTextOnlyOnce) {
+  const std::string text = Lines();
+  std::string none = text;
+  none.replace(3, 40, 40, '\0');
+  EXPECT_EQ(Of(text, none, kOther), "first at byte 3");
+  EXPECT_EQ(Of(none, text, kOther), "first at byte 3");
+}
+
+TEST_F(FirstDifferenceTest, SaysThatAFileCannotBeReadAgain) {
+  WriteFile("now", "text");
+  for (const auto& [before, now] : {std::pair("missing", "now"), std::pair("now", "missing")}) {
+    EXPECT_EQ(FirstDifference(before, now, kOther, [] { return true; }),
+              "differs, and cannot be read again");
+  }
+}
+
 TEST_F(FirstDifferenceTest, TellsThatOnlyTheHeaderDiffers) {
   const std::string before = WavBytes({.rate = 8000}, std::vector<short>(800, 1));
   std::string now = before;
@@ -87,12 +134,22 @@ TEST_F(FirstDifferenceTest, TellsThatOnlyTheHeaderDiffers) {
 }
 
 TEST_F(FirstDifferenceTest, ComparesTextsByLine) {
-  std::string before;
-  for (int i = 1; i <= 20; ++i) before += "delay " + std::to_string(7 * i) + " ms\n";
+  const std::string before = Lines();
   std::string now = before;
   now.replace(now.find("21 ms"), 2, "22");
   EXPECT_EQ(Of(before, now, kOther), "line 3 is \"delay 22 ms\", was \"delay 21 ms\"");
   EXPECT_EQ(Of(before, before + "end\n", kOther), "line 21 is \"end\", was no line");
+  EXPECT_EQ(Of(before + "end\n", before, kOther), "line 21 is no line, was \"end\"");
+  EXPECT_EQ(Of(before + "a\n\nb\n", before + "a\n\nc", kOther), "line 23 is \"c\", was \"b\"");
+  EXPECT_EQ(Of(before + "b\n", before + "b", kOther),
+            "first at byte " + std::to_string(before.size() + 1) + "; 1 byte shorter")
+      << "the lines are the same";
+}
+
+TEST_F(FirstDifferenceTest, CutsLongLines) {
+  const std::string most = Lines() + std::string(60, 'a');
+  EXPECT_EQ(Of(most + "\n", most + "b\n", kOther),
+            "line 21 is \"" + std::string(60, 'a') + "...\", was \"" + std::string(60, 'a') + "\"");
 }
 
 TEST_F(FirstDifferenceTest, ComparesOtherFilesByByte) {

@@ -215,6 +215,59 @@ TEST_F(ReplayTest, TellsAnotherEnd) {
   EXPECT_THAT(replay.out, HasSubstr("  end     the routine crashed; before, it came to its end\n"));
 }
 
+TEST_F(ReplayTest, TellsThatTheTimeWasUpBefore) {
+  CopyATone();
+  json report = Report();
+  report["problems"] = {{{"cause", "guard_warning"}}, {{"cause", "timeout"}}};
+  Rewrite(report);
+  EXPECT_THAT(Replay().out,
+              HasSubstr("  end     the routine came to its end; before, it ran out of time\n"));
+}
+
+TEST_F(ReplayTest, RunsWithoutAnInputThatWasNotThere) {
+  RunIt({"CopyIfThere", "out"});
+  EXPECT_EQ(Report()["inputs"][0]["sha256"]["reason"], "absent");
+  Put("fixed.in", "there since");
+  EXPECT_THAT(Replay().out, HasSubstr("same bytes")) << "it stays away";
+  json report = Report();
+  report["inputs"][0]["sha256"]["reason"] = "the time was up";
+  Rewrite(report);
+  ExpectCannot("input fixed.in has no hash in the report: the time was up");
+}
+
+TEST_F(ReplayTest, LeavesTheFilesAloneThatOutputsWentTo) {
+  WriteFile("song.wav", WavBytes({.rate = 8000}, Tone(997, 8000, 8000, 8000)));
+  RunIt({"Copy", "--in", "song.wav", "--out", "heard.wav"});
+  WriteFile("heard.wav", "edited since");
+  EXPECT_THAT(Replay().out, HasSubstr("same bytes"));
+  EXPECT_EQ(ReadFile("heard.wav"), "edited since");
+}
+
+TEST_F(ReplayTest, SaysThatAnOutputWasAddedTo) {
+  const std::string note =
+      "  note    an output was added to what was there before, which is not there now\n";
+  Put("log", "earlier");
+  RunIt({"AppendTo", "log"});
+  const Finished replay = Replay();
+  EXPECT_EQ(replay.exitCode, 1);
+  EXPECT_THAT(replay.out, HasSubstr(note));
+  CopyATone();
+  EXPECT_THAT(Replay().out, Not(HasSubstr(note)));
+}
+
+TEST_F(ReplayTest, TellsAnotherEngine) {
+  CopyATone();
+  PretendOutput("bench_work/out.pcm", "other");
+  json report = Report();
+  json& answers = report["engine"]["answers"];
+  ASSERT_FALSE(answers.empty());
+  answers[0]["build_id"] = {{"value", "abc"}};
+  const std::string name = answers[0]["name"];
+  Rewrite(report);
+  EXPECT_THAT(Replay().out,
+              ContainsRegex("  note    engine " + name + ", build id is [^,]*, was abc\n"));
+}
+
 TEST_F(ReplayTest, TellsWhatElseMayBeWhy) {
   CopyATone();
   PretendOutput("bench_work/out.pcm", "other");

@@ -134,6 +134,16 @@ TEST_F(ResultFileTest, KeepsTheRightsOfTheFileThatItReplaces) {
   EXPECT_EQ(fs::status("report.json").permissions(), fs::perms(0640));
 }
 
+TEST_F(ResultFileTest, GivesANewReportTheRightsThatTheMaskLeaves) {
+  for (const auto& [mask, rights] : {std::pair("000", 0666), std::pair("027", 0640)}) {
+    const Finished run = RunProcess(
+        {"/bin/sh", "-c",
+         std::string("umask ") + mask + "; exec " AUDIO_BENCH_PROBE " run Nothing --json " + mask});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(fs::status(mask).permissions(), fs::perms(rights)) << mask;
+  }
+}
+
 TEST_F(ResultFileTest, LeavesNoTemporaryFileWhateverEndsTheHost) {
   for (const int signal : {SIGKILL, SIGQUIT, SIGTERM, SIGINT, SIGHUP, SIGSEGV}) {
     fs::remove_all("bench_work");

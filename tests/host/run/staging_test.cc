@@ -216,4 +216,27 @@ TEST_F(StagingTest, AFolderServesWhatATextLists) {
   EXPECT_THAT(stage({"--in", "talks"}).err, HasSubstr("holds none of the 0 files"));
 }
 
+// Each is open while it is staged, and a process may not have that many open.
+TEST_F(StagingTest, StagesALongListInParts) {
+  fs::create_directory("sounds");
+  for (const char* const level : {"0", "5", "10"}) {
+    for (int i = 1; i <= 30; ++i) {
+      const std::string number = (i < 10 ? "0" : "") + std::to_string(i);
+      fs::copy_file("right.wav", "sounds/sp" + number + "_car_sn" + level + ".wav");
+    }
+  }
+  const Finished staged = RunProcess({"/bin/sh", "-c",
+                                      "ulimit -n 256; exec " AUDIO_BENCH
+                                      " stage TestDenoiseProcessNoizeus --in sounds --work w"});
+  EXPECT_EQ(staged.exitCode, 0) << staged.out << staged.err;
+  size_t files = 0;
+  for (const auto& entry : fs::recursive_directory_iterator("w")) {
+    files += entry.path().extension() == ".pcm" && entry.file_size() == 16000 ? 1 : 0;
+  }
+  EXPECT_EQ(files, 90U);
+  const std::string record = ReadFile("w/staged.json");
+  EXPECT_THAT(record, HasSubstr("sp01_car_sn0.wav"));
+  EXPECT_THAT(record, HasSubstr("sp30_car_sn10.wav"));
+}
+
 }  // namespace
