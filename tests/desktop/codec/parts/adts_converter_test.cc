@@ -73,6 +73,16 @@ TEST_P(ConvertToAdtsOf, GivesTheWholePacketsThatFit) {
   }
 }
 
+TEST(ConvertToAdts, GivesNothingOfNothing) {
+  const CapturedStderr log;
+  EXPECT_EQ(Converted("", INT_MAX), "");
+  unsigned char other = 0;
+  unsigned char* out = &other;
+  EXPECT_EQ(ConvertToAdts(nullptr, 5, INT_MAX, &out), 0);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(log.Text(), "");
+}
+
 TEST(MallocBytes, MovesRarelyHoweverSmallThePartsAre) {
   MallocBytes bytes(1000000);
   size_t moves = 0;

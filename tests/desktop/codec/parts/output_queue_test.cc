@@ -55,6 +55,15 @@ TEST(OutputQueue, GivesAPacketAtOnceThatJustFits) {
   EXPECT_EQ(call.Given(), Packet('a') + Packet('b', 1));
 }
 
+TEST(OutputQueue, GivesNothingWhereNothingWaits) {
+  OutputQueue frames(4);
+  OutputQueue packets = Packets();
+  for (OutputQueue* const queue : {&frames, &packets}) {
+    EXPECT_EQ(Call(*queue, 100).Given(), "");
+    EXPECT_EQ(Call(*queue, 0).Given(), "");
+  }
+}
+
 TEST(OutputQueue, KeepsTheFramesThatFindNoRoomInOrder) {
   OutputQueue frames(4);
   {

@@ -83,6 +83,17 @@ TEST(PacketEncoder, IsNoneWhereAPacketOfOrdinaryLengthWouldNotFit) {
   EXPECT_TRUE(PacketLengths(Coder::kAacLc, 32000, 8 * 1021 * 32000 / 1024 + 8).empty());
 }
 
+// The mode of the id says the length of its packets.
+TEST(PacketEncoder, HasOneBitRateAndAnyComplexityOfAmr) {
+  const auto encoder = PacketEncoder::Create({FindVariant(3), 16000, 1});
+  if (encoder == nullptr) GTEST_SKIP() << "built without AMR-WB";
+  EXPECT_FALSE(encoder->SetBitRate(23850));
+  EXPECT_TRUE(encoder->SetComplexity(5));
+  unsigned char packet[kMaxPacketBytes];
+  const Samples noise = Noise(encoder->blockSamples());
+  EXPECT_EQ(encoder->Encode(noise.data(), packet), 3U + 41U);
+}
+
 TEST(PacketDecoder, TakesThe1025BytesThatA2ByteHeaderCanTell) {
   const std::string packet = LongestPacket();
   ASSERT_EQ(packet.size(), 1025U);

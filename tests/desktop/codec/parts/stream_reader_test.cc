@@ -38,6 +38,18 @@ std::vector<std::string> Packets(int rawId) {
 
 }  // namespace
 
+TEST(StreamReader, GivesNothingBeforeItIsFed) {
+  LogOnce log;
+  for (const CodecSetup& setup : {SetupOf(2), CodecSetup{nullptr, 8000, 2}}) {
+    const auto reader = StreamReader::Create(setup, &log);
+    const short* block = nullptr;
+    EXPECT_EQ(reader->Next(&block), 0U);
+    reader->Feed("1234", 4);
+    reader->Feed(nullptr, 0);
+    EXPECT_EQ(reader->Next(&block), 0U) << "these bytes are gone";
+  }
+}
+
 // However many bytes there are of it, and wherever the buffer of 8192 bytes ends.
 TEST(StreamReader, FindsThePacketAfterAnyNumberOfOtherBytes) {
   const CapturedStderr log;
