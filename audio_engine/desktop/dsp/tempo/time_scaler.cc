@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "desktop/common/counts.h"
+#include "desktop/dsp/effect_math.h"
 #include "desktop/dsp/tempo/best_match.h"
 
 namespace desktop {
@@ -17,32 +18,30 @@ TimeScaler::TimeScaler(int rate, int channels)
     : m_channels(Size(channels)),
       m_overlap(FramesOf(rate, 10)),
       m_reach(FramesOf(rate, 12)),
-      m_long(FramesOf(rate, 30)),
-      m_short(FramesOf(rate, 20)),
+      m_usual(FramesOf(rate, 30)),
+      m_fast(FramesOf(rate, 40)),
+      m_mostPassed(FramesOf(rate, 60)),
       m_step(Size(std::max(rate / 11000, 1))),
-      m_fade(m_overlap),
+      m_fadeOut(m_overlap),
+      m_fadeIn(m_overlap),
       m_pattern(m_overlap * m_channels),
       m_field((2 * m_reach + m_overlap) * m_channels),
       m_faded(m_overlap) {
-  for (size_t i = 0; i < m_overlap; ++i) {
-    const double phase = M_PI * (Real(i) + 0.5) / Real(m_overlap);
-    m_fade[i] = static_cast<float>(0.5 - 0.5 * std::cos(phase));
-  }
   m_input.reserve(FramesOf(rate, 400) * m_channels);
 }
 
 void TimeScaler::SetSpeed(double speed) {
   if (speed == m_speed) return;
-  if (m_speed == 1) {
-    m_left = speed > 1.6 ? m_short : m_long;
-    m_target = Real(m_position) + Real(m_left) * speed;
-  }
+  const bool copied = m_speed == 1;
   m_speed = speed;
+  if (!copied) return;
+  m_left = Segment();
+  m_target = Real(m_position) + Real(m_left) * speed;
 }
 
 void TimeScaler::Put(const short* samples, size_t frames) {
   // The frames that a join may still look back at stay.
-  const size_t kept = m_long + 2 * m_reach;
+  const size_t kept = m_usual + 2 * m_reach;
   const size_t needed = std::min(m_position, m_faded < m_overlap ? m_fadingOut : m_position);
   if (needed > kept) {
     const size_t dropped = needed - kept;
@@ -76,6 +75,11 @@ void TimeScaler::Reset() {
   m_faded = m_overlap;
 }
 
+size_t TimeScaler::Segment() const {
+  if (m_speed <= 1.6) return m_usual;
+  return std::min(m_fast, static_cast<size_t>(Real(m_mostPassed) / (m_speed - 1)));
+}
+
 // Finds where the next segment begins. Returns false when the input does not reach that far yet.
 bool TimeScaler::Join() {
   const size_t low = static_cast<size_t>(std::max(std::floor(m_target) - Real(m_reach), 0.0));
@@ -91,10 +95,24 @@ bool TimeScaler::Join() {
     m_fadingOut = m_position;
     m_faded = 0;
     m_position = next;
+    ShapeFade(match.likeness);
   }
-  m_left = m_speed > 1.6 ? m_short : m_long;
+  m_left = Segment();
   m_target += Real(m_left) * m_speed;
   return true;
+}
+
+// Two stretches of equal power and this likeness, mixed with gains a and b, have the power
+// a * a + b * b + 2 * a * b * likeness. What is unlike is not raised beyond the sum of powers.
+void TimeScaler::ShapeFade(double likeness) {
+  const double alike = std::clamp(likeness, 0.0, 1.0);
+  for (size_t i = 0; i < m_overlap; ++i) {
+    const double in = 0.5 - 0.5 * std::cos(M_PI * (Real(i) + 0.5) / Real(m_overlap));
+    const double out = 1 - in;
+    const double level = std::sqrt(in * in + out * out + 2 * in * out * alike);
+    m_fadeIn[i] = static_cast<float>(in / level);
+    m_fadeOut[i] = static_cast<float>(out / level);
+  }
 }
 
 // Plays frames of this segment, over the rest of the one before while that fades.
@@ -103,10 +121,9 @@ void TimeScaler::Copy(short* out, size_t frames) {
   const size_t fading = std::min(frames, m_overlap - m_faded);
   const short* old = m_input.data() + m_fadingOut * m_channels;
   for (size_t i = 0; i < fading * m_channels; ++i) {
-    const float share = m_fade[m_faded + i / m_channels];
-    const int step = in[i] - old[i];
-    const float mixed = old[i] + share * static_cast<float>(step);
-    out[i] = static_cast<short>(std::lrint(mixed));
+    const size_t frame = m_faded + i / m_channels;
+    const float mixed = m_fadeOut[frame] * old[i] + m_fadeIn[frame] * in[i];
+    out[i] = ToSample(mixed);
   }
   std::copy(in + fading * m_channels, in + frames * m_channels, out + fading * m_channels);
   m_faded += fading;

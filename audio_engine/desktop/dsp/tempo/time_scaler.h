@@ -9,8 +9,9 @@ namespace desktop {
 // and Roelands, "An overlap-add technique based on waveform similarity for high quality time-scale
 // modification of speech", 1993) over a stream. Each segment of the output is a stretch of the
 // input, faded in over 10 ms where the input resembles what would have come next in every channel;
-// all channels are joined at the same places. At speed 1 it copies, sample by sample, with no delay
-// of its own.
+// all channels are joined at the same places. The fade keeps the power of what it joins, from equal
+// stretches to stretches that have nothing in common. At speed 1 it copies, sample by sample, with
+// no delay of its own.
 class TimeScaler {
  public:
   // rate: Hz, 8000 to 48000. channels: at least 1.
@@ -33,7 +34,9 @@ class TimeScaler {
 
  private:
   size_t Frames() const { return m_input.size() / m_channels; }
+  size_t Segment() const;
   bool Join();
+  void ShapeFade(double likeness);
   void Copy(short* out, size_t frames);
 
   const size_t m_channels;
@@ -42,13 +45,18 @@ class TimeScaler {
   const size_t m_overlap;
   const size_t m_reach;
 
-  // The length of a segment at speeds up to 1.6, and above, where more is passed over between two.
-  const size_t m_long;
-  const size_t m_short;
+  // The length of a segment at speeds up to 1.6, and above, where fewer joins sound smoother. There
+  // it is less at high speeds, so that no more than m_mostPassed is passed over between two.
+  const size_t m_usual;
+  const size_t m_fast;
+  const size_t m_mostPassed;
 
   // The coarse step of the search.
   const size_t m_step;
-  std::vector<float> m_fade;
+
+  // The gains of the segment before and of this one, frame by frame of the fade.
+  std::vector<float> m_fadeOut;
+  std::vector<float> m_fadeIn;
 
   // Interleaved: what would come next, and where the like of it is looked for.
   std::vector<float> m_pattern;
