@@ -18,19 +18,19 @@ namespace host {
 enum class PageRank { kFailed, kWorse, kWarned, kUndecided, kBetter, kSame, kNotRun };
 
 struct PageCase {
-  Json record = Json();  // As results.json has it.
+  Json record = {};  // As results.json has it.
   PageRank rank = PageRank::kSame;
   CaseChange change = {};
   // Its figures and guards, which `change` tells of, by their order.
   std::vector<std::pair<std::string, std::string>> guards = {};  // Name and file.
-  Json before = Json();                                          // Its record in the other run.
+  Json before = {};                                              // Its record in the other run.
 };
 
 struct PageRun {
   std::string path = {};                       // As it was given.
   std::string folder = {};                     // That paths of results.json are relative to.
   bool report = false;                         // Of one run.
-  Json header = Json();                        // All of results.json but its cases; or the report.
+  Json header = {};                            // All of results.json but its cases; or the report.
   std::map<std::string, size_t> counts = {};   // By verdict; a known failure is "known" alone.
   std::map<std::string, size_t> changes = {};  // By the word of the change, "gone" among them.
   size_t total = 0;
@@ -39,7 +39,7 @@ struct PageRun {
   // Of what it is compared with.
   std::string against = {};  // As it was given; empty for nothing.
   std::string againstFolder = {};
-  Json againstHeader = Json();
+  Json againstHeader = {};
   std::optional<Comparison> comparison = {};
 };
 

@@ -42,7 +42,7 @@ struct PageAudio {
 };
 
 struct Player {
-  Json json = Json();  // Null where the output cannot be heard.
+  Json json = {};  // Null where the output cannot be heard.
   std::vector<PageAudio> audio = {};
   std::vector<std::string> notes = {};  // What cannot be heard, and what is not as it was.
 };

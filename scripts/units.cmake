@@ -1,0 +1,30 @@
+# Compiles sources behind each other in one unit, which is quicker: those of a target that AUDIO_TESTER_UNITS,
+# written by scripts/tidy, puts together. For builds from nothing; where sources change, each is better
+# compiled alone.
+include(${AUDIO_TESTER_UNITS})
+
+function(compile_in_units directory)
+  get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target IN LISTS targets)
+    get_target_property(type ${target} TYPE)
+    get_target_property(folder ${target} SOURCE_DIR)
+    get_target_property(sources ${target} SOURCES)
+    if(type STREQUAL "UTILITY" OR type STREQUAL "INTERFACE_LIBRARY" OR NOT sources)
+      continue()
+    endif()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    foreach(source IN LISTS sources)
+      cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${folder} NORMALIZE)
+      cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE name)
+      if(DEFINED "UNIT_OF_${name}")
+        set_property(SOURCE ${source} TARGET_DIRECTORY ${target}
+                     PROPERTY UNITY_GROUP "${UNIT_OF_${name}}")
+      endif()
+    endforeach()
+  endforeach()
+  get_property(folders DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
+  foreach(folder IN LISTS folders)
+    compile_in_units(${folder})
+  endforeach()
+endfunction()
+compile_in_units(${PROJECT_SOURCE_DIR})
