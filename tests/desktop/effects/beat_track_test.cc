@@ -150,6 +150,20 @@ TEST(BeatTrack, IsNotDeafenedByALoudBeginning) {
   }
 }
 
+// A metronome has few onsets, each far above all else that it does.
+TEST(BeatTrack, FollowsASlowMetronome) {
+  std::vector<short> clicks(size_t{20} * 22050);
+  for (size_t second = 0; second < 20; ++second) clicks[second * 22050 + 3000] = 20000;
+  const Listener listener = Listen(clicks, 22050, 1, 220);
+  // It may begin at twice the tempo.
+  const auto from = std::find_if(listener.times.begin(), listener.times.end(),
+                                 [](double time) { return time > 8; });
+  EXPECT_NEAR(static_cast<double>(listener.times.end() - from), 12, 1);
+  for (auto time = from; time != listener.times.end(); ++time) {
+    EXPECT_NEAR(*time, std::round(*time) + 3000 / 22050.0, 0.04);
+  }
+}
+
 // A drummer who drags once by 45 ms is caught up with over a few beats, neither at one blow nor
 // slower.
 TEST(BeatTrack, CatchesUpWithADragInSteps) {

@@ -26,10 +26,11 @@ constexpr float kToothFade = 0.92F;
 constexpr float kPull = 0.35F;
 constexpr size_t kWeightReach = 3;  // Onset values.
 
-// One onset in twenty values is usual; one that stands so much above these counts no more than
-// that. A crash, or the first sound after silence, would outweigh the beats of the next 10 s.
-constexpr double kUsualShare = 0.05;
-constexpr float kMostOfUsual = 1.5F;
+// The loudest onset of a second is usual where half of the seconds have one as loud; none counts
+// for more than this much of it. A crash, or the first sound after silence, would outweigh the
+// beats of the next 10 s.
+constexpr float kMostOfUsual = 3.0F;
+constexpr float kLeastOfLoudest = 0.01F;  // A second below it has no onset.
 
 // There is no beat where no tempo has this score.
 constexpr float kMinRhythm = 0.15F;
@@ -56,7 +57,9 @@ BeatFollower::BeatFollower(double step)
       m_weights(m_capacity),
       m_recent(m_capacity),
       m_correlation(static_cast<size_t>(4 * 60 / kSlowest / step) + 2),
-      m_scores(Tempi()) {}
+      m_scores(Tempi()) {
+  m_loudest.reserve(static_cast<size_t>(kHistorySeconds) + 1);
+}
 
 void BeatFollower::Put(float onset, float weight) {
   // Both count, so that neither every cymbal nor only the bass drum is heard. Above the mean of
@@ -117,11 +120,19 @@ float BeatFollower::Correlation(double lag) const {
 }
 
 void BeatFollower::SetLimit(size_t length) {
-  for (size_t i = 0; i < length; ++i) m_recent[i] = m_onsets[(m_count - length + i) % m_capacity];
-  const auto usual =
-      m_recent.begin() + static_cast<std::ptrdiff_t>((1 - kUsualShare) * Real(length - 1));
-  std::nth_element(m_recent.begin(), usual, m_recent.begin() + Offset(length));
-  m_limit = kMostOfUsual * *usual;
+  const auto second = static_cast<size_t>(1 / m_step);
+  m_loudest.clear();
+  for (size_t age = 0; age + second <= length; age += second) {
+    float loudest = 0;
+    for (size_t i = 0; i < second; ++i) {
+      loudest = std::max(loudest, m_onsets[(m_count - 1 - age - i) % m_capacity]);
+    }
+    m_loudest.push_back(loudest);
+  }
+  std::sort(m_loudest.begin(), m_loudest.end());
+  const auto heard =
+      std::upper_bound(m_loudest.begin(), m_loudest.end(), kLeastOfLoudest * m_loudest.back());
+  m_limit = kMostOfUsual * heard[(m_loudest.end() - heard - 1) / 2];
 }
 
 void BeatFollower::UpdateTempo() {

@@ -60,6 +60,7 @@ class BeatFollower {
 
   // What an onset counts at most.
   float m_limit = std::numeric_limits<float>::max();
+  std::vector<float> m_loudest;  // Of each second.
 
   // A straight copy of the onsets for the autocorrelation, newest last.
   std::vector<float> m_recent;
