@@ -20,8 +20,14 @@ higher_is_better = true
 rates = [8000, 16000]
 timeout_s = 60
 )",
-          "[measure.a]\ncommand = [\"./a.sh\", \"{input}\"]\npattern = '(\\d+)'\n"
-          "[measure.b_2]\ncommand = [\"b\"]\npattern = \"([0-9])\"\nhigher_is_better = false\n",
+          R"toml([measure.a]
+command = ["./a.sh", "{input}"]
+pattern = '(\d+)'
+[measure.b_2]
+command = ["b"]
+pattern = "([0-9])"
+higher_is_better = false
+)toml",
           "measure = 5\n",
           "[measure]\nx = 1\n",
           "[margins]\nsnr = 0.1\n"};
