@@ -132,6 +132,8 @@ void BeatFollower::SetLimit(size_t length) {
   std::sort(m_loudest.begin(), m_loudest.end());
   const auto heard =
       std::upper_bound(m_loudest.begin(), m_loudest.end(), kLeastOfLoudest * m_loudest.back());
+  m_limit = 0;
+  if (heard == m_loudest.end()) return;
   m_limit = kMostOfUsual * heard[(m_loudest.end() - heard - 1) / 2];
 }
 
