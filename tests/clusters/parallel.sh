@@ -27,9 +27,13 @@ run_shards() {
     --resume --out $dir/{}" ::: $(seq $shards) >"$folder/parallel.txt" 2>&1 </dev/null || true
 }
 
-merge() { "$probe" merge $(seq -f "$1/%g" $shards) --out "$2" >"$folder/merge.txt" 2>&1 || true; }
+merge() {
+  "$probe" merge $(seq -f "$1/%g" $shards) --out "$2" >"$folder/merge.txt" 2>&1 || true
+  [[ -e $2/results.json ]] || { cat "$folder/parallel.txt" "$folder/merge.txt" >&2; exit 1; }
+}
 
-export HOME=$folder
+# As a login gives them: parallel asks the shell of its user how to quote for a host.
+export HOME=$folder SHELL=/bin/bash
 cd "$folder"
 write_suite
 write_bench
