@@ -1,6 +1,7 @@
 #include "recording/delivery.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -129,6 +130,22 @@ std::string EndingFault(const std::string& to, Container container, const std::s
   return "cannot write " + to + ": " +
          (ending.empty() ? "it has no ending" : "\"" + ending + "\" stands for no kind of file") +
          "; there are .wav, .flac, .ogg and .raw";
+}
+
+std::string PlaceFault(const std::string& to) {
+  Place place = PlaceAt(to);
+  if (place.fault.empty()) {
+    struct stat folder;
+    const char* const path = place.folder.c_str();
+    if (stat(path, &folder) != 0) {
+      place.fault = FaultText(errno);
+    } else if (!S_ISDIR(folder.st_mode)) {
+      place.fault = FaultText(ENOTDIR);
+    } else if (access(path, W_OK | X_OK) != 0) {
+      place.fault = FaultText(errno);
+    }
+  }
+  return place.fault.empty() ? "" : "cannot write " + to + ": " + place.fault;
 }
 
 Delivery DeliverOutput(const DeliveredOutput& output, const std::string& to,

@@ -26,6 +26,9 @@ struct DeliveredOutput {
 // kind. Empty when it is. `own` is the name of the output.
 std::string EndingFault(const std::string& to, Container container, const std::string& own);
 
+// Why nothing can be written at this place, as far as can be known before. Empty when it can.
+std::string PlaceFault(const std::string& to);
+
 struct Delivery {
   std::vector<StagingStep> steps = {};
   std::optional<RecordingFault> fault =

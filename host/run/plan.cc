@@ -62,7 +62,8 @@ void FillIn(Plan& plan) {
   plan.takers = NameFiles("--out", plan.what.out, plan.outputs);
   for (const NamedFile& taker : plan.takers.files) {
     const FilePlace& output = plan.outputs[taker.index];
-    const std::string fault = EndingFault(taker.path, output.use.container, output.name);
+    std::string fault = EndingFault(taker.path, output.use.container, output.name);
+    if (fault.empty()) fault = PlaceFault(taker.path);
     if (!fault.empty()) throw UsageError{fault};
   }
   RefuseSharedFiles(plan.inputs, plan, [] {});

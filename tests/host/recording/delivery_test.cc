@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <sndfile.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -121,6 +122,22 @@ TEST_F(DeliveryTest, OtherEndingsStandForNothing) {
   EXPECT_EQ(EndingFault("heard.FLAC", Container::kWave, "out.wav"), "");
   EXPECT_EQ(EndingFault("heard.aac", Container::kOther, "out.aac"), "");
   EXPECT_EQ(EndingFault("heard.dat", Container::kWave, "out.dat"), "");
+}
+
+TEST_F(DeliveryTest, SaysBeforeWhereNothingCanBeWritten) {
+  fs::create_directory("folder.wav");
+  WriteFile("file", "");
+  EXPECT_EQ(PlaceFault("heard.wav"), "");
+  EXPECT_EQ(PlaceFault("./heard.wav"), "");
+  EXPECT_EQ(PlaceFault("absent/heard.wav"),
+            "cannot write absent/heard.wav: No such file or directory");
+  EXPECT_EQ(PlaceFault("file/heard.wav"), "cannot write file/heard.wav: Not a directory");
+  fs::create_directory("closed");
+  fs::permissions("closed", fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_EQ(PlaceFault("closed/heard.wav"),
+            geteuid() == 0 ? "" : "cannot write closed/heard.wav: Permission denied");
+  EXPECT_EQ(PlaceFault("folder.wav"),
+            "cannot write folder.wav: there is something else than a file");
 }
 
 TEST_F(DeliveryTest, FollowsALinkAndKeepsTheRights) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "run/run_fixture.h"
+#include "support/file_size_limit.h"
 #include "support/tone.h"
 #include "support/wav_bytes.h"
 
@@ -123,10 +124,19 @@ TEST_F(StagingTest, AnOutputOfARunThatFailedIsNotHandedOut) {
   EXPECT_EQ(ReadFile("heard.raw"), "earlier");
 }
 
-TEST_F(StagingTest, AResultThatCannotBeWrittenIsAProblemOfTheRun) {
+TEST_F(StagingTest, AResultWithoutAPlaceIsRefusedBeforeTheRun) {
   const Finished run = Run({"Copy", "--in", "right.wav", "--out", "absent/heard.wav"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_THAT(run.out, HasSubstr("cannot write absent/heard.wav: No such file or directory"));
+  EXPECT_EQ(run.err, "audio_bench: cannot write absent/heard.wav: No such file or directory\n");
+  EXPECT_TRUE(Kept().empty());
+}
+
+TEST_F(StagingTest, AResultThatCannotBeWrittenIsAProblemOfTheRun) {
+  // There is room for the samples, not for a header before them.
+  const FileSizeLimit limit(16000 + 43);
+  const Finished run = Run({"Copy", "--in", "right.wav", "--out", "heard.wav"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.out, HasSubstr("cannot write heard.wav: File too large"));
   EXPECT_EQ(Kept().size(), 1u);
 }
 
