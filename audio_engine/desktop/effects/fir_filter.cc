@@ -123,12 +123,12 @@ class ContinuousFilter final : public zuwebrtc::FIRFilter {
     const float* directTaps = m_coefficients.data() + m_fastTaps;
     const size_t count = m_coefficients.size() - m_fastTaps;
     if (m_fast == nullptr) {
-      desktop::Convolve(block, samples, directTaps, count, out);
+      desktop::Convolve(block, samples, directTaps, count, nullptr, out);
       return;
     }
     m_fast->Filter(block, samples, out);
     if (count == 0) return;
-    desktop::Convolve(block - m_fastTaps, samples, directTaps, count, m_direct.data());
+    desktop::Convolve(block - m_fastTaps, samples, directTaps, count, nullptr, m_direct.data());
     for (size_t i = 0; i < samples; ++i) out[i] += m_direct[i];
   }
 

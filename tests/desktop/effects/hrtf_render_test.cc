@@ -124,8 +124,8 @@ TEST_F(HrtfRenderTest, EqualsAConvolutionInDoublePrecision) {
       LargestDifference(Channel(output, 0), Convolve(Channel(noise, 0), left, frames));
   const double rightError =
       LargestDifference(Channel(output, 1), Convolve(Channel(noise, 1), right, frames));
-  EXPECT_LT(leftError, 1e-6);
-  EXPECT_LT(rightError, 1e-6);
+  EXPECT_LT(leftError, 2e-7);
+  EXPECT_LT(rightError, 2e-7);
 }
 
 TEST_F(HrtfRenderTest, TurnsAnImpulseIntoTheResponseOfItsEar) {

@@ -7,11 +7,17 @@
 //   y1[k] = (h0 * x0)[k] + (h1 * x1)[k] + ((h0 - h1) * (x1 - x0))[k]
 //
 // This is the form with differences, not the one with h0 + h1 and x0 + x1: neighbouring samples of
-// sound are alike, so that the third convolution stays small, and its rounding with it.
+// sound are alike, so that the third convolution stays small, and its rounding with it. What is
+// loud in the convolutions cancels between them all the same, but not its rounding: so the loudest
+// coefficients of each are taken apart and added exactly.
 
 #include "desktop/dsp/filters/fast_fir.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numeric>
+#include <optional>
 #include <vector>
 
 #include "desktop/dsp/filters/fir_kernel.h"
@@ -21,6 +27,34 @@ namespace desktop {
 namespace {
 
 using Floats = std::vector<float>;
+
+// Takes the largest coefficients out of a response, as multiples of a power of two of which all of
+// them together have at most 64. Samples of 16 bits and the differences of up to three steps are
+// multiples of 2^-15 below 2^3, so that a sum of their products is a whole number below 2^24 of
+// units, which a float holds exactly. None of a response that is silent, not finite or shorter.
+std::optional<LoudTaps> TakeLoudTaps(Floats& coefficients) {
+  const auto isFinite = [](float value) { return std::isfinite(value); };
+  if (coefficients.size() < kLoudTaps || !std::ranges::all_of(coefficients, isFinite)) return {};
+  std::vector<size_t> order(coefficients.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::ranges::partial_sort(order, order.begin() + kLoudTaps, std::greater(),
+                            [&](size_t tap) { return std::abs(coefficients[tap]); });
+  double sum = 0;
+  for (size_t i = 0; i < kLoudTaps; ++i) sum += std::abs(double{coefficients[order[i]]});
+  if (!std::isnormal(static_cast<float>(sum))) return {};
+
+  // Each may be rounded up by half a unit.
+  constexpr double kMostUnits = 64 - kLoudTaps / 2.0;
+  const double unit = std::exp2(std::ceil(std::log2(sum / kMostUnits)));
+  LoudTaps loud{};
+  for (size_t i = 0; i < kLoudTaps; ++i) {
+    float& coefficient = coefficients[order[i]];
+    loud.at[i] = order[i];
+    loud.value[i] = static_cast<float>(std::nearbyint(double{coefficient} / unit) * unit);
+    coefficient -= loud.value[i];
+  }
+  return loud;
+}
 
 // One of the convolutions of a step.
 class Stage {
@@ -41,6 +75,7 @@ class DirectStage final : public Stage {
  public:
   DirectStage(const float* coefficients, size_t count, size_t maxSamples)
       : m_coefficients(coefficients, coefficients + count),
+        m_loud(TakeLoudTaps(m_coefficients)),
         m_samples(count - 1 + kCallsPerMove * maxSamples + kPairSlack),
         m_end(count - 1) {}
 
@@ -57,7 +92,8 @@ class DirectStage final : public Stage {
   // Whole vectors are faster than a part of one.
   void FilterPlaced(size_t samples, float* out) override {
     const size_t whole = (samples + kWhole - 1) / kWhole * kWhole;
-    Convolve(&m_samples[m_end], whole, m_coefficients.data(), m_coefficients.size(), out);
+    Convolve(&m_samples[m_end], whole, m_coefficients.data(), m_coefficients.size(),
+             m_loud ? &*m_loud : nullptr, out);
     m_end += samples;
   }
 
@@ -66,7 +102,8 @@ class DirectStage final : public Stage {
   static constexpr size_t kWhole = kConvolveOverread;  // A multiple of every vector's length.
   static_assert(kPairSlack >= kWhole - 1 + kConvolveOverread);
 
-  const Floats m_coefficients;
+  Floats m_coefficients;  // Without the loud ones.
+  const std::optional<LoudTaps> m_loud;
   Floats m_samples;
   size_t m_end;  // Where the next samples go, right after the history.
 };

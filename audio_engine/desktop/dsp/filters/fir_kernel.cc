@@ -76,9 +76,27 @@ HWY_INLINE void AddSharedTaps(const float* in, const float* coefficients, Vector
   });
 }
 
+// Adds the loud taps to kRows vectors of totals, with one rounding where their own sum is exact.
+template <size_t kRows>
+HWY_INLINE void AddLoudTaps(const float* in, const LoudTaps& loud, Vector (&totals)[kRows]) {
+  const Tag d;
+  Vector values[kLoudTaps];
+  Unroll(std::make_index_sequence<kLoudTaps>(),
+         [&](auto tap) HWY_ATTR { values[tap] = hn::Set(d, loud.value[tap]); });
+  Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR {
+    const float* samples = in + kLanes * row;
+    Vector sum = hn::Mul(hn::LoadU(d, samples - loud.at[0]), values[0]);
+    Unroll(std::make_index_sequence<kLoudTaps - 1>(), [&](auto tap) HWY_ATTR {
+      sum = hn::MulAdd(hn::LoadU(d, samples - loud.at[tap + 1]), values[tap + 1], sum);
+    });
+    totals[row] = hn::Add(totals[row], sum);
+  });
+}
+
 // Computes kRows * kLanes outputs.
 template <size_t kRows>
-void ConvolveTile(const float* in, const float* coefficients, size_t count, float* out) {
+void ConvolveTile(const float* in, const float* coefficients, size_t count, const LoudTaps* loud,
+                  float* out) {
   const Tag d;
   // A low tile has too few sums to keep the multipliers busy: it makes two partial sums at a time.
   constexpr size_t kChains = 2 * kRows <= kMaxRows && 2 * kStepsPerSum <= kLanes ? 2 : 1;
@@ -114,11 +132,13 @@ void ConvolveTile(const float* in, const float* coefficients, size_t count, floa
     }
   }
 
+  if (loud != nullptr) AddLoudTaps(in, *loud, totals);
   Unroll(std::make_index_sequence<kRows>(),
          [&](auto row) HWY_ATTR { hn::StoreU(totals[row], d, out + kLanes * row); });
 }
 
-using Tile = void (*)(const float* in, const float* coefficients, size_t count, float* out);
+using Tile = void (*)(const float* in, const float* coefficients, size_t count,
+                      const LoudTaps* loud, float* out);
 
 template <size_t... kIndex>
 constexpr std::array<Tile, sizeof...(kIndex)> Tiles(std::index_sequence<kIndex...>) {
@@ -128,7 +148,8 @@ constexpr std::array<Tile, sizeof...(kIndex)> Tiles(std::index_sequence<kIndex..
 // These are the tiles of 1 row, of 2 rows and so on.
 constexpr auto kTiles = Tiles(std::make_index_sequence<kMaxRows>());
 
-void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
+void Convolve(const float* in, size_t length, const float* coefficients, size_t count,
+              const LoudTaps* loud, float* out) {
   while (length > 0) {
     // All tiles get about the same height, because a low one wastes loads.
     const size_t rows = (length + kLanes - 1) / kLanes;
@@ -137,10 +158,10 @@ void Convolve(const float* in, size_t length, const float* coefficients, size_t 
     const size_t samples = std::min(length, height * kLanes);
     const Tile tile = kTiles[height - 1];
     if (samples == height * kLanes) {
-      tile(in, coefficients, count, out);
+      tile(in, coefficients, count, loud, out);
     } else {
       float whole[kMaxRows * kLanes];
-      tile(in, coefficients, count, whole);
+      tile(in, coefficients, count, loud, whole);
       std::memcpy(out, whole, samples * sizeof(float));
     }
     in += samples;
@@ -160,8 +181,9 @@ namespace desktop {
 
 HWY_EXPORT(Convolve);
 
-void Convolve(const float* in, size_t length, const float* coefficients, size_t count, float* out) {
-  HWY_DYNAMIC_DISPATCH(Convolve)(in, length, coefficients, count, out);
+void Convolve(const float* in, size_t length, const float* coefficients, size_t count,
+              const LoudTaps* loud, float* out) {
+  HWY_DYNAMIC_DISPATCH(Convolve)(in, length, coefficients, count, loud, out);
 }
 
 }  // namespace desktop
