@@ -75,6 +75,45 @@ TEST(RateChanger, LeavesMostOfASoundAsItIs) {
   }
 }
 
+// The shortest time from join to join, in ms: the copied samples between two fades, and a fade.
+double ShortestSegment(const Places& places, const Shorts& out) {
+  size_t shortest = out.size();
+  size_t run = 0;
+  bool afterFade = false;
+  for (size_t i = 1; i + 4 <= out.size(); ++i) {
+    const bool copied = places.Has(&out[i]) && places.Has(&out[i - 1]) &&
+                        places.Of(&out[i]) == places.Of(&out[i - 1]) + 1;
+    if (copied) {
+      ++run;
+    } else if (run > 0) {
+      if (afterFade) shortest = std::min(shortest, run);
+      afterFade = true;
+      run = 0;
+    }
+  }
+  constexpr double kFadeMs = 10;
+  return static_cast<double>(shortest) / kRate * 1000 + kFadeMs;
+}
+
+// Slow sounds are smoother when joins come as soon as they are needed, those that are a little
+// faster when there are few.
+TEST(RateChanger, JoinsAsOftenAsTheSpeedNeeds) {
+  const Shorts in = Noise(6);
+  const Places places(in);
+  for (const auto& [ratio, ms] : {std::pair{0.25, 20.0},
+                                  {0.5, 20.0},
+                                  {0.65, 28.5},
+                                  {0.8, 30.0},
+                                  {1.1, 50.0},
+                                  {1.25, 50.0},
+                                  {1.35, 37.1},
+                                  {1.5, 30.0},
+                                  {2.0, 40.0},
+                                  {3.0, 30.0}}) {
+    EXPECT_NEAR(ShortestSegment(places, Play(ratio, in)), ms, 0.7) << ratio;
+  }
+}
+
 // What has just been played came in at most 100 ms ago, beyond the block that has just come.
 TEST(RateChanger, PlaysNothingOlderThanItsHeaderSays) {
   const Shorts in = Noise(4);

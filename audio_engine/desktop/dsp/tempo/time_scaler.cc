@@ -18,8 +18,12 @@ TimeScaler::TimeScaler(int rate, int channels)
     : m_channels(Size(channels)),
       m_overlap(FramesOf(rate, 10)),
       m_reach(FramesOf(rate, 12)),
+      m_short(FramesOf(rate, 20)),
       m_usual(FramesOf(rate, 30)),
       m_fast(FramesOf(rate, 40)),
+      m_long(FramesOf(rate, 50)),
+      m_fewRepeated(FramesOf(rate, 10)),
+      m_fewPassed(FramesOf(rate, 13)),
       m_mostPassed(FramesOf(rate, 60)),
       m_step(Size(std::max(rate / 11000, 1))),
       m_fadeOut(m_overlap),
@@ -76,8 +80,12 @@ void TimeScaler::Reset() {
 }
 
 size_t TimeScaler::Segment() const {
-  if (m_speed <= 1.6) return m_usual;
-  return std::min(m_fast, static_cast<size_t>(Real(m_mostPassed) / (m_speed - 1)));
+  const auto lengthFor = [&](size_t jump) {
+    return static_cast<size_t>(Real(jump) / std::abs(m_speed - 1));
+  };
+  if (m_speed < 1) return std::clamp(lengthFor(m_fewRepeated), m_short, m_usual);
+  if (m_speed <= 1.6) return std::clamp(lengthFor(m_fewPassed), m_usual, m_long);
+  return std::min(m_fast, lengthFor(m_mostPassed));
 }
 
 // Finds where the next segment begins. Returns false when the input does not reach that far yet.

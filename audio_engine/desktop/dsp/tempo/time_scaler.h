@@ -45,10 +45,17 @@ class TimeScaler {
   const size_t m_overlap;
   const size_t m_reach;
 
-  // The length of a segment at speeds up to 1.6, and above, where fewer joins sound smoother. There
-  // it is less at high speeds, so that no more than m_mostPassed is passed over between two.
+  // How much is played before the next join is looked for. To play on fits best, so that a sound is
+  // joined only where that lies beyond the reach. Below speed 1 it is as much as repeats
+  // m_fewRepeated, within m_short and m_usual: soon enough that only little has to be repeated. Up
+  // to 1.6 it is as much as passes over m_fewPassed, within m_usual and m_long; above, m_fast, or
+  // what passes over m_mostPassed if that is less.
+  const size_t m_short;
   const size_t m_usual;
   const size_t m_fast;
+  const size_t m_long;
+  const size_t m_fewRepeated;
+  const size_t m_fewPassed;
   const size_t m_mostPassed;
 
   // The coarse step of the search.
