@@ -7,6 +7,7 @@
 
 #include "engine_api/aec/audio_buffer.h"
 #include "support/captured_stderr.h"
+#include "support/signals.h"
 #include "support/talk.h"
 #include "support/tone.h"
 
@@ -114,6 +115,24 @@ TEST(AecMobile, CancelsEchoAtEveryRateAndKnowsItsDelay) {
   }
 }
 
+// Only the lowest band is cancelled; the others are turned down as much as its upper half is.
+TEST(AecMobile, TakesEchoOutOfTheUpperBands) {
+  for (const int rate : {32000, 48000}) {
+    const Samples far = Talk(rate, 6, 1);
+    const Samples near = Sum(Echo(far, rate, 80), Hiss(rate, 6, 2, -85));
+    const Samples out = Late(Canceller(rate, kBoth).Run(far, near), rate / 60);
+    const auto middle = [&](const Samples& samples) {
+      return ToShorts(OctaveBand(OctaveBand(ToDoubles(samples), 5500, rate), 5500, rate));
+    };
+    const auto high = [&](const Samples& samples) {
+      return ToShorts(HighPassed(ToDoubles(samples), 9000, rate));
+    };
+    const double middleLoss = LossDb(middle(near), middle(out), rate, 3, 6);
+    EXPECT_GT(middleLoss, 30) << rate;
+    EXPECT_NEAR(LossDb(high(near), high(out), rate, 3, 6), middleLoss, 5) << rate;
+  }
+}
+
 TEST(AecMobile, IsLateByExactly48SamplesAt8KilohertzWithNoiseSuppressionAlone) {
   const Samples speech = Talk(8000, 4, 3);
   Canceller canceller(8000, kNoiseOnly);
@@ -207,9 +226,12 @@ TEST(AecMobile, SaysWhatIsWrong) {
   EXPECT_EQ(AecMobile_getDelay(handle), -1);
   {
     CapturedStderr log;
-    EXPECT_EQ(AecMobile_Init(handle, 44100, 44100, 44100), AECMOBILE_BAD_PARAMETER);
+    for (const int rate : {0, 11025, 24000, 44100, 64000, 96000}) {
+      EXPECT_EQ(AecMobile_Init(handle, rate, rate, rate), AECMOBILE_BAD_PARAMETER) << rate;
+    }
     EXPECT_EQ(AecMobile_Init(handle, 16000, 8000, 16000), AECMOBILE_BAD_PARAMETER);
-    EXPECT_EQ(log.Lines().size(), 2u);
+    EXPECT_EQ(AecMobile_Init(handle, 16000, 16000, 8000), AECMOBILE_BAD_PARAMETER);
+    EXPECT_EQ(log.Lines().size(), 8u);
   }
   EXPECT_EQ(AecMobile_Init(handle, 16000, 16000, 16000), AECMOBILE_NO_ERROR);
   EXPECT_EQ(AecMobile_BufferFarend(handle, samples, 80), AECMOBILE_BAD_PARAMETER);

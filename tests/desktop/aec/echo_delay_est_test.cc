@@ -106,6 +106,20 @@ TEST(EchoDelayEst, LearnsNothingOfANearEndThatIsSilent) {
   }
 }
 
+// Nor of what a sensitive microphone makes of a loudspeaker that only hums.
+TEST(EchoDelayEst, LearnsNothingOfAFarEndThatIsSilent) {
+  const Samples far = Talk(16000, 5, 16);
+  CEchoDelayEst estimator(16000, 1);
+  const int known = Delays(estimator, far, Echo(far, 16000, 150), 16000, 160).back();
+  const Samples faint = Talk(16000, 5, 17, -80);
+  EXPECT_GT(LevelDb(faint, 16000, 0, 5), -96);
+  EXPECT_LT(LevelDb(faint, 16000, 0, 5), -78);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(Delays(estimator, faint, Echo(faint, 16000, 60, 26), 16000, 160),
+                testing::Each(known));
+  }
+}
+
 TEST(EchoDelayEst, FollowsAMovingTalkerWithin4Seconds) {
   const Samples far = Talk(16000, 10, 13);
   Samples near = Echo(far, 16000, 60);
@@ -124,6 +138,10 @@ TEST(EchoDelayEst, TakesTheEndThatStopsForSilent) {
   const Samples more = Talk(16000, 5, 15);
   EXPECT_EQ(estimator.ProcessNear(more.data(), static_cast<int>(more.size())), 0);
   EXPECT_NEAR(estimator.GetDelay(), 90, 8);
+  // The last second of the other end may still come; then both belong together again.
+  EXPECT_EQ(estimator.ProcessFar(more.data(), 16384 - 1600), 0);
+  const Samples then = Talk(16000, 6, 18);
+  EXPECT_NEAR(Delays(estimator, then, Echo(then, 16000, 140), 16000, 160).back(), 140, 8);
 }
 
 TEST(EchoDelayEst, RefusesWhatItCannotTakeWithOneLine) {

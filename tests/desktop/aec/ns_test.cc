@@ -98,6 +98,34 @@ TEST(Ns, StartsAfreshWhenItIsInitialised) {
   EXPECT_EQ(Ns_Free(handle), 0);
 }
 
+// What waited for the rest of its frame, and what waited to be handed out, belong to the channels
+// before.
+TEST(Ns, ForgetsWhatWaitsWhenTheChannelsChange) {
+  Samples in(11000);
+  const Samples speech = Talk(22050, 1, 7);
+  in.insert(in.end(), speech.begin(), speech.end());
+  int lags[2] = {};
+  for (const bool changes : {false, true}) {
+    void* handle = nullptr;
+    Ns_Create(&handle);
+    Ns_Init(handle, 22050);
+    const Samples loud = Hiss(22050, 2, 8, -10);
+    for (size_t at = 0; changes && at < size_t{100} * 441; at += 441) {
+      Samples out(441);
+      EXPECT_EQ(Ns_Process2(handle, &loud[at], out.data(), 2), 0);
+    }
+    Samples out(in.size());
+    for (size_t at = 0; at + 220 <= in.size(); at += 220) {
+      EXPECT_EQ(Ns_Process2(handle, &in[at], &out[at], 1), 0);
+    }
+    Ns_Free(handle);
+    // The first two blocks may hold the end of the sound before.
+    EXPECT_LT(LevelDb(out, 22000, 0.02, 0.5), -80);
+    lags[changes ? 1 : 0] = FindLag(in, out, 500).samples;
+  }
+  EXPECT_EQ(lags[1], lags[0]);
+}
+
 TEST(Ns, RefusesWhatIsNotAsSaid) {
   void* handle = nullptr;
   short block[480] = {};

@@ -5,7 +5,10 @@
 #include <vector>
 
 #include "engine_api/aec/software_aec.h"
+#include "engine_api/common/wav_reader.h"
 #include "module_frames.h"
+#include "support/captured_stderr.h"
+#include "support/temporary_directory.h"
 
 namespace {
 
@@ -59,6 +62,37 @@ TEST(SoftwareAec, StartsAfreshWhenItIsReset) {
   EXPECT_NE(Process(module, far, kMono16, near, kMono16), first);
   EXPECT_TRUE(module.ResetPreProc(16000));
   EXPECT_EQ(Process(module, far, kMono16, near, kMono16), first);
+}
+
+TEST(SoftwareAec, DenoisesAtTheNewRateAsBefore) {
+  const Samples noise = Hiss(8000, 6, 35, -40);
+  double level[3] = {};
+  for (const int step : {0, 1, 2}) {
+    SoftwareAec module;
+    EXPECT_TRUE(module.EnableDenoise(step > 0));
+    EXPECT_TRUE(module.SetNewNsOn(step > 1));
+    EXPECT_TRUE(module.SetFsAndCh(8000, 1, APMFSCHSEL));
+    const Samples out = Process(module, Samples(noise.size()), kMono8, noise, kMono8);
+    level[step] = LevelDb(out, 8000, 4, 6);
+  }
+  EXPECT_NEAR(level[0], -40, 0.5);
+  EXPECT_LT(level[1], level[0] - 7);
+  EXPECT_LT(level[2], level[1] - 3);
+}
+
+TEST(SoftwareAec, RecordsOnWhenItIsReset) {
+  const TemporaryDirectory directory;
+  const CapturedStderr log;
+  const Samples far = Talk(16000, 1, 36);
+  SoftwareAec module;
+  EXPECT_TRUE(module.EnableLogSoftAecData(true, "call"));
+  Process(module, far, kMono16, far, kMono16);
+  EXPECT_TRUE(module.ResetPreProc(16000));
+  EXPECT_TRUE(module.SetFsAndCh(16000, 1, APMFSCHSEL));
+  Process(module, far, kMono16, far, kMono16);
+  EXPECT_TRUE(module.EnableLogSoftAecData(false, nullptr));
+  zuwebrtc::WavReader reader("call_far.wav");
+  EXPECT_EQ(reader.num_samples(), 2 * far.size());
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
+#include "engine_api/aec/webrtc_aec.h"
 #include "engine_api/common/wav_reader.h"
 #include "module_frames.h"
 #include "support/captured_stderr.h"
@@ -85,6 +87,37 @@ TEST(SoftwareAec, ImprovesDoubleTalk) {
   EXPECT_GT(SdrDb(speech, out, 16000, 2, 112), SdrDb(speech, near, 16000, 2, 0) + 4);
 }
 
+// It is for loudspeakers in the same room, so it suppresses as much as the canceller can.
+TEST(SoftwareAec, SuppressesAsMuchAsTheCancellerCan) {
+  const Samples far = Talk(16000, 8, 15);
+  Samples near = Sum(Echo(far, 16000, 60), Hiss(16000, 8, 16, -65));
+  for (short& sample : near) sample = static_cast<short>(std::clamp<int>(sample, -700, 900));
+  const auto loss = [&](const Samples& out) { return LossDb(near, Late(out, 112), 16000, 3, 8); };
+  double direct[3] = {};
+  for (const int mode : {kAecNlpModerate, kAecNlpAggressive}) {
+    void* handle = nullptr;
+    WebRtcAec_Create(&handle);
+    WebRtcAec_Init(handle, 16000, 16000);
+    AecConfig config = {};
+    config.nlpMode = static_cast<int16_t>(mode);
+    WebRtcAec_set_config(handle, config);
+    Samples out;
+    for (size_t at = 0; at < near.size(); at += 160) {
+      const std::vector<float> farBlock(&far[at], &far[at] + 160);
+      std::vector<float> block(&near[at], &near[at] + 160);
+      float* const place = block.data();
+      WebRtcAec_BufferFarend(handle, farBlock.data(), 160);
+      WebRtcAec_Process(handle, &place, 1, &place, 160, 60, 0);
+      for (const float sample : block) out.push_back(static_cast<short>(sample));
+    }
+    WebRtcAec_Free(handle);
+    direct[mode] = loss(out);
+  }
+  SoftwareAec module;
+  EXPECT_GT(direct[kAecNlpAggressive], direct[kAecNlpModerate] + 1);
+  EXPECT_NEAR(loss(Process(module, far, kMono16, near, kMono16)), direct[kAecNlpAggressive], 0.3);
+}
+
 TEST(SoftwareAec, CleansWithoutAFarEnd) {
   const Samples speech = Talk(16000, 1, 6);
   SoftwareAec module;
@@ -155,6 +188,14 @@ TEST(SoftwareAec, LeavesAFrameOfAnUnknownFormatAsItIs) {
   EXPECT_EQ(module.ProcessCaptureAudio(frame, false, true), -1);
   EXPECT_EQ(module.ProcessRenderAudio(frame, false), -1);
   EXPECT_TRUE(std::equal(frame.data_, frame.data_ + 160, before.data_));
+  const Samples noise = Hiss(16000, 0.2, 9, -20);
+  for (const Format format : {Format{96000, 1}, {7900, 1}, {48000, 3}}) {
+    AudioFrame other = Frame(noise.data(), format);
+    const AudioFrame same = other;
+    EXPECT_EQ(module.ProcessRenderAudio(other, false), -1) << format.rate;
+    EXPECT_EQ(module.ProcessCaptureAudio(other, false, true), -1) << format.rate;
+    EXPECT_TRUE(std::equal(other.data_, other.data_ + 1440, same.data_)) << format.rate;
+  }
   AudioFrame none;
   EXPECT_EQ(module.ProcessCaptureAudio(none, false, true), -1);
 }
@@ -177,8 +218,8 @@ TEST(SoftwareAec, LearnsTheEchoPathAnewWhenToldTo) {
   EXPECT_TRUE(module.ResetPreProc(16000));
   {
     CapturedStderr refusal;
-    EXPECT_FALSE(module.ResetPreProc(0));
-    EXPECT_EQ(refusal.Lines().size(), 1u);
+    for (const unsigned rate : {0U, 7999U, 48001U, 96000U}) EXPECT_FALSE(module.ResetPreProc(rate));
+    EXPECT_EQ(refusal.Lines().size(), 4u);
   }
   EXPECT_GT(Erle(module, kMono16, kMono16), 30);
 }

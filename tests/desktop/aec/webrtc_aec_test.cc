@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/captured_stderr.h"
@@ -120,22 +121,48 @@ TEST_F(WebRtcAec, FollowsADelayThatBecomesShort) {
   EXPECT_GT(LossDb(Noisy(far, 5), RunShorts(far, Noisy(far, 5), 5), kRate, 3, 8), at5 - 3);
 }
 
-TEST_F(WebRtcAec, IgnoresADelayThatDoesNotLast) {
+// Where somebody talks at the near end, only a filter that reaches the echo takes it.
+TEST_F(WebRtcAec, FollowsADelayThatChangesInDoubleTalk) {
+  const Samples far = Talk(kRate, 8, 13);
+  const Samples speech = Talk(kRate, 8, 17);
+  const auto talking = [&](int delay) { return Sum(Echo(far, kRate, delay, 0), speech); };
+  for (const auto& [before, after] : {std::pair<int16_t, int16_t>{5, 340}, {250, 160}}) {
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+    RunShorts(far, talking(before), before);
+    const Samples near = talking(after);
+    const Samples out = RunShorts(far, near, after);
+    EXPECT_GT(SdrDb(speech, out, kRate, 3, 0), SdrDb(speech, near, kRate, 3, 0) + 6) << after;
+  }
+}
+
+// What devices say wavers by some milliseconds, and of a change that is none the path is not learnt
+// anew.
+TEST_F(WebRtcAec, IgnoresADelayThatDoesNotLastAndOneThatHardlyChanges) {
   const Samples far = Talk(kRate, 8, 15);
-  const Samples near = Noisy(far, 5);
-  const std::vector<float> steady = Run(far, near, 5);
-  EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
   const auto part = [](const Samples& all, size_t begin, size_t end) {
     return Samples(all.begin() + static_cast<ptrdiff_t>(begin * kBlock),
                    all.begin() + static_cast<ptrdiff_t>(end * kBlock));
   };
-  std::vector<float> out;
-  for (const auto& [begin, end, delay] :
-       {std::tuple<size_t, size_t, int16_t>{0, 200, 5}, {200, 201, 300}, {201, 800, 5}}) {
-    const std::vector<float> some = Run(part(far, begin, end), part(near, begin, end), delay);
-    out.insert(out.end(), some.begin(), some.end());
+  struct Told {
+    int16_t usual;
+    int16_t other;
+    size_t blocks;
+  };
+  for (const Told& told : {Told{5, 300, 1}, {55, 62, 300}, {62, 55, 300}}) {
+    const Samples near = Noisy(far, told.usual);
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+    const std::vector<float> steady = Run(far, near, told.usual);
+    EXPECT_EQ(WebRtcAec_Init(m_handle, kRate, kRate), 0);
+    std::vector<float> out;
+    const size_t back = 200 + told.blocks;
+    for (const auto& [begin, end, delay] : {std::tuple<size_t, size_t, int16_t>{0, 200, told.usual},
+                                            {200, back, told.other},
+                                            {back, 800, told.usual}}) {
+      const std::vector<float> some = Run(part(far, begin, end), part(near, begin, end), delay);
+      out.insert(out.end(), some.begin(), some.end());
+    }
+    EXPECT_EQ(out, steady) << told.other;
   }
-  EXPECT_EQ(out, steady);
 }
 
 TEST_F(WebRtcAec, StaysWithin16BitsAndTakesAnyDelayWithoutALine) {

@@ -119,6 +119,18 @@ TEST(Agc, AsksForMoreVolumeOfAQuietMicrophoneInTheAnalogMode) {
   EXPECT_EQ(digital.volume, 100);
 }
 
+// The knob of a microphone has two ends.
+TEST(Agc, AsksForNoVolumeThatThereIsNot) {
+  Agc quiet(kAgcModeAdaptiveAnalog);
+  quiet.volume = 250;
+  quiet.Run(Talk(kRate, 3, 8, -50), true);
+  EXPECT_EQ(quiet.volume, 255);
+  Agc loud(kAgcModeAdaptiveAnalog);
+  loud.volume = 5;
+  loud.Run(Talk(kRate, 3, 9, -8), true);
+  EXPECT_EQ(loud.volume, 0);
+}
+
 TEST(Agc, WarnsOfSaturation) {
   Samples samples(kBlock * 4);
   samples[200] = 32767;
@@ -144,7 +156,7 @@ TEST(Agc, LearnsNothingOfEcho) {
 
 TEST(VirtualMic, KeepsItsLevelInRange) {
   Agc agc(kAgcModeAdaptiveDigital);
-  Samples block = Talk(kRate, 0.01, 13);
+  Samples block = Tone(500, 8000, kRate, kBlock);
   int16_t* const band = block.data();
   int32_t level = -1;
   EXPECT_EQ(WebRtcAgc_VirtualMic(agc.Handle(), &band, 1, kBlock, 300, &level), 0);
@@ -153,16 +165,19 @@ TEST(VirtualMic, KeepsItsLevelInRange) {
   EXPECT_EQ(level, 0);
 }
 
+// 0 stands for a microphone that is not known yet: it is taken to be in the middle.
 TEST(VirtualMic, LeavesABlockAsItIsAtLevel0) {
   Agc agc(kAgcModeAdaptiveDigital);
-  Samples block = Talk(kRate, 0.01, 11);
+  Samples block = Tone(500, 8000, kRate, kBlock);
   const Samples before = block;
   int16_t* const band = block.data();
   int32_t level = -1;
   EXPECT_EQ(WebRtcAgc_VirtualMic(agc.Handle(), &band, 1, kBlock, 0, &level), 0);
   EXPECT_EQ(block, before);
-  EXPECT_GE(level, 0);
-  EXPECT_LE(level, 255);
+  EXPECT_EQ(level, 127);
+  EXPECT_EQ(WebRtcAgc_VirtualMic(agc.Handle(), &band, 1, kBlock, 1, &level), 0);
+  EXPECT_EQ(level, 1);
+  EXPECT_LT(Peak(block), 1000);
 }
 
 TEST(VirtualMic, IsAVolumeControl) {
@@ -195,10 +210,12 @@ TEST(Agc, RefusesWhatIsNotAsSaid) {
   EXPECT_EQ(WebRtcAgc_set_config(handle, {3, 0, 1}), -1);
   {
     CapturedStderr log;
-    EXPECT_EQ(WebRtcAgc_Init(handle, 0, 255, kAgcModeAdaptiveDigital, 44100), -1);
+    for (const uint32_t rate : {0U, 11025U, 24000U, 44100U, 96000U}) {
+      EXPECT_EQ(WebRtcAgc_Init(handle, 0, 255, kAgcModeAdaptiveDigital, rate), -1) << rate;
+    }
     EXPECT_EQ(WebRtcAgc_Init(handle, 0, 255, 4, kRate), -1);
     EXPECT_EQ(WebRtcAgc_Init(handle, 255, 0, kAgcModeAdaptiveDigital, kRate), -1);
-    EXPECT_EQ(log.Lines().size(), 3u);
+    EXPECT_EQ(log.Lines().size(), 7u);
   }
   EXPECT_EQ(WebRtcAgc_Init(handle, 0, 255, kAgcModeAdaptiveDigital, kRate), 0);
   {

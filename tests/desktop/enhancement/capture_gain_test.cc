@@ -128,6 +128,19 @@ TYPED_TEST(CaptureGain, GoesOnWhenItIsSwitchedOnAgain) {
   EXPECT_EQ(other, quiet);
 }
 
+TYPED_TEST(CaptureGain, StartsAfreshWhenItWasOff) {
+  const Samples quiet = Talk(16000, 3, 13, -45);
+  TypeParam control(16000, 1);
+  Samples runs[2];
+  for (Samples& out : runs) {
+    control.EnableAGC(true);
+    out = quiet;
+    for (size_t at = 0; at + 160 <= out.size(); at += 160) control.Block(&out[at]);
+    control.EnableAGC(false);
+  }
+  EXPECT_EQ(runs[1], runs[0]);
+}
+
 TYPED_TEST(CaptureGain, PassesWhatItDoesNotKnowWithOneLine) {
   CapturedStderr log;
   const Samples noise = Hiss(96000, 0.1, 7, -50);
