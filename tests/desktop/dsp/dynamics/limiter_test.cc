@@ -188,6 +188,44 @@ TEST(Limiter, MeasuresPowerWhenAskedTo) {
   EXPECT_LT(Peak(Processed(parameter, {clicks}, 48000)[0]), 0.8);
 }
 
+// A sine of 1 kHz through a limiter that has heard others before.
+Doubles SineThrough(desktop::Limiter& limiter, double decibels, int rate, double seconds) {
+  const Doubles sine = Sine(1000, decibels, rate, seconds);
+  std::vector<float> row(sine.begin(), sine.end());
+  float* const rows[] = {row.data()};
+  limiter.Process(rows, 1, row.size(), rate);
+  return {row.begin(), row.end()};
+}
+
+// A loud sound of one format does not make a quiet one of the next format softer.
+TEST(Limiter, ForgetsTheSoundOfAnotherFormat) {
+  LimiterParameter parameter = kVoice;
+  parameter.fRelease = 1000;
+  desktop::Limiter limiter;
+  limiter.SetParameter(parameter);
+  SineThrough(limiter, 6, 48000, 0.1);
+  desktop::Limiter fresh;
+  fresh.SetParameter(parameter);
+  const Doubles quiet = SineThrough(fresh, -20, 44100, 0.1);
+  EXPECT_NEAR(Decibels(SteadyPeak(quiet)), -20 + 7, 0.1);
+  EXPECT_EQ(SineThrough(limiter, -20, 44100, 0.1), quiet);
+}
+
+// A tone of one level is brought to each threshold that is set, though its level stays.
+TEST(Limiter, TakesANewThresholdInASteadySound) {
+  for (const auto& [before, after] : {std::pair{-3.0F, -12.0F}, {-12.0F, -3.0F}}) {
+    LimiterParameter parameter = {0, before, 0, 20, 0, 1, 1, 0, 0, 1, 0};
+    desktop::Limiter limiter;
+    double peak = 0;
+    for (const float threshold : {before, after}) {
+      parameter.fCeiling = parameter.fThreshold = threshold;
+      limiter.SetParameter(parameter);
+      peak = SteadyPeak(SineThrough(limiter, -1, 48000, 0.5));
+    }
+    EXPECT_NEAR(Decibels(peak), after, 0.1);
+  }
+}
+
 TEST(Limiter, LinksTheChannels) {
   LimiterParameter parameter = kVoice;
   parameter.fPreGain = 0;
