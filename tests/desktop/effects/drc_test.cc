@@ -262,4 +262,18 @@ TEST(MultibandDrcTest, StartsAnewWithEveryInit) {
   EXPECT_EQ(ProcessFrames(drc, noise, 44100, 1), first);
 }
 
+// One channel after two, and two after one, at the same rate: all of them are compressed, and from
+// the start.
+TEST(MultibandDrcTest, StartsAnewWithOtherChannels) {
+  const Shorts mono = ToShorts(WhiteNoise(22050, 0.8, 1));
+  const Shorts stereo = Interleaved(mono, mono);
+  MultibandDrc drc;
+  drc.Init();
+  const Shorts alone = ProcessFrames(drc, mono, 44100, 1);
+  const Shorts both = ProcessFrames(drc, stereo, 44100, 2);
+  EXPECT_EQ(Channel(both, 2, 0), alone);
+  EXPECT_EQ(Channel(both, 2, 1), alone);
+  EXPECT_EQ(ProcessFrames(drc, mono, 44100, 1), alone);
+}
+
 }  // namespace

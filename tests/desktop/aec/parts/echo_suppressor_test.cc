@@ -88,6 +88,27 @@ TEST(EchoSuppressor, LeavesTheNearEndBesideTheNoiseOfAFarEnd) {
   EXPECT_LT(made.blocksWithEcho, 60);
 }
 
+// Where the filter doubts all that is left, nothing of it is to be understood.
+TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
+  // Pauses so long that no noise is found in the room.
+  Samples far = Hiss(kRate, 6, 11, -10);
+  for (size_t i = 0; i < far.size(); ++i) {
+    if (i % 12800 >= 1600) far[i] = 0;
+  }
+  desktop::EchoSuppressor suppressor(kBlock);
+  const std::vector<float> doubt(kBlock + 1, 1e12f);
+  const std::vector<float> echo(kBlock);
+  Samples out;
+  for (size_t at = 0; at + kBlock <= far.size(); at += kBlock) {
+    std::vector<float> block(&far[at], &far[at] + kBlock);
+    suppressor.Hear(block.data());
+    suppressor.Process(echo.data(), doubt, kDelay, block.data());
+    out.insert(out.end(), block.begin(), block.end());
+  }
+  out.erase(out.begin(), out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
+  EXPECT_NEAR(LossDb(far, out, kRate, 2, 6), 50, 2);
+}
+
 TEST(EchoSuppressor, PutsNoiseInThePlaceOfEcho) {
   const Samples far = Hiss(kRate, 8, 9, -25);
   Samples echo = Echo(Clipped(far, -1000, 1200), kRate, 60, 0);
