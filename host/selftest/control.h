@@ -56,6 +56,7 @@ struct Control {
 };
 
 std::vector<Control> LevelControls();
+std::vector<Control> TruePeakControls();
 std::vector<Control> LoudnessControls();
 std::vector<Control> AlignmentControls();
 std::vector<Control> ReferenceControls();
@@ -65,6 +66,7 @@ std::vector<Control> EnhancementControls();
 std::vector<Control> EchoControls();
 std::vector<Control> CodecControls();
 std::vector<Control> TimeControls();
+std::vector<Control> TempoControls();
 std::vector<Control> InputControls();
 
 // All of them.

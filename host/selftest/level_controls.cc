@@ -55,6 +55,7 @@ std::vector<Control> PeakControls() {
            return Of(samples);
          },
          {{"peak", Decibels(0.8), 1e-4},
+          {"true_peak", Decibels(0.8), 1e-4},
           {"rms", Decibels(0.8) - 10 * std::log10(4800.0), 1e-4},
           {"crest", 10 * std::log10(4800.0), 1e-4},
           {"dc", -0.8 / 4800, 1e-9}}});

@@ -87,9 +87,10 @@ audio_measures::Inputs Scene::Inputs() const {
 const std::vector<Control>& AllControls() {
   static const std::vector<Control> all = [] {
     std::vector<Control> controls;
-    for (const auto part : {LevelControls, LoudnessControls, AlignmentControls, ReferenceControls,
-                            SpectralControls, IntelligibilityControls, EnhancementControls,
-                            EchoControls, CodecControls, TimeControls, InputControls}) {
+    for (const auto part :
+         {LevelControls, TruePeakControls, LoudnessControls, AlignmentControls, ReferenceControls,
+          SpectralControls, IntelligibilityControls, EnhancementControls, EchoControls,
+          CodecControls, TimeControls, TempoControls, InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

@@ -1,0 +1,202 @@
+#include <cmath>
+#include <numbers>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr double kStep = 0.01;  // s
+const char* const kNothing = "nothing that repeats itself";
+
+// Something that sets in: one sample, or soft bursts of these tones.
+struct Onset {
+  double time = 0;  // s
+  std::vector<double> tones = {};
+};
+
+// A bell of 20 ms to either side of the time, so that a tone is heard in its own band alone.
+void AddTone(Samples& samples, int rate, double time, double hz) {
+  constexpr double kDeviation = 0.02;  // s
+  for (size_t i = 0; i < samples.size(); ++i) {
+    const double away = static_cast<double>(i) / rate - time;
+    if (std::abs(away) > 5 * kDeviation) continue;
+    const double bell = std::exp(-away * away / (2 * kDeviation * kDeviation));
+    samples[i] += static_cast<float>(0.1 * bell * std::sin(2 * std::numbers::pi * hz * away));
+  }
+}
+
+Samples Sounding(int rate, double seconds, const std::vector<Onset>& onsets) {
+  Samples samples(Frames(rate, seconds));
+  for (const Onset& onset : onsets) {
+    if (onset.tones.empty()) samples[Frames(rate, onset.time)] = 0.5F;
+    for (const double hz : onset.tones) AddTone(samples, rate, onset.time, hz);
+  }
+  return samples;
+}
+
+// What sets in so seldom that no other two of them lie a beat of 40 BPM or less apart: pairs, each
+// so many steps of 10 ms apart, then single ones.
+struct Sparse {
+  std::vector<int> pairs = {};
+  size_t singles = 0;
+  std::vector<double> pairTones = {};
+  std::vector<double> singleTones = {};
+  bool steady = false;  // Beside a tone of 7 kHz that raises the floor to 53 dB below the bursts.
+};
+
+std::vector<Onset> OnsetsOf(const Sparse& sparse) {
+  std::vector<Onset> onsets;
+  int place = 30;  // Steps.
+  const auto add = [&](int after, const std::vector<double>& tones) {
+    place += after;
+    onsets.push_back({place * kStep, tones});
+  };
+  // Gaps that grow, so that no two distances are the same.
+  int gap = 161;
+  for (const int apart : sparse.pairs) {
+    add(gap, sparse.pairTones);
+    add(apart, sparse.pairTones);
+    gap += 11;
+  }
+  for (size_t i = 0; i < sparse.singles; ++i) {
+    add(gap, sparse.singleTones);
+    gap += 11;
+  }
+  return onsets;
+}
+
+const char* const kSparseTheory =
+    "Onsets that lie more than a beat of 40 BPM apart but for the pairs among them: the "
+    "autocorrelation is the number of pairs over that of onsets, to a sixth. Where nothing repeats "
+    "itself two, four and eight beats on, what is read there is 3 steps off at most, over so many "
+    "beats: 3.1 steps with the half of one beat.";
+
+// steps: of the beat, 0 where there is none.
+Control SparseControl(const std::string& name, const Sparse& sparse, int steps, double seconds,
+                      int rate = kRate) {
+  Control control = {name,
+                     kSparseTheory,
+                     [=] {
+                       Samples samples = Sounding(rate, seconds, OnsetsOf(sparse));
+                       if (sparse.steady) samples = Sum(samples, Sine(rate, seconds, 7000, 0.3));
+                       return Scene{.output = {rate, {std::move(samples)}}};
+                     },
+                     {}};
+  if (steps == 0) {
+    control.expected = {{.measure = "tempo", .reason = kNothing}};
+  } else {
+    const double bpm = 60 / (steps * kStep);
+    control.expected = {{"tempo", bpm, bpm * 3.1 / (steps - 3.1)}};
+  }
+  return control;
+}
+
+std::vector<Control> Limits() {
+  return {SparseControl("pairs 0.25 s apart", {{25, 25, 25, 25}}, 25, 20),
+          SparseControl("pairs 0.24 s apart", {{24, 24, 24, 24}}, 0, 20),
+          SparseControl("pairs 1.5 s apart", {{150, 150, 150, 150}}, 150, 20),
+          SparseControl("pairs 1.52 s apart", {{152, 152, 152, 152}}, 0, 20)};
+}
+
+// 1 for 0.5 s, exp(-1 / 2) for 1 s and for 0.25 s.
+std::vector<Control> Likelihoods() {
+  return {
+      SparseControl("three pairs 1 s apart, three 0.5 s", {{100, 100, 100, 50, 50, 50}}, 50, 30),
+      SparseControl("six pairs 1 s apart, two 0.5 s", {{100, 100, 100, 100, 100, 100, 50, 50}}, 100,
+                    40),
+      SparseControl("three pairs 0.25 s apart, three 0.5 s", {{25, 25, 25, 50, 50, 50}}, 50, 30),
+      SparseControl("six pairs 0.25 s apart, two 0.5 s", {{25, 25, 25, 25, 25, 25, 50, 50}}, 25,
+                    40)};
+}
+
+// It takes 8 over the root of the steps, a tenth at least: 0.30 in 7 s, 0.11 in 56 s.
+std::vector<Control> Thresholds() {
+  return {SparseControl("one pair of three onsets in 7.06 s", {{50}, 1}, 50, 7.06),
+          SparseControl("one pair of four onsets in 7.06 s", {{50}, 2}, 0, 7.06),
+          SparseControl("one pair of six onsets in 140 s", {{50}, 4}, 50, 140, 8000),
+          SparseControl("one pair of twelve onsets in 140 s", {{50}, 10}, 0, 140, 8000)};
+}
+
+Control Jittered() {
+  Control control = SparseControl("eight pairs from 0.47 to 0.53 s apart",
+                                  {{47, 49, 51, 53, 47, 49, 51, 53}}, 50, 40);
+  control.theory =
+      "Bells of nine steps make one peak of what lies within six steps, twice as high as any of "
+      "the four would be, from 0.49 to 0.51 s; two, four and eight beats on nothing repeats "
+      "itself.";
+  control.expected.front().tolerance = 120 * 4.1 / (50 - 4.1);
+  return control;
+}
+
+// The first of two clicks at 16 kHz, where windows have 1024 samples, 64 ms.
+Control FirstWindow(double first, bool heard) {
+  Control control = {
+      "a click after " + std::to_string(first) + " s, and one 0.5 s later",
+      "What is in the first window sets in before it: there is one onset or two.",
+      [first] {
+        return Scene{.output = {kRate, {Sounding(kRate, 20, {{first}, {first + 0.5}})}}};
+      },
+      {}};
+  if (heard) {
+    control.expected = {{"tempo", 120, 6}};
+  } else {
+    control.expected = {{.measure = "tempo", .reason = kNothing}};
+  }
+  return control;
+}
+
+// Eight beats last this many steps.
+Control EightBeats(double steps) {
+  const double beat = steps * kStep / 8;
+  return {"eight beats in " + std::to_string(steps) + " steps",
+          "Over eight beats the mean of the onsets' distances is known to a twentieth of a step, "
+          "as the bell that they are smoothed by is nearly a parabola at its top.",
+          [beat] {
+            std::vector<Onset> onsets;
+            for (double time = 0.1; time < 29.9; time += beat) onsets.push_back({time});
+            return Scene{.output = {kRate, {Sounding(kRate, 30, onsets)}}};
+          },
+          {{"tempo", 60 / beat, 60 / beat * 0.05 / steps}}};
+}
+
+// At this share of the way from 60 Hz to 8 kHz in octaves.
+double Between(double share) { return 60 * std::pow(8000.0 / 60, share); }
+
+std::vector<Control> InBands() {
+  const double low = Between(18.5 / 24);
+  return {SparseControl("pairs in two bands among ten onsets in one",
+                        {{50}, 10, {low, Between(19.5 / 24)}, {low}, true}, 50, 28),
+          SparseControl("pairs at both ends of a band among ten onsets in it",
+                        {{50}, 10, {Between(18.15 / 24), Between(18.85 / 24)}, {low}, true}, 0, 28),
+          SparseControl("pairs at 5 kHz among onsets at 2 kHz", {{50, 50}, 2, {5000}, {2000}, true},
+                        50, 20),
+          SparseControl("pairs at 12 kHz among onsets at 2 kHz",
+                        {{50, 50}, 2, {12000}, {2000}, true}, 50, 20, 48000),
+          SparseControl("pairs at 18 kHz among onsets at 2 kHz",
+                        {{50, 50}, 2, {18000}, {2000}, true}, 0, 20, 48000)};
+}
+
+}  // namespace
+
+std::vector<Control> TempoControls() {
+  std::vector<Control> controls = {
+      Jittered(),         FirstWindow(0.05, false), FirstWindow(0.08, true),
+      EightBeats(400.25), EightBeats(399.6),        EightBeats(400.5)};
+  for (const auto part : {Limits, Likelihoods, Thresholds, InBands}) {
+    for (Control& each : part()) controls.push_back(std::move(each));
+  }
+  controls.push_back({"six seconds of clicks",
+                      "Six seconds are enough.",
+                      [] {
+                        std::vector<Onset> onsets;
+                        for (int i = 0; i < 11; ++i) onsets.push_back({0.2 + 0.5 * i});
+                        return Scene{.output = {kRate, {Sounding(kRate, 6, onsets)}}};
+                      },
+                      {{"tempo", 120, 0.1}}});
+  return controls;
+}
+
+}  // namespace host
