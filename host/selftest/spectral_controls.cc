@@ -212,6 +212,19 @@ Control SoftBand() {
       {{"band_difference_worst", 10, 0.05}}};
 }
 
+Control LostBand() {
+  return {"a tone 80 dB below another, gone",
+          "Bands more than 60 dB below the strongest bin of the block do not count; those around "
+          "the strong tone are as they were.",
+          [] {
+            const int rate = 16000;
+            const Samples noise = WhiteNoise(Frames(rate, 3), 1e-7, 36);
+            const Samples strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
+            return Pair(Sum(strong, Sine(rate, 3, 3000, 0.5e-4)), strong, rate);
+          },
+          {{"fw_seg_snr", 35, 0.02}}};
+}
+
 }  // namespace
 
 std::vector<Control> SpectralControls() {
@@ -230,6 +243,7 @@ std::vector<Control> SpectralControls() {
           Comb(-0.3),
           HalfSilent(),
           SoftBand(),
+          LostBand(),
           UpperBands(0.3),
           UpperBands(6),
           Bands("a band 6 dB softer", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, -6}),

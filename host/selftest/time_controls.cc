@@ -135,6 +135,46 @@ Control ShortVoice(size_t blocks) {
           {expected}};
 }
 
+// A copy, voiced in so many blocks and then noise.
+Control VoiceBeforeNoise(size_t blocks) {
+  Control control = ShortVoice(blocks);
+  control.name = "a voice of 200 Hz in " + std::to_string(blocks) + " blocks, then noise";
+  control.theory =
+      "A block of 25 ms is voiced where both it and what is a period of 5 ms later are in the "
+      "voice; the noise in any other makes up more than the threshold of a tenth. It takes ten.";
+  control.make = [blocks] {
+    Samples samples = Voice(kVoiceRate, 0.0306 + 0.01 * static_cast<double>(blocks - 1), 200);
+    Append(samples, WhiteNoise(kVoiceRate / 2, 0.25, 63));
+    return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
+  };
+  return control;
+}
+
+Control WholePeriods() {
+  return {"a voice of 400 Hz beside a sine of 200 Hz, both of whole samples",
+          "Periods of 80 and of 40 samples, at which the difference is 0 and the same to either "
+          "side: nothing is to be found between the samples.",
+          [] {
+            return Scene{.output = {kVoiceRate, {Voice(kVoiceRate, 0.5, 400)}},
+                         .reference = {kVoiceRate, {Sine(kVoiceRate, 0.5, 200, 0.3, 0.7)}}};
+          },
+          {{"pitch_cents", 1200, 0.05}}};
+}
+
+Control InNoise() {
+  return {"a voice with a period of 79.6 samples in noise, beside one of 80",
+          "Noise of a twentieth of the power adds the same to the difference at every lag, which "
+          "leaves the parabola where it was; over 95 blocks its chance is 0.5 cents.",
+          [] {
+            const Samples voice = Voice(kVoiceRate, 1, kVoiceRate / 79.6);
+            const double power = Energy(voice) / static_cast<double>(voice.size());
+            const Samples noise = WhiteNoise(voice.size(), std::sqrt(power / 19), 64);
+            return Scene{.output = {kVoiceRate, {Sum(voice, noise)}},
+                         .reference = {kVoiceRate, {Voice(kVoiceRate, 1, 200)}}};
+          },
+          {{"pitch_cents", 1200 * std::log2(80 / 79.6), 2}}};
+}
+
 // A copy of a voice in noise that makes up this share of its power.
 Control NoisyVoice(double share, bool voiced) {
   Expected expected = {.measure = "pitch_cents", .value = 0, .tolerance = 1e-6};
@@ -228,9 +268,13 @@ std::vector<Control> TimeControls() {
   }
   controls.push_back(ShortVoice(10));
   controls.push_back(ShortVoice(9));
+  controls.push_back(VoiceBeforeNoise(10));
+  controls.push_back(VoiceBeforeNoise(9));
+  controls.push_back(WholePeriods());
+  controls.push_back(InNoise());
   controls.push_back(BesideZero());
   controls.push_back(SilentReference());
-  controls.push_back(Higher(124, -1200, 16000));
+  controls.push_back(Higher(120, -1200, 16000));
   controls.push_back(Higher(490, 1200, 48000));
   return controls;
 }
