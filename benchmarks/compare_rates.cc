@@ -1,5 +1,5 @@
 // How often compare calls chance worse, and how often it sees a change: compare_rates [TABLES]
-// Each table has normal differences of a standard deviation of 1 dB, the margin is 0.
+// The differences have a standard deviation of 1 dB, the margin is 0.
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,10 +9,26 @@
 
 namespace {
 
+using host::Shape;
+
+const char* NameOf(Shape shape) {
+  switch (shape) {
+    case Shape::kNormal:
+      break;
+    case Shape::kLaplace:
+      return "Laplace";
+    case Shape::kRareWins:
+      return "exponential, rare large wins";
+    case Shape::kRareLosses:
+      return "exponential, rare large losses";
+  }
+  return "normal";
+}
+
 void Print(const host::DrawnTables& drawn) {
   const host::VerdictRates rates = host::RatesOf(drawn);
-  printf("| %d | %d | %.1f | %.2f %% | %.2f %% |\n", drawn.pairs, drawn.measures, drawn.mean,
-         100 * rates.measureWorse, 100 * rates.overallWorse);
+  printf("| %s | %d | %d | %.1f | %.1f %% | %.1f %% |\n", NameOf(drawn.shape), drawn.pairs,
+         drawn.measures, drawn.mean, 100 * rates.measureWorse, 100 * rates.overallWorse);
   fflush(stdout);
 }
 
@@ -21,12 +37,15 @@ void Print(const host::DrawnTables& drawn) {
 int main(int argc, char** argv) {
   const int tables = argc > 1 ? atoi(argv[1]) : 2000;
   if (tables < 1) return 2;
-  printf("| pairs | measures | mean, dB | a measure is worse | the whole is worse |\n");
-  printf("|---|---|---|---|---|\n");
-  for (const int pairs : {8, 10, 15, 30, 100}) {
-    for (const int measures : {1, 20})
-      Print({.tables = tables, .measures = measures, .pairs = pairs});
+  printf(
+      "| differences | pairs | measures | mean, dB | a measure is worse | the whole is worse |\n");
+  printf("|---|---|---|---|---|---|\n");
+  constexpr int kPairs[] = {8, 9, 10, 12, 15, 20, 30, 100};
+  for (const Shape shape :
+       {Shape::kNormal, Shape::kLaplace, Shape::kRareWins, Shape::kRareLosses}) {
+    for (const int pairs : kPairs) Print({.shape = shape, .tables = tables, .pairs = pairs});
   }
+  for (const int pairs : kPairs) Print({.tables = tables, .measures = 20, .pairs = pairs});
   for (const int measures : {1, 20}) {
     Print({.tables = tables, .measures = measures, .pairs = 30, .mean = -0.5});
   }

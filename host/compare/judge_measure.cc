@@ -15,9 +15,9 @@ namespace {
 constexpr double kConfidence = 0.95;
 // Differences that are smaller, in shares of the figures, are those of the last digits.
 constexpr double kNoDifference = 1e-12;
-// With fewer things than this the interval of chance alone lies on the wrong side more often than
-// it says.
-constexpr size_t kSoundThings = 12;
+// With fewer things than this the interval of chance alone lies on the wrong side in more than one
+// table of twenty where tails are as long as those of Laplace's distribution.
+constexpr size_t kSoundThings = 20;
 
 // The differences of a measure, turned so that more is better; not turned where neither is.
 struct Differences {

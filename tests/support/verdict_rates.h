@@ -1,14 +1,22 @@
 #pragma once
 
+#include <cmath>
+#include <numbers>
+
 #include "compare/judge_measure.h"
 #include "statistics/normal.h"
 #include "statistics/random.h"
 
 namespace host {
 
-// Tables of differences that are drawn from the normal distribution, judged as compare judges them.
+// Tables of differences that are drawn from a distribution, judged as compare judges them.
+
+// What the differences are like, all of standard deviation 1: Laplace's has long tails on both
+// sides, the exponential one is skewed by 2, with its tail among the wins or among the losses.
+enum class Shape { kNormal, kLaplace, kRareWins, kRareLosses };
 
 struct DrawnTables {
+  Shape shape = Shape::kNormal;
   int tables = 2000;
   int measures = 1;  // Of each table, independent of each other.
   int pairs = 30;
@@ -22,6 +30,22 @@ struct VerdictRates {
   double overallWorse = 0;
 };
 
+// Of mean 0.
+inline double Draw(Shape shape, statistics::Random& random) {
+  const double share = random.Uniform();
+  switch (shape) {
+    case Shape::kNormal:
+      break;
+    case Shape::kLaplace:
+      return (share < 0.5 ? std::log(2 * share) : -std::log(2 - 2 * share)) / std::numbers::sqrt2;
+    case Shape::kRareWins:
+      return -std::log(share) - 1;
+    case Shape::kRareLosses:
+      return std::log(share) + 1;
+  }
+  return statistics::NormalQuantile(share);
+}
+
 inline VerdictRates RatesOf(const DrawnTables& drawn) {
   statistics::Random random(42);
   VerdictRates rates;
@@ -33,8 +57,7 @@ inline VerdictRates RatesOf(const DrawnTables& drawn) {
     for (int measure = 0; measure < drawn.measures; ++measure) {
       PairedMeasure paired = {.kind = {.name = "drawn", .unit = "dB", .better = "higher"}};
       for (size_t i = 0; i < results.cases.size(); ++i) {
-        const double noise = statistics::NormalQuantile(random.Uniform());
-        paired.pairs.push_back({i, 0, drawn.mean + noise});
+        paired.pairs.push_back({i, 0, drawn.mean + Draw(drawn.shape, random)});
       }
       judged.push_back(JudgeMeasure(paired, results, 0, drawn.resamples));
     }

@@ -24,6 +24,18 @@ TEST(VerdictRates, ChanceAloneIsSeldomWorseAmongManyMeasures) {
   EXPECT_LE(rates.overallWorse, 0.05);
 }
 
+TEST(VerdictRates, ChanceAloneSeldomMakesTheWholeWorseWhereTailsAreLong) {
+  for (const int pairs : {12, 15}) {
+    const VerdictRates rates = RatesOf({.shape = Shape::kLaplace,
+                                        .tables = 1000,
+                                        .measures = 1,
+                                        .pairs = pairs,
+                                        .resamples = 1000});
+    EXPECT_LE(rates.overallWorse, 0.04) << pairs;
+    EXPECT_GE(rates.overallWorse, 0.005) << pairs;
+  }
+}
+
 TEST(VerdictRates, HalfADecibelIsSeenInThirtyPairs) {
   const VerdictRates rates =
       RatesOf({.tables = 300, .measures = 1, .pairs = 30, .mean = -0.5, .resamples = 2000});
