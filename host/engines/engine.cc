@@ -195,10 +195,13 @@ const EngineLibrary& BuiltInEngine() {
   return self;
 }
 
-std::vector<std::string> AllFacilities() {
-  std::set<std::string> names;
-  for (const auto& call : facilities::EngineCalls()) names.insert(call.facility);
-  return {names.begin(), names.end()};
+const std::vector<std::string>& AllFacilities() {
+  static const std::vector<std::string> all = [] {
+    std::set<std::string> names;
+    for (const auto& call : facilities::EngineCalls()) names.insert(call.facility);
+    return std::vector<std::string>(names.begin(), names.end());
+  }();
+  return all;
 }
 
 }  // namespace host

@@ -59,6 +59,6 @@ std::string NotInEngine(const Engine& engine, std::string_view routine);
 const EngineLibrary& BuiltInEngine();
 
 // All facilities in the order of their names.
-std::vector<std::string> AllFacilities();
+const std::vector<std::string>& AllFacilities();
 
 }  // namespace host

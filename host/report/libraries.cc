@@ -1,6 +1,7 @@
 #include "report/libraries.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <utility>
 
@@ -65,9 +66,26 @@ constexpr Library kLibraries[] = {
      built_with::kWebrtc},
 };
 
-}  // namespace
+// How often this process has loaded and unloaded libraries.
+struct Loads {
+  unsigned long long loaded = 0;
+  unsigned long long unloaded = 0;
+  bool operator==(const Loads&) const = default;
+};
 
-std::vector<LibraryVersion> LoadedLibraries() {
+Loads CountLoads() {
+  Loads loads;
+  dl_iterate_phdr(
+      [](dl_phdr_info* info, size_t /*size*/, void* data) {
+        *static_cast<Loads*>(data) = {info->dlpi_adds, info->dlpi_subs};
+        return 1;
+      },
+      &loads);
+  return loads;
+}
+
+// To ask for a library that is not loaded goes through all folders that may have it.
+std::vector<LibraryVersion> AskForEach() {
   std::vector<LibraryVersion> loaded;
   for (const Library& library : kLibraries) {
     void* const handle = dlopen(library.file, RTLD_LAZY | RTLD_NOLOAD);
@@ -83,6 +101,18 @@ std::vector<LibraryVersion> LoadedLibraries() {
     dlclose(handle);
   }
   return loaded;
+}
+
+}  // namespace
+
+const std::vector<LibraryVersion>& LoadedLibraries() {
+  static std::vector<LibraryVersion> known;
+  static Loads knownAt;
+  if (const Loads now = CountLoads(); now != knownAt) {
+    known = AskForEach();
+    knownAt = now;
+  }
+  return known;
 }
 
 Json LibrariesJson() {

@@ -26,12 +26,13 @@ std::string ProcessorModel() {
 }  // namespace
 
 Json OriginJson(const Engine& engine) {
+  static const std::string processor = ProcessorModel();
   return {{"bench",
            {{"version", AUDIO_TESTER_VERSION},
             {"commit", Fact(kCommit, "not built in a git checkout")}}},
           {"engine", EngineJson(engine)},
           {"host",
-           {{"cpu", Fact(ProcessorModel(), "the kernel does not name it")},
+           {{"cpu", Fact(processor, "the kernel does not name it")},
             {"processors", Count(static_cast<uint64_t>(sysconf(_SC_NPROCESSORS_ONLN)), "1")}}}};
 }
 

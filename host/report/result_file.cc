@@ -134,9 +134,9 @@ bool ResultFile::WriteWhole(const std::string& text) const {
   return false;
 }
 
-void ResultFile::ReplaceEarlier(const std::string& text) {
-  if (m_target.empty() || !HoldsNothingElse(m_target)) return;
-  if (access(m_target.c_str(), F_OK) == 0) Replace(text);
+void ResultFile::ReplaceEarlier(const std::function<std::string()>& text) {
+  if (m_target.empty() || access(m_target.c_str(), F_OK) != 0) return;
+  if (HoldsNothingElse(m_target)) Replace(text());
 }
 
 void ResultFile::Replace(const std::string& text) {

@@ -24,7 +24,7 @@ void WriteRefusal(const RunReport& report, Limits& limits, ResultFile& json) {
       json.WriteRefusal(JsonReport(report), limits);
       break;
     case UsageError::Report::kReplaced:
-      json.ReplaceEarlier(JsonReport(report));
+      json.ReplaceEarlier([&] { return JsonReport(report); });
       break;
     case UsageError::Report::kLeft:
       break;

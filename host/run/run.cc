@@ -44,7 +44,7 @@ bool IsToBeKept(const RunReport& report, const Case& what) {
 RunReport RunPlan(Plan plan, Limits& limits, ResultFile* json) {
   // From here on it may take long, and what is killed then must not leave an earlier report.
   StopWhereFailing(plan.stop, [&] {
-    if (json != nullptr) json->ReplaceEarlier(Unfinished(ReportOf(plan)));
+    if (json != nullptr) json->ReplaceEarlier([&] { return Unfinished(ReportOf(plan)); });
   });
   Staged staged = Stage(plan, limits);
   Checked checked = Check(plan, std::move(staged), limits);

@@ -25,7 +25,7 @@ constexpr const char* kFails = "fails\n";
 // The file of a measure's answer for this build; empty where it cannot be kept.
 fs::path FileOf(std::string_view measure) {
   const fs::path folder = UserFolder("XDG_CACHE_HOME", ".cache");
-  const std::string build = BuildIds();
+  static const std::string build = BuildIds();
   if (folder.empty() || build.empty()) return {};
   return folder / "audio_bench/selftest" / build / measure;
 }

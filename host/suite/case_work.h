@@ -47,6 +47,10 @@ class SharedSources {
   std::vector<uint64_t> m_shared = {};
 };
 
+// Finds out what is the same for all cases, so that none of their processes, which are made of this
+// one, has to.
+void FindCommonFacts();
+
 // Runs a case, in the process that is made for it: takes over its standard streams. Returns its
 // record. Throws UsageError when there is not even a report.
 Json RunOneCase(const SuitePlace& suite, size_t at);

@@ -167,6 +167,7 @@ void RemoveIncoming(const std::string& folder) {
 // Runs what is to run. Returns the signal by which somebody asked for an end; 0 for none.
 int RunCases(const SuitePlace& suite, const SuiteOptions& options, const Kept& kept,
              size_t counted) {
+  FindCommonFacts();
   const HostSignals signals;
   CaseLog log(suite.folder);
   SuiteProgress progress(counted, kept.counts, Paint(options.color, STDOUT_FILENO));
