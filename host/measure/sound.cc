@@ -70,8 +70,14 @@ MeasuredSound OpenSound::ReadAll(int rate) {
   MeasuredSound sound = {.rate = rate > 0 ? rate : Format().rate, .fullScale = FullScale()};
   sound.channels.resize(count);
   const auto keep = [&](std::span<const double> block) {
-    for (size_t i = 0; i < block.size(); ++i) {
-      sound.channels[i % count].push_back(static_cast<float>(block[i]));
+    for (size_t channel = 0; channel < count; ++channel) {
+      std::vector<float>& samples = sound.channels[channel];
+      const size_t before = samples.size();
+      samples.resize(before + block.size() / count);
+      float* sample = samples.data() + before;
+      for (size_t i = channel; i < block.size(); i += count) {
+        *sample++ = static_cast<float>(block[i]);
+      }
     }
   };
   if (sound.rate == Format().rate) {

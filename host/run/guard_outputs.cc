@@ -1,5 +1,7 @@
 #include "run/guard_outputs.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -21,6 +23,16 @@ using harness::SoundUse;
 // Both signals are held in memory: what is longer has no guards on its sound.
 constexpr uint64_t kMaxSamples = 100'000'000;
 
+// Asks for large pages for what is going to hold so many samples: to get thousands of small ones
+// takes about as long as to read the samples. No more than a wish.
+void TakeLargePages(std::vector<float>& samples) {
+  constexpr size_t kLargePage = 2U << 20U;
+  void* first = samples.data();
+  size_t bytes = samples.capacity() * sizeof(float);
+  if (std::align(kLargePage, kLargePage, first, bytes) == nullptr) return;
+  madvise(first, bytes / kLargePage * kLargePage, MADV_HUGEPAGE);
+}
+
 // The samples of a file.
 class Loaded {
  public:
@@ -34,6 +46,7 @@ class Loaded {
     if (stream == nullptr) return nullptr;
     m_samples.clear();
     m_samples.reserve(audio->bytes / width);
+    TakeLargePages(m_samples);
     const std::string fault =
         ForEachSampleBlock(stream.get(), *audio, [&](std::span<const float> block) {
           m_samples.insert(m_samples.end(), block.begin(), block.end());
