@@ -94,8 +94,12 @@ std::vector<float> Interpolate(std::span<const float> samples, double first, dou
   std::vector<float> padded(static_cast<size_t>(std::max(end - begin, int64_t{kTaps})));
   CopySamples(samples, begin, padded);
 
-  std::vector<float> values(count);
   const double offset = first - std::floor(first);
+  if (step == 1 && offset == 0) {  // Each value is a sample.
+    const auto from = padded.begin() + (kInterpolationReach - 1);
+    return {from, from + static_cast<int64_t>(count)};
+  }
+  std::vector<float> values(count);
   if (step == 1) {
     Filter(padded, TapsFor(offset), values);
     return values;

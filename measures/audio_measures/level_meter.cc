@@ -20,7 +20,8 @@ constexpr size_t kBlock = 4096;  // Frames.
 
 // What one channel is measured with, as far as it is wanted.
 struct ChannelMeters {
-  ChannelMeters(const Collector& collector, int rate, float fullScale) : clipped(fullScale) {
+  ChannelMeters(const Collector& collector, int rate, float fullScale) {
+    if (collector.Wants("clipped")) clipped.emplace(fullScale);
     if (collector.Wants("active_level") || collector.Wants("activity")) active.emplace(rate);
     if (collector.Wants("noise_floor")) noiseFloor.emplace(rate);
     if (collector.Wants("bandwidth") || collector.Wants("bandwidth_40db")) bandwidth.emplace(rate);
@@ -28,14 +29,14 @@ struct ChannelMeters {
 
   void Add(std::span<const float> samples) {
     level.Add(samples);
-    clipped.Add(samples);
+    if (clipped) clipped->Add(samples);
     if (active) active->Add(samples);
     if (noiseFloor) noiseFloor->Add(samples);
     if (bandwidth) bandwidth->Add(samples);
   }
 
   Level level = {};
-  Clipped clipped;
+  std::optional<Clipped> clipped = {};
   std::optional<ActiveLevel> active = {};
   std::optional<NoiseFloor> noiseFloor = {};
   std::optional<Bandwidth> bandwidth = {};
@@ -49,7 +50,7 @@ void Collect(const ChannelMeters& meters, int channel, Collector& collector) {
   collector.Add("dc", channel, meters.level.Dc());
   if (meters.noiseFloor) collector.Add("noise_floor", channel, meters.noiseFloor->Floor());
   collector.Add("crest", channel, meters.level.Crest());
-  collector.Add("clipped", channel, meters.clipped.Share());
+  if (meters.clipped) collector.Add("clipped", channel, meters.clipped->Share());
   if (meters.bandwidth) collector.Add("bandwidth", channel, meters.bandwidth->OfEnergy());
   if (meters.bandwidth) collector.Add("bandwidth_40db", channel, meters.bandwidth->Of40Db());
 }

@@ -40,10 +40,10 @@ TEST(Interpolate, GivesTheSamplesThemselvesAndSilenceBeyondThem) {
   const std::vector<float> samples(300, 0.5F);
   const std::vector<float> values = Interpolate(samples, -100, 1, 500);
   EXPECT_EQ(values[0], 0);
-  EXPECT_NEAR(values[99], 0, 1e-7);
-  EXPECT_NEAR(values[100], 0.5, 1e-6);
-  EXPECT_NEAR(values[399], 0.5, 1e-6);
-  EXPECT_NEAR(values[400], 0, 1e-7);
+  EXPECT_EQ(values[99], 0);
+  EXPECT_EQ(values[100], 0.5F);
+  EXPECT_EQ(values[399], 0.5F);
+  EXPECT_EQ(values[400], 0);
   EXPECT_EQ(values[499], 0);
 }
 
