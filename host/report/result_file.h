@@ -23,8 +23,8 @@ class ResultFile {
   ResultFile(const ResultFile&) = delete;
   ResultFile& operator=(const ResultFile&) = delete;
 
-  // Replaces an earlier report in a regular file by what `text` returns, and nothing else. Throws UsageError when that
-  // fails; the earlier report is gone all the same.
+  // Replaces an earlier report in a regular file by what `text` returns, and nothing else. Throws
+  // UsageError when that fails; the earlier report is gone all the same.
   void ReplaceEarlier(const std::function<std::string()>& text);
 
   // Replaces a regular file, so that no earlier report is left there; leaves the others as they
