@@ -68,6 +68,12 @@ int OpenByWalk(int folder, const std::string& place, int flags, mode_t mode) {
   return -1;
 }
 
+// Dates the file anew even if it is empty, as O_TRUNC does. One that was made shorter is written to
+// the disk as it is closed on some file systems: an empty one is only dated.
+bool MakeEmpty(int file, const struct stat& status) {
+  return (status.st_size == 0 ? futimens(file, nullptr) : ftruncate(file, 0)) == 0;
+}
+
 }  // namespace
 
 int OpenFolder(const std::string& path) {
@@ -97,8 +103,7 @@ int OpenToWriteBeneath(int folder, const std::string& place, int flags, mode_t m
   int error = fstat(file, &status) == 0 ? 0 : errno;
   if (error == 0 && S_ISREG(status.st_mode)) {
     if (status.st_nlink > 1) error = EMLINK;
-    // Dates the file anew even if it is empty, as O_TRUNC does.
-    if (error == 0 && (flags & O_TRUNC) != 0 && ftruncate(file, 0) != 0) error = errno;
+    if (error == 0 && (flags & O_TRUNC) != 0 && !MakeEmpty(file, status)) error = errno;
   }
   if (error == 0) return file;
   close(file);

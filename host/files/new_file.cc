@@ -1,6 +1,7 @@
 #include "files/new_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -50,6 +51,13 @@ bool NewFile::PublishNamed(bool replace) {
   if (renameat2(m_folder, m_ownName.c_str(), m_folder, m_name.c_str(), flags) != 0) return false;
   m_ownName.clear();
   return true;
+}
+
+bool StartAnew(int descriptor) {
+  struct stat status;
+  if (fstat(descriptor, &status) != 0) return false;
+  if (status.st_size > 0 && ftruncate(descriptor, 0) != 0) return false;
+  return lseek(descriptor, 0, SEEK_SET) == 0;
 }
 
 bool WriteAll(int descriptor, const void* bytes, size_t count) {

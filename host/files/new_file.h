@@ -35,6 +35,11 @@ class NewFile {
   int m_descriptor = -1;
 };
 
+// Makes a file empty and goes to its start; leaves one alone that is empty, because what was made
+// shorter is written to the disk as it is closed on some file systems. Returns false and sets errno
+// on failure.
+bool StartAnew(int descriptor);
+
 // Writes the bytes whole. Returns false and sets errno on failure.
 bool WriteAll(int descriptor, const void* bytes, size_t count);
 

@@ -28,7 +28,7 @@ off_t CopyInKernel(int from, int to, const std::function<bool()>& goOn) {
 
 std::optional<RecordingFault> CopyBytes(int from, int to, const std::function<bool()>& goOn) {
   using Kind = RecordingFault::Kind;
-  if (ftruncate(to, 0) != 0 || lseek(to, 0, SEEK_SET) != 0) {
+  if (!StartAnew(to)) {
     return RecordingFault{Kind::kOutput, strerror(errno)};
   }
   off_t at = CopyInKernel(from, to, goOn);

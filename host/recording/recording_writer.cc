@@ -1,12 +1,13 @@
 #include "recording/recording_writer.h"
 
 #include <sndfile.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+
+#include "files/new_file.h"
 
 namespace host {
 
@@ -54,7 +55,7 @@ int Rounded(double value, double steps) {
 
 RecordingWriter::RecordingWriter(int file, const WrittenForm& form, double gain, bool dithered)
     : m_form(form), m_gain(gain), m_dithered(dithered && form.samples == Samples::kPcm16) {
-  if (ftruncate(file, 0) != 0 || lseek(file, 0, SEEK_SET) != 0) {
+  if (!StartAnew(file)) {
     m_fault = strerror(errno);
     return;
   }

@@ -100,6 +100,31 @@ TEST_P(NewFileTest, ReplacesOnlyWhenAskedTo) {
   EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2);
 }
 
+// What an empty file is made of stays as it is, dates and all; any other is emptied.
+TEST(StartAnew, EmptiesAFileAndLeavesAnEmptyOneAlone) {
+  const TemporaryDirectory directory;
+  WriteFile("a", "bytes");
+  const int file = open("a", O_RDWR | O_CLOEXEC);
+  const timespec longAgo[2] = {{.tv_sec = 1000, .tv_nsec = 0}, {.tv_sec = 1000, .tv_nsec = 0}};
+  struct stat status;
+  lseek(file, 3, SEEK_SET);
+  futimens(file, longAgo);
+  EXPECT_TRUE(StartAnew(file));
+  fstat(file, &status);
+  EXPECT_EQ(status.st_size, 0);
+  EXPECT_GT(status.st_mtim.tv_sec, 1000);
+  EXPECT_EQ(lseek(file, 0, SEEK_CUR), 0);
+
+  lseek(file, 3, SEEK_SET);
+  futimens(file, longAgo);
+  EXPECT_TRUE(StartAnew(file));
+  fstat(file, &status);
+  EXPECT_EQ(status.st_mtim.tv_sec, 1000);
+  EXPECT_EQ(lseek(file, 0, SEEK_CUR), 0);
+  close(file);
+  EXPECT_FALSE(StartAnew(file));
+}
+
 INSTANTIATE_TEST_SUITE_P(FileSystems, NewFileTest, testing::Bool());
 
 }  // namespace
