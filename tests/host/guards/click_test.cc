@@ -53,6 +53,12 @@ TEST(ClickGuard, AnEchoOfTheInputIsNoClick) {
   EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.55, 0.1F))), nullptr);
 }
 
+TEST(ClickGuard, WhatTheInputBeginsWithHasEchoesToo) {
+  const Sound in = WithStep(Noise(0.003, 2, 1), 0.01, 0.1F);
+  EXPECT_EQ(ClickHit(Check(in, WithStep(in, 0.15, 0.1F))), nullptr);
+  EXPECT_NE(ClickHit(Check(in, WithStep(in, 0.15, 0.2F))), nullptr);
+}
+
 TEST(ClickGuard, CountsPlacesAndNamesTheChannel) {
   Sound in = Noise(0.003, 4, 1);
   in.channels = 2;

@@ -110,6 +110,18 @@ TEST(Pairing, ADelayThatIsPlainInOnePlaceOnlyIsNotBelieved) {
   EXPECT_EQ(MatchOf(in, out).lag, 4800);
 }
 
+// Rates that have no factor in common meet once a second.
+TEST(Track, IsSilentLongBeforeItsStart) {
+  const std::vector<float> samples(8000, 0.5F);
+  const Signal signal{.samples = samples, .rate = 8000, .channels = 1};
+  const Track track(signal, 8001);
+  std::vector<float> read(12000, 1.0F);
+  track.Read(0, -9000, read);
+  EXPECT_NEAR(read[0], 0, 1e-4);
+  EXPECT_NEAR(read[8500], 0, 1e-4);
+  EXPECT_NEAR(read[9500], 0.5, 1e-3);
+}
+
 TEST(Track, ReadsTheSameInSmallPartsAsInLargeOnes) {
   const Sound sound = Music(3, 2, 44100);
   const Signal signal = sound.AsSignal();
