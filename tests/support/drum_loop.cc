@@ -109,6 +109,22 @@ void PlayBeat(Player& player, Groove groove, int beat, double time, double perio
       player.Note(time, 0.2, chord * third, period / 2);
       player.Note(time + period / 2, 0.12, chord * 2, period / 2);
       break;
+    case Groove::kShuffle:
+      for (const double note : {time, time + period * 2 / 3}) {
+        beat % 2 == 0 ? player.BassDrum(note, 0.7) : player.Snare(note, 0.5);
+        player.Cymbal(note, 0.3);
+        player.Note(note, 0.25, chord / 4, 0.3 * period);
+      }
+      break;
+    case Groove::kGuitar:
+      beat % 2 == 0 ? player.BassDrum(time, 0.5) : player.Snare(time, 0.45);
+      if (beat % 4 == 0) player.BassDrum(time + period / 2, 0.45);
+      player.Cymbal(time, 0.25);
+      player.Cymbal(time + period / 2, 0.35, 0.08);
+      for (int part = 0; part < 4; ++part) {
+        player.Note(time + part * period / 4, 0.4, chord / 2, 0.22 * period);
+      }
+      break;
   }
 }
 

@@ -3,8 +3,10 @@
 #include <vector>
 
 // The patterns of a drummer and a bass player: rock with eighths, a steady bass drum with open
-// cymbals between, a waltz, a swinging cymbal, and notes of a broken chord without drums.
-enum class Groove { kRock, kHouse, kWaltz, kSwing, kBallad };
+// cymbals between, a waltz, a swinging cymbal, notes of a broken chord without drums, a
+// shuffle whose two notes are as loud, and a guitar that plays sixteenths over a bass drum before
+// the second beat.
+enum class Groove { kRock, kHouse, kWaltz, kSwing, kBallad, kShuffle, kGuitar };
 
 struct DrumLoop {
   std::vector<short> samples;  // Interleaved, the same in all channels.

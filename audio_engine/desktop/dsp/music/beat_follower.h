@@ -43,13 +43,15 @@ class BeatFollower {
   // Finds the limit of the last `length` onsets.
   void SetLimit(size_t length);
   void UpdateTempo();
+  void Correlate(size_t length, float power);
+  float Score(double period) const;
   double RefinePeriod(double period) const;
   double ChooseLevel(double period);
   float Weight(double age, double period) const;
   bool HasStopped() const;
   void Lock();
   void Follow();
-  double BestAge(double period, float* strength) const;
+  double BestAge(double period, float* strength);
 
   const double m_step;
 
@@ -65,6 +67,9 @@ class BeatFollower {
   // A straight copy of the onsets for the autocorrelation, newest last.
   std::vector<float> m_recent;
   std::vector<float> m_correlation;
+
+  // The comb at ages of 1, 1.5 and so on up to a period.
+  std::vector<float> m_comb;
 
   // The score of each tempo, averaged over the last seconds.
   std::vector<float> m_scores;
