@@ -86,7 +86,7 @@ class BeatTrack final : public IBeatTrack {
   void Take() {
     ++m_frames;
     if (m_envelope->Put(m_frame.data())) {
-      m_follower->Put(m_envelope->Value(), m_envelope->Weight());
+      m_follower->Put(m_envelope->Value(), m_envelope->Weight(), m_envelope->Bass());
     }
     // The time of this frame in onset values, in which everything shows later by the latency.
     const double now = static_cast<double>(m_frames) / m_rate;

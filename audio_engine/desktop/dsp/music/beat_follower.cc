@@ -23,6 +23,10 @@ constexpr float kToothFade = 0.92F;
 // How much the longer of two notes is heavier.
 constexpr float kLengthCounts = 0.7F;
 
+// How far from half way a beat may be, in half onset values, and what it needs to be one.
+constexpr size_t kHalfWayReach = 8;
+constexpr float kHalfWayNeeds = 1.15F;
+
 // How far a beat follows the comb.
 constexpr float kPull = 0.35F;
 
@@ -33,6 +37,7 @@ BeatFollower::BeatFollower(double step)
       m_capacity(static_cast<size_t>(kHistorySeconds / step)),
       m_onsets(m_capacity),
       m_weights(m_capacity),
+      m_bass(m_capacity),
       m_recent(m_capacity),
       m_correlation(static_cast<size_t>(4 * 60 / kSlowest / step) + 2),
       m_scores(Tempi()) {
@@ -40,7 +45,7 @@ BeatFollower::BeatFollower(double step)
   m_loudest.reserve(static_cast<size_t>(kHistorySeconds) + 1);
 }
 
-void BeatFollower::Put(float onset, float weight) {
+void BeatFollower::Put(float onset, float weight, float bass) {
   // Both count, so that neither every cymbal nor only the bass drum is heard. Above the mean of
   // about a second, and a little wider, for no player is exact.
   onset = std::sqrt(onset * weight);
@@ -50,6 +55,7 @@ void BeatFollower::Put(float onset, float weight) {
   m_raw[2] = std::max(onset - m_mean, 0.0F);
   m_onsets[m_count % m_capacity] = 0.25F * m_raw[0] + 0.5F * m_raw[1] + 0.25F * m_raw[2];
   m_weights[m_count % m_capacity] = weight;
+  m_bass[m_count % m_capacity] = bass;
   ++m_count;
 
   const auto quarter = static_cast<size_t>(0.25 / m_step);
@@ -136,8 +142,29 @@ double BeatFollower::BestAge(double period, float* strength) {
     if (score > highest) best = i;
     highest = std::max(highest, score);
   }
+  best = OrHalfWay(best, period);
   *strength = m_comb[best];
   return 1 + 0.5 * Real(best);
+}
+
+// What lies half way to the next beat may sound as much as the beat; then the bass tells which is
+// which. Of two beats in a row it often has only one, so that the heavier one counts.
+size_t BeatFollower::OrHalfWay(size_t best, double period) const {
+  const size_t count = m_comb.size();
+  size_t other = best;
+  float strength = 0;
+  for (size_t at = best + count / 2 - kHalfWayReach; at <= best + count / 2 + kHalfWayReach; ++at) {
+    if (m_comb[at % count] <= strength) continue;
+    other = at % count;
+    strength = m_comb[other];
+  }
+  const auto bass = [&](size_t at) {
+    const double age = 1 + 0.5 * Real(at);
+    return std::max(
+        {Weight(m_bass, age, 2 * period), Weight(m_bass, age + period, 2 * period), 1e-9F});
+  };
+  const float ratio = bass(other) / bass(best);
+  return strength * ratio > kHalfWayNeeds * m_comb[best] ? other : best;
 }
 
 void BeatFollower::Follow() {

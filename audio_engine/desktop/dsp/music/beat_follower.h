@@ -24,8 +24,8 @@ class BeatFollower {
   // step: seconds between two onset values. Throws when there is no memory.
   explicit BeatFollower(double step);
 
-  // Takes the next onset value and its weight.
-  void Put(float onset, float weight);
+  // Takes the next onset value, its weight, and that of its bass.
+  void Put(float onset, float weight, float bass);
 
   // True when there is a beat; it changes until it is taken.
   bool IsSteady() const { return m_steady; }
@@ -47,7 +47,8 @@ class BeatFollower {
   float Score(double period) const;
   double RefinePeriod(double period) const;
   double ChooseLevel(double period);
-  float Weight(double age, double period) const;
+  float Weight(const std::vector<float>& ring, double age, double period) const;
+  size_t OrHalfWay(size_t best, double period) const;
   bool HasStopped() const;
   void Lock();
   void Follow();
@@ -55,10 +56,11 @@ class BeatFollower {
 
   const double m_step;
 
-  // Rings of the last 10 s: m_capacity smoothed onsets, and their weights.
+  // Rings of the last 10 s: m_capacity smoothed onsets, their weights, and those of the bass.
   const size_t m_capacity;
   std::vector<float> m_onsets;
   std::vector<float> m_weights;
+  std::vector<float> m_bass;
 
   // What an onset counts at most.
   float m_limit = std::numeric_limits<float>::max();

@@ -131,7 +131,7 @@ double BeatFollower::RefinePeriod(double period) const {
 
 // Returns the mean weight of the onsets that lie `age`, `age` + `period` and so on back, each the
 // heaviest within 30 ms.
-float BeatFollower::Weight(double age, double period) const {
+float BeatFollower::Weight(const std::vector<float>& ring, double age, double period) const {
   const double end = Real(std::min(m_count, m_capacity)) - kWeightReach - 1;
   float sum = 0;
   int teeth = 0;
@@ -140,7 +140,7 @@ float BeatFollower::Weight(double age, double period) const {
     float heaviest = 0;
     for (size_t near = middle - std::min(middle, kWeightReach); near <= middle + kWeightReach;
          ++near) {
-      heaviest = std::max(heaviest, m_weights[(m_count - 1 - near) % m_capacity]);
+      heaviest = std::max(heaviest, ring[(m_count - 1 - near) % m_capacity]);
     }
     sum += heaviest;
   }
@@ -159,8 +159,8 @@ double BeatFollower::ChooseLevel(double period) {
   }
   float strength = 0;
   const double age = BestAge(fast, &strength);
-  const float one = Weight(age, 2 * fast);
-  const float other = Weight(age + fast, 2 * fast);
+  const float one = Weight(m_weights, age, 2 * fast);
+  const float other = Weight(m_weights, age + fast, 2 * fast);
   const double evenness = std::min(one, other) / std::max({one, other, 1e-9F});
   m_evenness += 0.2 * (evenness - m_evenness);
   const double limit = std::clamp(0.36 + 0.14 * (bpm - 140) / 40, 0.3, 0.5);

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kLowestBand = 40;      // Hz.
 constexpr double kHighestBand = 12000;  // Hz.
+constexpr double kBassEnd = 175;        // Hz.
 
 // A band that lies so far under the loudest one counts as empty.
 constexpr float kRange = 1e-5F;
@@ -49,6 +50,9 @@ OnsetEnvelope::OnsetEnvelope(int rate, int channels)
     const size_t bin = Size(std::lround(std::min(edge, top) / binHz));
     if (bin >= 1 && (m_edges.empty() || bin > m_edges.back())) m_edges.push_back(bin);
   }
+  const auto bassEnd =
+      std::upper_bound(m_edges.begin(), m_edges.end(), Size(std::lround(kBassEnd / binHz)));
+  m_bassBands = Size(bassEnd - m_edges.begin()) - 1;
   for (auto* levels : {&m_before[0], &m_before[1], &m_now, &m_loud[0], &m_loud[1], &m_loud[2]})
     levels->resize(m_edges.size() - 1);
 }
@@ -96,6 +100,7 @@ void OnsetEnvelope::Analyse() {
     m_now[band] = level;
     m_loud[2][band] = std::sqrt(share);
     m_weight += std::max(m_loud[2][band] - m_loud[1][band], 0.0F);
+    if (band + 1 == m_bassBands) m_bass = m_weight;
   }
   std::swap(m_loud[1], m_loud[0]);
   std::swap(m_loud[0], m_loud[2]);

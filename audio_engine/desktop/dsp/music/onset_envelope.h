@@ -29,6 +29,9 @@ class OnsetEnvelope {
   // than a drum.
   float Weight() const { return m_weight; }
 
+  // That of the lowest bands alone, in which bass drum and bass play.
+  float Bass() const { return m_bass; }
+
   // Seconds between two values, and from an onset to its peak in them.
   double Step() const { return Real(m_hop) / m_rate; }
   double Latency() const;
@@ -57,6 +60,9 @@ class OnsetEnvelope {
   // The first bins of the bands, and the end of the last one.
   std::vector<size_t> m_edges;
 
+  // How many of them are bass.
+  size_t m_bassBands = 0;
+
   // The levels of the bands at the two values before, and now.
   std::vector<float> m_before[2];
   std::vector<float> m_now;
@@ -66,6 +72,7 @@ class OnsetEnvelope {
   float m_loudest = 0;
   float m_value = 0;
   float m_weight = 0;
+  float m_bass = 0;
 };
 
 }  // namespace desktop
