@@ -154,4 +154,14 @@ TEST(BeatTrack, KeepsABeatThatIsOnlyJustHeard) {
   }
 }
 
+TEST(BeatTrack, StopsWhenOnlyNoiseIsLeft) {
+  std::vector<double> samples = WhiteNoise(24 * 22050, 0.2, 3);
+  const DrumLoop loop = RenderLoop(Groove::kHouse, 120, 6, 0.31, 22050);
+  const std::vector<double> drums = ToDoubles(loop.samples);
+  for (size_t i = 0; i < drums.size(); ++i) samples[i] += 0.5 * drums[i];
+  const Listener listener = Listen(ToShorts(samples), 22050, 1, 220);
+  ASSERT_THAT(listener.times, SizeIs(Ge(5)));
+  EXPECT_LT(listener.times.back(), 18);
+}
+
 }  // namespace
