@@ -17,6 +17,19 @@ constexpr double kHistorySeconds = 10;
 constexpr double kFirstSeconds = 2.6;
 constexpr double kPauseSeconds = 2.5;
 
+// The loudest onset of a second is usual where half of the seconds have one as loud; none counts
+// for more than this much of it. A crash, or the first sound after silence, would outweigh the
+// beats of the next 10 s.
+constexpr float kMostOfUsual = 3.0F;
+constexpr float kLeastOfLoudest = 0.01F;  // A second below it has no onset.
+
+// There is no beat where no tempo has this score, and no longer one where none has the lower one:
+// who has the beat keeps it through a bar of other rhythms.
+constexpr float kMinRhythm = 0.12F;
+constexpr float kKeptRhythm = 0.07F;
+
+constexpr size_t kWeightReach = 3;  // Onset values.
+
 constexpr int kCombTeeth = 8;
 constexpr float kToothFade = 0.92F;
 
@@ -39,8 +52,7 @@ BeatFollower::BeatFollower(double step)
       m_weights(m_capacity),
       m_bass(m_capacity),
       m_recent(m_capacity),
-      m_correlation(static_cast<size_t>(4 * 60 / kSlowest / step) + 2),
-      m_scores(Tempi()) {
+      m_tempo(step) {
   m_comb.reserve(static_cast<size_t>(2 * 60 / kSlowest / step) + 8);
   m_loudest.reserve(static_cast<size_t>(kHistorySeconds) + 1);
 }
@@ -97,6 +109,40 @@ float BeatFollower::Comb(double age, double period) const {
   return weights > 0 ? sum / weights : 0;
 }
 
+void BeatFollower::SetLimit(size_t length) {
+  const auto second = static_cast<size_t>(1 / m_step);
+  m_loudest.clear();
+  for (size_t age = 0; age + second <= length; age += second) {
+    float loudest = 0;
+    for (size_t i = 0; i < second; ++i) {
+      loudest = std::max(loudest, m_onsets[(m_count - 1 - age - i) % m_capacity]);
+    }
+    m_loudest.push_back(loudest);
+  }
+  std::sort(m_loudest.begin(), m_loudest.end());
+  const auto heard =
+      std::upper_bound(m_loudest.begin(), m_loudest.end(), kLeastOfLoudest * m_loudest.back());
+  m_limit = 0;
+  if (heard == m_loudest.end()) return;
+  m_limit = kMostOfUsual * heard[(m_loudest.end() - heard - 1) / 2];
+}
+
+void BeatFollower::UpdateTempo() {
+  const size_t length = std::min(m_count, m_capacity);
+  SetLimit(length);
+  for (size_t i = 0; i < length; ++i) {
+    m_recent[i] = std::min(m_onsets[(m_count - length + i) % m_capacity], m_limit);
+  }
+  if (!m_tempo.Update(m_recent, length) ||
+      m_tempo.Rhythm() < (m_steady ? kKeptRhythm : kMinRhythm) || HasStopped()) {
+    m_steady = false;
+    return;
+  }
+  const double before = m_period;
+  m_period = ChooseLevel(m_tempo.Period());
+  if (!m_steady || std::fabs(std::log2(m_period / before)) > 0.2) Lock();
+}
+
 // Expects the next beat where the comb says, without regard to the beats before.
 void BeatFollower::Lock() {
   const double last = m_steady ? m_next.time - m_next.period : 0;
@@ -121,6 +167,45 @@ bool BeatFollower::HasStopped() const {
     if (age < late) lately = std::max(lately, onset);
   }
   return lately < 0.05F * loudest;
+}
+
+// Returns the mean weight of the onsets that lie `age`, `age` + `period` and so on back, each the
+// heaviest within 30 ms.
+float BeatFollower::Weight(const std::vector<float>& ring, double age, double period) const {
+  const double end = Real(std::min(m_count, m_capacity)) - kWeightReach - 1;
+  float sum = 0;
+  int teeth = 0;
+  for (; age < end; age += period, ++teeth) {
+    const size_t middle = Size(std::lround(age));
+    float heaviest = 0;
+    for (size_t near = middle - std::min(middle, kWeightReach); near <= middle + kWeightReach;
+         ++near) {
+      heaviest = std::max(heaviest, ring[(m_count - 1 - near) % m_capacity]);
+    }
+    sum += heaviest;
+  }
+  return teeth > 0 ? sum / static_cast<float>(teeth) : 0;
+}
+
+// Half or twice a tempo fits the autocorrelation nearly as well. Of the two the faster one is the
+// beat when its beats weigh about the same, the slower one when they are heavy and light in turn.
+double BeatFollower::ChooseLevel(double period) {
+  const bool halves = 2 * 60 / (period * m_step) <= kFastest;
+  const double fast = m_tempo.Refine(halves ? period / 2 : period);
+  const double bpm = 60 / (fast * m_step);
+  if (bpm < 2 * kSlowest) {
+    m_slow = false;
+    return fast;
+  }
+  float strength = 0;
+  const double age = BestAge(fast, &strength);
+  const float one = Weight(m_weights, age, 2 * fast);
+  const float other = Weight(m_weights, age + fast, 2 * fast);
+  const double evenness = std::min(one, other) / std::max({one, other, 1e-9F});
+  m_evenness += 0.2 * (evenness - m_evenness);
+  const double limit = std::clamp(0.36 + 0.14 * (bpm - 140) / 40, 0.3, 0.5);
+  m_slow = m_evenness < limit + (m_slow ? 0.05 : -0.05);
+  return m_slow ? m_tempo.Refine(2 * fast) : fast;
 }
 
 // The age of the last beat, where the comb meets the most. A note is heard as the heavier one the

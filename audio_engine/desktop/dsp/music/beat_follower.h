@@ -4,6 +4,8 @@
 #include <limits>
 #include <vector>
 
+#include "desktop/dsp/music/beat_tempo.h"
+
 namespace desktop {
 
 // A beat that the follower expects: its time, counted in onset values from the start, the time from
@@ -38,14 +40,10 @@ class BeatFollower {
   // The smoothed onset so many values ago.
   float At(double age) const;
   float Comb(double age, double period) const;
-  float Correlation(double lag) const;
 
   // Finds the limit of the last `length` onsets.
   void SetLimit(size_t length);
   void UpdateTempo();
-  void Correlate(size_t length, float power);
-  float Score(double period) const;
-  double RefinePeriod(double period) const;
   double ChooseLevel(double period);
   float Weight(const std::vector<float>& ring, double age, double period) const;
   size_t OrHalfWay(size_t best, double period) const;
@@ -66,16 +64,13 @@ class BeatFollower {
   float m_limit = std::numeric_limits<float>::max();
   std::vector<float> m_loudest;  // Of each second.
 
-  // A straight copy of the onsets for the autocorrelation, newest last.
+  // A straight copy of the onsets for the tempo, newest last.
   std::vector<float> m_recent;
-  std::vector<float> m_correlation;
+  BeatTempo m_tempo;
 
   // The comb at ages of 1, 1.5 and so on up to a period.
   std::vector<float> m_comb;
 
-  // The score of each tempo, averaged over the last seconds.
-  std::vector<float> m_scores;
-  bool m_scored = false;
   size_t m_count = 0;
   float m_raw[3] = {};
   float m_mean = 0;
