@@ -1,4 +1,5 @@
 #include <cmath>
+#include <functional>
 #include <numbers>
 
 #include "selftest/control.h"
@@ -191,7 +192,8 @@ std::vector<Control> SoftPairs() {
 }
 
 // What has no beat.
-Control Without(const std::string& name, const std::string& theory, std::function<Samples()> make) {
+Control Without(const std::string& name, const std::string& theory,
+                const std::function<Samples()>& make) {
   return {name,
           theory,
           [make] {
@@ -228,6 +230,13 @@ std::vector<Control> TempoControls() {
   for (const auto part : {Limits, Likelihoods, Thresholds, InBands, SoftPairs, WithoutBeat}) {
     for (Control& each : part()) controls.push_back(std::move(each));
   }
+  controls.push_back({"white noise, upside down in the other channel",
+                      "A beat is that of the mean of both, which is silence.",
+                      [] {
+                        const Samples noise = WhiteNoise(10 * kRate, 0.1, 72);
+                        return Scene{.output = {kRate, {noise, Scaled(noise, -1)}}};
+                      },
+                      {{.measure = "tempo", .reason = audio_measures::kSilence}}});
   controls.push_back({"six seconds of clicks",
                       "Six seconds are enough.",
                       [] {
