@@ -112,12 +112,17 @@ if [[ $* == *"--shard 3/"* ]] && mkdir "$folder/killed" 2>/dev/null; then
     wait $suite 2>/dev/null
     code=$?
     # Neither all of its cases nor none.
-    if (($(lines "$out/cases.jsonl") + 1 < $(lines "$out/plan.jsonl"))); then exit $code; fi
+    if (($(lines "$out/cases.jsonl") + 1 < $(lines "$out/plan.jsonl"))); then
+      touch "$folder/killed/done"
+      exit $code
+    fi
     rm -rf "$out"
   done
 elif [[ ${SLURMD_NODENAME:-} == two && $* == *--shard* ]] && mkdir "$folder/held" 2>/dev/null; then
   start_one "$@"
   kill -STOP $suite
+  # With this node the one to be killed may be lost, and then starts afresh.
+  until [[ -e $folder/killed/done ]]; do sleep 0.01; done
   touch "$folder/held/shard"
   wait $suite
 else

@@ -48,7 +48,7 @@ run_shards here -j 2
 merge here all
 same_as_whole all
 
-rmdir killed
+rm -r killed
 run_shards there --ssh "$folder/ssh" --sshlogin 1/one,1/two --workdir "$folder"
 run_shards there --ssh "$folder/ssh" --sshlogin 1/one,1/two --workdir "$folder"
 merge there everywhere
