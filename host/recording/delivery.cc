@@ -137,11 +137,10 @@ std::string PlaceFault(const std::string& to) {
   if (place.fault.empty()) {
     struct stat folder;
     const char* const path = place.folder.c_str();
-    if (stat(path, &folder) != 0) {
-      place.fault = FaultText(errno);
-    } else if (!S_ISDIR(folder.st_mode)) {
+    const bool found = stat(path, &folder) == 0;
+    if (found && !S_ISDIR(folder.st_mode)) {
       place.fault = FaultText(ENOTDIR);
-    } else if (access(path, W_OK | X_OK) != 0) {
+    } else if (!found || access(path, W_OK | X_OK) != 0) {
       place.fault = FaultText(errno);
     }
   }

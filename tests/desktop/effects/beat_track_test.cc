@@ -71,7 +71,7 @@ TEST(BeatTrack, StartsAtTheFifthBeat) {
 
 TEST(BeatTrack, HasNoBeatInSilenceOrSteadyNoise) {
   EXPECT_THAT(Listen(std::vector<short>(16000 * 15), 16000, 1, 160).times, IsEmpty());
-  for (const uint32_t seed : {1, 7, 25}) {
+  for (const uint32_t seed : {1U, 7U, 25U}) {
     std::vector<short> noise(16000 * 15);
     uint32_t state = seed;
     for (short& sample : noise) {
