@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <span>
 #include <vector>
 
 #include "support/allocation_count.h"
@@ -92,13 +93,15 @@ TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
     const Floats whole = Filter(*Create(taps, in.size()), in);
     const auto expectSame = [&](const auto& nextLength, unsigned what) {
       const auto filter = Create(taps);
-      Floats cut(in.size());
-      for (size_t at = 0; at < in.size();) {
-        const size_t length = std::min<size_t>(nextLength(), in.size() - at);
+      // Some thousand calls are enough.
+      Floats cut(std::min<size_t>(in.size(), 4000 * what));
+      for (size_t at = 0; at < cut.size();) {
+        const size_t length = std::min<size_t>(nextLength(), cut.size() - at);
         filter->Filter(&in[at], length, &cut[at]);
         at += length;
       }
-      ASSERT_EQ(cut, whole) << count << " taps, " << what << " samples";
+      ASSERT_TRUE(std::ranges::equal(cut, std::span(whole).first(cut.size())))
+          << count << " taps, " << what << " samples";
     };
     for (const unsigned length : {1u, 2u, 3u, 441u, 1765u}) {
       expectSame([length] { return length; }, length);
