@@ -136,12 +136,64 @@ TEST(EchoDelayEst, TakesTheEndThatStopsForSilent) {
   CEchoDelayEst estimator(16000, 1);
   Delays(estimator, far, Echo(far, 16000, 90), 16000, 160);
   const Samples more = Talk(16000, 5, 15);
-  EXPECT_EQ(estimator.ProcessNear(more.data(), static_cast<int>(more.size())), 0);
+  for (size_t at = 0; at + 160 <= more.size(); at += 160) {
+    EXPECT_EQ(estimator.ProcessNear(&more[at], 160), 0);
+  }
   EXPECT_NEAR(estimator.GetDelay(), 90, 8);
   // The last second of the other end may still come; then both belong together again.
   EXPECT_EQ(estimator.ProcessFar(more.data(), 16384 - 1600), 0);
-  const Samples then = Talk(16000, 6, 18);
-  EXPECT_NEAR(Delays(estimator, then, Echo(then, 16000, 140), 16000, 160).back(), 140, 8);
+  const Samples then = Talk(16000, 3, 18);
+  EXPECT_NEAR(Delays(estimator, then, Echo(then, 16000, 140), 16000, 160)[2], 140, 8);
+}
+
+// A device that stops, and then goes on with what is new: after a while, which is known only when
+// it is over, the ends belong together as if there had been no pause.
+TEST(EchoDelayEst, PairsTheEndsAgainAfterOneHasStopped) {
+  for (const double pause : {0.3, 1.5}) {
+    for (const bool farStops : {false, true}) {
+      const Samples far = Talk(16000, 2, 14);
+      CEchoDelayEst estimator(16000, 1);
+      Delays(estimator, far, Echo(far, 16000, 90), 16000, 160);
+      const Samples alone = Talk(16000, pause, 15);
+      for (size_t at = 0; at + 160 <= alone.size(); at += 160) {
+        farStops ? estimator.ProcessNear(&alone[at], 160) : estimator.ProcessFar(&alone[at], 160);
+      }
+      const Samples then = Talk(16000, 5, 18);
+      const Samples near = Echo(then, 16000, 140);
+      EXPECT_NEAR(Delays(estimator, then, near, 16000, 160).back(), 140, 8)
+          << pause << (farStops ? " s of near end" : " s of far end");
+    }
+  }
+}
+
+// What comes late is no pause, and what is made up for in the next half second was none either.
+TEST(EchoDelayEst, WaitsForAnEndThatIsLate) {
+  const Samples far = Talk(16000, 8, 19);
+  const Samples near = Echo(far, 16000, 140);
+  CEchoDelayEst estimator(16000, 1);
+  size_t fed = 0;
+  for (size_t at = 160; at <= far.size(); at += 160) {
+    estimator.ProcessFar(&far[at - 160], 160);
+    const size_t late = at % 16000 < 8000 ? 3200 : 1280;
+    if (at <= fed + late) continue;
+    estimator.ProcessNear(&near[fed], static_cast<int>(at - late - fed));
+    fed = at - late;
+  }
+  EXPECT_NEAR(estimator.GetDelay(), 140, 8);
+}
+
+TEST(EchoDelayEst, TakesLongBlocksInEitherOrder) {
+  const Samples far = Talk(16000, 5, 20);
+  const Samples near = Echo(far, 16000, 140);
+  for (const bool farFirst : {true, false}) {
+    CEchoDelayEst estimator(16000, 1);
+    for (size_t at = 0; at + 8000 <= far.size(); at += 8000) {
+      if (farFirst) estimator.ProcessFar(&far[at], 8000);
+      estimator.ProcessNear(&near[at], 8000);
+      if (!farFirst) estimator.ProcessFar(&far[at], 8000);
+    }
+    EXPECT_NEAR(estimator.GetDelay(), 140, 8) << farFirst;
+  }
 }
 
 TEST(EchoDelayEst, RefusesWhatItCannotTakeWithOneLine) {

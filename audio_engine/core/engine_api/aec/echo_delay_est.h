@@ -16,7 +16,8 @@ class ENGINE_API CEchoDelayEst {
   CEchoDelayEst& operator=(const CEchoDelayEst&) = delete;
 
   // Take `count` interleaved samples each, any number, far end first. Return 0, or -1 when nothing
-  // can be estimated (see above) or there are no samples.
+  // can be estimated (see above) or there are no samples. An end that stops counts as silent; some
+  // two seconds after it goes on both belong together again.
   int ProcessFar(const short* samples, int count);
   int ProcessNear(const short* samples, int count);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "desktop/common/counts.h"
 
@@ -41,18 +42,59 @@ DelayTracker::DelayTracker(int rate, int maxDelayMs)
   m_near.ring.resize(2 * m_window);
 }
 
+void DelayTracker::AddFar(const short* samples, size_t count) {
+  Add(m_far, m_near, samples, count);
+  NoteLead();
+}
+
+void DelayTracker::AddNear(const short* samples, size_t count) {
+  Add(m_near, m_far, samples, count);
+  NoteLead();
+  Pair();
+}
+
 void DelayTracker::Add(End& end, End& other, const short* samples, size_t count) {
+  end.heard += count;
   while (count > 0) {
     const size_t block = std::min(count, m_hop);
     AddBlock(end, samples, block);
-    while (end.count > other.count + (m_window - m_hop)) {
-      static constexpr short kSilence[80] = {};
-      AddBlock(other, kSilence, 80);
+    if (end.count > other.count + (m_window - m_hop)) {
+      AddSilence(other, end.count - other.count - (m_window - m_hop));
     }
     samples += block;
     count -= block;
     while (std::min(end.count, other.count) >= m_next) Analyse();
   }
+}
+
+void DelayTracker::AddSilence(End& end, size_t count) {
+  static constexpr short kSilence[80] = {};
+  while (count > 0) {
+    const size_t block = std::min(count, std::size(kSilence));
+    AddBlock(end, kSilence, block);
+    count -= block;
+  }
+}
+
+void DelayTracker::NoteLead() {
+  const ptrdiff_t lead = Offset(m_near.count) - Offset(m_far.count);
+  m_leastLead = std::min(m_leastLead, lead);
+  m_mostLead = std::max(m_mostLead, lead);
+}
+
+// Ends that both go on but stay apart are those of which one has stood still. What is missing at
+// that one was silence. The far end comes first, so that after the near end both are equally long.
+void DelayTracker::Pair() {
+  const size_t second = 10 * m_hop;
+  if (std::min(m_far.heard, m_near.heard) < second) return;
+  const ptrdiff_t lead = Offset(m_near.count) - Offset(m_far.count);
+  if (m_leastLead >= Offset(m_hop)) AddSilence(m_far, Size(lead));
+  if (m_mostLead <= -Offset(m_hop)) AddSilence(m_near, Size(-lead));
+  while (std::min(m_far.count, m_near.count) >= m_next) Analyse();
+  m_far.heard = 0;
+  m_near.heard = 0;
+  m_leastLead = std::numeric_limits<ptrdiff_t>::max();
+  m_mostLead = std::numeric_limits<ptrdiff_t>::min();
 }
 
 void DelayTracker::AddBlock(End& end, const short* samples, size_t count) {

@@ -19,10 +19,11 @@ class DelayTracker {
   // rate: 8000 or 16000 Hz. maxDelayMs: the longest echo that is looked for, up to 500 ms.
   DelayTracker(int rate, int maxDelayMs);
 
-  // Take any number of samples each. Where one end is more than a second ahead of the other, the
-  // other is taken to have been silent.
-  void AddFar(const short* samples, size_t count) { Add(m_far, m_near, samples, count); }
-  void AddNear(const short* samples, size_t count) { Add(m_near, m_far, samples, count); }
+  // Take any number of samples each, far end first. Where one end is more than a second ahead of
+  // the other, the other is taken to have been silent; so it is where one was at least 100 ms ahead
+  // for as long as it takes both to go on by a second.
+  void AddFar(const short* samples, size_t count);
+  void AddNear(const short* samples, size_t count);
 
   // The last delay that was sure; 0 until there is one.
   int DelayMs() const { return m_delayMs.value_or(0); }
@@ -40,13 +41,19 @@ class DelayTracker {
     // The last samples.
     std::vector<float> ring;
 
-    // How many samples were taken.
+    // How many samples were taken, with the silences that were put in.
     size_t count = 0;
+
+    // How many samples came since the ends were compared.
+    size_t heard = 0;
   };
   using Spectrum = std::vector<std::complex<float>>;
 
   void Add(End& end, End& other, const short* samples, size_t count);
   void AddBlock(End& end, const short* samples, size_t count);
+  void AddSilence(End& end, size_t count);
+  void NoteLead();
+  void Pair();
   bool Transform(const End& end, float leastRms, Spectrum& spectrum);
   void Analyse();
   void FindPeak();
@@ -59,6 +66,10 @@ class DelayTracker {
   RealFft m_fft;
   End m_far;
   End m_near;
+
+  // By how many samples the near end was ahead, the least and the most since both were compared.
+  ptrdiff_t m_leastLead = 0;
+  ptrdiff_t m_mostLead = 0;
 
   // The sample that ends the next look.
   size_t m_next;
