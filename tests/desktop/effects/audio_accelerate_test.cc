@@ -171,10 +171,34 @@ TEST(AudioAccelerate, DoesTheSameToIntegersOf32Bits) {
     ASSERT_EQ(words->Process(wide.data(), 160, 16000, 1, 16, 160), frames);
     for (size_t i = 0; i < static_cast<size_t>(frames); ++i) ASSERT_EQ(wide[i], block[i]);
   }
-  // A block that says to be longer than its room is left alone.
-  int few[4] = {1, 2, 3, 4};
-  EXPECT_EQ(words->Process(few, 160, 16000, 1, 16, 4), 160);
-  EXPECT_THAT(few, testing::ElementsAre(1, 2, 3, 4));
+}
+
+TEST(AudioAccelerate, LeavesABlockAloneThatIsLongerThanItsRoom) {
+  const Accelerator accelerator = Enabled(25);
+  std::vector<int> block(320);
+  for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<int>(37 * i % 2000);
+  const std::vector<int> before = block;
+  for (const int room : {0, 160, 318, 319}) {
+    EXPECT_EQ(accelerator->Process(block.data(), 160, 16000, 2, 16, room), 160) << room;
+    EXPECT_EQ(block, before) << room;
+  }
+  int frames = 0;
+  for (int i = 0; i < 10; ++i) {
+    frames += accelerator->Process(block.data(), 160, 16000, 2, 16, 320);
+  }
+  EXPECT_LT(frames, 1600) << "one that fits is not";
+}
+
+// Where nothing alike is within reach a sound changes over gradually: slow waves whose one half is
+// joined to the other.
+TEST(AudioAccelerate, FadesBetweenOpposites) {
+  Shorts in;
+  for (int i = 0; i < 16000 * 4; ++i) {
+    const double phase = 2 * M_PI * i / (16000 * 0.17);
+    in.push_back(static_cast<short>(std::lrint(10000 * std::tanh(10 * std::sin(phase)))));
+  }
+  const Shorts out = Play(*Enabled(100), in, 16000, 1);
+  EXPECT_LT(LargestStep(out), 2 * LargestStep(in));
 }
 
 // What waits of another format is no sound of this one.

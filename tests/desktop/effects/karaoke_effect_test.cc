@@ -172,6 +172,18 @@ TEST(KaraokeEffect, SwitchesItsLimiterWithoutAClick) {
                 2);
 }
 
+// A fade of 1 ms makes no jump either, but a tick: what lies far above a low tone.
+TEST(KaraokeEffect, FadesItsLimiterWithoutATick) {
+  AudioKaraokeEffectModule module;
+  LimiterParameter limiter = kLimiter;
+  limiter.fPreGain = 6;
+  limiter.fLookahead = 5;
+  module.SetLimiterParameter(limiter);
+  const Shorts out = WhileItChanges(module, [&](int turn) { module.EnableLimiter(turn % 2 == 1); });
+  const std::vector<double> high = HighPassed(ToDoubles(out), 4000, 44100);
+  EXPECT_LT(Peak(std::span(high).subspan(441)), 1e-4);
+}
+
 void SetLimiter(AudioKaraokeEffectModule& module, float lookahead, float preGain) {
   LimiterParameter limiter = kLimiter;
   limiter.fPreGain = preGain;

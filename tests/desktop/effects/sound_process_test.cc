@@ -206,4 +206,19 @@ TEST(AccelerateSoundProcess, LeavesConsonantsWholeWhenAsked) {
   EXPECT_LT(ProcessAll(Way::kShorter, vowel, 16000, 1, false).size(), 0.9 * 16000);
 }
 
+// Of what repeats itself after the longest or the shortest period that is looked for, exactly one
+// period goes; where only every other block is to give one, it is that with an early pulse.
+TEST(AccelerateSoundProcess, FindsTheLongestAndTheShortestPeriod) {
+  for (const size_t period : {20, 71, 100}) {
+    const Shorts noise = ToShorts(WhiteNoise(100, 0.5, 3));
+    Shorts in(240);
+    for (size_t i = 0; i < in.size(); ++i) in[i] = noise[i % period];
+    Shorts out(kRoom);
+    unsigned length = kRoom;
+    ASSERT_EQ(Process(Way::kShorter, 8000, 1, in.data(), in.size(), out.data(), &length, false), 0);
+    out.resize(length);
+    EXPECT_EQ(out, Shorts(in.begin(), in.end() - static_cast<std::ptrdiff_t>(period))) << period;
+  }
+}
+
 }  // namespace

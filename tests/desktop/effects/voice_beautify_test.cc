@@ -237,8 +237,12 @@ TEST(VoiceBeautify, LeavesABlockAloneThatIsLongerThanItsRoom) {
   std::vector<int> block(400);
   for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<int>(37 * i % 2000);
   const std::vector<int> before = block;
-  EXPECT_EQ(effect->Process(block.data(), 160, 16000, 2, 16, 318), 160);
-  EXPECT_EQ(block, before);
+  for (const int room : {0, 160, 318, 319}) {
+    EXPECT_EQ(effect->Process(block.data(), 160, 16000, 2, 16, room), 160);
+    EXPECT_EQ(block, before) << room;
+  }
+  EXPECT_EQ(effect->Process(block.data(), 160, 16000, 0, 16, 320), 160);
+  EXPECT_EQ(block, before) << "no channels";
   EXPECT_EQ(effect->Process(block.data(), 160, 16000, 2, 16, 320), 160);
   EXPECT_NE(block, before);
 }

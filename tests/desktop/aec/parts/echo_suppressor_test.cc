@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "desktop/aec/parts/kalman_filter.h"
@@ -107,6 +108,31 @@ TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
   }
   out.erase(out.begin(), out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
   EXPECT_NEAR(LossDb(far, out, kRate, 2, 6), 50, 2);
+}
+
+// Nobody talks yet as far as is known: of a far end that sounds from the first block on only noise
+// comes out, with nothing of the echo in it.
+TEST(EchoSuppressor, LetsNoEchoThroughAtTheStart) {
+  const Samples far = Hiss(kRate, 0.04, 13, -30);
+  desktop::EchoSuppressor suppressor(kBlock);
+  // A little more than is there: the mean power by bin in a window of the energy of a block.
+  const double power = 1036.0 * 1036.0 * kBlock;
+  const std::vector<float> doubt(kBlock + 1, static_cast<float>(3 * power));
+  const std::vector<float> echo(kBlock);
+  Samples out;
+  for (size_t at = 0; at + kBlock <= far.size(); at += kBlock) {
+    std::vector<float> block(&far[at], &far[at] + kBlock);
+    suppressor.Hear(block.data());
+    suppressor.Process(echo.data(), doubt, kDelay, block.data());
+    out.insert(out.end(), block.begin(), block.end());
+  }
+  double product = 0;
+  double energy = 0;
+  for (size_t i = 0; i + suppressor.Lag() < out.size(); ++i) {
+    product += static_cast<double>(far[i]) * out[i + suppressor.Lag()];
+    energy += static_cast<double>(far[i]) * far[i];
+  }
+  EXPECT_LT(std::abs(product / energy), 0.01);
 }
 
 TEST(EchoSuppressor, PutsNoiseInThePlaceOfEcho) {
