@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "desktop/common/counts.h"
 #include "desktop/dsp/dynamics/sum_limiter.h"
 #include "desktop/dsp/music/pitch_tracker.h"
 #include "desktop/files/converted_source.h"
@@ -27,12 +28,14 @@ using desktop::DeviceFormat;
 using desktop::FileFault;
 using desktop::FileSink;
 using desktop::PitchTracker;
+using desktop::Real;
 using desktop::RefusesInCallback;
 
 constexpr DeviceFormat kVoice = {44100, 1};
 constexpr DeviceFormat kMix = {44100, 2};
 // The frames of 10 ms.
 constexpr size_t kBlock = kVoice.BlockFrames();
+constexpr double kTrackedPerMs = PitchTracker::kRate / 1000.0;
 
 // What becomes of a voice, on the thread of the microphone: it is written, mixed with the song, and
 // compared with its notes.
@@ -93,7 +96,8 @@ class Recording : public desktop::CaptureListener {
     short samples[PitchTracker::kHop];
     m_resampler.Convert(block.samples, kBlock, samples);
     const double pitch = m_tracker.Track(samples);
-    m_scorer->Sing(block.timeMs + 10.0 - PitchTracker::kLagMs - *m_songStartMs, pitch);
+    const double lagMs = PitchTracker::kLagMs + Real(m_resampler.LagFrames()) / kTrackedPerMs;
+    m_scorer->Sing(block.timeMs + 10.0 - lagMs - *m_songStartMs, pitch);
   }
 
   std::optional<desktop::RecordedFile> m_voice;

@@ -43,11 +43,13 @@ double PitchTracker::Track(const short* samples) {
   if (Power() < kQuiet) return 0;
 
   // The distance of the sound to itself one period later, against the mean over all shorter
-  // periods.
+  // periods. What is compared lies around the middle of m_samples for each of them: so high notes
+  // are heard no later than low ones.
   double sum = 0;
   for (size_t period = 1; period <= kLongest + 1; ++period) {
     float distance = 0;
-    for (size_t i = 0; i < kWindow; ++i) {
+    const size_t first = (kLongest + 1 - period) / 2;
+    for (size_t i = first; i < first + kWindow; ++i) {
       const float difference = m_samples[i] - m_samples[i + period];
       distance += difference * difference;
     }

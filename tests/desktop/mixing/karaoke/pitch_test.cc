@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "desktop/dsp/music/pitch_tracker.h"
 #include "desktop/mixing/karaoke/note_scorer.h"
@@ -50,6 +51,27 @@ TEST(PitchTracker, FollowsASungNoteWithinTwentyCents) {
     for (const double found : Pitches(SungNote(pitch, 16000, 0.5))) {
       EXPECT_NEAR(1200 * std::log2(found / pitch), 0, 20) << pitch;
     }
+  }
+}
+
+// Two semitones in 100 ms: what a high note says is as old as what a low one says.
+TEST(PitchTracker, IsEquallyLateForHighAndLowNotes) {
+  for (const double first : {36.0, 48.0, 60.0, 72.0}) {
+    PitchTracker tracker;
+    double phase = 0;
+    double lateMs = 0;
+    constexpr int kBlocks = 50;
+    for (int block = 0; block < kBlocks; ++block) {
+      short samples[PitchTracker::kHop];
+      for (size_t i = 0; i < PitchTracker::kHop; ++i) {
+        phase +=
+            2 * std::numbers::pi * Hz(first + 0.2 * (block + static_cast<double>(i) / 160)) / 16000;
+        samples[i] = static_cast<short>(6000 * (std::sin(phase) + std::sin(2 * phase) / 2));
+      }
+      const double reached = (69 + 12 * std::log2(tracker.Track(samples) / 440) - first) / 0.2;
+      if (block >= 10) lateMs += 10 * (block + 1 - reached) / (kBlocks - 10);
+    }
+    EXPECT_NEAR(lateMs, PitchTracker::kLagMs, 1.5) << first;
   }
 }
 
