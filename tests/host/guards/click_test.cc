@@ -40,6 +40,18 @@ TEST(ClickGuard, ClicksOfTheInputAreItsOwn) {
   EXPECT_NE(ClickHit(Check(in, WithStep(in, 0.8, 0.1F))), nullptr);
 }
 
+TEST(ClickGuard, AClickGrowsWithAllAroundIt) {
+  const Sound in = WithStep(Noise(0.003, 2, 1), 1.2, 0.05F);
+  EXPECT_EQ(ClickHit(Check(in, Louder(in, 20))), nullptr);
+}
+
+// By ten times, and all around it by nothing; that it makes the place louder is no excuse.
+TEST(ClickGuard, AClickThatAloneGrowsIsNew) {
+  const Sound in = WithStep(Noise(0.003, 2, 1), 1.2, 0.02F);
+  EXPECT_NE(ClickHit(Check(in, WithStep(in, 1.2, 0.18F))), nullptr);
+  EXPECT_EQ(ClickHit(Check(in, WithStep(in, 1.2, 0.06F))), nullptr);
+}
+
 TEST(ClickGuard, AClickInSilenceIsTheInputsOwn) {
   const Sound in = WithStep(Cut(Noise(0.003, 2, 1), 1, 0.5), 1.2, 0.1F);
   EXPECT_EQ(ClickHit(Check(in, Later(in, 0.1))), nullptr);
