@@ -37,11 +37,13 @@ test('Firefox draws, plays and filters without a word', async () => {
   await page.waitForSelector('.player .play');
   await page.$eval('.player', (player) => player.scrollIntoView());
   await page.waitForFunction(() => document.querySelectorAll('.player canvas[aria-label*=peak]').length >= 4);
-  const drawn = await page.$eval('.player .track:not(.is-ruler) canvas', (canvas) => {
+  // Its name has the peak before it is drawn.
+  await page.waitForFunction(() => {
+    const canvas = document.querySelector('.player .track:not(.is-ruler) canvas');
+    if (canvas.width === 0) return false;
     const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
     return pixels.some((v) => v > 0);
   });
-  assert.ok(drawn);
   await page.click('.player .play');
   await page.waitForSelector('.play[aria-label=Pause]');
   await page.waitForFunction(() => {
@@ -50,8 +52,8 @@ test('Firefox draws, plays and filters without a word', async () => {
     return Math.max(...values) > 0.01;
   });
   await page.keyboard.press('2');
-  const pressed = await page.$$eval('.version', (all) => all.map((b) => b.getAttribute('aria-pressed')));
-  assert.equal(pressed[1], 'true');
+  await page.waitForFunction(() =>
+    document.querySelectorAll('.version')[1].getAttribute('aria-pressed') === 'true');
   await page.select('select[name=group]', 'codec');
   await page.waitForFunction(() => location.hash === '#group=codec');
   assert.deepEqual([page.said, askedOutside(page)], [[], []]);

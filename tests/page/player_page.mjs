@@ -56,3 +56,14 @@ export const pressed = (page) => page.$$eval('.version', (all) =>
   all.findIndex((b) => b.getAttribute('aria-pressed') === 'true'));
 export const clock = (page) => page.$eval('.clock', (node) =>
   node.textContent.split(':').reduce((sum, part) => 60 * sum + parseFloat(part), 0));
+
+// What the ruler shows, in s: the drawing of a zoom comes some frames after it.
+export const range = (page) => page.evaluate(readRange);
+// Until it shows what is wanted: wanted(from, to, value) runs in the page.
+export const untilRange = (page, wanted, value = null) => page.waitForFunction(
+  `(${wanted})(...(${readRange})(), ${JSON.stringify(value)})`);
+
+function readRange() {
+  const words = document.querySelector('.is-ruler canvas').getAttribute('aria-label').match(/[\d:.]+/g);
+  return words.map((time) => time.split(':').reduce((sum, part) => 60 * sum + parseFloat(part), 0));
+}
