@@ -23,6 +23,9 @@ struct Heard {
   FrameRange range = {};
 };
 
+// That of the other run has the same name.
+std::string Named(const PlayedFile& file) { return file.label + " " + file.name; }
+
 const GuardMark* FirstMark(const PlayedOutput& output) {
   const auto rank = [](const GuardMark& mark) { return mark.fails ? 0 : mark.isNew ? 1 : 2; };
   const auto first =
@@ -78,13 +81,12 @@ class PlayerMaker {
         SoundPart beside = AtRate(part, rate);
         m_heard.push_back({.file = &file, .part = std::move(part), .beside = std::move(beside)});
       } catch (const UnreadableSound& error) {
-        m_player.notes.push_back(file.label + " " + file.name + " cannot be heard: it " +
-                                 FaultWords(error.fault));
+        m_player.notes.push_back(Named(file) + " cannot be heard: it " + FaultWords(error.fault));
         if (m_heard.empty()) return false;
       }
       const SoundPart& part = m_heard.back().part;
       if (m_heard.back().file == &file && part.notFinite > 0) {
-        m_player.notes.push_back(file.name + " holds " + std::to_string(part.notFinite) +
+        m_player.notes.push_back(Named(file) + " holds " + std::to_string(part.notFinite) +
                                  (part.notFinite == 1
                                       ? " sample that is no number; it plays as silence"
                                       : " samples that are no numbers; they play as silence"));
@@ -143,10 +145,10 @@ class PlayerMaker {
       audio = m_prefix + "-" + heard.file->key;
       m_player.audio.push_back({audio.get<std::string>(), Base64(flac.bytes)});
     } else {
-      m_player.notes.push_back(heard.file->name + " cannot be heard: " + flac.fault);
+      m_player.notes.push_back(Named(*heard.file) + " cannot be heard: " + flac.fault);
     }
     if (flac.gain < 0) {
-      m_player.notes.push_back(heard.file->name + " goes beyond full scale and plays " +
+      m_player.notes.push_back(Named(*heard.file) + " goes beyond full scale and plays " +
                                Attenuation(-flac.gain) + " softer than it is");
     }
     const auto loudness = LoudnessOf(cut, heard.part.rate);

@@ -180,3 +180,61 @@ test('on paper the times of guards stay, and nothing is an empty drawing', async
   assert.deepEqual([...new Set(await shown('.filters, .bar'))], [false]);
   await page.close();
 });
+
+test('the only channel of a file is not told beside the file', async () => {
+  const sample = small({ heard: 0, channels: 1 });
+  const one = sample.data.cases[failedOf(sample)];
+  one.results = [];
+  const whole = { ...one.figures[0], name: 'erle', channel: null };
+  one.figures = [whole, { ...whole, channel: 0 }, { ...whole, name: 'dc', channel: 0 }];
+  const page = await openCard(sample);
+  const names = `#case-${failedOf(sample)} .wide > table:has(.figure) > tbody th`;
+  assert.deepEqual(await texts(page, names), ['erle', 'dc']);
+  await page.close();
+});
+
+test('a known failure that has gone is said loudly', async () => {
+  const sample = small({ heard: 0 });
+  const place = sample.data.cases.findIndex((one) => one.verdict === 'pass' && one.change === 'same');
+  sample.data.cases[place].known = 'fails: ticket 17';
+  const page = await browser.open(sample);
+  await page.waitForSelector(`#case-${place}[open]`);
+  await page.$eval(`#case-${place}`, (card) => card.scrollIntoView());
+  await page.waitForSelector(`#case-${place} .record`);
+  assert.deepEqual(await texts(page, `#case-${place} .note`),
+                   ['Passes, though it is known to fail: fails: ticket 17']);
+  await page.close();
+});
+
+test('paper says what it leaves out', async () => {
+  const sample = small({ heard: 0 });
+  const place = failedOf(sample);
+  const page = await openCard(sample, place);
+  await page.emulateMediaType('print');
+  const told = await page.$$eval(`#case-${place} button.more, #measures summary`, (all) =>
+    all.map((node) => [node.textContent, node.checkVisibility()]));
+  assert.deepEqual(told, [['1 measure is the same', true], [told[1][0], true]]);
+  assert.match(told[1][0], /^\d+ more figures$/);
+  await page.close();
+});
+
+test('the scale of a spectrogram has room beside it', async () => {
+  const page = await openCard(small({ seconds: 1, rate: 44100, heard: 6 }));
+  await page.waitForSelector('.player.is-drawn');
+  // Nothing stands at the left edge of what is drawn, where a longer word would be cut off.
+  await page.waitForFunction(() => {
+    const canvas = document.querySelector('.player.is-drawn canvas[aria-label^=Spectrogram]');
+    if (canvas.width === 0) return false;
+    const scale = canvas.width / canvas.clientWidth;
+    const { data } = canvas.getContext('2d').getImageData(0, 0, Math.round(44 * scale), canvas.height);
+    const inked = (x) => {
+      for (let at = 4 * x + 3; at < data.length; at += 4 * Math.round(44 * scale)) if (data[at] > 0) return true;
+      return false;
+    };
+    const columns = Array.from({ length: Math.round(44 * scale) }, (_, x) => inked(x));
+    window.firstInk = columns.indexOf(true);
+    return window.firstInk >= 0;
+  });
+  assert.ok(await page.evaluate(() => window.firstInk) > 0);
+  await page.close();
+});

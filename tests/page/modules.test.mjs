@@ -3,6 +3,7 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 import { BlindTest, chance } from '../../host/page/src/listen/abx.js';
 import { matchLevels } from '../../host/page/src/listen/level_match.js';
+import { describeInterval } from '../../host/page/src/screen/interval_bar.js';
 import { changed, choose, formatFragment, kEmpty, parseFragment }
   from '../../host/page/src/screen/filter_state.js';
 import { fitGain, subtract } from '../../host/page/src/compute/difference.js';
@@ -10,7 +11,7 @@ import { column, kBlock, outline, peakOf } from '../../host/page/src/compute/env
 import { channel, channelsOfFile, count, duration, laneWords, meaning, number, signed, signedNumber, time,
          when } from '../../host/page/src/words.js';
 import { joinMarks } from '../../host/page/src/listen/layer.js';
-import { differenceVersion, playedGain } from '../../host/page/src/listen/difference_version.js';
+import { differenceVersion, playedGain, sameWords } from '../../host/page/src/listen/difference_version.js';
 import { waveHeight } from '../../host/page/src/listen/player_size.js';
 import { TimeView } from '../../host/page/src/draw/time_view.js';
 
@@ -141,6 +142,14 @@ test('marks at one place become one with all their names', () => {
   assert.deepEqual(joinMarks(marks), [{ at: 1, name: 'click, dc' }, { at: 2, name: 'iut' }]);
 });
 
+test('levels to full scale differ by decibels and loudness units', () => {
+  const units = ['dBFS', 'dBTP', 'LUFS', 'dB', 's'].map((unit) => signed(1.5, unit).split('\u00a0')[1]);
+  assert.deepEqual(units, ['dB', 'dB', 'LU', 'dB', 's']);
+  const measure = { unit: 'LUFS', low: -1, high: 0.5, margin: 0.1 };
+  assert.equal(describeInterval(measure),
+               'from \u22121.00\u00a0LU to +0.50\u00a0LU, margin 0.10\u00a0LU');
+});
+
 test('a difference has a sign but where it rounds to nothing', () => {
   assert.equal(signed(-0.001, 'dB'), '0.00\u00a0dB');
   assert.equal(signed(0.001, 'dB'), '0.00\u00a0dB');
@@ -234,8 +243,13 @@ test('a difference is a version where both of its recordings are in the page', (
     difference: { of: ['output', 'input'], db: -40, relative: -20, identical: false, ...extra } });
   assert.equal(differenceVersion(player({})).file,
                'The output less the input \u00b7 \u221240.00\u00a0dBFS \u00b7 \u221220.00\u00a0dB beside the input');
-  assert.equal(differenceVersion(player({ db: null, relative: null, identical: true })).file,
-               'The output less the input \u00b7 none: they are the same');
+  assert.equal(sameWords(player({})), '');
+  // Of two that are the same nothing is drawn, but said.
+  const same = player({ db: null, relative: null, identical: true });
+  assert.equal(differenceVersion(same), null);
+  assert.equal(sameWords(same),
+               'No difference: The output and The input are the same here, sample for sample.');
+  assert.equal(sameWords({ versions: [], difference: null }), '');
   assert.equal(differenceVersion(player({}, null)), null);
   assert.equal(differenceVersion({ versions: [], difference: null }), null);
 });

@@ -151,7 +151,7 @@ const measure = (worst, name, unit, better, difference, half, margin, verdict, e
   name, unit, better, n: 24, clusters: null, a: 18.42, b: rounded(18.42 + difference),
   difference, low: half === null ? null : rounded(difference - half),
   high: half === null ? null : rounded(difference + half), p: 0.031, wins: 9, losses: 14,
-  worst_case: worst, margin, verdict, to_truth: false, untrusted: false, holds: true,
+  worst_case: worst, margin, verdict, to_truth: false, untrusted: false, holds: verdict !== 'undecided',
   more: null, ...extra });
 
 // options: cases, how many of them are heard, rate, seconds, channels, and the keys of the versions.

@@ -52,6 +52,15 @@ test('the first screen says what matters, with what and when', async () => {
   await page.close();
 });
 
+test('a measure says what its verdict is worth, and no more', async () => {
+  const page = await browser.open(sample);
+  await page.waitForSelector('.measures');
+  assert.deepEqual(await texts(page, '.measures tbody td:nth-child(2)'),
+                   ['worse', 'undecidedabout 31 more cases would decide', 'undecided',
+                    'bettertaken alone; not certain among so many measures', 'same']);
+  await page.close();
+});
+
 test('the bar of a measure lies where its interval does', async () => {
   const page = await browser.open(sample);
   const bars = await page.$$eval('.interval', (all) => all.map((bar) => {

@@ -30,8 +30,15 @@ export function quantity(value, unit) {
     ? bare : `${bare}\u00a0${unit}`;
 }
 
-// A difference, with its sign.
-export function signed(value, unit = '') { return plus(value, unit) + quantity(value, unit); }
+// Two levels that refer to full scale differ by decibels or loudness units, which do not.
+export function differenceUnit(unit) {
+  return { dBFS: 'dB', dBTP: 'dB', LUFS: 'LU' }[unit] ?? unit;
+}
+
+// A difference of two values of this unit, with its sign.
+export function signed(value, unit = '') {
+  return plus(value, unit) + quantity(value, differenceUnit(unit));
+}
 
 // The same without its unit, rounded as in it.
 export function signedNumber(value, unit = '') { return plus(value, unit) + number(value, unit); }

@@ -93,7 +93,7 @@ TEST_F(PageSoundTest, ScalesWhatGoesBeyondFullScale) {
   // The input is the same but for two samples, and plays as loud as it is.
   EXPECT_NEAR(versions[0]["lufs"].get<double>(), versions[1]["lufs"].get<double>() - 6.02, 0.1);
   EXPECT_THAT(data.json["cases"][0]["notes"].dump(),
-              HasSubstr("out.wav goes beyond full scale and plays 6.0 dB softer than it is"));
+              HasSubstr("Output out.wav goes beyond full scale and plays 6.0 dB softer than it is"));
 }
 
 TEST_F(PageSoundTest, LinesUpADelayedCopyToTheSample) {

@@ -15,6 +15,11 @@ export function guessHeight(one) {
   return 150 + players + (rows ? 60 + 26 * rows : 0) + 30 * (one.guards ?? []).length;
 }
 
+// A failure that is known and has gone: the suite can be told so.
+export function passesUnawaited(one) {
+  return Boolean(one.known) && one.verdict === 'pass';
+}
+
 function why(one) {
   const words = one.reason || meaning(one.verdict);
   const change = one.change ? `Beside the other run: ${plain(one.change)}` : '';
@@ -25,7 +30,9 @@ function why(one) {
        one.cause && one.cause !== 'none' ? el('span', { class: 'quiet' }, ` (${one.cause})`) : null,
        words ? `: ${words}` : ''),
     change ? el('p', { class: 'reason' }, `${change}${before}.`) : null,
-    one.known ? el('p', { class: 'reason' }, 'Known: ', String(one.known)) : null,
+    one.known ? el('p', { class: passesUnawaited(one) ? 'note' : 'reason' },
+                   passesUnawaited(one) ? 'Passes, though it is known to fail: ' : 'Known: ',
+                   String(one.known)) : null,
     ...(one.notes ?? []).map((note) => el('p', { class: 'note' }, note)),
   ];
 }

@@ -5,14 +5,14 @@ import { figureOf } from '../screen/filter_state.js';
 import { count, duration, quantity, signedNumber } from '../words.js';
 import { slice } from '../compute/slices.js';
 import { Visible } from '../compute/visible.js';
-import { fillBody, guessHeight } from './body.js';
+import { fillBody, guessHeight, passesUnawaited } from './body.js';
 
 const kQuiet = ['pass', 'skip', 'not_run'];
 const kFolded = 56;  // px
 
 // Cases that are as they should be are folded.
 function startsOpen(one) {
-  return !kQuiet.includes(one.verdict) ||
+  return !kQuiet.includes(one.verdict) || passesUnawaited(one) ||
          !['same', null, undefined].includes(one.change);
 }
 

@@ -9,8 +9,16 @@ export const kShownRows = 10;
 const kRank = { worse: 0, changed: 1, gone: 2, undecided: 3, better: 4, new: 5, same: 6 };
 const kBetter = { higher: '\u2191 higher', lower: '\u2193 lower' };
 
+// The only channel of a file is the file.
+function saidTwice(figure, one, all) {
+  return typeof figure.channel === 'number' && channelsOfFile(one, figure.file) === 1 &&
+         all.some((other) => other.name === figure.name && other.file === figure.file &&
+                             (other.channel ?? null) === null);
+}
+
 function rows(one) {
-  const all = [...(one.results ?? []), ...(one.figures ?? [])];
+  const told = [...(one.results ?? []), ...(one.figures ?? [])];
+  const all = told.filter((figure) => !saidTwice(figure, one, told));
   return all.map((figure, at) => ({ figure, at, rank: kRank[figure.change] ?? 6 }))
     .sort((a, b) => a.rank - b.rank || a.at - b.at).map((row) => row.figure);
 }
@@ -44,7 +52,7 @@ export function figuresTable(one) {
   const body = el('tbody', {}, all.slice(0, kShownRows).map((figure) => line(one, figure, compared)));
   const rest = all.slice(kShownRows);
   const more = rest.length === 0 ? null
-    : el('button', { type: 'button', class: 'small', onclick: () => {
+    : el('button', { type: 'button', class: 'small more', onclick: () => {
       body.append(...rest.map((figure) => line(one, figure, compared)));
       more.remove();
       body.closest('.wide').focus({ preventScroll: true });

@@ -57,7 +57,8 @@ export class Spectrum {
     context.restore();
     const highest = this.m_rate / 2000;
     for (const part of [1, 0.5]) {
-      const text = `${Number((highest * part).toPrecision(3))} k`;
+      // Two figures fit beside the drawing, and say enough.
+      const text = `${Number((highest * part).toPrecision(2))} k`;
       mark(context, part === 1 ? `${text}Hz` : text, height * (1 - part), height, colours().quiet);
     }
     const fine = this.m_images[1];

@@ -7,13 +7,24 @@ export function playedGain({ gain }, a, b) {
   return typeof gain === 'number' ? gain + (a.gain ?? 0) - (b.gain ?? 0) : null;
 }
 
+// The two that a difference is of.
+function pair({ difference, versions }) {
+  return (difference?.of ?? []).map((key) => versions.find((v) => v.key === key)).filter(Boolean);
+}
+
+// A sentence where nothing is left: there is nothing to draw or to hear of it.
+export function sameWords(player) {
+  const labels = pair(player);
+  if (labels.length !== 2 || !player.difference.identical) return '';
+  return `No difference: ${labels[0].label} and ${labels[1].label} are the same here, sample for sample.`;
+}
+
 // Null where there is no difference, or where one of the two is not in the page.
 export function differenceVersion(player) {
   const difference = player.difference;
-  const labels = (difference?.of ?? []).map((key) => player.versions.find((v) => v.key === key));
-  if (labels.length !== 2 || labels.some((v) => !v?.audio)) return null;
-  const level = difference.identical ? 'none: they are the same'
-    : typeof difference.db === 'number' ? quantity(difference.db, 'dBFS') : '';
+  const labels = pair(player);
+  if (labels.length !== 2 || difference.identical || labels.some((v) => !v.audio)) return null;
+  const level = typeof difference.db === 'number' ? quantity(difference.db, 'dBFS') : '';
   const relative = typeof difference.relative === 'number'
     ? `${signed(difference.relative, 'dB')} beside ${labels[1].label.toLowerCase()}` : '';
   return { key: 'difference', label: 'Difference', channels: labels[0].channels, lufs: null,

@@ -1,6 +1,7 @@
 // The elements of a player: its title, its controls, its tracks.
 import { el, freshId } from '../dom.js';
 import { time } from '../words.js';
+import { sameWords } from './difference_version.js';
 
 // Which part of the whole recording is there.
 function part({ start, seconds, data: { whole } }) {
@@ -11,6 +12,7 @@ function part({ start, seconds, data: { whole } }) {
 // axis is as wide as all that is drawn; used() is called when a reader turns to the player.
 export function playerFrame(player, one, axis, used) {
   const title = freshId('player');
+  const same = sameWords(player.data);
   const silent = (player.data.versions ?? []).filter((version) => !version.audio);
   return el('section', { class: 'player', tabindex: '0', role: 'group', 'aria-labelledby': title,
                          onfocusin: used, onpointerdown: used },
@@ -19,6 +21,7 @@ export function playerFrame(player, one, axis, used) {
     el('div', { class: 'tracks' },
        el('div', { class: 'track is-ruler' }, el('div', { class: 'track-head' }), axis),
        player.tracks.map((track) => track.node), player.curves.map((curve) => curve.node)),
+    same ? el('p', { class: 'quiet' }, same) : null,
     silent.length > 0 ? el('p', { class: 'note' }, 'Not in this page: ',
                            silent.map((v) => `${v.label} (${v.file ?? ''})`).join(', ')) : null,
     player.heard.length > 1 ? player.abx.node : null);

@@ -12,7 +12,8 @@ export function waveHeight({ channels }) {
 
 export function playerHeight(player) {
   const versions = player.versions ?? [];
-  const difference = player.difference && versions.length > 0 ? [versions[0]] : [];
+  const differ = player.difference && !player.difference.identical;
+  const difference = differ && versions.length > 0 ? [versions[0]] : [];
   const tracks = [...versions, ...difference]
     .reduce((sum, version) => sum + waveHeight(version) + kSpectrum + 10, 0);
   return 150 + kRuler + tracks + 100 * (player.curves ?? []).length;

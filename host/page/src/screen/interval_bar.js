@@ -1,7 +1,7 @@
 // The interval of a measure's difference as a bar: zero in the middle, the margin shaded around it, more
 // to the right.
 import { svg } from '../dom.js';
-import { quantity, signed } from '../words.js';
+import { differenceUnit, quantity, signed } from '../words.js';
 
 const kWide = 150;
 const kHigh = 18;
@@ -14,11 +14,9 @@ function reach(measure) {
 
 export function describeInterval(measure) {
   const unit = measure.unit;
-  if (measure.low === null || measure.low === undefined) {
-    return `too few for an interval, margin ${quantity(measure.margin, unit)}`;
-  }
-  return `from ${signed(measure.low, unit)} to ${signed(measure.high, unit)}, ` +
-         `margin ${quantity(measure.margin, unit)}`;
+  const margin = `margin ${quantity(measure.margin, differenceUnit(unit))}`;
+  if (measure.low === null || measure.low === undefined) return `too few for an interval, ${margin}`;
+  return `from ${signed(measure.low, unit)} to ${signed(measure.high, unit)}, ${margin}`;
 }
 
 export function intervalBar(measure) {

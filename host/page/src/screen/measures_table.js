@@ -1,7 +1,7 @@
 // What the other run is compared by: one line a measure, with its interval as a small bar.
 import { badge } from '../icons.js';
 import { el } from '../dom.js';
-import { number, quantity, signed } from '../words.js';
+import { count, number, quantity, signed } from '../words.js';
 import { intervalBar } from './interval_bar.js';
 
 const kColumns = ['Measure', 'Verdict', 'Before', 'Now', 'Difference', '95 % interval, beside the margin',
@@ -15,9 +15,10 @@ function direction(measure) {
 
 function caveat(measure) {
   if (measure.untrusted) return 'this measure has not passed its self-test';
-  if (measure.holds === false) return 'by itself: not after the correction for many measures';
-  if (measure.more) return `about ${number(measure.more)} more cases would decide`;
-  return '';
+  if (measure.verdict === 'undecided') {
+    return measure.more ? `about ${count(measure.more, 'more case')} would decide` : '';
+  }
+  return measure.holds === false ? 'taken alone; not certain among so many measures' : '';
 }
 
 function link(title, choose, ...words) {
@@ -73,6 +74,6 @@ export function drawMeasures(root, data, choose) {
     el('section', { 'aria-labelledby': 'measures-title' },
        el('h2', { id: 'measures-title' }, 'Measures against ', data.against.name),
        others.length > 0 ? table(others, cases, choose) : null,
-       same.length > 0 ? el('details', { class: 'fold' }, el('summary', {}, words),
+       same.length > 0 ? el('details', { class: 'fold is-told' }, el('summary', {}, words),
                             table(same, cases, choose)) : null));
 }
