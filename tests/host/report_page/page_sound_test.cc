@@ -92,8 +92,9 @@ TEST_F(PageSoundTest, ScalesWhatGoesBeyondFullScale) {
   EXPECT_NEAR(versions[0]["gain"].get<double>(), -6.02, 0.01);
   // The input is the same but for two samples, and plays as loud as it is.
   EXPECT_NEAR(versions[0]["lufs"].get<double>(), versions[1]["lufs"].get<double>() - 6.02, 0.1);
-  EXPECT_THAT(data.json["cases"][0]["notes"].dump(),
-              HasSubstr("Output out.wav goes beyond full scale and plays 6.0 dB softer than it is"));
+  EXPECT_THAT(
+      data.json["cases"][0]["notes"].dump(),
+      HasSubstr("Output out.wav goes beyond full scale and plays 6.0 dB softer than it is"));
 }
 
 TEST_F(PageSoundTest, LinesUpADelayedCopyToTheSample) {
