@@ -17,6 +17,12 @@ namespace {
 // interpolation makes no more than 2.5 times of them.
 constexpr double kCertain = -8;
 
+bool AreBelow(double limit, const std::vector<ChannelSurvey>& surveys) {
+  return std::ranges::all_of(surveys, [limit](const ChannelSurvey& survey) {
+    return survey.level.Peak().value.value_or(-INFINITY) < limit;
+  });
+}
+
 // Passes a signal on in interleaved blocks of a tenth of a second without what is not finite, until
 // `use` returns false.
 void ForEachBlock(const Signal& signal, const std::function<bool(std::span<const float>)>& use) {
@@ -46,6 +52,12 @@ std::vector<double> PeaksOf(const Signal& signal) {
   return peaks;
 }
 
+// Whether no crest of the input raises what is allowed the output. Of another number of channels
+// only the mean was surveyed.
+bool IsSoft(const Signal& input, const Signal& output, const Surveys& surveys) {
+  return input.channels == output.channels && AreBelow(kCertain - kMoreTruePeak, surveys.input);
+}
+
 // The frame at which a channel first goes over its limit, in dBTP, in the block from `first` on.
 size_t FrameOver(double limit, const Signal& signal, int channel, size_t first) {
   constexpr size_t kBefore = 64;  // Frames, by which the meter forgets what came before.
@@ -66,16 +78,11 @@ size_t FrameOver(double limit, const Signal& signal, int channel, size_t first) 
 
 void CheckTruePeak(const GuardInput& input, const Surveys& surveys, GuardHits& hits) {
   const Signal& out = *input.output;
-  if (!hits.IsOn(Guard::kTruePeak) ||
-      std::ranges::all_of(surveys.output, [](const ChannelSurvey& survey) {
-        return survey.level.Peak().value.value_or(-INFINITY) < kCertain;
-      })) {
-    return;
-  }
+  if (!hits.IsOn(Guard::kTruePeak) || AreBelow(kCertain, surveys.output)) return;
   const std::vector<double> peaks = PeaksOf(out);
   if (std::ranges::max(peaks) <= kMaxTruePeak) return;
   std::vector<double> limits(peaks.size(), kMaxTruePeak);
-  if (input.input != nullptr) {
+  if (input.input != nullptr && !IsSoft(*input.input, out, surveys)) {
     const std::vector<double> given = PeaksOf(*input.input);
     for (size_t i = 0; i < limits.size(); ++i) {
       const double like = given.size() == limits.size() ? given[i] : std::ranges::max(given);

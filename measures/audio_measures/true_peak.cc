@@ -40,24 +40,65 @@ Floats Load(const float* from) {
 
 Floats Larger(const Floats& a, const Floats& b) { return a > b ? a : b; }
 
-// The largest magnitude of `frames` values, each the sum of the samples from its place on times the
-// weights.
-float Largest(const float* samples, size_t frames, std::span<const float> weights) {
+float Highest(const Floats& value) {
+  float largest = 0;
+  for (size_t lane = 0; lane < kLanes; ++lane) largest = std::max(largest, value[lane]);
+  return largest;
+}
+
+float LargestOf(std::span<const float> samples) {
   Floats largest = {};
   size_t i = 0;
-  for (; i + kLanes <= frames; i += kLanes) {
-    Floats sum = {};
-    for (size_t tap = 0; tap < weights.size(); ++tap) sum += Load(samples + i + tap) * weights[tap];
-    largest = Larger(largest, Larger(sum, -sum));
+  for (; i + kLanes <= samples.size(); i += kLanes) {
+    const Floats value = Load(samples.data() + i);
+    largest = Larger(largest, Larger(value, -value));
   }
-  float peak = 0;
-  for (size_t lane = 0; lane < kLanes; ++lane) peak = std::max(peak, largest[lane]);
+  float peak = Highest(largest);
+  for (; i < samples.size(); ++i) peak = std::max(peak, std::fabs(samples[i]));
+  return peak;
+}
+
+// The largest magnitude of `frames` values of each of `kPhases` filters, each the sum of the
+// samples from its place on times the weights. All filters take a sample while it is in a register,
+// and their sums do not wait for each other.
+template <size_t kPhases>
+float Largest(const float* samples, size_t frames, std::span<const float> weights) {
+  constexpr size_t kWide = 2;  // Registers of frames at a time.
+  const size_t taps = weights.size() / kPhases;
+  Floats largest = {};
+  size_t i = 0;
+  for (; i + kWide * kLanes <= frames; i += kWide * kLanes) {
+    Floats sums[kPhases][kWide] = {};
+    for (size_t tap = 0; tap < taps; ++tap) {
+      const Floats first = Load(samples + i + tap);
+      const Floats second = Load(samples + i + tap + kLanes);
+      for (size_t phase = 0; phase < kPhases; ++phase) {
+        const float weight = weights[phase * taps + tap];
+        sums[phase][0] += first * weight;
+        sums[phase][1] += second * weight;
+      }
+    }
+    for (const auto& ofPhase : sums) {
+      for (const Floats& sum : ofPhase) largest = Larger(largest, Larger(sum, -sum));
+    }
+  }
+  float peak = Highest(largest);
   for (; i < frames; ++i) {
-    float sum = 0;
-    for (size_t tap = 0; tap < weights.size(); ++tap) sum += samples[i + tap] * weights[tap];
-    peak = std::max(peak, std::fabs(sum));
+    for (size_t phase = 0; phase < kPhases; ++phase) {
+      float sum = 0;
+      for (size_t tap = 0; tap < taps; ++tap) sum += samples[i + tap] * weights[phase * taps + tap];
+      peak = std::max(peak, std::fabs(sum));
+    }
   }
   return peak;
+}
+
+// Between the samples; there are the filters of an oversampling by 4, by 2 or none.
+float LargestBetween(const float* samples, size_t frames, std::span<const float> weights,
+                     size_t taps) {
+  if (weights.empty()) return 0;
+  return weights.size() == taps ? Largest<1>(samples, frames, weights)
+                                : Largest<3>(samples, frames, weights);
 }
 
 }  // namespace
@@ -98,12 +139,14 @@ void TruePeak::AddRun(std::span<const float> samples, Channel& channel) {
   const size_t stride = m_channels.size();
   const size_t count = (samples.size() + stride - 1) / stride;
   float* const run = channel.samples.data() + Before();
-  for (size_t i = 0; i < count; ++i) run[i] = samples[i * stride];
-  for (size_t i = 0; i < count; ++i) channel.last = std::max(channel.last, std::fabs(run[i]));
-  for (size_t phase = 0; phase * m_taps < m_weights.size(); ++phase) {
-    const auto weights = std::span(m_weights).subspan(phase * m_taps, m_taps);
-    channel.last = std::max(channel.last, Largest(channel.samples.data(), count, weights));
+  if (stride == 1) {
+    std::ranges::copy(samples, run);
+  } else {
+    for (size_t i = 0; i < count; ++i) run[i] = samples[i * stride];
   }
+  channel.last = std::max(channel.last, LargestOf({run, count}));
+  channel.last =
+      std::max(channel.last, LargestBetween(channel.samples.data(), count, m_weights, m_taps));
   std::copy_n(channel.samples.data() + count, Before(), channel.samples.data());
 }
 

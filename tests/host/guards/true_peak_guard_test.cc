@@ -27,6 +27,17 @@ const GuardHit* TruePeakHit(const std::vector<GuardHit>& hits) {
   return Find(hits, Guard::kTruePeak);
 }
 
+// Samples of that size in one place, of signs that make as much between the middle two as is
+// possible: 5.8 dB more.
+Sound Steep(float size) {
+  Sound sound = Silence(1);
+  for (size_t i = 0; i < 12; ++i) {
+    const bool up = i < 6 ? i % 2 == 1 : i % 2 == 0;
+    sound.samples[20000 + i] = up ? size : -size;
+  }
+  return sound;
+}
+
 TEST(TruePeakGuard, BeginsAtFullScaleBetweenTheSamples) {
   const Sound in = Crests(-6);
   EXPECT_EQ(TruePeakHit(Check(in, Crests(-0.3))), nullptr);
@@ -56,6 +67,25 @@ TEST(TruePeakGuard, SaysWhereTheCrestIs) {
 TEST(TruePeakGuard, AllowsADecibelMoreThanTheInput) {
   EXPECT_EQ(TruePeakHit(Check(Crests(2), Crests(2.9))), nullptr);
   EXPECT_NE(TruePeakHit(Check(Crests(2), Crests(3.1))), nullptr);
+}
+
+TEST(TruePeakGuard, GoesByTheCrestsOfAnInputOfSoftSamples) {
+  const Sound in = Steep(0.5F);
+  EXPECT_EQ(TruePeakHit(CheckAlone(in)), nullptr);
+  EXPECT_NE(TruePeakHit(CheckAlone(Steep(0.55F))), nullptr);
+  EXPECT_EQ(TruePeakHit(Check(in, Steep(0.55F))), nullptr);
+  EXPECT_NE(TruePeakHit(Check(in, Steep(0.6F))), nullptr);
+}
+
+// Which are upside down against each other, so that nothing is in their mean.
+TEST(TruePeakGuard, GoesByTheCrestsOfEachChannelOfTheInput) {
+  const Sound mono = Crests(2);
+  Sound in = Silence(1, 2);
+  for (size_t i = 0; i < mono.samples.size(); ++i) {
+    in.samples[2 * i] = mono.samples[i];
+    in.samples[2 * i + 1] = -mono.samples[i];
+  }
+  EXPECT_EQ(TruePeakHit(Check(in, Crests(2.5))), nullptr);
 }
 
 TEST(TruePeakGuard, NeedsNoInput) {
