@@ -145,8 +145,12 @@ TEST(AudioAccelerate, ClampsThePercentage) {
 
 TEST(AudioAccelerate, PassesWhatItCannotDo) {
   const Shorts in = SungNote(220, 44100, 1, 2);
-  for (const auto& [rate, channels, size] :
-       {std::tuple{192000, 2, 16}, {44100, 20, 16}, {44100, 0, 16}, {0, 2, 16}, {44100, 2, 24}}) {
+  for (const auto& [rate, channels, size] : {std::tuple{192000, 2, 16},
+                                             {44100, 20, 16},
+                                             {44100, 3, 16},
+                                             {44100, 0, 16},
+                                             {0, 2, 16},
+                                             {44100, 2, 24}}) {
     CapturedStderr log;
     const Accelerator accelerator = Enabled(50);
     for (int call = 0; call < 3; ++call) {

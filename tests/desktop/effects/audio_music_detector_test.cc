@@ -58,6 +58,17 @@ TEST(AudioMusicDetectorTest, DecidesWithin3Seconds) {
   EXPECT_TRUE(detector.IsMusic());
 }
 
+// Of less than that nothing is decided, not even of the clearest music.
+TEST(AudioMusicDetectorTest, DecidesAfterASecondAndAHalf) {
+  AudioMusicDetector detector;
+  detector.Enable(true);
+  const Doubles song = Song(16000, 2, true, true, true);
+  Listen(detector, Doubles(song.begin(), song.begin() + 16000 * 14 / 10), 16000, 1);
+  EXPECT_FALSE(detector.IsMusic());
+  Listen(detector, Doubles(song.begin() + 16000 * 14 / 10, song.end()), 16000, 1);
+  EXPECT_TRUE(detector.IsMusic());
+}
+
 TEST(AudioMusicDetectorTest, EndsMusicInSilence) {
   AudioMusicDetector detector;
   detector.Enable(true);
