@@ -192,6 +192,19 @@ TEST(RateChanger, RefusesABlockOfOtherChannels) {
   EXPECT_THAT(out, SizeIs(320));
 }
 
+TEST(RateChanger, TakesAnEmptyBlockForNoFault) {
+  CapturedStderr log;
+  RateChanger changer(true);
+  Start(changer, 2, 16000, 1);
+  Shorts in(1);
+  std::string out = "old";
+  changer.Process(in.data(), 0, 1, out);
+  EXPECT_THAT(out, IsEmpty());
+  EXPECT_THAT(log.Lines(), IsEmpty());
+  changer.Process(in.data(), -1, 1, out);
+  EXPECT_THAT(log.Lines(), SizeIs(1)) << "one of fewer samples than none is";
+}
+
 TEST(RateChanger, ClampsTheRatio) {
   Shorts in = SungNote(220, 8000, 10);
   for (const auto& [asked, used] : {std::pair{100.0, 4.0}, {0.0, 0.25}, {-3.0, 0.25}}) {
