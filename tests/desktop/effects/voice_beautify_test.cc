@@ -247,6 +247,18 @@ TEST(VoiceBeautify, LeavesABlockAloneThatIsLongerThanItsRoom) {
   EXPECT_NE(block, before);
 }
 
+TEST(VoiceBeautify, CountsTheSamplesOfAllChannels) {
+  const Beautify effect = Enabled(mode2, 1, 0);
+  Shorts samples = SungNote(220, 16000, 0.1, 2);
+  const Shorts before = samples;
+  auto* block = reinterpret_cast<unsigned short*>(samples.data());
+  EXPECT_EQ(effect->VoiceBeautifyProcess(block, 320, 16000, 2), 320);
+  EXPECT_NE(Shorts(samples.begin(), samples.begin() + 320),
+            Shorts(before.begin(), before.begin() + 320));
+  EXPECT_EQ(Shorts(samples.begin() + 320, samples.end()),
+            Shorts(before.begin() + 320, before.end()));
+}
+
 TEST(VoiceBeautify, ForgetsWhenFlushed) {
   const Shorts in = SungNote(220, 16000, 1);
   const Beautify effect = Enabled(mode6, 1, 2);
