@@ -49,6 +49,12 @@ TEST(NameFiles, ANameIsOneOnlyIfAFileIsCalledSo) {
   EXPECT_EQ(Named({"near.wav="}, places), "--in near.wav= is without its file");
 }
 
+TEST(NameFiles, ANameMayHoldWhatEndsNames) {
+  const std::vector<FilePlace> places = Places({"take.wav", "take=2.wav", "last="});
+  EXPECT_EQ(Named({"take=2.wav=a"}, places), "1=a");
+  EXPECT_EQ(Named({"last==b=c"}, places), "2=b=c");
+}
+
 TEST(NameFiles, ALastComponentThatTwoShareIsRefused) {
   const std::vector<FilePlace> places = Places({"a/in.wav", "b/in.wav"});
   EXPECT_EQ(Named({"in.wav=x"}, places),

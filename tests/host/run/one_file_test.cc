@@ -85,6 +85,13 @@ TEST_F(OneFileTest, ReadsThroughLinksButWritesOnlyInTheWorkspace) {
   EXPECT_TRUE(fs::is_empty("elsewhere"));
 }
 
+TEST_F(OneFileTest, FailsWhereAnArgumentLeadsOutOfTheWorkspace) {
+  const Finished run = Run({"WriteTo", "../outside"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("fail  WriteTo  output ../outside leads out of the workspace  "));
+  EXPECT_FALSE(fs::exists("outside"));
+}
+
 TEST_F(OneFileTest, RefusesToOpenAnUndeclaredFileThroughALinkThatLeadsOut) {
   WriteFile("victim", "precious");
   fs::create_symlink("../victim", "bench_work/link");
