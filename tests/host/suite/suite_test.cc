@@ -105,6 +105,10 @@ TEST_F(SuiteRunTest, ADryRunOnlySaysWhatThereIs) {
   EXPECT_EQ(suite.exitCode, 0);
   EXPECT_EQ(suite.out, "a  WriteBytes 8\nNothing\n2 cases\n");
   EXPECT_FALSE(std::filesystem::exists("r"));
+  WriteFile("s.toml", Case("a", "WriteBytes", "arguments = [\"8\"]") +
+                          Case("b", "Copy", "arguments = [\"out.pcm\", \"c\"]\nafter = [\"a\"]"));
+  EXPECT_EQ(Suite({"s.toml", "b", "--dry-run"}).out,
+            "a  WriteBytes 8  (for the cases that follow it)\nb  Copy out.pcm c\n1 case\n");
 }
 
 TEST_F(SuiteRunTest, EachCaseHasItsWorkspaceItsReportAndItsOutputs) {
