@@ -142,6 +142,27 @@ test('the difference is that of the files where one of them plays softer', async
   await page.close();
 });
 
+test('a sound output that is late is waited for, and that is said', async () => {
+  const sample = sampleOf(kTwoRamps);
+  const page = await openPlayer(browser, sample);
+  await page.evaluate(() => {
+    const { resume } = AudioContext.prototype;
+    let late = true;
+    const answered = new Promise((answer) => { window.answer = answer; }).then(() => { late = false; });
+    AudioContext.prototype.resume = function () { return answered.then(() => resume.call(this)); };
+    const { get } = Object.getOwnPropertyDescriptor(BaseAudioContext.prototype, 'state');
+    Object.defineProperty(AudioContext.prototype, 'state',
+                          { get() { return late ? 'suspended' : get.call(this); } });
+  });
+  await page.click('.play');
+  await page.waitForFunction(() =>
+    document.querySelector('.bar [role=status]').textContent === 'No sound output answers yet');
+  await page.evaluate(() => window.answer());
+  await page.waitForSelector('.play[aria-label=Pause]');
+  assert.equal(await page.$eval('.bar [role=status]', (state) => state.textContent), '');
+  await page.close();
+});
+
 test('a recording that cannot be decoded says so, and nothing pretends to play', async () => {
   const sample = sampleOf(kTwoRamps);
   sample.audio.set('0-reference', Buffer.from('no recording'));

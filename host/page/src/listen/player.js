@@ -76,7 +76,7 @@ export class Player {
       const wanted = () => turn === this.m_turn;
       this.m_loading = loadTracks(this, wanted).then(
         (all) => (all ? this.#loaded() : null),
-        (error) => { this.bar.state.textContent = `Cannot be played: ${error.message}`; });
+        (error) => this.#say(`Cannot be played: ${error.message}`));
     }
     return this.m_loading;
   }
@@ -97,10 +97,7 @@ export class Player {
     for (const part of [...this.tracks, ...this.curves]) part.release();
   }
 
-  #resize(width) {
-    this.width = Math.floor(width);
-    this.redraw();
-  }
+  #resize(width) { this.width = Math.floor(width); this.redraw(); }
 
   #shown() {
     return `Time from ${time(this.start + this.view.from)} to ${time(this.start + this.view.to)}`;
@@ -154,27 +151,26 @@ export class Player {
     this.#showPlace();
   }
 
+  #say(words) { this.bar.state.textContent = words; }
+
   async play() {
     await this.load();
     if (s_playing && s_playing !== this) s_playing.stop();
     s_playing = this;
     try {
-      await this.transport.play();
+      await this.transport.play(() => this.#say('No sound output answers yet'));
     } catch (error) {
-      this.bar.state.textContent = `Cannot be played: ${error.message}`;
+      this.#say(`Cannot be played: ${error.message}`);
       return;
     }
     // What cannot be decoded has said so.
     if (!this.transport.playing) return;
-    this.bar.state.textContent = '';
+    this.#say('');
     this.bar.showPlaying(true);
     this.#tick();
   }
 
-  stop() {
-    this.transport.stop();
-    this.#stopped();
-  }
+  stop() { this.transport.stop(); this.#stopped(); }
 
   toggle() { return this.transport.playing ? this.stop() : this.play(); }
 

@@ -5,7 +5,7 @@ import { channelsOf, toBuffer } from './recordings.js';
 const kFade = 0.008;  // s, from one version to the next
 const kAhead = 0.02;  // s, after which what was made ready begins
 const kMostChannels = 32;  // of a buffer, in every browser
-const kPatience = 5000;  // ms that a sound output has to begin
+const kPatience = 5000;  // ms, after which it is said that a sound output has not begun yet
 const kRest = 1000;   // ms, after which the audio of a page that is still is switched off
 
 const m_contexts = new Map();
@@ -21,11 +21,14 @@ function contextOf(rate) {
 
 function isUsed(context) { return [...m_running].some((one) => one.context === context); }
 
-// Without a sound output some browsers never say that they cannot play.
-function running(context) {
-  return Promise.race([context.resume(), new Promise((_, failed) => {
-    setTimeout(() => failed(new Error('no sound output answers')), kPatience);
-  })]);
+// Without a sound output some browsers never say that they cannot play, and that of a busy machine is late.
+async function running(context, onlate) {
+  const late = setTimeout(onlate, kPatience);
+  try {
+    await context.resume();
+  } finally {
+    clearTimeout(late);
+  }
 }
 
 // A gain that goes to its next value in a straight line: two versions that are alike add up to
@@ -102,10 +105,11 @@ export class Transport {
   // Places are whole samples, so that a clock of the page and the sources do not drift apart.
   #whole(seconds) { return Math.round(seconds * this.rate) / this.rate; }
 
-  async play() {
+  // Calls onlate() where a sound output does not answer soon; once it does, it plays.
+  async play(onlate) {
     if (this.m_run) return;
     const context = contextOf(this.rate);
-    if (context.state !== 'running') await running(context);
+    if (context.state !== 'running') await running(context, onlate);
     if (!this.m_run && this.m_all) this.#begin(context);
   }
 
