@@ -18,11 +18,19 @@ namespace host {
 
 namespace {
 
-[[noreturn]] void Refuse(const SuiteCase& one, const std::string& key, const std::string& doing,
-                         const std::string& name, const std::string& alike) {
-  throw UsageError{key + ": " + one.routine + " " + doing + " no \"" + name +
-                   "\" with these arguments" +
-                   (alike.empty() ? "" : "; did you mean \"" + alike + "\"?")};
+constexpr size_t kMaxNames = 5;
+
+// What to write instead: the name that is like it, or all names where they are few.
+std::string Instead(const std::string& name, const std::vector<std::string_view>& names,
+                    const std::string& doing) {
+  const auto alike = NamesAlike(name, names);
+  if (!alike.empty()) return "; did you mean \"" + std::string(alike.front()) + "\"?";
+  if (names.empty() || names.size() > kMaxNames) return "";
+  std::string text = "; it " + doing;
+  for (const std::string_view each : names) {
+    text.append(each == names.front() ? " \"" : ", \"").append(each).append("\"");
+  }
+  return text;
 }
 
 // Throws UsageError when the routine has no file of one of the names. `doing`: "reads", "writes".
@@ -35,8 +43,8 @@ void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
         std::any_of(places.begin(), places.end(),
                     [wanted = name](const auto& place) { return IsCalled(place, wanted); });
     if (known) continue;
-    const auto alike = NamesAlike(name, names);
-    Refuse(one, key, doing, name, alike.empty() ? "" : std::string(alike.front()));
+    throw UsageError{key + ": " + one.routine + " " + doing + " no \"" + name +
+                     "\" with these arguments" + Instead(name, names, doing)};
   }
 }
 

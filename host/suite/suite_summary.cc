@@ -11,6 +11,7 @@ namespace host {
 namespace {
 
 constexpr size_t kMaxRows = 200;
+constexpr size_t kWidestId = 40;  // A longer one moves its own reason, not those of all others.
 
 struct Row {
   std::string verdict;
@@ -36,7 +37,7 @@ std::string Table(const std::vector<Row>& rows, size_t more, const Paint& paint)
   size_t ids = 0;
   for (const Row& row : rows) {
     verdicts = std::max(verdicts, row.verdict.size());
-    ids = std::max(ids, row.id.size());
+    ids = std::max(ids, std::min(row.id.size(), kWidestId));
   }
   std::string text;
   for (const Row& row : rows) {

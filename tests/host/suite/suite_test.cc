@@ -45,6 +45,24 @@ TEST_F(SuiteRunTest, EveryVerdictIsCountedOnceAndTold) {
   EXPECT_THAT(suite.out, HasSubstr("\nresults  r/results.json, results.csv, junit.xml\n"));
 }
 
+TEST_F(SuiteRunTest, ALongNameMovesNoReasonButItsOwn) {
+  const std::string longName(100, 'n');
+  const Finished suite = RunCases(Case("bad", "WriteNothing") + Case(longName, "WriteNothing"));
+  EXPECT_THAT(suite.out, HasSubstr("\nfail  bad" + std::string(37, ' ') + "  output "));
+  EXPECT_THAT(suite.out, HasSubstr("\nfail  " + longName + "  output "));
+}
+
+TEST_F(SuiteRunTest, ARecordingForNothingIsToldWhatThereIs) {
+  const auto fault = [](const std::string& name) {
+    return RunCases(Case("a", "ReadAll",
+                         "arguments = [\"given.pcm\"]\nin = { \"" + name + "\" = \"s.toml\" }"))
+        .err;
+  };
+  EXPECT_THAT(fault("music.wav"),
+              HasSubstr("reads no \"music.wav\" with these arguments; it reads \"given.pcm\"\n"));
+  EXPECT_THAT(fault("givn.pcm"), HasSubstr("; did you mean \"given.pcm\"?\n"));
+}
+
 TEST_F(SuiteRunTest, TheWorstCaseIsTheExitCode) {
   const std::string good = Case("good", "WritePcm");
   const std::string fail = Case("f", "WriteNothing");
