@@ -61,6 +61,7 @@ std::vector<Control> LoudnessControls();
 std::vector<Control> AlignmentControls();
 std::vector<Control> ReferenceControls();
 std::vector<Control> SpectralControls();
+std::vector<Control> ShortSpectraControls();
 std::vector<Control> IntelligibilityControls();
 std::vector<Control> EnhancementControls();
 std::vector<Control> EchoControls();

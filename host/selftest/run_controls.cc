@@ -89,8 +89,8 @@ const std::vector<Control>& AllControls() {
     std::vector<Control> controls;
     for (const auto part :
          {LevelControls, TruePeakControls, LoudnessControls, AlignmentControls, ReferenceControls,
-          SpectralControls, IntelligibilityControls, EnhancementControls, EchoControls,
-          CodecControls, TimeControls, TempoControls, InputControls}) {
+          SpectralControls, ShortSpectraControls, IntelligibilityControls, EnhancementControls,
+          EchoControls, CodecControls, TimeControls, TempoControls, InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;
