@@ -68,6 +68,7 @@ std::vector<Control> EchoControls();
 std::vector<Control> CodecControls();
 std::vector<Control> TimeControls();
 std::vector<Control> TempoControls();
+std::vector<Control> RhythmControls();
 std::vector<Control> InputControls();
 
 // All of them.

@@ -90,7 +90,8 @@ const std::vector<Control>& AllControls() {
     for (const auto part :
          {LevelControls, TruePeakControls, LoudnessControls, AlignmentControls, ReferenceControls,
           SpectralControls, ShortSpectraControls, IntelligibilityControls, EnhancementControls,
-          EchoControls, CodecControls, TimeControls, TempoControls, InputControls}) {
+          EchoControls, CodecControls, TimeControls, TempoControls, RhythmControls,
+          InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

@@ -41,6 +41,16 @@ Samples WhiteNoise(size_t count, double rms, uint64_t seed) {
   return samples;
 }
 
+void AddBell(Samples& samples, int rate, double time, double hz, double amplitude) {
+  constexpr double kDeviation = 0.02;  // s
+  const size_t end = std::min(samples.size(), Frames(rate, time + 5 * kDeviation));
+  for (size_t i = Frames(rate, std::max(0.0, time - 5 * kDeviation)); i < end; ++i) {
+    const double away = static_cast<double>(i) / rate - time;
+    const double bell = std::exp(-away * away / (2 * kDeviation * kDeviation));
+    samples[i] += static_cast<float>(amplitude * bell * std::sin(2 * std::numbers::pi * hz * away));
+  }
+}
+
 Samples Scaled(std::span<const float> samples, double gain) {
   Samples scaled(samples.begin(), samples.end());
   for (float& sample : scaled) sample = static_cast<float>(sample * gain);

@@ -28,6 +28,9 @@ size_t Frames(int rate, double seconds);
 Samples Sine(int rate, double seconds, double hz, double amplitude, double phase = 0);
 Samples WhiteNoise(size_t count, double rms, uint64_t seed);
 
+// A tone in a bell of 20 ms to either side of the time, so that it is heard in its own band alone.
+void AddBell(Samples& samples, int rate, double time, double hz, double amplitude);
+
 Samples Scaled(std::span<const float> samples, double gain);
 Samples Sum(std::span<const float> a, std::span<const float> b);
 void Append(Samples& to, std::span<const float> samples);

@@ -1,6 +1,5 @@
 #include <cmath>
 #include <functional>
-#include <numbers>
 
 #include "selftest/control.h"
 
@@ -19,23 +18,11 @@ struct Onset {
   double gain = 1;
 };
 
-// A bell of 20 ms to either side of the time, so that a tone is heard in its own band alone.
-void AddTone(Samples& samples, int rate, double time, double hz, double gain) {
-  constexpr double kDeviation = 0.02;  // s
-  for (size_t i = 0; i < samples.size(); ++i) {
-    const double away = static_cast<double>(i) / rate - time;
-    if (std::abs(away) > 5 * kDeviation) continue;
-    const double bell = std::exp(-away * away / (2 * kDeviation * kDeviation));
-    samples[i] +=
-        static_cast<float>(0.1 * gain * bell * std::sin(2 * std::numbers::pi * hz * away));
-  }
-}
-
 Samples Sounding(int rate, double seconds, const std::vector<Onset>& onsets) {
   Samples samples(Frames(rate, seconds));
   for (const Onset& onset : onsets) {
     if (onset.tones.empty()) samples[Frames(rate, onset.time)] = 0.5F;
-    for (const double hz : onset.tones) AddTone(samples, rate, onset.time, hz, onset.gain);
+    for (const double hz : onset.tones) AddBell(samples, rate, onset.time, hz, 0.1 * onset.gain);
   }
   return samples;
 }

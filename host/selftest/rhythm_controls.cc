@@ -1,0 +1,117 @@
+#include <cmath>
+#include <numbers>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr double kStep = 0.01;  // s
+
+// Clicks after so many steps.
+Scene Clicking(const std::vector<double>& steps, double seconds) {
+  Samples samples(Frames(kRate, seconds));
+  for (const double step : steps) samples[Frames(kRate, step * kStep)] = 0.5F;
+  return {.output = {kRate, {std::move(samples)}}};
+}
+
+// Beats of half a second, by so many steps shorter and longer in turn.
+Control Limping(double off, double bpm) {
+  return {"beats shorter and longer by " + std::to_string(off) + " steps in turn",
+          "Smoothed four times a click is a bell, whose autocorrelation has the variance 5.1: half "
+          "a second repeats itself by exp(-off^2 / 10.2), of which its mean of 0.11 is taken off, "
+          "and a whole second by 1, which counts exp(-1 / 2) = 0.61. The former is 0.63 for 2 "
+          "steps, 0.57 for 2.2.",
+          [off] {
+            std::vector<double> steps;
+            double step = 10;
+            for (int i = 0; step < 1990; ++i) {
+              steps.push_back(step);
+              step += 50 + (i % 2 == 0 ? -off : off);
+            }
+            return Clicking(steps, 20);
+          },
+          {{"tempo", bpm, 0.1}}};
+}
+
+Control TwoTempos() {
+  return {"beats of 50 steps, then of 50.5",
+          "Eight beats last 400 steps or 404, whose bells make one in the middle; 16 would be two.",
+          [] {
+            std::vector<double> steps;
+            for (double step = 10; step < 3390; step += step < 1700 ? 50 : 50.5) {
+              steps.push_back(step);
+            }
+            return Clicking(steps, 34);
+          },
+          {{"tempo", 6000 / 50.25, 0.1}}};
+}
+
+Control Bars() {
+  return {"bars of eight beats of half a step too much each, but the last",
+          "Eight beats are 400 steps in all of them; two and four are longer in most.",
+          [] {
+            std::vector<double> steps;
+            for (int i = 0; i < 64; ++i) steps.push_back(10 + 50 * i + 0.5 * (i % 8));
+            return Clicking(steps, 33);
+          },
+          {{"tempo", 120, 0.05}}};
+}
+
+// Soft pairs half a second apart and a loud one a second apart, no other two within 1.5 s.
+Control SoftBesideLoud(int soft, double bpm) {
+  return {std::to_string(soft) + " pairs 4 dB over the floor, and one loud",
+          "Beside a steady tone a soft burst is 3.5 times the floor and rises by ln 4.5 = 1.5, a "
+          "loud one 400 times and by 6: 16 soft pairs weigh as much as it, 10 with the weight of "
+          "exp(-1 / 2) for a second. It would be 17 with twice the floor, 6 with half of it.",
+          [soft] {
+            std::vector<std::pair<double, double>> bursts;
+            int place = 30;
+            for (int i = 0; i <= soft; ++i) {
+              const double amplitude = i < soft ? 0.000327 : 0.0035;
+              place += 161 + 11 * i;
+              bursts.emplace_back(place * kStep, amplitude);
+              place += i < soft ? 50 : 100;
+              bursts.emplace_back(place * kStep, amplitude);
+            }
+            Samples samples = Sine(kRate, place * kStep + 2, 7000, 0.3);
+            for (const auto& [time, amplitude] : bursts) {
+              AddBell(samples, kRate, time, 5000, amplitude);
+            }
+            return Scene{.output = {kRate, {std::move(samples)}}};
+          },
+          {{"tempo", bpm, 0.05 * bpm}}};
+}
+
+// Bursts at random, one band after the other, from none to two in 30 ms.
+Control Swelling() {
+  return {"bursts at random that swell every three seconds",
+          "The mean over a second, taken off, leaves 0.18 of such a swell, whose autocorrelation "
+          "is 0.03 beside that of the bursts: nothing. Over two seconds it leaves 0.59, and 0.3.",
+          [] {
+            constexpr int rate = 8000;
+            Samples samples = Sine(rate, 40, 3900, 0.01);
+            Random random(5);
+            int band = 0;
+            for (double time = 0.2; time < 39.7; time += kStep) {
+              const double chance = 0.33 * (1 - std::cos(2 * std::numbers::pi * time / 3));
+              if (random.Uniform() >= chance) continue;
+              const double hz = 60 * std::pow(4000 / 60.0, (band % 24 + 0.5) / 24);
+              AddBell(samples, rate, time + kStep * random.Uniform(), hz, 0.1);
+              ++band;
+            }
+            return Scene{.output = {rate, {std::move(samples)}}};
+          },
+          {{.measure = "tempo", .reason = "nothing that repeats itself"}}};
+}
+
+}  // namespace
+
+std::vector<Control> RhythmControls() {
+  return {Limping(2, 120),       Limping(2.2, 60),        TwoTempos(), Bars(),
+          SoftBesideLoud(8, 60), SoftBesideLoud(12, 120), Swelling()};
+}
+
+}  // namespace host
