@@ -270,7 +270,7 @@ Control HighSineAlone() {
 std::vector<Control> ShortSpectraControls() {
   std::vector<Control> controls = PeakControls();
   controls.push_back(RandomTones(-20, 0.5, 1, 5e-4));
-  controls.push_back(RandomTones(-20, 0.3, 4, 5e-4));
+  controls.push_back(RandomTones(-20, 1.2, 4, 5e-4));
   controls.push_back(RandomTones(-60, 0.9, 2, 0.002));
   controls.push_back(RandomTones(-80, 0, 3, 0.002));
   controls.push_back(HighSine());
