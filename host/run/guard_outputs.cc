@@ -33,17 +33,27 @@ void TakeLargePages(std::vector<float>& samples) {
   madvise(first, bytes / kLargePage * kLargePage, MADV_HUGEPAGE);
 }
 
-// The samples of a file.
+// The samples of a file, which must stay.
 class Loaded {
  public:
-  // Null where the file holds no samples that are decoded here, or too many.
+  // The same file as the last time is not read again. Null where the file holds no samples that are
+  // decoded here, or too many.
   const Signal* Load(const FileReport& file, const std::function<bool()>& goOn) {
+    if (m_file != &file) {
+      m_file = &file;
+      m_loaded = Read(file, goOn);
+    }
+    return m_loaded ? &m_signal : nullptr;
+  }
+
+ private:
+  bool Read(const FileReport& file, const std::function<bool()>& goOn) {
     const std::optional<AudioLayout>& audio = file.audio;
-    if (file.absent || !audio || !audio->samples || audio->rate <= 0) return nullptr;
+    if (file.absent || !audio || !audio->samples || audio->rate <= 0) return false;
     const uint64_t width = *audio->samples == SampleType::kPcm16 ? 2 : 4;
-    if (audio->bytes == 0 || audio->bytes / width > kMaxSamples) return nullptr;
+    if (audio->bytes == 0 || audio->bytes / width > kMaxSamples) return false;
     const std::unique_ptr<FILE, int (*)(FILE*)> stream(OpenRegular(file.place.path), fclose);
-    if (stream == nullptr) return nullptr;
+    if (stream == nullptr) return false;
     m_samples.clear();
     m_samples.reserve(audio->bytes / width);
     TakeLargePages(m_samples);
@@ -52,15 +62,16 @@ class Loaded {
           m_samples.insert(m_samples.end(), block.begin(), block.end());
           return goOn();
         });
-    if (!fault.empty() || m_samples.empty()) return nullptr;
+    if (!fault.empty() || m_samples.empty()) return false;
     m_signal = {.samples = m_samples,
                 .rate = audio->rate,
                 .channels = audio->channels,
                 .bits = width == 2 ? 16 : 0};
-    return &m_signal;
+    return true;
   }
 
- private:
+  const FileReport* m_file = nullptr;
+  bool m_loaded = false;
   std::vector<float> m_samples;
   Signal m_signal;
 };
