@@ -62,7 +62,8 @@ class Comparison {
     for (size_t i = 0; i < before.size(); ++i, ++m_index) {
       if (std::bit_cast<uint32_t>(before[i]) == std::bit_cast<uint32_t>(now[i])) continue;
       const double difference = std::abs(double{now[i]} - double{before[i]});
-      if (!m_first) {
+      if (!m_differs) {
+        m_differs = true;
         m_first = m_index;
         m_firstSize = difference;
       }
@@ -73,13 +74,13 @@ class Comparison {
   // "first at 1.25 s (frame 55125), left, by -60.2 dBFS; at most by -12.0 dBFS"; empty when there
   // is none.
   std::string Words() const {
-    if (!m_first) return "";
+    if (!m_differs) return "";
     const auto channels = static_cast<uint64_t>(m_channels);
-    const uint64_t frame = *m_first / channels;
+    const uint64_t frame = m_first / channels;
     std::string text = "first at ";
     if (m_rate > 0) text += Seconds(static_cast<double>(frame) / m_rate) + " ";
     text += "(frame " + std::to_string(frame) + "), " +
-            ChannelName(static_cast<int>(*m_first % channels), m_channels) + ", by " +
+            ChannelName(static_cast<int>(m_first % channels), m_channels) + ", by " +
             Size(m_firstSize);
     return text + "; at most by " + Size(m_greatest);
   }
@@ -94,7 +95,8 @@ class Comparison {
   int m_rate;
   int m_channels;
   uint64_t m_index = 0;
-  std::optional<uint64_t> m_first = {};
+  bool m_differs = false;
+  uint64_t m_first = 0;
   double m_firstSize = 0;
   double m_greatest = 0;
 };

@@ -26,10 +26,12 @@ std::vector<float> Below(const std::vector<float>& samples, double hertz) {
     taps[static_cast<size_t>(i + kReach)] = static_cast<float>(2 * hertz / kRate * sinc * window);
   }
   std::vector<float> filtered(samples.size());
-  for (size_t tap = 0; tap < taps.size(); ++tap) {
-    for (size_t i = kReach; i + kReach < samples.size(); ++i) {
-      filtered[i] += taps[tap] * samples[i + tap - kReach];
-    }
+  for (size_t i = kReach; i + kReach < samples.size(); ++i) {
+    // Pointers, because each index is a call in a build that does not optimise.
+    const float* sample = &samples[i - kReach];
+    float sum = 0;
+    for (const float tap : taps) sum += tap * *sample++;
+    filtered[i] = sum;
   }
   return filtered;
 }

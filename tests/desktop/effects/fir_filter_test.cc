@@ -51,9 +51,12 @@ Floats Response(size_t count) {
 }
 
 double Exact(const Floats& in, const Floats& taps, size_t at) {
+  // Pointers, because each index is a call in a build that does not optimise.
+  const float* const tap = taps.data();
+  const float* const newest = in.data() + at;
   double sum = 0;
-  for (size_t i = 0; i < std::min(taps.size(), at + 1); ++i) {
-    sum += static_cast<double>(taps[i]) * static_cast<double>(in[at - i]);
+  for (size_t i = 0, count = std::min(taps.size(), at + 1); i < count; ++i) {
+    sum += double{tap[i]} * double{*(newest - i)};
   }
   return sum;
 }
@@ -89,7 +92,7 @@ TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
   std::mt19937 random(3);
   for (const size_t count : kCounts) {
     const Floats taps = Response(count);
-    const Floats in = Noise(20000, 1, 5);
+    const Floats in = Noise(10000, 1, 5);
     const Floats whole = Filter(*Create(taps, in.size()), in);
     const auto expectSame = [&](const auto& nextLength, unsigned what) {
       const auto filter = Create(taps);
