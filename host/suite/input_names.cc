@@ -43,8 +43,10 @@ void CheckNames(const SuiteCase& one, const std::vector<FilePlace>& places,
         std::any_of(places.begin(), places.end(),
                     [wanted = name](const auto& place) { return IsCalled(place, wanted); });
     if (known) continue;
-    throw UsageError{key + ": " + one.routine + " " + doing + " no \"" + name +
-                     "\" with these arguments" + Instead(name, names, doing)};
+    std::string text = key + ": " + one.routine;
+    text.append(" ").append(doing).append(" no \"").append(name);
+    text.append("\" with these arguments").append(Instead(name, names, doing));
+    throw UsageError{text};
   }
 }
 

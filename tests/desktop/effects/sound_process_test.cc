@@ -209,7 +209,7 @@ TEST(AccelerateSoundProcess, LeavesConsonantsWholeWhenAsked) {
 // Of what repeats itself after the longest or the shortest period that is looked for, exactly one
 // period goes; where only every other block is to give one, it is that with an early pulse.
 TEST(AccelerateSoundProcess, FindsTheLongestAndTheShortestPeriod) {
-  for (const size_t period : {20, 71, 100}) {
+  for (const size_t period : {20U, 71U, 100U}) {
     const Shorts noise = ToShorts(WhiteNoise(100, 0.5, 3));
     Shorts in(240);
     for (size_t i = 0; i < in.size(); ++i) in[i] = noise[i % period];
