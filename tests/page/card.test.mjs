@@ -2,6 +2,7 @@
 import assert from 'node:assert/strict';
 import test, { after } from 'node:test';
 import { Browser } from './browser.mjs';
+import { kTwoRamps, openPlayer, sampleOf } from './player_page.mjs';
 import { makeSample } from './sample.mjs';
 
 const browser = await Browser.start();
@@ -236,5 +237,19 @@ test('the scale of a spectrogram has room beside it', async () => {
     return window.firstInk >= 0;
   });
   assert.ok(await page.evaluate(() => window.firstInk) > 0);
+  await page.close();
+});
+
+test('on paper a curve is as wide as the recordings above it', async () => {
+  const curves = [{ name: 'ERLE', unit: 'dB', from: 12, step: 1, values: [20, 24, 22, 30] }];
+  const page = await openPlayer(browser, sampleOf(kTwoRamps, { curves }));
+  await page.waitForSelector('.curve .u-wrap');
+  await page.emulateMediaType('print');
+  const [curve, box] = await page.$eval('.curve', (node) => {
+    // A window that was wider than the paper is.
+    for (const part of node.querySelectorAll('.uplot, .u-wrap')) part.style.width = '3000px';
+    return [node.querySelector('.u-wrap'), node].map((one) => one.getBoundingClientRect().width);
+  });
+  assert.equal(curve, box);
   await page.close();
 });
