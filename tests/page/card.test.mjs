@@ -255,3 +255,19 @@ test('on paper a curve is as wide as the recordings above it', async () => {
   assert.equal(curve, recording);
   await page.close();
 });
+
+test('many guards leave room for what there is to hear', async () => {
+  const sample = small();
+  const place = failedOf(sample);
+  const guard = { ...sample.data.cases[place].guards[0], fails: false, new: false };
+  sample.data.cases[place].guards = [...Array(9).fill(guard), { ...guard, name: 'click', fails: true }];
+  const page = await openCard(sample, place);
+  const names = () => texts(page, `#case-${place} .guards li strong`);
+  assert.equal((await names()).length, 8);
+  assert.equal((await names())[0], 'click');
+  assert.deepEqual(await texts(page, `#case-${place} .guards > button`), ['2 more guards']);
+  await page.click(`#case-${place} .guards > button`);
+  assert.equal((await names()).length, 10);
+  assert.deepEqual(await texts(page, `#case-${place} .guards > button`), []);
+  await page.close();
+});

@@ -52,6 +52,21 @@ test('the first screen says what matters, with what and when', async () => {
   await page.close();
 });
 
+test('many measures leave room for the cases', async () => {
+  const data = structuredClone(sample.data);
+  const [worse, undecided] = data.measures;
+  const many = (measure, n) => Array.from({ length: n }, (_, at) => ({ ...measure, name: `snr.${at}` }));
+  for (const [cells, open, summary] of [[10, 12, []], [11, 8, ['5 more measures: 3 worse, 2 undecided']]]) {
+    data.measures = [...many(worse, cells), undecided, undecided];
+    const page = await browser.open({ data, audio: sample.audio });
+    await page.waitForSelector('.measures');
+    assert.equal(await page.$$eval('#measures section > .wide tbody tr', (rows) => rows.length), open);
+    assert.deepEqual(await texts(page, '#measures summary'), summary);
+    assert.equal((await texts(page, '.measures tbody tr')).length, cells + 2);
+    await page.close();
+  }
+});
+
 test('a measure says what its verdict is worth, and no more', async () => {
   const page = await browser.open(sample);
   await page.waitForSelector('.measures');

@@ -5,14 +5,14 @@ import { duration, meaning, number, plain } from '../words.js';
 import { copyButton } from '../copy.js';
 import { figuresTable, kShownRows } from './figures.js';
 import { filesTable } from './files.js';
-import { guardsList } from './guards.js';
+import { guardsList, kShownGuards } from './guards.js';
 import { playerHeight } from '../listen/player_size.js';
 
 // Roughly how high the body will be, in px.
 export function guessHeight(one) {
   const rows = Math.min((one.figures ?? []).length + (one.results ?? []).length, kShownRows);
   const players = (one.players ?? []).reduce((sum, player) => sum + playerHeight(player), 0);
-  return 150 + players + (rows ? 60 + 26 * rows : 0) + 30 * (one.guards ?? []).length;
+  return 150 + players + (rows ? 60 + 26 * rows : 0) + 30 * Math.min(kShownGuards, (one.guards ?? []).length);
 }
 
 // A failure that is known and has gone: the suite can be told so.

@@ -1,7 +1,9 @@
 // The guards that were hit: where, when, in words.
 import { el } from '../dom.js';
 import { badge } from '../icons.js';
-import { channel, channelsOfFile, time } from '../words.js';
+import { channel, channelsOfFile, count, time } from '../words.js';
+
+export const kShownGuards = 8;
 
 function line(one, guard, hear) {
   const player = hear(guard);
@@ -18,9 +20,23 @@ function line(one, guard, hear) {
             guard.text ? el('span', { class: 'guard-text' }, guard.text) : null);
 }
 
+// Those that fail come first, then those that the other run has not.
+function rank(guard) {
+  return (guard.fails ? 0 : 2) + (guard.new ? 0 : 1);
+}
+
+// So many that what there is to hear stands near them; a button shows the others.
 export function guardsList(one, hear) {
-  const guards = one.guards ?? [];
+  const guards = [...(one.guards ?? [])].sort((a, b) => rank(a) - rank(b));
   if (guards.length === 0) return null;
-  return el('section', { class: 'guards' }, el('h4', {}, 'Guards that were hit'),
-            el('ul', {}, guards.map((guard) => line(one, guard, hear))));
+  const list = el('ul', {}, guards.slice(0, kShownGuards).map((guard) => line(one, guard, hear)));
+  const rest = guards.slice(kShownGuards);
+  const more = rest.length === 0 ? null
+    : el('button', { type: 'button', class: 'small more', onclick: () => {
+      list.append(...rest.map((guard) => line(one, guard, hear)));
+      more.remove();
+      list.focus({ preventScroll: true });
+    } }, count(rest.length, 'more guard'));
+  list.tabIndex = -1;
+  return el('section', { class: 'guards' }, el('h4', {}, 'Guards that were hit'), list, more);
 }

@@ -4,6 +4,10 @@ import { el } from '../dom.js';
 import { count, number, quantity, signed } from '../words.js';
 import { intervalBar } from './interval_bar.js';
 
+// So many stand open where there are more than kMost, as after a routine that makes a table.
+const kFirst = 8;
+const kMost = 12;
+
 const kColumns = ['Measure', 'Verdict', 'Before', 'Now', 'Difference', '95 % interval, beside the margin',
                   'Cases', 'Wins', 'Losses', 'Lost most'];
 
@@ -62,18 +66,33 @@ function table(measures, cases, choose) {
        el('tbody', {}, measures.map((measure) => line(measure, cases, choose)))));
 }
 
-// Those that are the same are folded, so that the cases come soon. choose(part) shows some cases.
+// "310 more measures: 298 worse, 12 undecided", in the order in which they stand.
+function moreWords(measures) {
+  const verdicts = [...new Set(measures.map((measure) => measure.verdict))];
+  const counts = verdicts.map((verdict) =>
+    `${measures.filter((measure) => measure.verdict === verdict).length} ${verdict}`);
+  return `${count(measures.length, 'more measure')}: ${counts.join(', ')}`;
+}
+
+function folded(words, measures, cases, choose) {
+  return measures.length === 0 ? null
+    : el('details', { class: 'fold is-told' }, el('summary', {}, words), table(measures, cases, choose));
+}
+
+// Those that are the same, and what follows on a screenful, are folded, so that the cases come soon.
+// choose(part) shows some cases.
 export function drawMeasures(root, data, choose) {
   const measures = data.measures ?? [];
   const cases = new Set((data.cases ?? []).map((one) => one.id));
   if (!data.against || measures.length === 0) return;
   const same = measures.filter((measure) => measure.verdict === 'same');
   const others = measures.filter((measure) => measure.verdict !== 'same');
+  const first = others.slice(0, others.length > kMost ? kFirst : kMost);
+  const rest = others.slice(first.length);
   const words = same.length === 1 ? '1 measure is the same' : `${same.length} measures are the same`;
   root.append(
     el('section', { 'aria-labelledby': 'measures-title' },
        el('h2', { id: 'measures-title' }, 'Measures against ', data.against.name),
-       others.length > 0 ? table(others, cases, choose) : null,
-       same.length > 0 ? el('details', { class: 'fold is-told' }, el('summary', {}, words),
-                            table(same, cases, choose)) : null));
+       first.length > 0 ? table(first, cases, choose) : null,
+       folded(moreWords(rest), rest, cases, choose), folded(words, same, cases, choose)));
 }
