@@ -89,15 +89,10 @@ TEST(EchoSuppressor, LeavesTheNearEndBesideTheNoiseOfAFarEnd) {
   EXPECT_LT(made.blocksWithEcho, 60);
 }
 
-// Where the filter doubts all that is left, nothing of it is to be understood.
-TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
-  // Pauses so long that no noise is found in the room.
-  Samples far = Hiss(kRate, 6, 11, -10);
-  for (size_t i = 0; i < far.size(); ++i) {
-    if (i % 12800 >= 1600) far[i] = 0;
-  }
-  desktop::EchoSuppressor suppressor(kBlock);
-  const std::vector<float> doubt(kBlock + 1, 1e12f);
+// Of a far end that the microphone hears as it is, where the filter has found none of it and doubts
+// each bin by that power.
+Samples WhatIsLeftOf(const Samples& far, float doubted, desktop::EchoSuppressor& suppressor) {
+  const std::vector<float> doubt(kBlock + 1, doubted);
   const std::vector<float> echo(kBlock);
   Samples out;
   for (size_t at = 0; at + kBlock <= far.size(); at += kBlock) {
@@ -106,6 +101,18 @@ TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
     suppressor.Process(echo.data(), doubt, kDelay, block.data());
     out.insert(out.end(), block.begin(), block.end());
   }
+  return out;
+}
+
+// Where the filter doubts all that is left, nothing of it is to be understood.
+TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
+  // Pauses so long that no noise is found in the room.
+  Samples far = Hiss(kRate, 6, 11, -10);
+  for (size_t i = 0; i < far.size(); ++i) {
+    if (i % 12800 >= 1600) far[i] = 0;
+  }
+  desktop::EchoSuppressor suppressor(kBlock);
+  Samples out = WhatIsLeftOf(far, 1e12f, suppressor);
   out.erase(out.begin(), out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
   EXPECT_NEAR(LossDb(far, out, kRate, 2, 6), 50, 2);
 }
@@ -117,15 +124,7 @@ TEST(EchoSuppressor, LetsNoEchoThroughAtTheStart) {
   desktop::EchoSuppressor suppressor(kBlock);
   // A little more than is there: the mean power by bin in a window of the energy of a block.
   const double power = 1036.0 * 1036.0 * kBlock;
-  const std::vector<float> doubt(kBlock + 1, static_cast<float>(3 * power));
-  const std::vector<float> echo(kBlock);
-  Samples out;
-  for (size_t at = 0; at + kBlock <= far.size(); at += kBlock) {
-    std::vector<float> block(&far[at], &far[at] + kBlock);
-    suppressor.Hear(block.data());
-    suppressor.Process(echo.data(), doubt, kDelay, block.data());
-    out.insert(out.end(), block.begin(), block.end());
-  }
+  const Samples out = WhatIsLeftOf(far, static_cast<float>(3 * power), suppressor);
   double product = 0;
   double energy = 0;
   for (size_t i = 0; i + suppressor.Lag() < out.size(); ++i) {
