@@ -1,7 +1,8 @@
 // The figures of a case: those that have changed first, with their direction in a word.
 import { el, freshId } from '../dom.js';
 import { badge } from '../icons.js';
-import { channel, channelsOfFile, count, number, plain, quantity, signed } from '../words.js';
+import { channel, channelsOfFile, number, plain, quantity, signed } from '../words.js';
+import { moreButton } from './more.js';
 
 // More rows than these are shown at a click.
 export const kShownRows = 10;
@@ -51,13 +52,11 @@ export function figuresTable(one) {
   const figures = ['Now', 'Before', 'Difference'];
   const body = el('tbody', {}, all.slice(0, kShownRows).map((figure) => line(one, figure, compared)));
   const rest = all.slice(kShownRows);
-  const more = rest.length === 0 ? null
-    : el('button', { type: 'button', class: 'small more', onclick: () => {
-      body.append(...rest.map((figure) => line(one, figure, compared)));
-      more.remove();
-      body.closest('.wide').focus({ preventScroll: true });
-      body.rows[kShownRows].scrollIntoView({ block: 'nearest' });
-    } }, count(rest.length, 'more figure'));
+  const more = moreButton(rest, 'figure', () => {
+    body.append(...rest.map((figure) => line(one, figure, compared)));
+    body.closest('.wide').focus({ preventScroll: true });
+    body.rows[kShownRows].scrollIntoView({ block: 'nearest' });
+  });
   return el('section', { 'aria-labelledby': title },
     el('h4', { id: title }, 'Figures'),
     el('div', { class: 'wide', tabindex: '0', role: 'region', 'aria-labelledby': title },

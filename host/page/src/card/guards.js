@@ -1,7 +1,8 @@
 // The guards that were hit: where, when, in words.
 import { el } from '../dom.js';
 import { badge } from '../icons.js';
-import { channel, channelsOfFile, count, time } from '../words.js';
+import { channel, channelsOfFile, time } from '../words.js';
+import { moreButton } from './more.js';
 
 export const kShownGuards = 8;
 
@@ -31,12 +32,10 @@ export function guardsList(one, hear) {
   if (guards.length === 0) return null;
   const list = el('ul', {}, guards.slice(0, kShownGuards).map((guard) => line(one, guard, hear)));
   const rest = guards.slice(kShownGuards);
-  const more = rest.length === 0 ? null
-    : el('button', { type: 'button', class: 'small more', onclick: () => {
-      list.append(...rest.map((guard) => line(one, guard, hear)));
-      more.remove();
-      list.focus({ preventScroll: true });
-    } }, count(rest.length, 'more guard'));
+  const more = moreButton(rest, 'guard', () => {
+    list.append(...rest.map((guard) => line(one, guard, hear)));
+    list.focus({ preventScroll: true });
+  });
   list.tabIndex = -1;
   return el('section', { class: 'guards' }, el('h4', {}, 'Guards that were hit'), list, more);
 }
