@@ -10,6 +10,7 @@
 #include "engines/engine_text.h"
 #include "report/list_lines.h"
 #include "report/report.h"
+#include "report/result_lines.h"
 
 namespace host {
 
@@ -133,27 +134,6 @@ std::string AllLines(const char* kind, const std::vector<FileReport>& files, boo
   return lines;
 }
 
-// "result  delay  89 ms"; lengths stand beside their files.
-std::string ResultLines(const RunReport& report) {
-  constexpr size_t kMaxLines = 20;
-  std::vector<const Result*> told;
-  for (const Result& result : report.results) {
-    if (result.name != kLength) told.push_back(&result);
-  }
-  // Of many, the last ones, which sum the others up.
-  const size_t first = told.size() > kMaxLines ? told.size() - kMaxLines : 0;
-  std::string lines;
-  for (size_t i = first; i < told.size(); ++i) {
-    const Result& result = *told[i];
-    lines += "  result  " + Printable(result.name) + "  ";
-    if (result.value) lines += Amount(*result.value, result.unit);
-    if (!result.reason.empty()) lines += (result.value ? ", " : "none: ") + result.reason;
-    lines += "\n";
-  }
-  if (first > 0) lines += "          and " + std::to_string(first) + " more in a report (--json)\n";
-  return lines;
-}
-
 }  // namespace
 
 std::optional<double> RealTimeFactor(const RunReport& report) {
@@ -181,7 +161,7 @@ std::string TextReport(const RunReport& report, const Paint& paint) {
   if (report.engine.library) text += "  engine  " + EngineLine(report.engine) + "\n";
   text += FirstLines(report.staged);
   text += AllLines("input   ", report.inputs, good) + AllLines("output  ", report.outputs, good);
-  text += ResultLines(report);
+  text += ResultLines(report.results, "in a report (--json)");
   text += FirstLines(report.handedOver);
   if (!report.log.empty()) text += "  log     " + Printable(report.log) + "\n";
   if (!report.kept.empty()) text += "  kept    " + Printable(report.kept) + "\n";

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/printable.h"
+#include "report/result_lines.h"
 #include "suite/case_record.h"
 
 namespace host {
@@ -48,6 +49,24 @@ std::string Table(const std::vector<Row>& rows, size_t more, const Paint& paint)
   return text.empty() ? text : "\n" + text + "\n";
 }
 
+std::string TextOf(const Json& object, const char* key) {
+  const Json value = object.value(key, Json());
+  return value.is_string() ? value.get<std::string>() : "";
+}
+
+// What the record of a case says that its routine has found.
+std::vector<Result> ResultsOf(const Json& record) {
+  std::vector<Result> results;
+  for (const Json& each : record["results"]) {
+    Result result = {.name = TextOf(each, "name"), .unit = TextOf(each, "unit")};
+    const Json value = each.value("value", Json());
+    if (value.is_number()) result.value = value.get<double>();
+    result.reason = TextOf(each, "reason");
+    results.push_back(result);
+  }
+  return results;
+}
+
 }  // namespace
 
 std::string SuiteSummary(const SuiteJournal& journal, const std::string& folder,
@@ -62,7 +81,10 @@ std::string SuiteSummary(const SuiteJournal& journal, const std::string& folder,
       ++more;
     }
   }
-  return Table(rows, more, paint) + journal.counts().Text() + "\n" + "results  " + folder +
+  // Who asks for one routine wants its figures, as a run prints them.
+  std::string found;
+  if (journal.size() == 1) found = ResultLines(ResultsOf(journal.Read(0)), "in results.csv");
+  return Table(rows, more, paint) + found + journal.counts().Text() + "\n" + "results  " + folder +
          "/results.json, results.csv, junit.xml\n";
 }
 
