@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -91,6 +92,13 @@ BenchSuites::BenchSuites(const std::vector<SuiteBench>& benches,
     m_temporary.reset();
     raise(interruption);  // Who has interrupted it wants to see its end.
   }
+}
+
+void BenchSuites::EndTemporary(bool keep) {
+  if (!m_temporary) return;
+  if (keep) m_temporary->Keep();
+  fprintf(stderr, keep ? "kept  %s/a and b\n" : "removed  %s (--out DIR keeps both results)\n",
+          m_out.c_str());
 }
 
 }  // namespace host

@@ -26,10 +26,13 @@ int RunSuiteBy(const SuiteBench& bench, const std::vector<std::string>& words,
 class BenchSuites {
  public:
   // Runs `benches`, which are two, with `words` after "suite". `out` is the folder for both
-  // results; empty for a temporary one, which goes with this object. What they print goes to
-  // stderr. Throws UsageError when one leaves no results.
+  // results; empty for a temporary one, which goes with this object unless it is kept. What they
+  // print goes to stderr. Throws UsageError when one leaves no results.
   BenchSuites(const std::vector<SuiteBench>& benches, const std::vector<std::string>& words,
               const std::string& out);
+
+  // Says on stderr what becomes of a temporary folder, and keeps it if it is to be.
+  void EndTemporary(bool keep);
 
   std::string a() const { return m_out + "/a"; }
   std::string b() const { return m_out + "/b"; }

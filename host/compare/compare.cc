@@ -149,6 +149,7 @@ int Compare(const CompareOptions& options) {
     }
   }
   const int printed = PrintResults(text);
+  if (suites) suites->EndTemporary(IsWorse(comparison.verdict));
   const int written = forms.Write(comparison);
   if (written != exit_code::kPass) return written;
   if (printed != exit_code::kPass) return printed;

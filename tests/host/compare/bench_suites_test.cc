@@ -20,6 +20,15 @@ class BenchSuitesTest : public CompareTest {
     WriteFile(name, "#!/bin/sh\n" + script + "\n");
     chmod(name.c_str(), 0755);
   }
+
+  // Empty where they do not stand in the text.
+  static std::string Between(const std::string& text, const std::string& start,
+                             const std::string& end) {
+    const size_t from = text.find(start);
+    const size_t to = text.find(end, from == std::string::npos ? 0 : from);
+    if (from == std::string::npos || to == std::string::npos) return "";
+    return text.substr(from + start.size(), to - from - start.size());
+  }
 };
 
 TEST_F(BenchSuitesTest, ThisProgramIsTheSecondWhereOnlyOneIsNamed) {
@@ -27,6 +36,25 @@ TEST_F(BenchSuitesTest, ThisProgramIsTheSecondWhereOnlyOneIsNamed) {
   EXPECT_EQ(finished.exitCode, 0) << finished.err;
   EXPECT_EQ(finished.out, "same (1 case, 1 of 1 file the same byte for byte)\n");
   EXPECT_THAT(finished.err, HasSubstr("1 passed"));
+  const std::string place =
+      Between(finished.err, "\nremoved  ", " (--out DIR keeps both results)\n");
+  ASSERT_NE(place, "");
+  EXPECT_FALSE(std::filesystem::exists(place));
+}
+
+// What is worse is to be heard.
+TEST_F(BenchSuitesTest, ATemporaryFolderIsKeptWhereSomethingIsWorse) {
+  WriteProgram("worse", "\"" AUDIO_BENCH_PROBE
+                        "\" \"$@\"\n"
+                        "for last; do :; done\n"
+                        "sed -i 's/\"pass\"/\"fail\"/' \"$last/results.json\"");
+  const Finished finished = Compare({"--bench", "./same", "--bench", "./worse", "s.toml"});
+  EXPECT_EQ(finished.exitCode, 1) << finished.err;
+  const std::string place = Between(finished.err, "\nkept  ", "/a and b\n");
+  ASSERT_NE(place, "");
+  EXPECT_TRUE(std::filesystem::exists(place + "/a/results.json"));
+  EXPECT_TRUE(std::filesystem::exists(place + "/b/results.json"));
+  std::filesystem::remove_all(place);
 }
 
 TEST_F(BenchSuitesTest, BothResultsAreKeptWhereAFolderIsGiven) {
