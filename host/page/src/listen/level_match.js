@@ -1,4 +1,5 @@
 // Gains by which all versions sound equally loud.
+import { quantity, signed } from '../words.js';
 
 const kCeiling = -1;    // dBFS to which a version may be made louder
 const kTooSoft = -70;   // LUFS: nothing to go by
@@ -20,4 +21,10 @@ export function matchLevels(versions) {
   const target = Math.min(Math.max(...measured.map((v) => v.lufs)), ...reachable);
   for (const v of measured) gains.set(v.key, target - v.lufs);
   return gains;
+}
+
+// What a version is heard at; one that nothing is done to has no figure.
+export function playedText(db) {
+  const text = signed(db, 'dB');
+  return text === quantity(0, 'dB') ? 'played as it is' : `played ${text}`;
 }

@@ -5,7 +5,7 @@ import { Curve } from '../draw/curve.js';
 import { drawRuler } from '../draw/ruler.js';
 import { onTheme } from '../draw/theme.js';
 import { TimeView } from '../draw/time_view.js';
-import { signed, time } from '../words.js';
+import { time } from '../words.js';
 import { Visible } from '../compute/visible.js';
 import { drawingSlice, slice } from '../compute/slices.js';
 import { AbxPanel } from './abx_panel.js';
@@ -13,7 +13,7 @@ import { Bar } from './bar.js';
 import { registerPlayer, usedPlayer } from './keys.js';
 import { joinMarks, Layer } from './layer.js';
 import { differenceVersion } from './difference_version.js';
-import { linear, matchLevels } from './level_match.js';
+import { linear, matchLevels, playedText } from './level_match.js';
 import { loadTracks } from './load.js';
 import { playerFrame } from './player_frame.js';
 import { kRuler } from './player_size.js';
@@ -262,7 +262,7 @@ export class Player {
     gains.set('difference', gains.get(heard[0]?.key) ?? 0);
     this.transport.setGains(new Map([...gains].map(([key, db]) => [key, linear(db)])));
     for (const track of this.tracks) {
-      track.say(on && track.loaded ? `played ${signed(gains.get(track.key) ?? 0, 'dB')}` : '');
+      track.say(on && track.loaded ? playedText(gains.get(track.key) ?? 0) : '');
     }
   }
 
