@@ -60,7 +60,6 @@ void CheckSilence(const GuardInput& input, const Surveys& surveys, GuardHits& hi
 }
 
 void CheckClipped(const GuardInput& input, const Surveys& surveys, GuardHits& hits) {
-  if (input.output->bits == 0) return;
   std::optional<uint64_t> first;
   size_t channel = 0;
   double worst = 0;

@@ -112,6 +112,20 @@ TEST(InvertedGuard, SeesThroughAnotherRateAndOtherChannels) {
   EXPECT_EQ(Names(Check(Between(44100, 2), Inverted(out))), "");
 }
 
+// Then nothing of an input channel is in the output channel of its place, and only the other one
+// tells how late it is.
+TEST(SwappedGuard, ChannelsThatHaveNothingInCommonAreSeen) {
+  const Sound left = Music(3, 1);
+  const Sound right = Speech(3);
+  Sound in = Silence(3, 2);
+  for (size_t i = 0; i < in.samples.size() / 2; ++i) {
+    in.samples[2 * i] = left.samples[i];
+    in.samples[2 * i + 1] = right.samples[i];
+  }
+  EXPECT_TRUE(Hits(Check(in, Swapped(Later(in, 0.1))), Guard::kSwapped));
+  EXPECT_FALSE(Hits(Check(in, Later(in, 0.1)), Guard::kSwapped));
+}
+
 TEST(SwappedGuard, GoesByTheDifferenceOfTheChannels) {
   const Sound in = Music(2);
   EXPECT_TRUE(Hits(Check(in, Swapped(in)), Guard::kSwapped));

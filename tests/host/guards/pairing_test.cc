@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "guards/coarse_delay.h"
+#include "guards/self_inversion.h"
 #include "guards/treatments.h"
 
 namespace host {
@@ -120,6 +122,33 @@ TEST(Track, IsSilentLongBeforeItsStart) {
   EXPECT_NEAR(read[0], 0, 1e-4);
   EXPECT_NEAR(read[8500], 0, 1e-4);
   EXPECT_NEAR(read[9500], 0.5, 1e-3);
+}
+
+TEST(Track, ReadsEachOfThreeChannels) {
+  const std::vector<float> samples = {0.1F, 0.2F, 0.3F, 0.4F, 0.5F, 0.6F};
+  const Signal signal{.samples = samples, .rate = 8000, .channels = 3};
+  for (size_t channel = 0; channel < 3; ++channel) {
+    std::vector<float> read(2);
+    Track(signal, 8000).Read(static_cast<int>(channel), 0, read);
+    EXPECT_EQ(read, std::vector<float>({samples[channel], samples[channel + 3]}));
+  }
+}
+
+// So many frames later each frame of a noise is its own negative.
+TEST(SelfInversion, IsLookedForUpTo8191FramesLater) {
+  for (const int64_t later : {1, 300, 8191, 8384}) {
+    std::minstd_rand random(1);
+    std::vector<float> noise(static_cast<size_t>(later));
+    for (float& sample : noise) sample = static_cast<float>(random() % 2) - 0.5F;
+    const bool inverts = InvertsItself(200000, [&](int64_t first, std::span<float> to) {
+      for (size_t i = 0; i < to.size(); ++i) {
+        const int64_t at = first + static_cast<int64_t>(i);
+        const float sample = noise[static_cast<size_t>(at % later)];
+        to[i] = at / later % 2 == 0 ? sample : -sample;
+      }
+    });
+    EXPECT_EQ(inverts, later <= 8191) << later;
+  }
 }
 
 TEST(Track, ReadsTheSameInSmallPartsAsInLargeOnes) {

@@ -88,6 +88,17 @@ TEST(TruePeakGuard, GoesByTheCrestsOfEachChannelOfTheInput) {
   EXPECT_EQ(TruePeakHit(Check(in, Crests(2.5))), nullptr);
 }
 
+// Of a loud and a soft channel the loud one tells, wherever it is, once the channels are mixed;
+// while there are as many as before, each goes by its own.
+TEST(TruePeakGuard, GoesByTheLoudestChannelWhereTheyAreMixed) {
+  const Sound mono = Crests(2);
+  Sound in = Silence(1, 2);
+  for (size_t i = 0; i < mono.samples.size(); ++i) in.samples[2 * i + 1] = mono.samples[i];
+  EXPECT_EQ(TruePeakHit(Check(in, Crests(2.5))), nullptr);
+  EXPECT_NE(TruePeakHit(Check(in, Crests(3.5))), nullptr);
+  EXPECT_NE(TruePeakHit(Check(in, Swapped(in))), nullptr);
+}
+
 TEST(TruePeakGuard, NeedsNoInput) {
   EXPECT_NE(TruePeakHit(CheckAlone(Crests(1))), nullptr);
   EXPECT_EQ(TruePeakHit(CheckAlone(Crests(-1))), nullptr);
