@@ -107,6 +107,10 @@ TEST(ClippedGuard, GoesByTheWidthOfTheIntegers) {
   EXPECT_TRUE(Hits(CheckAlone(out), Guard::kClipped));
   out.bits = 16;
   EXPECT_FALSE(Hits(CheckAlone(out), Guard::kClipped));
+  for (const float size : {32766.0F, 32767.0F}) {
+    for (size_t i = 0; i < 4; ++i) out.samples[500 + i] = size / 32768;
+    EXPECT_EQ(Hits(CheckAlone(out), Guard::kClipped), size == 32767) << size;
+  }
 }
 
 TEST(DcGuard, BeginsAtThreeThousandthsOfFullScale) {

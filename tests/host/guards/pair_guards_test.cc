@@ -39,7 +39,9 @@ Sound Between(int rate, double seconds) {
 
 TEST(UnchangedGuard, AHalfStepOf16BitsIsNoChangeAndAWholeOneIs) {
   const Sound in = Speech(1);
-  EXPECT_TRUE(Hits(Check(in, in), Guard::kUnchanged));
+  const auto hits = Check(in, in);
+  ASSERT_TRUE(Hits(hits, Guard::kUnchanged));
+  EXPECT_EQ(Find(hits, Guard::kUnchanged)->text, "the same as the input");
   EXPECT_TRUE(Hits(Check(in, Integers(in)), Guard::kUnchanged));
   Sound out = in;
   out.samples[24000] += 1.0F / 32768;
@@ -151,6 +153,27 @@ TEST(SwappedGuard, CannotTellOfSteadyTones) {
   EXPECT_EQ(Find(Check(in, turned), Guard::kSwapped), nullptr);
   EXPECT_EQ(Find(Check(in, Later(in, 200.0 / 44000)), Guard::kSwapped), nullptr);
   EXPECT_EQ(Find(Check(in, Later(in, 1000.0 / 44000)), Guard::kSwapped), nullptr);
+}
+
+double Energy(const Sound& sound) {
+  double energy = 0;
+  for (const float sample : sound.samples) energy += static_cast<double>(sample * sample);
+  return energy;
+}
+
+// From 40 dB below the middle on, the sides are no stereo.
+TEST(SwappedGuard, NothingCanBeSaidOfAStereoTooNarrow) {
+  const Sound middle = Speech(3);
+  const Sound side = Music(3, 1);
+  for (const double below : {30.0, 50.0}) {
+    const double gain = std::pow(10, -below / 20) * std::sqrt(Energy(middle) / Energy(side));
+    Sound in = Silence(3, 2);
+    for (size_t i = 0; i < in.samples.size(); ++i) {
+      const double sides = (i % 2 == 0 ? gain : -gain) * static_cast<double>(side.samples[i / 2]);
+      in.samples[i] = middle.samples[i / 2] + static_cast<float>(sides);
+    }
+    EXPECT_EQ(Hits(Check(in, Swapped(in)), Guard::kSwapped), below < 40) << below;
+  }
 }
 
 TEST(SwappedGuard, NothingCanBeSaidOfTwoAlike) {

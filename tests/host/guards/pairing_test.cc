@@ -6,6 +6,7 @@
 #include <random>
 
 #include "guards/coarse_delay.h"
+#include "guards/places.h"
 #include "guards/self_inversion.h"
 #include "guards/treatments.h"
 
@@ -110,6 +111,11 @@ TEST(Pairing, ADelayThatIsPlainInOnePlaceOnlyIsNotBelieved) {
   std::copy_n(other.samples.begin() + 336000, 288000, out.samples.begin() + 336000);
   ASSERT_NEAR(static_cast<double>(CoarseDelayOf(in, out).value_or(0)), 900, 6);
   EXPECT_EQ(MatchOf(in, out).lag, 4800);
+}
+
+TEST(Places, TheMiddleComesFirst) {
+  EXPECT_EQ(FromTheMiddle({0, 10, 20, 30}), std::vector<int64_t>({20, 30, 10, 0}));
+  EXPECT_EQ(FromTheMiddle({0, 10, 20}), std::vector<int64_t>({10, 20, 0}));
 }
 
 // Rates that have no factor in common meet once a second.
