@@ -67,6 +67,7 @@ std::vector<Control> EnhancementControls();
 std::vector<Control> EchoControls();
 std::vector<Control> CodecControls();
 std::vector<Control> TimeControls();
+std::vector<Control> PitchControls();
 std::vector<Control> TempoControls();
 std::vector<Control> RhythmControls();
 std::vector<Control> InputControls();

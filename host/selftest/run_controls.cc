@@ -90,7 +90,7 @@ const std::vector<Control>& AllControls() {
     for (const auto part :
          {LevelControls, TruePeakControls, LoudnessControls, AlignmentControls, ReferenceControls,
           SpectralControls, ShortSpectraControls, IntelligibilityControls, EnhancementControls,
-          EchoControls, CodecControls, TimeControls, TempoControls, RhythmControls,
+          EchoControls, CodecControls, TimeControls, PitchControls, TempoControls, RhythmControls,
           InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }

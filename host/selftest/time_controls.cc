@@ -87,6 +87,10 @@ std::vector<Control> SpokenInStretches() {
              "Each block stands beside that at the same part of the length, so that 100 Hz meet "
              "100 Hz a fifth higher, and 300 Hz meet 300 Hz, which last less than half the time.",
              {{0.35, 100}, {0.25, 300}}, {{0.7, 100 * std::exp2(700.0 / 1200)}, {0.5, 300}}, 700),
+      Spoken("noise and two pitches in an output of twice the length",
+             "Each block stands beside that at the same part of the length, which is as high; at "
+             "the same time most are a twelfth lower, or noise.",
+             {{0.1, 0}, {0.2, 100}, {0.3, 300}}, {{0.2, 0}, {0.4, 100}, {0.6, 300}}, 0),
       Spoken("a voice a fifth higher, then noise in the output", median + "noise has no pitch.",
              {{1.2, 220}}, {{0.4, fifth}, {0.8, 0}}, 700),
       Spoken("a voice a fifth higher, then noise in the reference", median + "noise has no pitch.",
@@ -242,8 +246,9 @@ std::vector<Control> Beats() {
               {5.5, 6, 6.5, 7}, 4.0 / 7),
       Beating("one beat between two", "One beat hits one of two alone: 2 * 1 / (2 + 1).", {6.05},
               {6, 6.1}, 2.0 / 3),
-      Beating("wrong beats before 5 s", "The first 5 s count on neither side, from 5 s on all do.",
-              {1, 2, 3, 4.99, 5.01, 6}, {0.5, 4.9, 5.01, 6}, 1)};
+      Beating("wrong beats before 5 s",
+              "The first 5 s count on neither side, from 5 s on all do: 2 * 2 / (3 + 2).",
+              {1, 2, 3, 4.99, 5, 6}, {0.5, 4.9, 5, 6.05, 7}, 0.8)};
 }
 
 }  // namespace

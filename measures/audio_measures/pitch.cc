@@ -14,27 +14,27 @@ namespace audio_measures {
 
 namespace {
 
-constexpr double kWindow = 0.025;  // s
-constexpr double kStep = 0.01;     // s
-constexpr double kLowest = 60;     // Hz
-constexpr double kHighest = 1000;  // Hz
+constexpr int kWindow = 40;     // Windows a second, of 25 ms each.
+constexpr int kStep = 100;      // Steps a second.
+constexpr int kLowest = 60;     // Hz
+constexpr int kHighest = 1000;  // Hz
 constexpr double kThreshold = 0.1;
 constexpr double kSofter = 1e-3;  // 30 dB below the loudest.
 constexpr size_t kLeastVoiced = 10;
 
-size_t Samples(double seconds, int rate) {
-  return static_cast<size_t>(std::lround(seconds * rate));
-}
+// Of the whole samples in a part of a second.
+size_t Samples(int rate, int parts) { return static_cast<size_t>(rate / parts); }
 
 class Yin {
  public:
   explicit Yin(int rate)
       : m_rate(rate),
-        m_window(Samples(kWindow, rate)),
-        m_least(static_cast<size_t>(rate / kHighest)),
-        m_most(Samples(1 / kLowest, rate) + 2),
+        m_window(Samples(rate, kWindow)),
+        m_least(Samples(rate, kHighest)),
+        m_most(Samples(rate, kLowest) + 2),
         m_fft(std::bit_ceil(BlockSamples())),
         m_padded(m_fft.Size()),
+        m_products(m_fft.Size()),
         m_ofWindow(m_fft.Bins()),
         m_ofBlock(m_fft.Bins()),
         m_difference(m_most + 1) {}
@@ -53,22 +53,22 @@ class Yin {
     size_t lag = m_least;
     while (lag < m_most && normalised[lag] >= kThreshold) ++lag;
     while (lag < m_most && normalised[lag + 1] < normalised[lag]) ++lag;
-    if (lag == m_most || lag == 0) return std::nullopt;
-    return m_rate / (static_cast<double>(lag) + Between(lag));
+    if (lag == m_most) return std::nullopt;
+    const double pitch = m_rate / (static_cast<double>(lag) + Between(lag));
+    return pitch >= kLowest && pitch <= kHighest ? std::optional(pitch) : std::nullopt;
   }
 
  private:
   // The squared difference of the window from the one `lag` samples later, for every lag.
   double Differences(std::span<const float> block) {
     std::ranges::copy(block, m_padded.begin());
-    std::fill(m_padded.begin() + static_cast<std::ptrdiff_t>(block.size()), m_padded.end(), 0.0F);
     m_fft.Forward(m_padded, m_ofBlock);
     std::fill(m_padded.begin() + static_cast<std::ptrdiff_t>(m_window), m_padded.end(), 0.0F);
     m_fft.Forward(m_padded, m_ofWindow);
     for (size_t i = 0; i < m_ofBlock.size(); ++i) {
       m_ofBlock[i] = CrossBin(m_ofWindow[i], m_ofBlock[i]);
     }
-    m_fft.Inverse(m_ofBlock, m_padded);
+    m_fft.Inverse(m_ofBlock, m_products);
     const auto square = [&](size_t i) {
       return static_cast<double>(block[i]) * static_cast<double>(block[i]);
     };
@@ -76,19 +76,20 @@ class Yin {
     for (size_t i = 0; i < m_window; ++i) energy += square(i);
     double later = energy;
     for (size_t lag = 0; lag < m_difference.size(); ++lag) {
-      const double product = static_cast<double>(m_padded[lag]) / static_cast<double>(m_fft.Size());
+      const double product =
+          static_cast<double>(m_products[lag]) / static_cast<double>(m_fft.Size());
       m_difference[lag] = std::max(0.0, energy + later - 2 * product);
       if (lag + 1 < m_difference.size()) later += square(lag + m_window) - square(lag);
     }
     return energy;
   }
 
-  // Where the minimum of the parabola through three neighbours lies, from -0.5 to 0.5.
+  // Where the minimum of the parabola through three neighbours lies.
   double Between(size_t lag) const {
     const double before = m_difference[lag - 1];
     const double after = m_difference[lag + 1];
     const double bend = before - 2 * m_difference[lag] + after;
-    return bend > 0 ? std::clamp((before - after) / (2 * bend), -0.5, 0.5) : 0;
+    return bend > 0 ? (before - after) / (2 * bend) : 0;
   }
 
   int m_rate;
@@ -96,7 +97,8 @@ class Yin {
   size_t m_least;
   size_t m_most;
   RealFft m_fft;
-  std::vector<float> m_padded;
+  std::vector<float> m_padded;  // Beyond a block there are always zeros.
+  std::vector<float> m_products;
   std::vector<std::complex<float>> m_ofWindow;
   std::vector<std::complex<float>> m_ofBlock;
   std::vector<double> m_difference;
@@ -114,7 +116,7 @@ Track TrackPitch(std::span<const float> samples, int rate) {
   if (samples.size() < yin.BlockSamples()) return {.fault = kTooShort};
   Track track;
   std::vector<double> energies;
-  const size_t step = Samples(kStep, rate);
+  const size_t step = Samples(rate, kStep);
   for (size_t start = 0; start + yin.BlockSamples() <= samples.size(); start += step) {
     double energy = 0;
     const auto pitch = yin.Pitch(samples.subspan(start, yin.BlockSamples()), &energy);

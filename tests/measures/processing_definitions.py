@@ -95,9 +95,9 @@ def band_limit(x, y, rate):
 
 def pitches(x, rate):
     """Of each block, 0 where it is not voiced."""
-    window, most = round(0.025 * rate), round(rate / 60) + 2
+    window, most = rate // 40, rate // 60 + 2
     lags = np.arange(most + 1)
-    starts = range(0, len(x) - window - most + 1, round(0.01 * rate))
+    starts = range(0, len(x) - window - most + 1, rate // 100)
     found = []
     for start in starts:
         block = x[start : start + window + most]
@@ -115,8 +115,9 @@ def pitches(x, rate):
         if lag == most:
             continue
         a, b, c = d[lag - 1 : lag + 2]
-        part = np.clip((a - c) / (2 * (a - 2 * b + c)), -0.5, 0.5)
-        found[-1] = rate / (lag + part), found[-1][1]
+        pitch = rate / (lag + (a - c) / (2 * (a - 2 * b + c)))
+        if 60 <= pitch <= 1000:
+            found[-1] = pitch, found[-1][1]
     found, energy = np.array(found).T
     return np.where(energy >= energy.max() * 1e-3, found, 0)
 
