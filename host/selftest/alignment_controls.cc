@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "selftest/control.h"
@@ -38,7 +39,8 @@ Control Drifting(double ppm) {
       "drift of " + std::to_string(ppm) + " ppm over 10 s",
       "The output is read in steps that are shorter by the drift: it is as much longer, to 0.5 "
       "ppm. The delays of the five pieces of 2 s, whose middles lie 8 s apart, differ by 8 s of "
-      "drift; in the middle of it all it is later by 5 s of drift.",
+      "drift; in the middle of what both have it is later by 5 s of drift, less what is beyond the "
+      "output's end. What interpolation leaves is 100 dB below.",
       [=] {
         const auto frames = static_cast<size_t>(seconds * kRate);
         const TimedNoise noise(frames + 400, 0.1, 12);
@@ -46,9 +48,28 @@ Control Drifting(double ppm) {
       },
       {{"drift", ppm, 0.5},
        {"delay_track", 8 * std::abs(ppm) * 1e-6, 2e-6},
-       {"delay", 5 * ppm * 1e-6, 2e-6},
+       {"delay", 5 * ppm * 1e-6 / (1 + ppm * 1e-6), 2e-6},
        {"gain", 0, 0.01},
-       {"polarity", 1, 1e-9}}};
+       {"polarity", 1, 1e-9},
+       {"snr", 100, 20}}};
+}
+
+// A drift beside which one piece lies elsewhere.
+Control DriftingWithAStray() {
+  return {"drift of 50 ppm over 20 s, 2 s of them 40 samples late",
+          "A piece that lies elsewhere is not of the line, which is as steep as without it, to 0.5 "
+          "ppm.",
+          [] {
+            const size_t frames = 20 * kRate;
+            const TimedNoise noise(frames + 400, 0.1, 15);
+            Samples output = noise.At(kLead, 1 / (1 + 50e-6), frames);
+            const size_t piece = 2 * kRate;
+            const Samples stray =
+                noise.At(kLead + (5.0 * piece - 40) / (1 + 50e-6), 1 / (1 + 50e-6), piece);
+            std::ranges::copy(stray, output.begin() + 5 * piece);
+            return Pair(noise.At(kLead, 1, frames), output);
+          },
+          {{"drift", 50, 0.5}, {"polarity", 1, 1e-9}}};
 }
 
 Control Jumping() {
@@ -98,6 +119,8 @@ std::vector<Control> AlignmentControls() {
   controls.push_back(Delayed(12.5, -0.25));
   controls.push_back(Drifting(50));
   controls.push_back(Drifting(-50));
+  controls.push_back(Drifting(1000));
+  controls.push_back(DriftingWithAStray());
   controls.push_back(Jumping());
   controls.push_back(Channels());
   return controls;
