@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "base/units.h"
 #include "guards/thresholds.h"
@@ -33,8 +34,10 @@ double Gain(const Surveys& surveys) {
 void CheckSilence(const GuardInput& input, const Surveys& surveys, GuardHits& hits) {
   if (input.output->samples.empty()) return;
   if (input.facts.nullDevice) {
-    const auto isZero = [](float sample) { return sample == 0; };
-    if (std::ranges::all_of(input.output->samples, isZero)) {
+    const bool zeros = input.output->samples.ForEachBlock([](std::span<const float> block) {
+      return std::ranges::all_of(block, [](float sample) { return sample == 0; });
+    });
+    if (zeros) {
       hits.Add(Guard::kDigitalSilence, {},
                "nothing but zeros, recorded from a device that hears nothing");
     }

@@ -13,6 +13,7 @@ namespace host {
 
 namespace {
 
+constexpr size_t kBlock = 8192;     // Samples that are compared at once.
 constexpr double kInverted = -0.5;  // Correlation from which on a channel is upside down.
 
 // Whether all that both have in common is the same, with the output `lag` frames later.
@@ -23,11 +24,15 @@ bool Same(const Signal& in, const Signal& out, int64_t lag) {
   const size_t frames = std::min(in.Frames() - from, out.Frames() - to);
   if (static_cast<double>(frames) < kShortestJudged * out.rate) return false;
   const auto stride = static_cast<size_t>(in.channels);
-  return std::equal(in.samples.begin() + static_cast<int64_t>(from * stride),
-                    in.samples.begin() + static_cast<int64_t>((from + frames) * stride),
-                    out.samples.begin() + static_cast<int64_t>(to * stride), [](float a, float b) {
-                      return std::fabs(static_cast<double>(a - b)) <= kSameSample;
-                    });
+  for (size_t done = 0; done < frames * stride;) {
+    const size_t count = std::min(kBlock, frames * stride - done);
+    const bool same = std::ranges::equal(
+        in.samples.View(from * stride + done, count), out.samples.View(to * stride + done, count),
+        [](float a, float b) { return std::fabs(static_cast<double>(a - b)) <= kSameSample; });
+    if (!same) return false;
+    done += count;
+  }
+  return true;
 }
 
 }  // namespace

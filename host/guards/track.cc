@@ -23,13 +23,14 @@ float Finite(float sample) {
 
 // Copies each sample that lies `stride` after the one before. The loops with a stride that is known
 // vectorise.
-void CopyEach(const float* from, size_t stride, std::span<float> to) {
+template <typename Change>
+void CopyEach(const float* from, size_t stride, std::span<float> to, Change change) {
   if (stride == 1) {
-    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[i]);
+    for (size_t i = 0; i < to.size(); ++i) to[i] = change(from[i]);
   } else if (stride == 2) {
-    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[2 * i]);
+    for (size_t i = 0; i < to.size(); ++i) to[i] = change(from[2 * i]);
   } else {
-    for (size_t i = 0; i < to.size(); ++i) to[i] = Finite(from[stride * i]);
+    for (size_t i = 0; i < to.size(); ++i) to[i] = change(from[stride * i]);
   }
 }
 
@@ -72,11 +73,17 @@ void Track::Copy(int channel, int64_t first, std::span<float> to) const {
   }
   std::ranges::fill(to.first(static_cast<size_t>(begin - first)), 0.0F);
   std::ranges::fill(to.subspan(static_cast<size_t>(end - first)), 0.0F);
-  const float* from = m_signal.samples.data() + static_cast<size_t>(begin) * stride;
-  float* const sample = to.data() + (begin - first);
   const auto count = static_cast<size_t>(end - begin);
+  const float* from =
+      m_signal.samples.View(static_cast<size_t>(begin) * stride, count * stride).data();
+  float* const sample = to.data() + (begin - first);
   if (channel != kMean || stride == 1) {
-    CopyEach(from + std::max(0, channel), stride, {sample, count});
+    from += std::max(0, channel);
+    if (m_signal.bits > 0) {
+      CopyEach(from, stride, {sample, count}, [](float value) { return value; });
+    } else {
+      CopyEach(from, stride, {sample, count}, Finite);
+    }
     return;
   }
   for (size_t i = 0; i < count; ++i, from += stride) {

@@ -28,13 +28,17 @@ bool AreBelow(double limit, const std::vector<ChannelSurvey>& surveys) {
 void ForEachBlock(const Signal& signal, const std::function<bool(std::span<const float>)>& use) {
   const size_t length =
       static_cast<size_t>(std::max(1, signal.rate / 10)) * static_cast<size_t>(signal.channels);
-  std::vector<float> block(length);
-  for (std::span<const float> left = signal.samples; !left.empty();) {
-    const size_t count = std::min(length, left.size());
-    std::ranges::transform(left.first(count), block.begin(),
-                           [](float sample) { return std::isfinite(sample) ? sample : 0; });
-    if (!use(std::span(block).first(count))) return;
-    left = left.subspan(count);
+  std::vector<float> finite;
+  for (size_t first = 0; first < signal.samples.size(); first += length) {
+    std::span<const float> block =
+        signal.samples.View(first, std::min(length, signal.samples.size() - first));
+    if (signal.bits == 0) {
+      finite.resize(block.size());
+      std::ranges::transform(block, finite.begin(),
+                             [](float sample) { return std::isfinite(sample) ? sample : 0; });
+      block = finite;
+    }
+    if (!use(block)) return;
   }
 }
 

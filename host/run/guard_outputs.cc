@@ -1,17 +1,15 @@
 #include "run/guard_outputs.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "files/audio_figures.h"
-#include "files/regular_file.h"
 #include "guards/guards.h"
+#include "run/file_samples.h"
 #include "run/source_of_output.h"
 
 namespace host {
@@ -20,60 +18,57 @@ namespace {
 
 using harness::SoundUse;
 
-// Both signals are held in memory: what is longer has no guards on its sound.
+// What is longer has no guards on its sound: nobody waits long for what he has not asked for.
 constexpr uint64_t kMaxSamples = 100'000'000;
 
-// Asks for large pages for what is going to hold so many samples: to get thousands of small ones
-// takes about as long as to read the samples. No more than a wish.
-void TakeLargePages(std::vector<float>& samples) {
-  constexpr size_t kLargePage = 2U << 20U;
-  void* first = samples.data();
-  size_t bytes = samples.capacity() * sizeof(float);
-  if (std::align(kLargePage, kLargePage, first, bytes) == nullptr) return;
-  madvise(first, bytes / kLargePage * kLargePage, MADV_HUGEPAGE);
+// The sound of a file, which must stay.
+class OpenedSound {
+ public:
+  OpenedSound(const FileReport& file, const AudioLayout& audio, const std::function<bool()>& goOn)
+      : m_samples(file.place.path, audio, goOn),
+        m_signal{.samples = {m_samples, m_samples.Size()},
+                 .rate = audio.rate,
+                 .channels = audio.channels,
+                 .bits = *audio.samples == SampleType::kPcm16 ? 16 : 0} {}
+
+  const Signal& signal() const { return m_signal; }
+
+  // Whether all that was looked at is what the file holds.
+  bool WasRead() const { return !m_samples.HasFailed(); }
+
+ private:
+  FileSamples m_samples;
+  Signal m_signal;
+};
+
+// Null where the file holds no samples that are decoded here, or too many.
+std::unique_ptr<OpenedSound> Open(const FileReport& file, const std::function<bool()>& goOn) {
+  const std::optional<AudioLayout>& audio = file.audio;
+  if (file.absent || !audio || !audio->samples || audio->rate <= 0) return nullptr;
+  const uint64_t width = *audio->samples == SampleType::kPcm16 ? 2 : 4;
+  if (audio->bytes / width > kMaxSamples) return nullptr;
+  auto opened = std::make_unique<OpenedSound>(file, *audio, goOn);
+  return opened->signal().samples.empty() ? nullptr : std::move(opened);
 }
 
-// The samples of a file, which must stay.
-class Loaded {
+// The input of one output after the other. Most have the same.
+class OpenedInput {
  public:
-  // The same file as the last time is not read again. Null where the file holds no samples that are
-  // decoded here, or too many.
-  const Signal* Load(const FileReport& file, const std::function<bool()>& goOn) {
-    if (m_file != &file) {
-      m_file = &file;
-      m_loaded = Read(file, goOn);
+  explicit OpenedInput(std::function<bool()> goOn) : m_goOn(std::move(goOn)) {}
+
+  // Null where there is none to go by, also for one that could not be read to its end.
+  const Signal* Of(const FileReport* file) {
+    if (file != m_file) {
+      m_file = file;
+      m_opened = file == nullptr || file->changed ? nullptr : Open(*file, m_goOn);
     }
-    return m_loaded ? &m_signal : nullptr;
+    return m_opened != nullptr && m_opened->WasRead() ? &m_opened->signal() : nullptr;
   }
 
  private:
-  bool Read(const FileReport& file, const std::function<bool()>& goOn) {
-    const std::optional<AudioLayout>& audio = file.audio;
-    if (file.absent || !audio || !audio->samples || audio->rate <= 0) return false;
-    const uint64_t width = *audio->samples == SampleType::kPcm16 ? 2 : 4;
-    if (audio->bytes == 0 || audio->bytes / width > kMaxSamples) return false;
-    const std::unique_ptr<FILE, int (*)(FILE*)> stream(OpenRegular(file.place.path), fclose);
-    if (stream == nullptr) return false;
-    m_samples.clear();
-    m_samples.reserve(audio->bytes / width);
-    TakeLargePages(m_samples);
-    const std::string fault =
-        ForEachSampleBlock(stream.get(), *audio, [&](std::span<const float> block) {
-          m_samples.insert(m_samples.end(), block.begin(), block.end());
-          return goOn();
-        });
-    if (!fault.empty() || m_samples.empty()) return false;
-    m_signal = {.samples = m_samples,
-                .rate = audio->rate,
-                .channels = audio->channels,
-                .bits = width == 2 ? 16 : 0};
-    return true;
-  }
-
+  std::function<bool()> m_goOn;
   const FileReport* m_file = nullptr;
-  bool m_loaded = false;
-  std::vector<float> m_samples;
-  Signal m_signal;
+  std::unique_ptr<OpenedSound> m_opened;
 };
 
 GuardRules RulesOf(const SoundUse& sound) {
@@ -101,23 +96,28 @@ void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
   const bool comparable = std::all_of(report.inputs.begin(), report.inputs.end(),
                                       [](const FileReport& each) { return each.problems.empty(); });
   std::map<const SoundUse*, size_t> places;
-  Loaded input;
-  Loaded output;
+  OpenedInput input(goOn);
   for (FileReport& file : report.outputs) {
     const SoundUse* const sound = harness::FindSound(plan.row->sounds, file.place.use.name);
     if (sound == nullptr) continue;
     const size_t place = places[sound]++;
     if (!sound->noSound.empty() || file.state != OutputState::kWritten) continue;
     if (file.changed || !goOn()) continue;
-    const Signal* const made = output.Load(file, goOn);
+    const std::unique_ptr<OpenedSound> made = Open(file, goOn);
     if (made == nullptr) continue;
-    const FileReport* const source = SourceInput(sound->input, place, report.inputs);
-    const std::vector<GuardHit> hits = CheckGuards(
-        {.input = source == nullptr || source->changed || !comparable ? nullptr
-                                                                      : input.Load(*source, goOn),
-         .output = made,
-         .rules = RulesOf(*sound),
-         .facts = {.nullDevice = source == nullptr && captures}});
+    const FileReport* source = SourceInput(sound->input, place, report.inputs);
+    const bool heardNothing = source == nullptr && captures;
+    if (!comparable) source = nullptr;
+    GuardInput judged = {.input = input.Of(source),
+                         .output = &made->signal(),
+                         .rules = RulesOf(*sound),
+                         .facts = {.nullDevice = heardNothing}};
+    std::vector<GuardHit> hits = CheckGuards(judged);
+    if (input.Of(source) != judged.input) {
+      judged.input = nullptr;
+      hits = CheckGuards(judged);
+    }
+    if (!made->WasRead()) continue;
     file.guards.insert(file.guards.end(), hits.begin(), hits.end());
   }
 }
