@@ -114,6 +114,30 @@ Control SoftBand(double softer, bool kept) {
           {{"band_limit", kept ? kEnd : kStep + 60, 60}}};
 }
 
+// The least that is defined.
+Control ShortestDelay() {
+  return {"0.2 s, 40 samples late",
+          "A whole number of samples.",
+          [] {
+            const Samples noise = WhiteNoise(9640, 0.1, 43);
+            return Scene{.output = {48000, {{noise.begin(), noise.end() - 40}}},
+                         .input = {48000, {{noise.begin() + 40, noise.end()}}}};
+          },
+          {{"codec_delay", 40.0 / 48000, 0.002 / 48000}}};
+}
+
+Control ShortestBand() {
+  return {"0.6 s of a codec that ends at 3 kHz",
+          "As over a longer time: the filter falls to -20 dB within 30 Hz above its edge.",
+          [] {
+            Samples flat = Flat();
+            flat.resize(9600);
+            return Scene{.output = {kStepRate, {Below(kStep, flat, kStepRate)}},
+                         .input = {kStepRate, {flat}}};
+          },
+          {{"band_limit", kStep + 30, 60}}};
+}
+
 // Silence up to the last 64 ms of 0.704 s.
 Control LateBand() {
   return {"sound in nothing but the last half of the last window",
@@ -144,7 +168,9 @@ std::vector<Control> CodecControls() {
           SofterBand(25.5, false, 0.5),
           SoftBand(69.5, true),
           SoftBand(71, false),
-          LateBand()};
+          LateBand(),
+          ShortestDelay(),
+          ShortestBand()};
 }
 
 }  // namespace host

@@ -27,6 +27,19 @@ Samples Later(std::span<const float> samples, size_t count) {
   return later;
 }
 
+// The least that is defined, of an echo that is not later, so that all blocks are whole.
+Control Shortest(Expected expected) {
+  return {"0.2 s of an echo 26 dB down",
+          "Ten blocks of 20 ms are one window: its gain, from the start.",
+          [] {
+            const Samples far = Talk(0.1, 0.2, 88);
+            return Scene{.output = {kRate, {Scaled(far, 0.025)}},
+                         .far = {kRate, {far}},
+                         .input = {kRate, {Scaled(far, 0.5)}}};
+          },
+          {std::move(expected)}};
+}
+
 // The gains of a canceller, one after the other.
 struct Passage {
   double seconds = 0;
@@ -113,6 +126,19 @@ Control DoubleTalk(double below, double gain, size_t later) {
           {{"near_sdr", below - longer, 0.02}}};
 }
 
+Control ShortDoubleTalk() {
+  return {"0.2 s of double talk with an echo 12 dB below",
+          "Both talk throughout; the echo is orthogonal to the near end in each 20 ms.",
+          [] {
+            constexpr int rate = 48000;
+            const Samples near = WhiteNoise(9600, 0.1, 89);
+            return Scene{.output = {rate, {Sum(near, NoiseBelow(near, 12, 960, 90))}},
+                         .far = {rate, {WhiteNoise(9600, 0.1, 92)}},
+                         .near = {rate, {near}}};
+          },
+          {{"near_sdr", 12, 0.02}}};
+}
+
 }  // namespace
 
 std::vector<Control> EchoControls() {
@@ -137,6 +163,9 @@ std::vector<Control> EchoControls() {
           Converging("an echo 20.1 dB down throughout", {{4, std::pow(10, -1.005)}},
                      {"erle", third + 0.1, 0.01}, {"convergence", 0, 0.001}),
           WithNear(),
+          Shortest({"erle", -20 * std::log10(0.05), 0.01}),
+          Shortest({"convergence", 0, 0.001}),
+          ShortDoubleTalk(),
           DoubleTalk(15, 1, 0),
           DoubleTalk(5, -0.3, 24),
           DoubleTalk(30, 2, 0)};

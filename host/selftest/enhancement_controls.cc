@@ -98,6 +98,33 @@ Control WithoutReference() {
            {"delta_snr", 0, 0, "no reference"}}};
 }
 
+// The least that is defined: 0.4 s of speech, then silence, with noise a tenth as large throughout.
+Control Shortest() {
+  const double speech = kSpeech * kSpeech;
+  const double noise = kNoise * kNoise;
+  const double after = kSpeechGain * kSpeechGain * speech / (kWithin * kWithin * noise);
+  return {
+      "1 s of speech at gain 0.8, its noise at gain 0.1",
+      "From 0.2 s after the speech on it pauses. The gain of the noise is the reduction, that "
+      "of the speech is retained, and the SNR rises by both; a gain that does not change "
+      "leaves the kurtosis.",
+      [] {
+        Scene scene = {.output = {kRate, {{}}}, .reference = {kRate, {{}}}, .input = {kRate, {{}}}};
+        for (size_t i = 0; i < kBlocks; ++i) {
+          const Samples said = i < 20 ? Block(kSpeech, {}, 65 + i) : Samples(kBlock);
+          const Samples beside = Block(kNoise, said, 6500 + i);
+          Append(scene.reference.channels[0], said);
+          Append(scene.input.channels[0], Sum(said, beside));
+          Append(scene.output.channels[0], Sum(Scaled(said, kSpeechGain), Scaled(beside, kWithin)));
+        }
+        return scene;
+      },
+      {{"noise_reduction", -2 * Decibels(kWithin), 0.01},
+       {"speech_retained", 2 * Decibels(kSpeechGain), 0.01},
+       {"delta_snr", Decibels(after) - Decibels(speech / noise), 0.02},
+       {"musical", 0, 1e-3}}};
+}
+
 // A pause of 4 s of noise, then the same 4 s again, which the output has at this gain.
 Control Flickering(double gain) {
   const double fourth = std::pow(gain, 4);
@@ -134,7 +161,7 @@ Control Coloured() {
 }  // namespace
 
 std::vector<Control> EnhancementControls() {
-  return {WithReference(), WithoutReference(), Flickering(0.1),
+  return {WithReference(), WithoutReference(), Shortest(), Flickering(0.1),
           Flickering(0.7), Flickering(1),      Coloured()};
 }
 

@@ -18,6 +18,23 @@ Samples QuarterRate(double amplitude, size_t count, double phase = 0) {
   return Sine(kRate, static_cast<double>(count) / kRate, kRate / 4.0, amplitude, phase);
 }
 
+Control OneSample(double height, size_t count, size_t place) {
+  const auto all = static_cast<double>(count);
+  return {"one sample of " + std::to_string(height) + " at place " + std::to_string(place) +
+              " of " + std::to_string(count),
+          "0.8 up or down alone among n: peak 20 log10 0.8, mean 0.8 / n, mean square 0.64 / n.",
+          [=] {
+            Samples samples(count);
+            samples[place] = static_cast<float>(height);
+            return Of(samples);
+          },
+          {{"peak", Decibels(0.8), 1e-4},
+           {"true_peak", Decibels(0.8), 1e-4},
+           {"rms", Decibels(0.8) - 10 * std::log10(all), 1e-4},
+           {"crest", 10 * std::log10(all), 1e-4},
+           {"dc", height / all, 1e-9}}};
+}
+
 std::vector<Control> PeakControls() {
   std::vector<Control> controls;
   controls.push_back(
@@ -44,22 +61,18 @@ std::vector<Control> PeakControls() {
          [turn] { return Of(QuarterRate(0.5, 9600, turn * std::numbers::pi / 8)); },
          {{"true_peak", Decibels(0.5), 0.2}}});
   }
-  for (const size_t place : {0U, 4799U}) {
-    controls.push_back(
-        {place == 0 ? "one low sample at the start" : "one low sample at the end",
-         "0.8 downwards alone among 4800: peak 20 log10 0.8, mean -0.8 / 4800, mean square "
-         "0.64 / 4800.",
-         [place] {
-           Samples samples(4800);
-           samples[place] = -0.8F;
-           return Of(samples);
-         },
-         {{"peak", Decibels(0.8), 1e-4},
-          {"true_peak", Decibels(0.8), 1e-4},
-          {"rms", Decibels(0.8) - 10 * std::log10(4800.0), 1e-4},
-          {"crest", 10 * std::log10(4800.0), 1e-4},
-          {"dc", -0.8 / 4800, 1e-9}}});
+  for (const double height : {-0.8, 0.8}) {
+    controls.push_back(OneSample(height, 4800, 0));
+    controls.push_back(OneSample(height, 4800, 4799));
+    controls.push_back(OneSample(height, 4807, 4806));
   }
+  controls.push_back({"a hum of 1e-25",
+                      "The peak is -500 dBFS; its square is below what a float can be, so that it "
+                      "has no RMS, and no distance from it.",
+                      [] { return Of(Samples(480, 1e-25F)); },
+                      {{"peak", -500, 1e-4},
+                       {.measure = "rms", .reason = audio_measures::kSilence},
+                       {.measure = "crest", .reason = audio_measures::kSilence}}});
   controls.push_back({"square wave of full scale",
                       "All samples are 1 or -1: peak and RMS 0 dBFS, crest factor 0, each in a run "
                       "of ten at full scale.",
@@ -146,6 +159,27 @@ Control NoiseFloorControl() {
       {{"noise_floor", Decibels(0.105), 1e-4}}};
 }
 
+Control ShortestFloor() {
+  return {"ten blocks of 20 ms at rising levels",
+          "Rank 0.1 * 9 = 0.9 lies between the lowest, 0.1, and the next, 0.2: 0.19.",
+          [] {
+            Samples samples;
+            for (int i = 10; i > 0; --i) {
+              Append(samples, Samples(Frames(kRate, 0.02), static_cast<float>(i / 10.0)));
+            }
+            return Of(samples);
+          },
+          {{"noise_floor", Decibels(0.19), 1e-4}}};
+}
+
+// The least that is defined.
+Control ShortestBand(Expected expected) {
+  return {"0.6 s of a tone of 2 kHz",
+          "All energy is in the main lobe of a window of 80 ms or more, 25 Hz to either side.",
+          [] { return Of(Sine(16000, 0.6, 2000, 0.5), 16000); },
+          {std::move(expected)}};
+}
+
 // Two tones, the higher one this far below the lower one.
 Control BandwidthControl(const char* name, double below, double energy, double of40Db) {
   return {name,
@@ -207,6 +241,9 @@ std::vector<Control> LevelControls() {
   std::vector<Control> controls = PeakControls();
   controls.push_back(ClippedControl());
   controls.push_back(NoiseFloorControl());
+  controls.push_back(ShortestFloor());
+  controls.push_back(ShortestBand({"bandwidth", 2000, 25}));
+  controls.push_back(ShortestBand({"bandwidth_40db", 2000, 40}));
   controls.push_back(BandwidthControl("a tone 19 dB below another", 19, 9000, 9000));
   controls.push_back(BandwidthControl("a tone 21 dB below another", 21, 1000, 9000));
   controls.push_back(BandwidthControl("a tone 39 dB below another", 39, 1000, 9000));

@@ -117,9 +117,9 @@ Control ManyChannels(int count) {
 }  // namespace
 
 std::vector<Control> TruePeakControls() {
-  std::vector<Control> controls = {At(kRate, 4, 1),  At(kRate, 4, 2),  At(kRate, 4, 3),
-                                   At(8000, 4, 2),   At(95999, 4, 2),  At(96000, 2, 1),
-                                   At(191999, 2, 1), ManyChannels(64), ManyChannels(65)};
+  std::vector<Control> controls = {
+      At(kRate, 4, 1), At(kRate, 4, 2), At(kRate, 4, 3),  At(8000, 4, 2),   At(100, 4, 2),
+      At(95999, 4, 2), At(96000, 2, 1), At(191999, 2, 1), ManyChannels(64), ManyChannels(65)};
   // Where registers of four samples and runs of 4096 end, and where they do not.
   for (const size_t later : {0U, 1U, 2U, 3U, 4098U}) controls.push_back(InChannels(4100, later));
   controls.push_back(InChannels(4097, 8));

@@ -84,9 +84,8 @@ Figure Level::Rms() const {
 }
 
 Figure Level::Crest() const {
-  const Figure peak = Peak();
   const Figure rms = Rms();
-  return peak.value && rms.value ? Known(*peak.value - *rms.value) : peak;
+  return rms.value ? Known(*Peak().value - *rms.value) : rms;
 }
 
 Figure Level::Dc() const {

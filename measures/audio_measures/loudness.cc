@@ -93,7 +93,7 @@ const char* Loudness::Fault(uint64_t tenths) const {
   if (!m_valid) return "a rate or channel count that is out of range";
   if (m_frames == 0) return kNoSamples;
   if (!m_finite) return kNotFinite;
-  return m_frames * 10 < tenths * m_rate ? kTooShort : nullptr;
+  return m_powers.size() < tenths ? kTooShort : nullptr;
 }
 
 Figure Loudness::Integrated() const {
