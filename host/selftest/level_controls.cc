@@ -64,6 +64,7 @@ std::vector<Control> PeakControls() {
   for (const double height : {-0.8, 0.8}) {
     controls.push_back(OneSample(height, 4800, 0));
     controls.push_back(OneSample(height, 4800, 4799));
+    controls.push_back(OneSample(height, 4807, 4800));
     controls.push_back(OneSample(height, 4807, 4806));
   }
   controls.push_back({"a hum of 1e-25",

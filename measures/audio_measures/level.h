@@ -9,7 +9,7 @@ namespace audio_measures {
 
 inline constexpr int kPeakVersion = 1;
 inline constexpr int kRmsVersion = 1;
-inline constexpr int kCrestVersion = 1;
+inline constexpr int kCrestVersion = 2;
 inline constexpr int kDcVersion = 1;
 inline constexpr int kSwingVersion = 1;
 
@@ -18,7 +18,8 @@ inline constexpr int kSwingVersion = 1;
 //   peak  20 log10(max |x|), dBFS.
 //   rms   10 log10(mean x^2), dBFS: a square wave of full scale has 0, a sine -3.01 (not the scale
 //         of AES17, which gives the sine 0).
-//   crest peak less rms, dB: a sine has 3.01.
+//   crest peak less rms, dB: a sine has 3.01. What is below 1e-23 throughout has squares that
+//         no float holds, so that it has a peak, but no rms and no crest.
 //   dc    mean x, as a share of full scale.
 //   swing max x - min x, as a share of full scale.
 class Level {

@@ -41,15 +41,13 @@ void GateByMean(double share, std::vector<double>& powers) {
 
 Loudness::Loudness(int channels, int rate)
     : m_valid(rate >= kMinRate && rate <= kMaxRate && channels > 0 && channels <= kMaxChannels),
-      m_rate(static_cast<uint64_t>(std::max(rate, 0))),
       m_pairs(m_valid ? (static_cast<size_t>(channels) + 1) / 2 : 0, KWeighting(rate)),
       m_channels(m_valid ? static_cast<size_t>(channels) : 0),
-      m_tenth((m_rate + 5) / 10) {}
+      m_tenth((static_cast<size_t>(std::max(rate, 0)) + 5) / 10) {}
 
 void Loudness::Add(std::span<const float> frames) {
   if (!m_valid || frames.empty()) return;
   m_finite = m_finite && AreFinite(frames);
-  m_frames += frames.size() / m_channels;
   if (!m_finite) return;
   for (size_t count = frames.size() / m_channels; count > 0;) {
     const size_t some = std::min(count, m_tenth - m_inTenth);
@@ -89,10 +87,10 @@ std::vector<double> Loudness::Gated(size_t tenths, size_t step) const {
 }
 
 // Why there is no figure of what lasts `tenths` of a second at least, or nullptr.
-const char* Loudness::Fault(uint64_t tenths) const {
+const char* Loudness::Fault(size_t tenths) const {
   if (!m_valid) return "a rate or channel count that is out of range";
-  if (m_frames == 0) return kNoSamples;
   if (!m_finite) return kNotFinite;
+  if (m_powers.empty() && m_inTenth == 0) return kNoSamples;
   return m_powers.size() < tenths ? kTooShort : nullptr;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -34,19 +33,17 @@ class Loudness {
   Figure Range() const;
 
  private:
-  const char* Fault(uint64_t tenths) const;
+  const char* Fault(size_t tenths) const;
   void EndTenth();
   // Mean powers of windows of `tenths`, one every `step`, that pass the gate at -70 LUFS.
   std::vector<double> Gated(size_t tenths, size_t step) const;
 
   bool m_valid;
-  uint64_t m_rate;
   std::vector<KWeighting> m_pairs;  // Of channels.
   size_t m_channels;
   size_t m_tenth;                     // Frames of 0.1 s.
   size_t m_inTenth = 0;               // Of those, how many there are.
   std::vector<double> m_powers = {};  // Sums of the weighted squares of each tenth.
-  uint64_t m_frames = 0;
   bool m_finite = true;
 };
 
