@@ -33,7 +33,6 @@ void Gather(std::span<const float> samples, Sums& sums) {
 }  // namespace
 
 void Level::Add(std::span<const float> samples) {
-  if (m_samples == 0 && !samples.empty()) m_lowest = m_highest = samples.front();
   m_samples += samples.size();
   while (!samples.empty()) {
     const size_t count = std::min(kRun, samples.size());
@@ -58,9 +57,8 @@ void Level::Add(std::span<const float> samples) {
 }
 
 void Level::Add(const Level& next) {
-  if (next.m_samples == 0) return;
-  m_lowest = m_samples == 0 ? next.m_lowest : std::min(m_lowest, next.m_lowest);
-  m_highest = m_samples == 0 ? next.m_highest : std::max(m_highest, next.m_highest);
+  m_lowest = std::min(m_lowest, next.m_lowest);
+  m_highest = std::max(m_highest, next.m_highest);
   m_samples += next.m_samples;
   m_sum += next.m_sum;
   m_squares += next.m_squares;
@@ -68,7 +66,7 @@ void Level::Add(const Level& next) {
 
 const char* Level::Fault() const {
   if (m_samples == 0) return kNoSamples;
-  return std::isfinite(m_sum) && std::isfinite(m_squares) ? nullptr : kNotFinite;
+  return std::isfinite(m_squares) ? nullptr : kNotFinite;
 }
 
 Figure Level::Peak() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "audio_measures/figure.h"
@@ -37,8 +38,8 @@ class Level {
   const char* Fault() const;
 
   uint64_t m_samples = 0;
-  float m_lowest = 0;
-  float m_highest = 0;
+  float m_lowest = std::numeric_limits<float>::infinity();
+  float m_highest = -std::numeric_limits<float>::infinity();
   double m_sum = 0;
   double m_squares = 0;
 };
