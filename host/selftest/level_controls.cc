@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "selftest/control.h"
@@ -143,6 +144,38 @@ Control ClippedControl() {
           {{"clipped", 0.12, 1e-9}}};
 }
 
+Control ClippedBlocks() {
+  return {"runs at full scale around places 256, 512, 768 and 1024",
+          "What stands in a row counts wherever it stands: 4 around 768, 3 that end at 1024 and "
+          "nothing else. Two and one with other samples between do not, nor does what is infinite "
+          "or no number.",
+          [] {
+            Samples samples(1536, 0.25F);
+            const float full = 32767.0F / 32768;
+            const auto fill = [&](size_t first, size_t count, float value) {
+              std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
+            };
+            fill(254, 2, full);
+            fill(512, 1, full);
+            fill(766, 4, full);
+            fill(1021, 3, -full);
+            fill(1100, 5, std::numeric_limits<float>::infinity());
+            fill(1200, 5, std::numeric_limits<float>::quiet_NaN());
+            Scene scene = Of(samples);
+            scene.fullScale = full;
+            return scene;
+          },
+          {{"clipped", 7.0 / 1536, 1e-9}}};
+}
+
+Control FloorOfOddBlocks() {
+  return {"0.2 s at 11025 Hz",
+          "A block of 20 ms has 220.5 samples there, for which 221 are taken, so that nine fit; "
+          "ten is the least.",
+          [] { return Of(Samples(2205, 0.5F), 11025); },
+          {{.measure = "noise_floor", .reason = audio_measures::kTooShort}}};
+}
+
 Control NoiseFloorControl() {
   return {
       "96 blocks of 20 ms at rising levels",
@@ -194,63 +227,21 @@ Control BandwidthControl(const char* name, double below, double energy, double o
           {{"bandwidth", energy, 30}, {"bandwidth_40db", of40Db, 40}}};
 }
 
-// The time, in units of its 30 ms, until an envelope of two smoothings has gone down to `share` of
-// what it was: (1 + t) exp(-t) = share.
-double FallTime(double share) {
-  double low = 0;
-  double high = 50;
-  for (int i = 0; i < 100; ++i) {
-    const double middle = (low + high) / 2;
-    ((1 + middle) * std::exp(-middle) > share ? low : high) = middle;
-  }
-  return low;
-}
-
-// Bursts of constant magnitude on, silence in between.
-Control SpeechControl(const std::string& name, int rate, double on, double off) {
-  const int bursts = 12;
-  // The threshold over the magnitude of a burst, for an activity `a`: active level less margin.
-  double activity = on / (on + off);
-  for (int i = 0; i < 50; ++i) {
-    const double share = std::pow(10, -15.9 / 20) * std::sqrt(on / (on + off) / activity);
-    const double longer = 0.03 * (FallTime(share) - FallTime(1 - share)) + 0.2;
-    activity = (on + longer) / (on + off);
-  }
-  const double level = Decibels(0.25) + 10 * std::log10(on / (on + off) / activity);
-  return {name,
-          "Each burst is active for its time, the 0.2 s of hang-over, and what the envelope of two "
-          "smoothings of 30 ms takes to fall to 15.9 dB below the active level less what it takes "
-          "to rise to it. All energy over that time is the active level. The method reads between "
-          "thresholds 6 dB apart on a line: 5 ms a burst.",
-          [=] {
-            Samples samples;
-            for (int i = 0; i < bursts; ++i) {
-              for (size_t n = 0; n < Frames(rate, on); ++n) {
-                samples.push_back(n % 8 < 4 ? 0.25F : -0.25F);
-              }
-              samples.resize(samples.size() + Frames(rate, off));
-            }
-            return Of(samples, rate);
-          },
-          {{"activity", activity, 0.006 / (on + off)},
-           {"active_level", level, Decibels(1 + 0.003 / on)}}};
-}
-
 }  // namespace
 
 std::vector<Control> LevelControls() {
   std::vector<Control> controls = PeakControls();
   controls.push_back(ClippedControl());
+  controls.push_back(ClippedBlocks());
   controls.push_back(NoiseFloorControl());
   controls.push_back(ShortestFloor());
+  controls.push_back(FloorOfOddBlocks());
   controls.push_back(ShortestBand({"bandwidth", 2000, 25}));
   controls.push_back(ShortestBand({"bandwidth_40db", 2000, 40}));
   controls.push_back(BandwidthControl("a tone 19 dB below another", 19, 9000, 9000));
   controls.push_back(BandwidthControl("a tone 21 dB below another", 21, 1000, 9000));
   controls.push_back(BandwidthControl("a tone 39 dB below another", 39, 1000, 9000));
   controls.push_back(BandwidthControl("a tone 41 dB below another", 41, 1000, 1000));
-  controls.push_back(SpeechControl("bursts of 1 s, 1 s apart, at 16 kHz", 16000, 1, 1));
-  controls.push_back(SpeechControl("bursts of 0.4 s, 0.8 s apart, at 8 kHz", 8000, 0.4, 0.8));
   return controls;
 }
 

@@ -44,7 +44,7 @@ void Clipped::AddEach(std::span<const float> samples) {
       continue;
     }
     const bool positive = sample > 0;
-    m_run = m_run > 0 && positive == m_positive ? m_run + 1 : 1;
+    m_run = positive == m_positive ? m_run + 1 : 1;
     m_positive = positive;
     if (m_run < kShortestRun) continue;
     m_clipped += m_run == kShortestRun ? kShortestRun : 1;
