@@ -35,8 +35,8 @@ float Overdrive::Shape(float sample) {
 }
 
 void Overdrive::Process(float* samples, size_t frames) {
-  const size_t slowPast = m_up.Taps() - 1;
-  const size_t fastPast = m_down.Taps() - 1;
+  const size_t slowPast = m_slow.size() - kMaxEffectFrames;
+  const size_t fastPast = m_fast.size() - kMaxEffectFrames * m_factor;
   std::copy_n(samples, frames, m_slow.begin() + Offset(slowPast));
   for (size_t i = 0; i < frames; ++i) {
     for (size_t phase = 0; phase < m_factor; ++phase) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "desktop/dsp/sample_blocks.h"
 #include "support/signals.h"
 #include "support/tone.h"
 
@@ -93,6 +94,23 @@ TEST(Overdrive, IsAsRoughAtEveryRateAndLevel) {
       EXPECT_NEAR(third / AmplitudeAt(settled, kTone, rate), expected, 0.01)
           << rate << " Hz, " << level;
     }
+  }
+}
+
+// The longest block fills what the overdrive keeps to the last sample.
+TEST(Overdrive, HearsNoDifferenceWhereItsInputIsCut) {
+  for (const int rate : {8000, 96000}) {
+    const Doubles noise = WhiteNoise(4 * desktop::kMaxEffectFrames, 0.5, 1);
+    const std::vector<float> in(noise.begin(), noise.end());
+    std::vector<float> whole = in;
+    desktop::Overdrive overdrive(3, rate);
+    for (size_t at = 0; at < whole.size(); at += desktop::kMaxEffectFrames) {
+      overdrive.Process(&whole[at], desktop::kMaxEffectFrames);
+    }
+    std::vector<float> cut = in;
+    desktop::Overdrive other(3, rate);
+    for (float& sample : cut) other.Process(&sample, 1);
+    EXPECT_EQ(whole, cut) << rate;
   }
 }
 
