@@ -184,12 +184,11 @@ TEST(EchoDelayEst, WaitsForAnEndThatIsLate) {
 
 // A second has to pass at both ends before one is taken to have stopped: not half a second at each.
 TEST(EchoDelayEst, WaitsForAnEndThatComesAfterLongBlocksOfTheOther) {
-  const Samples far = Talk(16000, 9, 21);
-  const Samples near = Echo(far, 16000, 140);
   CEchoDelayEst estimator(16000, 1);
-  Delays(estimator, Samples(far.begin(), far.begin() + 16000),
-         Samples(near.begin(), near.begin() + 16000), 16000, 160);
-  for (size_t at = 16000; at + 12800 <= far.size(); at += 12800) {
+  Delays(estimator, Samples(16000), Samples(16000), 16000, 160);
+  const Samples far = Talk(16000, 8, 21);
+  const Samples near = Echo(far, 16000, 140);
+  for (size_t at = 0; at + 12800 <= far.size(); at += 12800) {
     estimator.ProcessFar(&far[at], 12800);
     for (size_t part = 0; part < 12800; part += 160) estimator.ProcessNear(&near[at + part], 160);
   }

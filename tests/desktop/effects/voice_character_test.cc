@@ -4,7 +4,6 @@
 #include <cmath>
 #include <complex>
 #include <map>
-#include <memory>
 #include <numbers>
 #include <ostream>
 #include <vector>
@@ -14,44 +13,12 @@
 #include "support/signals.h"
 #include "support/tone.h"
 #include "support/voice.h"
+#include "voice/changed_voice.h"
 
 // What each voice effect and each mode is said to do must be heard: every part of every recipe has
 // a figure here that it alone makes.
 
 namespace {
-
-using Shorts = std::vector<short>;
-using Doubles = std::vector<double>;
-
-constexpr int kRate = 16000;
-
-struct Release {
-  void operator()(IAudioVoiceBeautify* effect) const { effect->Destroy(); }
-};
-
-Doubles Changed(VoiceEffectOption effect, Shorts samples) {
-  const std::unique_ptr<IVoiceChangerToolbox> toolbox(IVoiceChangerToolbox::Create(kRate, 1));
-  toolbox->SetVoiceEffectOption(effect);
-  for (size_t done = 0; done < samples.size(); done += 160) {
-    short count = 160;
-    toolbox->Process(&samples[done], &count);
-  }
-  return ToDoubles(samples);
-}
-
-Doubles Changed(VoiceBeautifyOption mode, Shorts samples) {
-  const std::unique_ptr<IAudioVoiceBeautify, Release> effect(IAudioVoiceBeautify::Create());
-  effect->SetEnabled(true);
-  effect->SetVoiceBeautifyOption(mode, 1, 0);
-  effect->Process(reinterpret_cast<char*>(samples.data()), static_cast<int>(samples.size()), kRate,
-                  1, 16);
-  return ToDoubles(samples);
-}
-
-// The second half of a sound that has settled.
-std::span<const double> Settled(const Doubles& sound) {
-  return {sound.data() + sound.size() / 2, sound.size() / 2};
-}
 
 // How many dB an octave of white noise gains over another one.
 template <typename Voice>

@@ -42,6 +42,7 @@ constexpr size_t kGroupTaps = kLanes * kSharedTaps;
 // A few taps are summed on their own before they join the total, and the quiet tail of the response
 // goes first: small sums round less than a total does.
 constexpr size_t kStepsPerSum = kLanes < 4 ? kLanes : 4;
+constexpr size_t kSingleTapsPerSum = 8;  // Of those that make no whole group.
 
 template <size_t... kIndex, typename Function>
 HWY_INLINE void Unroll(std::index_sequence<kIndex...>, Function function) {
@@ -106,12 +107,18 @@ void ConvolveTile(const float* in, const float* coefficients, size_t count, cons
   // The oldest taps, which make no whole group, one by one: padding them with zeros would let an
   // infinite sample reach further than the response.
   size_t tap = count;
-  for (size_t end = count - count % kGroupTaps; tap > end;) {
-    --tap;
-    const Vector coefficient = hn::Set(d, coefficients[tap]);
-    Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR {
-      totals[row] = hn::MulAdd(hn::LoadU(d, in + kLanes * row - tap), coefficient, totals[row]);
-    });
+  for (const size_t end = count - count % kGroupTaps; tap > end;) {
+    Vector sums[kRows];
+    Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR { sums[row] = hn::Zero(d); });
+    for (size_t left = std::min(tap - end, kSingleTapsPerSum); left > 0; --left) {
+      --tap;
+      const Vector coefficient = hn::Set(d, coefficients[tap]);
+      Unroll(std::make_index_sequence<kRows>(), [&](auto row) HWY_ATTR {
+        sums[row] = hn::MulAdd(hn::LoadU(d, in + kLanes * row - tap), coefficient, sums[row]);
+      });
+    }
+    Unroll(std::make_index_sequence<kRows>(),
+           [&](auto row) HWY_ATTR { totals[row] = hn::Add(totals[row], sums[row]); });
   }
 
   while (tap > 0) {
