@@ -65,6 +65,11 @@ TEST(CheckComparable, RefusesWhatHasNoCaseInCommon) {
   EXPECT_THAT(Fault(OneFigureEach({1}), b), HasSubstr("no case is in both A and B"));
 }
 
+TEST(CheckComparable, TakesTwoThatHaveNoCaseAtAll) {
+  EXPECT_EQ(Fault(ResultsJson({}), ResultsJson({})), "");
+  EXPECT_THAT(Fault(OneFigureEach({1}), ResultsJson({})), HasSubstr("no case is in both A and B"));
+}
+
 Json Report(const std::string& routine, const std::string& word) {
   return {{"schema_version", 3}, {"routine", routine},       {"arguments", {word}},
           {"verdict", "pass"},   {"figures", Json::array()}, {"outputs", Json::array()}};
