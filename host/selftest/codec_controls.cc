@@ -138,6 +138,65 @@ Control ShortestBand() {
           {{"band_limit", kStep + 30, 60}}};
 }
 
+// Where 80 ms are a power of 2 of samples, so that this is the window.
+constexpr int kWholeRate = 25600;
+constexpr size_t kWindow = 2048;
+constexpr double kBin = 12.5;  // Hz
+
+Samples InMiddle(float second) {
+  Samples samples(Frames(kWholeRate, 0.6));
+  samples[kWindow / 2] = 0.5F;
+  samples[kWindow / 2 + 1] = second;
+  return samples;
+}
+
+Control Falling() {
+  // Bins below half of the rate at which the mean of 4 sin^2 over 9 of them is 1 % of 2: the
+  // squares of 4 to either side have the mean 60 / 9.
+  const double turn = 2 * std::numbers::pi / kWindow;
+  const double below = std::sqrt(0.02 / (turn * turn) - 60.0 / 9);
+  return {"a codec that adds the sample before",
+          "The power is 2 + 2 cos w, 2 in the mean, and so near to half of the rate that of the "
+          "distance from it. The first two bins, which do not count, lower the mean by 0.2 %.",
+          [] {
+            return Scene{.output = {kWholeRate, {InMiddle(0.5F)}},
+                         .input = {kWholeRate, {InMiddle(0)}}};
+          },
+          {{"band_limit", (kWindow / 2 - below) * kBin, 0.15 * kBin}}};
+}
+
+Control Line() {
+  constexpr size_t kLine = 300;
+  return {"a codec that leaves a line of one bin",
+          "A window of Hann spreads it by one bin, and the mean over 9 by 4 more; the next one has "
+          "what floats leave, towards which 20 dB are lost in less than half a bin.",
+          [] {
+            return Scene{.output = {kWholeRate, {Sine(kWholeRate, 0.6, kLine * kBin, 0.5)}},
+                         .input = {kWholeRate, {InMiddle(0)}}};
+          },
+          {{"band_limit", (kLine + 5.3) * kBin, 0.45 * kBin}}};
+}
+
+// A line and what is flat beside it, so many times as strong as the least that counts.
+Control FlatBeside(double share) {
+  constexpr size_t kLine = 300;
+  constexpr double kAmplitude = 0.5;
+  return {"a copy of a line and a flat band at " + std::to_string(share) + " of the least",
+          "A window of Hann makes (a n / 4)^2 of a sine in the middle of a bin and a quarter of it "
+          "in either neighbour, a sixth in the mean over 9 bins: the maximum. One sample in the "
+          "middle of each window has its square in each bin, which counts from 1e-7 of that on.",
+          [share] {
+            const double line = kAmplitude * kWindow / 4;
+            const double height = line * std::sqrt(1e-7 / 6 * share);
+            Samples samples = Sine(kWholeRate, 0.6, kLine * kBin, kAmplitude);
+            for (size_t i = kWindow / 2; i < samples.size(); i += kWindow / 2) {
+              samples[i] += static_cast<float>(height);
+            }
+            return Scene{.output = {kWholeRate, {samples}}, .input = {kWholeRate, {samples}}};
+          },
+          {{"band_limit", share > 1 ? kWholeRate / 2.0 : (kLine + 5) * kBin, 0.01}}};
+}
+
 // Silence up to the last 64 ms of 0.704 s.
 Control LateBand() {
   return {"sound in nothing but the last half of the last window",
@@ -169,6 +228,10 @@ std::vector<Control> CodecControls() {
           SoftBand(69.5, true),
           SoftBand(71, false),
           LateBand(),
+          Falling(),
+          Line(),
+          FlatBeside(1.01),
+          FlatBeside(0.99),
           ShortestDelay(),
           ShortestBand()};
 }

@@ -57,6 +57,7 @@ struct Control {
 
 std::vector<Control> LevelControls();
 std::vector<Control> SpeechLevelControls();
+std::vector<Control> BandwidthControls();
 std::vector<Control> TruePeakControls();
 std::vector<Control> WeightingControls();
 std::vector<Control> LoudnessControls();

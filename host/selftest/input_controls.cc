@@ -170,19 +170,19 @@ std::vector<Control> Faults() {
 }
 
 // What makes no figure of a signal whose samples are all of this value.
-Control Filled(const std::string& name, const std::string& theory, float value,
+Control Filled(const std::string& name, const std::string& theory, float value, size_t place,
                const std::string& reason, const std::vector<std::string_view>& without) {
   std::vector<Expected> expected;
   for (const std::string_view each : without) {
     expected.push_back({.measure = each, .reason = reason});
   }
   return {name, theory,
-          [value] {
-            Scene scene = Everything(16000, 160000);
+          [=] {
+            Scene scene = Everything(16000, 160100);
             if (value == 0) {
               std::fill(scene.output.channels[0].begin(), scene.output.channels[0].end(), 0.0F);
             } else {
-              scene.output.channels[0][80000] = value;
+              scene.output.channels[0][place] = value;
             }
             return scene;
           },
@@ -235,13 +235,13 @@ std::vector<Control> InputControls() {
                                                   "pitch_cents",
                                                   "tempo"};
   controls.push_back(Filled("one sample that is not a number", "No sum with it is a figure.",
-                            std::numeric_limits<float>::quiet_NaN(), audio_measures::kNotFinite,
-                            ofFinite));
+                            std::numeric_limits<float>::quiet_NaN(), 80000,
+                            audio_measures::kNotFinite, ofFinite));
   controls.push_back(Filled("one infinite sample", "No sum with it is a figure.",
-                            std::numeric_limits<float>::infinity(), audio_measures::kNotFinite,
-                            ofFinite));
+                            std::numeric_limits<float>::infinity(), 160099,
+                            audio_measures::kNotFinite, ofFinite));
   controls.push_back(
-      Filled("silence", "There is no logarithm of 0 and no place where nothing is.", 0,
+      Filled("silence", "There is no logarithm of 0 and no place where nothing is.", 0, 0,
              audio_measures::kSilence,
              {"peak", "true_peak", "rms", "active_level", "crest", "bandwidth", "bandwidth_40db",
               "noise_floor", "delay", "gain", "polarity", "snr", "si_sdr", "stoi", "codec_delay",

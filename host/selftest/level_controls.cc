@@ -147,7 +147,7 @@ Control ClippedControl() {
 Control ClippedBlocks() {
   return {"runs at full scale around places 256, 512, 768 and 1024",
           "What stands in a row counts wherever it stands: 4 around 768, 3 that end at 1024 and "
-          "nothing else. Two and one with other samples between do not, nor does what is infinite "
+          "nothing else. Two and two with other samples between do not, nor does what is infinite "
           "or no number.",
           [] {
             Samples samples(1536, 0.25F);
@@ -156,7 +156,7 @@ Control ClippedBlocks() {
               std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
             };
             fill(254, 2, full);
-            fill(512, 1, full);
+            fill(512, 2, full);
             fill(766, 4, full);
             fill(1021, 3, -full);
             fill(1100, 5, std::numeric_limits<float>::infinity());
@@ -193,38 +193,17 @@ Control NoiseFloorControl() {
       {{"noise_floor", Decibels(0.105), 1e-4}}};
 }
 
-Control ShortestFloor() {
-  return {"ten blocks of 20 ms at rising levels",
+Control ShortestFloor(int rate) {
+  return {"ten blocks of 20 ms at rising levels, at " + std::to_string(rate) + " Hz",
           "Rank 0.1 * 9 = 0.9 lies between the lowest, 0.1, and the next, 0.2: 0.19.",
-          [] {
+          [rate] {
             Samples samples;
             for (int i = 10; i > 0; --i) {
-              Append(samples, Samples(Frames(kRate, 0.02), static_cast<float>(i / 10.0)));
+              Append(samples, Samples(Frames(rate, 0.02), static_cast<float>(i / 10.0)));
             }
-            return Of(samples);
+            return Of(samples, rate);
           },
           {{"noise_floor", Decibels(0.19), 1e-4}}};
-}
-
-// The least that is defined.
-Control ShortestBand(Expected expected) {
-  return {"0.6 s of a tone of 2 kHz",
-          "All energy is in the main lobe of a window of 80 ms or more, 25 Hz to either side.",
-          [] { return Of(Sine(16000, 0.6, 2000, 0.5), 16000); },
-          {std::move(expected)}};
-}
-
-// Two tones, the higher one this far below the lower one.
-Control BandwidthControl(const char* name, double below, double energy, double of40Db) {
-  return {name,
-          "99 % of the energy lies below the higher tone as soon as it has less than 1 % of it, "
-          "19.96 dB below the lower one; 40 dB below the maximum it no longer counts. A window of "
-          "80 ms and more widens a tone by its main lobe, 25 Hz, and 40 dB down to as much again.",
-          [below] {
-            Samples tones = Sine(kRate, 2, 1000, 0.5);
-            return Of(Sum(tones, Sine(kRate, 2, 9000, 0.5 * std::pow(10, -below / 20))));
-          },
-          {{"bandwidth", energy, 30}, {"bandwidth_40db", of40Db, 40}}};
 }
 
 }  // namespace
@@ -234,14 +213,9 @@ std::vector<Control> LevelControls() {
   controls.push_back(ClippedControl());
   controls.push_back(ClippedBlocks());
   controls.push_back(NoiseFloorControl());
-  controls.push_back(ShortestFloor());
+  controls.push_back(ShortestFloor(kRate));
+  controls.push_back(ShortestFloor(11025));
   controls.push_back(FloorOfOddBlocks());
-  controls.push_back(ShortestBand({"bandwidth", 2000, 25}));
-  controls.push_back(ShortestBand({"bandwidth_40db", 2000, 40}));
-  controls.push_back(BandwidthControl("a tone 19 dB below another", 19, 9000, 9000));
-  controls.push_back(BandwidthControl("a tone 21 dB below another", 21, 1000, 9000));
-  controls.push_back(BandwidthControl("a tone 39 dB below another", 39, 1000, 9000));
-  controls.push_back(BandwidthControl("a tone 41 dB below another", 41, 1000, 1000));
   return controls;
 }
 
