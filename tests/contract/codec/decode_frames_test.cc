@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "bench/codec/routines.h"
+#include "bench/codec/whole_frame.h"
 #include "codec_formats.h"
 #include "fake_engine/codec/audio_codec.h"
 #include "fake_engine/fake_engine.h"
@@ -43,4 +44,12 @@ TEST(DecodeFrames, AsksForNothingMoreOnceAFrameDoesNotFit) {
 TEST(DecodeFrames, HasRoomForAsMuchAsOneWriteTakes) {
   FakeEngine engine;
   EXPECT_EQ(DecodedBytes(engine, INT_MAX), 10U);
+}
+
+// Of ADTS the length ends in the sixth byte: it is not known of a header that is cut before it,
+// whatever lies behind the stream.
+TEST(WholeFrameLength, LooksAtNoByteBehindTheStream) {
+  unsigned char data[] = {0xFF, 0xF1, 0x50, 0x80, 0x00, 0xA0, 0xFC};
+  EXPECT_EQ(bench::WholeFrameLength(data, 5, 0, 7), 0);
+  EXPECT_EQ(bench::WholeFrameLength(data, 6, 0, 7), 5);
 }
