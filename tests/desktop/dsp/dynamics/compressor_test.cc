@@ -40,4 +40,30 @@ TEST(Compressor, ForgetsAllWhenItIsReset) {
   EXPECT_FLOAT_EQ(After(compressor, 0.5F, 0.5), loud);
 }
 
+// Between the peaks of a low tone the gain does not come back.
+TEST(Compressor, KeepsASteadyGainThroughALowTone) {
+  desktop::Compressor compressor(
+      {.threshold = -24, .ratio = 3, .knee = 0, .attackMs = 1, .releaseMs = 5});
+  compressor.Reset(kRate);
+  After(compressor, 0.5F, 0.1);
+  const float gain = compressor.Gain(0.5F);
+  for (int i = 0; i < kRate / 2; ++i) {
+    const double level = 0.5 * std::fabs(std::cos(2 * M_PI * 45 * i / kRate));
+    ASSERT_NEAR(20 * std::log10(compressor.Gain(static_cast<float>(level)) / gain), 0, 0.03) << i;
+  }
+  // It does so once the tone is over.
+  After(compressor, 0.01F, 0.012);
+  EXPECT_GT(20 * std::log10(After(compressor, 0.01F, 0.005) / gain), 5);
+}
+
+// In the knee the slope grows from nothing, so that it ends in the straight line beyond.
+TEST(Compressor, BendsThroughItsKnee) {
+  const desktop::Compressor compressor(
+      {.threshold = -24, .ratio = 3, .knee = 6, .attackMs = 5, .releaseMs = 100});
+  EXPECT_EQ(compressor.Reduction(-24), 0);
+  EXPECT_NEAR(compressor.Reduction(-21), 2.0 / 3 * 9 / 12, 1e-9);
+  EXPECT_NEAR(compressor.Reduction(-18.0001), compressor.Reduction(-17.9999), 1e-3);
+  EXPECT_NEAR(compressor.Reduction(-12), 2.0 / 3 * 9, 1e-9);
+}
+
 }  // namespace

@@ -287,4 +287,14 @@ TEST(SlidingMaximum, IsTheLargestOfTheWindow) {
   }
 }
 
+// Averaged, a sine counts as its peak does: it is taken down to the ceiling and not clipped there.
+TEST(Limiter, MeasuresTheMeanPowerOfASineAsItsPeak) {
+  LimiterParameter parameter = kVoice;
+  parameter.fThreshold = parameter.fCeiling = -12;
+  parameter.fRMS = 100;
+  const Doubles out = Processed(parameter, {Sine(1000, -16, 16000, 2)}, 16000)[0];
+  EXPECT_NEAR(Decibels(SteadyPeak(out)), -12, 0.2);
+  EXPECT_LT(Thd({&out[16000], 16000}, 1000, 16000), 0.03);
+}
+
 }  // namespace
