@@ -25,6 +25,48 @@ TEST(LevelControl, TurnsABurstDownBeforeItBegins) {
   EXPECT_GT(block[79], 4.0f);
 }
 
+// Sound of one level, of which each tenth block is a background of -60 dB. `seconds` counts the
+// sound alone. Returns the level that was measured then.
+double LevelAfter(desktop::LevelControl& control, double decibels, double seconds) {
+  const auto process = [&](double level) {
+    std::vector<float> block(160, static_cast<float>(32768 * std::pow(10, level / 20)));
+    control.Process(block.data(), block.size(), true);
+  };
+  for (int i = 0; i < 100 * seconds; ++i) {
+    if (i % 9 == 0) process(-60);
+    process(decibels);
+  }
+  return control.LevelDb();
+}
+
+desktop::LevelControl Control() { return {16000, desktop::LevelControl::Settings()}; }
+
+// A louder talker is known within seconds, a softer one within some more. What is much softer may
+// be the end of a sound in a hall, and hardly counts.
+TEST(LevelControl, MeasuresLouderSoundSoonerThanSofter) {
+  desktop::LevelControl control = Control();
+  EXPECT_NEAR(LevelAfter(control, -30, 30), -30, 0.01);
+  EXPECT_NEAR(LevelAfter(control, -20, 1.5), -30 + 10 * (1 - std::exp(-1)), 0.2);
+  LevelAfter(control, -20, 30);
+  EXPECT_NEAR(LevelAfter(control, -30, 6), -20 - 10 * (1 - std::exp(-1)), 0.2);
+  LevelAfter(control, -20, 30);
+  EXPECT_NEAR(LevelAfter(control, -45, 6), -20 - 25 * (1 - std::exp(-6.0 / 20)), 0.3);
+}
+
+// Sound has to stand 8 dB above the background.
+TEST(LevelControl, TakesWhatIsLittleAboveTheBackgroundForBackground) {
+  for (const double above : {6.5, 9.5}) {
+    desktop::LevelControl control = Control();
+    LevelAfter(control, -20, 10);
+    const double level = LevelAfter(control, -60 + above, 10);
+    if (above < 8) {
+      EXPECT_NEAR(level, -20, 0.01);
+    } else {
+      EXPECT_LT(level, -25);
+    }
+  }
+}
+
 // Noise may grow while somebody speaks, and no block is known to be noise alone.
 TEST(NoiseTracker, LetsGrownNoiseIn) {
   desktop::NoiseTracker tracker(1, {4.0f, 0.9f, 0.7f});
