@@ -55,7 +55,11 @@ TEST_F(FingerprintTest, SeesEachByteOfAFile) {
 
 TEST_F(FingerprintTest, TellsTheOrderOfBytesApart) {
   EXPECT_NE(Of("firstsecondthird"), Of("dthirdsefirstcon"));
-  EXPECT_NE(Of("aaaaaaaabbbbbbbb"), Of("bbbbbbbbaaaaaaaa"));
+  for (const size_t apart : {8U, 16U, 24U, 32U, 40U}) {
+    const std::string first(apart, 'a');
+    const std::string second(apart, 'b');
+    EXPECT_NE(Of(first + second), Of(second + first)) << apart << " bytes apart";
+  }
 }
 
 // Of one that is longer than 256 blocks of 64 KiB it reads as many, the first and the last among
