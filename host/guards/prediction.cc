@@ -70,7 +70,15 @@ Prediction::Prediction(std::span<const float> samples) {
 }
 
 void Prediction::Errors(std::span<const float> samples, std::span<float> errors) const {
-  for (size_t i = 0; i < errors.size(); ++i) {
+  const std::array<float, kOrder> weights = m_weights;
+  size_t i = 0;
+  for (; i + kLanes <= errors.size(); i += kLanes) {
+    const float* const before = samples.data() + i + kOrder - 1;
+    Floats error = Load(before + 1);
+    for (size_t lag = 0; lag < kOrder; ++lag) error -= weights[lag] * Load(before - lag);
+    memcpy(&errors[i], &error, sizeof error);
+  }
+  for (; i < errors.size(); ++i) {
     float error = samples[i + kOrder];
     for (size_t lag = 0; lag < kOrder; ++lag)
       error -= m_weights[lag] * samples[i + kOrder - 1 - lag];
