@@ -11,8 +11,9 @@ namespace host {
 
 namespace {
 
-constexpr size_t kOnward = 1 << 16;  // Samples that are read at once by who goes on and on,
-constexpr size_t kAround = 1 << 12;  // and before and after a place elsewhere.
+constexpr size_t kWhole = 1 << 18;   // Samples up to which a file is held whole.
+constexpr size_t kOnward = 1 << 16;  // Those that are read at once by who goes on and on,
+constexpr size_t kAround = 1 << 10;  // and before and after a place elsewhere.
 
 }  // namespace
 
@@ -32,7 +33,9 @@ FileSamples::~FileSamples() {
 
 std::span<const float> FileSamples::View(size_t first, size_t count) {
   const size_t end = m_first + m_held;
-  if (first < m_first || first + count > end) {
+  if (m_held == 0 && m_size <= kWhole) {
+    Fill(0, m_size);
+  } else if (first < m_first || first + count > end) {
     const bool onward = first >= m_first && first <= end;
     const size_t from = onward ? first : first - std::min(first, kAround);
     const size_t least = first - from + count;

@@ -11,9 +11,9 @@
 
 namespace host {
 
-// The samples of a file, as floats with full scale at 1, from any place on. Only what is looked at
-// and some of what follows is in memory: fresh memory for a whole recording costs more than to read
-// it several times.
+// The samples of a file, as floats with full scale at 1, from any place on. Of a long one only
+// what is looked at and some of what follows is in memory: fresh memory for all of it costs more
+// than to read it several times.
 class FileSamples : public SampleSource {
  public:
   // layout: of samples of a type that is known. `goOn` is asked before each read.
