@@ -10,6 +10,8 @@
 
 namespace host {
 
+class InputStudy;
+
 // An argument that the routine takes and does not use.
 struct IgnoredArgument {
   std::string name = {};
@@ -42,6 +44,8 @@ struct GuardInput {
   const Signal* output = nullptr;  // What this run wrote. Null: no audio, only facts are judged.
   GuardRules rules = {};
   RunFacts facts = {};
+  // Of the input, for who has several outputs of it; null: made for this output alone.
+  InputStudy* study = nullptr;
 };
 
 struct GuardHit {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "audio_measures/delay_finder.h"
 #include "audio_measures/phase_fit.h"
@@ -42,14 +43,15 @@ struct Common {
 
 }  // namespace
 
-Pairing::Pairing(const Signal& input, const Signal& output, const GuardRules& rules)
-    : m_input(input, output.rate),
+Pairing::Pairing(InputStudy& input, const Signal& output, const GuardRules& rules)
+    : m_study(input),
+      m_input(input.Input(), output.rate),
       m_output(output, output.rate),
       m_rate(output.rate),
       m_channels(output.channels),
       m_least(-std::llround(rules.mostAdvance * m_rate)),
       m_most(std::llround(rules.mostDelay * m_rate)),
-      m_alike(input.channels == output.channels) {
+      m_alike(input.Input().channels == output.channels) {
   std::optional<int64_t> lag;
   for (int channel = 0; channel < m_channels; ++channel) {
     m_matches.push_back(MatchOf(channel, Source(channel)));
@@ -97,16 +99,29 @@ Match Pairing::MatchOf(int channel, int source) const {
 
 Match Pairing::MatchAt(int channel, int source, int64_t lag, int polarity, size_t frames) const {
   audio_measures::PhaseFit phases;
-  std::vector<float> in(frames);
   std::vector<float> out(frames);
   for (const int64_t place : Places(m_input.Frames(), static_cast<int64_t>(frames), kFits)) {
-    m_input.Read(source, place, in);
     m_output.Read(channel, place + lag, out);
-    phases.Add(in, out);
+    AddAt(source, place, out, phases);
   }
   const auto fit = phases.Find(polarity);
   if (!fit || std::fabs(fit->correlation) < kLikely) return {};
   return {.known = true, .lag = lag + std::llround(fit->later), .correlation = fit->correlation};
+}
+
+void Pairing::AddAt(int source, int64_t place, std::span<const float> out,
+                    audio_measures::PhaseFit& phases) const {
+  const InputStudy::Stretch stretch = {m_rate, source, place};
+  const bool isKept = out.size() == audio_measures::PhaseFit::kBlock;
+  if (const auto* const spectra = isKept ? m_study.Find(stretch) : nullptr) {
+    phases.Add(*spectra, out);
+    return;
+  }
+  std::vector<float> in(out.size());
+  m_input.Read(source, place, in);
+  auto spectra = phases.SpectraOf(in);
+  phases.Add(spectra, out);
+  if (isKept) m_study.Keep(stretch, std::move(spectra));
 }
 
 bool Pairing::AreSwapped(int64_t lag) const {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "guards/input_study.h"
 #include "guards/rules.h"
 #include "guards/signal.h"
 #include "guards/track.h"
@@ -22,7 +24,7 @@ class Pairing {
  public:
   // Looks at some stretches that are spread over the signals, so that long ones take no longer.
   // Both must stay.
-  Pairing(const Signal& input, const Signal& output, const GuardRules& rules);
+  Pairing(InputStudy& input, const Signal& output, const GuardRules& rules);
 
   const Track& Input() const { return m_input; }
   const Track& Output() const { return m_output; }
@@ -40,8 +42,12 @@ class Pairing {
   Match MatchOf(int channel, int source) const;
   // Close to a lag, as stretches of so many frames have it.
   Match MatchAt(int channel, int source, int64_t lag, int polarity, size_t frames) const;
+  // Adds what a channel of the input has at a place, and what has become of it.
+  void AddAt(int source, int64_t place, std::span<const float> out,
+             audio_measures::PhaseFit& phases) const;
   bool AreSwapped(int64_t lag) const;
 
+  InputStudy& m_study;
   Track m_input;
   Track m_output;
   int m_rate;

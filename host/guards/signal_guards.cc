@@ -6,6 +6,7 @@
 
 #include "guards/click.h"
 #include "guards/dropout.h"
+#include "guards/input_study.h"
 #include "guards/level_guards.h"
 #include "guards/pair_guards.h"
 #include "guards/pairing.h"
@@ -37,8 +38,11 @@ void CheckSignals(const GuardInput& input, GuardHits& hits) {
   CheckLength(input, hits);
   CheckFinite(input, hits);
 
+  std::optional<InputStudy> own;
+  InputStudy* study = input.study;
+  if (input.input != nullptr && study == nullptr) study = &own.emplace(*input.input);
   Surveys surveys{.output = SurveyOf(output, output.channels), .input = {}};
-  if (input.input != nullptr) surveys.input = SurveyOf(*input.input, output.channels);
+  if (input.input != nullptr) surveys.input = study->Survey(output.channels);
   CheckSilence(input, surveys, hits);
   CheckClipped(input, surveys, hits);
   CheckDc(surveys, hits);
@@ -52,7 +56,7 @@ void CheckSignals(const GuardInput& input, GuardHits& hits) {
   }
   std::optional<Pairing> pairing;
   if (input.rules.comparable && CanBePaired(*input.input, output)) {
-    pairing.emplace(*input.input, output, input.rules);
+    pairing.emplace(*study, output, input.rules);
   }
   CheckUnchanged(input, surveys, pairing ? &*pairing : nullptr, hits);
   if (!pairing) return;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "guards/guards.h"
+#include "guards/input_study.h"
 #include "run/file_samples.h"
 #include "run/source_of_output.h"
 
@@ -57,18 +58,21 @@ class OpenedInput {
   explicit OpenedInput(std::function<bool()> goOn) : m_goOn(std::move(goOn)) {}
 
   // Null where there is none to go by, also for one that could not be read to its end.
-  const Signal* Of(const FileReport* file) {
+  InputStudy* Of(const FileReport* file) {
     if (file != m_file) {
       m_file = file;
+      m_study.reset();
       m_opened = file == nullptr || file->changed ? nullptr : Open(*file, m_goOn);
+      if (m_opened != nullptr) m_study.emplace(m_opened->signal());
     }
-    return m_opened != nullptr && m_opened->WasRead() ? &m_opened->signal() : nullptr;
+    return m_opened != nullptr && m_opened->WasRead() ? &*m_study : nullptr;
   }
 
  private:
   std::function<bool()> m_goOn;
   const FileReport* m_file = nullptr;
   std::unique_ptr<OpenedSound> m_opened;
+  std::optional<InputStudy> m_study;
 };
 
 GuardRules RulesOf(const SoundUse& sound) {
@@ -108,13 +112,17 @@ void GuardOutputs(const Plan& plan, Limits& limits, RunReport& report) {
     const FileReport* source = SourceInput(sound->input, place, report.inputs);
     const bool heardNothing = source == nullptr && captures;
     if (!comparable) source = nullptr;
-    GuardInput judged = {.input = input.Of(source),
+    InputStudy* const study = input.Of(source);
+    GuardInput judged = {.input = study == nullptr ? nullptr : &study->Input(),
                          .output = &made->signal(),
                          .rules = RulesOf(*sound),
-                         .facts = {.nullDevice = heardNothing}};
+                         .facts = {.nullDevice = heardNothing},
+                         .study = study};
     std::vector<GuardHit> hits = CheckGuards(judged);
-    if (input.Of(source) != judged.input) {
+    // An input that has become shorter meanwhile tells nothing.
+    if (study != nullptr && input.Of(source) == nullptr) {
       judged.input = nullptr;
+      judged.study = nullptr;
       hits = CheckGuards(judged);
     }
     if (!made->WasRead()) continue;

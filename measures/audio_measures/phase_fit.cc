@@ -42,21 +42,36 @@ PhaseFit::PhaseFit()
     : m_fft(kBlock),
       m_window(Hann(kBlock)),
       m_block(kBlock),
-      m_reference(m_fft.Bins()),
       m_signal(m_fft.Bins()),
       m_cross(m_fft.Bins()),
       m_referencePower(m_fft.Bins()),
       m_signalPower(m_fft.Bins()) {}
 
+void PhaseFit::Transform(std::span<const float> block, std::span<std::complex<float>> bins) {
+  for (size_t i = 0; i < kBlock; ++i) m_block[i] = block[i] * m_window[i];
+  m_fft.Forward(m_block, bins);
+}
+
+PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
+  if (reference.size() < kBlock) return {};
+  Spectra spectra(((reference.size() - kBlock) / (kBlock / 2) + 1) * m_fft.Bins());
+  for (size_t i = 0; i < spectra.size() / m_fft.Bins(); ++i) {
+    Transform(reference.subspan(i * kBlock / 2, kBlock),
+              std::span(spectra).subspan(i * m_fft.Bins(), m_fft.Bins()));
+  }
+  return spectra;
+}
+
 void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
-  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
-    for (const bool isSignal : {false, true}) {
-      const auto block = (isSignal ? signal : reference).subspan(start, kBlock);
-      for (size_t i = 0; i < kBlock; ++i) m_block[i] = block[i] * m_window[i];
-      m_fft.Forward(m_block, isSignal ? m_signal : m_reference);
-    }
+  Add(SpectraOf(reference), signal);
+}
+
+void PhaseFit::Add(const Spectra& reference, std::span<const float> signal) {
+  for (size_t block = 0; block < reference.size() / m_fft.Bins(); ++block) {
+    const auto ofReference = std::span(reference).subspan(block * m_fft.Bins(), m_fft.Bins());
+    Transform(signal.subspan(block * kBlock / 2, kBlock), m_signal);
     for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
-      const std::complex<double> a(m_reference[i]);
+      const std::complex<double> a(ofReference[i]);
       const std::complex<double> b(m_signal[i]);
       m_cross[i] += CrossBin(a, b);
       m_referencePower[i] += std::norm(a);

@@ -25,6 +25,12 @@ class PhaseFit {
   // below kBlock samples is not used. All finite.
   void Add(std::span<const float> reference, std::span<const float> signal);
 
+  // The spectra of the blocks of a reference, one after the other, for who holds several signals
+  // against the same one: adding them is adding the reference that they were made of.
+  using Spectra = std::vector<std::complex<float>>;
+  Spectra SpectraOf(std::span<const float> reference);
+  void Add(const Spectra& reference, std::span<const float> signal);
+
   struct Fit {
     double later = 0;        // Samples.
     double gain = 1;         // Of the signal against the reference; below 0: upside down.
@@ -41,10 +47,11 @@ class PhaseFit {
   double Slope(double later, int polarity, double band) const;
   double StepToMostAlike(double later, int polarity) const;
 
+  void Transform(std::span<const float> block, std::span<std::complex<float>> bins);
+
   RealFft m_fft;
   std::vector<float> m_window;
   std::vector<float> m_block;
-  std::vector<std::complex<float>> m_reference;
   std::vector<std::complex<float>> m_signal;
   std::vector<std::complex<double>> m_cross;
   std::vector<double> m_referencePower;

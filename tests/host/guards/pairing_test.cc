@@ -37,7 +37,8 @@ Sound LaterBy(int64_t frames, const Sound& sound) {
 Match MatchOf(const Sound& in, const Sound& out) {
   const Signal input = in.AsSignal();
   const Signal output = out.AsSignal();
-  return Pairing(input, output, {}).Of(0);
+  InputStudy study(input);
+  return Pairing(study, output, {}).Of(0);
 }
 
 std::optional<int64_t> CoarseDelayOf(const Sound& in, const Sound& out) {
