@@ -62,6 +62,7 @@ std::vector<Control> TruePeakControls();
 std::vector<Control> WeightingControls();
 std::vector<Control> LoudnessControls();
 std::vector<Control> AlignmentControls();
+std::vector<Control> DelayControls();
 std::vector<Control> ReferenceControls();
 std::vector<Control> SpectralControls();
 std::vector<Control> ShortSpectraControls();

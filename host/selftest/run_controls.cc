@@ -88,11 +88,11 @@ const std::vector<Control>& AllControls() {
   static const std::vector<Control> all = [] {
     std::vector<Control> controls;
     for (const auto part :
-         {LevelControls, SpeechLevelControls, BandwidthControls, TruePeakControls,
-          WeightingControls, LoudnessControls, AlignmentControls, ReferenceControls,
-          SpectralControls, ShortSpectraControls, IntelligibilityControls, EnhancementControls,
-          EchoControls, CodecControls, TimeControls, PitchControls, TempoControls, RhythmControls,
-          InputControls}) {
+         {LevelControls,       SpeechLevelControls, BandwidthControls,    TruePeakControls,
+          WeightingControls,   LoudnessControls,    AlignmentControls,    DelayControls,
+          ReferenceControls,   SpectralControls,    ShortSpectraControls, IntelligibilityControls,
+          EnhancementControls, EchoControls,        CodecControls,        TimeControls,
+          PitchControls,       TempoControls,       RhythmControls,       InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

@@ -6,9 +6,9 @@
 
 namespace audio_measures {
 
-inline constexpr int kDelayVersion = 1;
+inline constexpr int kDelayVersion = 2;
 inline constexpr int kGainVersion = 1;
-inline constexpr int kPolarityVersion = 1;
+inline constexpr int kPolarityVersion = 2;
 
 // How a signal lies beside its reference: whole samples by GCC-PHAT (delay_finder.h), the rest by
 // the phase of the cross-spectrum (phase_fit.h).

@@ -74,12 +74,14 @@ std::optional<DelayFinder::Peak> DelayFinder::PeakOf(
   Peak peak;
   double squares = 0;
   float highest = 0;
+  float greatest = 0;  // Height, as it is weighed below.
   for (size_t i = 0; i < m_lags; ++i) {
     const float value = correlation[i];
     squares += static_cast<double>(value) * static_cast<double>(value);
     // Of a tone the peaks upside down are as high as the others.
     const float height = value < 0 ? -value * kUpsideDown : value;
-    if (height <= std::fabs(highest)) continue;
+    if (height <= greatest) continue;
+    greatest = height;
     highest = value;
     peak.lag = m_least + static_cast<int64_t>(i);
   }

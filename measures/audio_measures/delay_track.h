@@ -6,8 +6,8 @@
 
 namespace audio_measures {
 
-inline constexpr int kDelayTrackVersion = 1;
-inline constexpr int kDriftVersion = 1;
+inline constexpr int kDelayTrackVersion = 2;
+inline constexpr int kDriftVersion = 2;
 
 // The delay of one piece of a signal against its reference, in samples.
 struct TrackedDelay {
