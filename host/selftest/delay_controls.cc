@@ -119,18 +119,22 @@ Control OfToneInNoise() {
            {"polarity", 1, 1e-9}}};
 }
 
-Control InNoise(double later) {
-  return {"noise " + std::to_string(later) + " samples late in noise as loud",
-          "The delay is known to 1 / sqrt(n) over the RMS of what a sample turns, 0.8 pi / "
-          "sqrt(3): 0.0054 samples of n = 16000, of which the tolerance is five times; the gain to "
-          "8.7 / sqrt(n) dB, and the ratio of both to as much.",
-          [later] {
+Control InNoise(double later, double snr) {
+  const double louder = std::pow(10, -snr / 20);
+  return {"noise " + std::to_string(later) + " samples late at an SNR of " + std::to_string(snr) +
+              " dB",
+          "The delay is known to the noise over the signal and sqrt(n), over the RMS of what a "
+          "sample turns, 0.8 pi / sqrt(3): at 0 dB 0.0054 samples of n = 16000; the gain to 8.7 / "
+          "sqrt(n) dB, and the ratio of both to as much. The tolerance is five times that.",
+          [later, snr] {
             const TimedNoise noise(kFrames + 400, 0.1, 54);
             const Samples moved = noise.At(200 - later, 1, kFrames);
-            return Pair(noise.At(200, 1, kFrames), Sum(moved, NoiseBelow(moved, 0, kFrames, 55)),
+            return Pair(noise.At(200, 1, kFrames), Sum(moved, NoiseBelow(moved, snr, kFrames, 55)),
                         0.1);
           },
-          {{"delay", later / kRate, 0.027 / kRate}, {"gain", 0, 0.35}, {"snr", 0, 0.35}}};
+          {{"delay", later / kRate, 0.027 * louder / kRate},
+           {"gain", 0, 0.35 * louder},
+           {"snr", snr, 0.35 * louder}}};
 }
 
 Control Strangers() {
@@ -164,7 +168,7 @@ std::vector<Control> DelayControls() {
   return {AtEdge(80),     AtEdge(-80),     AtEdge(81),          AtEdge(-81),
           Short(4096, 5), Short(4096, -5), Short(4095, 5),      Short(4095, -5),
           Excerpt(true),  Excerpt(false),  HalfOfShorter(4000), HalfOfShorter(4001),
-          OfTone(),       OfToneInNoise(), InNoise(0.4),        InNoise(-9.5),
+          OfTone(),       OfToneInNoise(), InNoise(0.4, 0),     InNoise(-9.5, -10),
           Strangers(),    Stairs()};
 }
 
