@@ -47,10 +47,10 @@ Control Spectrum(const std::string& name, const std::string& theory, Samples (*m
       {{"bandwidth", bandwidth * bin, 0.002 * bin}, {"bandwidth_40db", of40Db * bin, 0.005 * bin}}};
 }
 
-Samples Impulses(double second) {
+Samples Impulses(double second, float height = 0.5F) {
   Samples samples(Frames(kWholeRate, 0.6));
-  samples[kWindow / 2] = 0.5F;
-  samples[kWindow / 2 + 1] = static_cast<float>(0.5 * second);
+  samples[kWindow / 2] = height;
+  samples[kWindow / 2 + 1] = static_cast<float>(height * second);
   return samples;
 }
 
@@ -94,6 +94,9 @@ std::vector<Control> Spectra() {
           constant + "The spectrum is flat, the last bin half as wide: 0.99 of 2 a bin from "
                      "the second on, and no fall of 40 dB.",
           [] { return Impulses(0); }, ShareOfTwo(0), kWindow / 2.0),
+      Spectrum(
+          "one sample of 1e-5", "The same as of a larger one.", [] { return Impulses(0, 1e-5F); },
+          ShareOfTwo(0), kWindow / 2.0),
       Spectrum(
           "two equal samples in a row",
           constant + "1 + cos w falls to nothing at half of the rate.", [] { return Impulses(1); },

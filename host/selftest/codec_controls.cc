@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -143,24 +144,24 @@ constexpr int kWholeRate = 25600;
 constexpr size_t kWindow = 2048;
 constexpr double kBin = 12.5;  // Hz
 
-Samples InMiddle(float second) {
+Samples InMiddle(float first, float second) {
   Samples samples(Frames(kWholeRate, 0.6));
-  samples[kWindow / 2] = 0.5F;
+  samples[kWindow / 2] = first;
   samples[kWindow / 2 + 1] = second;
   return samples;
 }
 
-Control Falling() {
+Control Falling(float height) {
   // Bins below half of the rate at which the mean of 4 sin^2 over 9 of them is 1 % of 2: the
   // squares of 4 to either side have the mean 60 / 9.
   const double turn = 2 * std::numbers::pi / kWindow;
   const double below = std::sqrt(0.02 / (turn * turn) - 60.0 / 9);
-  return {"a codec that adds the sample before",
+  return {"a codec that adds the sample before, of " + std::to_string(height),
           "The power is 2 + 2 cos w, 2 in the mean, and so near to half of the rate that of the "
           "distance from it. The first two bins, which do not count, lower the mean by 0.2 %.",
-          [] {
-            return Scene{.output = {kWholeRate, {InMiddle(0.5F)}},
-                         .input = {kWholeRate, {InMiddle(0)}}};
+          [height] {
+            return Scene{.output = {kWholeRate, {InMiddle(height, height)}},
+                         .input = {kWholeRate, {InMiddle(height, 0)}}};
           },
           {{"band_limit", (kWindow / 2 - below) * kBin, 0.15 * kBin}}};
 }
@@ -172,7 +173,7 @@ Control Line() {
           "what floats leave, towards which 20 dB are lost in less than half a bin.",
           [] {
             return Scene{.output = {kWholeRate, {Sine(kWholeRate, 0.6, kLine * kBin, 0.5)}},
-                         .input = {kWholeRate, {InMiddle(0)}}};
+                         .input = {kWholeRate, {InMiddle(0.5F, 0)}}};
           },
           {{"band_limit", (kLine + 5.3) * kBin, 0.45 * kBin}}};
 }
@@ -195,6 +196,43 @@ Control FlatBeside(double share) {
             return Scene{.output = {kWholeRate, {samples}}, .input = {kWholeRate, {samples}}};
           },
           {{"band_limit", share > 1 ? kWholeRate / 2.0 : (kLine + 5) * kBin, 0.01}}};
+}
+
+// The sum over the bins of the mean of 9 of them, where there are as many, of this power each.
+double SumOfMeans(double (*power)(size_t)) {
+  constexpr size_t kBins = kWindow / 2 + 1;
+  double sum = 0;
+  for (size_t i = 0; i < kBins; ++i) {
+    const size_t first = i < 4 ? 0 : i - 4;
+    const size_t end = std::min(kBins, i + 5);
+    for (size_t k = std::max<size_t>(2, first); k < end; ++k) {
+      sum += power(k) / static_cast<double>(end - first);
+    }
+  }
+  return sum;
+}
+
+// A low line and what is flat above it, so many times as strong as what is not lost.
+Control LowLine(double share) {
+  constexpr double kLine = 3;
+  const double flat = SumOfMeans([](size_t) { return 1.0; });
+  const double line = SumOfMeans([](size_t i) {
+    return i == 3 ? 1 : i == 2 || i == 4 ? 0.25 : 0.0;
+  });
+  return {"a codec that adds a low line, at " + std::to_string(share) + " of what is lost",
+          "Means over 9 bins, fewer at the ends, of which the first two have nothing: their sums "
+          "give the gain, and 1 % of that is lost. Where that is the line alone, what is kept ends "
+          "5 bins above it, towards which it falls.",
+          [=] {
+            const double ofLine = std::pow(0.5 * kWindow / 4, 2) * line / flat;
+            const double height = std::sqrt(ofLine * 0.01 * share / (1 - 0.01 * share));
+            Samples input(Frames(kWholeRate, 0.6));
+            for (size_t i = kWindow / 2; i < input.size(); i += kWindow / 2) input[i] = 1;
+            const Samples low = Sine(kWholeRate, 0.6, kLine * kBin, 0.5);
+            return Scene{.output = {kWholeRate, {Sum(low, Scaled(input, height))}},
+                         .input = {kWholeRate, {input}}};
+          },
+          {{"band_limit", share > 1 ? kWholeRate / 2.0 : (kLine + 5.5) * kBin, 0.6 * kBin}}};
 }
 
 // Silence up to the last 64 ms of 0.704 s.
@@ -228,7 +266,10 @@ std::vector<Control> CodecControls() {
           SoftBand(69.5, true),
           SoftBand(71, false),
           LateBand(),
-          Falling(),
+          Falling(0.5F),
+          Falling(1e-5F),
+          LowLine(1.02),
+          LowLine(0.98),
           Line(),
           FlatBeside(1.01),
           FlatBeside(0.99),

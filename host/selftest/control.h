@@ -68,6 +68,7 @@ std::vector<Control> SpectralControls();
 std::vector<Control> ShortSpectraControls();
 std::vector<Control> IntelligibilityControls();
 std::vector<Control> EnhancementControls();
+std::vector<Control> MusicalControls();
 std::vector<Control> EchoControls();
 std::vector<Control> CodecControls();
 std::vector<Control> TimeControls();

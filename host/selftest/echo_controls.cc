@@ -28,11 +28,11 @@ Samples Later(std::span<const float> samples, size_t count) {
 }
 
 // The least that is defined, of an echo that is not later, so that all blocks are whole.
-Control Shortest(Expected expected) {
-  return {"0.2 s of an echo 26 dB down",
+Control Shortest(double rms, Expected expected) {
+  return {"0.2 s of an echo 26 dB down, the far end at " + std::to_string(rms),
           "Ten blocks of 20 ms are one window: its gain, from the start.",
-          [] {
-            const Samples far = Talk(0.1, 0.2, 88);
+          [rms] {
+            const Samples far = Talk(rms, 0.2, 88);
             return Scene{.output = {kRate, {Scaled(far, 0.025)}},
                          .far = {kRate, {far}},
                          .input = {kRate, {Scaled(far, 0.5)}}};
@@ -163,8 +163,9 @@ std::vector<Control> EchoControls() {
           Converging("an echo 20.1 dB down throughout", {{4, std::pow(10, -1.005)}},
                      {"erle", third + 0.1, 0.01}, {"convergence", 0, 0.001}),
           WithNear(),
-          Shortest({"erle", -20 * std::log10(0.05), 0.01}),
-          Shortest({"convergence", 0, 0.001}),
+          Shortest(0.1, {"erle", -20 * std::log10(0.05), 0.01}),
+          Shortest(0.002, {"erle", -20 * std::log10(0.05), 0.01}),
+          Shortest(0.1, {"convergence", 0, 0.001}),
           ShortDoubleTalk(),
           DoubleTalk(15, 1, 0),
           DoubleTalk(5, -0.3, 24),

@@ -85,6 +85,56 @@ Control WithReference() {
            {"delta_snr", Decibels((active - pause) / pause) - Decibels(before), 0.02}}};
 }
 
+// The same scene, with samples of silence before a signal, or without its first ones.
+void Delay(Samples& samples, int later) {
+  if (later < 0) samples.erase(samples.begin(), samples.begin() - later);
+  if (later > 0) samples.insert(samples.begin(), static_cast<size_t>(later), 0.0F);
+}
+
+Control Moved(int output, int reference) {
+  Control control = WithReference();
+  control.name += ", output " + std::to_string(output) + " and reference " +
+                  std::to_string(reference) + " samples later";
+  control.theory += " All of it is the same at any delay; a first block of speech may be lost.";
+  control.make = [=] {
+    Scene scene = Suppressed(true);
+    Delay(scene.output.channels[0], output);
+    Delay(scene.reference.channels[0], reference);
+    return scene;
+  };
+  return control;
+}
+
+// Half a second of speech, and nothing of the noise left.
+Control Gated() {
+  return {"speech without any of its noise",
+          "What is nothing counts as 120 dB below the other; there is no kurtosis of it.",
+          [] {
+            Scene scene = Suppressed(true);
+            scene.output = scene.reference;
+            return scene;
+          },
+          {{"noise_reduction", 120, 1e-6},
+           {"delta_snr", 120 - 20, 0.02},
+           {.measure = "musical", .reason = audio_measures::kSilence}}};
+}
+
+Control WordAtStart() {
+  return {"one loud block at the start of a noise",
+          "It and the 0.2 s after it, which the output leaves as they are, are no pause.",
+          [] {
+            Samples input;
+            Samples output;
+            for (size_t i = 0; i < 100; ++i) {
+              const Samples block = Block(kNoise * (i == 0 ? 10 : 1), {}, 7100 + i);
+              Append(input, block);
+              Append(output, Scaled(block, i <= kHangover ? 1 : kWithin));
+            }
+            return Scene{.output = {kRate, {output}}, .input = {kRate, {input}}};
+          },
+          {{"noise_reduction", -2 * Decibels(kWithin), 0.01}}};
+}
+
 Control WithoutReference() {
   const double speech = kSpeech * kSpeech;
   const double noise = kNoise * kNoise;
@@ -98,20 +148,20 @@ Control WithoutReference() {
            {"delta_snr", 0, 0, "no reference"}}};
 }
 
-// The least that is defined: 0.4 s of speech, then silence, with noise a tenth as large throughout.
-Control Shortest() {
-  const double speech = kSpeech * kSpeech;
-  const double noise = kNoise * kNoise;
-  const double after = kSpeechGain * kSpeechGain * speech / (kWithin * kWithin * noise);
+// 1 s, the least that is defined, of which so many blocks are speech; noise a tenth as large in
+// all.
+Control Shortest(size_t speechBlocks, std::vector<Expected> expected) {
   return {
-      "1 s of speech at gain 0.8, its noise at gain 0.1",
-      "From 0.2 s after the speech on it pauses. The gain of the noise is the reduction, that "
-      "of the speech is retained, and the SNR rises by both; a gain that does not change "
-      "leaves the kurtosis.",
-      [] {
+      "1 s with " + std::to_string(speechBlocks) +
+          " blocks of speech at gain 0.8, its noise at gain 0.1",
+      "From ten blocks after the speech on it pauses. The gain of the noise is the reduction, "
+      "that of the speech is retained, and the SNR rises by both; a gain that does not change "
+      "leaves the kurtosis. Ten blocks of 20 ms are the least of either, and 16 windows of "
+      "512 samples, one every 256, for the kurtosis: 14 blocks.",
+      [speechBlocks] {
         Scene scene = {.output = {kRate, {{}}}, .reference = {kRate, {{}}}, .input = {kRate, {{}}}};
         for (size_t i = 0; i < kBlocks; ++i) {
-          const Samples said = i < 20 ? Block(kSpeech, {}, 65 + i) : Samples(kBlock);
+          const Samples said = i < speechBlocks ? Block(kSpeech, {}, 65 + i) : Samples(kBlock);
           const Samples beside = Block(kNoise, said, 6500 + i);
           Append(scene.reference.channels[0], said);
           Append(scene.input.channels[0], Sum(said, beside));
@@ -119,10 +169,64 @@ Control Shortest() {
         }
         return scene;
       },
-      {{"noise_reduction", -2 * Decibels(kWithin), 0.01},
-       {"speech_retained", 2 * Decibels(kSpeechGain), 0.01},
-       {"delta_snr", Decibels(after) - Decibels(speech / noise), 0.02},
-       {"musical", 0, 1e-3}}};
+      std::move(expected)};
+}
+
+std::vector<Control> ShortestOfAll() {
+  const std::string pause = "too little pause";
+  const std::string speech = "too little speech";
+  const double reduction = -2 * Decibels(kWithin);
+  const double retained = 2 * Decibels(kSpeechGain);
+  return {Shortest(9, {{"noise_reduction", reduction, 0.01},
+                       {.measure = "speech_retained", .reason = speech},
+                       {.measure = "delta_snr", .reason = speech}}),
+          Shortest(
+              10, {{"speech_retained", retained, 0.01}, {"delta_snr", reduction + retained, 0.02}}),
+          Shortest(26, {{"musical", 0, 1e-3}}),
+          Shortest(27, {{.measure = "musical", .reason = pause}}),
+          Shortest(30, {{"noise_reduction", reduction, 0.01},
+                        {"delta_snr", reduction + retained, 0.02}}),
+          Shortest(31, {{"speech_retained", retained, 0.01},
+                        {.measure = "noise_reduction", .reason = pause},
+                        {.measure = "delta_snr", .reason = pause}})};
+}
+
+// Noise with one block that is so many dB louder, which the output leaves as it is.
+Control LouderBlock(double louder, bool pause) {
+  const double power = std::pow(10, louder / 10);
+  const double left = kWithin * kWithin;
+  const double mean = pause ? (99 * left + power) / (99 + power) : left;
+  return {"a block of noise " + std::to_string(louder) + " dB louder than the others",
+          "From 6 dB above the noise floor on it is speech, and neither it nor what is around it "
+          "is a pause; below, it is one of 100 blocks of noise, the one that is not reduced.",
+          [power] {
+            Samples input;
+            Samples output;
+            for (size_t i = 0; i < 100; ++i) {
+              const double rms = kNoise * (i == 50 ? std::sqrt(power) : 1);
+              const Samples block = Block(rms, {}, 6700 + i);
+              Append(input, block);
+              Append(output, Scaled(block, i == 50 ? 1 : kWithin));
+            }
+            return Scene{.output = {kRate, {output}}, .input = {kRate, {input}}};
+          },
+          {{"noise_reduction", -Decibels(mean), 0.01}}};
+}
+
+// The clean speech is noise of this level.
+Control SoftReference(double level, const std::string& reason) {
+  return {"speech of " + std::to_string(level) + " dBFS",
+          "A reference below -60 dBFS is the noise of a line. That of 2 s is active but for the "
+          "first 20 to 30 ms, which lifts its level by 0.1 dB.",
+          [level] {
+            Samples samples;
+            for (size_t i = 0; i < 100; ++i) {
+              Append(samples, Block(std::pow(10, level / 20), {}, 6900 + i));
+            }
+            const ControlSound sound = {kRate, {samples}};
+            return Scene{.output = sound, .reference = sound, .input = sound};
+          },
+          {{"speech_retained", 0, 1e-3, reason}}};
 }
 
 // A pause of 4 s of noise, then the same 4 s again, which the output has at this gain.
@@ -161,8 +265,24 @@ Control Coloured() {
 }  // namespace
 
 std::vector<Control> EnhancementControls() {
-  return {WithReference(), WithoutReference(), Shortest(), Flickering(0.1),
-          Flickering(0.7), Flickering(1),      Coloured()};
+  std::vector<Control> controls = {WithReference(),
+                                   Moved(37, 0),
+                                   Moved(-320, 0),
+                                   Moved(0, -320),
+                                   Moved(40, 320),
+                                   Gated(),
+                                   WordAtStart(),
+                                   WithoutReference(),
+                                   Flickering(0.1),
+                                   Flickering(0.7),
+                                   Flickering(1),
+                                   Coloured(),
+                                   LouderBlock(5.95, true),
+                                   LouderBlock(6.05, false),
+                                   SoftReference(-59.9, ""),
+                                   SoftReference(-60.3, "nothing as loud as speech")};
+  for (Control& each : ShortestOfAll()) controls.push_back(std::move(each));
+  return controls;
 }
 
 }  // namespace host

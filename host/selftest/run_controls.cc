@@ -91,8 +91,9 @@ const std::vector<Control>& AllControls() {
          {LevelControls,       SpeechLevelControls, BandwidthControls,    TruePeakControls,
           WeightingControls,   LoudnessControls,    AlignmentControls,    DelayControls,
           ReferenceControls,   SpectralControls,    ShortSpectraControls, IntelligibilityControls,
-          EnhancementControls, EchoControls,        CodecControls,        TimeControls,
-          PitchControls,       TempoControls,       RhythmControls,       InputControls}) {
+          EnhancementControls, MusicalControls,     EchoControls,         CodecControls,
+          TimeControls,        PitchControls,       TempoControls,        RhythmControls,
+          InputControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;
