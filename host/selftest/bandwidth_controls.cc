@@ -75,7 +75,7 @@ double FallOfTwo(double a) {
     return 1 + a * a + 2 * a * std::cos(2 * std::numbers::pi * bin / kWindow);
   };
   const double limit = power(2) * 1e-4;
-  double bin = kWindow / 2;
+  double bin = 0.5 * kWindow;
   while (power(bin) < limit) --bin;
   return bin + std::log(power(bin) / limit) / std::log(power(bin) / power(bin + 1));
 }
@@ -108,7 +108,7 @@ std::vector<Control> Spectra() {
       Spectrum("an alternating sample",
                "A window of Hann has three quarters of it in the last bin and a quarter in the one "
                "below, which counts twice: of 1.5, 0.485 are below and 0.985 of 1 in the last.",
-               Nyquist, kWindow / 2 - 0.5 + 0.5 * 0.985, kWindow / 2.0)};
+               Nyquist, 0.5 * kWindow - 0.5 + 0.5 * 0.985, kWindow / 2.0)};
 }
 
 }  // namespace

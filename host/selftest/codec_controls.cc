@@ -163,7 +163,7 @@ Control Falling(float height) {
             return Scene{.output = {kWholeRate, {InMiddle(height, height)}},
                          .input = {kWholeRate, {InMiddle(height, 0)}}};
           },
-          {{"band_limit", (kWindow / 2 - below) * kBin, 0.15 * kBin}}};
+          {{"band_limit", (0.5 * kWindow - below) * kBin, 0.15 * kBin}}};
 }
 
 Control Line() {

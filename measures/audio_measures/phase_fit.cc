@@ -42,6 +42,7 @@ PhaseFit::PhaseFit()
     : m_fft(kBlock),
       m_window(Hann(kBlock)),
       m_block(kBlock),
+      m_reference(m_fft.Bins()),
       m_signal(m_fft.Bins()),
       m_cross(m_fft.Bins()),
       m_referencePower(m_fft.Bins()),
@@ -53,30 +54,38 @@ void PhaseFit::Transform(std::span<const float> block, std::span<std::complex<fl
 }
 
 PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
-  if (reference.size() < kBlock) return {};
-  Spectra spectra(((reference.size() - kBlock) / (kBlock / 2) + 1) * m_fft.Bins());
-  for (size_t i = 0; i < spectra.size() / m_fft.Bins(); ++i) {
-    Transform(reference.subspan(i * kBlock / 2, kBlock),
-              std::span(spectra).subspan(i * m_fft.Bins(), m_fft.Bins()));
+  Spectra spectra;
+  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
+    Transform(reference.subspan(start, kBlock), m_reference);
+    spectra.insert(spectra.end(), m_reference.begin(), m_reference.end());
   }
   return spectra;
 }
 
 void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
-  Add(SpectraOf(reference), signal);
+  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
+    Transform(reference.subspan(start, kBlock), m_reference);
+    AddBlock(m_reference, signal.subspan(start, kBlock));
+  }
 }
 
 void PhaseFit::Add(const Spectra& reference, std::span<const float> signal) {
-  for (size_t block = 0; block < reference.size() / m_fft.Bins(); ++block) {
-    const auto ofReference = std::span(reference).subspan(block * m_fft.Bins(), m_fft.Bins());
-    Transform(signal.subspan(block * kBlock / 2, kBlock), m_signal);
-    for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
-      const std::complex<double> a(ofReference[i]);
-      const std::complex<double> b(m_signal[i]);
-      m_cross[i] += CrossBin(a, b);
-      m_referencePower[i] += std::norm(a);
-      m_signalPower[i] += std::norm(b);
-    }
+  const size_t bins = m_fft.Bins();
+  for (size_t block = 0; block < reference.size() / bins; ++block) {
+    AddBlock(std::span(reference).subspan(block * bins, bins),
+             signal.subspan(block * kBlock / 2, kBlock));
+  }
+}
+
+void PhaseFit::AddBlock(std::span<const std::complex<float>> reference,
+                        std::span<const float> signal) {
+  Transform(signal, m_signal);
+  for (size_t i = 1; i + 1 < m_cross.size(); ++i) {
+    const std::complex<double> a(reference[i]);
+    const std::complex<double> b(m_signal[i]);
+    m_cross[i] += CrossBin(a, b);
+    m_referencePower[i] += std::norm(a);
+    m_signalPower[i] += std::norm(b);
   }
 }
 

@@ -48,10 +48,12 @@ class PhaseFit {
   double StepToMostAlike(double later, int polarity) const;
 
   void Transform(std::span<const float> block, std::span<std::complex<float>> bins);
+  void AddBlock(std::span<const std::complex<float>> reference, std::span<const float> signal);
 
   RealFft m_fft;
   std::vector<float> m_window;
   std::vector<float> m_block;
+  std::vector<std::complex<float>> m_reference;
   std::vector<std::complex<float>> m_signal;
   std::vector<std::complex<double>> m_cross;
   std::vector<double> m_referencePower;
