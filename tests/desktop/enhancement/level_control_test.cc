@@ -67,6 +67,36 @@ TEST(LevelControl, TakesWhatIsLittleAboveTheBackgroundForBackground) {
   }
 }
 
+// A recording that starts too loud is turned down within a third of a second, not at one blow.
+TEST(LevelControl, TurnsDownBy60DecibelsASecond) {
+  desktop::LevelControl::Settings settings;
+  settings.ceilingDb = 0;
+  desktop::LevelControl control(16000, settings);
+  std::vector<float> quiet(1600, 10.0f);
+  control.Process(quiet.data(), quiet.size(), true);
+  std::vector<float> block;
+  for (int i = 0; i < 10; ++i) {
+    block.assign(160, 16384.0f);
+    control.Process(block.data(), block.size(), true);
+  }
+  EXPECT_NEAR(20 * std::log10(block.back() / 16384), -6, 0.3);
+}
+
+// After a peak the gain comes back by half a decibel each millisecond.
+TEST(LevelControl, LetsGoOfAPeakWithoutAClick) {
+  desktop::LevelControl::Settings settings;
+  settings.adapts = false;
+  settings.firstGainDb = 20;
+  desktop::LevelControl control(16000, settings);
+  std::vector<float> block(160, 20000.0f);
+  control.Process(block.data(), block.size(), true);
+  const float limited = block.back() / 20000;
+  block.assign(160, 100.0f);
+  control.Process(block.data(), block.size(), true);
+  EXPECT_NEAR(20 * std::log10(block[15] / 100 / limited), 0.5, 0.05);
+  EXPECT_NEAR(20 * std::log10(block[159] / 100 / limited), 5, 0.2);
+}
+
 // Noise may grow while somebody speaks, and no block is known to be noise alone.
 TEST(NoiseTracker, LetsGrownNoiseIn) {
   desktop::NoiseTracker tracker(1, {4.0f, 0.9f, 0.7f});
