@@ -140,6 +140,29 @@ TEST(Request, TellsTheOtherCommandsApart) {
   EXPECT_EQ(request.run.work, "w");
 }
 
+TEST(Request, HasACommandForEachName) {
+  const std::vector<std::pair<std::vector<std::string>, Command>> all = {
+      {{"replay", "r.json"}, Command::kReplay},
+      {{"measure", "a.wav"}, Command::kMeasure},
+      {{"baseline", "list"}, Command::kBaseline},
+      {{"selftest"}, Command::kSelftest},
+      {{"controls"}, Command::kControls},
+      {{"report", "r", "--out", "p.html"}, Command::kReportPage},
+      {{"demo", "--all"}, Command::kDemoAll},
+      {{"manual"}, Command::kPrint}};
+  for (const auto& [words, command] : all) {
+    EXPECT_EQ(Refusal(words), "");
+    EXPECT_EQ(Of(words).command, command) << words[0];
+  }
+}
+
+TEST(Request, SaysWhichCommandIsMeant) {
+  EXPECT_EQ(Refusal({"lst"}), "no command is called \"lst\"; did you mean list?");
+  EXPECT_EQ(Refusal({"WritePcm"}), "no command is called \"WritePcm\"; did you mean run WritePcm?");
+  EXPECT_EQ(Refusal({"xyzzyxyzzy"}),
+            "no command is called \"xyzzyxyzzy\"; \"audio_bench help\" names them all");
+}
+
 TEST(Request, SaysWhatIsWrong) {
   EXPECT_EQ(Refusal({"list", "--", "x"}), "unexpected x");
   EXPECT_EQ(Refusal({"run", "--bogus"}), "unknown option --bogus");
@@ -190,7 +213,8 @@ TEST(Request, ExplainsEachOption) {
   for (const char* const words :
        {"Runs the routines of the audio engine's test bench.", " All that is known of one routine",
         " Put a recording in place for the selected test, if there is none",
-        " Help on a command"}) {
+        " Prove the measures on signals that theory knows\n", " Print the manual page, in roff\n",
+        " Help on a command\n", "Exit codes: 0 pass, 1 fail, 2 "}) {
     EXPECT_THAT(all, HasSubstr(words));
   }
 }

@@ -200,7 +200,9 @@ TEST(JudgeMeasure, DistancesFromTheTruthAreBetterWhenTheyAreLess) {
     }
     return SetOf(results);
   };
-  EXPECT_EQ(CompareResults(set(5), set(2), {}).measures[0].verdict, Change::kBetter);
+  const MeasureComparison nearer = CompareResults(set(5), set(2), {}).measures[0];
+  EXPECT_EQ(nearer.verdict, Change::kBetter);
+  EXPECT_TRUE(nearer.toTruth);
   EXPECT_EQ(CompareResults(set(2), set(5), {}).measures[0].verdict, Change::kWorse);
 }
 
