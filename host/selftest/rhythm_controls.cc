@@ -107,11 +107,70 @@ Control Swelling() {
           {{.measure = "tempo", .reason = "nothing that repeats itself"}}};
 }
 
+Control Beating(const std::string& name, const std::string& theory,
+                const std::vector<double>& beats, const std::vector<double>& truth, double f) {
+  return {
+      name,
+      theory,
+      [=] {
+        return Scene{.output = {16000, {Samples(16000, 0.1F)}}, .beats = beats, .trueBeats = truth};
+      },
+      {{"beat_f", f, 1e-9}}};
+}
+
+std::vector<Control> Beats() {
+  return {
+      Beating("beats that are all there", "Every beat is hit, none is too much: 1.",
+              {5.5, 6, 6.5, 7}, {5.5, 6, 6.5, 7}, 1),
+      Beating("beats beside by 69 and by 71 ms", "Two of four are within 70 ms: 2 * 2 / (4 + 4).",
+              {5.569, 6.071, 6.431, 6.929}, {5.5, 6, 6.5, 7}, 0.5),
+      Beating("a beat too much and two too few",
+              "Of four true beats two are hit by three: 2 * 2 / (4 + 3).", {5.5, 6, 6.25},
+              {5.5, 6, 6.5, 7}, 4.0 / 7),
+      Beating("one beat between two", "One beat hits one of two alone: 2 * 1 / (2 + 1).", {6.05},
+              {6, 6.1}, 2.0 / 3),
+      Beating("beats beside by 70 ms and 0.99 ns, and by 70 ms and 1.01 ns",
+              "Decimals that are off by a nanosecond are still within 70 ms: 2 * 2 / (4 + 4).",
+              {5.57 + 0.99e-9, 6.07 + 1.01e-9, 6.43 - 0.99e-9, 6.93 - 1.01e-9}, {5.5, 6, 6.5, 7},
+              0.5),
+      Beating("a beat late by nearly a second, then one in time",
+              "The first is passed over, the second hit: 2 * 1 / (2 + 2).", {6.5, 7}, {5.6, 7},
+              0.5),
+      Beating("a beat early by nearly a second, then one in time",
+              "The first is passed over, the second hit: 2 * 1 / (2 + 2).", {5.6, 7}, {6.5, 7},
+              0.5),
+      Beating("wrong beats before 5 s",
+              "The first 5 s count on neither side, from 5 s on all do: 2 * 2 / (3 + 2).",
+              {1, 2, 3, 4.99, 5, 6}, {0.5, 4.9, 5, 6.05, 7}, 0.8)};
+}
+
+Control BeatsTooEarly() {
+  Control control =
+      Beating("no true beat but before 5 s", "None of them counts.", {6}, {1, 4.9}, 0);
+  control.expected = {{.measure = "beat_f", .reason = "no beat of the reference after 5 s"}};
+  return control;
+}
+
+// Only the first sample, of which the mean of both channels has all.
+Control FirstSample() {
+  return {"one sample at the very start",
+          "It is no silence, and nothing sets in.",
+          [] {
+            Samples samples(Frames(kRate, 7));
+            samples.front() = 0.5F;
+            return Scene{.output = {kRate, {samples, samples}}};
+          },
+          {{.measure = "tempo", .reason = "nothing that repeats itself"}}};
+}
+
 }  // namespace
 
 std::vector<Control> RhythmControls() {
-  return {Limping(2, 120),       Limping(2.2, 60),        TwoTempos(), Bars(),
-          SoftBesideLoud(8, 60), SoftBesideLoud(12, 120), Swelling()};
+  std::vector<Control> controls = {Limping(2, 120), Limping(2.2, 60),      TwoTempos(),
+                                   Bars(),          SoftBesideLoud(8, 60), SoftBesideLoud(12, 120),
+                                   Swelling(),      FirstSample(),         BeatsTooEarly()};
+  for (Control& each : Beats()) controls.push_back(std::move(each));
+  return controls;
 }
 
 }  // namespace host

@@ -17,6 +17,15 @@ Control Longer(size_t input, size_t output) {
           {{"length_factor", static_cast<double>(output) / static_cast<double>(input), 1e-9}}};
 }
 
+Control LongerThanNothing() {
+  return {"an output from an input of no samples",
+          "No length has a ratio to 0.",
+          [] {
+            return Scene{.output = {16000, {Samples(100, 0.1F)}}, .input = {16000, {Samples()}}};
+          },
+          {{.measure = "length_factor", .reason = audio_measures::kNoSamples}}};
+}
+
 // A voice: harmonics that fall with their number.
 Samples Voice(int rate, double seconds, double hz) {
   Samples samples(Frames(rate, seconds));
@@ -224,33 +233,6 @@ Control Clicking(double bpm, int rate) {
           {{"tempo", bpm, bpm * 0.003}}};
 }
 
-Control Beating(const std::string& name, const std::string& theory,
-                const std::vector<double>& beats, const std::vector<double>& truth, double f) {
-  return {
-      name,
-      theory,
-      [=] {
-        return Scene{.output = {16000, {Samples(16000, 0.1F)}}, .beats = beats, .trueBeats = truth};
-      },
-      {{"beat_f", f, 1e-9}}};
-}
-
-std::vector<Control> Beats() {
-  return {
-      Beating("beats that are all there", "Every beat is hit, none is too much: 1.",
-              {5.5, 6, 6.5, 7}, {5.5, 6, 6.5, 7}, 1),
-      Beating("beats beside by 69 and by 71 ms", "Two of four are within 70 ms: 2 * 2 / (4 + 4).",
-              {5.569, 6.071, 6.431, 6.929}, {5.5, 6, 6.5, 7}, 0.5),
-      Beating("a beat too much and two too few",
-              "Of four true beats two are hit by three: 2 * 2 / (4 + 3).", {5.5, 6, 6.25},
-              {5.5, 6, 6.5, 7}, 4.0 / 7),
-      Beating("one beat between two", "One beat hits one of two alone: 2 * 1 / (2 + 1).", {6.05},
-              {6, 6.1}, 2.0 / 3),
-      Beating("wrong beats before 5 s",
-              "The first 5 s count on neither side, from 5 s on all do: 2 * 2 / (3 + 2).",
-              {1, 2, 3, 4.99, 5, 6}, {0.5, 4.9, 5, 6.05, 7}, 0.8)};
-}
-
 }  // namespace
 
 std::vector<Control> TimeControls() {
@@ -258,6 +240,9 @@ std::vector<Control> TimeControls() {
                                    Longer(16000, 16000),
                                    Longer(16000, 24000),
                                    Longer(12345, 4321),
+                                   Longer(1, 2),
+                                   Longer(2, 1),
+                                   LongerThanNothing(),
                                    Higher(220, 0, 16000),
                                    Higher(220, 700, 16000),
                                    Higher(440, -1200, 48000),
@@ -266,7 +251,6 @@ std::vector<Control> TimeControls() {
                                    Clicking(120, 16000),
                                    Clicking(93, 16000),
                                    Clicking(150.5, 44100)};
-  for (Control& each : Beats()) controls.push_back(std::move(each));
   for (Control& each : SpokenInStretches()) controls.push_back(std::move(each));
   for (const auto& [share, voiced] : {std::pair{0.07, true}, {0.15, false}}) {
     controls.push_back(NoisyVoice(share, voiced));

@@ -24,14 +24,13 @@ std::vector<double> Counted(std::span<const double> beats) {
 // From the front on, the earlier of two that do not fit has nobody later that does.
 size_t Hits(std::span<const double> reference, std::span<const double> beats) {
   size_t hits = 0;
-  size_t i = 0;
-  size_t k = 0;
-  while (i < reference.size() && k < beats.size()) {
-    const double late = beats[k] - reference[i];
-    const bool hit = std::fabs(late) <= kTolerance + kRounding;
-    hits += hit ? 1 : 0;
-    if (hit || late > 0) ++i;
-    if (hit || late < 0) ++k;
+  while (!reference.empty() && !beats.empty()) {
+    const double late = beats.front() - reference.front();
+    const bool isEarly = late < -kTolerance - kRounding;
+    const bool isLate = late > kTolerance + kRounding;
+    if (!isEarly && !isLate) ++hits;
+    if (!isEarly) reference = reference.subspan(1);
+    if (!isLate) beats = beats.subspan(1);
   }
   return hits;
 }

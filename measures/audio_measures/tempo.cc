@@ -15,7 +15,6 @@ namespace {
 
 constexpr double kWindow = 0.04;        // s
 constexpr double kStep = 0.01;          // s
-constexpr double kLeast = 6;            // s
 constexpr double kLowestBand = 60;      // Hz
 constexpr double kHighestBand = 16000;  // Hz
 constexpr size_t kBands = 24;
@@ -153,7 +152,7 @@ Figure Strongest(const std::vector<double>& correlation, double stepsPerMinute, 
 
 Figure Tempo(std::span<const float> samples, int rate) {
   if (samples.empty()) return Unknown(kNoSamples);
-  if (static_cast<double>(samples.size()) < kLeast * rate) return Unknown(kTooShort);
+  if (static_cast<double>(samples.size()) < kTempoLeastSeconds * rate) return Unknown(kTooShort);
   double energy = 0;
   for (const float sample : samples) {
     energy += static_cast<double>(sample) * static_cast<double>(sample);

@@ -7,6 +7,7 @@
 namespace audio_measures {
 
 inline constexpr int kTempoVersion = 1;
+inline constexpr double kTempoLeastSeconds = 6;
 
 // tempo, BPM, from 40 to 240; neither direction is better. The onset envelope is the sum over 24
 // bands, evenly spaced in octaves from 60 Hz to 16 kHz or half the rate, of how far the logarithm
