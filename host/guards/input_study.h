@@ -1,8 +1,8 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <map>
+#include <tuple>
 #include <vector>
 
 #include "audio_measures/phase_fit.h"
@@ -28,7 +28,9 @@ class InputStudy {
     int rate = 0;
     int channel = 0;
     int64_t place = 0;
-    auto operator<=>(const Stretch&) const = default;
+    bool operator<(const Stretch& other) const {
+      return std::tie(rate, channel, place) < std::tie(other.rate, other.channel, other.place);
+    }
   };
   // Null where they are not kept yet.
   const audio_measures::PhaseFit::Spectra* Find(const Stretch& stretch) const;

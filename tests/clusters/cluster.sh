@@ -126,6 +126,8 @@ elif [[ ${SLURMD_NODENAME:-} == two && $* == *--shard* ]] && mkdir "$folder/held
   touch "$folder/held/shard"
   wait $suite
 else
+  # However quick one node is, the other one gets a task.
+  [[ ${SLURMD_NODENAME:-} != one ]] || until [[ -e $folder/held ]]; do sleep 0.01; done
   exec "$probe" "$@"
 fi
 BENCH
