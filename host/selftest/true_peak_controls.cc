@@ -61,12 +61,14 @@ const char* const kTheory =
     "Each sample has the sign of the sinc under its window: what is interpolated in the middle is "
     "the sum of the magnitudes of all its weights times theirs; floats round at 1e-6.";
 
-Control At(int rate, int oversampling, int phase) {
-  return {"a burst in phase with the sinc, at " + std::to_string(rate) + " Hz and step " +
+Control At(int rate, int oversampling, int phase, double sign = 1) {
+  return {std::string("a burst ") + (sign < 0 ? "upside down" : "in phase") +
+              " with the sinc, at " + std::to_string(rate) + " Hz and step " +
               std::to_string(phase) + " of " + std::to_string(oversampling),
           kTheory,
           [=] {
-            return Scene{.output = {rate, {EndingWith(Burst(oversampling, phase), 480)}}};
+            const Samples burst = Scaled(Burst(oversampling, phase), sign);
+            return Scene{.output = {rate, {EndingWith(burst, 480)}}};
           },
           {{"true_peak", Decibels(PeakOf(Burst(oversampling, phase), oversampling)), 1e-4}}};
 }
@@ -117,9 +119,10 @@ Control ManyChannels(int count) {
 }  // namespace
 
 std::vector<Control> TruePeakControls() {
-  std::vector<Control> controls = {
-      At(kRate, 4, 1), At(kRate, 4, 2), At(kRate, 4, 3),  At(8000, 4, 2),   At(100, 4, 2),
-      At(95999, 4, 2), At(96000, 2, 1), At(191999, 2, 1), ManyChannels(64), ManyChannels(65)};
+  std::vector<Control> controls = {At(kRate, 4, 1),     At(kRate, 4, 2),  At(kRate, 4, 3),
+                                   At(8000, 4, 2),      At(100, 4, 2),    At(95999, 4, 2),
+                                   At(96000, 2, 1),     At(191999, 2, 1), At(kRate, 4, 2, -1),
+                                   At(96000, 2, 1, -1), ManyChannels(64), ManyChannels(65)};
   // Where registers of four samples and runs of 4096 end, and where they do not.
   for (const size_t later : {0U, 1U, 2U, 3U, 4098U}) controls.push_back(InChannels(4100, later));
   controls.push_back(InChannels(4097, 8));
