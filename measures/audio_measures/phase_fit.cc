@@ -53,6 +53,13 @@ void PhaseFit::Transform(std::span<const float> block, std::span<std::complex<fl
   m_fft.Forward(m_block, bins);
 }
 
+void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
+  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
+    Transform(reference.subspan(start, kBlock), m_reference);
+    AddBlock(m_reference, signal.subspan(start, kBlock));
+  }
+}
+
 PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
   Spectra spectra;
   for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
@@ -60,13 +67,6 @@ PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
     spectra.insert(spectra.end(), m_reference.begin(), m_reference.end());
   }
   return spectra;
-}
-
-void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
-  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
-    Transform(reference.subspan(start, kBlock), m_reference);
-    AddBlock(m_reference, signal.subspan(start, kBlock));
-  }
 }
 
 void PhaseFit::Add(const Spectra& reference, std::span<const float> signal) {
