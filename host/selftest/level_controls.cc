@@ -119,26 +119,28 @@ std::vector<Control> PeakControls() {
   return controls;
 }
 
+constexpr float kFull = 32767.0F / 32768;
+
+void Fill(Samples& samples, size_t first, size_t count, float value) {
+  std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
+}
+
 Control ClippedControl() {
   return {"runs of 2, 3 and 5 samples at full scale",
           "Runs of three and more of one sign count: 3 and 5 upwards, 4 downwards; two do not, nor "
           "do three of changing sign, nor five just below full scale: 12 of 100 samples.",
           [] {
             Samples samples(100, 0.25F);
-            const float full = 32767.0F / 32768;
-            const auto fill = [&](size_t first, size_t count, float value) {
-              std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
-            };
-            fill(10, 2, full);
-            fill(20, 3, full);
-            fill(30, 5, 1.0F);
-            fill(40, 4, -full);
-            fill(50, 5, 32766.0F / 32768);
-            fill(60, 1, full);
-            fill(61, 1, -full);
-            fill(62, 1, full);
+            Fill(samples, 10, 2, kFull);
+            Fill(samples, 20, 3, kFull);
+            Fill(samples, 30, 5, 1.0F);
+            Fill(samples, 40, 4, -kFull);
+            Fill(samples, 50, 5, 32766.0F / 32768);
+            Fill(samples, 60, 1, kFull);
+            Fill(samples, 61, 1, -kFull);
+            Fill(samples, 62, 1, kFull);
             Scene scene = Of(samples);
-            scene.fullScale = full;
+            scene.fullScale = kFull;
             return scene;
           },
           {{"clipped", 0.12, 1e-9}}};
@@ -151,18 +153,14 @@ Control ClippedBlocks() {
           "or no number.",
           [] {
             Samples samples(1536, 0.25F);
-            const float full = 32767.0F / 32768;
-            const auto fill = [&](size_t first, size_t count, float value) {
-              std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
-            };
-            fill(254, 2, full);
-            fill(512, 2, full);
-            fill(766, 4, full);
-            fill(1021, 3, -full);
-            fill(1100, 5, std::numeric_limits<float>::infinity());
-            fill(1200, 5, std::numeric_limits<float>::quiet_NaN());
+            Fill(samples, 254, 2, kFull);
+            Fill(samples, 512, 2, kFull);
+            Fill(samples, 766, 4, kFull);
+            Fill(samples, 1021, 3, -kFull);
+            Fill(samples, 1100, 5, std::numeric_limits<float>::infinity());
+            Fill(samples, 1200, 5, std::numeric_limits<float>::quiet_NaN());
             Scene scene = Of(samples);
-            scene.fullScale = full;
+            scene.fullScale = kFull;
             return scene;
           },
           {{"clipped", 7.0 / 1536, 1e-9}}};

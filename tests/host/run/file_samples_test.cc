@@ -39,45 +39,31 @@ class FileSamplesTest : public testing::Test {
     return floats;
   }
 
+  // On a walk that goes on, back a little, far away and back again.
+  void ExpectAll(const std::vector<float>& floats) const {
+    FileSamples samples("sound", m_layout, [] { return true; });
+    EXPECT_EQ(samples.Size(), floats.size());
+    for (const size_t first : {0U, 900U, 100000U, 99500U, 94000U, 399000U, 5U, 65000U, 130000U}) {
+      for (const size_t count : {1U, 1000U, 70000U}) {
+        if (first + count > floats.size()) continue;
+        const std::span<const float> view = samples.View(first, count);
+        ASSERT_TRUE(std::ranges::equal(view, std::span(floats).subspan(first, count)))
+            << count << " from " << first << " on";
+      }
+    }
+    EXPECT_FALSE(samples.HasFailed());
+  }
+
   TemporaryDirectory m_directory;
   AudioLayout m_layout = {};
   bool m_goOn = true;
 };
 
-// Of a walk that goes on, back a little, far away and back again.
-void ExpectTheSame(FileSamples& samples, const std::vector<float>& floats) {
-  for (const size_t first : {0U, 900U, 100000U, 99500U, 94000U, 399000U, 5U, 65000U, 130000U}) {
-    for (const size_t count : {1U, 1000U, 70000U}) {
-      if (first + count > floats.size()) continue;
-      const std::span<const float> view = samples.View(first, count);
-      ASSERT_TRUE(std::ranges::equal(view, std::span(floats).subspan(first, count)))
-          << count << " from " << first << " on";
-    }
-  }
-}
+TEST_F(FileSamplesTest, AreThoseOfTheFileFromAnyPlaceOn) { ExpectAll(Write<int16_t>(400000)); }
 
-TEST_F(FileSamplesTest, AreThoseOfTheFileFromAnyPlaceOn) {
-  const std::vector<float> integers = Write<int16_t>(400000);
-  FileSamples samples("sound", m_layout, [] { return true; });
-  EXPECT_EQ(samples.Size(), 400000U);
-  ExpectTheSame(samples, integers);
-  EXPECT_FALSE(samples.HasFailed());
-}
+TEST_F(FileSamplesTest, ReadFloatsAsTheyAre) { ExpectAll(Write<float>(400000)); }
 
-TEST_F(FileSamplesTest, ReadFloatsAsTheyAre) {
-  const std::vector<float> floats = Write<float>(400000);
-  FileSamples samples("sound", m_layout, [] { return true; });
-  EXPECT_EQ(samples.Size(), 400000U);
-  ExpectTheSame(samples, floats);
-  EXPECT_FALSE(samples.HasFailed());
-}
-
-TEST_F(FileSamplesTest, OfAShortFileAreTheSame) {
-  const std::vector<float> integers = Write<int16_t>(150000);
-  FileSamples samples("sound", m_layout, [] { return true; });
-  ExpectTheSame(samples, integers);
-  EXPECT_FALSE(samples.HasFailed());
-}
+TEST_F(FileSamplesTest, OfAShortFileAreTheSame) { ExpectAll(Write<int16_t>(150000)); }
 
 TEST_F(FileSamplesTest, AreWholeFrames) {
   Write<int16_t>(1001);
