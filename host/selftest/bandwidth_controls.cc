@@ -38,12 +38,12 @@ constexpr size_t kWindow = 2048;
 
 // Exact to the rounding of floats.
 Control Spectrum(const std::string& name, const std::string& theory, Samples (*make)(),
-                 double bandwidth, double of40Db) {
-  const double bin = static_cast<double>(kWholeRate) / kWindow;
+                 double bandwidth, double of40Db, int rate = kWholeRate) {
+  const double bin = static_cast<double>(rate) / kWindow;
   return {
       name,
       theory,
-      [make] { return Of(make(), kWholeRate); },
+      [=] { return Of(make(), rate); },
       {{"bandwidth", bandwidth * bin, 0.002 * bin}, {"bandwidth_40db", of40Db * bin, 0.005 * bin}}};
 }
 
@@ -94,6 +94,10 @@ std::vector<Control> Spectra() {
           constant + "The spectrum is flat, the last bin half as wide: 0.99 of 2 a bin from "
                      "the second on, and no fall of 40 dB.",
           [] { return Impulses(0); }, ShareOfTwo(0), kWindow / 2.0),
+      Spectrum(
+          "one sample at a rate at which 80 ms are 1024.48 samples",
+          "A window is no shorter than 80 ms: 2048 samples, as at twice the rate.",
+          [] { return Impulses(0); }, ShareOfTwo(0), kWindow / 2.0, 12806),
       Spectrum(
           "one sample of 1e-5", "The same as of a larger one.", [] { return Impulses(0, 1e-5F); },
           ShareOfTwo(0), kWindow / 2.0),

@@ -166,16 +166,41 @@ Control Falling(float height) {
           {{"band_limit", (0.5 * kWindow - below) * kBin, 0.15 * kBin}}};
 }
 
-Control Line() {
+// At a rate at which 80 ms are a window or a little more than half of one.
+Control Line(int rate) {
   constexpr size_t kLine = 300;
-  return {"a codec that leaves a line of one bin",
+  const double bin = static_cast<double>(rate) / kWindow;
+  return {"a codec that leaves a line of one bin, at " + std::to_string(rate) + " Hz",
           "A window of Hann spreads it by one bin, and the mean over 9 by 4 more; the next one has "
           "what floats leave, towards which 20 dB are lost in less than half a bin.",
-          [] {
-            return Scene{.output = {kWholeRate, {Sine(kWholeRate, 0.6, kLine * kBin, 0.5)}},
-                         .input = {kWholeRate, {InMiddle(0.5F, 0)}}};
+          [=] {
+            return Scene{.output = {rate, {Sine(rate, 0.6, kLine * bin, 0.5)}},
+                         .input = {rate, {InMiddle(0.5F, 0)}}};
           },
-          {{"band_limit", (kLine + 5.3) * kBin, 0.45 * kBin}}};
+          {{"band_limit", (kLine + 5.3) * bin, 0.45 * bin}}};
+}
+
+Control NothingKept() {
+  return {
+      "a codec that makes one line of another",
+      "Where the input has its line the output has what floats leave, far more than 20 dB below; "
+      "elsewhere there is nothing that could be kept.",
+      [] {
+        return Scene{.output = {kWholeRate, {Sine(kWholeRate, 0.6, 700 * kBin, 0.5)}},
+                     .input = {kWholeRate, {Sine(kWholeRate, 0.6, 300 * kBin, 0.5)}}};
+      },
+      {{"band_limit", 0, 1e-9}}};
+}
+
+Control SilentInput() {
+  return {"a codec that makes a noise of silence",
+          "Silence has neither a delay nor a band.",
+          [] {
+            return Scene{.output = {kStepRate, {WhiteNoise(9600, 0.1, 44)}},
+                         .input = {kStepRate, {Samples(9600)}}};
+          },
+          {{.measure = "codec_delay", .reason = audio_measures::kSilence},
+           {.measure = "band_limit", .reason = audio_measures::kSilence}}};
 }
 
 // A line and what is flat beside it, so many times as strong as the least that counts.
@@ -270,7 +295,10 @@ std::vector<Control> CodecControls() {
           Falling(1e-5F),
           LowLine(1.02),
           LowLine(0.98),
-          Line(),
+          Line(kWholeRate),
+          Line(12806),
+          NothingKept(),
+          SilentInput(),
           FlatBeside(1.01),
           FlatBeside(0.99),
           ShortestDelay(),

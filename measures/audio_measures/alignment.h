@@ -10,12 +10,10 @@ inline constexpr int kDelayVersion = 2;
 inline constexpr int kGainVersion = 1;
 inline constexpr int kPolarityVersion = 2;
 
-// How a signal lies beside its reference: whole samples by GCC-PHAT (delay_finder.h), the rest by
-// the phase of the cross-spectrum (phase_fit.h).
+// By how much a signal is later than its reference: whole samples by GCC-PHAT (delay_finder.h), the
+// rest by the phase of the cross-spectrum (phase_fit.h).
 struct Alignment {
   Figure delay;        // Seconds by which the signal is later; below 0: earlier.
-  Figure gain;         // dB, of what both have in common, over all frequencies.
-  Figure polarity;     // 1, or -1 when upside down.
   Figure correlation;  // From 0 to 1, once delay and polarity are taken out.
 };
 

@@ -57,11 +57,13 @@ DelayChoice ChooseDelay(std::span<const float> reference, std::span<const float>
   // Of a sound that repeats itself the likely delay comes first, then the one at which most of the
   // signal overlaps.
   std::vector<DelayFinder::Peak> candidates;
-  if (search.likely) candidates.push_back({.lag = *search.likely, .polarity = kAsItLies});
-  if (!search.likely || strong->lag != *search.likely) candidates.push_back(*strong);
-  if (sharp->lag != strong->lag && (!search.likely || sharp->lag != *search.likely)) {
-    candidates.push_back(*sharp);
-  }
+  const auto propose = [&](const DelayFinder::Peak& peak) {
+    const auto known = std::ranges::find(candidates, peak.lag, &DelayFinder::Peak::lag);
+    if (known == candidates.end()) candidates.push_back(peak);
+  };
+  if (search.likely) propose({.lag = *search.likely, .polarity = kAsItLies});
+  propose(*strong);
+  propose(*sharp);
   DelayChoice choice = {.reason = kTooShort};
   double most = 0;
   for (const DelayFinder::Peak& candidate : candidates) {

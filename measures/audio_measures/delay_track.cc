@@ -17,12 +17,10 @@ constexpr double kResolution = 0.02;  // Samples that a tracked delay is uncerta
 
 DelayLine MedianLine(std::span<const TrackedDelay> delays) {
   std::vector<double> slopes;
-  const size_t half = delays.size() / 2;
-  for (size_t i = 0; i + half < delays.size(); ++i) {
-    const auto& [firstMiddle, firstLater] = delays[i];
-    const auto& [middle, later] = delays[i + half];
-    slopes.push_back((later - firstLater) / (middle - firstMiddle));
-  }
+  std::ranges::transform(delays, delays.subspan(delays.size() / 2), std::back_inserter(slopes),
+                         [](const TrackedDelay& first, const TrackedDelay& second) {
+                           return (second.later - first.later) / (second.middle - first.middle);
+                         });
   DelayLine line = {.slope = Median(std::move(slopes))};
   std::vector<double> starts;
   for (const auto& [middle, later] : delays) starts.push_back(later - line.slope * middle);
@@ -41,8 +39,8 @@ DelayLine LeastSquares(std::span<const TrackedDelay> delays) {
   double product = 0;
   double squares = 0;
   for (const auto& [middle, later] : delays) {
-    product += (middle - meanPlace) * (later - meanLater);
-    squares += (middle - meanPlace) * (middle - meanPlace);
+    product += (middle - meanPlace) * later;
+    squares += (middle - meanPlace) * middle;
   }
   DelayLine line = {.slope = product / squares};
   line.start = meanLater - line.slope * meanPlace;
@@ -86,7 +84,7 @@ std::optional<DelayLine> FitDelayLine(std::span<const TrackedDelay> delays, doub
   std::ranges::copy_if(delays, std::back_inserter(near), [&](const TrackedDelay& delay) {
     return std::fabs(delay.later - line.At(delay.middle)) <= limit;
   });
-  if (near.size() < kLeastDelays || near.size() * 2 < delays.size()) return std::nullopt;
+  if (near.size() < kLeastDelays) return std::nullopt;
   return LeastSquares(near);
 }
 

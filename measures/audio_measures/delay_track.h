@@ -38,7 +38,7 @@ struct DelayLine {
 
 // By least squares, after delays far from the line of median slope (H. Theil, 1950, between delays
 // half of them apart) have been left out: those more than `tolerance` samples and more than four
-// times the median distance away. Nothing when fewer than three are left, or not half of them.
+// times the median distance away. Nothing when fewer than three are left.
 std::optional<DelayLine> FitDelayLine(std::span<const TrackedDelay> delays, double tolerance);
 
 }  // namespace audio_measures
