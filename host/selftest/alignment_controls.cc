@@ -56,20 +56,26 @@ Control Drifting(double ppm) {
 
 // A drift beside which one piece lies elsewhere.
 Control DriftingWithAStray() {
-  return {"drift of 50 ppm over 20 s, 2 s of them 40 samples late",
+  constexpr int kLowRate = 8000;
+  constexpr double kDrift = 1e-3;
+  constexpr double kAway = 35;  // Samples.
+  return {"drift of 1000 ppm over 14 s, 2 s of them 35 samples late",
           "A piece that lies elsewhere is not of the line, which is as steep as without it, to 0.5 "
-          "ppm.",
+          "ppm. It is the sixth of seven, five pieces of drift and 35 samples later than the "
+          "first.",
           [] {
-            const size_t frames = 20 * kRate;
-            const TimedNoise noise(frames + 400, 0.1, 15);
-            Samples output = noise.At(kLead, 1 / (1 + 50e-6), frames);
-            const size_t piece = 2 * kRate;
-            const Samples stray =
-                noise.At(kLead + (5.0 * piece - 40) / (1 + 50e-6), 1 / (1 + 50e-6), piece);
-            std::ranges::copy(stray, output.begin() + 5 * piece);
-            return Pair(noise.At(kLead, 1, frames), output);
+            const size_t piece = 2 * kLowRate;
+            const TimedNoise noise(7 * piece + 400, 0.1, 15);
+            const double step = 1 / (1 + kDrift);
+            Samples output = noise.At(kLead, step, 7 * piece);
+            const auto start = static_cast<double>(5 * piece) - kAway;
+            const Samples stray = noise.At(kLead + start * step, step, piece);
+            std::ranges::copy(stray, output.begin() + static_cast<std::ptrdiff_t>(5 * piece));
+            return Pair(noise.At(kLead, 1, 7 * piece), output, kLowRate);
           },
-          {{"drift", 50, 0.5}, {"polarity", 1, 1e-9}}};
+          {{"drift", 1e6 * kDrift, 0.5},
+           {"delay_track", 10 * kDrift + kAway / kLowRate, 0.03 / kLowRate},
+           {"polarity", 1, 1e-9}}};
 }
 
 Control Jumping() {

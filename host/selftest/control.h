@@ -63,6 +63,8 @@ std::vector<Control> WeightingControls();
 std::vector<Control> LoudnessControls();
 std::vector<Control> AlignmentControls();
 std::vector<Control> DelayControls();
+std::vector<Control> OverlapControls();
+std::vector<Control> TrackControls();
 std::vector<Control> ReferenceControls();
 std::vector<Control> SpectralControls();
 std::vector<Control> ShortSpectraControls();

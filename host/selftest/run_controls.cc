@@ -93,7 +93,7 @@ const std::vector<Control>& AllControls() {
           ReferenceControls,   SpectralControls,    ShortSpectraControls, IntelligibilityControls,
           EnhancementControls, MusicalControls,     EchoControls,         CodecControls,
           TimeControls,        PitchControls,       TempoControls,        RhythmControls,
-          InputControls}) {
+          InputControls,       OverlapControls,     TrackControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

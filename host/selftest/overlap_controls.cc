@@ -1,0 +1,191 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "selftest/control.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kRate = 8000;
+constexpr size_t kFrames = 8000;
+constexpr double kLoud = 10;
+
+Scene Pair(Samples reference, Samples output, double searchSeconds = 0.01) {
+  return {.output = {kRate, {std::move(output)}},
+          .reference = {kRate, {std::move(reference)}},
+          .searchSeconds = searchSeconds};
+}
+
+Samples Cut(const Samples& samples, std::ptrdiff_t first, size_t count) {
+  const auto from = samples.begin() + first;
+  return {from, from + static_cast<std::ptrdiff_t>(count)};
+}
+
+// Both ends of what a reference and an output that is so much later have in common are loud.
+Control LoudEnds(std::ptrdiff_t later) {
+  return {
+      "noise " + std::to_string(later) +
+          " samples late, loud in the first and last sample that "
+          "both have",
+      "The noise is 20 dB below all that both have, most of which is in those two samples. At a "
+      "whole number of samples white noise is not what an interpolation leaves of it.",
+      [later] {
+        const auto apart = static_cast<size_t>(std::abs(later));
+        Samples common = WhiteNoise(kFrames, 0.1, 71);
+        common.front() = common.back() = kLoud;
+        const Samples noisy = Sum(common, NoiseBelow(common, 20, kFrames, 72));
+        const Samples before = WhiteNoise(apart, 0.1, 73);
+        Samples reference = later < 0 ? before : common;
+        Samples output = later < 0 ? noisy : before;
+        Append(reference, later < 0 ? common : before);
+        Append(output, later < 0 ? before : noisy);
+        return Pair(reference, output);
+      },
+      {{"delay", static_cast<double>(later) / kRate, 1e-12},
+       {"gain", 0, 0.002},
+       {"snr", 20, 0.002},
+       {"si_sdr", 20, 0.01}}};
+}
+
+// Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
+void AddClick(Samples& samples, double place, double size) {
+  for (int i = -60; i <= 60; ++i) {
+    const double whole = std::round(place) + i;
+    const double angle = 0.8 * std::numbers::pi * (whole - place);
+    const double sinc = std::abs(angle) < 1e-9 ? 1 : std::sin(angle) / angle;
+    const double window = 0.5 + 0.5 * std::cos(std::numbers::pi * (whole - place) / 64);
+    samples[static_cast<size_t>(whole)] += static_cast<float>(size * sinc * window);
+  }
+}
+
+// The first or the last sample of the reference that is compared is loud.
+Control LoudPlace(double later, bool isFirst) {
+  // Interpolation takes 64 samples on either side.
+  const double first = std::ceil(64 - later);
+  const double last = std::floor(static_cast<double>(kFrames) - 1 - 64 - later);
+  const double place = isFirst ? first : last;
+  // The squares of sin(0.8 pi n) / (0.8 pi n) have the sum 1.25, of which 0.125 are on either side.
+  const double click = 1.25 * kLoud * kLoud;
+  const double noise = 0.8 * 0.01 * kFrames;
+  const double compared = (0.9 * click + noise) / (click + noise);
+  return {"noise " + std::to_string(later) + " samples late, loud at sample " +
+              std::to_string(static_cast<int>(place)),
+          "Between samples 64 on either side are needed, so that this is the " +
+              std::string(isFirst ? "first" : "last") +
+              " sample that is compared. It and one side of what surrounds it have most of the "
+              "energy, of which the noise is 20 dB below.",
+          [=] {
+            constexpr size_t kLead = 200;
+            const TimedNoise common(kFrames + 2 * kLead, 0.1, 74);
+            Samples reference = common.At(kLead, 1, kFrames);
+            AddClick(reference, place, kLoud);
+            Samples output = common.At(kLead - later, 1, kFrames);
+            AddClick(output, place + later, kLoud);
+            const Samples own = TimedNoise(kFrames, 1, 75).At(0, 1, kFrames);
+            const double gain = std::sqrt(0.01 * Energy(output) / Energy(own));
+            return Pair(reference, Sum(output, Scaled(own, gain)));
+          },
+          {{"delay", later / kRate, 0.02 / kRate},
+           {"snr", 20 + 10 * std::log10(compared / (1 - 130.0 / kFrames)), 0.08}}};
+}
+
+// A click that only one of both has beside it, but for the first sample.
+Control ClickAtStart() {
+  return {
+      "soft noise 40 samples late that starts with a click",
+      "The first sample of the reference is that of the output 40 samples later: no other delay "
+      "has a click in common.",
+      [] {
+        Samples common = WhiteNoise(kFrames, 1e-4, 76);
+        common.front() = 1;
+        Samples output = WhiteNoise(40, 1e-4, 77);
+        Append(output, common);
+        return Pair(common, output);
+      },
+      {{"delay", 40.0 / kRate, 0.002 / kRate}, {"snr", 120, 1e-6}}};
+}
+
+Control ClickBeyond() {
+  return {"a click in the middle of the reference, and one after its end in the output",
+          "Of what comes after the end of the shorter one nothing has anything in common with it.",
+          [] {
+            Samples common = WhiteNoise(6000, 0.01, 78);
+            common[3000] = 1;
+            Samples output = WhiteNoise(40, 0.01, 79);
+            Append(output, common);
+            Append(output, WhiteNoise(2000, 0.01, 80));
+            // A block of the search later, and 20 samples more.
+            output[3000 + 3936 + 20] = 3;
+            return Pair(common, output);
+          },
+          {{"delay", 40.0 / kRate, 0.002 / kRate}, {"snr", 120, 1e-6}}};
+}
+
+// Half of a tone and noise: most of the tone overlaps without the noise.
+Control ToneAndNoise() {
+  return {"a sine of 100 Hz and noise 6 dB below, 3200 of 8000 samples late",
+          "40 periods earlier the sine is the same and overlaps longer, but the noise, of a fifth "
+          "of the energy, is not.",
+          [] {
+            Samples common = WhiteNoise(12000, 0.1, 86);
+            common = Sum(common, Sine(kRate, 1.5, 100, 0.2 * std::numbers::sqrt2));
+            return Pair(Cut(common, 3200, 8000), Cut(common, 0, 8000), 1);
+          },
+          {{"delay", 3200.0 / kRate, 0.002 / kRate}, {"snr", 120, 1e-6}}};
+}
+
+// 80.48 samples to either side.
+Control BetweenSamples(std::ptrdiff_t later) {
+  const bool isFound = std::abs(later) == 81;
+  const double value = static_cast<double>(later) / kRate;
+  return {"a delay of " + std::to_string(later) + " samples, looked for within 80.48",
+          "The search goes on to the next whole sample.",
+          [=] {
+            const Samples noise = WhiteNoise(kFrames + 200, 0.1, 87);
+            return Pair(Cut(noise, 100, kFrames), Cut(noise, 100 - later, kFrames), 0.01006);
+          },
+          {isFound ? Expected{"delay", value, 0.002 / kRate}
+                   : Expected{.measure = "delay", .reason = "no clear delay"}}};
+}
+
+Control Soft() {
+  return {"soft noise, 7 samples late and softer by half",
+          "Of an energy far below 1 all figures are those of a loud signal.",
+          [] {
+            const Samples noise = WhiteNoise(kFrames + 7, 1e-7, 88);
+            return Pair(Cut(noise, 7, kFrames), Scaled(Cut(noise, 0, kFrames), 0.5));
+          },
+          {{"delay", 7.0 / kRate, 0.002 / kRate},
+           {"gain", -20 * std::log10(2.0), 0.002},
+           {"polarity", 1, 1e-9},
+           {"snr", 120, 1e-6},
+           {"si_sdr", 120, 1e-6},
+           {"seg_snr", 35, 1e-6}}};
+}
+
+Control NearHalfRate() {
+  return {"noise and a sine at 0.455 of the rate, half a sample late",
+          "What interpolation leaves is 90 dB below up to 0.46 of the rate.",
+          [] {
+            constexpr double kHz = 0.455 * kRate;
+            const TimedNoise noise(kFrames + 400, 0.1, 89);
+            const double turn = 0.455 * 2 * std::numbers::pi;
+            return Pair(Sum(noise.At(200, 1, kFrames), Sine(kRate, 1, kHz, 0.2)),
+                        Sum(noise.At(199.5, 1, kFrames), Sine(kRate, 1, kHz, 0.2, -0.5 * turn)));
+          },
+          {{"delay", 0.5 / kRate, 0.002 / kRate}, {"snr", 105, 20}}};
+}
+
+}  // namespace
+
+std::vector<Control> OverlapControls() {
+  return {NearHalfRate(),        ClickAtStart(),        ClickBeyond(),
+          ToneAndNoise(),        BetweenSamples(81),    BetweenSamples(-81),
+          BetweenSamples(82),    BetweenSamples(-82),   Soft(),
+          LoudEnds(40),          LoudEnds(-40),         LoudPlace(0.5, true),
+          LoudPlace(-0.5, true), LoudPlace(0.5, false), LoudPlace(-0.5, false)};
+}
+
+}  // namespace host
