@@ -36,6 +36,14 @@ TEST(Units, RoundLevelsToATenthAndNeverBelowZero) {
   EXPECT_EQ(Ratio(1.26), "1.3");
 }
 
+TEST(Units, GiveAmountsWithoutNeedlessDigits) {
+  EXPECT_EQ(Amount(120, "BPM"), "120 BPM");
+  EXPECT_EQ(Amount(0.123456, "MB"), "0.1235 MB");
+  EXPECT_EQ(Amount(3, "1"), "3");
+  EXPECT_EQ(Amount(-123456789, "Hz"), "-123456789 Hz");
+  EXPECT_EQ(Amount(1e15, "Hz"), "1e+15 Hz");
+}
+
 TEST(Units, NameFormatsAndChannels) {
   EXPECT_EQ(Hertz(44100), "44100 Hz");
   EXPECT_EQ(Channels(1), "mono");
