@@ -75,6 +75,20 @@ TEST_F(AudioLayoutTest, TellsFloatsFromOtherSamples) {
   EXPECT_EQ(samples(PlainFormat({.bits = 16, .blockAlign = 4})), std::nullopt) << "padded";
 }
 
+TEST_F(AudioLayoutTest, SaysWhatTheSamplesAre) {
+  const auto words = [this](const WavFormat& format) {
+    return FindWave(Riff(PlainFormat(format) + Chunk("data", "123456789012")))->sampleWords;
+  };
+  EXPECT_EQ(words({}), "16-bit");
+  EXPECT_EQ(words({.channels = 2, .bits = 24}), "24-bit");
+  EXPECT_EQ(words({.tag = 3, .channels = 2, .bits = 32}), "32-bit float");
+  EXPECT_EQ(words({.bits = 16, .blockAlign = 4}), "16-bit in 4 bytes a frame");
+  EXPECT_EQ(words({.channels = 2, .bits = 24, .blockAlign = 8}), "24-bit in 8 bytes a frame");
+  EXPECT_EQ(words({.tag = 6, .bits = 8}), "A-law");
+  EXPECT_EQ(words({.tag = 7, .bits = 8}), "mu-law");
+  EXPECT_EQ(words({.tag = 2, .bits = 4, .blockAlign = 2}), "of a coding that is not known");
+}
+
 TEST_F(AudioLayoutTest, TakesNoMoreSamplesThanThereAre) {
   const auto layout = FindWave(Riff(PlainFormat({}) + Chunk("data", "1234", 0xFFFFFFFF)));
   ASSERT_TRUE(layout);

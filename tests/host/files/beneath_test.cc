@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
+#include "files/regular_file.h"
 #include "support/file_bytes.h"
 #include "support/temporary_directory.h"
 
@@ -38,6 +40,29 @@ TEST_F(BeneathTest, CreatesFilesAndTheFoldersAboveThem) {
   EXPECT_EQ(ReadFile("work/deep/er/b"), "x");
   EXPECT_EQ(Write("a/b"), ENOTDIR);
   EXPECT_EQ(Write("real"), EISDIR);
+}
+
+TEST_F(BeneathTest, GivesAFileTheRightsThatTheUserGivesAny) {
+  const mode_t before = umask(0027);
+  EXPECT_EQ(Write("a"), 0);
+  umask(before);
+  EXPECT_EQ(fs::status("work/a").permissions(), fs::perms(0640));
+}
+
+TEST_F(BeneathTest, WritesToNoPipeHoweverManyNamesItHas) {
+  ASSERT_EQ(mkfifo("work/pipe", 0600), 0);
+  const int reader = open("work/pipe", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  EXPECT_EQ(Write("pipe"), kNotRegular);
+  fs::create_hard_link("work/pipe", "other");
+  EXPECT_EQ(Write("pipe"), kNotRegular);
+  close(reader);
+}
+
+TEST_F(BeneathTest, SaysWhyNothingCanBeWritten) {
+  EXPECT_EQ(WriteFault(EXDEV), "leads out of the workspace by a symbolic link");
+  EXPECT_EQ(WriteFault(EMLINK), "has another name, a hard link");
+  EXPECT_EQ(WriteFault(ENOSPC), "No space left on device");
+  EXPECT_EQ(WriteFault(kNotRegular), "Not a regular file");
 }
 
 TEST_F(BeneathTest, FollowsLinksThatStayInTheFolder) {

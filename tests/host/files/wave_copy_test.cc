@@ -133,6 +133,18 @@ TEST_F(WaveCopyTest, LeavesNoHalfCopyOnAFullDisk) {
   EXPECT_FALSE(std::filesystem::exists("out.wav"));
 }
 
+TEST_F(WaveCopyTest, TellsThatNotEvenTheHeaderCouldBeWritten) {
+  WriteFile("in", std::string(8, 0));
+  const FileSizeLimit limit(40);
+  FILE* const file = fopen("in", "rb");
+  const AudioLayout layout = {
+      .samples = SampleType::kFloat32, .rate = 44100, .channels = 2, .bytes = 8, .frameBytes = 8};
+  EXPECT_EQ(WriteWaveCopy(file, layout, 0, {".", "out.wav"}, [] { return true; }).problem,
+            "File too large");
+  fclose(file);
+  EXPECT_FALSE(std::filesystem::exists("out.wav"));
+}
+
 TEST_F(WaveCopyTest, RefusesWhatNoHeaderCanSay) {
   const AudioLayout layout = {.samples = SampleType::kPcm16,
                               .rate = 44100,

@@ -51,6 +51,14 @@ TEST_F(WholeFileTest, ReplacesTheNameAndNotTheFile) {
   EXPECT_EQ(errno, ENOENT);
 }
 
+TEST_F(WholeFileTest, ReplacesAlsoWhatIsMissingAndNoLoopOfLinks) {
+  EXPECT_TRUE(CanReplace("missing"));
+  EXPECT_FALSE(fs::exists("missing"));
+  fs::create_symlink("loop", "loop");
+  EXPECT_FALSE(CanReplace("loop"));
+  EXPECT_EQ(errno, ELOOP);
+}
+
 TEST_F(WholeFileTest, OverwritesNoLinkAndNothingThatHasAnotherName) {
   EXPECT_TRUE(CanOverwrite("file"));
   EXPECT_TRUE(OverwriteFile("file", "new"));

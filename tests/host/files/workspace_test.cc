@@ -26,6 +26,7 @@ TEST(PlaceFiles, FillsArgumentsIn) {
   ASSERT_EQ(places.size(), 3U);
   EXPECT_EQ(places[0].name, "/sdcard/a");
   EXPECT_EQ(places[0].path, "work/sdcard/a");
+  EXPECT_EQ(places[0].place, "sdcard/a");
   EXPECT_EQ(places[1].path, "work/out/b.wav");
   EXPECT_EQ(places[2].path, "work/{x}") << "no parameter has that name";
 }

@@ -52,7 +52,8 @@ TEST(LineForm, SaysThatAFigureIsNoNumber) {
 
 TEST(LineForm, LeavesTheTimeOfDayOut) {
   EXPECT_EQ(WithoutTime("12:34:56.789 delay"), "delay");
-  for (const char* line : {"12:34:56.78 delay", "12-34-56.789 delay", "12:34:56.789", "", "9"}) {
+  for (const char* line : {"12:34:56.78 delay", "12-34-56.789 delay", "12:34:56.789", "", "9",
+                           "1/:34:56.789 delay", "1::34:56.789 delay"}) {
     EXPECT_EQ(WithoutTime(line), line);
   }
 }
@@ -81,7 +82,7 @@ class LineResultsTest : public testing::Test {
 
 TEST_F(LineResultsTest, TakesTheLastWholeLineHoweverTheStreamIsCut) {
   const std::string log =
-      "12:34:56.789 delay: 1, 0\n12:34:57.789 delay: 2, 89\n12:34:58.000 523\n12:34:58.100 delay: "
+      "12:34:56.789 delay: 1, 5\n12:34:57.789 delay: 2, 89\n12:34:58.000 523\n12:34:58.100 delay: "
       "3, 9";
   for (size_t part = 1; part < log.size(); ++part) {
     LineResults results(kDeclared);
@@ -167,6 +168,14 @@ TEST_F(LineResultsTest, SaysWhatCouldNotBeRead) {
   m_results.Miss("beats.txt", "the file was not written");
   EXPECT_EQ(Get("beats").reason, "the file was not written");
   EXPECT_FALSE(Get("beats").value.has_value()) << "no count of a file that is not there";
+}
+
+TEST_F(LineResultsTest, SaysSoOfTheFirstResultToo) {
+  constexpr ResultLine kFirst[] = {
+      {"beats", "beats", Better::kNone, Stands::kWritten, "beat #", Takes::kCount, "beats.txt"}};
+  LineResults results(kFirst);
+  results.Miss("beats.txt", "the file was not written");
+  EXPECT_EQ(results.Take()[0].reason, "the file was not written");
 }
 
 TEST_F(LineResultsTest, StandsLinesWithoutEndAndBytesOfAnyKind) {

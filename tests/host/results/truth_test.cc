@@ -12,6 +12,7 @@ namespace {
 TEST(Truth, IsANumberAndAUnit) {
   EXPECT_EQ(ParseTruth("delay", "60 ms"), (Truth{.name = "delay", .unit = "ms", .value = 60}));
   EXPECT_EQ(ParseTruth("polarity", "-1"), (Truth{.name = "polarity", .value = -1}));
+  EXPECT_EQ(ParseTruth("length", "2 s"), (Truth{.name = "length", .unit = "s", .value = 2}));
   EXPECT_EQ(ParseTruth("x", "1.5e-3 dB re 1 V"),
             (Truth{.name = "x", .unit = "dB re 1 V", .value = 1.5e-3}));
 }
