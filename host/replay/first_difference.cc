@@ -1,5 +1,7 @@
 #include "replay/first_difference.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -12,7 +14,6 @@
 
 #include "base/units.h"
 #include "files/audio_layout.h"
-#include "files/file_state.h"
 #include "files/plain_text.h"
 #include "files/regular_file.h"
 #include "files/sample_reader.h"
@@ -34,8 +35,9 @@ struct Side {
 
   Side(const std::string& path, const FileUse& use) : file(OpenRegular(path)) {
     if (file == nullptr) return;
-    const FileState state(fileno(file.get()));
-    bytes = state.status() ? static_cast<uint64_t>(state.status()->st_size) : 0;
+    struct stat status = {};
+    fstat(fileno(file.get()), &status);
+    bytes = static_cast<uint64_t>(status.st_size);
     audio = FindAudio(use, file.get(), bytes);
     if (audio && !audio->samples) audio.reset();
     std::array<unsigned char, 4096> head = {};
@@ -49,8 +51,7 @@ struct Side {
 std::string Length(const AudioLayout& before, const AudioLayout& now) {
   const double more = now.Seconds() - before.Seconds();
   if (before.bytes == now.bytes) return "";
-  const std::string text = before.rate > 0 ? Seconds(std::abs(more)) : "";
-  return text + (now.bytes > before.bytes ? " longer" : " shorter");
+  return Seconds(std::abs(more)) + (now.bytes > before.bytes ? " longer" : " shorter");
 }
 
 // What two runs of samples have apart.
@@ -77,12 +78,10 @@ class Comparison {
     if (!m_differs) return "";
     const auto channels = static_cast<uint64_t>(m_channels);
     const uint64_t frame = m_first / channels;
-    std::string text = "first at ";
-    if (m_rate > 0) text += Seconds(static_cast<double>(frame) / m_rate) + " ";
-    text += "(frame " + std::to_string(frame) + "), " +
-            ChannelName(static_cast<int>(m_first % channels), m_channels) + ", by " +
-            Size(m_firstSize);
-    return text + "; at most by " + Size(m_greatest);
+    return "first at " + Seconds(static_cast<double>(frame) / m_rate) + " (frame " +
+           std::to_string(frame) + "), " +
+           ChannelName(static_cast<int>(m_first % channels), m_channels) + ", by " +
+           Size(m_firstSize) + "; at most by " + Size(m_greatest);
   }
 
  private:

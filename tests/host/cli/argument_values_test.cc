@@ -15,6 +15,10 @@ TEST(ArgumentValues, AreThoseOfTheArgumentThatComesNext) {
   EXPECT_THAT(ArgumentValues("Echo", {"a", "b", "true"}), IsEmpty()) << "any number";
 }
 
+TEST(ArgumentValues, AreTheNumbersOfWhichSomethingComes) {
+  EXPECT_THAT(ArgumentValues("Choose", {}), ElementsAre("0", "7", "255")) << "256 is not tried";
+}
+
 TEST(ArgumentValues, AreNoneWhereNoArgumentComesNext) {
   EXPECT_THAT(ArgumentValues("Measure", {"true"}), IsEmpty());
   EXPECT_THAT(ArgumentValues("Measure", {"true", "true"}), IsEmpty());

@@ -156,6 +156,13 @@ TEST(Request, HasACommandForEachName) {
   }
 }
 
+TEST(Request, GivesASuiteOfBenchesTheWordsAfterTheMark) {
+  const Request request = Of({"compare", "--bench", "a", "s.toml", "--", "good", "-j", "2"});
+  EXPECT_EQ(request.command, Command::kCompare);
+  EXPECT_THAT(request.compare.suite, ElementsAre("s.toml", "good", "-j", "2"));
+  EXPECT_EQ(Refusal({"compare", "a", "b", "--", "x"}), "unexpected x");
+}
+
 TEST(Request, SaysWhichCommandIsMeant) {
   EXPECT_EQ(Refusal({"lst"}), "no command is called \"lst\"; did you mean list?");
   EXPECT_EQ(Refusal({"WritePcm"}), "no command is called \"WritePcm\"; did you mean run WritePcm?");

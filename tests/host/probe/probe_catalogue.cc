@@ -93,6 +93,12 @@ uint64_t UpToX(ArgumentWords /*words*/, std::span<unsigned char> bytes) {
   return static_cast<uint64_t>(end - bytes.begin());
 }
 
+std::string NoChoice(ArgumentWords words) {
+  constexpr std::string_view kChoices[] = {"0", "7", "255", "256"};
+  return std::ranges::find(kChoices, words[0]) == std::end(kChoices) ? "argument 1 is no choice"
+                                                                     : "";
+}
+
 std::string Seven(ArgumentWords /*words*/) { return "7"; }
 
 constexpr harness::UnusedArgument kSeven[] = {{"number", "the number of days", Seven}};
@@ -197,6 +203,7 @@ std::vector<CatalogueRow> AllRows() {
           {.declared = declared::ReadSomeOnPurpose, .inputs = {ReadInPart()}},
           {.declared = declared::DecodeSome, .inputs = {{.name = "{inFile}", .streamEnd = UpToX}}},
           {.declared = declared::HaveSaid},
+          {.declared = declared::Choose, .fruitless = NoChoice},
           {.declared = declared::UseSeven, .unused = kSeven},
           {.declared = declared::Mark, .outputs = {kMarks}, .sounds = kMarking},
           {.declared = declared::AppendTo, .outputs = {{.name = "{outFile}", .appended = true}}},

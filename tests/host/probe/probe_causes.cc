@@ -78,6 +78,8 @@ void HaveSaid(const char* line) { g_said = line; }
 
 const std::string& SaidByTheEngine() { return g_said; }
 
+void Choose(int /*number*/, bool /*flag*/, const char* /*word*/, int /*other*/) {}
+
 void UseSeven(int /*number*/) {}
 
 void Mark() {

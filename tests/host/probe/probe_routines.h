@@ -69,7 +69,8 @@ ROUTINE(void, ReadSomeOnPurpose, const char* inFile, int bytes);  // As its row 
 ROUTINE(void, DecodeSome, const char* inFile);                    // Up to the first 'x'.
 ROUTINE(void, HaveSaid, const char* line);                        // By the engine, as a refusal.
 const std::string& SaidByTheEngine();                             // Empty for nothing.
-ROUTINE(void, UseSeven, int number);                              // Whatever it is given.
+ROUTINE(void, Choose, int number, bool flag, const char* word, int other);  // Few numbers do.
+ROUTINE(void, UseSeven, int number);                                        // Whatever it is given.
 ROUTINE(void, Mark);  // A quarter of a stereo track in its second channel, as a detector does.
 ROUTINE(void, AppendTo, const char* outFile);
 ROUTINE(void, WriteUnless, const char* word, int bytes);  // Nothing for "nothing".

@@ -103,6 +103,18 @@ TEST_F(HasFormTest, HeaderlessSamplesOfTheFormAreCopied) {
   EXPECT_EQ(ReadFile("work/in"), WavBytes({.channels = 2, .rate = 8000}, {1, -2, 3, 4}));
 }
 
+TEST_F(HasFormTest, HeaderlessFloatsAreCopiedForFloatsOnly) {
+  const float floats[] = {0.5F, -0.25F};
+  const std::string bytes(reinterpret_cast<const char*>(floats), sizeof floats);
+  const StageWishes wishes = {
+      .raw = RawForm{.rate = 8000, .channels = 2, .samples = RawForm::Samples::kF32}};
+  Form form = RawShorts({8000, 2});
+  EXPECT_EQ(Steps(bytes, form, wishes), "samples");
+  form.samples = SampleType::kFloat32;
+  EXPECT_EQ(Steps(bytes, form, wishes), "copy");
+  EXPECT_EQ(Steps(bytes, form, {.raw = RawForm{.rate = 8000, .channels = 2}}), "samples");
+}
+
 TEST_F(HasFormTest, APlayersRecordingIsCopiedInItsOwnKinds) {
   const Form form = {.kind = Form::Kind::kRecording};
   const std::vector<double> samples = Sine(997, -6, 48000, 4800);

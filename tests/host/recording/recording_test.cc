@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <sndfile.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -169,6 +170,21 @@ TEST_F(RecordingTest, ReadsSamplesWithoutAHeader) {
     ASSERT_EQ(FaultText(StageOne("raw", WaveForm(), wishes)), "");
     EXPECT_THAT(Shorts("work/in", 44), ElementsAre(16384, -8192));
   }
+}
+
+TEST_F(RecordingTest, SamplesWithoutAHeaderReachToTheEndOfTheFile) {
+  WriteFile("raw", SampleBytes({9, 9, 1, -2, 3}));
+  FILE* const file = fopen("raw", "rb");
+  RawForm form = {.rate = 8000, .channels = 1, .offset = 4};
+  const OpenedRecording opened = OpenRawRecording(fileno(file), form);
+  ASSERT_NE(opened.recording, nullptr);
+  EXPECT_EQ(opened.recording->Format().frames, 3U);
+  std::array<double, 4> samples = {};
+  EXPECT_EQ(opened.recording->Read(samples.data(), samples.size()), 3U);
+  EXPECT_THAT(samples, ElementsAre(1.0 / 32768, -2.0 / 32768, 3.0 / 32768, 0));
+  form.offset = 11;
+  EXPECT_EQ(OpenRawRecording(fileno(file), form).recording->Format().frames, 0U);
+  fclose(file);
 }
 
 TEST_F(RecordingTest, APartOfAFrameIsRefused) {

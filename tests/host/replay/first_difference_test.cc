@@ -78,6 +78,13 @@ TEST_F(FirstDifferenceTest, TellsTheDifferenceInLength) {
             "0.50 s longer");
 }
 
+TEST_F(FirstDifferenceTest, TellsTimeAtTheLowestRateToo) {
+  FileUse slow = kMono;
+  slow.rate = 1;
+  EXPECT_EQ(Of(Bytes<short>({1, 2}), Bytes<short>({1, 3, 4, 4}), slow),
+            "first at 1.00 s (frame 1), mono, by -90.3 dBFS; at most by -90.3 dBFS; 2.00 s longer");
+}
+
 TEST_F(FirstDifferenceTest, TellsAnotherFormat) {
   const std::vector<short> samples(800, 1);
   EXPECT_EQ(Of(WavBytes({.channels = 2, .rate = 44100}, samples), WavBytes({.rate = 8000}, samples),
