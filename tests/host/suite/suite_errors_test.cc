@@ -37,6 +37,8 @@ class SuiteErrorsTest : public testing::Test {
 
 TEST_F(SuiteErrorsTest, AFileThatIsNotThere) {
   EXPECT_EQ(Message("none.toml"), "cannot read none.toml: No such file or directory");
+  std::filesystem::create_symlink("loop.toml", "loop.toml");
+  EXPECT_EQ(Message("loop.toml"), "cannot read loop.toml: Too many levels of symbolic links");
   std::filesystem::create_directory("folder.toml");
   EXPECT_EQ(Message("folder.toml"), "folder.toml is a folder, not a suite");
 }
