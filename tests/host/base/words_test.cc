@@ -53,6 +53,26 @@ TEST(NamesAlike, AreTheThreeMostSimilarInTheirOrder) {
               ElementsAre("abcd", "abcx", "xbcd"));
 }
 
+constexpr std::string_view kNames[] = {"RunTestCase", "TestHRTF",         "TestReverb",
+                                       "TestDrc",     "TestReverbPreset", "TestVAD"};
+
+TEST(NamesAlike, FindsSlipsOfTheFinger) {
+  EXPECT_THAT(NamesAlike("TestHRFT", kNames), ElementsAre("TestHRTF"));
+  EXPECT_THAT(NamesAlike("testhrtf", kNames), ElementsAre("TestHRTF"));
+  EXPECT_THAT(NamesAlike("TestRevrb", kNames), ElementsAre("TestReverb"));
+}
+
+TEST(NamesAlike, FindsPartsOfNames) {
+  EXPECT_THAT(NamesAlike("reverb", kNames), ElementsAre("TestReverb", "TestReverbPreset"));
+  EXPECT_THAT(NamesAlike("test", kNames), testing::SizeIs(3)) << "no more than can be read";
+}
+
+TEST(NamesAlike, FindsNothingInWhatIsUnlike) {
+  EXPECT_THAT(NamesAlike("something", kNames), IsEmpty());
+  EXPECT_THAT(NamesAlike("", kNames), IsEmpty());
+  EXPECT_THAT(NamesAlike("VA", kNames), IsEmpty());
+}
+
 TEST(WrapText, BreaksBetweenWords) {
   EXPECT_EQ(WrapText("one two three", "Head: ", 2, 13), "Head: one two\n  three\n");
   EXPECT_EQ(WrapText("one two three", "Head: ", 2, 12), "Head: one\n  two three\n");

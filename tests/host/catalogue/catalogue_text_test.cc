@@ -5,9 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "base/suggest.h"
 #include "base/usage_error.h"
-#include "base/wrap_text.h"
 #include "catalogue/list.h"
 #include "recording/form.h"
 #include "run/stage_form.h"
@@ -15,30 +13,8 @@
 namespace host {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
-
-constexpr std::string_view kNames[] = {"RunTestCase", "TestHRTF",         "TestReverb",
-                                       "TestDrc",     "TestReverbPreset", "TestVAD"};
-
-TEST(NamesAlike, FindsSlipsOfTheFinger) {
-  EXPECT_THAT(NamesAlike("TestHRFT", kNames), ElementsAre("TestHRTF"));
-  EXPECT_THAT(NamesAlike("testhrtf", kNames), ElementsAre("TestHRTF"));
-  EXPECT_THAT(NamesAlike("TestRevrb", kNames), ElementsAre("TestReverb"));
-}
-
-TEST(NamesAlike, FindsPartsOfNames) {
-  EXPECT_THAT(NamesAlike("reverb", kNames), ElementsAre("TestReverb", "TestReverbPreset"));
-  EXPECT_THAT(NamesAlike("test", kNames), testing::SizeIs(3)) << "no more than can be read";
-}
-
-TEST(NamesAlike, FindsNothingInWhatIsUnlike) {
-  EXPECT_THAT(NamesAlike("something", kNames), IsEmpty());
-  EXPECT_THAT(NamesAlike("", kNames), IsEmpty());
-  EXPECT_THAT(NamesAlike("VA", kNames), IsEmpty());
-}
 
 TEST(FindRow, SuggestsNamesForAnUnknownOne) {
   EXPECT_EQ(FindRow("Echo").declared.words.parameters,
@@ -97,12 +73,6 @@ TEST(FormOf, IsWhatTheRowTakes) {
   EXPECT_EQ(staged(use, 6000, 6), "8000/1");
 }
 
-TEST(WrapText, BreaksBetweenWords) {
-  EXPECT_EQ(WrapText("one two three", "- ", 2, 9), "- one two\n  three\n");
-  EXPECT_EQ(WrapText("unbreakable x", "- ", 2, 5), "- unbreakable\n  x\n");
-  EXPECT_EQ(WrapText("", "-", 1, 5), "-\n");
-}
-
 TEST(ListAsText, FitsTheWidthAndSetsHelpersApart) {
   for (const size_t width : {size_t{80}, size_t{100}}) {
     std::istringstream lines(ListAsText({}, width));
@@ -112,7 +82,8 @@ TEST(ListAsText, FitsTheWidthAndSetsHelpersApart) {
   }
   const std::string list = ListAsText({}, 100);
   EXPECT_THAT(list, HasSubstr("  Echo                        available      arguments\n"));
-  EXPECT_THAT(list, HasSubstr("not run by themselves)\n  Helper                      help\n"));
+  EXPECT_THAT(list, HasSubstr("\n\nHelpers (called by routines, not run by themselves)\n"
+                              "  Helper                      help\n"));
 }
 
 TEST(ListAsText, KeepsARoutineOnOneLineWhenAsked) {
@@ -183,6 +154,20 @@ TEST(ListAsJson, KeepsEveryKeyOfAFile) {
   EXPECT_EQ(use.size(), wave.size());
 }
 
+TEST(ListAsJson, TellsRatesAndChannelCountsThatAreTaken) {
+  const nlohmann::json use = RowAsJson("Copy")["inputs"][0];
+  EXPECT_EQ(use["rates"], nlohmann::json({{"set", {8000}}, {"unit", "Hz"}}));
+  EXPECT_EQ(use["channel_counts"], nlohmann::json({{"set", {1}}}));
+  const nlohmann::json wave = RowAsJson("WriteNoWave")["outputs"][0];
+  EXPECT_EQ(wave["rates"], nlohmann::json({{"least", nullptr}, {"most", nullptr}, {"unit", "Hz"}}));
+  EXPECT_EQ(wave["channel_counts"], nlohmann::json({{"least", 1}, {"most", nullptr}}));
+}
+
+TEST(ListAsJson, TellsADurationThatTheClockDecides) {
+  EXPECT_EQ(RowAsJson("TakeTurnByClock")["expected_duration"],
+            nlohmann::json({{"value", 0.1}, {"unit", "s"}}));
+}
+
 TEST(Lacking, ShowsWhatTheEngineAtHandCannotRun) {
   EXPECT_THAT(ListAsText({.glob = "NeedNothing"}, 100),
               HasSubstr("NeedNothing                 lacking"));
@@ -206,6 +191,7 @@ TEST(ListAsMarkdown, HasOneRowForEachRoutine) {
                         "input and output | `{inFile}` (16-bit samples, 8000 Hz, mono) | "
                         "`{outFile}` (16-bit samples, 8000 Hz, mono) | none | available |\n"));
   EXPECT_THAT(list, HasSubstr("## Helpers"));
+  EXPECT_THAT(list, HasSubstr(R"(| 0\|7, 0\_7, 0\*7 and 0\<7 |)"));
 }
 
 TEST(Describe, TellsAllOfOneRow) {
@@ -222,6 +208,10 @@ TEST(Describe, TellsAllOfOneRow) {
             "  duration      as fast as its input is processed\n"
             "  status        available\n");
   EXPECT_THAT(Describe("WriteLoud"), HasSubstr("in the workspace: sdcard/out.f32"));
+  EXPECT_THAT(Describe("UseSeven"),
+              HasSubstr("\n  not used      number: what counts is the number of days\n"));
+  EXPECT_THAT(Describe("Break"), HasSubstr("\n  guards        without level: its gain is free\n"));
+  EXPECT_THAT(Describe("Mark"), HasSubstr("\n  guards        none: markers, not sound\n"));
   EXPECT_THAT(Describe("Helper"), HasSubstr("not run by itself"));
   EXPECT_THROW(Describe("Unknown"), UsageError);
 }

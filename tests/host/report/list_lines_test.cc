@@ -45,6 +45,15 @@ TEST(ListLines, NameTheFiveWorstFiles) {
             "          and 2 more\n");
 }
 
+TEST(ListLines, TellHowLongTheyAreInAll) {
+  std::vector<FileReport> files(2, Member("x"));
+  for (FileReport& file : files) {
+    file.audio = {
+        .samples = SampleType::kPcm16, .rate = 8000, .channels = 1, .bytes = 4000, .frameBytes = 2};
+  }
+  EXPECT_EQ(Lines(files), "  input   in<n>.pcm  2 of 2 there, 0.50 s\n");
+}
+
 TEST(ListLines, NameFiveFilesWithoutMore) {
   const std::vector<FileReport> files(5, Member("x", {Cause::kOutputAbsent}));
   std::string expected = "  input   in<n>.pcm  0 of 5 there, 5 output absent\n";
