@@ -54,6 +54,15 @@ TEST_F(Trust, KeptFailureIsBelieved) {
   EXPECT_TRUE(host::Untrusted("clipped"));
 }
 
+TEST_F(Trust, WhatASelftestFoundIsKept) {
+  host::KeepTrust("loudness", false);
+  EXPECT_EQ(Kept("loudness"), "fails\n");
+  EXPECT_TRUE(host::Untrusted("loudness"));
+  host::KeepTrust("loudness", true);
+  EXPECT_EQ(Kept("loudness"), "holds\n");
+  EXPECT_FALSE(host::Untrusted("loudness"));
+}
+
 TEST_F(Trust, TornAnswerIsFoundOutAgain) {
   Keep("peak", "hol");
   EXPECT_FALSE(host::Untrusted("peak"));
