@@ -67,6 +67,10 @@ Active ByDefinition(std::span<const float> samples, int rate) {
   constexpr size_t kCount = 24;
   const double keep = std::exp(-1 / (0.03 * rate));
   const auto hangover = static_cast<int>(std::ceil(0.2 * rate));
+  std::array<double, kCount> thresholds;
+  for (size_t i = 0; i < kCount; ++i) {
+    thresholds[i] = std::ldexp(1, kLowest + static_cast<int>(i));
+  }
   std::array<int, kCount> since;
   std::array<double, kCount> active = {};
   since.fill(std::numeric_limits<int>::max() / 2);
@@ -76,19 +80,18 @@ Active ByDefinition(std::span<const float> samples, int rate) {
     first = keep * first + (1 - keep) * std::abs(sample);
     second = keep * second + (1 - keep) * first;
     for (size_t i = 0; i < kCount; ++i) {
-      since[i] = second >= std::ldexp(1, kLowest + static_cast<int>(i)) ? 0 : since[i] + 1;
-      if (since[i] <= hangover) ++active[i];
+      since[i] = second >= thresholds[i] ? 0 : since[i] + 1;
+      active[i] += since[i] <= hangover ? 1 : 0;
     }
   }
-  const auto level = [&](size_t i) { return 10 * std::log10(Energy(samples) / active[i]); };
-  const auto above = [&](size_t i) {
-    return level(i) - Decibels(std::ldexp(1, kLowest + static_cast<int>(i)));
-  };
+  const double energy = Energy(samples);
+  const auto level = [&](size_t i) { return 10 * std::log10(energy / active[i]); };
+  const auto above = [&](size_t i) { return level(i) - Decibels(thresholds[i]); };
   size_t i = 1;
   while (i + 1 < kCount && above(i) > 15.9) ++i;
   const double part = (above(i - 1) - 15.9) / (above(i - 1) - above(i));
   const double between = level(i - 1) + part * (level(i) - level(i - 1));
-  const double mean = 10 * std::log10(Energy(samples) / static_cast<double>(samples.size()));
+  const double mean = 10 * std::log10(energy / static_cast<double>(samples.size()));
   return {between, std::pow(10, (mean - between) / 10)};
 }
 
