@@ -1,7 +1,6 @@
 #include "guards/dropout.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 
 #include "base/units.h"
@@ -29,8 +28,7 @@ void ForEachZeros(const Signal& signal, int channel, const std::function<void(Ze
     return signal.samples[frame * stride + static_cast<size_t>(channel)] == 0;
   };
   // Frames that are so far apart have no run between them that is long enough.
-  const auto shortest =
-      std::max<size_t>(1, static_cast<size_t>(std::ceil(kShortestDropout * signal.rate)));
+  const size_t shortest = ShortestDropout(signal.rate);
   for (size_t frame = 0; frame < frames;) {
     if (!isZero(frame)) {
       frame += shortest;
@@ -76,7 +74,8 @@ void CheckDropout(const GuardInput& input, const Surveys& surveys, const Pairing
   size_t places = 0;
   for (int channel = 0; channel < out.channels; ++channel) {
     const auto source = static_cast<size_t>(std::max(0, pairing.Source(channel)));
-    if (IsStill(surveys.output[static_cast<size_t>(channel)])) continue;  // That is `silent`.
+    const ChannelSurvey& survey = surveys.output[static_cast<size_t>(channel)];
+    if (!survey.longZeros || IsStill(survey)) continue;  // The latter is `silent`.
     const Match& match = pairing.Of(channel);
     // Where the delay is not known it may be any that is allowed.
     const double least =

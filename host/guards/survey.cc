@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "guards/thresholds.h"
 #include "guards/track.h"
 
 namespace host {
@@ -21,6 +22,18 @@ std::optional<double> MeanOffset::Error() const {
 }
 
 namespace {
+
+// Whether a block has so many zeros in a row, of which one in as many is looked at.
+bool HasZeros(std::span<const float> block, size_t count) {
+  for (size_t at = count - 1; at < block.size(); at += count) {
+    if (block[at] != 0) continue;
+    size_t start = at;
+    while (start > 0 && block[start - 1] == 0) --start;
+    while (at < block.size() && block[at] == 0) ++at;
+    if (at - start >= count) return true;
+  }
+  return false;
+}
 
 // A block of one channel; `whole` when it is as long as the others.
 void AddBlock(std::span<const float> block, bool whole, bool integers, ChannelSurvey& survey) {
@@ -44,6 +57,8 @@ std::vector<ChannelSurvey> SurveyOf(const Signal& signal, int channels) {
                             .clipped = audio_measures::Clipped(fullScale)};
   std::vector<ChannelSurvey> surveys(each ? static_cast<size_t>(channels) : 1, fresh);
   std::vector<float> block(static_cast<size_t>(std::max(1, signal.rate / 10)));
+  // Of a drop-out that goes from one block to the next, one has half.
+  const size_t zeros = (ShortestDropout(signal.rate) + 1) / 2;
   const Track track(signal, signal.rate);
   const size_t frames = signal.Frames();
   for (size_t first = 0; first < frames; first += block.size()) {
@@ -53,6 +68,8 @@ std::vector<ChannelSurvey> SurveyOf(const Signal& signal, int channels) {
       track.Read(each ? static_cast<int>(channel) : Track::kMean, static_cast<int64_t>(first),
                  part);
       AddBlock(part, count == block.size(), signal.bits > 0, surveys[channel]);
+      bool& longZeros = surveys[channel].longZeros;
+      longZeros = longZeros || HasZeros(part, zeros);
     }
   }
   surveys.resize(static_cast<size_t>(channels), surveys.front());

@@ -30,6 +30,7 @@ struct ChannelSurvey {
   audio_measures::ActiveLevel active;
   audio_measures::Clipped clipped;
   MeanOffset offset = {};  // By blocks of 0.1 s.
+  bool longZeros = false;  // Whether there may be so many zeros in a row as make a drop-out.
 };
 
 // Of each channel, in one pass; with another number of `channels` than the signal has, that of its

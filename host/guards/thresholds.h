@@ -1,5 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
 #include "guards/survey.h"
 
 namespace host {
@@ -23,6 +27,11 @@ inline constexpr double kSameSample = 0.51 / 32768;  // Half a step of 16 bits, 
 
 inline constexpr double kShortestDropout = 0.002;  // s
 inline constexpr double kEndsLeftOut = 0.1;        // s of zeros at either end that are padding.
+
+// The same in frames.
+inline size_t ShortestDropout(int rate) {
+  return std::max<size_t>(1, static_cast<size_t>(std::ceil(kShortestDropout * rate)));
+}
 
 // Nothing but an offset and the noise of 16 bits.
 inline bool IsStill(const ChannelSurvey& survey) {

@@ -37,6 +37,21 @@ TEST(DropoutGuard, ARunCountsWhereverItLies) {
   }
 }
 
+// The sound is surveyed in blocks of 4800 samples, and a run may lie in two of them.
+TEST(DropoutGuard, ARunCountsAcrossBlocks) {
+  const Sound in = Noise(0.1, 1, 1);
+  for (const int64_t before : {0, 1, 47, 48, 49, 95, 96}) {
+    const int64_t first = 24000 - before;
+    Sound out = in;
+    std::fill_n(out.samples.begin() + first, 95, 0.0F);
+    EXPECT_EQ(DropoutHit(Check(in, out)), nullptr) << before;
+    std::fill_n(out.samples.begin() + first, 96, 0.0F);
+    const auto hits = Check(in, out);
+    ASSERT_NE(DropoutHit(hits), nullptr) << before;
+    EXPECT_DOUBLE_EQ(*DropoutHit(hits)->at, static_cast<double>(first) / 48000);
+  }
+}
+
 TEST(DropoutGuard, CountsThePlacesAndNamesTheFirst) {
   Sound in = Noise(0.1, 2, 1);
   in.channels = 2;
