@@ -36,7 +36,7 @@ std::span<const float> FileSamples::View(size_t first, size_t count) {
   if (m_held == 0 && m_size <= kWhole) {
     Fill(0, m_size);
   } else if (first < m_first || first + count > end) {
-    const bool onward = first >= m_first && first <= end;
+    const bool onward = first >= m_first && first <= end + kAround;
     const size_t from = onward ? first : first - std::min(first, kAround);
     const size_t least = first - from + count;
     Fill(from, std::min(m_size - from, onward ? std::max(least, kOnward) : least + kAround));
