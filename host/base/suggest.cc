@@ -18,16 +18,19 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
-// Letters to insert, remove or replace (Levenshtein 1966), row by row.
+// Letters to insert, remove or replace, or neighbours to exchange (Damerau 1964), row by row.
 size_t Distance(const std::string& a, const std::string& b) {
   std::vector<size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), size_t{0});
+  std::vector<size_t> above(row.size());
   for (size_t i = 0; i < a.size(); ++i) {
-    size_t diagonal = std::exchange(row[0], i + 1);
+    const std::vector<size_t> twoAbove = std::exchange(above, row);
+    row[0] = i + 1;
     for (size_t j = 0; j < b.size(); ++j) {
-      const size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+      const size_t replaced = above[j] + (a[i] == b[j] ? 0 : 1);
+      row[j + 1] = std::min({replaced, above[j + 1] + 1, row[j] + 1});
+      const bool exchanged = i > 0 && j > 0 && a[i] == b[j - 1] && a[i - 1] == b[j];
+      if (exchanged) row[j + 1] = std::min(row[j + 1], twoAbove[j - 1] + 1);
     }
   }
   return row.back();

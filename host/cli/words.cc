@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <string_view>
+
+#include "base/suggest.h"
 
 namespace host {
 
@@ -23,6 +26,16 @@ bool TakesValue(const CLI::App& command, const std::string& name) {
   return option != nullptr && option->get_items_expected_min() > 0;
 }
 
+// Of an option of the command that is called alike; empty when none is.
+std::string Suggestion(const CLI::App& command, const std::string& word) {
+  std::vector<std::string> names;
+  for (const CLI::Option* const each : command.get_options()) {
+    for (const std::string& name : each->get_lnames()) names.push_back("--" + name);
+  }
+  const auto alike = NamesAlike(word, std::vector<std::string_view>(names.begin(), names.end()));
+  return alike.empty() ? "" : "; did you mean " + std::string(alike.front()) + "?";
+}
+
 }  // namespace
 
 Words::Words(const CLI::App& command, std::span<const std::string> words) {
@@ -39,7 +52,7 @@ Words::Words(const CLI::App& command, std::span<const std::string> words) {
                option == nullptr && IsShort(start) && TakesValue(command, start)) {
       Take(start, word.substr(2));
     } else if (option == nullptr) {
-      Refuse("unknown option " + word);
+      Refuse("unknown option " + word + Suggestion(command, word.substr(0, equals)));
     } else if (equals != std::string::npos) {
       Take(word.substr(0, equals), word.substr(equals + 1));
     } else if (option->get_items_expected_min() == 0) {

@@ -37,8 +37,11 @@ std::string ChannelWord(const MeasuredFigure& figure, const MeasuredFile& file) 
 }
 
 std::string TextOf(const MeasuredFile& file) {
-  std::string text = Printable(file.figures.front().file) + ": " +
-                     (file.unreadable.empty() ? file.format.Words() : "not measured") + "\n";
+  const std::string name = Printable(file.figures.front().file);
+  if (!file.unreadable.empty()) {
+    return name + ": not measured\n  " + Printable(file.unreadable) + "\n";
+  }
+  std::string text = name + ": " + file.format.Words() + "\n";
   for (const BroughtToRate& each : file.brought) {
     text += "  " + Printable(each.path) + " brought from " + Hertz(each.from) + " to " +
             Hertz(each.to) + "\n";

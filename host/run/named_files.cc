@@ -99,6 +99,17 @@ class Naming {
   NamedFiles m_named;
 };
 
+// The file that a parameter names; null when it names none.
+const FileUse* FindUse(const CatalogueRow& row, const std::string& parameter) {
+  for (const harness::FileList* const uses : {&row.inputs, &row.outputs}) {
+    const auto use = std::find_if(uses->begin(), uses->end(), [&](const FileUse& each) {
+      return ParameterOf(each) == parameter;
+    });
+    if (use != uses->end()) return &*use;
+  }
+  return nullptr;
+}
+
 // What a file is called that no argument names.
 std::string OwnName(const FileUse& use, const std::string& parameter) {
   if (use.container == Container::kWave) return parameter + ".wav";
@@ -133,16 +144,11 @@ NamedFiles NameFiles(const std::string& option, std::span<const std::string> wor
 std::vector<std::string> CompleteArguments(const CatalogueRow& row,
                                            std::span<const std::string> arguments,
                                            std::span<const std::string> in) {
-  std::vector<FileUse> uses = row.inputs;
-  uses.insert(uses.end(), row.outputs.begin(), row.outputs.end());
   const std::vector<std::string> parameters = ParameterNames(row.declared.words.parameters);
   std::vector<std::string> all;
   size_t given = 0;
   for (const std::string& parameter : parameters) {
-    const auto use = std::find_if(uses.begin(), uses.end(), [&](const FileUse& each) {
-      return ParameterOf(each) == parameter;
-    });
-    if (use != uses.end()) {
+    if (const FileUse* const use = FindUse(row, parameter)) {
       const bool none = parameter == row.nullable && AllNamed(in) && !IsNamed(in, parameter);
       all.push_back(none ? "none" : OwnName(*use, parameter));
     } else if (given < arguments.size()) {
@@ -154,6 +160,12 @@ std::vector<std::string> CompleteArguments(const CatalogueRow& row,
   const bool filled = all.size() == parameters.size() && given == arguments.size();
   if (filled && arguments.size() < parameters.size()) return all;
   return {arguments.begin(), arguments.end()};
+}
+
+std::vector<std::string> OtherParameters(const CatalogueRow& row) {
+  std::vector<std::string> others = ParameterNames(row.declared.words.parameters);
+  std::erase_if(others, [&](const std::string& each) { return FindUse(row, each) != nullptr; });
+  return others;
 }
 
 }  // namespace host

@@ -34,4 +34,7 @@ std::vector<std::string> CompleteArguments(const CatalogueRow& row,
                                            std::span<const std::string> arguments,
                                            std::span<const std::string> in);
 
+// The parameters of a routine that name no file, in their order.
+std::vector<std::string> OtherParameters(const CatalogueRow& row);
+
 }  // namespace host

@@ -32,6 +32,14 @@ std::vector<std::string> Completed(const CatalogueRow& row, const Case& what) {
   return CompleteArguments(row, what.arguments, what.in);
 }
 
+// What the arguments could have been where files stand in for some of them.
+std::string ShortForm(const CatalogueRow& row, const Case& what) {
+  if (what.in.empty() && what.out.empty()) return "";
+  std::string others;
+  for (const std::string& each : OtherParameters(row)) others += " " + each;
+  return others.empty() ? "" : "; with --in and --out for the files it takes" + others;
+}
+
 void FillIn(Plan& plan) {
   plan.row = &FindRow(plan.what.routine);
   plan.engine = FindEngine(plan.what.engine);
@@ -46,7 +54,8 @@ void FillIn(Plan& plan) {
     return;
   }
   if (const std::string fault = harness::ArgumentFault(row, words); !fault.empty()) {
-    throw UsageError{plan.what.routine + " " + fault + ": " + Declaration(row)};
+    throw UsageError{plan.what.routine + " " + fault + ": " + Declaration(row) +
+                     ShortForm(row, plan.what)};
   }
   std::string lacking = harness::Lacking(row, words);
   if (plan.what.engineOnly && lacking.empty())

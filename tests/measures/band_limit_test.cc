@@ -90,8 +90,11 @@ TEST(BandLimit, WhatIsConstantDoesNotCount) {
 
 TEST(BandLimit, WhatCannotBeComputedSaysWhy) {
   const std::vector<float> noise = Noise(4096, 0.1, 1);
+  const std::vector<float> shorter(noise.begin(), noise.end() - 1);
   const std::vector<float> silence(4096);
   EXPECT_TRUE(BandLimit(noise, noise, kRate).value);
+  EXPECT_STREQ(BandLimit(noise, shorter, kRate).reason, kTooShort);
+  EXPECT_STREQ(BandLimit(shorter, noise, kRate).reason, kTooShort);
   EXPECT_STREQ(BandLimit(noise, silence, kRate).reason, kSilence);
   EXPECT_STREQ(BandLimit(silence, noise, kRate).reason, kSilence);
 }

@@ -20,6 +20,7 @@ std::vector<NamedFigure> Of(const Inputs& inputs, std::string_view name) {
 TEST(BitRate, IsAllBitsOverTheTimeOfOneChannel) {
   EXPECT_DOUBLE_EQ(*BitRate(4000, 32000, 16000).value, 16000);
   EXPECT_DOUBLE_EQ(*BitRate(0, 32000, 16000).value, 0);
+  EXPECT_FALSE(BitRate(4000, 0, 16000).value);
   const std::vector<float> second(kRate, 0.1F);
   const Inputs inputs = {
       .output = {kRate, {second, second}}, .codedBytes = 8000, .codedFrames = 50};

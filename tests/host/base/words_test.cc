@@ -42,6 +42,14 @@ TEST(NamesAlike, MayDifferInAQuarterOfTheLetters) {
               ElementsAre("abdefgh", "bcdefghi", "abcdefgh12"));
 }
 
+TEST(NamesAlike, CountTwoLettersThatChangedPlacesAsOne) {
+  EXPECT_THAT(Alike("lsit", {"list"}), ElementsAre("list"));
+  EXPECT_THAT(Alike("TestDcr", {"TestDXX", "TestDrc"}), ElementsAre("TestDrc"));
+  EXPECT_THAT(Alike("tsil", {"list"}), IsEmpty());
+  EXPECT_THAT(Alike("rcdTest", {"drcTest"}), IsEmpty());
+  EXPECT_THAT(Alike("badcefgh", {"abcdefgh", "abdcefgh"}), ElementsAre("abdcefgh", "abcdefgh"));
+}
+
 TEST(NamesAlike, MayHoldTheWordAndBeWrittenOtherwise) {
   EXPECT_THAT(Alike("eCh", {"TestEchoCancel"}), ElementsAre("TestEchoCancel"));
   EXPECT_THAT(Alike("ec", {"TestEchoCancel"}), IsEmpty());

@@ -173,6 +173,9 @@ TEST(Request, SaysWhichCommandIsMeant) {
 TEST(Request, SaysWhatIsWrong) {
   EXPECT_EQ(Refusal({"list", "--", "x"}), "unexpected x");
   EXPECT_EQ(Refusal({"run", "--bogus"}), "unknown option --bogus");
+  EXPECT_EQ(Refusal({"run", "--wrok=x"}), "unknown option --wrok=x; did you mean --work?");
+  EXPECT_EQ(Refusal({"run", "--ou", "x"}), "unknown option --ou; did you mean --out?");
+  EXPECT_EQ(Refusal({"list", "--wrok"}), "unknown option --wrok") << "not an option of list";
   EXPECT_EQ(Refusal({"run", "--work", ""}), "--work is empty");
   EXPECT_EQ(Refusal({"run", "--work"}), "--work is without its DIR");
   EXPECT_EQ(Refusal({"list", "--group"}), "--group is without its G");

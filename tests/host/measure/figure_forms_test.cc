@@ -59,8 +59,9 @@ TEST(FigureForms, ReadersGetATableForEachFile) {
                               "  snr                   3  dB    higher\n"
                               "  peak                 -6  dB    higher\n"
                               "  lsd                   -  dB    lower   no reference\n"
-                              "\ngone.wav: not measured\n"));
-  EXPECT_THAT(text, testing::EndsWith("untrusted, not seen to pass a self-test: stoi\n"));
+                              "\ngone.wav: not measured\n  gone.wav: No such file\n"));
+  EXPECT_THAT(text,
+              testing::EndsWith("No such file\nuntrusted, not seen to pass a self-test: stoi\n"));
 }
 
 TEST(FigureForms, SaysWhenAllAreUntrustedOrNone) {

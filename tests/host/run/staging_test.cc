@@ -104,6 +104,15 @@ TEST_F(StagingTest, RefusalsLeaveNothing) {
   EXPECT_EQ(ReadFile("heard.wav"), "earlier");
 }
 
+TEST_F(StagingTest, NamesTheArgumentsThatFilesDoNotStandFor) {
+  const std::string given = Run({"ReadSome", "--in", "right.wav"}).err;
+  EXPECT_THAT(given,
+              HasSubstr("ReadSome takes 2 arguments, not 0: void ReadSome(const char* inFile, "
+                        "int bytes); with --in and --out for the files it takes bytes\n"));
+  EXPECT_THAT(Run({"ReadSome"}).err, testing::EndsWith("int bytes)\n"));
+  EXPECT_THAT(Run({"Copy", "x", "--in", "right.wav"}).err, testing::EndsWith("outFile)\n"));
+}
+
 TEST_F(StagingTest, WhatIsNoRecordingEndsWithThree) {
   WriteFile("heard.wav", "earlier");
   WriteFile("song.mp4", std::string("\0\0\0\x20", 4) + "ftypM4A " + std::string(100, '\0'));
