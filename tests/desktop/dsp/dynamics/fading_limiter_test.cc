@@ -79,6 +79,26 @@ TEST(FadingLimiter, HasHeardTheSoundBefore) {
   EXPECT_LT(out[340], 0.005F);
 }
 
+// What is left, 25 ms after the limiter was switched on, of a level that one peak so long before
+// would keep at a tenth.
+float LeftAfterAPeak(size_t milliseconds) {
+  LimiterParameter low = kOpen;
+  low.fThreshold = low.fCeiling = -20;
+  low.fRelease = 5000;
+  desktop::FadingLimiter limiter;
+  Floats before(1600, 0.05F);
+  before[before.size() - 16 * milliseconds] = 1;
+  Processed(limiter, before);
+  limiter.SetEnabled(true);
+  limiter.SetParameter(low);
+  return Processed(limiter, Floats(640, 0.05F))[400] / 0.05F;
+}
+
+TEST(FadingLimiter, HasHeardTheLast40Milliseconds) {
+  EXPECT_NEAR(LeftAfterAPeak(38), 0.11F, 0.01F);
+  EXPECT_FLOAT_EQ(LeftAfterAPeak(50), 1);
+}
+
 // Two channels of noise that comes and goes, one louder than the other.
 std::vector<Floats> AfterAChange(const LimiterParameter& first, const LimiterParameter& then) {
   desktop::FadingLimiter limiter;
