@@ -15,7 +15,6 @@ constexpr float kGate = 37.5f;
 
 constexpr NoiseTracker::Speed kSpeed = {4.0f, 0.9f, 0.7f};
 constexpr float kMemory = 0.9f;
-constexpr float kLowestPriorRatio = 0.00316f;  // -25 dB
 constexpr float kMaxPosteriorRatio = 1000.0f;
 
 float Decibels(float power) { return 10.0f * std::log10(power); }
@@ -77,9 +76,8 @@ float ActivityDetector::LikelihoodRatio() {
   for (size_t band = 0; band < m_power.size(); ++band) {
     const float noise = std::max(m_noise.Noise()[band], kGate);
     const float posterior = std::min(m_power[band] / noise, kMaxPosteriorRatio);
-    const float prior = std::max(
-        kMemory * m_speech[band] / noise + (1.0f - kMemory) * std::max(posterior - 1.0f, 0.0f),
-        kLowestPriorRatio);
+    const float prior =
+        kMemory * m_speech[band] / noise + (1.0f - kMemory) * std::max(posterior - 1.0f, 0.0f);
     const float gain = prior / (1.0f + prior);
     m_speech[band] = gain * gain * posterior * noise;
     sum += posterior * gain - std::log1p(prior);
