@@ -67,6 +67,7 @@ std::vector<Control> OverlapControls();
 std::vector<Control> TrackControls();
 std::vector<Control> ReferenceControls();
 std::vector<Control> SpectralControls();
+std::vector<Control> CepstralControls();
 std::vector<Control> ShortSpectraControls();
 std::vector<Control> IntelligibilityControls();
 std::vector<Control> EnhancementControls();

@@ -139,6 +139,39 @@ Control ShortDoubleTalk() {
           {{"near_sdr", 12, 0.02}}};
 }
 
+// The far end is as loud as speech or too soft for it, and so is the near end.
+Control TooSoft(double near, double far) {
+  return {"a near end at RMS " + std::to_string(near) + ", a far end at " + std::to_string(far),
+          "Speech takes a level: without it nobody talks.",
+          [=] {
+            const Samples said = Talk(near, 1, 93);
+            return Scene{.output = {kRate, {said}},
+                         .far = {kRate, {Talk(far, 1, 94)}},
+                         .near = {kRate, {said}}};
+          },
+          {{.measure = "near_sdr", .reason = "nothing as loud as speech"}}};
+}
+
+// Both talk for a second, then for three seconds the near end alone.
+Control LaterOutside(double inside, double outside, double least) {
+  return {"double talk " + std::to_string(inside) + " samples late, then " +
+              std::to_string(outside) + " without the far end",
+          "Whatever the delay of the whole is, in double talk the near end is as it was, to the "
+          "interpolation.",
+          [=] {
+            const TimedNoise noise(4 * kRate, 0.1, 95);
+            Samples output = noise.At(-inside, 1, Frames(kRate, 1.4));
+            Append(output,
+                   noise.At(static_cast<double>(output.size()) - outside, 1, Frames(kRate, 2.6)));
+            Samples far = Talk(0.1, 4, 96);
+            std::fill(far.begin() + kRate, far.end(), 0.0F);
+            return Scene{.output = {kRate, {output}},
+                         .far = {kRate, {far}},
+                         .near = {kRate, {noise.At(0, 1, 4 * kRate)}}};
+          },
+          {{"near_sdr", 120, 120 - least}}};
+}
+
 }  // namespace
 
 std::vector<Control> EchoControls() {
@@ -169,7 +202,11 @@ std::vector<Control> EchoControls() {
           ShortDoubleTalk(),
           DoubleTalk(15, 1, 0),
           DoubleTalk(5, -0.3, 24),
-          DoubleTalk(30, 2, 0)};
+          DoubleTalk(30, 2, 0),
+          TooSoft(1e-5, 0.1),
+          TooSoft(0.1, 1e-5),
+          LaterOutside(20.4, 20.4, 60),
+          LaterOutside(20, 20.3, 110)};
 }
 
 }  // namespace host

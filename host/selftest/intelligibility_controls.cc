@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numbers>
 
 #include "selftest/control.h"
@@ -154,11 +155,80 @@ Control LowBandsTurned() {
       {{"stoi", 7.0 / 15, 0.06}}};
 }
 
+// A copy of samples of which it is seen how many blocks count: a segment takes 30.
+Control Counted(const std::string& name, const std::string& theory, bool enough,
+                const std::function<Samples()>& make) {
+  const std::string reason = enough ? "" : audio_measures::kTooShort;
+  return {name,
+          theory,
+          [make] {
+            const Samples samples = make();
+            return Pair(samples, samples);
+          },
+          {{"stoi", 1, 1e-4, reason}, {"estoi", 1, 1e-4, reason}}};
+}
+
+// In the last blocks, which end with the signal.
+Control LastBlocks(size_t blocks) {
+  return Counted("samples in the last " + std::to_string(blocks) + " of 39 blocks",
+                 "A segment has 30 blocks.", blocks >= kSegment, [blocks] {
+                   Samples samples(40 * kHop);
+                   Random random(97);
+                   for (size_t i = 39 - blocks; i < 39; ++i) {
+                     samples[kMiddle + i * kHop] = static_cast<float>(0.1 + random.Uniform());
+                   }
+                   return samples;
+                 });
+}
+
+// One in two hops, at this place of the first of two blocks and 128 samples before it in the
+// second.
+Control AtPlace(size_t place) {
+  return Counted("20 samples, each at " + std::to_string(place) +
+                     " of one block, 128 before in "
+                     "the next",
+                 "A window of sin^2(pi (i + 1) / 257) has 0.989 at 119 and 120, 0.0121 at 247, "
+                 "above a hundredth of that, and 0.0095 at 248, below it: 40 blocks count, or 20.",
+                 place == 247, [place] {
+                   Samples samples(44 * kHop);
+                   for (size_t i = 0; i < 20; ++i) {
+                     samples[place + 2 * i * kHop] = i % 3 == 0 ? 0.5F : 0.501F;
+                   }
+                   return samples;
+                 });
+}
+
+Control Softer(double decibels) {
+  return Counted(
+      "20 blocks of one height, 20 that are " + std::to_string(decibels) + " dB softer",
+      "Blocks down to 40 dB below the strongest count: 40 or 20.", decibels < 40, [decibels] {
+        Samples samples = Envelope(40, 0.5, 0, 0);
+        for (size_t i = 0; i < 20; ++i) {
+          samples[kMiddle + i * kHop] *= static_cast<float>(std::pow(10, -decibels / 20));
+        }
+        return samples;
+      });
+}
+
 }  // namespace
 
 std::vector<Control> IntelligibilityControls() {
-  return {Turned(0),  Turned(30),  Turned(60),  LoudBlocks(),           LowBandsTurned(),
-          Spectra(0), Spectra(36), Spectra(72), SoftPart(45, 1, 0.005), SoftPart(30, 0.54, 0.04)};
+  return {Turned(0),
+          Turned(30),
+          Turned(60),
+          LoudBlocks(),
+          LowBandsTurned(),
+          Spectra(0),
+          Spectra(36),
+          Spectra(72),
+          SoftPart(45, 1, 0.005),
+          SoftPart(30, 0.54, 0.04),
+          LastBlocks(29),
+          LastBlocks(30),
+          AtPlace(247),
+          AtPlace(248),
+          Softer(39.8),
+          Softer(40.2)};
 }
 
 }  // namespace host

@@ -42,21 +42,32 @@ Control Copied(int rate, double gain, size_t later) {
           Undamaged()};
 }
 
-Control Noisy(double snr) {
-  return {"white noise at an SNR of " + std::to_string(snr) + " dB",
-          "The noise is orthogonal to the signal in every 20 ms and has its energy less the SNR in "
-          "each: all three ratios are that SNR, and the gain 1, to the rounding of floats; where "
-          "blocks "
-          "start in the middle of those 20 ms, their SNR varies by a few tenths of a dB, the mean "
-          "by a hundredth.",
-          [snr] {
-            const Samples reference = WhiteNoise(kFrames, 0.1, 22);
-            return Pair(reference, Sum(reference, NoiseBelow(reference, snr, kBlock, 23)));
+// As soft as no recording is, and still far above the least of a float.
+Control SoftCopy() {
+  return {"a copy of noise at -180 dB", "Nothing depends on the level: as louder copies.",
+          [] {
+            const Samples noise = WhiteNoise(kFrames, 1e-9, 41);
+            return Pair(noise, Scaled(noise, 2));
           },
-          {{"snr", snr, 0.002},
-           {"si_sdr", snr, 0.002},
-           {"seg_snr", std::min(snr, 35.0), 0.01},
-           {"gain", 0, 0.002}}};
+          Undamaged()};
+}
+
+Control Noisy(double snr, double rms = 0.1) {
+  return {
+      "white noise of RMS " + std::to_string(rms) + " at an SNR of " + std::to_string(snr) + " dB",
+      "The noise is orthogonal to the signal in every 20 ms and has its energy less the SNR in "
+      "each: all three ratios are that SNR, and the gain 1, to the rounding of floats; where "
+      "blocks "
+      "start in the middle of those 20 ms, their SNR varies by a few tenths of a dB, the mean "
+      "by a hundredth.",
+      [=] {
+        const Samples reference = WhiteNoise(kFrames, rms, 22);
+        return Pair(reference, Sum(reference, NoiseBelow(reference, snr, kBlock, 23)));
+      },
+      {{"snr", snr, 0.002},
+       {"si_sdr", snr, 0.002},
+       {"seg_snr", std::min(snr, 35.0), 0.01},
+       {"gain", 0, 0.002}}};
 }
 
 // Noise whose RMS is the same in each millisecond.
@@ -196,6 +207,8 @@ std::vector<Control> ReferenceControls() {
                                    Copied(16000, 0.5, 37),  Copied(44100, 1, 0),
                                    Copied(48000, -0.25, 0), Copied(192000, 1, 0)};
   for (const double snr : {-10, 0, 10, 20, 30, 40}) controls.push_back(Noisy(snr));
+  controls.push_back(Noisy(10, 1e-9));
+  controls.push_back(SoftCopy());
   controls.push_back(SegmentsApart());
   controls.push_back(Hits());
   controls.push_back(Constant());

@@ -60,6 +60,79 @@ Control Bars() {
           {{"tempo", 120, 0.05}}};
 }
 
+// Clicks with these many steps between each and the next.
+Control Intervals(const std::string& name, const std::string& theory,
+                  const std::vector<double>& intervals, double seconds, Expected expected) {
+  return {name,
+          theory,
+          [=] {
+            std::vector<double> steps = {12};
+            for (const double interval : intervals) steps.push_back(steps.back() + interval);
+            return Clicking(steps, seconds);
+          },
+          {std::move(expected)}};
+}
+
+// So long that there are this many steps.
+double ForSteps(size_t steps) {
+  constexpr size_t kWindow = 1024;
+  return static_cast<double>((steps - 1) * (kRate / 100) + kWindow) / kRate;
+}
+
+// Three clicks, one second and so many steps more than one second apart.
+Control TwoBeats(double second, double twoBeats) {
+  return Intervals(
+      "three clicks 100 and " + std::to_string(second) + " steps apart",
+      "One beat is 100 steps. Two of them are looked for within two steps of 200, and half a step "
+      "further where a parabola through three steps has a top there; four are more than half of "
+      "the length.",
+      {100, second}, 7, {"tempo", 6000 / (twoBeats / 2), 0.05});
+}
+
+// Some of the lags are longer than half of the length, where there is nothing to correlate.
+std::vector<Control> Lags() {
+  const std::vector<double> even(13, 50);
+  std::vector<double> late = even;
+  late[7] = 60;
+  std::vector<double> bars(15, 50.25);
+  bars[7] = 48.25;
+  const char* const kLate =
+      "The first eight of 14 clicks are 50 steps apart, and so are the last six: so are most of "
+      "them over four beats. All that are eight beats apart are 410 steps apart, but that is more "
+      "than half of the length.";
+  const char* const kBars =
+      "16 clicks of which the second eight come 400 steps after the first: four beats are 201 "
+      "steps "
+      "in most places and 199 in the others. Twice four beats are 401 steps to the next whole one, "
+      "and 405 lags are four more.";
+  return {
+      Intervals("14 clicks in seven seconds, six of them late", kLate, late, 7,
+                {"tempo", 120, 0.1}),
+      Intervals("14 clicks in 807 steps, six of them late", kLate, late, ForSteps(807),
+                {"tempo", 120, 0.1}),
+      Intervals("two bars of eight beats in 810 steps", kBars, bars, ForSteps(810),
+                {"tempo", 120, 0.05}),
+      Intervals("two bars of eight beats in nine seconds", kBars, bars, 9, {"tempo", 120, 0.05}),
+      Intervals("bars of four beats in seven seconds",
+                "Four beats are 200 steps throughout, two are 102 in most places, five 248 or "
+                "more. Eight are more than half of the length.",
+                {51, 51, 51, 47, 51, 51, 51, 47, 51, 51, 51, 47}, 7, {"tempo", 120, 0.05}),
+      Intervals("bars of two slow beats in seven seconds",
+                "Two beats are 300 steps, one is 149 in two places of three. Three and four are "
+                "more than half of the length.",
+                {149, 151, 149}, 7, {"tempo", 40, 0.05}),
+      Intervals("pairs 150.75 steps apart",
+                "A beat of 40 BPM is 150 steps. There the autocorrelation still rises.",
+                {250, 150.75, 270, 150.75, 290, 150.75, 310, 150.75}, 20,
+                {.measure = "tempo", .reason = "nothing that repeats itself"}),
+      TwoBeats(202, 202),
+      TwoBeats(203, 202.5),
+      TwoBeats(206, 202),
+      TwoBeats(198, 198),
+      TwoBeats(197, 197.5),
+      TwoBeats(194, 198)};
+}
+
 // Soft pairs half a second apart and a loud one a second apart, no other two within 1.5 s.
 Control SoftBesideLoud(int soft, double bpm) {
   return {std::to_string(soft) + " pairs 4 dB over the floor, and one loud",
@@ -169,7 +242,9 @@ std::vector<Control> RhythmControls() {
   std::vector<Control> controls = {Limping(2, 120), Limping(2.2, 60),      TwoTempos(),
                                    Bars(),          SoftBesideLoud(8, 60), SoftBesideLoud(12, 120),
                                    Swelling(),      FirstSample(),         BeatsTooEarly()};
-  for (Control& each : Beats()) controls.push_back(std::move(each));
+  for (const auto part : {Lags, Beats}) {
+    for (Control& each : part()) controls.push_back(std::move(each));
+  }
   return controls;
 }
 

@@ -88,12 +88,12 @@ const std::vector<Control>& AllControls() {
   static const std::vector<Control> all = [] {
     std::vector<Control> controls;
     for (const auto part :
-         {LevelControls,       SpeechLevelControls, BandwidthControls,    TruePeakControls,
-          WeightingControls,   LoudnessControls,    AlignmentControls,    DelayControls,
-          ReferenceControls,   SpectralControls,    ShortSpectraControls, IntelligibilityControls,
-          EnhancementControls, MusicalControls,     EchoControls,         CodecControls,
-          TimeControls,        PitchControls,       TempoControls,        RhythmControls,
-          InputControls,       OverlapControls,     TrackControls}) {
+         {LevelControls,           SpeechLevelControls, BandwidthControls, TruePeakControls,
+          WeightingControls,       LoudnessControls,    AlignmentControls, DelayControls,
+          ReferenceControls,       SpectralControls,    CepstralControls,  ShortSpectraControls,
+          IntelligibilityControls, EnhancementControls, MusicalControls,   EchoControls,
+          CodecControls,           TimeControls,        PitchControls,     TempoControls,
+          RhythmControls,          InputControls,       OverlapControls,   TrackControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     return controls;

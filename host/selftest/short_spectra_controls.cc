@@ -133,11 +133,14 @@ Control Tones(const std::string& name, const std::vector<Tone>& tones, double to
            {"lsd", Lsd(reference, output), tolerance}}};
 }
 
-// A constant and a sine every 100 Hz from 100 Hz to 3.8 kHz, softer and changed at random.
-Control RandomTones(double softest, double largestGain, uint64_t seed, double tolerance) {
+// A constant and a sine every 100 Hz from 100 Hz to 3.8 kHz, softer and changed at random. Or sines
+// from 67 Hz on, where bands see two that saw one.
+Control RandomTones(double softest, double largestGain, uint64_t seed, double tolerance,
+                    size_t lowest = 3) {
   Random random(seed);
-  std::vector<Tone> tones = {{0, 0.1, 0.7}};
-  for (size_t periods = 3; periods <= 114; periods += 3) {
+  std::vector<Tone> tones;
+  if (lowest == 3) tones.push_back({0, 0.1, 0.7});
+  for (size_t periods = lowest; periods <= 114; periods += 3) {
     const double decibels = softest * random.Uniform();
     const double change = std::pow(10, -2.2 + (2.2 + largestGain) * random.Uniform());
     tones.push_back({periods, 0.1 * std::pow(10, decibels / 20), 1 + change});
@@ -273,6 +276,7 @@ std::vector<Control> ShortSpectraControls() {
   controls.push_back(RandomTones(-20, 1.2, 4, 5e-4));
   controls.push_back(RandomTones(-60, 0.9, 2, 0.002));
   controls.push_back(RandomTones(-80, 0, 3, 0.002));
+  controls.push_back(RandomTones(-20, 0.5, 5, 5e-4, 2));
   controls.push_back(HighSine());
   controls.push_back(HighSineAlone());
   return controls;

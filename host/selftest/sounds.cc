@@ -51,6 +51,14 @@ void AddBell(Samples& samples, int rate, double time, double hz, double amplitud
   }
 }
 
+Samples Impulses(int rate, size_t apart, double height) {
+  Samples samples(Frames(rate, 2));
+  for (size_t i = apart / 2; i < samples.size(); i += apart) {
+    samples[i] = static_cast<float>(height);
+  }
+  return samples;
+}
+
 Samples Scaled(std::span<const float> samples, double gain) {
   Samples scaled(samples.begin(), samples.end());
   for (float& sample : scaled) sample = static_cast<float>(sample * gain);

@@ -31,6 +31,9 @@ Samples WhiteNoise(size_t count, double rms, uint64_t seed);
 // A tone in a bell of 20 ms to either side of the time, so that it is heard in its own band alone.
 void AddBell(Samples& samples, int rate, double time, double hz, double amplitude);
 
+// One sample of this height each `apart` samples, in 2 s: flat spectra.
+Samples Impulses(int rate, size_t apart, double height);
+
 Samples Scaled(std::span<const float> samples, double gain);
 Samples Sum(std::span<const float> a, std::span<const float> b);
 void Append(Samples& to, std::span<const float> samples);

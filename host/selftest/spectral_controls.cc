@@ -16,74 +16,6 @@ Scene Pair(Samples reference, Samples output, int rate) {
           .searchSeconds = 0.005};
 }
 
-// One sample of this height each `apart` samples, in 2 s: flat spectra.
-Samples Impulses(int rate, size_t apart, double height) {
-  Samples samples(Frames(rate, 2));
-  for (size_t i = apart / 2; i < samples.size(); i += apart) {
-    samples[i] = static_cast<float>(height);
-  }
-  return samples;
-}
-
-// y[n] = x[n] + a y[n - lag]
-Samples Recursive(Samples samples, double a, size_t lag) {
-  for (size_t i = lag; i < samples.size(); ++i) {
-    samples[i] += static_cast<float>(a * samples[i - lag]);
-  }
-  return samples;
-}
-
-// 4.343 sqrt(2 sum c_n^2) over the coefficients to p, held below 10.
-double Cepstral(double a, size_t lag, size_t p) {
-  double sum = 0;
-  for (size_t n = 1; n * lag <= p; ++n) {
-    const double c = std::pow(a, n) / static_cast<double>(n);
-    sum += c * c;
-  }
-  return std::min(10.0, 10 / std::numbers::ln10 * std::sqrt(2 * sum));
-}
-
-Control OnePole(int rate, double a, size_t lag) {
-  const size_t p = rate < 10000 ? 10 : 16;
-  const double distance = Cepstral(a, lag, p);
-  return {"single samples through a pole of " + std::to_string(a) + " at " + std::to_string(lag) +
-              " samples, at " + std::to_string(rate) + " Hz",
-          "1 / (1 - a z^-k) has the cepstrum a^n / n at each n k, of which those up to 10 count "
-          "below 10 kHz and those up to 16 from there on; single samples have none. The window is "
-          "not quite flat along a response: 3 %.",
-          [=] {
-            const Samples reference = Impulses(rate, static_cast<size_t>(rate) / 33, 0.5);
-            return Pair(reference, Recursive(reference, a, lag), rate);
-          },
-          {{"cepstral_distance", distance, 0.02 + 0.03 * distance}}};
-}
-
-// The first `share` of the time through the pole of OnePole(16000, 0.5, 1).
-Control PartlyDamaged(double share) {
-  const double left = std::max(0.0, share - 0.05) / 0.95;
-  return {"a pole of 0.5 for " + std::to_string(share) + " of the time",
-          "The worst 5 % of the blocks are left out, and the mean is taken over the others.",
-          [share] {
-            const Samples reference = Impulses(16000, 480, 0.5);
-            Samples output = Recursive(reference, 0.5, 1);
-            const auto end =
-                static_cast<std::ptrdiff_t>(share * static_cast<double>(output.size()));
-            std::copy(reference.begin() + end, reference.end(), output.begin() + end);
-            return Pair(reference, output, 16000);
-          },
-          {{"cepstral_distance", left * Cepstral(0.5, 1, 16), 0.07}}};
-}
-
-Control FarApart() {
-  return {"two poles of 0.95 at one sample",
-          "Their cepstrum is twice a^n / n: 13.9 dB, of which 10 count.",
-          [] {
-            const Samples reference = Impulses(16000, 480, 0.1);
-            return Pair(reference, Recursive(Recursive(reference, 0.95, 1), 0.95, 1), 16000);
-          },
-          {{"cepstral_distance", 10, 0.01}}};
-}
-
 // Sum of a^2n / n^2.
 double Dilogarithm(double a) {
   double sum = 0;
@@ -197,19 +129,31 @@ Control UpperBands(double off) {
       {{"fw_seg_snr", (13 * weight * ofLow + 12 * ofHigh) / (13 * weight + 12), 0.4}}};
 }
 
-Control SoftBand() {
+Control SoftBand(double below, double gain, double worst) {
   return {
-      "a band 40 dB below another, 10 dB softer still",
+      "a band " + std::to_string(below) + " dB below another, at a gain of " + std::to_string(gain),
       "Bands down to 60 dB below the strongest count: of two the strong one is as it was, as it "
-      "makes the common gain, and the soft one is off by 10 dB.",
-      [] {
+      "makes the common gain, and the soft one is off by its gain. What is left in the output "
+      "counts as 100 dB below the strong one at least.",
+      [=] {
         const int rate = 16000;
-        const Samples noise = WhiteNoise(Frames(rate, 3), 1e-6, 35);
+        const Samples noise = WhiteNoise(Frames(rate, 3), 1e-7, 35);
         const Samples strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
-        const Samples soft = Sine(rate, 3, 3981.07, 0.005);
-        return Pair(Sum(strong, soft), Sum(strong, Scaled(soft, std::pow(10, -0.5))), rate);
+        const Samples soft = Sine(rate, 3, 3981.07, 0.5 * std::pow(10, -below / 20));
+        return Pair(Sum(strong, soft), Sum(strong, Scaled(soft, gain)), rate);
       },
-      {{"band_difference_worst", 10, 0.05}}};
+      {{"band_difference_worst", worst, 0.05}}};
+}
+
+// At 16 kHz the windows of the long-term spectrum have 4096 samples.
+Control OneWindow(size_t samples, const std::string& reason) {
+  return {"a copy of " + std::to_string(samples) + " samples",
+          "Bands take one window at least.",
+          [samples] {
+            const Samples noise = WhiteNoise(samples, 0.1, 39);
+            return Pair(noise, noise, 16000);
+          },
+          {{"band_difference", 0, 0.001, reason}, {"band_difference_worst", 0, 0.001, reason}}};
 }
 
 Control LostBand() {
@@ -228,21 +172,15 @@ Control LostBand() {
 }  // namespace
 
 std::vector<Control> SpectralControls() {
-  return {OnePole(16000, 0.5, 1),
-          OnePole(16000, -0.7, 1),
-          OnePole(16000, 0.5, 12),
-          OnePole(16000, 0.5, 16),
-          OnePole(16000, 0.5, 17),
-          OnePole(8000, 0.5, 10),
-          OnePole(8000, 0.5, 11),
-          PartlyDamaged(0.04),
-          PartlyDamaged(0.2),
-          FarApart(),
-          OnePole(16000, 0.9, 1),
-          Comb(0.5),
+  return {Comb(0.5),
           Comb(-0.3),
           HalfSilent(),
-          SoftBand(),
+          SoftBand(40, std::pow(10, -0.5), 10),
+          SoftBand(59.5, std::pow(10, -0.5), 10),
+          SoftBand(60.5, std::pow(10, -0.5), 0),
+          SoftBand(50, 0, 50),
+          OneWindow(4095, audio_measures::kTooShort),
+          OneWindow(4096, ""),
           LostBand(),
           UpperBands(0.3),
           UpperBands(6),

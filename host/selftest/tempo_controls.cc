@@ -36,6 +36,7 @@ struct Sparse {
   std::vector<double> singleTones = {};
   bool steady = false;  // Beside a tone of 7 kHz that raises the floor to 55 dB below the bursts.
   double pairGain = 1;
+  double singleGain = 1;
 };
 
 std::vector<Onset> OnsetsOf(const Sparse& sparse) {
@@ -53,7 +54,7 @@ std::vector<Onset> OnsetsOf(const Sparse& sparse) {
     gap += 11;
   }
   for (size_t i = 0; i < sparse.singles; ++i) {
-    add(gap, sparse.singleTones, 1);
+    add(gap, sparse.singleTones, sparse.singleGain);
     gap += 11;
   }
   return onsets;
@@ -89,7 +90,11 @@ std::vector<Control> Limits() {
   return {SparseControl("pairs 0.25 s apart", {{25, 25, 25, 25}}, 25, 20),
           SparseControl("pairs 0.24 s apart", {{24, 24, 24, 24}}, 0, 20),
           SparseControl("pairs 1.5 s apart", {{150, 150, 150, 150}}, 150, 20),
-          SparseControl("pairs 1.52 s apart", {{152, 152, 152, 152}}, 0, 20)};
+          SparseControl("pairs 1.52 s apart", {{152, 152, 152, 152}}, 0, 20),
+          // Steps of 10.02 ms, of which 24.9 are the shortest beat, and of 9.98 ms, of which 150.3
+          // are the longest.
+          SparseControl("pairs 0.24 s apart at 22050 Hz", {{24, 24, 24, 24}}, 24, 20, 22050),
+          SparseControl("pairs 1.51 s apart at 11025 Hz", {{151, 151, 151, 151}}, 151, 20, 11025)};
 }
 
 // 1 for 0.5 s, exp(-1 / 2) for 1 s and for 0.25 s.
@@ -120,21 +125,36 @@ Control Jittered() {
   return control;
 }
 
-// The first of two clicks at 16 kHz, where windows have 1024 samples, 64 ms.
-Control FirstWindow(double first, bool heard) {
-  Control control = {
-      "a click after " + std::to_string(first) + " s, and one 0.5 s later",
-      "What is in the first window sets in before it: there is one onset or two.",
-      [first] {
-        return Scene{.output = {kRate, {Sounding(kRate, 20, {{first}, {first + 0.5}})}}};
-      },
-      {}};
-  if (heard) {
-    control.expected = {{"tempo", 120, 6}};
-  } else {
-    control.expected = {{.measure = "tempo", .reason = kNothing}};
-  }
-  return control;
+// Either there is one onset or two, half a second apart.
+std::vector<Expected> TwoOnsets(bool heard) {
+  if (heard) return {{"tempo", 120, 6}};
+  return {{.measure = "tempo", .reason = kNothing}};
+}
+
+// The first of two clicks. At 16 kHz windows have 1024 samples, 64 ms, just above 25600 Hz 2048.
+Control FirstWindow(double first, bool heard, int rate = kRate) {
+  return {"a click after " + std::to_string(first) + " s at " + std::to_string(rate) +
+              " Hz, and one 0.5 s later",
+          "What is in the first window sets in before it: there is one onset or two.",
+          [=] {
+            return Scene{.output = {rate, {Sounding(rate, 7, {{first}, {first + 0.5}})}}};
+          },
+          TwoOnsets(heard)};
+}
+
+// The second of two clicks is in the last window alone.
+Control LastWindow(bool heard) {
+  return {std::string("two clicks, the second one in the last window, which is ") +
+              (heard ? "whole" : "one sample too short"),
+          "Windows that are not whole do not count: there is one onset or two.",
+          [heard] {
+            Samples samples(2000 * 160 + 1024);
+            samples[samples.size() - 150] = 0.9F;
+            samples[samples.size() - 150 - kRate / 2] = 0.05F;
+            samples.resize(samples.size() - (heard ? 0 : 1));
+            return Scene{.output = {kRate, {std::move(samples)}}};
+          },
+          TwoOnsets(heard)};
 }
 
 // Eight beats last this many steps.
@@ -167,6 +187,25 @@ std::vector<Control> InBands() {
                     50, 20, 48000),
       SparseControl("pairs at 18 kHz among onsets at 2 kHz", {{50, 50}, 2, {18000}, {2000}, true},
                     0, 20, 48000)};
+}
+
+// Bins of a window of 1024 samples at these rates: at 17554 Hz 60 Hz are 3.50005 of them, at 17560
+// Hz 3.4989. At 48011 Hz 16 kHz are 682.51 of 2048, at 48012 Hz 682.496.
+Control AtEdge(int rate, size_t window, double bin, bool heard) {
+  const double hz = bin * rate / static_cast<double>(window);
+  Control control =
+      SparseControl("pairs in bin " + std::to_string(bin) + " at " + std::to_string(rate) + " Hz",
+                    {{50, 50, 50}, 1, {hz}, {2000}, true, 0.1, 0.03}, heard ? 50 : 0, 9.3, rate);
+  control.theory =
+      "The bins of the bands start at 60 Hz and end at 16 kHz, rounded to whole ones. A bin sees a "
+      "burst that is one bin and a half away 15 dB below its height, 20 dB above the floor, and "
+      "one that is two and a half away 34 dB below it, at the floor.";
+  return control;
+}
+
+std::vector<Control> AtEdges() {
+  return {AtEdge(17554, 1024, 1.5, false), AtEdge(17560, 1024, 1.5, true),
+          AtEdge(48011, 2048, 683.5, true), AtEdge(48012, 2048, 683.5, false)};
 }
 
 // A burst rises by the logarithm of its power over the floor: by 12.7 as it is, by so much less as
@@ -208,13 +247,34 @@ std::vector<Control> WithoutBeat() {
                   })};
 }
 
+// Less so many samples.
+Control SixSeconds(size_t less, Expected expected) {
+  return {"six seconds of clicks less " + std::to_string(less) + " samples",
+          "Six seconds are enough.",
+          [less] {
+            std::vector<Onset> onsets;
+            for (int i = 0; i < 11; ++i) onsets.push_back({0.2 + 0.5 * i});
+            Samples samples = Sounding(kRate, 6, onsets);
+            samples.resize(samples.size() - less);
+            return Scene{.output = {kRate, {std::move(samples)}}};
+          },
+          {std::move(expected)}};
+}
+
 }  // namespace
 
 std::vector<Control> TempoControls() {
-  std::vector<Control> controls = {
-      Jittered(),         FirstWindow(0.05, false), FirstWindow(0.08, true),
-      EightBeats(400.25), EightBeats(399.6),        EightBeats(400.5)};
-  for (const auto part : {Limits, Likelihoods, Thresholds, InBands, SoftPairs, WithoutBeat}) {
+  std::vector<Control> controls = {Jittered(),
+                                   FirstWindow(0.05, false),
+                                   FirstWindow(0.08, true),
+                                   FirstWindow(0.06, false, 25610),
+                                   LastWindow(true),
+                                   LastWindow(false),
+                                   EightBeats(400.25),
+                                   EightBeats(399.6),
+                                   EightBeats(400.5)};
+  for (const auto part :
+       {Limits, Likelihoods, Thresholds, InBands, AtEdges, SoftPairs, WithoutBeat}) {
     for (Control& each : part()) controls.push_back(std::move(each));
   }
   controls.push_back({"white noise, upside down in the other channel",
@@ -224,14 +284,8 @@ std::vector<Control> TempoControls() {
                         return Scene{.output = {kRate, {noise, Scaled(noise, -1)}}};
                       },
                       {{.measure = "tempo", .reason = audio_measures::kSilence}}});
-  controls.push_back({"six seconds of clicks",
-                      "Six seconds are enough.",
-                      [] {
-                        std::vector<Onset> onsets;
-                        for (int i = 0; i < 11; ++i) onsets.push_back({0.2 + 0.5 * i});
-                        return Scene{.output = {kRate, {Sounding(kRate, 6, onsets)}}};
-                      },
-                      {{"tempo", 120, 0.1}}});
+  controls.push_back(SixSeconds(0, {"tempo", 120, 0.1}));
+  controls.push_back(SixSeconds(1, {.measure = "tempo", .reason = audio_measures::kTooShort}));
   return controls;
 }
 

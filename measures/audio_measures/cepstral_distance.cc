@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <numeric>
 #include <optional>
 #include <vector>
@@ -16,18 +17,18 @@ constexpr double kHop = 0.0075;  // s
 constexpr double kKept = 0.95;
 constexpr double kNoise = 1e-9;  // 90 dB.
 constexpr double kMost = 10;     // dB
-constexpr size_t kMostLags = 17;
-constexpr size_t kPadding = 16;
+constexpr size_t kMostOrder = 16;
 
-using Lags = std::array<double, kMostLags>;  // By lag, or by the place of a coefficient from 1 on.
+// By lag, or by the place of a coefficient from 1 on.
+using Lags = std::array<double, kMostOrder + 1>;
 
 // The cepstra of the linear predictors of blocks.
 class PredictorCepstrum {
  public:
   explicit PredictorCepstrum(int rate)
-      : m_order(rate < 10000 ? 10 : 16),
+      : m_order(rate < 10000 ? 10 : kMostOrder),
         m_window(static_cast<size_t>(std::lround(rate * kBlock))),
-        m_block(m_window.size() + kPadding) {
+        m_block(m_window.size() + kMostOrder) {
     const double turn = 2 * M_PI / static_cast<double>(m_window.size());
     for (size_t i = 0; i < m_window.size(); ++i) {
       m_window[i] = 0.5 - 0.5 * std::cos(turn * static_cast<double>(i));
@@ -39,13 +40,11 @@ class PredictorCepstrum {
 
   // Nothing for digital silence.
   std::optional<Lags> Of(std::span<const float> block) {
-    for (size_t i = 0; i < m_window.size(); ++i) {
-      m_block[i] = static_cast<double>(block[i]) * m_window[i];
-    }
+    std::ranges::transform(m_window, block, m_block.begin(), std::multiplies());
     Lags correlation = {};
     for (size_t i = 0; i < m_window.size(); ++i) {
       const double now = m_block[i];
-      for (size_t lag = 0; lag < kMostLags; ++lag) correlation[lag] += now * m_block[i + lag];
+      for (size_t lag = 0; lag <= kMostOrder; ++lag) correlation[lag] += now * m_block[i + lag];
     }
     if (!(correlation[0] > 0)) return std::nullopt;
     correlation[0] *= 1 + kNoise;
@@ -57,7 +56,7 @@ class PredictorCepstrum {
   Lags Predictor(const Lags& correlation) const {
     Lags predictor = {};
     double error = correlation[0];
-    for (size_t i = 1; i <= m_order && error > 0; ++i) {
+    for (size_t i = 1; i <= m_order; ++i) {
       double rest = correlation[i];
       for (size_t k = 1; k < i; ++k) rest -= predictor[k] * correlation[i - k];
       const double reflection = rest / error;
@@ -92,7 +91,6 @@ Figure CepstralDistance(std::span<const float> reference, std::span<const float>
   PredictorCepstrum cepstrum(rate);
   const size_t block = cepstrum.BlockSize();
   const auto hop = static_cast<size_t>(std::lround(rate * kHop));
-  if (reference.size() < block) return Unknown(kTooShort);
   std::vector<double> distances;
   for (size_t start = 0; start + block <= reference.size(); start += hop) {
     const auto wanted = cepstrum.Of(reference.subspan(start, block));
@@ -105,8 +103,8 @@ Figure CepstralDistance(std::span<const float> reference, std::span<const float>
     distances.push_back(std::min(kMost, 10 / std::log(10) * std::sqrt(2 * squares)));
   }
   if (distances.empty()) return Unknown(kSilence);
-  const auto kept = static_cast<std::ptrdiff_t>(
-      std::max(1.0, std::round(kKept * static_cast<double>(distances.size()))));
+  const auto kept =
+      static_cast<std::ptrdiff_t>(std::round(kKept * static_cast<double>(distances.size())));
   std::ranges::sort(distances);
   return Known(std::accumulate(distances.begin(), distances.begin() + kept, 0.0) /
                static_cast<double>(kept));

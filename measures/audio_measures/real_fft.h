@@ -26,7 +26,7 @@ class RealFft {
   enum class Direction { kForward, kInverse };
   // Of one transform at a time, because it holds what is being worked on.
   struct GiveBack {
-    size_t size = 0;
+    size_t size = {};
     Direction direction = Direction::kForward;
     void operator()(kiss_fftr_state* plan) const;
   };

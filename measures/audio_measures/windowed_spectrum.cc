@@ -1,14 +1,16 @@
 #include "audio_measures/windowed_spectrum.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace audio_measures {
 
 std::vector<float> Hann(size_t size) {
   std::vector<float> window(size);
-  for (size_t i = 0; i < size; ++i) {
-    const double turn = static_cast<double>(i) / static_cast<double>(size);
-    window[i] = static_cast<float>(0.5 - 0.5 * std::cos(2 * M_PI * turn));
+  for (size_t i = 0; float& weight : window) {
+    const double turn = static_cast<double>(i++) / static_cast<double>(size);
+    weight = static_cast<float>(0.5 - 0.5 * std::cos(2 * M_PI * turn));
   }
   return window;
 }
@@ -21,13 +23,11 @@ WindowedSpectrum::WindowedSpectrum(std::vector<float> window, size_t size)
       m_power(m_fft.Bins()) {}
 
 std::span<const float> WindowedSpectrum::PowerOf(std::span<const float> block) {
-  for (size_t i = 0; i < m_window.size(); ++i) m_windowed[i] = block[i] * m_window[i];
+  std::ranges::transform(m_window, block, m_windowed.begin(), std::multiplies());
   m_fft.Forward(m_windowed, m_bins);
-  for (size_t i = 0; i < m_bins.size(); ++i) {
-    const float real = m_bins[i].real();
-    const float imaginary = m_bins[i].imag();
-    m_power[i] = real * real + imaginary * imaginary;
-  }
+  std::ranges::transform(m_bins, m_power.begin(), [](const std::complex<float>& bin) {
+    return bin.real() * bin.real() + bin.imag() * bin.imag();
+  });
   return m_power;
 }
 

@@ -137,8 +137,8 @@ def tempo(x, rate):
     levels = np.log(bands + 1e-4 * np.mean(x**2) * size * 3 / 8)
     onsets = np.concatenate(([0], np.maximum(0, np.diff(levels, axis=1)).sum(axis=0)))
     for _ in range(4):
-        onsets = np.convolve(onsets, [0.25, 0.5, 0.25], "same")
-    around = np.ones(101)
+        onsets = np.convolve(onsets, [1, 2, 1], "same")
+    around = np.ones(100)
     mean = np.convolve(onsets, around, "same") / np.convolve(np.ones(len(onsets)), around, "same")
     onsets = onsets - mean
     n = len(onsets)
