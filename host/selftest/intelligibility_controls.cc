@@ -43,14 +43,14 @@ Control Turned(double degrees) {
           {{"stoi", std::cos(phase), 0.005}}};
 }
 
-// A filter of linear phase around 900 Hz, below it or, of the other sign, above it, 40 samples to
-// either side: what passes one of both has half of the bands.
-Samples Half(std::span<const float> samples, bool low) {
+// A filter of linear phase around this share of half the rate, below it or, of the other sign,
+// above it, 40 samples to either side. What passes 900 Hz on one side has half of the bands.
+Samples Half(std::span<const float> samples, bool low, double share = 0.18) {
   constexpr int kReach = 40;
   Samples filtered(samples.size());
   for (int k = -kReach; k <= kReach; ++k) {
     const double turn = std::numbers::pi * k;
-    const double sinc = k == 0 ? 0.18 : std::sin(turn * 0.18) / turn;
+    const double sinc = k == 0 ? share : std::sin(turn * share) / turn;
     const double tap = sinc * (0.5 + 0.5 * std::cos(turn / (kReach + 1)));
     const auto weight = static_cast<float>(low ? tap : (k == 0 ? 1 - tap : -tap));
     for (size_t i = kReach; i + kReach < samples.size(); ++i) {
@@ -96,16 +96,16 @@ Control SoftPart(double decibels, double stoi, double tolerance) {
       {{"stoi", stoi, tolerance}}};
 }
 
-// Correlation, over a segment, of an envelope with itself where one block is a hundred times as
+// Correlation, over a segment, of an envelope with itself where one block is so many times as
 // high, scaled to the same norm and cut off 15 dB of distortion above the envelope.
-double CutOff(size_t loud) {
+double CutOff(size_t loud, double times) {
   std::vector<double> x;
   std::vector<double> y;
   double ofX = 0;
   double ofY = 0;
   for (size_t i = 0; i < kSegment; ++i) {
     x.push_back(1 + 0.5 * std::cos(kTurn * static_cast<double>(i)));
-    y.push_back(x.back() * (i == loud ? 100 : 1));
+    y.push_back(x.back() * (i == loud ? times : 1));
     ofX += x.back() * x.back();
     ofY += y.back() * y.back();
   }
@@ -127,19 +127,21 @@ double CutOff(size_t loud) {
   return product / std::sqrt(squaresX * squaresY);
 }
 
-Control LoudBlocks() {
+Control LoudBlocks(double times) {
   constexpr size_t loud = 5;
   return {
-      "one block in thirty a hundred times as high",
+      "one block in thirty " + std::to_string(times) + " times as high",
       "Every segment has one such block. Scaled to the norm of the reference's and cut off at 1 "
       "+ 10^(15/20) of it, its correlation follows from the ten heights of a period.",
-      [] {
+      [times] {
         const Samples reference = Envelope(300, 0.1, 0, 0.5);
         Samples output = reference;
-        for (size_t i = loud; i < 300; i += kSegment) output[kMiddle + i * kHop] *= 100;
+        for (size_t i = loud; i < 300; i += kSegment) {
+          output[kMiddle + i * kHop] *= static_cast<float>(times);
+        }
         return Pair(reference, output);
       },
-      {{"stoi", CutOff(loud), 0.01}}};
+      {{"stoi", CutOff(loud, times), 0.01}}};
 }
 
 Control LowBandsTurned() {
@@ -155,6 +157,19 @@ Control LowBandsTurned() {
       {{"stoi", 7.0 / 15, 0.06}}};
 }
 
+Control TopBandTurned() {
+  return {"what is above 3.4 kHz turned by 90 degrees",
+          "The last of 15 bands goes from 3.4 to 4.3 kHz and does not correlate, all others do: 14 "
+          "/ 15, to what the bands at the edge see of both.",
+          [] {
+            constexpr double kEdge = 3394.0 / 5000;
+            const Samples plain = Envelope(300, 0.3, 0, 0.5);
+            const Samples turned = Envelope(300, 0.3, std::numbers::pi / 2, 0.5);
+            return Pair(plain, Sum(Half(plain, true, kEdge), Half(turned, false, kEdge)));
+          },
+          {{"stoi", 14.0 / 15, 0.03}}};
+}
+
 // A copy of samples of which it is seen how many blocks count: a segment takes 30.
 Control Counted(const std::string& name, const std::string& theory, bool enough,
                 const std::function<Samples()>& make) {
@@ -168,13 +183,14 @@ Control Counted(const std::string& name, const std::string& theory, bool enough,
           {{"stoi", 1, 1e-4, reason}, {"estoi", 1, 1e-4, reason}}};
 }
 
-// In the last blocks, which end with the signal.
-Control LastBlocks(size_t blocks) {
-  return Counted("samples in the last " + std::to_string(blocks) + " of 39 blocks",
-                 "A segment has 30 blocks.", blocks >= kSegment, [blocks] {
+// In so many of the 39 blocks of a signal that ends with the last one.
+Control SomeBlocks(size_t first, size_t blocks) {
+  return Counted("samples in " + std::to_string(blocks) + " of 39 blocks from " +
+                     std::to_string(first) + " on",
+                 "A segment has 30 blocks.", blocks >= kSegment, [=] {
                    Samples samples(40 * kHop);
                    Random random(97);
-                   for (size_t i = 39 - blocks; i < 39; ++i) {
+                   for (size_t i = first; i < first + blocks; ++i) {
                      samples[kMiddle + i * kHop] = static_cast<float>(0.1 + random.Uniform());
                    }
                    return samples;
@@ -216,15 +232,18 @@ std::vector<Control> IntelligibilityControls() {
   return {Turned(0),
           Turned(30),
           Turned(60),
-          LoudBlocks(),
+          LoudBlocks(100),
+          LoudBlocks(10),
+          TopBandTurned(),
           LowBandsTurned(),
           Spectra(0),
           Spectra(36),
           Spectra(72),
           SoftPart(45, 1, 0.005),
           SoftPart(30, 0.54, 0.04),
-          LastBlocks(29),
-          LastBlocks(30),
+          SomeBlocks(10, 29),
+          SomeBlocks(9, 30),
+          SomeBlocks(0, 30),
           AtPlace(247),
           AtPlace(248),
           Softer(39.8),
