@@ -91,6 +91,7 @@ Figure CepstralDistance(std::span<const float> reference, std::span<const float>
   PredictorCepstrum cepstrum(rate);
   const size_t block = cepstrum.BlockSize();
   const auto hop = static_cast<size_t>(std::lround(rate * kHop));
+  if (reference.size() < block) return Unknown(kTooShort);
   std::vector<double> distances;
   for (size_t start = 0; start + block <= reference.size(); start += hop) {
     const auto wanted = cepstrum.Of(reference.subspan(start, block));

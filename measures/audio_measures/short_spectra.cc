@@ -110,6 +110,7 @@ SpectralDifference CompareSpectra(std::span<const float> reference, std::span<co
                                   int rate) {
   const auto window = static_cast<size_t>(std::lround(rate * kBlock));
   const auto hop = static_cast<size_t>(std::lround(rate * kHop));
+  if (reference.size() < window) return {Unknown(kTooShort), Unknown(kTooShort)};
   const size_t size = std::bit_ceil(window);
   WindowedSpectrum ofReference(Hann(window), size);
   WindowedSpectrum ofSignal(Hann(window), size);

@@ -160,6 +160,8 @@ Figure Strongest(const std::vector<double>& correlation, double stepsPerSecond, 
 }  // namespace
 
 Figure Tempo(std::span<const float> samples, int rate) {
+  if (samples.empty()) return Unknown(kNoSamples);
+  if (static_cast<double>(samples.size()) < kTempoLeastSeconds * rate) return Unknown(kTooShort);
   double energy = 0;
   for (const float sample : samples) {
     energy += static_cast<double>(sample) * static_cast<double>(sample);

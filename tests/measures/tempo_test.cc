@@ -99,6 +99,8 @@ TEST(Tempo, OfWhatDoesNotRepeatItselfIsUnknown) {
   EXPECT_STREQ(Tempo(Noise(20 * 16000, 0.1, 1), 16000).reason, none);
   EXPECT_STREQ(Tempo(std::vector<float>(20 * 16000, 0.5F), 16000).reason, none);
   EXPECT_STREQ(Tempo(std::vector<float>(20 * 16000), 16000).reason, kSilence);
+  EXPECT_STREQ(Tempo({}, 16000).reason, kNoSamples);
+  EXPECT_STREQ(Tempo(std::vector<float>(6 * 16000 - 1, 0.5F), 16000).reason, kTooShort);
 }
 
 TEST(Tempo, IsThatOfAllChannels) {
