@@ -76,7 +76,9 @@ Control Intervals(const std::string& name, const std::string& theory,
 // So long that there are this many steps.
 double ForSteps(size_t steps) {
   constexpr size_t kWindow = 1024;
-  return static_cast<double>((steps - 1) * (kRate / 100) + kWindow) / kRate;
+  constexpr size_t kHop = kRate / 100;
+  const size_t frames = (steps - 1) * kHop + kWindow;
+  return static_cast<double>(frames) / kRate;
 }
 
 // Three clicks, one second and so many steps more than one second apart.
