@@ -44,6 +44,7 @@ std::vector<double> LongTermSpectrum(std::span<const float> samples, size_t size
 
 Figure BandLimit(std::span<const float> input, std::span<const float> output, int rate) {
   const size_t size = std::bit_ceil(static_cast<size_t>(std::ceil(rate * kWindow)));
+  if (std::min(input.size(), output.size()) < size) return Unknown(kTooShort);
   const std::vector<double> before = LongTermSpectrum(input, size);
   const std::vector<double> after = LongTermSpectrum(output, size);
   if (!(Sum(before) > 0) || !(Sum(after) > 0)) return Unknown(kSilence);

@@ -71,6 +71,7 @@ Figure SiSdr(std::span<const float> reference, std::span<const float> signal) {
 
 Figure SegSnr(std::span<const float> reference, std::span<const float> signal, int rate) {
   const auto block = static_cast<size_t>(std::lround(rate * kBlock));
+  if (reference.size() < block) return Unknown(kTooShort);
   double sum = 0;
   size_t blocks = 0;
   for (size_t start = 0; start + block <= reference.size(); start += block) {

@@ -78,9 +78,9 @@ TEST(Snr, WhatCannotBeComputedSaysWhy) {
   EXPECT_EQ(Reason(Snr(noise, silence)), "a value");
   EXPECT_EQ(Reason(SiSdr({}, {})), kSilence);
   EXPECT_EQ(Reason(SiSdr(noise, silence)), kSilence);
-  EXPECT_EQ(Reason(SegSnr({}, {}, kRate)), kSilence);
+  EXPECT_EQ(Reason(SegSnr({}, {}, kRate)), kTooShort);
   EXPECT_EQ(Reason(SegSnr(std::span(noise).first(319), std::span(noise).first(319), kRate)),
-            kSilence);
+            kTooShort);
   EXPECT_EQ(Reason(SegSnr(silence, noise, kRate)), kSilence);
 }
 
