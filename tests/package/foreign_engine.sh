@@ -1,20 +1,21 @@
 #!/bin/bash
 # The bench builds and runs on an engine library that is not the desktop engine:
-# foreign_engine.sh CMAKE COMPILER NM ENGINE_SOURCES SCRATCH_FOLDER [CMAKE_ARGUMENT...]
+# foreign_engine.sh CMAKE COMPILER NM ENGINE_SOURCES BUILD_FOLDER SCRATCH_FOLDER [CMAKE_ARGUMENT...]
 set -euo pipefail
 trap 'echo "failed: $BASH_COMMAND" >&2' ERR
 
-cmake=$1 compiler=$2 nm=$3 sources=$4 scratch=$5
+cmake=$1 compiler=$2 nm=$3 sources=$4 outer=$5 scratch=$6
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build=$scratch/build
 rm -rf "$scratch/prefix" "$scratch/workspace"
+"$here/keep_packages.sh" "$outer" "$build"
 
 "$cmake" -S "$here/foreign_engine" -B "$scratch/engine" -G Ninja \
   -DCMAKE_CXX_COMPILER="$compiler" -DENGINE_SOURCES="$sources" >&2
 "$cmake" --build "$scratch/engine" >&2
 library=$scratch/engine/libforeign_engine.so
 "$cmake" -S "$here/../.." -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-  "${@:6}" -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
+  "${@:7}" -DBUILD_TESTING=OFF -DAUDIO_ENGINE_LIBRARY="$library" >&2
 "$cmake" --build "$build" >&2
 "$cmake" --install "$build" --prefix "$scratch/prefix" >/dev/null
 

@@ -1,14 +1,15 @@
 #!/bin/bash
 # A checkout configures without the packages of the tests, and again after it was moved together
-# with its build folder: moved_checkout.sh CMAKE COMPILER PROJECT_FOLDER SCRATCH_FOLDER
+# with its build folder: moved_checkout.sh CMAKE COMPILER PROJECT_FOLDER BUILD_FOLDER SCRATCH_FOLDER
 set -euo pipefail
 trap 'echo "failed: $BASH_COMMAND" >&2' ERR
 
-cmake=$1 compiler=$2 project=$3 scratch=$4
+cmake=$1 compiler=$2 project=$3 outer=$4 scratch=$5
 rm -rf "$scratch"
 mkdir -p "$scratch/first"
 PATH=$(dirname "$cmake"):$PATH
 (cd "$project" && tar -cf - --exclude=./build --exclude=./.git .) | tar -xf - -C "$scratch/first"
+"$project/tests/package/keep_packages.sh" "$outer" "$scratch/first/build/release"
 
 # The recipe of the README, on a machine without the packages of the tests.
 cd "$scratch/first"
