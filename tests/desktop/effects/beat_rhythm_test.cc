@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "beat_listener.h"
 #include "support/drum_loop.h"
@@ -119,6 +121,49 @@ TEST(BeatTrack, CatchesUpWithADragInSteps) {
   ASSERT_THAT(late, SizeIs(Ge(3)));
   EXPECT_THAT(late[0], AllOf(Ge(-0.026), Le(-0.012)));
   EXPECT_NEAR(late[2], 0, 0.006);
+}
+
+// A drum on the beat and a softer cymbal half way, 24 s of a tempo that moves evenly by this share.
+// Returns the times of the beats.
+std::vector<double> RenderRamp(double bpm, double share, std::vector<double>& samples) {
+  samples.assign(size_t{24} * 22050, 0.0);
+  const std::vector<double> noise = WhiteNoise(1500, 0.4, 5);
+  const auto strike = [&](double time, double drum, double cymbal) {
+    const auto start = static_cast<size_t>(time * 22050);
+    for (size_t i = 0; i < noise.size() && start + i < samples.size(); ++i) {
+      const auto age = static_cast<double>(i);
+      samples[start + i] += drum * std::exp(-age / 500) * std::sin(age * 0.02) +
+                            cymbal * std::exp(-age / 200) * noise[i];
+    }
+  };
+  std::vector<double> beats;
+  for (double time = 0.3; time < 23.5;) {
+    const double period = 60 / (bpm * (1 + share * time / 24));
+    beats.push_back(time);
+    strike(time, 0.6, 0.5);
+    strike(time + period / 2, 0, 0.2);
+    time += period;
+  }
+  return beats;
+}
+
+// By the tempo of the last seconds alone nearly all beats would be told more than 100 ms off.
+TEST(BeatTrack, GoesAlongWithATempoThatMoves) {
+  for (const auto& [bpm, share] :
+       std::vector<std::pair<double, double>>{{84, 0.15}, {100, 0.15}, {126, 0.15}, {126, -0.15}}) {
+    std::vector<double> samples;
+    const std::vector<double> beats = RenderRamp(bpm, share, samples);
+    const Listener listener = Listen(ToShorts(samples), 22050, 1, 220);
+    int expected = 0;
+    int found = 0;
+    for (const double beat : beats) {
+      if (beat < 8) continue;
+      ++expected;
+      found += std::any_of(listener.times.begin(), listener.times.end(),
+                           [&](double time) { return std::fabs(time - beat) < 0.07; });
+    }
+    EXPECT_GE(found, 0.88 * expected) << bpm << " BPM, " << share;
+  }
 }
 
 TEST(BeatTrack, FindsTheBeatAgainAfterAJump) {

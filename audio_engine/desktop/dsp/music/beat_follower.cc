@@ -53,7 +53,7 @@ BeatFollower::BeatFollower(double step)
       m_bass(m_capacity),
       m_recent(m_capacity),
       m_tempo(step) {
-  m_comb.reserve(static_cast<size_t>(2 * 60 / kSlowest / step) + 8);
+  m_comb.reserve(static_cast<size_t>(2 * (1 + TempoDrift::kMostBend) * 60 / kSlowest / step) + 8);
   m_loudest.reserve(static_cast<size_t>(kHistorySeconds) + 1);
 }
 
@@ -152,6 +152,7 @@ void BeatFollower::Lock() {
   if (m_next.time - last < 0.5 * m_period) m_next.time += m_period;
   m_next.period = m_period;
   m_astray = 0;
+  m_drift = {};
   m_looked = true;
   m_steady = true;
 }
@@ -255,20 +256,22 @@ size_t BeatFollower::OrHalfWay(size_t best, double period) const {
 void BeatFollower::Follow() {
   m_looked = true;
   float strength = 0;
-  const double best = BestAge(m_period, &strength);
+  const double period = m_period * (1 + m_drift.Bend());
+  const double best = BestAge(period, &strength);
   const double last = m_next.time - m_next.period;
   const double expectedAge = Real(m_count) - last;
   double error = expectedAge - best;  // How much later than expected.
-  error -= m_period * std::round(error / m_period);
+  error -= period * std::round(error / period);
 
-  const float here = Comb(expectedAge, m_period);
+  const float here = Comb(expectedAge, period);
   const float mean =
       std::accumulate(m_comb.begin(), m_comb.end(), 0.0F) / static_cast<float>(m_comb.size());
   m_next.power = std::clamp((here - mean) / std::max(here + mean, 1e-9F), 0.0F, 1.0F);
 
-  if (std::fabs(error) < 0.12 * m_period) {
+  if (std::fabs(error) < 0.12 * period) {
     m_astray = 0;
-    m_next.time = last + m_period + kPull * error;
+    m_drift.Take(error / m_period);
+    m_next.time = last + m_period * (1 + m_drift.Bend()) + kPull * error;
   } else if (strength > 1.2F * here && ++m_astray >= 3) {
     m_astray = 0;
     m_next.time = last + m_period + error;

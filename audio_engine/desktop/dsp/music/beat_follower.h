@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "desktop/dsp/music/beat_tempo.h"
+#include "desktop/dsp/music/tempo_drift.h"
 
 namespace desktop {
 
@@ -20,7 +21,7 @@ struct ExpectedBeat {
 // autocorrelation of the last 10 s agrees with itself at its multiples, the phase where a comb of
 // that tempo meets the most onsets (Scheirer, Tempo and beat analysis of acoustic musical signals,
 // 1998; Davies and Plumbley, Context-dependent beat tracking of musical audio, 2007); the next beat
-// follows the last by one period, pulled towards what the comb says.
+// follows the last by one period, bent where the tempo drifts, pulled towards what the comb says.
 class BeatFollower {
  public:
   // step: seconds between two onset values. Throws when there is no memory.
@@ -84,6 +85,8 @@ class BeatFollower {
 
   // At how many beats in a row the comb pointed elsewhere.
   int m_astray = 0;
+
+  TempoDrift m_drift = {};
   ExpectedBeat m_next;
 
   // Whether the comb was asked since the last beat.
