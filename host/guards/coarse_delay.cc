@@ -44,8 +44,9 @@ void Fade(std::span<float> block) {
 }
 
 // Of delays from `least` to `most`, in frames at the lower rate.
-std::optional<audio_measures::DelayFinder::Peak> PlainPeak(const Channels& both, int64_t factor,
-                                                           int64_t least, int64_t most) {
+std::optional<audio_measures::DelayFinder::Peak> PlainPeak(const ChannelOfEach& both,
+                                                           int64_t factor, int64_t least,
+                                                           int64_t most) {
   const int64_t frames = std::max(both.input.Frames(), both.output.Frames()) / factor;
   audio_measures::DelayFinder finder(
       least, most, static_cast<uint64_t>(std::min(frames, 2 * (most - least + 1))));
@@ -67,7 +68,7 @@ std::optional<audio_measures::DelayFinder::Peak> PlainPeak(const Channels& both,
 
 }  // namespace
 
-std::optional<int64_t> CoarseDelay(const Channels& both, int64_t least, int64_t most) {
+std::optional<int64_t> CoarseDelay(const ChannelOfEach& both, int64_t least, int64_t most) {
   const int64_t factor = std::max(1, both.rate / kRate);
   // Towards 0.
   const int64_t earliest = least / factor;

@@ -8,7 +8,7 @@
 namespace host {
 
 // One channel of an input beside one of what was made of it.
-struct Channels {
+struct ChannelOfEach {
   const Track& input;
   int source = 0;  // Of the input.
   const Track& output;
@@ -21,6 +21,6 @@ struct Channels {
 // may be off by as many frames
 // as make one at that rate. Nothing where it is not plain, or upside down: then only the whole
 // signals can tell.
-std::optional<int64_t> CoarseDelay(const Channels& both, int64_t least, int64_t most);
+std::optional<int64_t> CoarseDelay(const ChannelOfEach& both, int64_t least, int64_t most);
 
 }  // namespace host

@@ -11,5 +11,5 @@ execute_process(
 if(failed)
   set(commit "")
 endif()
-file(CONFIGURE OUTPUT ${HEADER} CONTENT "inline constexpr const char* kCommit = \"@commit@\";\n"
+file(CONFIGURE OUTPUT ${HEADER} CONTENT "#pragma once\n\ninline constexpr const char* kCommit = \"@commit@\";\n"
      @ONLY)

@@ -9,9 +9,9 @@ namespace {
 
 constexpr int kRate = 16000;
 constexpr size_t kFrames = 48000;
-constexpr size_t kLead = 200;  // Samples of the noise before the reference starts.
+constexpr size_t kLead = 200;  // Waveform of the noise before the reference starts.
 
-Scene Pair(Samples reference, Samples output, int rate = kRate) {
+Scene Pair(Waveform reference, Waveform output, int rate = kRate) {
   return {.output = {rate, {std::move(output)}}, .reference = {rate, {std::move(reference)}}};
 }
 
@@ -58,7 +58,7 @@ Control Drifting(double ppm) {
 Control DriftingWithAStray() {
   constexpr int kLowRate = 8000;
   constexpr double kDrift = 1e-3;
-  constexpr double kAway = 35;  // Samples.
+  constexpr double kAway = 35;  // Waveform.
   return {"drift of 1000 ppm over 14 s, 2 s of them 35 samples late",
           "A piece that lies elsewhere is not of the line, which is as steep as without it, to 0.5 "
           "ppm. It is the sixth of seven, five pieces of drift and 35 samples later than the "
@@ -67,9 +67,9 @@ Control DriftingWithAStray() {
             const size_t piece = 2 * kLowRate;
             const TimedNoise noise(7 * piece + 400, 0.1, 15);
             const double step = 1 / (1 + kDrift);
-            Samples output = noise.At(kLead, step, 7 * piece);
+            Waveform output = noise.At(kLead, step, 7 * piece);
             const auto start = static_cast<double>(5 * piece) - kAway;
-            const Samples stray = noise.At(kLead + start * step, step, piece);
+            const Waveform stray = noise.At(kLead + start * step, step, piece);
             std::ranges::copy(stray, output.begin() + static_cast<std::ptrdiff_t>(5 * piece));
             return Pair(noise.At(kLead, 1, 7 * piece), output, kLowRate);
           },
@@ -83,8 +83,8 @@ Control Jumping() {
           "Half of it lies at 0, half 16 samples later: pieces of 2 s are 1 ms apart.",
           [] {
             const size_t half = 64000;
-            const Samples reference = WhiteNoise(2 * half, 0.1, 13);
-            Samples output(reference.begin(), reference.begin() + half);
+            const Waveform reference = WhiteNoise(2 * half, 0.1, 13);
+            Waveform output(reference.begin(), reference.begin() + half);
             Append(output, std::span(reference).subspan(half - 16, half));
             return Pair(reference, output);
           },
@@ -96,10 +96,10 @@ Control Channels() {
           "Left at half the gain and 3 samples late, right upside down and 5 samples late: each "
           "its own, and their mean.",
           [] {
-            const Samples noise = WhiteNoise(16100, 0.1, 14);
+            const Waveform noise = WhiteNoise(16100, 0.1, 14);
             const auto at = [&](size_t first) {
-              return Samples(noise.begin() + static_cast<std::ptrdiff_t>(first),
-                             noise.begin() + static_cast<std::ptrdiff_t>(first) + 16000);
+              return Waveform(noise.begin() + static_cast<std::ptrdiff_t>(first),
+                              noise.begin() + static_cast<std::ptrdiff_t>(first) + 16000);
             };
             return Scene{.output = {kRate, {Scaled(at(47), 0.5), Scaled(at(45), -1)}},
                          .reference = {kRate, {at(50)}}};

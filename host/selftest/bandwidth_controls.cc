@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kRate = 48000;
 
-Scene Of(Samples samples, int rate = kRate) { return {.output = {rate, {std::move(samples)}}}; }
+Scene Of(Waveform samples, int rate = kRate) { return {.output = {rate, {std::move(samples)}}}; }
 
 // The least that is defined.
 Control ShortestBand(Expected expected) {
@@ -26,7 +26,7 @@ Control BandwidthControl(const char* name, double below, double energy, double o
           "19.96 dB below the lower one; 40 dB below the maximum it no longer counts. A window of "
           "80 ms and more widens a tone by its main lobe, 25 Hz, and 40 dB down to as much again.",
           [below] {
-            Samples tones = Sine(kRate, 2, 1000, 0.5);
+            Waveform tones = Sine(kRate, 2, 1000, 0.5);
             return Of(Sum(tones, Sine(kRate, 2, 9000, 0.5 * std::pow(10, -below / 20))));
           },
           {{"bandwidth", energy, 30}, {"bandwidth_40db", of40Db, 40}}};
@@ -37,7 +37,7 @@ constexpr int kWholeRate = 25600;
 constexpr size_t kWindow = 2048;
 
 // Exact to the rounding of floats.
-Control Spectrum(const std::string& name, const std::string& theory, Samples (*make)(),
+Control Spectrum(const std::string& name, const std::string& theory, Waveform (*make)(),
                  double bandwidth, double of40Db, int rate = kWholeRate) {
   const double bin = static_cast<double>(rate) / kWindow;
   return {
@@ -47,8 +47,8 @@ Control Spectrum(const std::string& name, const std::string& theory, Samples (*m
       {{"bandwidth", bandwidth * bin, 0.002 * bin}, {"bandwidth_40db", of40Db * bin, 0.005 * bin}}};
 }
 
-Samples Impulses(double second, float height = 0.5F) {
-  Samples samples(Frames(kWholeRate, 0.6));
+Waveform Impulses(double second, float height = 0.5F) {
+  Waveform samples(Frames(kWholeRate, 0.6));
   samples[kWindow / 2] = height;
   samples[kWindow / 2 + 1] = static_cast<float>(height * second);
   return samples;
@@ -80,8 +80,8 @@ double FallOfTwo(double a) {
   return bin + std::log(power(bin) / limit) / std::log(power(bin) / power(bin + 1));
 }
 
-Samples Nyquist() {
-  Samples samples(Frames(kWholeRate, 0.6), 0.5F);
+Waveform Nyquist() {
+  Waveform samples(Frames(kWholeRate, 0.6), 0.5F);
   for (size_t i = 0; i < samples.size(); i += 2) samples[i] = -0.5F;
   return samples;
 }

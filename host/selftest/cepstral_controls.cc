@@ -11,14 +11,14 @@ namespace {
 
 // The delay is looked for within 5 ms, so that a train of single samples is not taken for one that
 // is a period later.
-Scene Pair(Samples reference, Samples output, int rate, double searchSeconds = 0.005) {
+Scene Pair(Waveform reference, Waveform output, int rate, double searchSeconds = 0.005) {
   return {.output = {rate, {std::move(output)}},
           .reference = {rate, {std::move(reference)}},
           .searchSeconds = searchSeconds};
 }
 
 // y[n] = x[n] + a y[n - lag]
-Samples Recursive(Samples samples, double a, size_t lag) {
+Waveform Recursive(Waveform samples, double a, size_t lag) {
   for (size_t i = lag; i < samples.size(); ++i) {
     samples[i] += static_cast<float>(a * samples[i - lag]);
   }
@@ -44,7 +44,7 @@ Control OnePole(int rate, double a, size_t lag) {
           "below 10 kHz and those up to 16 from there on; single samples have none. The window is "
           "not quite flat along a response: 3 %.",
           [=] {
-            const Samples reference = Impulses(rate, static_cast<size_t>(rate) / 33, 0.5);
+            const Waveform reference = Impulses(rate, static_cast<size_t>(rate) / 33, 0.5);
             return Pair(reference, Recursive(reference, a, lag), rate);
           },
           {{"cepstral_distance", distance, 0.02 + 0.03 * distance}}};
@@ -56,8 +56,8 @@ Control PartlyDamaged(double share) {
   return {"a pole of 0.5 for " + std::to_string(share) + " of the time",
           "The worst 5 % of the blocks are left out, and the mean is taken over the others.",
           [share] {
-            const Samples reference = Impulses(16000, 480, 0.5);
-            Samples output = Recursive(reference, 0.5, 1);
+            const Waveform reference = Impulses(16000, 480, 0.5);
+            Waveform output = Recursive(reference, 0.5, 1);
             const auto end =
                 static_cast<std::ptrdiff_t>(share * static_cast<double>(output.size()));
             std::copy(reference.begin() + end, reference.end(), output.begin() + end);
@@ -70,7 +70,7 @@ Control FarApart() {
   return {"two poles of 0.95 at one sample",
           "Their cepstrum is twice a^n / n: 13.9 dB, of which 10 count.",
           [] {
-            const Samples reference = Impulses(16000, 480, 0.1);
+            const Waveform reference = Impulses(16000, 480, 0.1);
             return Pair(reference, Recursive(Recursive(reference, 0.95, 1), 0.95, 1), 16000);
           },
           {{"cepstral_distance", 10, 0.01}}};
@@ -85,7 +85,7 @@ Control TwoPoles(double a, double b) {
           "The cepstrum of two poles is (a^n + b^n) / n. The window is not quite flat along a "
           "response: 3 %.",
           [=] {
-            const Samples reference = Impulses(16000, 480, 0.5);
+            const Waveform reference = Impulses(16000, 480, 0.5);
             return Pair(reference, Recursive(Recursive(reference, a, 1), b, 1), 16000);
           },
           {{"cepstral_distance", distance, 0.02 + 0.03 * distance}}};
@@ -101,10 +101,10 @@ Control SingleBlocks() {
           "silent there: of six blocks four have the distance of the pole. Five of a hundred that "
           "are left out are none of six.",
           [] {
-            Samples reference(kFrames);
+            Waveform reference(kFrames);
             reference[kOfFour] = 0.5F;
-            Samples output = Recursive(reference, 0.5, 1);
-            for (Samples* each : {&reference, &output}) {
+            Waveform output = Recursive(reference, 0.5, 1);
+            for (Waveform* each : {&reference, &output}) {
               (*each)[60] = 0.5F;
               (*each)[kFrames - 60] = 0.5F;
             }
@@ -177,7 +177,7 @@ Control Tones(double second) {
           "that each block is taken with, 90 dB below it; the equations are solved by elimination.",
           [second] {
             constexpr int kRate = 8000;
-            const Samples sine = Sine(kRate, 1, 1000, 0.4);
+            const Waveform sine = Sine(kRate, 1, 1000, 0.4);
             return Pair(sine, Sum(sine, Sine(kRate, 1, 2000, 0.4 * second)), kRate, 0.0003);
           },
           {{"cepstral_distance", 10 / std::numbers::ln10 * std::sqrt(2 * squares), 0.02}}};

@@ -14,7 +14,7 @@ Control Stream() {
           "98760 bits in 1.5 s are 65840 bit/s; frames are counted.",
           [] {
             return Scene{
-                .output = {16000, {Samples(24000, 0.1F)}}, .codedBytes = 12345, .codedFrames = 77};
+                .output = {16000, {Waveform(24000, 0.1F)}}, .codedBytes = 12345, .codedFrames = 77};
           },
           {{"bit_rate", 65840, 1e-6}, {"frames", 77, 1e-9}}};
 }
@@ -32,7 +32,7 @@ Control Late(double later) {
 
 // Filtered by a sinc in a window of Blackman of 40 ms: of linear phase, half the amplitude at
 // `edge`, from 0 to -74 dB within 138 Hz.
-Samples Below(double edge, std::span<const float> samples, int rate) {
+Waveform Below(double edge, std::span<const float> samples, int rate) {
   const auto half = static_cast<std::ptrdiff_t>(0.02 * rate);
   const double cut = 2 * edge / rate;
   std::vector<double> taps;
@@ -42,7 +42,7 @@ Samples Below(double edge, std::span<const float> samples, int rate) {
     const double window = 0.42 + 0.5 * std::cos(turn) + 0.08 * std::cos(2 * turn);
     taps.push_back(window * (i == 0 ? cut : std::sin(angle * cut) / angle));
   }
-  Samples below(samples.size());
+  Waveform below(samples.size());
   for (size_t i = 0; i < samples.size(); ++i) {
     double sum = 0;
     for (size_t k = 0; k < taps.size(); ++k) {
@@ -61,7 +61,7 @@ Control BandLimited(double edge, int rate, double gain) {
           "-20 dB within 30 Hz above it, whatever the gain of all. A mean over 9 bins moves that "
           "by half of it, 55 Hz at most.",
           [=] {
-            const Samples noise = WhiteNoise(Frames(rate, 3), 0.1, 42);
+            const Waveform noise = WhiteNoise(Frames(rate, 3), 0.1, 42);
             return Scene{.output = {rate, {Scaled(Below(edge, noise, rate), gain)}},
                          .input = {rate, {noise}}};
           },
@@ -73,16 +73,16 @@ constexpr double kStep = 3000;  // Hz
 constexpr double kEnd = 6000;
 
 // Single samples, whose spectrum is flat to the last digit.
-Samples Flat() {
-  Samples samples(Frames(kStepRate, 2));
+Waveform Flat() {
+  Waveform samples(Frames(kStepRate, 2));
   for (size_t i = 1200; i < samples.size(); i += 2400) samples[i] = 0.5F;
   return samples;
 }
 
 // Flat up to kStep, so many dB softer from there to kEnd, and nothing above.
-Samples Stepped(double softer) {
-  const Samples low = Below(kStep, Flat(), kStepRate);
-  const Samples high = Sum(Below(kEnd, Flat(), kStepRate), Scaled(low, -1));
+Waveform Stepped(double softer) {
+  const Waveform low = Below(kStep, Flat(), kStepRate);
+  const Waveform high = Sum(Below(kEnd, Flat(), kStepRate), Scaled(low, -1));
   return Sum(low, Scaled(high, std::pow(10, -softer / 20)));
 }
 
@@ -96,7 +96,7 @@ Control SofterBand(double softer, bool kept, float constant) {
           "band or of the lower one, to what a mean over 9 bins moves it. What is constant is in "
           "no band.",
           [=] {
-            Samples input = Flat();
+            Waveform input = Flat();
             for (float& sample : input) sample += constant;
             return Scene{.output = {kStepRate, {Stepped(softer)}}, .input = {kStepRate, {input}}};
           },
@@ -109,7 +109,7 @@ Control SoftBand(double softer, bool kept) {
           "below that there is nothing to keep. The filter passes -70 dB within 70 Hz of its "
           "edge.",
           [softer] {
-            const Samples samples = Stepped(softer);
+            const Waveform samples = Stepped(softer);
             return Scene{.output = {kStepRate, {samples}}, .input = {kStepRate, {samples}}};
           },
           {{"band_limit", kept ? kEnd : kStep + 60, 60}}};
@@ -120,7 +120,7 @@ Control ShortestDelay() {
   return {"0.2 s, 40 samples late",
           "A whole number of samples.",
           [] {
-            const Samples noise = WhiteNoise(9640, 0.1, 43);
+            const Waveform noise = WhiteNoise(9640, 0.1, 43);
             return Scene{.output = {48000, {{noise.begin(), noise.end() - 40}}},
                          .input = {48000, {{noise.begin() + 40, noise.end()}}}};
           },
@@ -131,7 +131,7 @@ Control ShortestBand() {
   return {"0.6 s of a codec that ends at 3 kHz",
           "As over a longer time: the filter falls to -20 dB within 30 Hz above its edge.",
           [] {
-            Samples flat = Flat();
+            Waveform flat = Flat();
             flat.resize(9600);
             return Scene{.output = {kStepRate, {Below(kStep, flat, kStepRate)}},
                          .input = {kStepRate, {flat}}};
@@ -144,8 +144,8 @@ constexpr int kWholeRate = 25600;
 constexpr size_t kWindow = 2048;
 constexpr double kBin = 12.5;  // Hz
 
-Samples InMiddle(float first, float second) {
-  Samples samples(Frames(kWholeRate, 0.6));
+Waveform InMiddle(float first, float second) {
+  Waveform samples(Frames(kWholeRate, 0.6));
   samples[kWindow / 2] = first;
   samples[kWindow / 2 + 1] = second;
   return samples;
@@ -197,7 +197,7 @@ Control SilentInput() {
           "Silence has neither a delay nor a band.",
           [] {
             return Scene{.output = {kStepRate, {WhiteNoise(9600, 0.1, 44)}},
-                         .input = {kStepRate, {Samples(9600)}}};
+                         .input = {kStepRate, {Waveform(9600)}}};
           },
           {{.measure = "codec_delay", .reason = audio_measures::kSilence},
            {.measure = "band_limit", .reason = audio_measures::kSilence}}};
@@ -214,7 +214,7 @@ Control FlatBeside(double share) {
           [share] {
             const double line = kAmplitude * kWindow / 4;
             const double height = line * std::sqrt(1e-7 / 6 * share);
-            Samples samples = Sine(kWholeRate, 0.6, kLine * kBin, kAmplitude);
+            Waveform samples = Sine(kWholeRate, 0.6, kLine * kBin, kAmplitude);
             for (size_t i = kWindow / 2; i < samples.size(); i += kWindow / 2) {
               samples[i] += static_cast<float>(height);
             }
@@ -251,9 +251,9 @@ Control LowLine(double share) {
           [=] {
             const double ofLine = std::pow(0.5 * kWindow / 4, 2) * line / flat;
             const double height = std::sqrt(ofLine * 0.01 * share / (1 - 0.01 * share));
-            Samples input(Frames(kWholeRate, 0.6));
+            Waveform input(Frames(kWholeRate, 0.6));
             for (size_t i = kWindow / 2; i < input.size(); i += kWindow / 2) input[i] = 1;
-            const Samples low = Sine(kWholeRate, 0.6, kLine * kBin, 0.5);
+            const Waveform low = Sine(kWholeRate, 0.6, kLine * kBin, 0.5);
             return Scene{.output = {kWholeRate, {Sum(low, Scaled(input, height))}},
                          .input = {kWholeRate, {input}}};
           },
@@ -266,7 +266,7 @@ Control LateBand() {
           "At 16 kHz windows have 2048 samples and start every 1024; the one that starts at 9216 "
           "ends with the signal. What is kept of it is all below 3 kHz.",
           [] {
-            Samples samples(11264);
+            Waveform samples(11264);
             samples[10752] = 0.5F;
             return Scene{.output = {kStepRate, {Below(kStep, samples, kStepRate)}},
                          .input = {kStepRate, {samples}}};

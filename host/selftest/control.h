@@ -15,7 +15,7 @@ namespace host {
 // A signal with its samples.
 struct ControlSound {
   int rate = 0;  // Hz
-  std::vector<Samples> channels = {};
+  std::vector<Waveform> channels = {};
 };
 
 // What a measure is given, with its samples.

@@ -11,13 +11,13 @@ namespace {
 constexpr int kRate = 8000;
 constexpr size_t kFrames = 16000;
 
-Scene Pair(Samples reference, Samples output, double searchSeconds, int rate = kRate) {
+Scene Pair(Waveform reference, Waveform output, double searchSeconds, int rate = kRate) {
   return {.output = {rate, {std::move(output)}},
           .reference = {rate, {std::move(reference)}},
           .searchSeconds = searchSeconds};
 }
 
-Samples Cut(const Samples& samples, std::ptrdiff_t first, size_t count) {
+Waveform Cut(const Waveform& samples, std::ptrdiff_t first, size_t count) {
   const auto from = samples.begin() + first;
   return {from, from + static_cast<std::ptrdiff_t>(count)};
 }
@@ -43,7 +43,7 @@ Control Parts(const std::string& name, const std::string& theory, std::ptrdiff_t
   return {name, theory,
           [=] {
             const std::ptrdiff_t lead = std::abs(later);
-            const Samples noise =
+            const Waveform noise =
                 WhiteNoise(std::max(reference, output) + 2 * static_cast<size_t>(lead), 0.1, 51);
             return Pair(Cut(noise, lead, reference), Cut(noise, lead - later, output),
                         searchSeconds);
@@ -107,7 +107,7 @@ Control OfToneInNoise() {
           "a radian, 0.0045 samples, of which the tolerance is five times. What both have in "
           "common is 1 / 1.1 of the reference.",
           [] {
-            const Samples sine = Sine(kRate, 2, 1000, 0.1);
+            const Waveform sine = Sine(kRate, 2, 1000, 0.1);
             const double rms = 0.1 * std::sqrt(0.05);
             return Pair(Sum(sine, WhiteNoise(kFrames, rms, 52)),
                         Sum(Sine(kRate, 2, 1000, 0.1, -1.3 * 2 * std::numbers::pi / 8),
@@ -128,7 +128,7 @@ Control InNoise(double later, double snr) {
           "sqrt(n) dB, and the ratio of both to as much. The tolerance is five times that.",
           [later, snr] {
             const TimedNoise noise(kFrames + 400, 0.1, 54);
-            const Samples moved = noise.At(200 - later, 1, kFrames);
+            const Waveform moved = noise.At(200 - later, 1, kFrames);
             return Pair(noise.At(200, 1, kFrames), Sum(moved, NoiseBelow(moved, snr, kFrames, 55)),
                         0.1);
           },
@@ -150,8 +150,8 @@ Control Stairs() {
           "piece is not of the line and 23 samples later than the first.",
           [] {
             constexpr std::ptrdiff_t kPiece = 16000;
-            const Samples noise = WhiteNoise(7 * kPiece + 100, 0.1, 58);
-            Samples output;
+            const Waveform noise = WhiteNoise(7 * kPiece + 100, 0.1, 58);
+            Waveform output;
             for (std::ptrdiff_t i = 0; i < 7; ++i) {
               Append(output, Cut(noise, 50 + i * kPiece - i - (i == 3 ? 20 : 0), kPiece));
             }

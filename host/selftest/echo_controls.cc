@@ -8,11 +8,11 @@ namespace {
 
 constexpr int kRate = 16000;
 constexpr size_t kBlock = 320;     // 20 ms
-constexpr size_t kEchoLater = 80;  // Samples.
+constexpr size_t kEchoLater = 80;  // Waveform.
 
 // White noise of this RMS in each 20 ms, or silence.
-Samples Talk(double rms, double seconds, uint64_t seed) {
-  Samples samples = WhiteNoise(Frames(kRate, seconds), 1, seed);
+Waveform Talk(double rms, double seconds, uint64_t seed) {
+  Waveform samples = WhiteNoise(Frames(kRate, seconds), 1, seed);
   for (size_t start = 0; start < samples.size(); start += kBlock) {
     const auto block = std::span(samples).subspan(start, kBlock);
     const double gain = rms * std::sqrt(kBlock / Energy(block));
@@ -21,8 +21,8 @@ Samples Talk(double rms, double seconds, uint64_t seed) {
   return samples;
 }
 
-Samples Later(std::span<const float> samples, size_t count) {
-  Samples later(count);
+Waveform Later(std::span<const float> samples, size_t count) {
+  Waveform later(count);
   Append(later, samples.first(samples.size() - count));
   return later;
 }
@@ -32,7 +32,7 @@ Control Shortest(double rms, Expected expected) {
   return {"0.2 s of an echo 26 dB down, the far end at " + std::to_string(rms),
           "Ten blocks of 20 ms are one window: its gain, from the start.",
           [rms] {
-            const Samples far = Talk(rms, 0.2, 88);
+            const Waveform far = Talk(rms, 0.2, 88);
             return Scene{.output = {kRate, {Scaled(far, 0.025)}},
                          .far = {kRate, {far}},
                          .input = {kRate, {Scaled(far, 0.5)}}};
@@ -46,8 +46,8 @@ struct Passage {
   double gain = 0;
 };
 
-Samples Cancelled(std::span<const float> echo, const std::vector<Passage>& passages) {
-  Samples output(echo.begin(), echo.end());
+Waveform Cancelled(std::span<const float> echo, const std::vector<Passage>& passages) {
+  Waveform output(echo.begin(), echo.end());
   size_t place = kEchoLater;
   for (const Passage& each : passages) {
     const size_t end = std::min(output.size(), place + Frames(kRate, each.seconds));
@@ -63,8 +63,8 @@ Control Converging(const std::string& name, const std::vector<Passage>& passages
           "window of 0.2 s reaches 20 dB when the last block at -10 dB, which alone is a tenth of "
           "its energy, has left it; the median is the gain of more than half of the windows.",
           [passages] {
-            const Samples far = Talk(0.1, 4, 81);
-            const Samples echo = Later(Scaled(far, 0.5), kEchoLater);
+            const Waveform far = Talk(0.1, 4, 81);
+            const Waveform echo = Later(Scaled(far, 0.5), kEchoLater);
             return Scene{.output = {kRate, {Cancelled(echo, passages)}},
                          .far = {kRate, {far}},
                          .input = {kRate, {echo}}};
@@ -78,16 +78,16 @@ Control WithNear() {
           "the far end is silent: what is left is a gain of 0.05 in the first second. Of either of "
           "the others there is more than of that, so that it would be the median.",
           [] {
-            Samples far = Talk(0.1, 6, 82);
+            Waveform far = Talk(0.1, 6, 82);
             std::fill(far.begin() + 3 * kRate, far.end(), 0.0F);
-            Samples near(far.size());
-            const Samples said = Talk(0.1, 1.9, 83);
+            Waveform near(far.size());
+            const Waveform said = Talk(0.1, 1.9, 83);
             std::copy(said.begin(), said.end(), near.begin() + kRate + kEchoLater);
-            const Samples echo = Later(Scaled(far, 0.5), kEchoLater);
-            Samples input = Sum(echo, near);
-            Samples output = Sum(Scaled(echo, 0.05), near);
+            const Waveform echo = Later(Scaled(far, 0.5), kEchoLater);
+            Waveform input = Sum(echo, near);
+            Waveform output = Sum(Scaled(echo, 0.05), near);
             // What talks on in the room when the far end is silent is no echo.
-            const Samples room = Talk(0.01, 2.6, 84);
+            const Waveform room = Talk(0.01, 2.6, 84);
             const size_t start = Frames(kRate, 3.3);
             for (size_t i = 0; i < room.size(); ++i) {
               input[start + i] += room[i];
@@ -110,13 +110,13 @@ Control DoubleTalk(double below, double gain, size_t later) {
           "those, so that it has 1.2 times the energy. It is orthogonal to the near end in each 20 "
           "ms. Before and after the echo is another one, which does not count; nor does the gain.",
           [=] {
-            Samples near = Talk(0.1, 4, 85);
+            Waveform near = Talk(0.1, 4, 85);
             std::fill(near.begin() + 2 * kRate, near.end(), 0.0F);
-            Samples far = Talk(0.1, 4, 86);
+            Waveform far = Talk(0.1, 4, 86);
             std::fill(far.begin(), far.begin() + kRate, 0.0F);
             std::fill(far.begin() + 3 * kRate, far.end(), 0.0F);
-            const Samples whole = Talk(0.1, 4, 85);
-            Samples rest = NoiseBelow(whole, below, kBlock, 87);
+            const Waveform whole = Talk(0.1, 4, 85);
+            Waveform rest = NoiseBelow(whole, below, kBlock, 87);
             std::fill(rest.begin(), rest.begin() + kRate, 0.0F);
             for (size_t i = Frames(kRate, 2.2); i < rest.size(); ++i) rest[i] *= 2;
             return Scene{.output = {kRate, {Later(Scaled(Sum(near, rest), gain), later)}},
@@ -131,7 +131,7 @@ Control ShortDoubleTalk() {
           "Both talk throughout; the echo is orthogonal to the near end in each 20 ms.",
           [] {
             constexpr int rate = 48000;
-            const Samples near = WhiteNoise(9600, 0.1, 89);
+            const Waveform near = WhiteNoise(9600, 0.1, 89);
             return Scene{.output = {rate, {Sum(near, NoiseBelow(near, 12, 960, 90))}},
                          .far = {rate, {WhiteNoise(9600, 0.1, 92)}},
                          .near = {rate, {near}}};
@@ -144,7 +144,7 @@ Control TooSoft(double near, double far) {
   return {"a near end at RMS " + std::to_string(near) + ", a far end at " + std::to_string(far),
           "Speech takes a level: without it nobody talks.",
           [=] {
-            const Samples said = Talk(near, 1, 93);
+            const Waveform said = Talk(near, 1, 93);
             return Scene{.output = {kRate, {said}},
                          .far = {kRate, {Talk(far, 1, 94)}},
                          .near = {kRate, {said}}};
@@ -160,10 +160,10 @@ Control LaterOutside(double inside, double outside, double least) {
           "interpolation.",
           [=] {
             const TimedNoise noise(4 * kRate, 0.1, 95);
-            Samples output = noise.At(-inside, 1, Frames(kRate, 1.4));
+            Waveform output = noise.At(-inside, 1, Frames(kRate, 1.4));
             Append(output,
                    noise.At(static_cast<double>(output.size()) - outside, 1, Frames(kRate, 2.6)));
-            Samples far = Talk(0.1, 4, 96);
+            Waveform far = Talk(0.1, 4, 96);
             std::fill(far.begin() + kRate, far.end(), 0.0F);
             return Scene{.output = {kRate, {output}},
                          .far = {kRate, {far}},

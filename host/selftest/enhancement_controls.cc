@@ -19,8 +19,8 @@ constexpr double kEdge = 0.5;    // Gain of the noise in the first and last bloc
 constexpr double kWithin = 0.1;  // and between them.
 
 // A block of white noise of this RMS; of `beside` nothing is in it.
-Samples Block(double rms, std::span<const float> beside, uint64_t seed) {
-  Samples block(kBlock);
+Waveform Block(double rms, std::span<const float> beside, uint64_t seed) {
+  Waveform block(kBlock);
   if (Energy(beside) > 0) {
     block = NoiseBelow(beside, 0, kBlock, seed);
   } else {
@@ -39,13 +39,13 @@ double NoiseGain(size_t block) {
 }
 
 Scene Suppressed(bool withReference) {
-  Samples speech;
-  Samples input;
-  Samples output;
+  Waveform speech;
+  Waveform input;
+  Waveform output;
   for (size_t i = 0; i < kRounds * 2 * kBlocks; ++i) {
     const size_t block = i % (2 * kBlocks);
-    const Samples said = block < kBlocks ? Block(kSpeech, {}, 61 + i) : Samples(kBlock);
-    const Samples noise = Block(kNoise, said, 6100 + i);
+    const Waveform said = block < kBlocks ? Block(kSpeech, {}, 61 + i) : Waveform(kBlock);
+    const Waveform noise = Block(kNoise, said, 6100 + i);
     Append(speech, said);
     Append(input, Sum(said, noise));
     Append(output, Sum(Scaled(said, kSpeechGain), Scaled(noise, NoiseGain(block))));
@@ -86,7 +86,7 @@ Control WithReference() {
 }
 
 // The same scene, with samples of silence before a signal, or without its first ones.
-void Delay(Samples& samples, int later) {
+void Delay(Waveform& samples, int later) {
   if (later < 0) samples.erase(samples.begin(), samples.begin() - later);
   if (later > 0) samples.insert(samples.begin(), static_cast<size_t>(later), 0.0F);
 }
@@ -123,10 +123,10 @@ Control WordAtStart() {
   return {"one loud block at the start of a noise",
           "It and the 0.2 s after it, which the output leaves as they are, are no pause.",
           [] {
-            Samples input;
-            Samples output;
+            Waveform input;
+            Waveform output;
             for (size_t i = 0; i < 100; ++i) {
-              const Samples block = Block(kNoise * (i == 0 ? 10 : 1), {}, 7100 + i);
+              const Waveform block = Block(kNoise * (i == 0 ? 10 : 1), {}, 7100 + i);
               Append(input, block);
               Append(output, Scaled(block, i <= kHangover ? 1 : kWithin));
             }
@@ -161,8 +161,8 @@ Control Shortest(size_t speechBlocks, std::vector<Expected> expected) {
       [speechBlocks] {
         Scene scene = {.output = {kRate, {{}}}, .reference = {kRate, {{}}}, .input = {kRate, {{}}}};
         for (size_t i = 0; i < kBlocks; ++i) {
-          const Samples said = i < speechBlocks ? Block(kSpeech, {}, 65 + i) : Samples(kBlock);
-          const Samples beside = Block(kNoise, said, 6500 + i);
+          const Waveform said = i < speechBlocks ? Block(kSpeech, {}, 65 + i) : Waveform(kBlock);
+          const Waveform beside = Block(kNoise, said, 6500 + i);
           Append(scene.reference.channels[0], said);
           Append(scene.input.channels[0], Sum(said, beside));
           Append(scene.output.channels[0], Sum(Scaled(said, kSpeechGain), Scaled(beside, kWithin)));
@@ -200,11 +200,11 @@ Control LouderBlock(double louder, bool pause) {
           "From 6 dB above the noise floor on it is speech, and neither it nor what is around it "
           "is a pause; below, it is one of 100 blocks of noise, the one that is not reduced.",
           [power] {
-            Samples input;
-            Samples output;
+            Waveform input;
+            Waveform output;
             for (size_t i = 0; i < 100; ++i) {
               const double rms = kNoise * (i == 50 ? std::sqrt(power) : 1);
-              const Samples block = Block(rms, {}, 6700 + i);
+              const Waveform block = Block(rms, {}, 6700 + i);
               Append(input, block);
               Append(output, Scaled(block, i == 50 ? 1 : kWithin));
             }
@@ -219,7 +219,7 @@ Control SoftReference(double level, const std::string& reason) {
           "A reference below -60 dBFS is the noise of a line. That of 2 s is active but for the "
           "first 20 to 30 ms, which lifts its level by 0.1 dB.",
           [level] {
-            Samples samples;
+            Waveform samples;
             for (size_t i = 0; i < 100; ++i) {
               Append(samples, Block(std::pow(10, level / 20), {}, 6900 + i));
             }
@@ -239,10 +239,10 @@ Control Flickering(double gain) {
       "the kurtosis E[p^4] / E[p^2]^2 grows by 2 (1 + g^8) / (1 + g^4)^2; a few blocks in some "
       "hundred lie across the border.",
       [gain] {
-        const Samples half = WhiteNoise(Frames(kRate, 4.096), 0.05, 71);
-        Samples input = half;
+        const Waveform half = WhiteNoise(Frames(kRate, 4.096), 0.05, 71);
+        Waveform input = half;
         Append(input, half);
-        Samples output = half;
+        Waveform output = half;
         Append(output, Scaled(half, gain));
         return Scene{.output = {kRate, {output}}, .input = {kRate, {input}}};
       },
@@ -254,8 +254,8 @@ Control Coloured() {
           "Each bin is divided by its mean, so that a filter does not change the kurtosis, but for "
           "what its two taps bring in from beside the window.",
           [] {
-            const Samples noise = WhiteNoise(Frames(kRate, 4), 0.05, 72);
-            Samples output = noise;
+            const Waveform noise = WhiteNoise(Frames(kRate, 4), 0.05, 72);
+            Waveform output = noise;
             for (size_t i = 1; i < noise.size(); ++i) output[i] += 0.5F * noise[i - 1];
             return Scene{.output = {kRate, {output}}, .input = {kRate, {noise}}};
           },

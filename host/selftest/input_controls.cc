@@ -12,7 +12,7 @@ using audio_measures::Measure;
 
 // All that a measure can need, of white noise.
 Scene Everything(int rate, size_t frames) {
-  const Samples noise = WhiteNoise(frames, 0.1, 91);
+  const Waveform noise = WhiteNoise(frames, 0.1, 91);
   const ControlSound sound = {rate, {noise}};
   return {.output = sound,
           .reference = sound,
@@ -112,7 +112,7 @@ std::vector<Control> LowRates() {
                       "The level of a square wave is its magnitude. Speech is active from when the "
                       "envelope has risen, 20 ms after the start of 20 s.",
                       [] {
-                        Samples square(2000, 0.25F);
+                        Waveform square(2000, 0.25F);
                         for (size_t i = 0; i < square.size(); i += 2) square[i] = -0.25F;
                         return Scene{.output = {100, {square}}, .fullScale = 0.25F};
                       },

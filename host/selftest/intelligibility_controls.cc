@@ -10,14 +10,14 @@ namespace host {
 namespace {
 
 constexpr int kRate = 10000;
-constexpr size_t kHop = 128;                         // Samples between two blocks.
+constexpr size_t kHop = 128;                         // Waveform between two blocks.
 constexpr size_t kMiddle = 127;                      // Of a window of 256.
 constexpr size_t kSegment = 30;                      // Blocks.
 constexpr double kTurn = 2 * std::numbers::pi / 10;  // An envelope repeats itself after 10 blocks.
 
 // One sample in the middle of each block, so that the magnitude of every band is its height.
-Samples Envelope(size_t blocks, double level, double phase, double depth) {
-  Samples samples(kHop * (blocks + 1));
+Waveform Envelope(size_t blocks, double level, double phase, double depth) {
+  Waveform samples(kHop * (blocks + 1));
   for (size_t i = 0; i < blocks; ++i) {
     const double wave = std::cos(kTurn * static_cast<double>(i) + phase);
     samples[kMiddle + i * kHop] = static_cast<float>(level * (1 + depth * wave));
@@ -27,7 +27,7 @@ Samples Envelope(size_t blocks, double level, double phase, double depth) {
 
 // The delay is looked for within less than the distance of two blocks, so that an envelope is not
 // taken for one that is some blocks later.
-Scene Pair(Samples reference, Samples output) {
+Scene Pair(Waveform reference, Waveform output) {
   return {.output = {kRate, {std::move(output)}},
           .reference = {kRate, {std::move(reference)}},
           .searchSeconds = 0.005};
@@ -45,9 +45,9 @@ Control Turned(double degrees) {
 
 // A filter of linear phase around this share of half the rate, below it or, of the other sign,
 // above it, 40 samples to either side. What passes 900 Hz on one side has half of the bands.
-Samples Half(std::span<const float> samples, bool low, double share = 0.18) {
+Waveform Half(std::span<const float> samples, bool low, double share = 0.18) {
   constexpr int kReach = 40;
-  Samples filtered(samples.size());
+  Waveform filtered(samples.size());
   for (int k = -kReach; k <= kReach; ++k) {
     const double turn = std::numbers::pi * k;
     const double sinc = k == 0 ? share : std::sin(turn * share) / turn;
@@ -61,7 +61,7 @@ Samples Half(std::span<const float> samples, bool low, double share = 0.18) {
 }
 
 // The lower half of the bands swells while the upper one falls.
-Samples Seesaw(double phase) {
+Waveform Seesaw(double phase) {
   return Sum(Half(Envelope(300, 0.3, phase, 0.5), true),
              Half(Envelope(300, 0.3, phase, -0.5), false));
 }
@@ -85,10 +85,10 @@ Control SoftPart(double decibels, double stoi, double tolerance) {
       "the border, 30 of 371, mostly see the step that both have.",
       [=] {
         const double level = 0.3 * std::pow(10, -decibels / 20);
-        Samples reference = Envelope(200, 0.3, 0, 0.2);
+        Waveform reference = Envelope(200, 0.3, 0, 0.2);
         reference.resize(200 * kHop);
         Append(reference, Envelope(200, level, 0, 0.2));
-        Samples output = Envelope(200, 0.3, 0, 0.2);
+        Waveform output = Envelope(200, 0.3, 0, 0.2);
         output.resize(200 * kHop);
         Append(output, Envelope(200, level, std::numbers::pi / 2, 0.2));
         return Pair(reference, output);
@@ -134,8 +134,8 @@ Control LoudBlocks(double times) {
       "Every segment has one such block. Scaled to the norm of the reference's and cut off at 1 "
       "+ 10^(15/20) of it, its correlation follows from the ten heights of a period.",
       [times] {
-        const Samples reference = Envelope(300, 0.1, 0, 0.5);
-        Samples output = reference;
+        const Waveform reference = Envelope(300, 0.1, 0, 0.5);
+        Waveform output = reference;
         for (size_t i = loud; i < 300; i += kSegment) {
           output[kMiddle + i * kHop] *= static_cast<float>(times);
         }
@@ -150,8 +150,8 @@ Control LowBandsTurned() {
       "Eight of the 15 bands have their middle below 900 Hz and do not correlate, seven do: 7 / "
       "15, to what the band at the edge sees of both.",
       [] {
-        const Samples plain = Envelope(300, 0.3, 0, 0.5);
-        const Samples turned = Envelope(300, 0.3, std::numbers::pi / 2, 0.5);
+        const Waveform plain = Envelope(300, 0.3, 0, 0.5);
+        const Waveform turned = Envelope(300, 0.3, std::numbers::pi / 2, 0.5);
         return Pair(plain, Sum(Half(turned, true), Half(plain, false)));
       },
       {{"stoi", 7.0 / 15, 0.06}}};
@@ -163,8 +163,8 @@ Control TopBandTurned() {
           "/ 15, to what the bands at the edge see of both.",
           [] {
             constexpr double kEdge = 3394.0 / 5000;
-            const Samples plain = Envelope(300, 0.3, 0, 0.5);
-            const Samples turned = Envelope(300, 0.3, std::numbers::pi / 2, 0.5);
+            const Waveform plain = Envelope(300, 0.3, 0, 0.5);
+            const Waveform turned = Envelope(300, 0.3, std::numbers::pi / 2, 0.5);
             return Pair(plain, Sum(Half(plain, true, kEdge), Half(turned, false, kEdge)));
           },
           {{"stoi", 14.0 / 15, 0.03}}};
@@ -172,12 +172,12 @@ Control TopBandTurned() {
 
 // A copy of samples of which it is seen how many blocks count: a segment takes 30.
 Control Counted(const std::string& name, const std::string& theory, bool enough,
-                const std::function<Samples()>& make) {
+                const std::function<Waveform()>& make) {
   const std::string reason = enough ? "" : audio_measures::kTooShort;
   return {name,
           theory,
           [make] {
-            const Samples samples = make();
+            const Waveform samples = make();
             return Pair(samples, samples);
           },
           {{"stoi", 1, 1e-4, reason}, {"estoi", 1, 1e-4, reason}}};
@@ -188,7 +188,7 @@ Control SomeBlocks(size_t first, size_t blocks) {
   return Counted("samples in " + std::to_string(blocks) + " of 39 blocks from " +
                      std::to_string(first) + " on",
                  "A segment has 30 blocks.", blocks >= kSegment, [=] {
-                   Samples samples(40 * kHop);
+                   Waveform samples(40 * kHop);
                    Random random(97);
                    for (size_t i = first; i < first + blocks; ++i) {
                      samples[kMiddle + i * kHop] = static_cast<float>(0.1 + random.Uniform());
@@ -206,7 +206,7 @@ Control AtPlace(size_t place) {
                  "A window of sin^2(pi (i + 1) / 257) has 0.989 at 119 and 120, 0.0121 at 247, "
                  "above a hundredth of that, and 0.0095 at 248, below it: 40 blocks count, or 20.",
                  place == 247, [place] {
-                   Samples samples(44 * kHop);
+                   Waveform samples(44 * kHop);
                    for (size_t i = 0; i < 20; ++i) {
                      samples[place + 2 * i * kHop] = i % 3 == 0 ? 0.5F : 0.501F;
                    }
@@ -218,7 +218,7 @@ Control Softer(double decibels) {
   return Counted(
       "20 blocks of one height, 20 that are " + std::to_string(decibels) + " dB softer",
       "Blocks down to 40 dB below the strongest count: 40 or 20.", decibels < 40, [decibels] {
-        Samples samples = Envelope(40, 0.5, 0, 0);
+        Waveform samples = Envelope(40, 0.5, 0, 0);
         for (size_t i = 0; i < 20; ++i) {
           samples[kMiddle + i * kHop] *= static_cast<float>(std::pow(10, -decibels / 20));
         }

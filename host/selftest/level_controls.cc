@@ -10,12 +10,12 @@ namespace {
 
 constexpr int kRate = 48000;
 
-Scene Of(Samples samples, int rate = kRate) { return {.output = {rate, {std::move(samples)}}}; }
+Scene Of(Waveform samples, int rate = kRate) { return {.output = {rate, {std::move(samples)}}}; }
 
 double Decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
 // Periods of 0, a, 0, -a.
-Samples QuarterRate(double amplitude, size_t count, double phase = 0) {
+Waveform QuarterRate(double amplitude, size_t count, double phase = 0) {
   return Sine(kRate, static_cast<double>(count) / kRate, kRate / 4.0, amplitude, phase);
 }
 
@@ -25,7 +25,7 @@ Control OneSample(double height, size_t count, size_t place) {
               " of " + std::to_string(count),
           "0.8 up or down alone among n: peak 20 log10 0.8, mean 0.8 / n, mean square 0.64 / n.",
           [=] {
-            Samples samples(count);
+            Waveform samples(count);
             samples[place] = static_cast<float>(height);
             return Of(samples);
           },
@@ -71,7 +71,7 @@ std::vector<Control> PeakControls() {
   controls.push_back({"a hum of 1e-25",
                       "The peak is -500 dBFS; its square is below what a float can be, so that it "
                       "has no RMS, and no distance from it.",
-                      [] { return Of(Samples(480, 1e-25F)); },
+                      [] { return Of(Waveform(480, 1e-25F)); },
                       {{"peak", -500, 1e-4},
                        {.measure = "rms", .reason = audio_measures::kSilence},
                        {.measure = "crest", .reason = audio_measures::kSilence}}});
@@ -79,7 +79,7 @@ std::vector<Control> PeakControls() {
                       "All samples are 1 or -1: peak and RMS 0 dBFS, crest factor 0, each in a run "
                       "of ten at full scale.",
                       [] {
-                        Samples samples(9600);
+                        Waveform samples(9600);
                         for (size_t i = 0; i < samples.size(); ++i) {
                           samples[i] = i / 10 % 2 == 0 ? 1.0F : -1.0F;
                         }
@@ -92,7 +92,7 @@ std::vector<Control> PeakControls() {
                        {"clipped", 1, 1e-9}}});
   controls.push_back({"constant of -0.25",
                       "The mean is the constant, RMS and peak its magnitude.",
-                      [] { return Of(Samples(4801, -0.25F)); },
+                      [] { return Of(Waveform(4801, -0.25F)); },
                       {{"dc", -0.25, 1e-7},
                        {"peak", Decibels(0.25), 1e-5},
                        {"rms", Decibels(0.25), 1e-5},
@@ -101,7 +101,7 @@ std::vector<Control> PeakControls() {
       {"two channels, 0.5 and -0.125",
        "Each channel has its own figures.",
        [] {
-         return Scene{.output = {kRate, {Samples(480, 0.5F), Samples(480, -0.125F)}}};
+         return Scene{.output = {kRate, {Waveform(480, 0.5F), Waveform(480, -0.125F)}}};
        },
        {{"dc", 0.5, 1e-7, "", 0},
         {"dc", -0.125, 1e-7, "", 1},
@@ -121,7 +121,7 @@ std::vector<Control> PeakControls() {
 
 constexpr float kFull = 32767.0F / 32768;
 
-void Fill(Samples& samples, size_t first, size_t count, float value) {
+void Fill(Waveform& samples, size_t first, size_t count, float value) {
   std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(first), count, value);
 }
 
@@ -130,7 +130,7 @@ Control ClippedControl() {
           "Runs of three and more of one sign count: 3 and 5 upwards, 4 downwards; two do not, nor "
           "do three of changing sign, nor five just below full scale: 12 of 100 samples.",
           [] {
-            Samples samples(100, 0.25F);
+            Waveform samples(100, 0.25F);
             Fill(samples, 10, 2, kFull);
             Fill(samples, 20, 3, kFull);
             Fill(samples, 30, 5, 1.0F);
@@ -152,7 +152,7 @@ Control ClippedBlocks() {
           "nothing else. Two and two with other samples between do not, nor does what is infinite "
           "or no number.",
           [] {
-            Samples samples(1536, 0.25F);
+            Waveform samples(1536, 0.25F);
             Fill(samples, 254, 2, kFull);
             Fill(samples, 512, 2, kFull);
             Fill(samples, 766, 4, kFull);
@@ -170,7 +170,7 @@ Control FloorOfOddBlocks() {
   return {"0.2 s at 11025 Hz",
           "A block of 20 ms has 220.5 samples there, for which 221 are taken, so that nine fit; "
           "ten is the least.",
-          [] { return Of(Samples(2205, 0.5F), 11025); },
+          [] { return Of(Waveform(2205, 0.5F), 11025); },
           {{.measure = "noise_floor", .reason = audio_measures::kTooShort}}};
 }
 
@@ -180,10 +180,10 @@ Control NoiseFloorControl() {
       "Block k has the amplitude k / 100, in a shuffled order. Rank 0.1 * 95 = 9.5 lies half-way "
       "between the tenth and the eleventh: 0.105. The last 10 ms of silence are no block.",
       [] {
-        Samples samples;
+        Waveform samples;
         for (int i = 0; i < 96; ++i) {
           const int k = i * 37 % 96 + 1;
-          Append(samples, Samples(Frames(kRate, 0.02), static_cast<float>(k / 100.0)));
+          Append(samples, Waveform(Frames(kRate, 0.02), static_cast<float>(k / 100.0)));
         }
         samples.resize(samples.size() + Frames(kRate, 0.01));
         return Of(samples);
@@ -195,9 +195,9 @@ Control ShortestFloor(int rate) {
   return {"ten blocks of 20 ms at rising levels, at " + std::to_string(rate) + " Hz",
           "Rank 0.1 * 9 = 0.9 lies between the lowest, 0.1, and the next, 0.2: 0.19.",
           [rate] {
-            Samples samples;
+            Waveform samples;
             for (int i = 10; i > 0; --i) {
-              Append(samples, Samples(Frames(rate, 0.02), static_cast<float>(i / 10.0)));
+              Append(samples, Waveform(Frames(rate, 0.02), static_cast<float>(i / 10.0)));
             }
             return Of(samples, rate);
           },

@@ -13,8 +13,8 @@ constexpr int kRate = 48000;
 
 using Passages = std::vector<std::pair<double, double>>;  // dBFS of the crest, and seconds.
 
-Samples Tones(const Passages& passages) {
-  Samples samples;
+Waveform Tones(const Passages& passages) {
+  Waveform samples;
   for (const auto& [level, seconds] : passages) {
     Append(samples, Sine(kRate, seconds, 1000, std::pow(10, level / 20)));
   }
@@ -25,7 +25,7 @@ Control Programme(const std::string& name, const std::string& theory, const Pass
                   std::vector<Expected> expected) {
   return {name, theory,
           [passages] {
-            const Samples tones = Tones(passages);
+            const Waveform tones = Tones(passages);
             return Scene{.output = {kRate, {tones, tones}}};
           },
           std::move(expected)};
@@ -64,10 +64,10 @@ Control FiveChannels() {
 constexpr int kSlow = 8000;  // Hz
 
 // 1 kHz at this loudness for each tenth of a second.
-Samples Tenths(const std::vector<double>& loudness) {
-  const Samples tenth = Sine(kSlow, 0.1, 1000, 1);
+Waveform Tenths(const std::vector<double>& loudness) {
+  const Waveform tenth = Sine(kSlow, 0.1, 1000, 1);
   const double full = LoudnessOfSine(1000, kSlow, 1);
-  Samples samples;
+  Waveform samples;
   for (const double each : loudness) {
     Append(samples, Scaled(tenth, std::pow(10, (each - full) / 20)));
   }

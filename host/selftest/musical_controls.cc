@@ -15,8 +15,8 @@ constexpr size_t kHop = kWindow / 2;
 
 // One sample in the middle of each window, of these heights in turn; then what lies in the first
 // and last three bins.
-Samples Impulses(const std::vector<double>& heights, double beside) {
-  Samples samples(kWholeRate);
+Waveform Impulses(const std::vector<double>& heights, double beside) {
+  Waveform samples(kWholeRate);
   for (size_t i = 1; i < samples.size() / kHop; ++i) {
     samples[i * kHop] = static_cast<float>(0.1 * heights[i % heights.size()]);
   }

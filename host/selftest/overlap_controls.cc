@@ -12,13 +12,13 @@ constexpr int kRate = 8000;
 constexpr size_t kFrames = 8000;
 constexpr double kLoud = 10;
 
-Scene Pair(Samples reference, Samples output, double searchSeconds = 0.01) {
+Scene Pair(Waveform reference, Waveform output, double searchSeconds = 0.01) {
   return {.output = {kRate, {std::move(output)}},
           .reference = {kRate, {std::move(reference)}},
           .searchSeconds = searchSeconds};
 }
 
-Samples Cut(const Samples& samples, std::ptrdiff_t first, size_t count) {
+Waveform Cut(const Waveform& samples, std::ptrdiff_t first, size_t count) {
   const auto from = samples.begin() + first;
   return {from, from + static_cast<std::ptrdiff_t>(count)};
 }
@@ -33,12 +33,12 @@ Control LoudEnds(std::ptrdiff_t later) {
       "whole number of samples white noise is not what an interpolation leaves of it.",
       [later] {
         const auto apart = static_cast<size_t>(std::abs(later));
-        Samples common = WhiteNoise(kFrames, 0.1, 71);
+        Waveform common = WhiteNoise(kFrames, 0.1, 71);
         common.front() = common.back() = kLoud;
-        const Samples noisy = Sum(common, NoiseBelow(common, 20, kFrames, 72));
-        const Samples before = WhiteNoise(apart, 0.1, 73);
-        Samples reference = later < 0 ? before : common;
-        Samples output = later < 0 ? noisy : before;
+        const Waveform noisy = Sum(common, NoiseBelow(common, 20, kFrames, 72));
+        const Waveform before = WhiteNoise(apart, 0.1, 73);
+        Waveform reference = later < 0 ? before : common;
+        Waveform output = later < 0 ? noisy : before;
         Append(reference, later < 0 ? common : before);
         Append(output, later < 0 ? before : noisy);
         return Pair(reference, output);
@@ -50,7 +50,7 @@ Control LoudEnds(std::ptrdiff_t later) {
 }
 
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
-void AddClick(Samples& samples, double place, double size) {
+void AddClick(Waveform& samples, double place, double size) {
   for (int i = -60; i <= 60; ++i) {
     const double whole = std::round(place) + i;
     const double angle = 0.8 * std::numbers::pi * (whole - place);
@@ -79,11 +79,11 @@ Control LoudPlace(double later, bool isFirst) {
           [=] {
             constexpr size_t kLead = 200;
             const TimedNoise common(kFrames + 2 * kLead, 0.1, 74);
-            Samples reference = common.At(kLead, 1, kFrames);
+            Waveform reference = common.At(kLead, 1, kFrames);
             AddClick(reference, place, kLoud);
-            Samples output = common.At(kLead - later, 1, kFrames);
+            Waveform output = common.At(kLead - later, 1, kFrames);
             AddClick(output, place + later, kLoud);
-            const Samples own = TimedNoise(kFrames, 1, 75).At(0, 1, kFrames);
+            const Waveform own = TimedNoise(kFrames, 1, 75).At(0, 1, kFrames);
             const double gain = std::sqrt(0.01 * Energy(output) / Energy(own));
             return Pair(reference, Sum(output, Scaled(own, gain)));
           },
@@ -98,9 +98,9 @@ Control ClickAtStart() {
       "The first sample of the reference is that of the output 40 samples later: no other delay "
       "has a click in common.",
       [] {
-        Samples common = WhiteNoise(kFrames, 1e-4, 76);
+        Waveform common = WhiteNoise(kFrames, 1e-4, 76);
         common.front() = 1;
-        Samples output = WhiteNoise(40, 1e-4, 77);
+        Waveform output = WhiteNoise(40, 1e-4, 77);
         Append(output, common);
         return Pair(common, output);
       },
@@ -111,9 +111,9 @@ Control ClickBeyond() {
   return {"a click in the middle of the reference, and one after its end in the output",
           "Of what comes after the end of the shorter one nothing has anything in common with it.",
           [] {
-            Samples common = WhiteNoise(6000, 0.01, 78);
+            Waveform common = WhiteNoise(6000, 0.01, 78);
             common[3000] = 1;
-            Samples output = WhiteNoise(40, 0.01, 79);
+            Waveform output = WhiteNoise(40, 0.01, 79);
             Append(output, common);
             Append(output, WhiteNoise(2000, 0.01, 80));
             // A block of the search later, and 20 samples more.
@@ -129,7 +129,7 @@ Control ToneAndNoise() {
           "40 periods earlier the sine is the same and overlaps longer, but the noise, of a fifth "
           "of the energy, is not.",
           [] {
-            Samples common = WhiteNoise(12000, 0.1, 86);
+            Waveform common = WhiteNoise(12000, 0.1, 86);
             common = Sum(common, Sine(kRate, 1.5, 100, 0.2 * std::numbers::sqrt2));
             return Pair(Cut(common, 3200, 8000), Cut(common, 0, 8000), 1);
           },
@@ -143,7 +143,7 @@ Control BetweenSamples(std::ptrdiff_t later) {
   return {"a delay of " + std::to_string(later) + " samples, looked for within 80.48",
           "The search goes on to the next whole sample.",
           [=] {
-            const Samples noise = WhiteNoise(kFrames + 200, 0.1, 87);
+            const Waveform noise = WhiteNoise(kFrames + 200, 0.1, 87);
             return Pair(Cut(noise, 100, kFrames), Cut(noise, 100 - later, kFrames), 0.01006);
           },
           {isFound ? Expected{"delay", value, 0.002 / kRate}
@@ -154,7 +154,7 @@ Control Soft() {
   return {"soft noise, 7 samples late and softer by half",
           "Of an energy far below 1 all figures are those of a loud signal.",
           [] {
-            const Samples noise = WhiteNoise(kFrames + 7, 1e-7, 88);
+            const Waveform noise = WhiteNoise(kFrames + 7, 1e-7, 88);
             return Pair(Cut(noise, 7, kFrames), Scaled(Cut(noise, 0, kFrames), 0.5));
           },
           {{"delay", 7.0 / kRate, 0.002 / kRate},

@@ -10,13 +10,13 @@ namespace {
 
 // A copy, which is 0 cents higher where it has a pitch.
 Control Copy(const std::string& name, const std::string& theory, int rate,
-             const std::function<Samples()>& make, bool voiced) {
+             const std::function<Waveform()>& make, bool voiced) {
   Expected expected = {.measure = "pitch_cents", .value = 0, .tolerance = 1e-6};
   if (!voiced) expected.reason = "too little that has a pitch";
   return {name,
           theory,
           [=] {
-            const Samples samples = make();
+            const Waveform samples = make();
             return Scene{.output = {rate, {samples}}, .reference = {rate, {samples}}};
           },
           {expected}};
@@ -27,7 +27,7 @@ Control AtEdge(double hz, bool voiced) {
   return Copy(
       "a voice of " + std::to_string(hz) + " Hz", "Pitches from 60 to 1000 Hz count.", kFine,
       [hz] {
-        Samples samples = Sine(kFine, 0.2, hz, 0.3);
+        Waveform samples = Sine(kFine, 0.2, hz, 0.3);
         for (int k = 2; k <= 5; ++k) samples = Sum(samples, Sine(kFine, 0.2, k * hz, 0.3 / k, k));
         return samples;
       },
@@ -37,10 +37,10 @@ Control AtEdge(double hz, bool voiced) {
 // A sequence of 127 signs that has next to nothing in common with itself at any lag below 127: of a
 // shift register with the polynomial x^7 + x^6 + 1 (S. W. Golomb, "Shift Register Sequences",
 // 1967).
-Samples Signs(size_t count) {
+Waveform Signs(size_t count) {
   std::array<bool, 7> bits;
   bits.fill(true);
-  Samples samples(count);
+  Waveform samples(count);
   for (float& sample : samples) {
     sample = bits[6] ? 0.5F : -0.5F;
     const bool next = bits[6] != bits[5];
@@ -62,7 +62,7 @@ Control EndsAt(size_t count, bool voiced) {
       "with 98.",
       kSigned,
       [count] {
-        Samples samples = Signs(count);
+        Waveform samples = Signs(count);
         samples.resize(count + 4000);
         return samples;
       },
@@ -73,20 +73,20 @@ constexpr int kRate = 16000;
 
 // One sample each `period` samples, of these amplitudes in turn: from one whole turn to the next
 // the difference is 0, and it is the energy of both where no two pulses meet.
-Samples Pulses(size_t count, size_t period, const std::array<double, 2>& amplitudes) {
-  Samples samples(count);
+Waveform Pulses(size_t count, size_t period, const std::array<double, 2>& amplitudes) {
+  Waveform samples(count);
   for (size_t i = 0; i * period < count; ++i) {
     samples[i * period] = static_cast<float>(amplitudes[i % 2]);
   }
   return samples;
 }
 
-Samples Pulses(size_t count, size_t period, double amplitude = 0.5) {
+Waveform Pulses(size_t count, size_t period, double amplitude = 0.5) {
   return Pulses(count, period, {amplitude, amplitude});
 }
 
 Control Pitched(const std::string& name, const std::string& theory, int rate,
-                const std::function<Samples()>& reference, const std::function<Samples()>& output,
+                const std::function<Waveform()>& reference, const std::function<Waveform()>& output,
                 double cents) {
   return {name,
           theory,
@@ -98,7 +98,7 @@ Control Pitched(const std::string& name, const std::string& theory, int rate,
 
 // A copy of what either has a pitch or none, for this reason.
 Control Copied(const std::string& name, const std::string& theory, int rate,
-               const std::function<Samples()>& make, const std::string& reason = {}) {
+               const std::function<Waveform()>& make, const std::string& reason = {}) {
   Control control = Pitched(name, theory, rate, make, make, 0);
   control.expected = {{.measure = "pitch_cents", .value = 0, .tolerance = 1e-6, .reason = reason}};
   return control;
@@ -133,7 +133,7 @@ Control LastBlocks(size_t missing) {
       "one starts each 110 samples. It takes ten.",
       11025,
       [=] {
-        Samples samples = WhiteNoise(size_t{20} * 110, 0.25, 65);
+        Waveform samples = WhiteNoise(size_t{20} * 110, 0.25, 65);
         Append(samples, Pulses(9 * 110 + 275 + 183 + 2 - missing, 100));
         return samples;
       },
@@ -147,7 +147,7 @@ Control Softer(double energy, bool counts) {
       "What is no more than 30 dB softer than the loudest block counts, and lasts longer.", kRate,
       [] { return Pulses(kRate, 80); },
       [=] {
-        Samples samples = Pulses(kRate / 4, 80, 5);
+        Waveform samples = Pulses(kRate / 4, 80, 5);
         Append(samples, Pulses(kRate * 3 / 4, 50, std::sqrt(energy * 125 / 8)));
         return samples;
       },

@@ -12,7 +12,7 @@ constexpr int kRate = 16000;
 constexpr size_t kFrames = 32000;
 constexpr size_t kBlock = 320;  // 20 ms
 
-Scene Pair(Samples reference, Samples output, int rate = kRate) {
+Scene Pair(Waveform reference, Waveform output, int rate = kRate) {
   return {.output = {rate, {std::move(output)}}, .reference = {rate, {std::move(reference)}}};
 }
 
@@ -35,8 +35,8 @@ Control Copied(int rate, double gain, size_t later) {
           "Delay, gain and polarity are taken out first, and nothing else was done: every ratio is "
           "at its upper end, every distance 0, every correlation 1.",
           [=] {
-            const Samples noise = WhiteNoise(Frames(rate, 1) + later, 0.1, 21);
-            return Pair(Samples(noise.begin() + static_cast<std::ptrdiff_t>(later), noise.end()),
+            const Waveform noise = WhiteNoise(Frames(rate, 1) + later, 0.1, 21);
+            return Pair(Waveform(noise.begin() + static_cast<std::ptrdiff_t>(later), noise.end()),
                         Scaled(std::span(noise).first(Frames(rate, 1)), gain), rate);
           },
           Undamaged()};
@@ -46,7 +46,7 @@ Control Copied(int rate, double gain, size_t later) {
 Control SoftCopy() {
   return {"a copy of noise at -180 dB", "Nothing depends on the level: as louder copies.",
           [] {
-            const Samples noise = WhiteNoise(kFrames, 1e-9, 41);
+            const Waveform noise = WhiteNoise(kFrames, 1e-9, 41);
             return Pair(noise, Scaled(noise, 2));
           },
           Undamaged()};
@@ -61,7 +61,7 @@ Control Noisy(double snr, double rms = 0.1) {
       "start in the middle of those 20 ms, their SNR varies by a few tenths of a dB, the mean "
       "by a hundredth.",
       [=] {
-        const Samples reference = WhiteNoise(kFrames, rms, 22);
+        const Waveform reference = WhiteNoise(kFrames, rms, 22);
         return Pair(reference, Sum(reference, NoiseBelow(reference, snr, kBlock, 23)));
       },
       {{"snr", snr, 0.002},
@@ -71,8 +71,8 @@ Control Noisy(double snr, double rms = 0.1) {
 }
 
 // Noise whose RMS is the same in each millisecond.
-Samples Even(size_t count, size_t millisecond, uint64_t seed) {
-  Samples samples = WhiteNoise(count, 1, seed);
+Waveform Even(size_t count, size_t millisecond, uint64_t seed) {
+  Waveform samples = WhiteNoise(count, 1, seed);
   for (size_t start = 0; start < count; start += millisecond) {
     const auto part = std::span(samples).subspan(start, std::min(millisecond, count - start));
     const double gain = 0.1 * std::sqrt(static_cast<double>(part.size()) / Energy(part));
@@ -87,8 +87,8 @@ Control SegmentsApart() {
           "block in fifty that lies across a border and can be 20 dB off.",
           [] {
             constexpr std::array kSnrs = {-13.0, 5.0, 60.0, 20.0};
-            const Samples reference = WhiteNoise(8 * kRate, 0.1, 24);
-            Samples output;
+            const Waveform reference = WhiteNoise(8 * kRate, 0.1, 24);
+            Waveform output;
             for (size_t i = 0; i < 8; ++i) {
               const auto from = std::span(reference).subspan(i * kRate, kRate);
               Append(output, Sum(from, NoiseBelow(from, kSnrs[i % 4], kBlock, 25 + i)));
@@ -118,8 +118,8 @@ Control Hits() {
           "0.5 dB. In blocks of 10 ms it would be 6 dB higher.",
           [] {
             constexpr int rate = 8000;
-            const Samples reference = Even(20 * rate, rate / 1000, 31);
-            Samples noise = NoiseBelow(reference, 0, rate / 1000, 32);
+            const Waveform reference = Even(20 * rate, rate / 1000, 31);
+            Waveform noise = NoiseBelow(reference, 0, rate / 1000, 32);
             Random random(33);
             for (size_t start = 0; start < noise.size(); start += rate / 1000) {
               if (random.Uniform() < 0.05) continue;
@@ -137,7 +137,7 @@ Control Constant() {
       "constant is a difference like any other for the SNR: 10 log10(0.01 / (0.0001 + 0.0025)).",
       [] {
         // Every 20 ms of the reference have the mean 0, so that the constant is orthogonal.
-        Samples reference = WhiteNoise(kFrames, 1, 26);
+        Waveform reference = WhiteNoise(kFrames, 1, 26);
         for (size_t start = 0; start < kFrames; start += kBlock) {
           const auto block = std::span(reference).subspan(start, kBlock);
           double mean = 0;
@@ -146,7 +146,7 @@ Control Constant() {
           const double gain = 0.1 * std::sqrt(kBlock / Energy(block));
           for (float& sample : block) sample = static_cast<float>(sample * gain);
         }
-        Samples output = Sum(reference, NoiseBelow(reference, 20, kBlock, 27));
+        Waveform output = Sum(reference, NoiseBelow(reference, 20, kBlock, 27));
         for (float& sample : output) sample += 0.05F;
         return Pair(reference, output);
       },
@@ -158,9 +158,9 @@ Control LastBit() {
           "The difference has the magnitude 2^-15 throughout: below a signal of RMS 0.1 by 20 "
           "log10(0.1 * 2^15) dB, to what chance leaves common to both, 0.01 dB.",
           [] {
-            Samples reference = WhiteNoise(kFrames, 1, 28);
+            Waveform reference = WhiteNoise(kFrames, 1, 28);
             reference = Scaled(reference, 0.1 * std::sqrt(kFrames / Energy(reference)));
-            Samples output = reference;
+            Waveform output = reference;
             Random random(29);
             for (float& sample : output) sample += random.Bits() % 2 == 0 ? 0x1p-15F : -0x1p-15F;
             return Pair(reference, output);
@@ -183,10 +183,10 @@ Control HalvesApart() {
       "not at all, and the levels of the whole by 10 log10((1.21 + 0.81) / 2). Some blocks lie "
       "on the border.",
       [] {
-        Samples half = WhiteNoise(kFrames, 0.1, 30);
-        Samples reference = half;
+        Waveform half = WhiteNoise(kFrames, 0.1, 30);
+        Waveform reference = half;
         Append(reference, half);
-        Samples output = Scaled(half, 1.1);
+        Waveform output = Scaled(half, 1.1);
         Append(output, Scaled(half, 0.9));
         return Pair(reference, output);
       },

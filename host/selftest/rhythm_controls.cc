@@ -12,7 +12,7 @@ constexpr double kStep = 0.01;  // s
 
 // Clicks after so many steps.
 Scene Clicking(const std::vector<double>& steps, double seconds) {
-  Samples samples(Frames(kRate, seconds));
+  Waveform samples(Frames(kRate, seconds));
   for (const double step : steps) samples[Frames(kRate, step * kStep)] = 0.5F;
   return {.output = {kRate, {std::move(samples)}}};
 }
@@ -151,7 +151,7 @@ Control SoftBesideLoud(int soft, double bpm) {
               place += i < soft ? 50 : 100;
               bursts.emplace_back(place * kStep, amplitude);
             }
-            Samples samples = Sine(kRate, place * kStep + 2, 7000, 0.3);
+            Waveform samples = Sine(kRate, place * kStep + 2, 7000, 0.3);
             for (const auto& [time, amplitude] : bursts) {
               AddBell(samples, kRate, time, 5000, amplitude);
             }
@@ -167,7 +167,7 @@ Control Swelling() {
           "is 0.03 beside that of the bursts: nothing. Over two seconds it leaves 0.59, and 0.3.",
           [] {
             constexpr int rate = 8000;
-            Samples samples = Sine(rate, 40, 3900, 0.01);
+            Waveform samples = Sine(rate, 40, 3900, 0.01);
             Random random(5);
             int band = 0;
             for (double time = 0.2; time < 39.7; time += kStep) {
@@ -184,13 +184,13 @@ Control Swelling() {
 
 Control Beating(const std::string& name, const std::string& theory,
                 const std::vector<double>& beats, const std::vector<double>& truth, double f) {
-  return {
-      name,
-      theory,
-      [=] {
-        return Scene{.output = {16000, {Samples(16000, 0.1F)}}, .beats = beats, .trueBeats = truth};
-      },
-      {{"beat_f", f, 1e-9}}};
+  return {name,
+          theory,
+          [=] {
+            return Scene{
+                .output = {16000, {Waveform(16000, 0.1F)}}, .beats = beats, .trueBeats = truth};
+          },
+          {{"beat_f", f, 1e-9}}};
 }
 
 std::vector<Control> Beats() {
@@ -231,7 +231,7 @@ Control FirstSample() {
   return {"one sample at the very start",
           "It is no silence, and nothing sets in.",
           [] {
-            Samples samples(Frames(kRate, 7));
+            Waveform samples(Frames(kRate, 7));
             samples.front() = 0.5F;
             return Scene{.output = {kRate, {samples, samples}}};
           },

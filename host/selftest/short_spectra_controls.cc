@@ -18,7 +18,7 @@ constexpr size_t kBins = kWindow / 2 + 1;
 using Lines = std::array<double, kBins>;
 
 // The delay is looked for within 5 ms, so that what repeats itself is not taken for being late.
-Scene Pair(Samples reference, Samples output) {
+Scene Pair(Waveform reference, Waveform output) {
   return {.output = {kRate, {std::move(output)}},
           .reference = {kRate, {std::move(reference)}},
           .searchSeconds = 0.005};
@@ -97,7 +97,7 @@ Lines LinesOf(const std::vector<Tone>& tones, bool ofOutput, double common) {
   return lines;
 }
 
-Samples Sounding(const std::vector<Tone>& tones, bool ofOutput) {
+Waveform Sounding(const std::vector<Tone>& tones, bool ofOutput) {
   std::array<double, kWindow> period = {};
   for (const Tone& tone : tones) {
     const double height = tone.amplitude * (ofOutput ? tone.gain : 1);
@@ -107,7 +107,7 @@ Samples Sounding(const std::vector<Tone>& tones, bool ofOutput) {
       period[i] += height * (tone.periods == 0 ? 1 : std::sin(phase));
     }
   }
-  Samples samples = WhiteNoise(34 * kWindow, 1e-7, 37);
+  Waveform samples = WhiteNoise(34 * kWindow, 1e-7, 37);
   for (size_t i = 0; i < samples.size(); ++i) {
     samples[i] += static_cast<float>(period[i % kWindow]);
   }
@@ -158,8 +158,8 @@ struct Peak {
 
 // The last one ends the signal, so that it is in the last window alone, as the first one is in the
 // first.
-Samples Peaked(const std::vector<Peak>& peaks, bool ofOutput) {
-  Samples samples((peaks.size() - 1) * kWindow + kHop);
+Waveform Peaked(const std::vector<Peak>& peaks, bool ofOutput) {
+  Waveform samples((peaks.size() - 1) * kWindow + kHop);
   for (size_t i = 0; i < peaks.size(); ++i) {
     samples[i * kWindow + kHop / 2] =
         static_cast<float>(ofOutput ? peaks[i].changed : peaks[i].height);
@@ -249,8 +249,8 @@ Control HighSine() {
           "Windows of the sine alone have nothing in the critical bands; in all bands of the "
           "others the samples have half the height over the common gain.",
           [peaks] {
-            const Samples noise = WhiteNoise(2 * kRate, 1e-7, 38);
-            const Samples sine = Sum(Sine(kRate, 2, 124.0 * kRate / kWindow, kHeight), noise);
+            const Waveform noise = WhiteNoise(2 * kRate, 1e-7, 38);
+            const Waveform sine = Sum(Sine(kRate, 2, 124.0 * kRate / kWindow, kHeight), noise);
             return Pair(Sum(Peaked(peaks, false), sine), Sum(Peaked(peaks, true), sine));
           },
           {{"fw_seg_snr", -20 * std::log10(1 - 0.5 / common), 0.01}}};
@@ -261,7 +261,7 @@ Control HighSineAlone() {
       "a sine of 4133 Hz",
       "It is above all critical bands, and as it was.",
       [] {
-        const Samples sine =
+        const Waveform sine =
             Sum(Sine(kRate, 1, 124.0 * kRate / kWindow, 0.03), WhiteNoise(kRate, 1e-7, 38));
         return Pair(sine, sine);
       },

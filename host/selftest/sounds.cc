@@ -25,8 +25,8 @@ size_t Frames(int rate, double seconds) {
   return static_cast<size_t>(std::llround(rate * seconds));
 }
 
-Samples Sine(int rate, double seconds, double hz, double amplitude, double phase) {
-  Samples samples(Frames(rate, seconds));
+Waveform Sine(int rate, double seconds, double hz, double amplitude, double phase) {
+  Waveform samples(Frames(rate, seconds));
   for (size_t i = 0; i < samples.size(); ++i) {
     const double turns = std::fmod(hz * static_cast<double>(i) / rate, 1.0);
     samples[i] = static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * turns + phase));
@@ -34,14 +34,14 @@ Samples Sine(int rate, double seconds, double hz, double amplitude, double phase
   return samples;
 }
 
-Samples WhiteNoise(size_t count, double rms, uint64_t seed) {
+Waveform WhiteNoise(size_t count, double rms, uint64_t seed) {
   Random random(seed);
-  Samples samples(count);
+  Waveform samples(count);
   for (float& sample : samples) sample = static_cast<float>(rms * random.Normal());
   return samples;
 }
 
-void AddBell(Samples& samples, int rate, double time, double hz, double amplitude) {
+void AddBell(Waveform& samples, int rate, double time, double hz, double amplitude) {
   constexpr double kDeviation = 0.02;  // s
   const size_t end = std::min(samples.size(), Frames(rate, time + 5 * kDeviation));
   for (size_t i = Frames(rate, std::max(0.0, time - 5 * kDeviation)); i < end; ++i) {
@@ -51,27 +51,27 @@ void AddBell(Samples& samples, int rate, double time, double hz, double amplitud
   }
 }
 
-Samples Impulses(int rate, size_t apart, double height) {
-  Samples samples(Frames(rate, 2));
+Waveform Impulses(int rate, size_t apart, double height) {
+  Waveform samples(Frames(rate, 2));
   for (size_t i = apart / 2; i < samples.size(); i += apart) {
     samples[i] = static_cast<float>(height);
   }
   return samples;
 }
 
-Samples Scaled(std::span<const float> samples, double gain) {
-  Samples scaled(samples.begin(), samples.end());
+Waveform Scaled(std::span<const float> samples, double gain) {
+  Waveform scaled(samples.begin(), samples.end());
   for (float& sample : scaled) sample = static_cast<float>(sample * gain);
   return scaled;
 }
 
-Samples Sum(std::span<const float> a, std::span<const float> b) {
-  Samples sum(a.begin(), a.end());
+Waveform Sum(std::span<const float> a, std::span<const float> b) {
+  Waveform sum(a.begin(), a.end());
   for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) sum[i] += b[i];
   return sum;
 }
 
-void Append(Samples& to, std::span<const float> samples) {
+void Append(Waveform& to, std::span<const float> samples) {
   to.insert(to.end(), samples.begin(), samples.end());
 }
 
@@ -83,7 +83,7 @@ double Product(std::span<const float> a, std::span<const float> b) {
   return sum;
 }
 
-constexpr int kHalfWindow = 64;  // Samples.
+constexpr int kHalfWindow = 64;  // Waveform.
 constexpr double kPassed = 0.8;  // Of half the rate.
 
 }  // namespace
@@ -127,16 +127,16 @@ double TimedNoise::At(double place) const {
   return sum;
 }
 
-Samples TimedNoise::At(double first, double step, size_t count) const {
-  Samples samples(count);
+Waveform TimedNoise::At(double first, double step, size_t count) const {
+  Waveform samples(count);
   for (size_t i = 0; i < count; ++i) {
     samples[i] = static_cast<float>(At(first + step * static_cast<double>(i)));
   }
   return samples;
 }
 
-Samples NoiseBelow(std::span<const float> signal, double snr, size_t block, uint64_t seed) {
-  Samples noise = WhiteNoise(signal.size(), 1, seed);
+Waveform NoiseBelow(std::span<const float> signal, double snr, size_t block, uint64_t seed) {
+  Waveform noise = WhiteNoise(signal.size(), 1, seed);
   for (size_t start = 0; start < signal.size(); start += block) {
     const size_t count = std::min(block, signal.size() - start);
     const auto from = signal.subspan(start, count);

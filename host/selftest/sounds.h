@@ -7,7 +7,7 @@
 
 namespace host {
 
-using Samples = std::vector<float>;
+using Waveform = std::vector<float>;
 
 // Random numbers that are the same everywhere (splitmix64).
 class Random {
@@ -25,18 +25,18 @@ class Random {
 size_t Frames(int rate, double seconds);
 
 // amplitude * sin(2 pi hz t + phase).
-Samples Sine(int rate, double seconds, double hz, double amplitude, double phase = 0);
-Samples WhiteNoise(size_t count, double rms, uint64_t seed);
+Waveform Sine(int rate, double seconds, double hz, double amplitude, double phase = 0);
+Waveform WhiteNoise(size_t count, double rms, uint64_t seed);
 
 // A tone in a bell of 20 ms to either side of the time, so that it is heard in its own band alone.
-void AddBell(Samples& samples, int rate, double time, double hz, double amplitude);
+void AddBell(Waveform& samples, int rate, double time, double hz, double amplitude);
 
 // One sample of this height each `apart` samples, in 2 s: flat spectra.
-Samples Impulses(int rate, size_t apart, double height);
+Waveform Impulses(int rate, size_t apart, double height);
 
-Samples Scaled(std::span<const float> samples, double gain);
-Samples Sum(std::span<const float> a, std::span<const float> b);
-void Append(Samples& to, std::span<const float> samples);
+Waveform Scaled(std::span<const float> samples, double gain);
+Waveform Sum(std::span<const float> a, std::span<const float> b);
+void Append(Waveform& to, std::span<const float> samples);
 double Energy(std::span<const float> samples);
 
 // Noise that is a function of time, so that it is known between the samples too: white numbers, one
@@ -46,16 +46,16 @@ class TimedNoise {
   TimedNoise(size_t count, double rms, uint64_t seed);
 
   // The values at first + i * step, in samples, for i from 0 to count - 1.
-  Samples At(double first, double step, size_t count) const;
+  Waveform At(double first, double step, size_t count) const;
 
  private:
   double At(double place) const;
 
-  Samples m_numbers;
+  Waveform m_numbers;
 };
 
 // White noise that has nothing of the signal in it: orthogonal to it in every block of `block`
 // samples, and `snr` dB below it in each.
-Samples NoiseBelow(std::span<const float> signal, double snr, size_t block, uint64_t seed);
+Waveform NoiseBelow(std::span<const float> signal, double snr, size_t block, uint64_t seed);
 
 }  // namespace host

@@ -10,7 +10,7 @@ namespace {
 
 // The delay is looked for within 5 ms, so that a train of single samples is not taken for one that
 // is a period later.
-Scene Pair(Samples reference, Samples output, int rate) {
+Scene Pair(Waveform reference, Waveform output, int rate) {
   return {.output = {rate, {std::move(output)}},
           .reference = {rate, {std::move(reference)}},
           .searchSeconds = 0.005};
@@ -28,8 +28,8 @@ Control Comb(double a) {
           "ln |1 + a exp(i w)| has the mean square (1 / 2) sum a^2n / (2 n^2) over all w. The "
           "window of 30 ms is 1 % steeper on one of both: 2 %.",
           [a] {
-            const Samples reference = Impulses(16000, 480, 0.5);
-            Samples output = reference;
+            const Waveform reference = Impulses(16000, 480, 0.5);
+            Waveform output = reference;
             for (size_t i = 3; i < output.size(); ++i) {
               output[i] += static_cast<float>(a * reference[i - 3]);
             }
@@ -49,8 +49,8 @@ Control HalfSilent() {
       "Where nothing is left the spectrum counts as 60 dB below the maximum of all: windows of "
       "30 ms every 7.5 ms see a sample whole or, twice of three times, at half its height.",
       [] {
-        const Samples reference = Impulses(16000, 480, 0.5);
-        Samples output = reference;
+        const Waveform reference = Impulses(16000, 480, 0.5);
+        Waveform output = reference;
         std::fill(output.begin() + 16080, output.end(), 0.0F);
         return Pair(reference, output, 16000);
       },
@@ -76,11 +76,11 @@ Control Bands(const std::string& name, std::vector<double> decibels) {
           "neighbours share.",
           [decibels] {
             const int rate = 16000;
-            Samples reference(Frames(rate, 3));
-            Samples output = reference;
+            Waveform reference(Frames(rate, 3));
+            Waveform output = reference;
             for (size_t i = 0; i < bands; ++i) {
               const double hz = 1000 * std::pow(10, (static_cast<double>(i) - 13) / 10);
-              const Samples tone = Sine(rate, 3, hz, 0.03, static_cast<double>(i * i));
+              const Waveform tone = Sine(rate, 3, hz, 0.03, static_cast<double>(i * i));
               reference = Sum(reference, tone);
               output = Sum(output, Scaled(tone, std::pow(10, decibels[i] / 20)));
             }
@@ -90,9 +90,9 @@ Control Bands(const std::string& name, std::vector<double> decibels) {
 }
 
 // What passes a low-pass of linear phase, 100 samples to either side.
-Samples Below(std::span<const float> samples, double share) {
+Waveform Below(std::span<const float> samples, double share) {
   constexpr int kReach = 100;
-  Samples passed(samples.size());
+  Waveform passed(samples.size());
   for (int k = -kReach; k <= kReach; ++k) {
     const double turn = std::numbers::pi * k;
     const double sinc = k == 0 ? share : std::sin(turn * share) / turn;
@@ -121,9 +121,9 @@ Control UpperBands(double off) {
       "band at the edge sees both.",
       [off, share] {
         const int rate = 8000;
-        const Samples noise = WhiteNoise(4 * static_cast<size_t>(rate), 0.1, 34);
-        const Samples low = Below(noise, share);
-        const Samples high = Scaled(Sum(noise, Scaled(low, -1)), 0.1);
+        const Waveform noise = WhiteNoise(4 * static_cast<size_t>(rate), 0.1, 34);
+        const Waveform low = Below(noise, share);
+        const Waveform high = Scaled(Sum(noise, Scaled(low, -1)), 0.1);
         return Pair(Sum(low, high), Sum(low, Scaled(high, 1 + off)), rate);
       },
       {{"fw_seg_snr", (13 * weight * ofLow + 12 * ofHigh) / (13 * weight + 12), 0.4}}};
@@ -137,9 +137,9 @@ Control SoftBand(double below, double gain, double worst) {
       "counts as 100 dB below the strong one at least.",
       [=] {
         const int rate = 16000;
-        const Samples noise = WhiteNoise(Frames(rate, 3), 1e-7, 35);
-        const Samples strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
-        const Samples soft = Sine(rate, 3, 3981.07, 0.5 * std::pow(10, -below / 20));
+        const Waveform noise = WhiteNoise(Frames(rate, 3), 1e-7, 35);
+        const Waveform strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
+        const Waveform soft = Sine(rate, 3, 3981.07, 0.5 * std::pow(10, -below / 20));
         return Pair(Sum(strong, soft), Sum(strong, Scaled(soft, gain)), rate);
       },
       {{"band_difference_worst", worst, 0.05}}};
@@ -150,7 +150,7 @@ Control OneWindow(size_t samples, const std::string& reason) {
   return {"a copy of " + std::to_string(samples) + " samples",
           "Bands take one window at least.",
           [samples] {
-            const Samples noise = WhiteNoise(samples, 0.1, 39);
+            const Waveform noise = WhiteNoise(samples, 0.1, 39);
             return Pair(noise, noise, 16000);
           },
           {{"band_difference", 0, 0.001, reason}, {"band_difference_worst", 0, 0.001, reason}}};
@@ -162,8 +162,8 @@ Control LostBand() {
           "the strong tone are as they were.",
           [] {
             const int rate = 16000;
-            const Samples noise = WhiteNoise(Frames(rate, 3), 1e-7, 36);
-            const Samples strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
+            const Waveform noise = WhiteNoise(Frames(rate, 3), 1e-7, 36);
+            const Waveform strong = Sum(Sine(rate, 3, 1000, 0.5), noise);
             return Pair(Sum(strong, Sine(rate, 3, 3000, 0.5e-4)), strong, rate);
           },
           {{"fw_seg_snr", 35, 0.02}}};

@@ -40,7 +40,7 @@ Control SpeechControl(const std::string& name, int rate, double on, double off) 
           "to rise to it. All energy over that time is the active level. The method reads between "
           "thresholds 6 dB apart on a line: 5 ms a burst.",
           [=] {
-            Samples samples;
+            Waveform samples;
             for (int i = 0; i < bursts; ++i) {
               for (size_t n = 0; n < Frames(rate, on); ++n) {
                 samples.push_back(n % 8 < 4 ? 0.25F : -0.25F);
@@ -96,8 +96,8 @@ Active ByDefinition(std::span<const float> samples, int rate) {
 }
 
 // Noise in syllables of growing length and level.
-Samples Syllables(int rate, double gain) {
-  Samples samples;
+Waveform Syllables(int rate, double gain) {
+  Waveform samples;
   for (int i = 0; i < 8; ++i) {
     const double rms = 0.1 * gain * std::pow(1.3, i);
     Append(samples, WhiteNoise(Frames(rate, 0.05 + 0.07 * i), rms, 31 + static_cast<uint64_t>(i)));
@@ -126,7 +126,7 @@ Control Steady(double level, const std::string& reason) {
       "2^3 of full scale, and the one sought lies 15.9 dB below the level: from -104.5 to 34.0 "
       "dBFS there is one.",
       [level] {
-        Samples samples(80000, static_cast<float>(std::pow(10, level / 20)));
+        Waveform samples(80000, static_cast<float>(std::pow(10, level / 20)));
         for (size_t i = 0; i < samples.size(); i += 2) samples[i] = -samples[i];
         return Scene{.output = {8000, {samples}}};
       },
@@ -139,7 +139,7 @@ Control Click(float height) {
       "Smoothed twice over 240 samples it rises to 1 / (240 e) of its height: at 0.001 past the "
       "lowest threshold alone, 28 dB below the level of that time, at 0.0001 past none.",
       [height] {
-        Samples samples(8000);
+        Waveform samples(8000);
         samples[4000] = height;
         return Scene{.output = {8000, {samples}}};
       },

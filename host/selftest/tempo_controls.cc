@@ -18,8 +18,8 @@ struct Onset {
   double gain = 1;
 };
 
-Samples Sounding(int rate, double seconds, const std::vector<Onset>& onsets) {
-  Samples samples(Frames(rate, seconds));
+Waveform Sounding(int rate, double seconds, const std::vector<Onset>& onsets) {
+  Waveform samples(Frames(rate, seconds));
   for (const Onset& onset : onsets) {
     if (onset.tones.empty()) samples[Frames(rate, onset.time)] = 0.5F;
     for (const double hz : onset.tones) AddBell(samples, rate, onset.time, hz, 0.1 * onset.gain);
@@ -72,7 +72,7 @@ Control SparseControl(const std::string& name, const Sparse& sparse, int steps, 
   Control control = {name,
                      kSparseTheory,
                      [=] {
-                       Samples samples = Sounding(rate, seconds, OnsetsOf(sparse));
+                       Waveform samples = Sounding(rate, seconds, OnsetsOf(sparse));
                        if (sparse.steady) samples = Sum(samples, Sine(rate, seconds, 7000, 0.3));
                        return Scene{.output = {rate, {std::move(samples)}}};
                      },
@@ -148,7 +148,7 @@ Control LastWindow(bool heard) {
               (heard ? "whole" : "one sample too short"),
           "Windows that are not whole do not count: there is one onset or two.",
           [heard] {
-            Samples samples(2000 * 160 + 1024);
+            Waveform samples(2000 * 160 + 1024);
             samples[samples.size() - 150] = 0.9F;
             samples[samples.size() - 150 - kRate / 2] = 0.05F;
             samples.resize(samples.size() - (heard ? 0 : 1));
@@ -219,7 +219,7 @@ std::vector<Control> SoftPairs() {
 
 // What has no beat.
 Control Without(const std::string& name, const std::string& theory,
-                const std::function<Samples()>& make) {
+                const std::function<Waveform()>& make) {
   return {name,
           theory,
           [make] {
@@ -236,7 +236,7 @@ std::vector<Control> WithoutBeat() {
           Without("a tone throughout and a burst after half a second",
                   "What is there from the start on does not set in: there is one onset.",
                   [] {
-                    const Samples burst = Sounding(kRate, 20, {{0.5, {2000}}});
+                    const Waveform burst = Sounding(kRate, 20, {{0.5, {2000}}});
                     return Sum(burst, Sine(kRate, 20, 7000, 0.3));
                   }),
           Without("two clicks half a second less than 2048 steps apart",
@@ -254,7 +254,7 @@ Control SixSeconds(size_t less, Expected expected) {
           [less] {
             std::vector<Onset> onsets;
             for (int i = 0; i < 11; ++i) onsets.push_back({0.2 + 0.5 * i});
-            Samples samples = Sounding(kRate, 6, onsets);
+            Waveform samples = Sounding(kRate, 6, onsets);
             samples.resize(samples.size() - less);
             return Scene{.output = {kRate, {std::move(samples)}}};
           },
@@ -280,7 +280,7 @@ std::vector<Control> TempoControls() {
   controls.push_back({"white noise, upside down in the other channel",
                       "A beat is that of the mean of both, which is silence.",
                       [] {
-                        const Samples noise = WhiteNoise(10 * kRate, 0.1, 72);
+                        const Waveform noise = WhiteNoise(10 * kRate, 0.1, 72);
                         return Scene{.output = {kRate, {noise, Scaled(noise, -1)}}};
                       },
                       {{.measure = "tempo", .reason = audio_measures::kSilence}}});

@@ -11,8 +11,8 @@ Control Longer(size_t input, size_t output) {
   return {"an output of " + std::to_string(output) + " samples from " + std::to_string(input),
           "The ratio of both.",
           [=] {
-            return Scene{.output = {16000, {Samples(output, 0.1F)}},
-                         .input = {16000, {Samples(input, 0.1F)}}};
+            return Scene{.output = {16000, {Waveform(output, 0.1F)}},
+                         .input = {16000, {Waveform(input, 0.1F)}}};
           },
           {{"length_factor", static_cast<double>(output) / static_cast<double>(input), 1e-9}}};
 }
@@ -21,14 +21,14 @@ Control LongerThanNothing() {
   return {"an output from an input of no samples",
           "No length has a ratio to 0.",
           [] {
-            return Scene{.output = {16000, {Samples(100, 0.1F)}}, .input = {16000, {Samples()}}};
+            return Scene{.output = {16000, {Waveform(100, 0.1F)}}, .input = {16000, {Waveform()}}};
           },
           {{.measure = "length_factor", .reason = audio_measures::kNoSamples}}};
 }
 
 // A voice: harmonics that fall with their number.
-Samples Voice(int rate, double seconds, double hz) {
-  Samples samples(Frames(rate, seconds));
+Waveform Voice(int rate, double seconds, double hz) {
+  Waveform samples(Frames(rate, seconds));
   for (int k = 1; k <= 5; ++k) samples = Sum(samples, Sine(rate, seconds, k * hz, 0.3 / k, k));
   return samples;
 }
@@ -50,7 +50,7 @@ Control OtherTimbre() {
           "Both repeat themselves after one period of 220 Hz, the second nearly after half of it: "
           "0 cents.",
           [] {
-            const Samples sine = Sine(16000, 0.5, 220, 0.3);
+            const Waveform sine = Sine(16000, 0.5, 220, 0.3);
             return Scene{.output = {16000, {Sum(sine, Sine(16000, 0.5, 440, 0.3))}},
                          .reference = {16000, {sine}}};
           },
@@ -66,11 +66,11 @@ struct Stretch {
   double gain = 1;
 };
 
-Samples Stretches(const std::vector<Stretch>& stretches) {
-  Samples samples;
+Waveform Stretches(const std::vector<Stretch>& stretches) {
+  Waveform samples;
   for (const Stretch& each : stretches) {
-    const Samples part = each.hz > 0 ? Voice(kVoiceRate, each.seconds, each.hz)
-                                     : WhiteNoise(Frames(kVoiceRate, each.seconds), 0.2, 61);
+    const Waveform part = each.hz > 0 ? Voice(kVoiceRate, each.seconds, each.hz)
+                                      : WhiteNoise(Frames(kVoiceRate, each.seconds), 0.2, 61);
     Append(samples, Scaled(part, each.gain));
   }
   return samples;
@@ -121,9 +121,9 @@ Control BesideZero() {
   return {"a voice 300 cents higher, both beside a constant",
           "What is constant is the same one period later.",
           [] {
-            Samples reference = Voice(kVoiceRate, 0.5, 150);
-            Samples output = Voice(kVoiceRate, 0.5, 150 * std::exp2(0.25));
-            for (Samples* const each : {&reference, &output}) {
+            Waveform reference = Voice(kVoiceRate, 0.5, 150);
+            Waveform output = Voice(kVoiceRate, 0.5, 150 * std::exp2(0.25));
+            for (Waveform* const each : {&reference, &output}) {
               for (float& sample : *each) sample += 0.4F;
             }
             return Scene{.output = {kVoiceRate, {output}}, .reference = {kVoiceRate, {reference}}};
@@ -140,7 +140,8 @@ Control ShortVoice(size_t blocks) {
           "voice; they start every 10 ms, and the voice ends 0.6 ms after the last of them. It "
           "takes ten.",
           [blocks] {
-            Samples samples = Voice(kVoiceRate, 0.03 + 0.01 * static_cast<double>(blocks - 1), 200);
+            Waveform samples =
+                Voice(kVoiceRate, 0.03 + 0.01 * static_cast<double>(blocks - 1), 200);
             Append(samples, Voice(kVoiceRate, 0.0006, 200));
             samples.resize(kVoiceRate);
             return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
@@ -156,7 +157,7 @@ Control VoiceBeforeNoise(size_t blocks) {
       "A block of 25 ms is voiced where both it and what is a period of 5 ms later are in the "
       "voice; the noise in any other makes up more than the threshold of a tenth. It takes ten.";
   control.make = [blocks] {
-    Samples samples = Voice(kVoiceRate, 0.0306 + 0.01 * static_cast<double>(blocks - 1), 200);
+    Waveform samples = Voice(kVoiceRate, 0.0306 + 0.01 * static_cast<double>(blocks - 1), 200);
     Append(samples, WhiteNoise(kVoiceRate / 2, 0.25, 63));
     return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
   };
@@ -179,9 +180,9 @@ Control InNoise() {
           "Noise of a twentieth of the power adds the same to the difference at every lag, which "
           "leaves the parabola where it was; over 95 blocks its chance is 0.5 cents.",
           [] {
-            const Samples voice = Voice(kVoiceRate, 1, kVoiceRate / 79.6);
+            const Waveform voice = Voice(kVoiceRate, 1, kVoiceRate / 79.6);
             const double power = Energy(voice) / static_cast<double>(voice.size());
-            const Samples noise = WhiteNoise(voice.size(), std::sqrt(power / 19), 64);
+            const Waveform noise = WhiteNoise(voice.size(), std::sqrt(power / 19), 64);
             return Scene{.output = {kVoiceRate, {Sum(voice, noise)}},
                          .reference = {kVoiceRate, {Voice(kVoiceRate, 1, 200)}}};
           },
@@ -198,10 +199,10 @@ Control NoisyVoice(double share, bool voiced) {
       "lags twice that of both: their ratio is the share, to a fifth of it for 400 samples, and "
       "the threshold 0.1.",
       [share] {
-        const Samples voice = Voice(kVoiceRate, 1, 200);
+        const Waveform voice = Voice(kVoiceRate, 1, 200);
         const double power = Energy(voice) / static_cast<double>(voice.size());
-        const Samples noise = WhiteNoise(voice.size(), std::sqrt(power * share / (1 - share)), 62);
-        const Samples samples = Sum(voice, noise);
+        const Waveform noise = WhiteNoise(voice.size(), std::sqrt(power * share / (1 - share)), 62);
+        const Waveform samples = Sum(voice, noise);
         return Scene{.output = {kVoiceRate, {samples}}, .reference = {kVoiceRate, {samples}}};
       },
       {expected}};
@@ -212,7 +213,7 @@ Control SilentReference() {
           "Silence has no pitch.",
           [] {
             return Scene{.output = {kVoiceRate, {Voice(kVoiceRate, 0.5, 200)}},
-                         .reference = {kVoiceRate, {Samples(8000)}}};
+                         .reference = {kVoiceRate, {Waveform(8000)}}};
           },
           {{.measure = "pitch_cents", .reason = audio_measures::kSilence}}};
 }
@@ -221,7 +222,7 @@ Control Clicking(double bpm, int rate) {
   return {"clicks at " + std::to_string(bpm) + " BPM and " + std::to_string(rate) + " Hz",
           "A click of 5 ms each 60 / BPM s; known over eight beats to a fraction of 10 ms: 0.3 %.",
           [=] {
-            Samples samples(Frames(rate, 12));
+            Waveform samples(Frames(rate, 12));
             Random random(51);
             for (double t = 0.1; t < 11.9; t += 60 / bpm) {
               for (size_t i = 0; i < Frames(rate, 0.005); ++i) {

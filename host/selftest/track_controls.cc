@@ -15,7 +15,7 @@ constexpr double kPpm = 1e6 / kPiece;  // Of a slope in samples from piece to pi
 
 // A piece of 2 s of the output.
 struct Piece {
-  double later = 0;  // Samples.
+  double later = 0;  // Waveform.
   double gain = 1;
 };
 
@@ -38,14 +38,14 @@ Scene InPieces(const Pieces& pieces) {
   const size_t frames = pieces.size() * kPiece;
   const bool whole = std::ranges::all_of(
       pieces, [](const Piece& each) { return each.later == std::round(each.later); });
-  const Samples white = WhiteNoise(whole ? frames + 2 * kLead : 0, 0.1, 81);
+  const Waveform white = WhiteNoise(whole ? frames + 2 * kLead : 0, 0.1, 81);
   const TimedNoise timed(whole ? 0 : frames + 2 * kLead, 0.1, 81);
   const auto at = [&](double first, size_t count) {
     if (!whole) return timed.At(first, 1, count);
     const auto from = white.begin() + static_cast<std::ptrdiff_t>(first);
-    return Samples(from, from + static_cast<std::ptrdiff_t>(count));
+    return Waveform(from, from + static_cast<std::ptrdiff_t>(count));
   };
-  Samples output;
+  Waveform output;
   for (size_t i = 0; i < pieces.size(); ++i) {
     const double first = static_cast<double>(kLead + i * kPiece) - pieces[i].later;
     Append(output, Scaled(at(first, kPiece), pieces[i].gain));
@@ -130,14 +130,14 @@ Control Repeating(double share) {
       "One period earlier the second piece has the correlation 1 less that share. Where the "
       "piece before was it stays, unless another delay is better by a thousandth.",
       [share] {
-        const Samples period = WhiteNoise(kPeriod, 0.1 * std::sqrt(1 - share), 83);
-        Samples noise = WhiteNoise(2 * kPiece + 2 * kLead, 0.1 * std::sqrt(share), 84);
+        const Waveform period = WhiteNoise(kPeriod, 0.1 * std::sqrt(1 - share), 83);
+        Waveform noise = WhiteNoise(2 * kPiece + 2 * kLead, 0.1 * std::sqrt(share), 84);
         for (size_t i = 0; i < noise.size(); ++i) noise[i] += period[i % kPeriod];
         const auto at = [&](size_t first, size_t count) {
           const auto from = noise.begin() + static_cast<std::ptrdiff_t>(first);
-          return Samples(from, from + static_cast<std::ptrdiff_t>(count));
+          return Waveform(from, from + static_cast<std::ptrdiff_t>(count));
         };
-        Samples output = at(kLead, kPiece);
+        Waveform output = at(kLead, kPiece);
         Append(output, at(kLead + kPiece - kPeriod, kPiece + kPeriod));
         return Scene{.output = {kRate, {output}},
                      .reference = {kRate, {at(kLead, 2 * kPiece)}},

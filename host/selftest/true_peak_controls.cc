@@ -22,11 +22,11 @@ double WindowedSinc(int step, int oversampling) {
   return std::sin(turn) / turn * (0.5 + 0.5 * std::cos(std::numbers::pi * step / kReach));
 }
 
-// Samples whose signs are those that the sinc has around a value `phase` steps after a sample, so
+// Waveform whose signs are those that the sinc has around a value `phase` steps after a sample, so
 // that its weights add up there. All are of one magnitude but the second one from the middle of
 // values that are not half-way, which is so much lower that values half-way are lower too.
-Samples Burst(int oversampling, int phase) {
-  Samples burst;
+Waveform Burst(int oversampling, int phase) {
+  Waveform burst;
   for (int step = kReach - oversampling + phase; step > -kReach; step -= oversampling) {
     const bool low = 2 * phase != oversampling && std::abs(step) == oversampling - 1;
     const double sign = WindowedSinc(step, oversampling) < 0 ? -1 : 1;
@@ -36,7 +36,7 @@ Samples Burst(int oversampling, int phase) {
 }
 
 // The largest magnitude of the sums of sincs at the samples and at the steps between them.
-double PeakOf(const Samples& burst, int oversampling) {
+double PeakOf(const Waveform& burst, int oversampling) {
   double peak = 0;
   const int end = static_cast<int>(burst.size()) * oversampling;
   for (int place = 0; place < end; ++place) {
@@ -51,8 +51,8 @@ double PeakOf(const Samples& burst, int oversampling) {
 }
 
 // The burst alone in silence, its last sample the last one of `count`.
-Samples EndingWith(const Samples& burst, size_t count) {
-  Samples samples(count - burst.size());
+Waveform EndingWith(const Waveform& burst, size_t count) {
+  Waveform samples(count - burst.size());
   Append(samples, burst);
   return samples;
 }
@@ -67,7 +67,7 @@ Control At(int rate, int oversampling, int phase, double sign = 1) {
               std::to_string(phase) + " of " + std::to_string(oversampling),
           kTheory,
           [=] {
-            const Samples burst = Scaled(Burst(oversampling, phase), sign);
+            const Waveform burst = Scaled(Burst(oversampling, phase), sign);
             return Scene{.output = {rate, {EndingWith(burst, 480)}}};
           },
           {{"true_peak", Decibels(PeakOf(Burst(oversampling, phase), oversampling)), 1e-4}}};
@@ -76,15 +76,15 @@ Control At(int rate, int oversampling, int phase, double sign = 1) {
 // The first of two channels ends so many samples after its burst; the second one, which is upside
 // down, with its own.
 Control InChannels(size_t end, size_t later) {
-  const Samples quarter = Burst(4, 1);
-  const Samples half = Burst(4, 2);
+  const Waveform quarter = Burst(4, 1);
+  const Waveform half = Burst(4, 2);
   return {"two channels with a burst each, that end at " + std::to_string(end) + " and " +
               std::to_string(later) + " later",
           kTheory,
           [=] {
-            Samples left = EndingWith(quarter, end);
+            Waveform left = EndingWith(quarter, end);
             left.resize(end + later);
-            const Samples right = EndingWith(half, end + later);
+            const Waveform right = EndingWith(half, end + later);
             return Scene{.output = {kRate, {left, Scaled(right, -0.5)}}};
           },
           {{"true_peak", Decibels(PeakOf(quarter, 4)), 1e-4, "", 0},

@@ -115,7 +115,7 @@ Control InChannels(size_t channels) {
       "the one for effects and what comes after the six not at all.",
       [=] {
         Scene scene = {.output = {8000, {}}};
-        const Samples sine = Sine(8000, 1, hz, 0.01);
+        const Waveform sine = Sine(8000, 1, hz, 0.01);
         for (size_t i = 0; i < channels; ++i) {
           scene.output.channels.push_back(Scaled(sine, std::pow(2, static_cast<double>(i) / 2)));
         }

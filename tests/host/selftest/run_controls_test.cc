@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kDc[] = {"dc"};
 
 // Two channels whose mean is 0.25 and -0.5.
-Scene Constants() { return {.output = {16000, {Samples(100, 0.25F), Samples(100, -0.5F)}}}; }
+Scene Constants() { return {.output = {16000, {Waveform(100, 0.25F), Waveform(100, -0.5F)}}}; }
 
 Outcome OutcomeOf(const Expected& expected) {
   static std::vector<Control> controls;
@@ -67,7 +67,7 @@ TEST(RunControls, AReasonIsExpectedToTheLetter) {
                  .theory = "",
                  .make =
                      [] {
-                       return Scene{.output = {16000, {Samples()}}};
+                       return Scene{.output = {16000, {Waveform()}}};
                      },
                  .expected = {{.measure = "dc", .tolerance = tolerance, .reason = reason}}}};
     return RunControls(controls, kDc).front();
