@@ -53,10 +53,10 @@ TEST_F(RunTest, EndsWhenItsKeeperIsStopped) {
 }
 
 TEST_F(RunTest, FailsARoutineThatNeverReturnsWhenItStoodStill) {
-  const Finished run = Run({"StandStill", "--timeout-s", "3"});
+  const Finished run = Run({"StandStill", "--timeout-s", "1"});
   EXPECT_EQ(run.exitCode, 4);
   EXPECT_THAT(run.out,
-              StartsWith("error  StandStill  timed out after 3.00 s, while its process was "
+              StartsWith("error  StandStill  timed out after 1.00 s, while its process was "
                          "stopped (Stopped (signal))"));
 }
 

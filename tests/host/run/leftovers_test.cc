@@ -34,7 +34,7 @@ TEST_F(RunTest, EndsTheRoutineWhenTheHostIsKilled) {
 }
 
 TEST_F(RunTest, EndsADaemonWhenTheTimeIsUp) {
-  const Finished run = Run({"LeaveDaemon", "true", "--timeout-s", "3"});
+  const Finished run = Run({"LeaveDaemon", "true", "--timeout-s", "1"});
   EXPECT_EQ(run.exitCode, 4) << run.out;
   EXPECT_NE(kill(Daemon(), 0), 0);
 }

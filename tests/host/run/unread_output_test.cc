@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 
-#include <chrono>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "run/run_fixture.h"
 
@@ -14,65 +16,87 @@ namespace {
 
 using nlohmann::json;
 
-class UnreadOutputTest : public RunTest {
- protected:
-  // Runs with one standard stream into a pipe that nobody reads, sends a signal after a second when
-  // it is not 0, and returns the exit code; -1 when it does not end within ten seconds.
-  static int RunUnread(int stream, const std::vector<std::string>& words, int signal) {
-    int ends[2];
-    if (pipe(ends) != 0) return -1;
-    const pid_t process = fork();
-    if (process == 0) {
-      const int nothing = open("/dev/null", O_WRONLY);
-      dup2(nothing, STDOUT_FILENO);
-      dup2(nothing, STDERR_FILENO);
-      dup2(ends[1], stream);
-      close(ends[0]);
-      close(ends[1]);
-      std::vector<std::string> command = Command(words);
-      std::vector<char*> arguments;
-      for (std::string& word : command) arguments.push_back(word.data());
-      arguments.push_back(nullptr);
-      execv(arguments[0], arguments.data());
-      _exit(126);
-    }
-    close(ends[1]);
+namespace fs = std::filesystem;
+
+// A run in a folder of its own with one standard stream into a pipe that nobody reads.
+class UnreadRun {
+ public:
+  UnreadRun(std::string folder, int stream, std::vector<std::string> words)
+      : m_folder(std::move(folder)) {
+    if (pipe2(m_ends, O_CLOEXEC) != 0) return;
+    fs::create_directory(m_folder);
+    words.insert(words.begin(), {AUDIO_BENCH_PROBE, "run"});
+    words.insert(words.end(), {"--json", "report.json"});
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    m_process = fork();
+    if (m_process != 0) return;
+    const int nothing = open("/dev/null", O_WRONLY);
+    dup2(nothing, STDOUT_FILENO);
+    dup2(nothing, STDERR_FILENO);
+    dup2(m_ends[1], stream);
+    if (chdir(m_folder.c_str()) == 0) execv(arguments[0], arguments.data());
+    _exit(126);
+  }
+  ~UnreadRun() {
+    close(m_ends[0]);
+    close(m_ends[1]);
+  }
+  UnreadRun(const UnreadRun&) = delete;
+  UnreadRun& operator=(const UnreadRun&) = delete;
+
+  // Sends a signal when the pipe is full.
+  void SignalWhenFull(int signal) const {
+    pollfd takesMore = {.fd = m_ends[1], .events = POLLOUT, .revents = 0};
+    for (int i = 0; i < 3000 && poll(&takesMore, 1, 0) != 0; ++i) usleep(10000);
+    kill(m_process, signal);
+  }
+
+  // The exit code; -1 when it does not end within thirty seconds.
+  int Wait() const {
     int status = 0;
-    for (int i = 0; i < 100; ++i) {
-      usleep(100000);
-      if (i == 10 && signal != 0) kill(process, signal);
-      if (waitpid(process, &status, WNOHANG) != process) continue;
-      close(ends[0]);
+    for (int i = 0; i < 3000; ++i) {
+      usleep(10000);
+      if (waitpid(m_process, &status, WNOHANG) != m_process) continue;
       return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     }
-    kill(process, SIGKILL);
-    waitpid(process, &status, 0);
-    close(ends[0]);
+    kill(m_process, SIGKILL);
+    waitpid(m_process, &status, 0);
     return -1;
   }
+
+  json Report() const { return json::parse(ReadFile(m_folder + "/report.json")); }
+  std::string Log(const std::string& routine) const {
+    return ReadFile(m_folder + "/bench_work/logs/" + routine + ".log");
+  }
+
+ private:
+  std::string m_folder;
+  int m_ends[2] = {-1, -1};
+  pid_t m_process = -1;
 };
 
-TEST_F(UnreadOutputTest, TheTimeLimitEndsTheRun) {
-  const std::vector<std::string> limit = {"--timeout-s", "1", "--json", "report.json"};
-  for (const auto& [stream, routine] :
-       {std::pair(STDOUT_FILENO, "PrintForEver"), std::pair(STDERR_FILENO, "LogForEver")}) {
-    std::vector<std::string> words = {routine};
-    words.insert(words.end(), limit.begin(), limit.end());
-    EXPECT_EQ(RunUnread(stream, words, 0), 4) << routine;
-    EXPECT_EQ(json::parse(ReadFile("report.json"))["exit_code"], 4) << routine;
-  }
-}
+// All at once, because each waits for its reader.
+TEST_F(RunTest, EndsAlthoughNobodyReadsWhatItPrints) {
+  const UnreadRun printed("printed", STDOUT_FILENO, {"PrintForEver", "--timeout-s", "1"});
+  const UnreadRun logged("logged", STDERR_FILENO, {"LogForEver", "--timeout-s", "1"});
+  const UnreadRun much("much", STDOUT_FILENO, {"PrintMuch", "12000", "--timeout-s", "1"});
+  const UnreadRun terminated("terminated", STDOUT_FILENO, {"PrintForEver"});
+  const UnreadRun interrupted("interrupted", STDERR_FILENO, {"LogForEver"});
+  terminated.SignalWhenFull(SIGTERM);
+  interrupted.SignalWhenFull(SIGINT);
 
-TEST_F(UnreadOutputTest, ASignalEndsTheRun) {
-  EXPECT_EQ(RunUnread(STDOUT_FILENO, {"PrintForEver"}, SIGTERM), 128 + SIGTERM);
-  EXPECT_EQ(RunUnread(STDERR_FILENO, {"LogForEver"}, SIGINT), 128 + SIGINT);
-}
+  EXPECT_EQ(terminated.Wait(), 128 + SIGTERM);
+  EXPECT_EQ(interrupted.Wait(), 128 + SIGINT);
+  EXPECT_EQ(printed.Wait(), 4) << "at its time limit";
+  EXPECT_EQ(printed.Report()["exit_code"], 4);
+  EXPECT_EQ(logged.Wait(), 4) << "at its time limit";
+  EXPECT_EQ(logged.Report()["exit_code"], 4);
+  EXPECT_GT(logged.Log("LogForEver").size(), 65536U) << "the log is complete";
 
-TEST_F(UnreadOutputTest, ResultsThatNobodyTakesAreNoPass) {
-  EXPECT_EQ(RunUnread(STDOUT_FILENO,
-                      {"PrintMuch", "12000", "--timeout-s", "1", "--json", "report.json"}, 0),
-            2);
-  const json report = json::parse(ReadFile("report.json"));
+  EXPECT_EQ(much.Wait(), 2) << "results that nobody takes are no pass";
+  const json report = much.Report();
   EXPECT_EQ(report["exit_code"], 2);
   EXPECT_TRUE(report["elapsed"]["value"].is_number()) << "the routine has returned";
   EXPECT_EQ(report["problems"][0]["text"],
@@ -80,12 +104,7 @@ TEST_F(UnreadOutputTest, ResultsThatNobodyTakesAreNoPass) {
       << "also when the end of the pipe has room for the report";
 }
 
-TEST_F(UnreadOutputTest, TheLogIsCompleteAlthoughNobodyReadsIt) {
-  EXPECT_EQ(RunUnread(STDERR_FILENO, {"LogForEver", "--timeout-s", "1"}, 0), 4);
-  EXPECT_GT(ReadFile("bench_work/logs/LogForEver.log").size(), 65536U);
-}
-
-TEST_F(UnreadOutputTest, ASlowReaderGetsEverything) {
+TEST_F(RunTest, GivesASlowReaderEverything) {
   const Finished run = RunProcess(
       {"/bin/sh", "-c",
        std::string("'") + AUDIO_BENCH_PROBE + "' run PrintMuch 200000 | (sleep 0.5; cat)"});
