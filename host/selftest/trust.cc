@@ -67,10 +67,11 @@ void KeepTrust(std::string_view measure, bool holds) {
 void AskTrust(std::span<const std::string_view> measures) {
   std::vector<std::string_view> unknown;
   for (const std::string_view measure : measures) {
-    if (Answers().contains(measure) || !HasControls(measure)) continue;
+    if (Answers().contains(measure)) continue;
+    // Asked first: whether there are controls is known only by building all of them.
     if (const auto kept = KeptAnswer(measure)) {
       Answers().insert_or_assign(std::string(measure), *kept);
-    } else {
+    } else if (HasControls(measure)) {
       unknown.push_back(measure);
     }
   }

@@ -54,6 +54,11 @@ TEST_F(Trust, KeptFailureIsBelieved) {
   EXPECT_TRUE(host::Untrusted("clipped"));
 }
 
+TEST_F(Trust, KeptAnswerIsAskedBeforeControlsAreBuilt) {
+  Keep("build_time", "holds\n");
+  EXPECT_FALSE(host::Untrusted("build_time")) << "no control is looked for";
+}
+
 TEST_F(Trust, WhatASelftestFoundIsKept) {
   host::KeepTrust("loudness", false);
   EXPECT_EQ(Kept("loudness"), "fails\n");
