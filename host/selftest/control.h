@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,7 @@ struct Expected {
   double tolerance = 0;
   std::string reason = {};  // Not empty: it has no value, for this reason.
   std::optional<int> channel = {};
+  bool ofAll = false;  // Of their mean alone.
 };
 
 // An analytic control: a scene that a formula describes, and what follows from the formula. Never
@@ -79,6 +81,9 @@ std::vector<Control> PitchControls();
 std::vector<Control> TempoControls();
 std::vector<Control> RhythmControls();
 std::vector<Control> InputControls();
+
+// Controls that stand alone, two and two of them as the channels of one scene.
+std::vector<Control> ChannelControls(std::span<const Control> alone);
 
 // All of them.
 const std::vector<Control>& AllControls();

@@ -40,6 +40,7 @@ Outcome Worst(const Control& control, const Expected& expected,
   for (const NamedFigure& figure : figures) {
     if (figure.name != expected.measure) continue;
     if (expected.channel && figure.channel != expected.channel) continue;
+    if (expected.ofAll && figure.channel) continue;
     Outcome outcome = Judged(control, expected, figure);
     if (!any || IsWorse(outcome, worst)) worst = std::move(outcome);
     any = true;
@@ -96,6 +97,7 @@ const std::vector<Control>& AllControls() {
           RhythmControls,          InputControls,       OverlapControls,   TrackControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
+    std::ranges::move(ChannelControls(controls), std::back_inserter(controls));
     return controls;
   }();
   return all;

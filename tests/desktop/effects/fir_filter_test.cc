@@ -92,12 +92,12 @@ TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
   std::mt19937 random(3);
   for (const size_t count : kCounts) {
     const Floats taps = Response(count);
-    const Floats in = Noise(10000, 1, 5);
+    const Floats in = Noise(4000, 1, 5);
     const Floats whole = Filter(*Create(taps, in.size()), in);
     const auto expectSame = [&](const auto& nextLength, unsigned what) {
       const auto filter = Create(taps);
-      // Some thousand calls are enough.
-      Floats cut(std::min<size_t>(in.size(), 4000 * what));
+      // So many calls fill the histories of every level, which then move.
+      Floats cut(std::min<size_t>(in.size(), 1500 * what));
       for (size_t at = 0; at < cut.size();) {
         const size_t length = std::min<size_t>(nextLength(), cut.size() - at);
         filter->Filter(&in[at], length, &cut[at]);
@@ -109,7 +109,7 @@ TEST_P(FirFilter, GivesTheSameBitsHoweverTheInputIsCut) {
     for (const unsigned length : {1u, 2u, 3u, 441u, 1765u}) {
       expectSame([length] { return length; }, length);
     }
-    for (const unsigned longest : {1u, 7u, 40u, 441u, 1765u, 6000u}) {
+    for (const unsigned longest : {1u, 7u, 40u, 441u, 1765u, 3000u}) {
       expectSame([&] { return random() % (longest + 1); }, longest);
     }
   }
