@@ -63,6 +63,23 @@ TEST(EchoDelayEst, TakesOtherRatesChannelsAndOddCounts) {
   EXPECT_NEAR(Delays(estimator, far, near, 32000, 333).back(), 70, 8);
 }
 
+// Calls of 77 samples end amid a frame, those of 154 do not.
+TEST(EchoDelayEst, GoesOnWithAFrameThatIsCut) {
+  const Samples talk = Talk(16000, 4, 6);
+  const Samples echo = Echo(talk, 16000, 70);
+  Samples far;
+  Samples near;
+  for (const short sample : talk) far.insert(far.end(), {sample, sample});
+  for (const short sample : echo) near.insert(near.end(), {sample, sample});
+  CEchoDelayEst estimator(16000, 2);
+  for (size_t at = 0; at + 154 <= near.size(); at += 154) {
+    estimator.ProcessFar(&far[at], 77);
+    estimator.ProcessFar(&far[at + 77], 77);
+    estimator.ProcessNear(&near[at], 154);
+  }
+  EXPECT_NEAR(estimator.GetDelay(), 70, 8);
+}
+
 TEST(EchoDelayEst, HearsChannelsThatCancelEachOther) {
   const Samples talk = Talk(16000, 4, 6);
   const Samples echo = Echo(talk, 16000, 70);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <vector>
 
 #include "support/captured_stderr.h"
@@ -9,11 +10,13 @@
 
 namespace {
 
-Samples Clean(const Samples& in, unsigned rate, int16_t channels, int policy) {
+Samples Clean(const Samples& in, unsigned rate, int16_t channels, std::optional<int> policy) {
   void* handle = nullptr;
   EXPECT_EQ(Ns_Create(&handle), 0);
   EXPECT_EQ(Ns_Init(handle, rate), 0);
-  EXPECT_EQ(Ns_set_policy(handle, policy), 0);
+  if (policy) {
+    EXPECT_EQ(Ns_set_policy(handle, *policy), 0);
+  }
   const size_t block = rate * static_cast<unsigned>(channels) / 100;
   Samples out(in.size());
   for (size_t at = 0; at + block <= in.size(); at += block) {
@@ -36,6 +39,12 @@ TEST(Ns, TakesNoiseAwayByPolicyAtEveryRate) {
     EXPECT_GT(reduction[1], reduction[0] + 2) << rate;
     EXPECT_GT(reduction[2], 15) << rate;
   }
+}
+
+TEST(Ns, IsOfTheMildestPolicyUntilItIsToldOne) {
+  const Samples noise = Hiss(16000, 1, 1, -35);
+  EXPECT_EQ(Clean(noise, 16000, 1, {}), Clean(noise, 16000, 1, 0));
+  EXPECT_NE(Clean(noise, 16000, 1, {}), Clean(noise, 16000, 1, 1));
 }
 
 TEST(Ns, KeepsSpeech) {

@@ -170,9 +170,11 @@ TEST(SoftwareAec, KnowsItsRateAndRefusesOthers) {
   EXPECT_EQ(channels, 1u);
   {
     CapturedStderr log;
-    EXPECT_FALSE(module.SetFsAndCh(48000, 1, APMFSCHSEL));
+    for (const unsigned int other : {0U, 11025U, 32000U, 44100U, 48000U, 96000U}) {
+      EXPECT_FALSE(module.SetFsAndCh(other, 1, APMFSCHSEL)) << other;
+    }
     EXPECT_FALSE(module.SetFsAndCh(16000, 2, APMFSCHSEL));
-    EXPECT_EQ(log.Lines().size(), 2u);
+    EXPECT_EQ(log.Lines().size(), 7u);
   }
   EXPECT_TRUE(module.SetFsAndCh(8000, 1, APMFSCHSEL));
   module.GetFsAndCh(rate, channels, APMFSCHSEL);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "desktop/dsp/filters/denormal_guard.h"
@@ -58,24 +59,41 @@ TEST(Reverb, SwitchesWithoutAClick) {
   EXPECT_EQ(part, steady);
 }
 
-TEST(Reverb, TakesANewReverbTimeWhileItRuns) {
-  NreverbFv3Parameter parameter = kVoice;
-  desktop::Reverb changed;
-  changed.SetParameter(parameter);
-  changed.SetEnabled(true);
-  std::vector<float> sound = Wave(300, 44100);
-  Play(changed, sound, 44100);
-  parameter.ReverbTime = 5;
-  changed.SetParameter(parameter);
-  desktop::Reverb fresh;
-  fresh.SetParameter(parameter);
-  fresh.SetEnabled(true);
-  // The gains of the tail have faded by then.
-  std::vector<float> tails[2] = {std::vector<float>(44100), std::vector<float>(44100)};
-  tails[0][2205] = tails[1][2205] = 1;
-  Play(changed, tails[0], 44100);
-  Play(fresh, tails[1], 44100);
-  for (size_t i = 0; i < 44100; ++i) ASSERT_NEAR(tails[0][i], tails[1][i], 1e-5) << i;
+// What an impulse gives after 50 ms, when the gains of the tail have faded in.
+std::vector<float> Tail(desktop::Reverb& reverb) {
+  std::vector<float> tail(22050);
+  tail[2205] = 1;
+  Play(reverb, tail, 44100);
+  return tail;
+}
+
+TEST(Reverb, TakesWhatIsNewWhileItRuns) {
+  desktop::Reverb before;
+  before.SetParameter(kVoice);
+  before.SetEnabled(true);
+  const std::vector<float> tailBefore = Tail(before);
+  const std::pair<float NreverbFv3Parameter::*, float> changes[] = {
+      {&NreverbFv3Parameter::Factor, 1.5F}, {&NreverbFv3Parameter::Feedback, 0.4F},
+      {&NreverbFv3Parameter::Damp1, 0.2F},  {&NreverbFv3Parameter::Damp2, 0.5F},
+      {&NreverbFv3Parameter::Damp3, 0.6F},  {&NreverbFv3Parameter::ReverbTime, 5},
+      {&NreverbFv3Parameter::Delay, 30}};
+  for (const auto& [field, value] : changes) {
+    desktop::Reverb changed;
+    changed.SetParameter(kVoice);
+    changed.SetEnabled(true);
+    std::vector<float> sound = Wave(300, 4410);
+    Play(changed, sound, 44100);
+    NreverbFv3Parameter parameter = kVoice;
+    parameter.*field = value;
+    changed.SetParameter(parameter);
+    desktop::Reverb fresh;
+    fresh.SetParameter(parameter);
+    fresh.SetEnabled(true);
+    const std::vector<float> tail = Tail(changed);
+    const std::vector<float> wanted = Tail(fresh);
+    for (size_t i = 0; i < tail.size(); ++i) ASSERT_NEAR(tail[i], wanted[i], 1e-5) << value << i;
+    EXPECT_NE(wanted, tailBefore) << value;
+  }
 }
 
 TEST(Reverb, BringsNoOldTailBack) {

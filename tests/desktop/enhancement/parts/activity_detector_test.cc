@@ -58,6 +58,43 @@ TEST(ActivityDetector, HoldsOnForLongerInNoise) {
   EXPECT_NEAR(HangOver({9, 100, 40}), 9, 1);
 }
 
+struct Burst {
+  double decibels;
+  size_t blocks;
+};
+
+// For how many blocks the decision holds on after the last of these bursts, between which there are
+// 0.6 s.
+size_t HeldAfter(const std::vector<Burst>& bursts) {
+  const std::vector<double> noise = WhiteNoise(static_cast<int>(500 * kHop), 0.1, 8);
+  desktop::ActivityDetector detector(kRate, kHop);
+  size_t from = 0;
+  const auto hear = [&](double gain, size_t blocks) {
+    size_t active = 0;
+    std::vector<float> block(kHop);
+    for (size_t at = 0; at < blocks; ++at) {
+      for (float& sample : block) sample = static_cast<float>(gain * noise[from++]);
+      active += detector.Process(block, false) ? 1 : 0;
+    }
+    return active;
+  };
+  hear(1000, 100);
+  size_t held = 0;
+  for (const Burst& burst : bursts) {
+    hear(1000 * std::pow(10.0, burst.decibels / 20), burst.blocks);
+    held = hear(1000, 60);
+  }
+  return held;
+}
+
+// A quarter of a second tells that it is quiet around, and 0.4 s in noise do not yet tell
+// otherwise.
+TEST(ActivityDetector, KnowsQuietWithinASyllableAndNoiseWithinSeconds) {
+  EXPECT_LE(HeldAfter({{40, 25}}), 2U);
+  EXPECT_LE(HeldAfter({{40, 25}, {9, 40}}), 3U);
+  EXPECT_GE(HeldAfter({{40, 25}, {9, 40}, {9, 40}, {9, 40}, {9, 40}}), 7U);
+}
+
 TEST(ActivityDetector, DoesNotHoldOnAfterDigitalSilence) {
   EXPECT_LT(HangOver({9, 100, 40}, true), 1);
 }
