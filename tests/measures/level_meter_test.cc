@@ -1,10 +1,9 @@
 #include "audio_measures/level_meter.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
+#include <malloc.h>
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -19,6 +18,11 @@
 #include "audio_measures/noise_floor.h"
 #include "audio_measures/true_peak.h"
 #include "measures/noise.h"
+
+#ifdef __SANITIZE_ADDRESS__
+// Of the sanitizer's library, whose header is not with every compiler.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
+#endif
 
 namespace audio_measures {
 namespace {
@@ -121,24 +125,26 @@ TEST(LevelMeter, MeasuresNothingElse) {
   EXPECT_EQ(figures[0].name, "rms");
 }
 
-size_t ResidentBytes() {
-  size_t all = 0;
-  size_t resident = 0;
-  std::ifstream("/proc/self/statm") >> all >> resident;
-  return resident * static_cast<size_t>(sysconf(_SC_PAGESIZE));
+// On the heap, in use.
+size_t HeldBytes() {
+#ifdef __SANITIZE_ADDRESS__
+  return __sanitizer_get_current_allocated_bytes();
+#else
+  const struct mallinfo2 heap = mallinfo2();
+  return heap.uordblks + heap.hblkhd;
+#endif
 }
 
 // By how much memory grows over the hours at the rate.
 size_t Growth(std::vector<std::string_view> names, int rate, int hours) {
   const std::vector<float> minute = Noise(size_t{2} * 60 * static_cast<size_t>(rate), 0.1, 1);
-  const size_t before = ResidentBytes();
+  const size_t before = HeldBytes();
   LevelMeter meter(2, rate, 1, names);
   for (int i = 0; i < 60 * hours; ++i) meter.Add(minute);
   for (const NamedFigure& figure : meter.Figures()) {
     EXPECT_TRUE(figure.figure.value) << figure.name;
   }
-  const size_t after = ResidentBytes();
-  return after > before ? after - before : 0;
+  return HeldBytes() - before;
 }
 
 // What is kept is kept for each second, whatever the rate; loudness has no filter for the lowest.
