@@ -66,7 +66,7 @@ struct Burst {
 // For how many blocks the decision holds on after the last of these bursts, between which there are
 // 0.6 s.
 size_t HeldAfter(const std::vector<Burst>& bursts) {
-  const std::vector<double> noise = WhiteNoise(static_cast<int>(500 * kHop), 0.1, 8);
+  const std::vector<double> noise = WhiteNoise(static_cast<int>(600 * kHop), 0.1, 8);
   desktop::ActivityDetector detector(kRate, kHop);
   size_t from = 0;
   const auto hear = [&](double gain, size_t blocks) {
