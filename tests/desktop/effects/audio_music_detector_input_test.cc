@@ -11,6 +11,7 @@
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"
+#include "support/tiny_numbers.h"
 
 namespace {
 
@@ -96,6 +97,16 @@ TEST(AudioMusicDetectorTest, LeavesTheFrameAloneAndAllocatesNothing) {
   for (int i = 0; i < 500; ++i) detector.Process(frame);
   EXPECT_EQ(AllocationCount(), allocations);
   EXPECT_EQ(std::vector<short>(frame.data_, frame.data_ + 882), before);
+}
+
+TEST(AudioMusicDetectorTest, MeetsNoTinyNumbersInTheSilenceAfterASound) {
+  TinyNumbers tinyNumbers;
+  AudioMusicDetector detector;
+  detector.Enable(true);
+  Listen(detector, Song(48000, 1, true, true, true), 48000, 1);
+  tinyNumbers.Forget();
+  Listen(detector, Doubles(48000 * 4), 48000, 1);
+  EXPECT_FALSE(tinyNumbers.WereMet());
 }
 
 TEST(AudioMusicDetectorTest, PassesOverFramesThatCannotBe) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cfenv>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -20,11 +19,8 @@
 #include "support/allocation_count.h"
 #include "support/captured_stderr.h"
 #include "support/signals.h"
+#include "support/tiny_numbers.h"
 #include "support/tone.h"
-
-#if defined(__SSE2__)
-#include <immintrin.h>
-#endif
 
 namespace {
 
@@ -103,20 +99,11 @@ struct Case {
   Effect (*make)();
 };
 
-// Each test starts in the processor's default mode, in which the smallest numbers count: a packaged
-// library that is linked switches them off for the whole process when it is loaded.
 class EveryEffect : public testing::TestWithParam<Case> {
  protected:
-  EveryEffect() {
-    std::fegetenv(&m_before);
-    std::fesetenv(FE_DFL_ENV);
-  }
-  ~EveryEffect() override { std::fesetenv(&m_before); }
-
   Effect Make() const { return GetParam().make(); }
 
- private:
-  std::fenv_t m_before;
+  TinyNumbers m_tinyNumbers;
 };
 
 // A block of a Drc lasts 10 ms, whatever it holds; those of the others may have any length.
@@ -208,18 +195,15 @@ TEST_P(EveryEffect, AllocatesNothingPerBlock) {
   EXPECT_EQ(AllocationCount(), before);
 }
 
-#if defined(__SSE2__)
-// A sound that rings out leaves numbers too small for full precision, which cost some processors
-// many times an ordinary one; the processor notes when it meets one.
+// A sound that rings out leaves them.
 TEST_P(EveryEffect, MeetsNoTinyNumbersInTheSilenceAfterASound) {
   const Effect effect = Make();
   Shorts samples = ToShorts(WhiteNoise(88200, 0.5, 1));
   samples.resize(88200 * 32);
-  _mm_setcsr(_mm_getcsr() & ~_MM_EXCEPT_DENORM);
+  m_tinyNumbers.Forget();
   Processed(effect, samples, 44100, 2, 441);
-  EXPECT_EQ(_mm_getcsr() & _MM_EXCEPT_DENORM, 0u);
+  EXPECT_FALSE(m_tinyNumbers.WereMet());
 }
-#endif
 
 TEST_P(EveryEffect, RestoresTheModeOfTheProcessor) {
   const Effect effect = Make();
