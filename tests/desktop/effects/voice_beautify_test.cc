@@ -11,34 +11,13 @@
 #include "support/signals.h"
 #include "support/tone.h"
 #include "support/voice.h"
+#include "voice/beautified.h"
 
 using testing::SizeIs;
 
 namespace {
 
 using Shorts = std::vector<short>;
-
-struct Release {
-  void operator()(IAudioVoiceBeautify* effect) const { effect->Destroy(); }
-};
-using Beautify = std::unique_ptr<IAudioVoiceBeautify, Release>;
-
-Beautify Enabled(int mode, float strength, float semitones) {
-  Beautify effect(IAudioVoiceBeautify::Create());
-  effect->SetEnabled(true);
-  effect->SetVoiceBeautifyOption(static_cast<VoiceBeautifyOption>(mode), strength, semitones);
-  return effect;
-}
-
-Shorts Process(IAudioVoiceBeautify& effect, Shorts samples, int rate, int channels = 1) {
-  const auto block = static_cast<size_t>(rate / 100 * channels);
-  for (size_t done = 0; done + block <= samples.size(); done += block) {
-    const int count = static_cast<int>(block);
-    auto* unsignedSamples = reinterpret_cast<unsigned short*>(&samples[done]);
-    EXPECT_EQ(effect.VoiceBeautifyProcess(unsignedSamples, count, rate, channels), count);
-  }
-  return samples;
-}
 
 class BeautifyMode : public testing::TestWithParam<int> {};
 
@@ -110,16 +89,6 @@ TEST_P(BeautifyMode, ClampsItsParameters) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, BeautifyMode, testing::Range(0, 6));
-
-// Above 8 kHz, where a recording at 16 kHz has nothing.
-TEST(VoiceBeautify, LiftsTheAirOfAClearVoice) {
-  const std::vector<double> in = WhiteNoise(48000, 0.1, 1);
-  const std::vector<double> out = ToDoubles(Process(*Enabled(mode2, 1, 0), ToShorts(in), 48000));
-  const auto gain = [&](double octave) {
-    return Decibels(Rms(OctaveBand(out, octave, 48000)) / Rms(OctaveBand(in, octave, 48000)));
-  };
-  EXPECT_GT(gain(11000) - gain(1000), 2);
-}
 
 // The level of a harmonic in dB, over stretches so short that a cent more or less does not count.
 double HarmonicLevel(const std::vector<double>& sound, double frequency) {

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "engine_api/effects/voice_beautify.h"
+#include "beautified.h"
 #include "engine_api/effects/voice_changer.h"
 #include "support/signals.h"
 
@@ -15,10 +15,6 @@ using Shorts = std::vector<short>;
 using Doubles = std::vector<double>;
 
 constexpr int kRate = 16000;
-
-struct Release {
-  void operator()(IAudioVoiceBeautify* effect) const { effect->Destroy(); }
-};
 
 inline Doubles Changed(VoiceEffectOption effect, Shorts samples) {
   const std::unique_ptr<IVoiceChangerToolbox> toolbox(IVoiceChangerToolbox::Create(kRate, 1));
@@ -30,13 +26,8 @@ inline Doubles Changed(VoiceEffectOption effect, Shorts samples) {
   return ToDoubles(samples);
 }
 
-inline Doubles Changed(VoiceBeautifyOption mode, Shorts samples) {
-  const std::unique_ptr<IAudioVoiceBeautify, Release> effect(IAudioVoiceBeautify::Create());
-  effect->SetEnabled(true);
-  effect->SetVoiceBeautifyOption(mode, 1, 0);
-  effect->Process(reinterpret_cast<char*>(samples.data()), static_cast<int>(samples.size()), kRate,
-                  1, 16);
-  return ToDoubles(samples);
+inline Doubles Changed(VoiceBeautifyOption mode, const Shorts& samples) {
+  return ToDoubles(Process(*Enabled(mode, 1, 0), samples, kRate));
 }
 
 // The second half of a sound that has settled.
