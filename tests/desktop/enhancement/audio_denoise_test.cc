@@ -69,10 +69,10 @@ TEST(AudioDenoise, LowersNoiseAtEveryRateAndLessInLightMode) {
     const double before = Level(noise, count / 2, normal.size());
     const double byNormal = Decibels(before / Level(normal, count / 2, normal.size()));
     const double byLight = Decibels(before / Level(light, count / 2, light.size()));
-    EXPECT_GT(byNormal, 11) << rate;
-    EXPECT_LT(byNormal, 21) << rate;
-    EXPECT_GT(byLight, 7) << rate;
-    EXPECT_LT(byLight, 9.5) << rate;
+    EXPECT_GT(byNormal, 12) << rate;
+    EXPECT_LT(byNormal, 14) << rate;
+    EXPECT_GT(byLight, 8.5) << rate;
+    EXPECT_LT(byLight, 9) << rate;
   }
 }
 
