@@ -166,6 +166,25 @@ TEST(BeatTrack, GoesAlongWithATempoThatMoves) {
   }
 }
 
+// Where the beats of the new piece are found, nothing draws them back to the drift of the old one.
+TEST(BeatTrack, ForgetsADriftThatIsOver) {
+  for (const int bpm : {90, 110, 130}) {
+    std::vector<double> samples;
+    RenderRamp(84, -0.15, samples);
+    samples.resize(samples.size() + size_t{4} * 22050);
+    const double start = static_cast<double>(samples.size()) / 22050 + 0.2;
+    const std::vector<double> drums =
+        ToDoubles(RenderLoop(Groove::kHouse, bpm, 12, 0.2, 22050).samples);
+    samples.insert(samples.end(), drums.begin(), drums.end());
+    int beat = 0;
+    for (const double time : Listen(ToShorts(samples), 22050, 1, 220).times) {
+      if (time < start || ++beat <= 4) continue;
+      EXPECT_NEAR(std::remainder(time - start, 60.0 / bpm), 0, 0.03) << time << ", " << bpm;
+    }
+    EXPECT_GT(beat, 12);
+  }
+}
+
 TEST(BeatTrack, FindsTheBeatAgainAfterAJump) {
   DrumLoop loop = RenderLoop(Groove::kHouse, 120, 19, 0.2, 22050);
   constexpr int kJump = 4000;
