@@ -204,6 +204,20 @@ TEST(BeatTrack, FindsTheBeatAgainAfterAJump) {
   EXPECT_EQ(old, 6);
 }
 
+// The first beat of the new ones is told at once, though it is due as soon as it is known.
+TEST(BeatTrack, MissesNoBeatWhereItJumpsAhead) {
+  for (const int cut : {3000, 5200, 5400}) {
+    DrumLoop loop = RenderLoop(Groove::kHouse, 120, 19, 0.2, 22050);
+    const auto from = loop.samples.begin() + 22050 * 101 / 10;
+    loop.samples.erase(from, from + cut);
+    const Listener listener = Listen(loop.samples, 22050, 1, 220);
+    for (size_t i = 1; i < listener.times.size(); ++i) {
+      EXPECT_LT(listener.times[i] - listener.times[i - 1], 0.6) << listener.times[i];
+    }
+    EXPECT_NEAR(std::remainder(listener.times.back() - 0.2 + cut / 22050.0, 0.5), 0, 0.03);
+  }
+}
+
 // Drums so far under noise that they are only just heard.
 std::vector<short> NoisyHouse(double gain) {
   std::vector<double> samples = ToDoubles(RenderLoop(Groove::kHouse, 120, 20, 0.31, 22050).samples);

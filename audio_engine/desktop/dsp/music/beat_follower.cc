@@ -275,7 +275,6 @@ void BeatFollower::Follow() {
   } else if (strength > 1.2F * here && ++m_astray >= 3) {
     m_astray = 0;
     m_next.time = last + m_period + error;
-    if (m_next.time - Real(m_count) < 1) m_next.time += m_period;
   } else {
     m_next.time = last + m_period;
   }
