@@ -19,7 +19,8 @@ class RealFft {
   size_t Size() const { return m_size; }
   size_t Bins() const { return m_size / 2 + 1; }
 
-  // Size() samples to Bins() bins, and back, so that both together change nothing.
+  // Size() samples to Bins() bins, and back, so that both together change nothing. Of the first and
+  // the last bin only the real part counts.
   void Forward(const float* samples, std::complex<float>* bins);
   void Inverse(const std::complex<float>* bins, float* samples);
 

@@ -241,9 +241,6 @@ void EchoSuppressor::ApplyGains() {
 }
 
 void EchoSuppressor::Synthesise(float* samples) {
-  // The lowest and the highest bin are real.
-  m_error.front() = m_error.front().real();
-  m_error.back() = m_error.back().real();
   m_fft.Inverse(m_error.data(), m_frame.data());
   for (size_t i = 0; i < m_window.size(); ++i) m_frame[i] *= m_window[i];
   for (size_t i = 0; i < m_taper; ++i) m_frame[i] += m_overlap[i];

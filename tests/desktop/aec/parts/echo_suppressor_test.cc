@@ -104,17 +104,33 @@ Samples WhatIsLeftOf(const Samples& far, float doubted, desktop::EchoSuppressor&
   return out;
 }
 
-// Where the filter doubts all that is left, nothing of it is to be understood.
-TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
-  // Pauses so long that no noise is found in the room.
+// By how many dB the suppressor lowers bursts of noise of which the filter expects so much power by
+// bin as echo, with pauses so long that no noise is found in the room.
+double LossOfBursts(float expected) {
   Samples far = Hiss(kRate, 6, 11, -10);
   for (size_t i = 0; i < far.size(); ++i) {
     if (i % 12800 >= 1600) far[i] = 0;
   }
   desktop::EchoSuppressor suppressor(kBlock);
-  Samples out = WhatIsLeftOf(far, 1e12f, suppressor);
+  Samples out = WhatIsLeftOf(far, 2 * expected, suppressor);
   out.erase(out.begin(), out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
-  EXPECT_NEAR(LossDb(far, out, kRate, 2, 6), 50, 2);
+  return LossDb(far, out, kRate, 2, 6);
+}
+
+// Where the filter doubts all that is left, nothing of it is to be understood.
+TEST(EchoSuppressor, TakesWhatIsOnlyEchoDownBy50Decibels) {
+  EXPECT_NEAR(LossOfBursts(5e11f), 50, 2);
+}
+
+// How sure a near talker is, from 3 dB below what is expected of the echo to 3 dB above, counts by
+// degrees.
+TEST(EchoSuppressor, TakesTheLessTheSurerANearTalkerIs) {
+  const float power = 10362.0f * 10362.0f * kBlock;
+  const auto loss = [&](float above) { return LossOfBursts(power * std::pow(10.0f, -above / 10)); };
+  EXPECT_NEAR(loss(0), 46, 2);
+  EXPECT_NEAR(loss(1), 31, 2);
+  EXPECT_NEAR(loss(2), 19, 2);
+  EXPECT_NEAR(loss(4), 6.5, 0.4);
 }
 
 // Nobody talks yet as far as is known: of a far end that sounds from the first block on only noise
