@@ -48,6 +48,24 @@ TEST(FadingLimiter, FadesIntoAnotherGainFor20Milliseconds) {
   }
 }
 
+TEST(FadingLimiter, StartsAfreshAtAnotherRate) {
+  LimiterParameter low = kOpen;
+  low.fThreshold = low.fCeiling = -20;
+  low.fLookahead = 5;
+  desktop::FadingLimiter changed;
+  desktop::FadingLimiter fresh;
+  for (desktop::FadingLimiter* const limiter : {&changed, &fresh}) {
+    limiter->SetEnabled(true);
+    limiter->SetParameter(low);
+  }
+  Processed(changed, Floats(1600, 0.9F));
+  Floats out[2] = {Floats(4800, 0.05F), Floats(4800, 0.05F)};
+  float* const rows[] = {out[0].data(), out[1].data()};
+  changed.Process(&rows[0], 1, 4800, 48000);
+  fresh.Process(&rows[1], 1, 4800, 48000);
+  EXPECT_EQ(out[0], out[1]);
+}
+
 // The longest look-ahead is as long as the fade. A tone of whole periods meets itself there.
 TEST(FadingLimiter, HasHeardWhatALookAheadHolds) {
   Floats tone(4800);
