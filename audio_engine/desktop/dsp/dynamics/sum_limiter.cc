@@ -26,9 +26,7 @@ void SumLimiter::Process(const int32_t* sums, size_t frames, size_t channels, in
     }
     m_gain = m_gain < kNearlyOne ? m_gain + (1 - m_gain) * kRelease : 1;
     // -32768 alone is within range and passes as it is.
-    if (peak > 32768 || (m_gain < 1 && static_cast<float>(peak) * m_gain > kFullScale)) {
-      m_gain = std::min(m_gain, kFullScale / static_cast<float>(peak));
-    }
+    if (peak > 32768) m_gain = std::min(m_gain, kFullScale / static_cast<float>(peak));
     for (size_t channel = 0; channel < channels; ++channel) {
       const int32_t sum = sums[frame * channels + channel];
       const long scaled = m_gain < 1 ? std::lrint(static_cast<float>(sum) * m_gain) : sum;
