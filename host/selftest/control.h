@@ -81,6 +81,7 @@ std::vector<Control> PitchControls();
 std::vector<Control> TempoControls();
 std::vector<Control> RhythmControls();
 std::vector<Control> InputControls();
+std::vector<Control> ShortestControls();
 
 // Controls that stand alone, two and two of them as the channels of one scene.
 std::vector<Control> ChannelControls(std::span<const Control> alone);

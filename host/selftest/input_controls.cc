@@ -42,62 +42,6 @@ bool NeedsSignals(const Measure& measure) {
   return (measure.needs & (kReference | kFar | kNear | kInput)) != 0;
 }
 
-struct Shortest {
-  std::string_view measure;
-  double seconds = 0;
-};
-
-// The least that a measure is defined for.
-constexpr Shortest kShortest[] = {{"loudness", 0.4},
-                                  {"loudness_range", 3},
-                                  {"noise_floor", 0.2},
-                                  {"bandwidth", 0.6},
-                                  {"bandwidth_40db", 0.6},
-                                  {"delay", 0.2},
-                                  {"delay_track", 4},
-                                  {"drift", 6},
-                                  {"gain", 0.2},
-                                  {"polarity", 0.2},
-                                  {"snr", 0.2},
-                                  {"si_sdr", 0.2},
-                                  {"seg_snr", 0.2},
-                                  {"fw_seg_snr", 0.2},
-                                  {"cepstral_distance", 0.2},
-                                  {"lsd", 0.2},
-                                  {"band_difference", 0.2},
-                                  {"band_difference_worst", 0.2},
-                                  {"stoi", 0.5},
-                                  {"estoi", 0.5},
-                                  {"noise_reduction", 1},
-                                  {"speech_retained", 1},
-                                  {"delta_snr", 1},
-                                  {"musical", 1},
-                                  {"erle", 0.2},
-                                  {"convergence", 0.2},
-                                  {"near_sdr", 0.2},
-                                  {"codec_delay", 0.2},
-                                  {"band_limit", 0.6},
-                                  {"pitch_cents", 0.2},
-                                  {"tempo", 6}};
-
-// One frame less than it takes, for all measures that take as long.
-std::vector<Control> TooShort() {
-  std::vector<Control> controls;
-  for (const double seconds : {0.2, 0.4, 0.5, 0.6, 1.0, 3.0, 4.0, 6.0}) {
-    std::vector<Expected> expected;
-    for (const Shortest& each : kShortest) {
-      if (each.seconds == seconds) {
-        expected.push_back({.measure = each.measure, .reason = audio_measures::kTooShort});
-      }
-    }
-    controls.push_back({"one sample less than " + std::to_string(seconds) + " s",
-                        "What a measure takes at least is written down with it.",
-                        [seconds] { return Everything(16000, Frames(16000, seconds) - 1); },
-                        std::move(expected)});
-  }
-  return controls;
-}
-
 // The levels that are defined from 100 Hz on.
 std::vector<Control> LowRates() {
   std::vector<Expected> below;
@@ -193,7 +137,6 @@ Control Filled(const std::string& name, const std::string& theory, float value, 
 
 std::vector<Control> InputControls() {
   std::vector<Control> controls = Faults();
-  for (Control& each : TooShort()) controls.push_back(std::move(each));
   for (Control& each : LowRates()) controls.push_back(std::move(each));
   const std::vector<std::string_view> ofFinite = {"peak",
                                                   "true_peak",

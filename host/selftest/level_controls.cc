@@ -146,6 +146,18 @@ Control ClippedControl() {
           {{"clipped", 0.12, 1e-9}}};
 }
 
+Control ClippedEnds() {
+  return {"two samples at full scale at the start and three at the end",
+          "Nothing comes before the first sample: 3 of 100.",
+          [] {
+            Waveform samples(100, 0.25F);
+            Fill(samples, 0, 2, -1);
+            Fill(samples, 97, 3, 1);
+            return Of(samples);
+          },
+          {{"clipped", 0.03, 1e-9}}};
+}
+
 Control ClippedBlocks() {
   return {"runs at full scale around places 256, 512, 768 and 1024",
           "What stands in a row counts wherever it stands: 4 around 768, 3 that end at 1024 and "
@@ -209,6 +221,7 @@ Control ShortestFloor(int rate) {
 std::vector<Control> LevelControls() {
   std::vector<Control> controls = PeakControls();
   controls.push_back(ClippedControl());
+  controls.push_back(ClippedEnds());
   controls.push_back(ClippedBlocks());
   controls.push_back(NoiseFloorControl());
   controls.push_back(ShortestFloor(kRate));

@@ -27,15 +27,20 @@ Waveform Cut(const Waveform& samples, std::ptrdiff_t first, size_t count) {
 Control LoudEnds(std::ptrdiff_t later) {
   return {
       "noise " + std::to_string(later) +
-          " samples late, loud in the first and last sample that "
-          "both have",
-      "The noise is 20 dB below all that both have, most of which is in those two samples. At a "
-      "whole number of samples white noise is not what an interpolation leaves of it.",
+          " samples late, loud in the first and last sample that both have",
+      "The noise is 20 dB below all that both have, most of which is in those two samples, as is "
+      "half of the noise, of opposite signs. At a whole number of samples white noise is not what "
+      "an interpolation leaves of it.",
       [later] {
         const auto apart = static_cast<size_t>(std::abs(later));
         Waveform common = WhiteNoise(kFrames, 0.1, 71);
+        common.front() = common.back() = 0;
+        const double half = 0.005 * (Energy(common) + 2 * kLoud * kLoud);
+        Waveform noise = NoiseBelow(common, 10 * std::log10(Energy(common) / half), kFrames, 72);
         common.front() = common.back() = kLoud;
-        const Waveform noisy = Sum(common, NoiseBelow(common, 20, kFrames, 72));
+        noise.front() = static_cast<float>(std::sqrt(half / 2));
+        noise.back() = -noise.front();
+        const Waveform noisy = Sum(common, noise);
         const Waveform before = WhiteNoise(apart, 0.1, 73);
         Waveform reference = later < 0 ? before : common;
         Waveform output = later < 0 ? noisy : before;
@@ -46,7 +51,7 @@ Control LoudEnds(std::ptrdiff_t later) {
       {{"delay", static_cast<double>(later) / kRate, 1e-12},
        {"gain", 0, 0.002},
        {"snr", 20, 0.002},
-       {"si_sdr", 20, 0.01}}};
+       {"si_sdr", 20, 0.002}}};
 }
 
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.

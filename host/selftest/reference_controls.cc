@@ -66,7 +66,7 @@ Control Noisy(double snr, double rms = 0.1) {
       },
       {{"snr", snr, 0.002},
        {"si_sdr", snr, 0.002},
-       {"seg_snr", std::min(snr, 35.0), 0.01},
+       {"seg_snr", std::clamp(snr, -10.0, 35.0), 0.01},
        {"gain", 0, 0.002}}};
 }
 
@@ -200,13 +200,33 @@ Control HalvesApart() {
        {"gain", 0, 0.01}}};
 }
 
+// A constant of 0.5 beside what changes sign as often as this, in turn.
+Waveform Turning(size_t samples, double height) {
+  Waveform turning(kFrames);
+  for (size_t i = 0; i < kFrames; ++i) {
+    turning[i] = static_cast<float>(0.5 + (i / samples % 2 == 0 ? height : -height));
+  }
+  return turning;
+}
+
+Control NothingInCommon(double height, const std::string& reason) {
+  return {"two constants, one with a sine of half the rate, one with squares of a quarter at " +
+              std::to_string(height),
+          "Less its mean either has nothing of the other in it, or nothing is left at all. Gain "
+          "and polarity are those of the constants.",
+          [height] { return Pair(Turning(1, 0x1p-6), Turning(2, height)); },
+          {{.measure = "si_sdr", .reason = reason},
+           {"gain", -10 * std::log10(1 + 0x1p-10) * 2, 1e-4},
+           {"polarity", 1, 1e-9}}};
+}
+
 }  // namespace
 
 std::vector<Control> ReferenceControls() {
   std::vector<Control> controls = {Copied(8000, 1, 0),      Copied(16000, -1, 0),
                                    Copied(16000, 0.5, 37),  Copied(44100, 1, 0),
                                    Copied(48000, -0.25, 0), Copied(192000, 1, 0)};
-  for (const double snr : {-10, 0, 10, 20, 30, 40}) controls.push_back(Noisy(snr));
+  for (const double snr : {-13, -10, 0, 10, 20, 30, 40}) controls.push_back(Noisy(snr));
   controls.push_back(Noisy(10, 1e-9));
   controls.push_back(SoftCopy());
   controls.push_back(SegmentsApart());
@@ -214,6 +234,8 @@ std::vector<Control> ReferenceControls() {
   controls.push_back(Constant());
   controls.push_back(LastBit());
   controls.push_back(HalvesApart());
+  controls.push_back(NothingInCommon(0x1p-6, "nothing of the reference in it"));
+  controls.push_back(NothingInCommon(0, audio_measures::kSilence));
   return controls;
 }
 

@@ -94,7 +94,8 @@ const std::vector<Control>& AllControls() {
           ReferenceControls,       SpectralControls,    CepstralControls,  ShortSpectraControls,
           IntelligibilityControls, EnhancementControls, MusicalControls,   EchoControls,
           CodecControls,           TimeControls,        PitchControls,     TempoControls,
-          RhythmControls,          InputControls,       OverlapControls,   TrackControls}) {
+          RhythmControls,          InputControls,       OverlapControls,   TrackControls,
+          ShortestControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     std::ranges::move(ChannelControls(controls), std::back_inserter(controls));

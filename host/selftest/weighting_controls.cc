@@ -124,6 +124,18 @@ Control InChannels(size_t channels) {
       {{"loudness", LoudnessOfSine(hz, 8000, 0.01) + 10 * std::log10(power), 0.005}}};
 }
 
+// All is in the left one.
+Control InMany(size_t channels, const std::string& reason) {
+  return {"a sine in the first of " + std::to_string(channels) + " channels",
+          "Up to 64 channels are a programme.",
+          [channels] {
+            Scene scene = {.output = {8000, std::vector<Waveform>(channels, Waveform(4000))}};
+            scene.output.channels.front() = Sine(8000, 0.5, 1000, 0.5);
+            return scene;
+          },
+          {{"loudness", LoudnessOfSine(1000, 8000, 0.5), 0.02, reason}}};
+}
+
 }  // namespace
 
 std::vector<Control> WeightingControls() {
@@ -133,6 +145,8 @@ std::vector<Control> WeightingControls() {
   }
   for (const double hz : {40.0, 1500.0, 3000.0}) controls.push_back(Weighted(hz, 8000));
   for (const size_t channels : {3U, 4U, 5U, 6U, 8U}) controls.push_back(InChannels(channels));
+  controls.push_back(InMany(64, ""));
+  controls.push_back(InMany(65, "a rate or channel count that is out of range"));
   return controls;
 }
 
