@@ -5,6 +5,7 @@
 #include "beautified.h"
 #include "support/signals.h"
 #include "support/tone.h"
+#include "support/voice.h"
 
 // What each mode does to the colour of a voice.
 
@@ -52,6 +53,17 @@ TEST(VoiceBeautify, MakesTheHallSofterWithItsStrength) {
   };
   EXPECT_NEAR(hall(1) - hall(0.75), 7.5, 0.75);
   EXPECT_NEAR(hall(1) - hall(0.5), 15, 1.5);
+}
+
+// What is too loud on one side is made softer on both, so that nothing moves.
+TEST(VoiceBeautify, LimitsBothSidesAlike) {
+  const std::vector<short> loud = AtFullScale(Babble(44100, 2));
+  std::vector<short> soft = loud;
+  for (short& sample : soft) sample = static_cast<short>(sample / 8);
+  const std::vector<short> out = Process(*Enabled(mode2, 1, 0), Interleaved(loud, soft), 44100, 2);
+  const double left = Rms(ToDoubles(Channel(out, 2, 0)));
+  const double right = Rms(ToDoubles(Channel(out, 2, 1)));
+  EXPECT_NEAR(Decibels(left / right), Decibels(8), 0.02);
 }
 
 }  // namespace
