@@ -9,6 +9,7 @@
 #include "desktop/aec/parts/kalman_filter.h"
 #include "support/allocation_count.h"
 #include "support/talk.h"
+#include "support/tone.h"
 
 namespace {
 
@@ -71,6 +72,24 @@ TEST(EchoSuppressor, TakesEchoThatTheFilterDoesNotLearn) {
   const Cancelled made = Cancel(far, near);
   EXPECT_LT(LossDb(near, made.filtered, kRate, 2, 6), 6);
   EXPECT_GT(LossDb(near, made.out, kRate, 2, 6), 15);
+}
+
+// Bursts of 0.4 s of a tone.
+Samples Bursts(double frequency, double amplitude) {
+  Samples bursts = Tone(frequency, amplitude, kRate, 6 * kRate);
+  for (size_t i = 0; i < bursts.size(); ++i) {
+    if (i % 12800 >= 6400) bursts[i] = 0;
+  }
+  return bursts;
+}
+
+// A loudspeaker that plays nothing but the third harmonic of a tone, where the far end has nothing.
+TEST(EchoSuppressor, TakesEchoAtFrequenciesThatTheFarEndDoesNotHave) {
+  const Samples far = Bursts(1000, 8000);
+  const Samples near = Sum(Echo(Bursts(3000, 2000), kRate, 60), Hiss(kRate, 6, 2, -75));
+  const Cancelled made = Cancel(far, near);
+  EXPECT_LT(LossDb(near, made.filtered, kRate, 2, 6), 1);
+  EXPECT_GT(LossDb(near, made.out, kRate, 2, 6), 40);
 }
 
 TEST(EchoSuppressor, LeavesTheNearEndInDoubleTalk) {
