@@ -41,6 +41,38 @@ TEST_F(JudgeTest, PassesInputsThatHoldOneBlock) {
   EXPECT_EQ(Judge(InputProblems({})).verdict, Verdict::kPass);
 }
 
+// An input, or one of a list, with what is wrong with it.
+FileReport Input(const std::string& pattern, const std::vector<Cause>& causes) {
+  FileReport input;
+  input.place.use.pattern = pattern;
+  for (const Cause cause : causes) input.problems.push_back({cause, ""});
+  return input;
+}
+
+TEST(MayRun, WantsEveryInputThatIsNoneOfAList) {
+  const FileReport good = Input("", {});
+  const FileReport missing = Input("", {Cause::kMissingInput});
+  EXPECT_TRUE(MayRun({}));
+  EXPECT_TRUE(MayRun(std::vector{good, good}));
+  EXPECT_FALSE(MayRun(std::vector{good, missing}));
+  EXPECT_FALSE(MayRun(std::vector{missing, good}));
+}
+
+TEST(MayRun, WantsOneOfEachList) {
+  const FileReport good = Input("a*", {});
+  const FileReport missing = Input("a*", {Cause::kMissingInput});
+  EXPECT_TRUE(MayRun(std::vector{missing, good}));
+  EXPECT_FALSE(MayRun(std::vector{missing, missing}));
+  EXPECT_FALSE(MayRun(std::vector{missing, Input("b*", {})}));
+  EXPECT_FALSE(MayRun(std::vector{good, Input("", {Cause::kMissingInput})}));
+}
+
+TEST(MayRun, TakesAnInputOfWhichARoutineMakesSomething) {
+  EXPECT_TRUE(MayRun(std::vector{Input("", {Cause::kInputTooShort})}));
+  EXPECT_TRUE(MayRun(std::vector{Input("", {Cause::kInputNotWhole, Cause::kInputTooShort})}));
+  EXPECT_FALSE(MayRun(std::vector{Input("", {Cause::kInputTooShort, Cause::kInputFormat})}));
+}
+
 TEST_F(JudgeTest, FailsOnAnInputWithoutOneBlock) {
   WriteFile("work/a", "123");
   const std::vector<FilePlace> inputs = {Place("/a", 4)};
