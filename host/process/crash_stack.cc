@@ -109,7 +109,7 @@ std::vector<uintptr_t> Addresses(const CrashCalls& noted) {
   std::vector<uintptr_t> addresses;
   for (size_t i = 0; i < count; ++i) {
     const auto address = reinterpret_cast<uintptr_t>(noted.calls[i]);
-    if (address == noted.at || noted.at != 0) {
+    if (address == noted.at && noted.at != 0) {
       addresses = {noted.at};
     } else {
       addresses.push_back(address - 1);

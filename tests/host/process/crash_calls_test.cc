@@ -16,7 +16,9 @@
 #include "process/crash_stack.h"
 #include "support/child_process.h"
 
+using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 
 namespace {
 
@@ -67,6 +69,14 @@ TEST(CrashStack, BeginsWhereItCrashed) {
   const auto at = reinterpret_cast<uintptr_t>(&Middle) + 1;
   EXPECT_THAT(StackOf({Inner, Middle, Outer}, at),
               MatchesRegex(Line("0", "Middle") + Line("1", "Outer")));
+}
+
+// A function that ends with a call returns to where the next one starts.
+TEST(CrashStack, MeansTheCallBeforeAReturnAddress) {
+  const auto noted = std::make_unique<host::CrashCalls>();
+  noted->calls[0] = reinterpret_cast<void*>(&Middle);
+  noted->count = 1;
+  EXPECT_THAT(host::CrashStack(*noted), Not(HasSubstr("Middle")));
 }
 
 TEST(CrashStack, EndsBeforeTheCallsThatWereThereBefore) {
