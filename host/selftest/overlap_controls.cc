@@ -54,6 +54,21 @@ Control LoudEnds(std::ptrdiff_t later) {
        {"si_sdr", 20, 0.002}}};
 }
 
+// All there is lies within the reach of an interpolation of the start.
+Control BurstAtStart() {
+  return {"60 samples of noise at an SNR of 20 dB, then silence",
+          "Nothing is left to be interpolated, but whole samples have all of it.",
+          [] {
+            const Waveform burst = WhiteNoise(60, 1, 90);
+            Waveform reference = burst;
+            Waveform output = Sum(burst, NoiseBelow(burst, 20, burst.size(), 91));
+            reference.resize(kFrames);
+            output.resize(kFrames);
+            return Pair(reference, output);
+          },
+          {{"delay", 0, 1e-12}, {"gain", 0, 0.001}, {"snr", 20, 0.001}}};
+}
+
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
 void AddClick(Waveform& samples, double place, double size) {
   for (int i = -60; i <= 60; ++i) {
@@ -189,11 +204,14 @@ Control NearHalfRate() {
 }  // namespace
 
 std::vector<Control> OverlapControls() {
-  return {NearHalfRate(),        ClickAtStart(),        ClickBeyond(),
-          ToneAndNoise(),        BetweenSamples(81),    BetweenSamples(-81),
-          BetweenSamples(82),    BetweenSamples(-82),   Soft(),
-          LoudEnds(40),          LoudEnds(-40),         LoudPlace(0.5, true),
-          LoudPlace(-0.5, true), LoudPlace(0.5, false), LoudPlace(-0.5, false)};
+  return {BurstAtStart(),        NearHalfRate(),
+          ClickAtStart(),        ClickBeyond(),
+          ToneAndNoise(),        BetweenSamples(81),
+          BetweenSamples(-81),   BetweenSamples(82),
+          BetweenSamples(-82),   Soft(),
+          LoudEnds(40),          LoudEnds(-40),
+          LoudPlace(0.5, true),  LoudPlace(-0.5, true),
+          LoudPlace(0.5, false), LoudPlace(-0.5, false)};
 }
 
 }  // namespace host
