@@ -82,6 +82,7 @@ std::vector<Control> TempoControls();
 std::vector<Control> RhythmControls();
 std::vector<Control> InputControls();
 std::vector<Control> ShortestControls();
+std::vector<Control> NeedsControls();
 
 // Controls that stand alone, two and two of them as the channels of one scene.
 std::vector<Control> ChannelControls(std::span<const Control> alone);

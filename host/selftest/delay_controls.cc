@@ -100,6 +100,22 @@ Control OfTone() {
           {{"delay", 22.3 / kRate, 0.01 / kRate}, {"gain", 0, 0.002}, {"polarity", 1, 1e-9}}};
 }
 
+// Of opposite signs, as the product of both constants is.
+Control OfToneBesideConstants() {
+  return {"a sine of 100 Hz above 0.013, 22 samples late below -0.013",
+          "Half a period apart it is the same upside down. The product of the constants, 0.4 % of "
+          "the sine's, is no likeness of that sign; the ends leave less than a tenth of it.",
+          [] {
+            const double turn = 2 * std::numbers::pi / 80;
+            Waveform reference = Sine(kRate, 2, 100, 0.3);
+            Waveform output = Sine(kRate, 2, 100, 0.3, -22 * turn);
+            for (float& sample : reference) sample += 0.013F;
+            for (float& sample : output) sample -= 0.013F;
+            return Pair(reference, output, 0.005);
+          },
+          {{"delay", 22.0 / kRate, 0.01 / kRate}}};
+}
+
 // Noise of their own in both, 10 dB below a sine with a period of 8 samples.
 Control OfToneInNoise() {
   return {"a sine of 1 kHz, 1.3 samples late, 10 dB above noise",
@@ -165,11 +181,25 @@ Control Stairs() {
 }  // namespace
 
 std::vector<Control> DelayControls() {
-  return {AtEdge(80),     AtEdge(-80),     AtEdge(81),          AtEdge(-81),
-          Short(4096, 5), Short(4096, -5), Short(4095, 5),      Short(4095, -5),
-          Excerpt(true),  Excerpt(false),  HalfOfShorter(4000), HalfOfShorter(4001),
-          OfTone(),       OfToneInNoise(), InNoise(0.4, 0),     InNoise(-9.5, -10),
-          Strangers(),    Stairs()};
+  return {AtEdge(80),
+          AtEdge(-80),
+          AtEdge(81),
+          AtEdge(-81),
+          Short(4096, 5),
+          Short(4096, -5),
+          Short(4095, 5),
+          Short(4095, -5),
+          Excerpt(true),
+          Excerpt(false),
+          HalfOfShorter(4000),
+          HalfOfShorter(4001),
+          OfTone(),
+          OfToneBesideConstants(),
+          OfToneInNoise(),
+          InNoise(0.4, 0),
+          InNoise(-9.5, -10),
+          Strangers(),
+          Stairs()};
 }
 
 }  // namespace host

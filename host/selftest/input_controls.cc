@@ -37,11 +37,6 @@ std::vector<Expected> ReasonFor(const std::string& reason, bool (*applies)(const
   return expected;
 }
 
-bool NeedsSignals(const Measure& measure) {
-  using namespace audio_measures;
-  return (measure.needs & (kReference | kFar | kNear | kInput)) != 0;
-}
-
 // The levels that are defined from 100 Hz on.
 std::vector<Control> LowRates() {
   std::vector<Expected> below;
@@ -87,29 +82,17 @@ std::vector<Control> Faults() {
                       [] { return Everything(384000, 4000); },
                       ReasonFor(audio_measures::kWrongRate, Computed)});
   controls.push_back({"nothing but the output",
-                      "What is measured against a signal needs it.",
-                      [] {
-                        Scene scene = Everything(16000, 160000);
-                        scene.reference = scene.far = scene.near = scene.input = {};
-                        return scene;
-                      },
+                      "What is measured against a signal or a list needs it.",
+                      [] { return Scene{.output = Everything(16000, 160000).output}; },
                       {{.measure = "snr", .reason = "no reference"},
                        {.measure = "pitch_cents", .reason = "no reference"},
                        {.measure = "erle", .reason = "no far end"},
                        {.measure = "near_sdr", .reason = "no far end"},
                        {.measure = "band_limit", .reason = "no input"},
-                       {.measure = "length_factor", .reason = "no input"}}});
-  controls.push_back({"signals of another rate", "They are not what the output is compared with.",
-                      [] {
-                        Scene scene = Everything(16000, 160000);
-                        for (ControlSound* const each :
-                             {&scene.reference, &scene.far, &scene.near, &scene.input}) {
-                          each->rate = 48000;
-                          each->channels.front().resize(480000);
-                        }
-                        return scene;
-                      },
-                      ReasonFor(audio_measures::kOtherRate, NeedsSignals)});
+                       {.measure = "length_factor", .reason = "no input"},
+                       {.measure = "bit_rate", .reason = "no coded stream"},
+                       {.measure = "frames", .reason = "no count of coded frames"},
+                       {.measure = "beat_f", .reason = "no lists of beats"}}});
   return controls;
 }
 

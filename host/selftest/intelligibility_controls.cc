@@ -44,17 +44,17 @@ Control Turned(double degrees) {
 }
 
 // A filter of linear phase around this share of half the rate, below it or, of the other sign,
-// above it, 40 samples to either side. What passes 900 Hz on one side has half of the bands.
-Waveform Half(std::span<const float> samples, bool low, double share = 0.18) {
-  constexpr int kReach = 40;
+// above it, with `reach` taps on either side. What passes 900 Hz on one side has half of the bands.
+Waveform Half(std::span<const float> samples, bool low, double share = 0.18, int reach = 40) {
+  const auto lead = static_cast<size_t>(reach);
   Waveform filtered(samples.size());
-  for (int k = -kReach; k <= kReach; ++k) {
+  for (int k = -reach; k <= reach; ++k) {
     const double turn = std::numbers::pi * k;
     const double sinc = k == 0 ? share : std::sin(turn * share) / turn;
-    const double tap = sinc * (0.5 + 0.5 * std::cos(turn / (kReach + 1)));
+    const double tap = sinc * (0.5 + 0.5 * std::cos(turn / (reach + 1)));
     const auto weight = static_cast<float>(low ? tap : (k == 0 ? 1 - tap : -tap));
-    for (size_t i = kReach; i + kReach < samples.size(); ++i) {
-      filtered[i] += weight * samples[i - static_cast<size_t>(k + kReach) + kReach];
+    for (size_t i = lead; i + lead < samples.size(); ++i) {
+      filtered[i] += weight * samples[i - static_cast<size_t>(k + reach) + lead];
     }
   }
   return filtered;
@@ -157,6 +157,47 @@ Control LowBandsTurned() {
       {{"stoi", 7.0 / 15, 0.06}}};
 }
 
+// The same at twice the rate, and as much again above.
+Waveform AtTwiceTheRate(const Waveform& samples) {
+  Waveform sparse(2 * samples.size());
+  for (size_t i = 0; i < samples.size(); ++i) sparse[2 * i] = samples[i];
+  return sparse;
+}
+
+Control OfTwiceTheRate() {
+  return {"at 20 kHz, what is below 900 Hz turned by 90 degrees",
+          "What is above 5 kHz does not count, so that it is as at 10 kHz: 7 / 15.",
+          [] {
+            const Waveform plain = AtTwiceTheRate(Envelope(300, 0.3, 0, 0.5));
+            const Waveform turned = AtTwiceTheRate(Envelope(300, 0.3, std::numbers::pi / 2, 0.5));
+            Scene scene =
+                Pair(plain, Sum(Half(turned, true, 0.09, 80), Half(plain, false, 0.09, 80)));
+            scene.output.rate = scene.reference.rate = 2 * kRate;
+            return scene;
+          },
+          {{"stoi", 7.0 / 15, 0.06}}};
+}
+
+// A tone at a bin of 512, of an envelope of its own.
+Control ToneAt(int bin, int bands) {
+  return {"a tone of " + std::to_string(bin * kRate / 512) + " Hz, turned by 90 degrees",
+          "The last two bands end before bins 174 and 219, the nearest to 2^(1/6) above their "
+          "middles. What a window leaves of a tone five bins beside it is a thousandth. The band "
+          "in which it is by far the strongest does not correlate, all others do.",
+          [bin] {
+            const Waveform reference = Envelope(300, 0.3, 0, 0.5);
+            Waveform output = reference;
+            for (size_t i = 0; i < output.size(); ++i) {
+              const double time = static_cast<double>(i) - kMiddle;
+              const double envelope = 1 - 0.5 * std::sin(kTurn * time / kHop);
+              const double tone = std::sin(2 * std::numbers::pi * bin * time / 512);
+              output[i] += static_cast<float>(0.2 * envelope * tone);
+            }
+            return Pair(reference, output);
+          },
+          {{"stoi", bands / 15.0, 0.02}}};
+}
+
 Control TopBandTurned() {
   return {"what is above 3.4 kHz turned by 90 degrees",
           "The last of 15 bands goes from 3.4 to 4.3 kHz and does not correlate, all others do: 14 "
@@ -236,6 +277,10 @@ std::vector<Control> IntelligibilityControls() {
           LoudBlocks(10),
           TopBandTurned(),
           LowBandsTurned(),
+          OfTwiceTheRate(),
+          ToneAt(168, 14),
+          ToneAt(180, 14),
+          ToneAt(224, 15),
           Spectra(0),
           Spectra(36),
           Spectra(72),

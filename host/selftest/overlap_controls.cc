@@ -54,6 +54,24 @@ Control LoudEnds(std::ptrdiff_t later) {
        {"si_sdr", 20, 0.002}}};
 }
 
+// Next to all there is lies within the reach of an interpolation of the start: after it the
+// reference is silent, and the output as well or 120 dB below.
+Control BurstAtStart(const std::string& rest, double ofOutput) {
+  return {"60 samples of noise at an SNR of 20 dB, then " + rest,
+          "Nothing of the reference is left to be interpolated; whole samples have all of it. Of "
+          "the blocks of 20 ms one is not silent.",
+          [=] {
+            const Waveform burst = WhiteNoise(60, 1, 90);
+            Waveform reference = burst;
+            Waveform output = Sum(burst, NoiseBelow(burst, 20, burst.size(), 91));
+            const Waveform more = WhiteNoise(kFrames - 60, 1, 92);
+            reference.resize(kFrames);
+            Append(output, Scaled(more, std::sqrt(ofOutput * Energy(burst) / Energy(more))));
+            return Pair(reference, output);
+          },
+          {{"delay", 0, 1e-12}, {"gain", 0, 0.001}, {"snr", 20, 0.001}, {"seg_snr", 20, 0.001}}};
+}
+
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
 void AddClick(Waveform& samples, double place, double size) {
   for (int i = -60; i <= 60; ++i) {
@@ -189,11 +207,23 @@ Control NearHalfRate() {
 }  // namespace
 
 std::vector<Control> OverlapControls() {
-  return {NearHalfRate(),        ClickAtStart(),        ClickBeyond(),
-          ToneAndNoise(),        BetweenSamples(81),    BetweenSamples(-81),
-          BetweenSamples(82),    BetweenSamples(-82),   Soft(),
-          LoudEnds(40),          LoudEnds(-40),         LoudPlace(0.5, true),
-          LoudPlace(-0.5, true), LoudPlace(0.5, false), LoudPlace(-0.5, false)};
+  return {BurstAtStart("silence", 0),
+          BurstAtStart("silence in the reference", 1e-12),
+          NearHalfRate(),
+          ClickAtStart(),
+          ClickBeyond(),
+          ToneAndNoise(),
+          BetweenSamples(81),
+          BetweenSamples(-81),
+          BetweenSamples(82),
+          BetweenSamples(-82),
+          Soft(),
+          LoudEnds(40),
+          LoudEnds(-40),
+          LoudPlace(0.5, true),
+          LoudPlace(-0.5, true),
+          LoudPlace(0.5, false),
+          LoudPlace(-0.5, false)};
 }
 
 }  // namespace host

@@ -200,6 +200,20 @@ Control HalvesApart() {
        {"gain", 0, 0.01}}};
 }
 
+// Multiples of 2^-20, all of them once more of the other sign, so that no sum is rounded.
+Control WithItsMean() {
+  return {"a copy that has its own mean, 0, among its samples",
+          "One sample without a part in the energy makes no silence.",
+          [] {
+            Waveform noise = WhiteNoise(kFrames / 2, 0.1, 43);
+            for (float& sample : noise) sample = std::round(sample * 0x1p20F) * 0x1p-20F;
+            noise.front() = 0;
+            Append(noise, Scaled(noise, -1));
+            return Pair(noise, noise);
+          },
+          {{"si_sdr", 120, 1e-6}}};
+}
+
 // A constant of 0.5 beside what changes sign as often as this, in turn.
 Waveform Turning(size_t samples, double height) {
   Waveform turning(kFrames);
@@ -234,6 +248,7 @@ std::vector<Control> ReferenceControls() {
   controls.push_back(Constant());
   controls.push_back(LastBit());
   controls.push_back(HalvesApart());
+  controls.push_back(WithItsMean());
   controls.push_back(NothingInCommon(0x1p-6, "nothing of the reference in it"));
   controls.push_back(NothingInCommon(0, audio_measures::kSilence));
   return controls;

@@ -95,7 +95,7 @@ const std::vector<Control>& AllControls() {
           IntelligibilityControls, EnhancementControls, MusicalControls,   EchoControls,
           CodecControls,           TimeControls,        PitchControls,     TempoControls,
           RhythmControls,          InputControls,       OverlapControls,   TrackControls,
-          ShortestControls}) {
+          ShortestControls,        NeedsControls}) {
       std::ranges::move(part(), std::back_inserter(controls));
     }
     std::ranges::move(ChannelControls(controls), std::back_inserter(controls));

@@ -103,6 +103,29 @@ Control Echo() {
           {{"erle", -20 * std::log10(kEchoGain), 1e-4}, {"convergence", 0, 1e-9}}};
 }
 
+// A signal of which the output has the start and the reference the end, and none has both.
+Control NothingInCommon() {
+  return {"an output that ends within the input before the reference begins",
+          "Each has enough in common with the input, and nothing with the other.",
+          [] {
+            constexpr int kLowRate = 8000;
+            constexpr std::ptrdiff_t kCommon = 6000;
+            const Waveform input = WhiteNoise(16000, 0.1, 97);
+            Waveform output = WhiteNoise(10000, 0.1, 98);
+            Append(output, std::span(input).first(kCommon));
+            Waveform reference(input.end() - kCommon, input.end());
+            Append(reference, WhiteNoise(10000, 0.1, 99));
+            return Scene{.output = {kLowRate, {output}},
+                         .reference = {kLowRate, {reference}},
+                         .input = {kLowRate, {input}},
+                         .searchSeconds = 1.5};
+          },
+          {{.measure = "noise_reduction", .reason = audio_measures::kTooShort},
+           {.measure = "speech_retained", .reason = audio_measures::kTooShort},
+           {.measure = "delta_snr", .reason = audio_measures::kTooShort},
+           {.measure = "musical", .reason = audio_measures::kTooShort}}};
+}
+
 // Eleven blocks: two windows of ten.
 Control TwoWindows() {
   const double first = -10 * std::log10((1 + 9 * kEchoGain * kEchoGain) / 10);
@@ -141,6 +164,7 @@ std::vector<Control> ShortestControls() {
   controls.push_back(RoundedDown("loudness_range", 24011));
   controls.push_back(Echo());
   controls.push_back(TwoWindows());
+  controls.push_back(NothingInCommon());
   return controls;
 }
 

@@ -124,6 +124,16 @@ Control InChannels(size_t channels) {
       {{"loudness", LoudnessOfSine(hz, 8000, 0.01) + 10 * std::log10(power), 0.005}}};
 }
 
+// A tenth of a second is 4095 samples.
+Control OfOddTenths() {
+  return {"0.4 s of a sine of 1 kHz at 40950 Hz",
+          "Each sample counts, or there would be less than one block. The filters settle in 4 ms.",
+          [] {
+            return Scene{.output = {40950, {Sine(40950, 0.4, 1000, 0.5)}}};
+          },
+          {{"loudness", LoudnessOfSine(1000, 40950, 0.5), 0.02}}};
+}
+
 // All is in the left one.
 Control InMany(size_t channels, const std::string& reason) {
   return {"a sine in the first of " + std::to_string(channels) + " channels",
@@ -145,6 +155,7 @@ std::vector<Control> WeightingControls() {
   }
   for (const double hz : {40.0, 1500.0, 3000.0}) controls.push_back(Weighted(hz, 8000));
   for (const size_t channels : {3U, 4U, 5U, 6U, 8U}) controls.push_back(InChannels(channels));
+  controls.push_back(OfOddTenths());
   controls.push_back(InMany(64, ""));
   controls.push_back(InMany(65, "a rate or channel count that is out of range"));
   return controls;

@@ -170,7 +170,6 @@ class Aligner {
         pair.signal.assign(signal.begin(), signal.end());
       }
     }
-    if (overlap.count == 0) return Without(kTooShort);
     if (likeness.correlation == 0) return Without(kSilence);
     const std::span<const float> reference = m_reference.subspan(overlap.begin, overlap.count);
     pair.reference.assign(reference.begin(), reference.end());

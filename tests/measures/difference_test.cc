@@ -81,6 +81,8 @@ TEST(Snr, WhatCannotBeComputedSaysWhy) {
   EXPECT_EQ(Reason(SegSnr({}, {}, kRate)), kTooShort);
   EXPECT_EQ(Reason(SegSnr(std::span(noise).first(319), std::span(noise).first(319), kRate)),
             kTooShort);
+  EXPECT_EQ(Reason(SegSnr(std::span(noise).first(320), std::span(noise).first(320), kRate)),
+            "a value");
   EXPECT_EQ(Reason(SegSnr(silence, noise, kRate)), kSilence);
 }
 

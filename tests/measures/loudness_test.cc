@@ -137,6 +137,7 @@ TEST(Loudness, WhatCannotBeComputedSaysWhy) {
   EXPECT_EQ(Reason(Of({Stereo(0.39, -20)}).Integrated()), kTooShort);
   EXPECT_EQ(Reason(Of({Stereo(0.4, -20)}).Integrated()), "a value");
   EXPECT_EQ(Reason(Of({Stereo(2.9, -20)}).Range()), kTooShort);
+  EXPECT_EQ(Reason(Of({Stereo(3, -20)}).Range()), "a value");
   EXPECT_EQ(Reason(Of({Stereo(5, -80)}).Integrated()), kBelowGate);
   EXPECT_EQ(Reason(Of({Stereo(5, -80)}).Range()), kBelowGate);
   Loudness broken(1, kRate);

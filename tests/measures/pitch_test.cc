@@ -113,7 +113,9 @@ TEST(PitchCents, WhatCannotBeComputedSaysWhy) {
     return std::string(PitchCents(voice, samples, 16000).reason);
   };
   EXPECT_EQ(because({}), kNoSamples);
-  EXPECT_EQ(because(std::vector<float>(100, 0.1F)), kTooShort);
+  // A window of 400 samples, the longest period of 266, and two more.
+  EXPECT_EQ(because(std::vector<float>(667, 0.1F)), kTooShort);
+  EXPECT_EQ(because(std::vector<float>(668)), kSilence);
   EXPECT_EQ(because(std::vector<float>(16000)), kSilence);
   EXPECT_EQ(because(Noise(16000, 0.1, 1)), "too little that has a pitch");
   std::vector<float> brief = Noise(16000, 0.1, 1);

@@ -176,15 +176,20 @@ TEST(Intelligibility, RateIsChangedWithoutDelay) {
 TEST(SpectralMeasures, WhatCannotBeComputedSaysWhy) {
   const std::vector<float> noise = TheNoise();
   const std::vector<float> silence(noise.size());
-  const std::span<const float> little = std::span(noise).first(479);
-  const std::span<const float> window = std::span(noise).first(4095);
+  const std::span<const float> block = std::span(noise).first(480);
+  const std::span<const float> little = block.first(479);
+  const std::span<const float> window = std::span(noise).first(4096);
   EXPECT_EQ(Reason(CompareSpectra(little, little, kRate).lsd), kTooShort);
+  EXPECT_EQ(Reason(CompareSpectra(little, little, kRate).fwSegSnr), kTooShort);
+  EXPECT_EQ(Reason(CompareSpectra(block, block, kRate).lsd), "a value");
   EXPECT_EQ(Reason(CompareSpectra(silence, noise, kRate).fwSegSnr), kSilence);
   EXPECT_EQ(Reason(CompareSpectra(noise, silence, kRate).lsd), "a value");
   EXPECT_EQ(Reason(CepstralDistance(little, little, kRate)), kTooShort);
+  EXPECT_EQ(Reason(CepstralDistance(block, block, kRate)), "a value");
   EXPECT_EQ(Reason(CepstralDistance(silence, noise, kRate)), kSilence);
   EXPECT_EQ(Reason(CepstralDistance(noise, silence, kRate)), kSilence);
-  EXPECT_EQ(Reason(CompareBands(window, window, kRate).mean), kTooShort);
+  EXPECT_EQ(Reason(CompareBands(window.first(4095), window.first(4095), kRate).mean), kTooShort);
+  EXPECT_EQ(Reason(CompareBands(window, window, kRate).mean), "a value");
   EXPECT_EQ(Reason(CompareBands(silence, noise, kRate).worst), kSilence);
   EXPECT_EQ(Reason(IntelligibilityOf(noise, silence).stoi), kSilence);
   EXPECT_EQ(Reason(IntelligibilityOf(silence, noise).estoi), kSilence);

@@ -101,6 +101,7 @@ TEST(Tempo, OfWhatDoesNotRepeatItselfIsUnknown) {
   EXPECT_STREQ(Tempo(std::vector<float>(20 * 16000), 16000).reason, kSilence);
   EXPECT_STREQ(Tempo({}, 16000).reason, kNoSamples);
   EXPECT_STREQ(Tempo(std::vector<float>(6 * 16000 - 1, 0.5F), 16000).reason, kTooShort);
+  EXPECT_STREQ(Tempo(std::vector<float>(6 * 16000, 0.5F), 16000).reason, none);
 }
 
 TEST(Tempo, IsThatOfAllChannels) {
