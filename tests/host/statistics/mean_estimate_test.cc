@@ -77,6 +77,24 @@ TEST(MeanEstimate, LevelsAreNeverBelowThoseOfStudent) {
   EXPECT_GT(estimate.LevelBelow(estimate.mean() + 20 * error), 0);
 }
 
+// Student's levels, where there are so many values that they decide alone, and resampled ones.
+TEST(MeanEstimate, LevelsAndEndsMoveWithTheValues) {
+  for (const int count : {20, 1000}) {
+    const auto clusters = NormalValues(count);
+    auto moved = clusters;
+    for (Cluster& each : moved) each.sum += 5;
+    const MeanEstimate here(clusters, false, kResamples);
+    const MeanEstimate there(moved, false, kResamples);
+    EXPECT_NEAR(there.At(0.95)->low, 5 + here.At(0.95)->low, 1e-9) << count;
+    EXPECT_NEAR(there.At(0.95)->high, 5 + here.At(0.95)->high, 1e-9) << count;
+    for (const double off : {-0.1, 0.02, 0.1}) {
+      const double value = here.mean() + off;
+      EXPECT_NEAR(there.LevelBelow(5 + value), here.LevelBelow(value), 1e-9) << count;
+      EXPECT_NEAR(there.LevelAbove(5 + value), here.LevelAbove(value), 1e-9) << count;
+    }
+  }
+}
+
 // Uneven clusters: every value counts the same.
 TEST(MeanEstimate, IsTheMeanOfAllValuesOfUnevenClusters) {
   const std::vector<Cluster> clusters = {{1, 1}, {12, 4}, {5, 5}};
