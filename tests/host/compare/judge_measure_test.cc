@@ -143,6 +143,22 @@ TEST(JudgeMeasure, ClustersAreTheThingsThatCount) {
   EXPECT_NEAR(few.p, 14.0 / 16, 1e-12);
 }
 
+// One large cluster gains least, three small ones lose more: by means two of 16 ways to give signs
+// are as far to one side, by sums 14 would be.
+TEST(JudgeMeasure, RanksClustersByTheirMeans) {
+  Json a = OneFigureEach(std::vector<double>(44, 1));
+  std::vector<double> values;
+  for (size_t i = 0; i < 44; ++i)
+    values.push_back(i < 20 ? 1.3 : 0.6 - 0.1 * static_cast<double>(i % 3));
+  Json b = OneFigureEach(values);
+  for (Json* const set : {&a, &b}) {
+    for (size_t i = 0; i < 44; ++i) {
+      (*set)["cases"][i]["cluster"] = i < 20 ? "large" : "s" + std::to_string(i % 3);
+    }
+  }
+  EXPECT_NEAR(CompareResults(SetOf(a), SetOf(b), {}).measures[0].p, 2 * 2.0 / 16, 1e-12);
+}
+
 // 10 recordings of 8 cases each: the interval is as wide as 10 things make it.
 TEST(JudgeMeasure, TheIntervalOfClustersIsThatOfTheirNumber) {
   std::vector<double> values;
