@@ -115,30 +115,6 @@ Control SoftBand(double softer, bool kept) {
           {{"band_limit", kept ? kEnd : kStep + 60, 60}}};
 }
 
-// The least that is defined.
-Control ShortestDelay() {
-  return {"0.2 s, 40 samples late",
-          "A whole number of samples.",
-          [] {
-            const Waveform noise = WhiteNoise(9640, 0.1, 43);
-            return Scene{.output = {48000, {{noise.begin(), noise.end() - 40}}},
-                         .input = {48000, {{noise.begin() + 40, noise.end()}}}};
-          },
-          {{"codec_delay", 40.0 / 48000, 0.002 / 48000}}};
-}
-
-Control ShortestBand() {
-  return {"0.6 s of a codec that ends at 3 kHz",
-          "As over a longer time: the filter falls to -20 dB within 30 Hz above its edge.",
-          [] {
-            Waveform flat = Flat();
-            flat.resize(9600);
-            return Scene{.output = {kStepRate, {Below(kStep, flat, kStepRate)}},
-                         .input = {kStepRate, {flat}}};
-          },
-          {{"band_limit", kStep + 30, 60}}};
-}
-
 // Where 80 ms are a power of 2 of samples, so that this is the window.
 constexpr int kWholeRate = 25600;
 constexpr size_t kWindow = 2048;
@@ -300,9 +276,7 @@ std::vector<Control> CodecControls() {
           NothingKept(),
           SilentInput(),
           FlatBeside(1.01),
-          FlatBeside(0.99),
-          ShortestDelay(),
-          ShortestBand()};
+          FlatBeside(0.99)};
 }
 
 }  // namespace host

@@ -100,6 +100,16 @@ Control OfTone() {
           {{"delay", 22.3 / kRate, 0.01 / kRate}, {"gain", 0, 0.002}, {"polarity", 1, 1e-9}}};
 }
 
+Control OfSoftTone() {
+  return {"a sine of 100 Hz of amplitude 1e-6, 5 samples late and upside down",
+          "The right way up it is 35 samples early, beyond what is looked through.",
+          [] {
+            const double turn = 2 * std::numbers::pi / 80;
+            return Pair(Sine(kRate, 2, 100, 1e-6), Sine(kRate, 2, 100, -1e-6, -5 * turn), 0.002);
+          },
+          {{"delay", 5.0 / kRate, 0.01 / kRate}, {"gain", 0, 0.002}, {"polarity", -1, 1e-9}}};
+}
+
 // Of opposite signs, as the product of both constants is.
 Control OfToneBesideConstants() {
   return {"a sine of 100 Hz above 0.013, 22 samples late below -0.013",
@@ -194,6 +204,7 @@ std::vector<Control> DelayControls() {
           HalfOfShorter(4000),
           HalfOfShorter(4001),
           OfTone(),
+          OfSoftTone(),
           OfToneBesideConstants(),
           OfToneInNoise(),
           InNoise(0.4, 0),

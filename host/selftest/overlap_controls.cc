@@ -147,13 +147,15 @@ Control ClickBeyond() {
 }
 
 // Half of a tone and noise: most of the tone overlaps without the noise.
-Control ToneAndNoise() {
-  return {"a sine of 100 Hz and noise 6 dB below, 3200 of 8000 samples late",
+Control ToneAndNoise(double level) {
+  return {"a sine of 100 Hz and noise 6 dB below, 3200 of 8000 samples late, at " +
+              std::to_string(level) + " dB",
           "40 periods earlier the sine is the same and overlaps longer, but the noise, of a fifth "
           "of the energy, is not.",
-          [] {
+          [level] {
             Waveform common = WhiteNoise(12000, 0.1, 86);
             common = Sum(common, Sine(kRate, 1.5, 100, 0.2 * std::numbers::sqrt2));
+            common = Scaled(common, std::pow(10, level / 20));
             return Pair(Cut(common, 3200, 8000), Cut(common, 0, 8000), 1);
           },
           {{"delay", 3200.0 / kRate, 0.002 / kRate}, {"snr", 120, 1e-6}}};
@@ -212,7 +214,8 @@ std::vector<Control> OverlapControls() {
           NearHalfRate(),
           ClickAtStart(),
           ClickBeyond(),
-          ToneAndNoise(),
+          ToneAndNoise(0),
+          ToneAndNoise(-120),
           BetweenSamples(81),
           BetweenSamples(-81),
           BetweenSamples(82),
