@@ -54,6 +54,21 @@ Control LoudEnds(std::ptrdiff_t later) {
        {"si_sdr", 20, 0.002}}};
 }
 
+// At a whole number of samples nothing else is wrong, and so that is the delay.
+Control WrongEnds() {
+  return {"a copy with another first and last sample",
+          "Both are off by as much, together 20 dB below all there is.",
+          [] {
+            Waveform reference = WhiteNoise(kFrames, 0.1, 97);
+            reference.front() = reference.back() = 0;
+            Waveform output = reference;
+            output.front() = static_cast<float>(std::sqrt(0.005 * Energy(reference)));
+            output.back() = -output.front();
+            return Pair(reference, output);
+          },
+          {{"delay", 0, 1e-12}, {"gain", 0, 0.002}, {"snr", 20, 0.002}, {"si_sdr", 20, 0.002}}};
+}
+
 // Next to all there is lies within the reach of an interpolation of the start: after it the
 // reference is silent, and the output as well or 120 dB below.
 Control BurstAtStart(const std::string& rest, double ofOutput) {
@@ -212,6 +227,7 @@ std::vector<Control> OverlapControls() {
   return {BurstAtStart("silence", 0),
           BurstAtStart("silence in the reference", 1e-12),
           NearHalfRate(),
+          WrongEnds(),
           ClickAtStart(),
           ClickBeyond(),
           ToneAndNoise(0),

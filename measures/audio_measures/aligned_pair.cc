@@ -163,7 +163,13 @@ class Aligner {
       const std::span<const float> signal = m_signal.subspan(
           static_cast<size_t>(static_cast<double>(whole.begin) + line.start), whole.count);
       const Likeness ofWhole = Compare(m_reference.subspan(whole.begin, whole.count), signal);
-      if (std::fabs(ofWhole.correlation) >= std::fabs(likeness.correlation)) {
+      // Also over the same samples: what is wrong near an end alone speaks against neither.
+      const Likeness ofSame =
+          overlap.count == 0 ? Likeness{}
+                             : Compare(m_reference.subspan(overlap.begin, overlap.count),
+                                       signal.subspan(overlap.begin - whole.begin, overlap.count));
+      if (std::max(std::fabs(ofWhole.correlation), std::fabs(ofSame.correlation)) >=
+          std::fabs(likeness.correlation)) {
         likeness = ofWhole;
         overlap = whole;
         m_line = line;
