@@ -7,7 +7,7 @@
 namespace audio_measures {
 
 inline constexpr int kDelayVersion = 2;
-inline constexpr int kGainVersion = 1;
+inline constexpr int kGainVersion = 2;
 inline constexpr int kPolarityVersion = 2;
 
 // By how much a signal is later than its reference: whole samples by GCC-PHAT (delay_finder.h), the

@@ -6,8 +6,8 @@
 
 namespace audio_measures {
 
-inline constexpr int kBandDifferenceVersion = 1;
-inline constexpr int kBandDifferenceWorstVersion = 1;
+inline constexpr int kBandDifferenceVersion = 2;
+inline constexpr int kBandDifferenceWorstVersion = 2;
 
 struct BandDifference {
   Figure mean;

@@ -6,7 +6,7 @@
 
 namespace audio_measures {
 
-inline constexpr int kCepstralDistanceVersion = 1;
+inline constexpr int kCepstralDistanceVersion = 2;
 
 // cepstral_distance, dB (Y. Hu, P. Loizou, "Evaluation of objective quality measures for speech
 // enhancement", IEEE Trans. ASLP 16(1), 2008): in blocks of 30 ms, a window of Hann, every 7.5 ms,

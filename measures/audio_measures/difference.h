@@ -6,9 +6,9 @@
 
 namespace audio_measures {
 
-inline constexpr int kSnrVersion = 1;
-inline constexpr int kSiSdrVersion = 1;
-inline constexpr int kSegSnrVersion = 1;
+inline constexpr int kSnrVersion = 2;
+inline constexpr int kSiSdrVersion = 2;
+inline constexpr int kSegSnrVersion = 2;
 
 // What tells nothing from the reference counts as this much below it.
 inline constexpr double kHighestSnr = 120;  // dB

@@ -7,8 +7,8 @@
 
 namespace audio_measures {
 
-inline constexpr int kStoiVersion = 1;
-inline constexpr int kEstoiVersion = 1;
+inline constexpr int kStoiVersion = 2;
+inline constexpr int kEstoiVersion = 2;
 inline constexpr int kIntelligibilityRate = 10000;  // Hz
 
 struct Intelligibility {

@@ -6,7 +6,7 @@
 
 namespace audio_measures {
 
-inline constexpr int kNearSdrVersion = 1;
+inline constexpr int kNearSdrVersion = 2;
 
 // near_sdr, dB, higher is better: how much of the near end an echo canceller leaves while both
 // talk: 10 log10(|g s|^2 / |g s - y|^2) over the blocks in which near and far end talk

@@ -6,8 +6,8 @@
 
 namespace audio_measures {
 
-inline constexpr int kFwSegSnrVersion = 1;
-inline constexpr int kLsdVersion = 1;
+inline constexpr int kFwSegSnrVersion = 2;
+inline constexpr int kLsdVersion = 2;
 
 struct SpectralDifference {
   Figure fwSegSnr;
