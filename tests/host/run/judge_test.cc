@@ -248,6 +248,32 @@ TEST(Judge, NamesTheWorstProblemAndKeepsAll) {
   EXPECT_EQ(Judge({}).Worst(), nullptr);
 }
 
+// An input with these problems, of this list.
+FileReport Input(const std::string& pattern, const std::vector<Problem>& problems) {
+  FileReport input;
+  input.place.use.pattern = pattern;
+  input.problems = problems;
+  return input;
+}
+
+TEST(MayRun, NeedsEachInputThatIsOfNoList) {
+  const FileReport fine = Input("", {});
+  const FileReport missing = Input("", {{Cause::kMissingInput, "missing"}});
+  EXPECT_TRUE(MayRun({}));
+  EXPECT_TRUE(MayRun(std::vector{fine, Input("", {{Cause::kInputTooShort, "short"}})}));
+  EXPECT_FALSE(MayRun(std::vector{fine, missing}));
+  EXPECT_FALSE(MayRun(std::vector{missing, fine}));
+}
+
+TEST(MayRun, NeedsOneInputOfEachList) {
+  const FileReport gone = Input("a/#", {{Cause::kMissingInput, "missing"}});
+  EXPECT_TRUE(MayRun(std::vector{gone, Input("a/#", {})}));
+  EXPECT_TRUE(MayRun(std::vector{Input("a/#", {}), gone}));
+  EXPECT_FALSE(MayRun(std::vector{gone, gone}));
+  EXPECT_FALSE(MayRun(std::vector{gone, Input("b/#", {})})) << "of another list";
+  EXPECT_FALSE(MayRun(std::vector{gone, Input("", {})})) << "of none";
+}
+
 TEST(CauseName, DiffersForEachCause) {
   std::set<std::string> names;
   for (int i = 0; i <= static_cast<int>(Cause::kInterrupted); ++i) {
