@@ -1,8 +1,9 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "base/usage_error.h"
@@ -30,6 +31,10 @@ class RefuseOutputsTest : public testing::Test {
     return "";
   }
 
+  static std::ptrdiff_t OpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  }
+
   TemporaryDirectory m_directory;
 };
 
@@ -55,13 +60,10 @@ TEST_F(RefuseOutputsTest, SaysWhatIsThereInstead) {
 TEST_F(RefuseOutputsTest, LeavesNoDescriptorOpen) {
   WriteFile("work/there", "x");
   std::filesystem::create_directory("work/folder");
-  const int before = dup(STDIN_FILENO);
-  close(before);
+  const std::ptrdiff_t before = OpenDescriptors();
   for (const char* name : {"there", "absent", "folder"}) {
     Refusal(name);
-    const int after = dup(STDIN_FILENO);
-    close(after);
-    EXPECT_EQ(after, before) << name;
+    EXPECT_EQ(OpenDescriptors(), before) << name;
   }
 }
 
