@@ -46,8 +46,9 @@ FileDigest KnownDigestOf(int file, const std::function<bool()>& goOn) {
   timespec now;
   clock_gettime(CLOCK_REALTIME_COARSE, &now);
   FileDigest made = DigestOf(file, goOn);
-  // What may be written again without another date is read again.
-  if (!before.MayBeDatedAlikeAt(now) && before.Untouched(FileState(file))) Note(before, made);
+  // What may be written again without another date is read again. What is written meanwhile has
+  // another date than the one that is noted.
+  if (!before.MayBeDatedAlikeAt(now)) Note(before, made);
   return made;
 }
 

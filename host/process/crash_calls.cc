@@ -65,7 +65,7 @@ void NoteCrashes(CrashCalls* calls) {
   UseOtherStack();
   for (const int number : kCrashes) {
     struct sigaction now = {};
-    if (sigaction(number, nullptr, &now) != 0) continue;
+    sigaction(number, nullptr, &now);
     const bool handled = (now.sa_flags & SA_SIGINFO) != 0 || now.sa_handler != SIG_DFL;
     if (handled) continue;
     struct sigaction noting = {};

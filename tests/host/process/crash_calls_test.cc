@@ -85,6 +85,21 @@ TEST(CrashStack, EndsBeforeTheCallsThatWereThereBefore) {
   EXPECT_EQ(StackOf({Middle, Outer}, 0, {Middle, Outer}), "");
 }
 
+TEST(CrashStack, TakesNoMoreCallsThanThereIsRoomFor) {
+  const auto noted = std::make_unique<host::CrashCalls>();
+  noted->calls.fill(reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(&Middle) + 1));
+  noted->count = host::CrashCalls::kMax + 50;
+  EXPECT_THAT(host::CrashStack(*noted), MatchesRegex(Line("0", "Middle", "  \\(256 times\\)")));
+}
+
+TEST(CrashStack, KeepsAllCallsWhereThePlaceOfTheCrashIsNotKnown) {
+  const auto noted = std::make_unique<host::CrashCalls>();
+  noted->calls[0] = reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(&Middle) + 1);
+  noted->count = 2;
+  EXPECT_THAT(host::CrashStack(*noted), MatchesRegex(Line("0", "Middle") + "  #1  [^\n]*\n"))
+      << "no call is the crash";
+}
+
 void Ignore(int /*number*/) {}
 
 TEST(NoteCrashes, LeavesAloneWhatSomebodyElseHandles) {
