@@ -102,7 +102,7 @@ TEST(MapOpenedFiles, KeepsTheMostOfAFileThatIsOpenedAgain) {
 
 TEST(MapOpenedFiles, MakesFilesThatTheUsersMaskAlonePutsLimitsTo) {
   const TemporaryDirectory folder;
-  for (const mode_t mask : {0, 022}) {
+  for (const mode_t mask : {mode_t{0}, mode_t{022}}) {
     ActivityOf([mask] {
       umask(mask);
       fclose(fopen(mask == 0 ? "/open" : "/usual", "wb"));
