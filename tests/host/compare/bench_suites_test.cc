@@ -1,6 +1,9 @@
 // Two programs that run the same suite first.
 
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include "compare_fixture.h"
 
@@ -55,6 +58,22 @@ TEST_F(BenchSuitesTest, ATemporaryFolderIsKeptWhereSomethingIsWorse) {
   EXPECT_TRUE(std::filesystem::exists(place + "/a/results.json"));
   EXPECT_TRUE(std::filesystem::exists(place + "/b/results.json"));
   std::filesystem::remove_all(place);
+}
+
+TEST_F(BenchSuitesTest, AnInterruptEndsTheSuiteThatRunsAndTheComparison) {
+  WriteProgram("slow",
+               "trap 'kill $!; touch ended; exit 130' INT\n"
+               "sleep 1000 &\n"
+               "touch started\n"
+               "wait");
+  WriteProgram("second", "touch begun");
+  Process compare({AUDIO_BENCH_PROBE, "compare", "--bench", "./slow", "--bench", "./second",
+                   "s.toml", "--out", "both"});
+  while (!std::filesystem::exists("started")) usleep(1000);
+  kill(compare.pid(), SIGINT);
+  EXPECT_EQ(compare.Wait().exitCode, 128 + SIGINT);
+  EXPECT_TRUE(std::filesystem::exists("ended"));
+  EXPECT_FALSE(std::filesystem::exists("begun"));
 }
 
 TEST_F(BenchSuitesTest, BothResultsAreKeptWhereAFolderIsGiven) {

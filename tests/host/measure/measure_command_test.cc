@@ -181,7 +181,7 @@ TEST_F(MeasureCommandTest, ListExplainsEveryMeasure) {
     EXPECT_THAT(finished.out, HasSubstr(std::string(each.source)));
   }
   EXPECT_THAT(finished.out,
-              HasSubstr("si_sdr  dB, higher is better, margin 0.1, version 1\n"
+              HasSubstr("si_sdr  dB, higher is better, margin 0.1, version 2\n"
                         "    Energy of what the output has of the reference over that of all else "
                         "in it; 120 at most.\n"
                         "    Source: J. Le Roux et al., SDR - half-baked or well done?, ICASSP "
