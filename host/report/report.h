@@ -75,6 +75,7 @@ struct FileReport {
   std::optional<StagedFile> staged = {};     // An input that is what was put in its place.
   // The paths of the recordings that an output is measured against; empty for none.
   MeasuredPaths against = {};
+  std::string uncompared = {};  // Why one that was named for it could not be read; else empty.
 };
 
 // Why a run goes no further, where that is known before its routine has been started.

@@ -36,6 +36,7 @@ struct CauseFacts {
 // From bad to worse.
 constexpr CauseFacts kCauses[] = {
     {Cause::kGuardWarning, "guard_warning", Verdict::kWarn, exit_code::kPass},
+    {Cause::kReferenceUnreadable, "reference_unreadable", Verdict::kWarn, exit_code::kPass},
     {Cause::kInputAsItIs, "input_as_it_is", Verdict::kWarn, exit_code::kPass},
     {Cause::kInputNotWhole, "input_not_whole", Verdict::kWarn, exit_code::kPass},
     {Cause::kNotDelivered, "not_delivered", Verdict::kError, exit_code::kUsage},

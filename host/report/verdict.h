@@ -17,6 +17,7 @@ enum class Cause {
   kInputAsItIs,
   kInputNotWhole,
   kGuardWarning,
+  kReferenceUnreadable,
   kNotDelivered,
   kNotRunnable,
   kLogIncomplete,

@@ -70,6 +70,10 @@ void AddLookProblems(const FileReport& output, std::vector<Problem>& problems) {
     problems.push_back(
         {Cause::kOutputNotMeasured, name + " could not be measured: " + output.unmeasured});
   }
+  if (!output.uncompared.empty()) {
+    problems.push_back({Cause::kReferenceUnreadable,
+                        name + " could not be measured against " + output.uncompared});
+  }
 }
 
 // What is wrong with the content of an output that was written.

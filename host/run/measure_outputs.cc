@@ -11,6 +11,7 @@
 #include "demo/demo_all.h"
 #include "files/regular_file.h"
 #include "measure/measure_file.h"
+#include "measure/sound.h"
 #include "run/source_of_output.h"
 
 namespace host {
@@ -57,6 +58,20 @@ std::optional<MeasuredSource> Named(const NamedSources& sources, const FilePlace
     if (IsCalled(output, name)) return MeasuredSource{.path = path};
   }
   return {};
+}
+
+// The first recording that the case names for this output and that is none, and why; else empty.
+std::string UnreadableSource(const Case& what, const FilePlace& output) {
+  for (const NamedSources* const sources : {&what.reference, &what.far, &what.near}) {
+    const auto source = Named(*sources, output);
+    if (!source) continue;
+    try {
+      OpenSound sound(source->path, {});
+    } catch (const UnreadableSound& error) {
+      return source->path + ": " + error.fault;
+    }
+  }
+  return "";
 }
 
 // What is true of a recording of the demo, in the file beside it.
@@ -150,10 +165,16 @@ void MeasureOutputs(const Plan& plan, Limits& limits, RunReport& report) {
                     .near = against.near.path};
     const std::vector<std::string> names = WantedMeasures(plan, sound, file.place, against);
     const MeasureChoice choice = {names, plan.what.scorers};
+    file.uncompared = UnreadableSource(plan.what, file.place);
     const bool brief = IsShort(*file.audio);
-    for (MeasuredFigure& figure :
-         brief ? MeasureFile({.path = file.place.path, .raw = form}, against, choice, goOn).figures
-               : NoFigures(choice, "longer than what a run measures")) {
+    MeasuredFile measured;
+    if (brief) {
+      measured = MeasureFile({.path = file.place.path, .raw = form}, against, choice, goOn);
+    } else {
+      measured.figures = NoFigures(choice, "longer than what a run measures");
+    }
+    if (file.uncompared.empty()) file.uncompared = measured.unreadable;
+    for (MeasuredFigure& figure : measured.figures) {
       figure.file = file.place.name;
       report.figures.push_back(std::move(figure));
     }

@@ -109,6 +109,42 @@ TEST_F(RunFiguresTest, ASuiteNamesMeasuresAndReferences) {
   EXPECT_THAT(One(gone, "si_sdr")["reason"].get<std::string>(), HasSubstr("No such file"));
 }
 
+// Nobody looks for a figure that is missing in a case that passed.
+TEST_F(RunFiguresTest, ARecordingToMeasureAgainstThatCannotBeReadIsAWarning) {
+  WriteWav("a.wav", Babble(16000, 3));
+  const Finished made = Bench(
+      {"run", "TestHPFProcess", "--in", "a.wav", "--out", "whole.flac", "--", "in.wav", "out.wav"});
+  ASSERT_EQ(made.exitCode, 0) << made.out << made.err;
+  const std::string whole = ReadFile("whole.flac");
+  WriteFile("cut.flac", whole.substr(0, whole.size() / 2));
+  WriteFile("text.wav", "no sound\n");
+  const std::string start =
+      "[[case]]\nid = \"a\"\nroutine = \"TestHPFProcess\"\n"
+      "arguments = [\"in.wav\", \"out.wav\"]\nin = { \"in.wav\" = \"a.wav\" }\n";
+  const std::pair<std::string, std::string> faults[] = {
+      {"reference = { \"out.wav\" = \"gone.wav\" }", "gone.wav: No such file or directory"},
+      {"measures = [\"rms\"]\nfar = { \"out.wav\" = \"text.wav\" }",
+       "text.wav: is of no kind that is known"},
+      {"near = { \"out.wav\" = \"gone.wav\" }", "gone.wav: No such file or directory"},
+      {"reference = { \"out.wav\" = \"cut.flac\" }", "cut.flac: "}};
+  int count = 0;
+  for (const auto& [line, fault] : faults) {
+    WriteFile("s.toml", start + line + "\n");
+    const std::string out = "results" + std::to_string(++count);
+    const Finished finished = Bench({"suite", "s.toml", "--out", out});
+    EXPECT_EQ(finished.exitCode, 0) << finished.err;
+    const json one = ParseResults(ReadFile(out + "/results.json"))["cases"][0];
+    EXPECT_EQ(one["verdict"], "warn") << line;
+    EXPECT_EQ(one["cause"], "reference_unreadable") << line;
+    EXPECT_THAT(one["reason"].get<std::string>(),
+                HasSubstr(" could not be measured against ./" + fault));
+    const Finished strict = Bench({"suite", "s.toml", "--strict", "--out", out + "s"});
+    EXPECT_EQ(strict.exitCode, 1) << line;
+  }
+  WriteFile("s.toml", start + "reference = { \"out.wav\" = \"whole.flac\" }\n");
+  EXPECT_EQ(Bench({"suite", "s.toml", "--strict", "--out", "good"}).exitCode, 0);
+}
+
 TEST_F(RunFiguresTest, ASuiteRefusesNamesThatThereAreNot) {
   const std::string start =
       "[[case]]\nid = \"a\"\nroutine = \"TestHPFProcess\"\n"

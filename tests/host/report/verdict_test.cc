@@ -18,6 +18,7 @@ struct Expected {
 
 // From the least to the worst.
 const Expected kExpected[] = {{Cause::kGuardWarning, "guard_warning", "warn", 0},
+                              {Cause::kReferenceUnreadable, "reference_unreadable", "warn", 0},
                               {Cause::kInputAsItIs, "input_as_it_is", "warn", 0},
                               {Cause::kInputNotWhole, "input_not_whole", "warn", 0},
                               {Cause::kNotDelivered, "not_delivered", "error", 2},
