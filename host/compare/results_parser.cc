@@ -5,6 +5,9 @@
 #include <limits>
 #include <string_view>
 
+#include "harness/format_name.h"
+#include "results/schema_versions.h"
+
 namespace host {
 
 namespace {
@@ -39,7 +42,7 @@ std::string ResultsParser::Where() const {
 }
 
 void ResultsParser::Finish() {
-  if (!m_hasVersion) {
+  if (m_version == 0) {
     Refuse("neither results of a suite nor the report of a run: it has no schema_version");
   } else if (!m_hasCases) {
     m_set.origin.report = true;
@@ -50,6 +53,15 @@ void ResultsParser::Finish() {
       Refuse("neither results of a suite nor the report of a run: it has no cases");
     }
   }
+  CheckVersion();
+}
+
+void ResultsParser::CheckVersion() {
+  const int known = m_hasCases ? kResultsSchema : kReportSchema;
+  if (m_version <= known) return;
+  Refuse("a later audio_bench wrote it: it has schema_version " +
+         harness::FormatName("%.15g", m_version) + ", this one reads " +
+         (m_hasCases ? "results" : "reports") + " up to " + std::to_string(known));
 }
 
 bool ResultsParser::null() {

@@ -99,6 +99,7 @@ class ResultsParser : public Json::json_sax_t {
   void EndGuard();
   void EndOutput();
   void CheckCase();
+  void CheckVersion();
   int KindOf(const MeasureKind& kind);
 
   ResultSet& m_set;
@@ -112,7 +113,7 @@ class ResultsParser : public Json::json_sax_t {
   bool m_factIsCpu = false;
   size_t m_lastKind = 0;
   bool m_hasCases = false;
-  bool m_hasVersion = false;
+  double m_version = 0;  // Of the schema; 0 where there is none.
 };
 
 }  // namespace host

@@ -62,8 +62,12 @@ bool ResultsParser::Take(const Scalar& value) {
 
 bool ResultsParser::TakeOfTop(const Scalar& value) {
   if (m_key == "schema_version") {
-    m_hasVersion = value.number != nullptr;
-    return m_hasVersion || Refuse("schema_version is no number");
+    if (value.number == nullptr || *value.number < 1 ||
+        *value.number != std::floor(*value.number)) {
+      return Refuse("schema_version is no whole number from 1 on");
+    }
+    m_version = *value.number;
+    return true;
   }
   if (m_key == "cases") return Refuse("cases is no list");
   if (m_key == "suite") return TakeText(value, m_set.origin.suite);

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "files/regular_file.h"
+#include "results/schema_versions.h"
 
 namespace host {
 
@@ -12,7 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t kMaxReportBytes = 100'000'000;
-constexpr int kSchema = 3;
 
 // The value of an object that may have none.
 std::string ValueOf(const Json& object) {
@@ -28,10 +28,10 @@ Json Parsed(const std::string& path) {
     throw ReplayFault{path + " is no report of a run (audio_bench run --json)"};
   }
   const Json& version = report["schema_version"];
-  if (version != kSchema || !report.contains("command")) {
+  if (version != kReportSchema || !report.contains("command")) {
     throw ReplayFault{"report " + path + " has schema version " + version.dump() +
                       " or lacks what is needed to run it again; this audio_bench reads version " +
-                      std::to_string(kSchema)};
+                      std::to_string(kReportSchema)};
   }
   return report;
 }

@@ -10,12 +10,11 @@
 #include "report/libraries.h"
 #include "report/origin.h"
 #include "report/report.h"
+#include "results/schema_versions.h"
 
 namespace host {
 
 namespace {
-
-constexpr int kReportSchema = 3;
 
 Json ChannelJson(const ChannelFigures& figures, const std::string& name) {
   const char* const silent =

@@ -15,6 +15,7 @@
 #include "process/limits.h"
 #include "report/origin.h"
 #include "report/output.h"
+#include "results/schema_versions.h"
 #include "suite/case_record.h"
 #include "suite/case_work.h"
 #include "suite/scratch.h"
@@ -32,7 +33,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kResultsVersion = 1;
 constexpr double kResultsSeconds = 5;  // Between two writes of the results.
 
 std::string TimeOfDay() {
@@ -44,7 +44,7 @@ std::string TimeOfDay() {
 
 // The first line of the plan.
 Json Header(const SuiteOptions& options, const Selection& selection) {
-  Json header = {{"schema_version", kResultsVersion}};
+  Json header = {{"schema_version", kResultsSchema}};
   header.update(OriginJson(FindEngine(options.engine)));
   header["started"] = TimeOfDay();
   header["command"] = options.command;

@@ -134,6 +134,24 @@ TEST(ReadResults, RefusesAnotherDocument) {
               HasSubstr("the report of a run that was refused"));
 }
 
+// It may mean something else by the same words.
+TEST(ReadResults, RefusesALaterSchema) {
+  const std::string results = ", \"cases\": []}";
+  const std::string report = ", \"routine\": \"TestDrc\", \"verdict\": \"pass\"}";
+  const std::string start = "{\"schema_version\": ";
+  EXPECT_EQ(Fault(start + "1" + results), "");
+  EXPECT_THAT(Fault(start + "2" + results), HasSubstr("it has schema_version 2, this one reads "
+                                                      "results up to 1"));
+  EXPECT_THAT(Fault("{\"cases\": [], \"schema_version\": 2}"), HasSubstr("schema_version 2"));
+  EXPECT_EQ(Fault(start + "3" + report), "");
+  EXPECT_EQ(Fault(start + "1" + report), "");
+  EXPECT_THAT(Fault(start + "4" + report), HasSubstr("it has schema_version 4, this one reads "
+                                                     "reports up to 3"));
+  for (const char* version : {"0", "-1", "1.5", "null", "true", "\"1\""}) {
+    EXPECT_THAT(Fault(start + version + results), HasSubstr("no whole number from 1 on"));
+  }
+}
+
 TEST(ReadResults, RefusesValuesOfAnotherType) {
   EXPECT_THAT(FaultOfCase("id", 5), HasSubstr("id is no text"));
   EXPECT_THAT(FaultOfCase("id", ""), HasSubstr("without an id"));
