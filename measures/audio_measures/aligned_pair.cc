@@ -21,6 +21,7 @@ constexpr double kFineSearch = 0.005;  // s, once the line is taken out.
 constexpr double kSignificant = 4;     // Standard errors.
 constexpr double kLeastChange = 0.05;  // Samples over the whole that are worth being taken out.
 constexpr int kRefinements = 3;
+constexpr double kNothing = 1e-12;  // A rest that is none: 120 dB below.
 
 // What there is of a signal at places of the reference: `line` says how much later it is there.
 struct Overlap {
@@ -46,6 +47,10 @@ std::vector<float> Moved(std::span<const float> signal, const DelayLine& line, O
 struct Likeness {
   double gain = 0;         // Of the signal against the reference.
   double correlation = 0;  // From -1 to 1.
+
+  double Size() const { return std::fabs(correlation); }
+  // The part of the energy that is nothing of the reference.
+  double Rest() const { return 1 - correlation * correlation; }
 };
 
 Likeness Compare(std::span<const float> reference, std::span<const float> signal) {
@@ -93,6 +98,7 @@ class Aligner {
     const Alignment whole = Align(m_reference, m_signal, m_rate, -m_search, m_search);
     if (whole.delay.value) {
       m_line.start = *whole.delay.value * m_rate;
+      m_peak = static_cast<double>(whole.peak);
       return nullptr;
     }
     const Tracking tracking = {.pieceFrames = Frames(kShortPiece),
@@ -152,37 +158,70 @@ class Aligner {
     return slope > kSignificant * line.slopeError && slope * Size() > kLeastChange;
   }
 
+  // The signal beside the reference.
+  struct Place {
+    DelayLine line;
+    Overlap overlap;
+    std::span<const float> signal;
+    Likeness likeness;
+  };
+
+  std::span<const float> ReferenceIn(const Overlap& overlap) const {
+    return m_reference.subspan(overlap.begin, overlap.count);
+  }
+
+  Place AtWhole(double later) const {
+    Place place = {.line = {.start = later}, .overlap = {}, .signal = {}, .likeness = {}};
+    place.overlap = Overlapping(m_reference.size(), m_signal.size(), place.line, true);
+    place.signal = m_signal.subspan(
+        static_cast<size_t>(static_cast<double>(place.overlap.begin) + later), place.overlap.count);
+    place.likeness = Compare(ReferenceIn(place.overlap), place.signal);
+    return place;
+  }
+
+  // The fit of phases has windows that nearly close at both ends; the peak of the correlation is
+  // where all samples count.
+  Place AtWholeSamples() const {
+    const Place fitted = AtWhole(std::round(m_line.start));
+    if (std::fabs(m_peak - m_line.start) > kInterpolationReach) return fitted;
+    const Place peak = AtWhole(m_peak);
+    return peak.likeness.Size() > fitted.likeness.Size() ? peak : fitted;
+  }
+
+  // Whether both are more alike than at whole samples, and not by chance: a delay that is fitted
+  // takes a part out of noise that is the square of its standard errors over the samples.
+  bool IsMoreAlike(const Place& moved, const Place& whole) const {
+    if (whole.likeness.Size() >= moved.likeness.Size()) return false;
+    // Over the same samples: what is wrong near an end alone speaks against neither.
+    const Likeness same = Compare(
+        ReferenceIn(moved.overlap),
+        whole.signal.subspan(moved.overlap.begin - whole.overlap.begin, moved.overlap.count));
+    const double chance = kSignificant * kSignificant / static_cast<double>(moved.overlap.count);
+    return same.Rest() > moved.likeness.Rest() * (1 + chance) + kNothing;
+  }
+
   AlignedPair Move() {
-    AlignedPair pair;
-    Overlap overlap = Overlapping(m_reference.size(), m_signal.size(), m_line, false);
-    pair.signal = Moved(m_signal, m_line, overlap);
-    Likeness likeness = Compare(m_reference.subspan(overlap.begin, overlap.count), pair.signal);
+    Place place = {.line = m_line,
+                   .overlap = Overlapping(m_reference.size(), m_signal.size(), m_line, false),
+                   .signal = {},
+                   .likeness = {}};
+    const std::vector<float> moved = Moved(m_signal, m_line, place.overlap);
+    place.signal = moved;
+    place.likeness = Compare(ReferenceIn(place.overlap), moved);
     if (!m_drifts) {
-      const DelayLine line = {.start = std::round(m_line.start)};
-      const Overlap whole = Overlapping(m_reference.size(), m_signal.size(), line, true);
-      const std::span<const float> signal = m_signal.subspan(
-          static_cast<size_t>(static_cast<double>(whole.begin) + line.start), whole.count);
-      const Likeness ofWhole = Compare(m_reference.subspan(whole.begin, whole.count), signal);
-      // Also over the same samples: what is wrong near an end alone speaks against neither.
-      const Likeness ofSame =
-          overlap.count == 0 ? Likeness{}
-                             : Compare(m_reference.subspan(overlap.begin, overlap.count),
-                                       signal.subspan(overlap.begin - whole.begin, overlap.count));
-      if (std::max(std::fabs(ofWhole.correlation), std::fabs(ofSame.correlation)) >=
-          std::fabs(likeness.correlation)) {
-        likeness = ofWhole;
-        overlap = whole;
-        m_line = line;
-        pair.signal.assign(signal.begin(), signal.end());
-      }
+      const Place whole = AtWholeSamples();
+      if (!IsMoreAlike(place, whole)) place = whole;
     }
-    if (likeness.correlation == 0) return Without(kSilence);
-    const std::span<const float> reference = m_reference.subspan(overlap.begin, overlap.count);
+    if (place.likeness.correlation == 0) return Without(kSilence);
+    m_line = place.line;
+    const std::span<const float> reference = ReferenceIn(place.overlap);
+    AlignedPair pair;
     pair.reference.assign(reference.begin(), reference.end());
-    Report(likeness, overlap, pair);
+    pair.signal.assign(place.signal.begin(), place.signal.end());
     for (float& sample : pair.signal) {
-      sample = static_cast<float>(static_cast<double>(sample) / likeness.gain);
+      sample = static_cast<float>(static_cast<double>(sample) / place.likeness.gain);
     }
+    Report(place.likeness, place.overlap, pair);
     return pair;
   }
 
@@ -206,6 +245,7 @@ class Aligner {
   int m_rate;
   double m_search = 0;  // s
   DelayLine m_line = {};
+  double m_peak = 0;  // Samples, of the whole.
   bool m_drifts = false;
   std::optional<double> m_drift = {};
   std::vector<TrackedDelay> m_delays = {};
