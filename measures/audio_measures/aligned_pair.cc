@@ -17,9 +17,8 @@ constexpr double kPiece = 2;           // s
 constexpr double kShortPiece = 0.25;   // s
 constexpr size_t kShortPieces = 40;    // Each is looked for all over the search.
 constexpr double kTrackSearch = 0.05;  // s, from one piece to the next.
-constexpr double kFineSearch = 0.005;  // s, once the line is taken out.
 constexpr double kSignificant = 4;     // Standard errors.
-constexpr double kLeastChange = 0.05;  // Samples over the whole that are worth being taken out.
+constexpr double kFollowed = 0.005;    // Samples over the whole that need not be followed closer.
 constexpr int kRefinements = 3;
 constexpr double kNothing = 1e-12;  // A rest that is none: 120 dB below.
 
@@ -117,17 +116,16 @@ class Aligner {
     return std::max(PhaseFit::kBlock, static_cast<size_t>(seconds * m_rate));
   }
 
-  Tracking Pieces(double around, double search) const {
+  Tracking Pieces(double around) const {
     return {.pieceFrames = Frames(kPiece),
             .pieces = m_reference.size(),
             .around = around,
-            .search = search * m_rate};
+            .search = kTrackSearch * m_rate};
   }
 
   // Sees whether the delay changes, and follows a drift closer and closer.
   void Track() {
-    const Tracking tracking = Pieces(m_line.At(0), kTrackSearch);
-    m_delays = TrackDelay(m_reference, m_signal, tracking);
+    m_delays = TrackDelay(m_reference, m_signal, Pieces(m_line.At(0)));
     auto line = FitDelayLine(m_delays, 1);
     if (!m_drifts && (!line || !Stands(*line))) {
       if (line) m_drift = line->slope;
@@ -136,7 +134,7 @@ class Aligner {
     if (line) m_line = *line;
     for (int i = 0; i < kRefinements; ++i) {
       const std::vector<float> moved = Moved(m_signal, m_line, {0, m_reference.size()});
-      m_delays = TrackDelay(m_reference, moved, Pieces(0, kFineSearch));
+      m_delays = TrackDelay(m_reference, moved, Pieces(0));
       line = FitDelayLine(m_delays, 1);
       for (TrackedDelay& delay : m_delays) {
         delay.later = m_line.At(delay.middle) + delay.later * (1 + m_line.slope);
@@ -145,7 +143,7 @@ class Aligner {
       // What is left is seen at the places of the reference, as the line is.
       m_line.start += line->start * (1 + m_line.slope);
       m_line.slope += line->slope * (1 + m_line.slope);
-      if (std::fabs(line->slope) * Size() < kLeastChange / 10) break;
+      if (std::fabs(line->slope) * Size() < kFollowed) break;
     }
     m_drifts = true;
     m_drift = m_line.slope;
@@ -153,9 +151,8 @@ class Aligner {
 
   double Size() const { return static_cast<double>(m_reference.size()); }
 
-  bool Stands(const DelayLine& line) const {
-    const double slope = std::fabs(line.slope);
-    return slope > kSignificant * line.slopeError && slope * Size() > kLeastChange;
+  static bool Stands(const DelayLine& line) {
+    return std::fabs(line.slope) > kSignificant * line.slopeError;
   }
 
   // The signal beside the reference.
