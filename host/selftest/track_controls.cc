@@ -111,11 +111,13 @@ std::vector<Control> Drifts() {
       Track(At({0, 0, 0, 0, 1.5}), "More than a sample from the line of median slope: it is flat.",
             {{"drift", 0, 0.2}, {"delay_track", 1.5 / kRate, 0.01 / kRate}}),
       Track(At({0, 2, 4, 6, 9.5}),
-            "1.5 samples from the line of two samples from piece to piece: it is of four pieces.",
-            {{"drift", 2 * kPpm, 0.5}}),
+            "1.5 samples from the line of two samples from piece to piece: it is of four pieces, "
+            "known to a part of what it turns within one.",
+            {{"drift", 2 * kPpm, 0.1 * kPpm}}),
       Track(At({0, 5, 90, 15, 20}),
-            "80 samples, 10 ms, from the line of five samples from piece to piece.",
-            {{"drift", 5 * kPpm, 0.5}, {"delay_track", 90.0 / kRate, 0.5 / kRate}})};
+            "80 samples, 10 ms, from the line of five samples from piece to piece, which is known "
+            "to a part of what it turns within one.",
+            {{"drift", 5 * kPpm, 0.25 * kPpm}, {"delay_track", 90.0 / kRate, 2.5 / kRate}})};
 }
 
 Control UpsideDown() {
