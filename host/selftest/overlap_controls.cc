@@ -119,14 +119,14 @@ Control BurstAtStart(const std::string& rest, double ofOutput, size_t earlier = 
             Append(reference, burst);
             Waveform output = Sum(burst, NoiseBelow(burst, 20, burst.size(), 91));
             const Waveform more = WhiteNoise(kFrames - 60, 1, 92);
-            reference.resize(kFrames);
+            reference.resize(kFrames + earlier);
             Append(output, Scaled(more, std::sqrt(ofOutput * Energy(burst) / Energy(more))));
             return Pair(reference, output);
           },
           {{"delay", -static_cast<double>(earlier) / kRate, 1e-12},
            {"gain", 0, 0.001},
            {"snr", -10 * std::log10(0.01 + ofOutput), 0.001},
-           {"seg_snr", 20, 0.001}}};
+           {"seg_snr", -10 * std::log10(0.01 + ofOutput * 100 / (kFrames - 60.0)), 0.003}}};
 }
 
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
@@ -268,7 +268,7 @@ Control NearHalfRate() {
 std::vector<Control> OverlapControls() {
   return {BurstAtStart("silence", 0),
           BurstAtStart("silence in the reference", 1e-12),
-          BurstAtStart("noise 40 dB below in the output alone, 40 samples earlier", 1e-4, 40),
+          BurstAtStart("noise 30 dB below in the output alone, 40 samples earlier", 1e-3, 40),
           NearHalfRate(),
           WrongEnds("a copy", 0),
           WrongEnds("a copy 60 dB above noise", 1e-6),
