@@ -145,6 +145,21 @@ Control OfToneInNoise() {
            {"polarity", 1, 1e-9}}};
 }
 
+// A search of 80 samples, and a fit of blocks of 4096.
+Control AtEnd() {
+  return {"silence, and 1000 samples of noise at the end, 7 samples late",
+          "Where in the signal there is anything does not matter.",
+          [] {
+            const Waveform noise = WhiteNoise(1000, 0.1, 59);
+            Waveform reference(7000);
+            Append(reference, noise);
+            Waveform output(7007);
+            Append(output, noise);
+            return Pair(reference, output, 0.01);
+          },
+          Found(7)};
+}
+
 Control InNoise(double later, double snr) {
   const double louder = std::pow(10, -snr / 20);
   return {"noise " + std::to_string(later) + " samples late at an SNR of " + std::to_string(snr) +
@@ -207,6 +222,7 @@ std::vector<Control> DelayControls() {
           OfSoftTone(),
           OfToneBesideConstants(),
           OfToneInNoise(),
+          AtEnd(),
           InNoise(0.4, 0),
           InNoise(-9.5, -10),
           Strangers(),

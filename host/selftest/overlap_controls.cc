@@ -54,37 +54,79 @@ Control LoudEnds(std::ptrdiff_t later) {
        {"si_sdr", 20, 0.002}}};
 }
 
-// At a whole number of samples nothing else is wrong, and so that is the delay.
-Control WrongEnds() {
-  return {"a copy with another first and last sample",
-          "Both are off by as much, together 20 dB below all there is.",
-          [] {
-            Waveform reference = WhiteNoise(kFrames, 0.1, 97);
-            reference.front() = reference.back() = 0;
-            Waveform output = reference;
-            output.front() = static_cast<float>(std::sqrt(0.005 * Energy(reference)));
-            output.back() = -output.front();
-            return Pair(reference, output);
+// A delay of a whole number of samples explains the noise as well as any other.
+Control WrongEnds(const std::string& copy, double noise) {
+  const double snr = -10 * std::log10(0.01 + noise);
+  return {
+      copy + " with another first and last sample",
+      "Both are off by as much, together 20 dB below all there is, which an interpolation would "
+      "leave as it is but for 64 samples at either end.",
+      [noise] {
+        Waveform reference = TimedNoise(kFrames, 0.1, 97).At(0, 1, kFrames);
+        reference.front() = reference.back() = 0;
+        Waveform output =
+            Sum(reference, Scaled(NoiseBelow(reference, 0, kFrames, 100), std::sqrt(noise)));
+        const double wrong = std::sqrt(0.005 * Energy(reference));
+        output.front() += static_cast<float>(wrong);
+        output.back() -= static_cast<float>(wrong);
+        return Pair(reference, output);
+      },
+      {{"delay", 0, 1e-12}, {"gain", 0, 0.002}, {"snr", snr, 0.002}, {"si_sdr", snr, 0.002}}};
+}
+
+// So many samples late, beside noise that leaves the delay known to as many.
+Control NearlyWhole(double later, double standardError, bool isWhole) {
+  const double slope = 0.8 * std::numbers::pi / std::numbers::sqrt3;
+  const double noise = standardError * slope * std::sqrt(kFrames);
+  return {"a delay of " + std::to_string(later * 1e6) + " millionths of a sample, known to " +
+              std::to_string(standardError * 1e6),
+          "White noise below 0.8 of half the rate turns by 0.8 pi / sqrt(3) from sample to sample. "
+          "Within four standard errors of none, and where the error that it makes is more than 120 "
+          "dB below, a delay is none.",
+          [=] {
+            const TimedNoise common(kFrames + 400, 0.1, 104);
+            const Waveform moved = common.At(200 - later, 1, kFrames);
+            const Waveform own = NoiseBelow(moved, 0, kFrames, 106);
+            return Pair(common.At(200, 1, kFrames), Sum(moved, Scaled(own, noise)));
           },
-          {{"delay", 0, 1e-12}, {"gain", 0, 0.002}, {"snr", 20, 0.002}, {"si_sdr", 20, 0.002}}};
+          {{"delay", isWhole ? 0 : later / kRate,
+            isWhole ? 1e-12 : std::max(later / 4, 5 * standardError) / kRate}}};
+}
+
+Control LowTone(int later) {
+  return {"a cosine of 15 Hz, " + std::to_string(later) + " samples late",
+          "With each sample less one more of the cosine's height overlaps, so that the "
+          "correlation is highest at 2 / (8000 (15 / 8000 2 pi)^2), 1.8 samples less. At a "
+          "whole number of samples it is the same.",
+          [later] {
+            const double turn = 2 * std::numbers::pi * 15 / kRate;
+            const double start = std::numbers::pi / 2;
+            return Pair(Sine(kRate, 1, 15, 0.3, start),
+                        Sine(kRate, 1, 15, 0.3, start - later * turn));
+          },
+          {{"delay", 1.0 * later / kRate, 1e-12}, {"snr", 120, 1e-6}}};
 }
 
 // Next to all there is lies within the reach of an interpolation of the start: after it the
-// reference is silent, and the output as well or 120 dB below.
-Control BurstAtStart(const std::string& rest, double ofOutput) {
+// reference is silent, and the output as well or below.
+Control BurstAtStart(const std::string& rest, double ofOutput, size_t earlier = 0) {
   return {"60 samples of noise at an SNR of 20 dB, then " + rest,
           "Nothing of the reference is left to be interpolated; whole samples have all of it. Of "
           "the blocks of 20 ms one is not silent.",
           [=] {
             const Waveform burst = WhiteNoise(60, 1, 90);
-            Waveform reference = burst;
+            Waveform reference(earlier);
+            Append(reference, burst);
             Waveform output = Sum(burst, NoiseBelow(burst, 20, burst.size(), 91));
             const Waveform more = WhiteNoise(kFrames - 60, 1, 92);
-            reference.resize(kFrames);
+            reference.resize(kFrames + earlier);
             Append(output, Scaled(more, std::sqrt(ofOutput * Energy(burst) / Energy(more))));
             return Pair(reference, output);
           },
-          {{"delay", 0, 1e-12}, {"gain", 0, 0.001}, {"snr", 20, 0.001}, {"seg_snr", 20, 0.001}}};
+          {{"delay", -static_cast<double>(earlier) / kRate, 1e-12},
+           {"gain", 0, 0.001},
+           {"snr", -10 * std::log10(0.01 + ofOutput), 0.001},
+           {"seg_snr", -10 * std::log10(0.01 + ofOutput * 100 / (kFrames - 60.0)), 0.003}}};
 }
 
 // Adds what a number of this size is between samples, of which a sinc passes 0.8 of half the rate.
@@ -226,8 +268,16 @@ Control NearHalfRate() {
 std::vector<Control> OverlapControls() {
   return {BurstAtStart("silence", 0),
           BurstAtStart("silence in the reference", 1e-12),
+          BurstAtStart("noise 30 dB below in the output alone, 40 samples earlier", 1e-3, 40),
           NearHalfRate(),
-          WrongEnds(),
+          WrongEnds("a copy", 0),
+          WrongEnds("a copy 60 dB above noise", 1e-6),
+          NearlyWhole(2e-7, 0, true),
+          NearlyWhole(2e-6, 0, false),
+          NearlyWhole(3e-3, 1e-3, true),
+          NearlyWhole(6e-3, 1e-3, false),
+          LowTone(40),
+          LowTone(-40),
           ClickAtStart(),
           ClickBeyond(),
           ToneAndNoise(0),

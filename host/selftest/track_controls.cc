@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -106,7 +107,17 @@ std::vector<Control> Drifts() {
       Track(At({0, 0, 0, 0, 0.6}),
             "Within a sample of the line of median slope, which is flat, all pieces count: 0.12 "
             "samples from one to the next.",
-            {{"drift", 0.12 * kPpm, 0.2}, {"delay_track", 0.6 / kRate, 0.01 / kRate}})};
+            {{"drift", 0.12 * kPpm, 0.2}, {"delay_track", 0.6 / kRate, 0.01 / kRate}}),
+      Track(At({0, 0, 0, 0, 1.5}), "More than a sample from the line of median slope: it is flat.",
+            {{"drift", 0, 0.2}, {"delay_track", 1.5 / kRate, 0.01 / kRate}}),
+      Track(At({0, 2, 4, 6, 9.5}),
+            "1.5 samples from the line of two samples from piece to piece: it is of four pieces, "
+            "known to a part of what it turns within one.",
+            {{"drift", 2 * kPpm, 0.1 * kPpm}}),
+      Track(At({0, 5, 90, 15, 20}),
+            "80 samples, 10 ms, from the line of five samples from piece to piece, which is known "
+            "to a part of what it turns within one.",
+            {{"drift", 5 * kPpm, 0.25 * kPpm}, {"delay_track", 90.0 / kRate, 2.5 / kRate}})};
 }
 
 Control UpsideDown() {
@@ -182,6 +193,66 @@ Control Slow(double slope) {
            {"snr", stands ? 100 : -10 * std::log10(ofAll), stands ? 20 : 0.5}}};
 }
 
+// What a piece of 4096 samples at 16 kHz, 0.25 s of them, has in common with the output.
+struct Common {
+  size_t piece = 0;  // Of 40 that are evenly spread.
+  std::ptrdiff_t later = 0;
+};
+
+constexpr size_t kShort = 4096;
+constexpr size_t kShortFrames = 41 * kShort;
+
+size_t PlaceOf(const Common& common) { return common.piece * (kShortFrames - kShort) / 39; }
+
+// The ppm of the line through them by least squares.
+double LineThrough(std::span<const Common> delays) {
+  double places = 0;
+  double laters = 0;
+  for (const Common& each : delays) {
+    places += static_cast<double>(PlaceOf(each)) / static_cast<double>(delays.size());
+    laters += static_cast<double>(each.later) / static_cast<double>(delays.size());
+  }
+  double product = 0;
+  double squares = 0;
+  for (const Common& each : delays) {
+    const double away = static_cast<double>(PlaceOf(each)) - places;
+    product += away * (static_cast<double>(each.later) - laters);
+    squares += away * away;
+  }
+  return 1e6 * product / squares;
+}
+
+Scene InShortPieces(std::span<const Common> pieces) {
+  Waveform reference = WhiteNoise(kShortFrames, 0.1, 101);
+  Waveform output = WhiteNoise(kShortFrames, 0.1, 102);
+  for (const Common& each : pieces) {
+    const Waveform common = WhiteNoise(kShort, 0.1, 103 + each.piece);
+    const auto place = static_cast<std::ptrdiff_t>(PlaceOf(each));
+    const Waveform noisy = Sum(common, NoiseBelow(common, -3, kShort, 203 + each.piece));
+    std::ranges::copy(common, reference.begin() + place);
+    std::ranges::copy(noisy, output.begin() + place + each.later);
+  }
+  return {.output = {2 * kRate, {output}},
+          .reference = {2 * kRate, {reference}},
+          .searchSeconds = 30.0 / (2 * kRate)};
+}
+
+// The last two are far from the line that the others lie on.
+Control ShortPieces() {
+  static constexpr std::array kPieces = {Common{0, 28},   Common{1, 26},   Common{19, -10},
+                                         Common{20, -12}, Common{21, -14}, Common{22, -16},
+                                         Common{23, -18}, Common{17, -18}, Common{18, -28}};
+  return {"a delay of its own for each of nine short pieces, strangers elsewhere",
+          "Seven delays are two samples apart from piece to piece; that of piece 17 is 12 samples "
+          "from their line, which are less than 1 ms, and counts, and that of piece 18 is 20 from "
+          "it and does not. No peak of 61 delays is 8 times their RMS, so that it takes a "
+          "correlation of half. A piece with noise 3 dB above it has 0.58; pieces elsewhere share "
+          "no more than 0.6 of it, or are twice as long. Pieces 17 to 23 are all beyond 30 samples "
+          "from pieces 0 and 1. The standard error of a delay is 0.015 samples.",
+          [] { return InShortPieces(kPieces); },
+          {{"drift", LineThrough(std::span(kPieces).first(8)), 1}}};
+}
+
 }  // namespace
 
 std::vector<Control> TrackControls() {
@@ -192,6 +263,7 @@ std::vector<Control> TrackControls() {
   controls.push_back(Repeating(0.0005));
   controls.push_back(Slow(0.0672));
   controls.push_back(Slow(0.048));
+  controls.push_back(ShortPieces());
   return controls;
 }
 

@@ -31,9 +31,15 @@ double Sum(const Doubles& lanes) { return lanes[0] + lanes[1]; }
 ActiveLevel::ActiveLevel(int rate)
     : m_smoothing(std::exp(-1 / (rate * kTimeConstant))),
       m_hangover(static_cast<int64_t>(std::ceil(rate * kHangover))) {
-  for (size_t i = 0; i < kThresholds; ++i) {
-    m_thresholds[i] = std::ldexp(1.0F, kLowest + static_cast<int>(i));
+  m_edges.fill(-INFINITY);
+  auto edge = m_edges.begin();
+  double value = std::ldexp(1.0, kLowest);
+  for (Threshold& each : m_thresholds) {
+    each.value = value;
+    *++edge = static_cast<float>(value);
+    value *= 2;
   }
+  m_edges.back() = INFINITY;
   double kept = 1;
   for (size_t i = kBlock; i-- > 0; kept *= m_smoothing) {
     m_once[i] = (1 - m_smoothing) * kept;
@@ -43,21 +49,21 @@ ActiveLevel::ActiveLevel(int rate)
 }
 
 size_t ActiveLevel::Reached(float envelope) const {
-  size_t reached = 0;
-  while (reached < kThresholds && envelope >= m_thresholds[reached]) ++reached;
-  return reached;
+  const auto edges = std::span(m_edges).subspan<1, kThresholds>();
+  const auto beyond = std::ranges::find_if(edges, [=](float edge) { return !(envelope >= edge); });
+  return static_cast<size_t>(beyond - edges.begin());
 }
 
 void ActiveLevel::Count(size_t reached, int64_t samples) {
   m_samples += static_cast<uint64_t>(samples);
-  for (size_t i = 0; i < reached; ++i) {
-    m_left[i] = m_hangover;
-    m_active[i] += static_cast<uint64_t>(samples);
+  for (Threshold& each : std::span(m_thresholds).first(reached)) {
+    each.left = m_hangover;
+    each.active += static_cast<uint64_t>(samples);
   }
-  for (size_t i = reached; i < kThresholds; ++i) {
-    const int64_t active = std::min(m_left[i], samples);
-    m_left[i] -= active;
-    m_active[i] += static_cast<uint64_t>(active);
+  for (Threshold& each : std::span(m_thresholds).subspan(reached)) {
+    const int64_t active = std::min(each.left, samples);
+    each.left -= active;
+    each.active += static_cast<uint64_t>(active);
   }
 }
 
@@ -73,23 +79,22 @@ void ActiveLevel::AddEach(std::span<const float> samples, Stay& stay) {
       Count(stay.reached, stay.samples);
       stay.samples = 0;
       stay.reached = Reached(envelope);
-      stay.least = stay.reached > 0 ? m_thresholds[stay.reached - 1] : -INFINITY;
-      stay.beyond = stay.reached < kThresholds ? m_thresholds[stay.reached] : INFINITY;
+      stay.least = m_edges[stay.reached];
+      stay.beyond = m_edges[stay.reached + 1];
     }
     ++stay.samples;
   }
 }
 
-bool ActiveLevel::AddBlock(const float* samples, Stay& stay) {
-  double magnitudes[kBlock];
-  for (size_t i = 0; i < kBlock; ++i) {
-    magnitudes[i] = static_cast<double>(std::fabs(samples[i]));
-  }
+bool ActiveLevel::AddBlock(std::span<const float, kBlock> samples, Stay& stay) {
+  std::array<double, kBlock> magnitudes;
+  std::ranges::transform(samples, magnitudes.begin(),
+                         [](float sample) { return static_cast<double>(std::fabs(sample)); });
   Doubles first = {};
   Doubles second = {};
   Doubles squares = {};
-  for (size_t i = 0; i < kBlock; i += kLanes) {
-    const Doubles magnitude = Load(magnitudes + i);
+  for (size_t i = 0; i + kLanes <= kBlock; i += kLanes) {
+    const Doubles magnitude = Load(&magnitudes[i]);
     first += magnitude * Load(&m_once[i]);
     second += magnitude * Load(&m_twice[i]);
     squares += magnitude * magnitude;
@@ -119,7 +124,9 @@ void ActiveLevel::Add(std::span<const float> samples) {
   Stay stay{.least = INFINITY};
   while (!samples.empty()) {
     const size_t count = std::min(kBlock, samples.size());
-    if (count < kBlock || !AddBlock(samples.data(), stay)) AddEach(samples.first(count), stay);
+    if (count < kBlock || !AddBlock(samples.first<kBlock>(), stay)) {
+      AddEach(samples.first(count), stay);
+    }
     samples = samples.subspan(count);
   }
   Count(stay.reached, stay.samples);
@@ -133,11 +140,12 @@ Figure ActiveLevel::Level() const {
   // one sought lies where it is the margin above it, between two thresholds on a line in dB.
   double levelBefore = 0;
   double aboveBefore = 0;
-  for (size_t i = 0; i < kThresholds && m_active[i] > 0; ++i) {
-    const double level = Decibels(m_squares / static_cast<double>(m_active[i]));
-    const double above = level - 20 * std::log10(static_cast<double>(m_thresholds[i]));
+  for (const Threshold& each : m_thresholds) {
+    if (each.active == 0) break;
+    const double level = Decibels(m_squares / static_cast<double>(each.active));
+    const double above = level - 20 * std::log10(each.value);
     if (above <= kMargin) {
-      if (i == 0) return Unknown("below the lowest threshold");
+      if (&each == m_thresholds.data()) return Unknown("below the lowest threshold");
       const double part = (aboveBefore - kMargin) / (aboveBefore - above);
       return Known(levelBefore + part * (level - levelBefore));
     }

@@ -50,7 +50,13 @@ class ActiveLevel {
   void AddEach(std::span<const float> samples, Stay& stay);
   // Goes on with kBlock samples at once; false, and nothing is done, where the envelope may pass a
   // threshold meanwhile.
-  bool AddBlock(const float* samples, Stay& stay);
+  bool AddBlock(std::span<const float, kBlock> samples, Stay& stay);
+
+  struct Threshold {
+    double value = 0;
+    int64_t left = 0;     // Samples for which the signal is still active.
+    uint64_t active = 0;  // And for which it was.
+  };
 
   double m_smoothing;
   // Of each sample of a block, what of it is in the envelope after the block: after one smoothing,
@@ -59,11 +65,10 @@ class ActiveLevel {
   std::array<double, kBlock> m_twice;
   double m_kept;
   int64_t m_hangover;  // Samples.
-  std::array<float, kThresholds> m_thresholds;
-  std::array<int64_t, kThresholds> m_left = {};  // Samples for which the signal is still active.
-  std::array<uint64_t, kThresholds> m_active = {};
-  double m_first = 0;   // The envelope after one smoothing,
-  double m_second = 0;  // and after two.
+  std::array<Threshold, kThresholds> m_thresholds = {};
+  std::array<float, kThresholds + 2> m_edges;  // The thresholds, from minus to plus infinity.
+  double m_first = 0;                          // The envelope after one smoothing,
+  double m_second = 0;                         // and after two.
   double m_squares = 0;
   uint64_t m_samples = 0;
 };

@@ -17,10 +17,10 @@ constexpr double kPiece = 2;           // s
 constexpr double kShortPiece = 0.25;   // s
 constexpr size_t kShortPieces = 40;    // Each is looked for all over the search.
 constexpr double kTrackSearch = 0.05;  // s, from one piece to the next.
-constexpr double kFineSearch = 0.005;  // s, once the line is taken out.
 constexpr double kSignificant = 4;     // Standard errors.
-constexpr double kLeastChange = 0.05;  // Samples over the whole that are worth being taken out.
+constexpr double kFollowed = 0.005;    // Samples over the whole that need not be followed closer.
 constexpr int kRefinements = 3;
+constexpr double kNothing = 1e-12;  // A rest that is none: 120 dB below.
 
 // What there is of a signal at places of the reference: `line` says how much later it is there.
 struct Overlap {
@@ -46,6 +46,10 @@ std::vector<float> Moved(std::span<const float> signal, const DelayLine& line, O
 struct Likeness {
   double gain = 0;         // Of the signal against the reference.
   double correlation = 0;  // From -1 to 1.
+
+  double Size() const { return std::fabs(correlation); }
+  // The part of the energy that is nothing of the reference.
+  double Rest() const { return 1 - correlation * correlation; }
 };
 
 Likeness Compare(std::span<const float> reference, std::span<const float> signal) {
@@ -93,6 +97,7 @@ class Aligner {
     const Alignment whole = Align(m_reference, m_signal, m_rate, -m_search, m_search);
     if (whole.delay.value) {
       m_line.start = *whole.delay.value * m_rate;
+      m_peak = static_cast<double>(whole.peak);
       return nullptr;
     }
     const Tracking tracking = {.pieceFrames = Frames(kShortPiece),
@@ -111,17 +116,16 @@ class Aligner {
     return std::max(PhaseFit::kBlock, static_cast<size_t>(seconds * m_rate));
   }
 
-  Tracking Pieces(double around, double search) const {
+  Tracking Pieces(double around) const {
     return {.pieceFrames = Frames(kPiece),
             .pieces = m_reference.size(),
             .around = around,
-            .search = search * m_rate};
+            .search = kTrackSearch * m_rate};
   }
 
   // Sees whether the delay changes, and follows a drift closer and closer.
   void Track() {
-    const Tracking tracking = Pieces(m_line.At(0), kTrackSearch);
-    m_delays = TrackDelay(m_reference, m_signal, tracking);
+    m_delays = TrackDelay(m_reference, m_signal, Pieces(m_line.At(0)));
     auto line = FitDelayLine(m_delays, 1);
     if (!m_drifts && (!line || !Stands(*line))) {
       if (line) m_drift = line->slope;
@@ -130,7 +134,7 @@ class Aligner {
     if (line) m_line = *line;
     for (int i = 0; i < kRefinements; ++i) {
       const std::vector<float> moved = Moved(m_signal, m_line, {0, m_reference.size()});
-      m_delays = TrackDelay(m_reference, moved, Pieces(0, kFineSearch));
+      m_delays = TrackDelay(m_reference, moved, Pieces(0));
       line = FitDelayLine(m_delays, 1);
       for (TrackedDelay& delay : m_delays) {
         delay.later = m_line.At(delay.middle) + delay.later * (1 + m_line.slope);
@@ -139,7 +143,7 @@ class Aligner {
       // What is left is seen at the places of the reference, as the line is.
       m_line.start += line->start * (1 + m_line.slope);
       m_line.slope += line->slope * (1 + m_line.slope);
-      if (std::fabs(line->slope) * Size() < kLeastChange / 10) break;
+      if (std::fabs(line->slope) * Size() < kFollowed) break;
     }
     m_drifts = true;
     m_drift = m_line.slope;
@@ -147,42 +151,74 @@ class Aligner {
 
   double Size() const { return static_cast<double>(m_reference.size()); }
 
-  bool Stands(const DelayLine& line) const {
-    const double slope = std::fabs(line.slope);
-    return slope > kSignificant * line.slopeError && slope * Size() > kLeastChange;
+  static bool Stands(const DelayLine& line) {
+    return std::fabs(line.slope) > kSignificant * line.slopeError;
+  }
+
+  // The signal beside the reference.
+  struct Place {
+    DelayLine line;
+    Overlap overlap;
+    std::span<const float> signal;
+    Likeness likeness;
+  };
+
+  std::span<const float> ReferenceIn(const Overlap& overlap) const {
+    return m_reference.subspan(overlap.begin, overlap.count);
+  }
+
+  Place AtWhole(double later) const {
+    Place place = {.line = {.start = later}, .overlap = {}, .signal = {}, .likeness = {}};
+    place.overlap = Overlapping(m_reference.size(), m_signal.size(), place.line, true);
+    place.signal = m_signal.subspan(
+        static_cast<size_t>(static_cast<double>(place.overlap.begin) + later), place.overlap.count);
+    place.likeness = Compare(ReferenceIn(place.overlap), place.signal);
+    return place;
+  }
+
+  // The fit of phases has windows that nearly close at both ends; the peak of the correlation is
+  // where all samples count.
+  Place AtWholeSamples() const {
+    const Place fitted = AtWhole(std::round(m_line.start));
+    if (std::fabs(m_peak - m_line.start) > kInterpolationReach) return fitted;
+    const Place peak = AtWhole(m_peak);
+    return peak.likeness.Size() > fitted.likeness.Size() ? peak : fitted;
+  }
+
+  // Whether both are more alike than at whole samples, and not by chance: a delay that is fitted
+  // takes a part out of noise that is the square of its standard errors over the samples.
+  bool IsMoreAlike(const Place& moved, const Place& whole) const {
+    if (whole.likeness.Size() >= moved.likeness.Size()) return false;
+    // Over the same samples: what is wrong near an end alone speaks against neither.
+    const Likeness same = Compare(
+        ReferenceIn(moved.overlap),
+        whole.signal.subspan(moved.overlap.begin - whole.overlap.begin, moved.overlap.count));
+    const double chance = kSignificant * kSignificant / static_cast<double>(moved.overlap.count);
+    return same.Rest() > moved.likeness.Rest() * (1 + chance) + kNothing;
   }
 
   AlignedPair Move() {
-    AlignedPair pair;
-    Overlap overlap = Overlapping(m_reference.size(), m_signal.size(), m_line, false);
-    pair.signal = Moved(m_signal, m_line, overlap);
-    Likeness likeness = Compare(m_reference.subspan(overlap.begin, overlap.count), pair.signal);
+    Place place = {.line = m_line,
+                   .overlap = Overlapping(m_reference.size(), m_signal.size(), m_line, false),
+                   .signal = {},
+                   .likeness = {}};
+    const std::vector<float> moved = Moved(m_signal, m_line, place.overlap);
+    place.signal = moved;
+    place.likeness = Compare(ReferenceIn(place.overlap), moved);
     if (!m_drifts) {
-      const DelayLine line = {.start = std::round(m_line.start)};
-      const Overlap whole = Overlapping(m_reference.size(), m_signal.size(), line, true);
-      const std::span<const float> signal = m_signal.subspan(
-          static_cast<size_t>(static_cast<double>(whole.begin) + line.start), whole.count);
-      const Likeness ofWhole = Compare(m_reference.subspan(whole.begin, whole.count), signal);
-      // Also over the same samples: what is wrong near an end alone speaks against neither.
-      const Likeness ofSame =
-          overlap.count == 0 ? Likeness{}
-                             : Compare(m_reference.subspan(overlap.begin, overlap.count),
-                                       signal.subspan(overlap.begin - whole.begin, overlap.count));
-      if (std::max(std::fabs(ofWhole.correlation), std::fabs(ofSame.correlation)) >=
-          std::fabs(likeness.correlation)) {
-        likeness = ofWhole;
-        overlap = whole;
-        m_line = line;
-        pair.signal.assign(signal.begin(), signal.end());
-      }
+      const Place whole = AtWholeSamples();
+      if (!IsMoreAlike(place, whole)) place = whole;
     }
-    if (likeness.correlation == 0) return Without(kSilence);
-    const std::span<const float> reference = m_reference.subspan(overlap.begin, overlap.count);
+    if (place.likeness.correlation == 0) return Without(kSilence);
+    m_line = place.line;
+    const std::span<const float> reference = ReferenceIn(place.overlap);
+    AlignedPair pair;
     pair.reference.assign(reference.begin(), reference.end());
-    Report(likeness, overlap, pair);
+    pair.signal.assign(place.signal.begin(), place.signal.end());
     for (float& sample : pair.signal) {
-      sample = static_cast<float>(static_cast<double>(sample) / likeness.gain);
+      sample = static_cast<float>(static_cast<double>(sample) / place.likeness.gain);
     }
+    Report(place.likeness, place.overlap, pair);
     return pair;
   }
 
@@ -206,6 +242,7 @@ class Aligner {
   int m_rate;
   double m_search = 0;  // s
   DelayLine m_line = {};
+  double m_peak = 0;  // Samples, of the whole.
   bool m_drifts = false;
   std::optional<double> m_drift = {};
   std::vector<TrackedDelay> m_delays = {};

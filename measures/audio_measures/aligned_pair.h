@@ -25,7 +25,9 @@ struct AlignedPair {
 // One channel each, of one rate, finite. The delay of the whole is taken from alignment.h, or where
 // drift has smeared it from short pieces; the drift from the line through the delays of pieces
 // (delay_track.h); it is taken out where it stands out of its standard error by a factor of 4. What
-// is a fraction of a sample is interpolated (interpolation.h), unless whole samples fit better.
+// is a fraction of a sample is interpolated (interpolation.h), which takes kInterpolationReach
+// samples beyond what is compared, unless whole samples fit as well to within those 4 standard
+// errors.
 AlignedPair AlignPair(std::span<const float> reference, std::span<const float> signal, int rate,
                       double searchSeconds);
 

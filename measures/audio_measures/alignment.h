@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 
 #include "audio_measures/figure.h"
@@ -15,6 +16,7 @@ inline constexpr int kPolarityVersion = 2;
 struct Alignment {
   Figure delay;        // Seconds by which the signal is later; below 0: earlier.
   Figure correlation;  // From 0 to 1, once delay and polarity are taken out.
+  int64_t peak = 0;    // Samples: where the correlation that the delay was fitted from is highest.
 };
 
 // One channel each, of one rate, finite, at least 4096 samples in common. least, most: seconds

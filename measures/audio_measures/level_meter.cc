@@ -72,10 +72,14 @@ struct LevelMeter::State {
     if (truePeak) truePeak->Add(frames);
     if (loudness) loudness->Add(frames);
     if (channels.size() == 1) return channels.front().Add(frames);
-    const size_t count = frames.size() / channels.size();
+    const std::span<float> own = std::span(samples).first(frames.size() / channels.size());
     for (size_t channel = 0; channel < channels.size(); ++channel) {
-      for (size_t i = 0; i < count; ++i) samples[i] = frames[i * channels.size() + channel];
-      channels[channel].Add(std::span(samples).first(count));
+      size_t place = channel;
+      for (float& sample : own) {
+        sample = frames[place];
+        place += channels.size();
+      }
+      channels[channel].Add(own);
     }
   }
 

@@ -13,6 +13,17 @@ constexpr double kMaxWeight = 1000;  // Bins that agree to 30 dB count no more f
 
 double Angle(size_t bin) { return 2 * M_PI * static_cast<double>(bin) / PhaseFit::kBlock; }
 
+// As many as overlap by half or a little more.
+size_t Blocks(size_t samples) {
+  return samples < PhaseFit::kBlock ? 0 : (samples - 1) / (PhaseFit::kBlock / 2);
+}
+
+// They are evenly spread from the first sample to the last one.
+std::span<const float> Block(std::span<const float> samples, size_t block) {
+  const size_t hops = std::max<size_t>(Blocks(samples.size()) - 1, 1);
+  return samples.subspan(block * (samples.size() - PhaseFit::kBlock) / hops, PhaseFit::kBlock);
+}
+
 // Turns one bin after the other, from the first one on, back by how much later the signal is: each
 // by the turn of the one before and a little more.
 class Turn {
@@ -54,16 +65,16 @@ void PhaseFit::Transform(std::span<const float> block, std::span<std::complex<fl
 }
 
 void PhaseFit::Add(std::span<const float> reference, std::span<const float> signal) {
-  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
-    Transform(reference.subspan(start, kBlock), m_reference);
-    AddBlock(m_reference, signal.subspan(start, kBlock));
+  for (size_t block = 0; block < Blocks(reference.size()); ++block) {
+    Transform(Block(reference, block), m_reference);
+    AddBlock(m_reference, Block(signal, block));
   }
 }
 
 PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
   Spectra spectra;
-  for (size_t start = 0; start + kBlock <= reference.size(); start += kBlock / 2) {
-    Transform(reference.subspan(start, kBlock), m_reference);
+  for (size_t block = 0; block < Blocks(reference.size()); ++block) {
+    Transform(Block(reference, block), m_reference);
     spectra.insert(spectra.end(), m_reference.begin(), m_reference.end());
   }
   return spectra;
@@ -72,8 +83,7 @@ PhaseFit::Spectra PhaseFit::SpectraOf(std::span<const float> reference) {
 void PhaseFit::Add(const Spectra& reference, std::span<const float> signal) {
   const size_t bins = m_fft.Bins();
   for (size_t block = 0; block < reference.size() / bins; ++block) {
-    AddBlock(std::span(reference).subspan(block * bins, bins),
-             signal.subspan(block * kBlock / 2, kBlock));
+    AddBlock(std::span(reference).subspan(block * bins, bins), Block(signal, block));
   }
 }
 

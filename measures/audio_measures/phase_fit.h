@@ -21,8 +21,8 @@ class PhaseFit {
 
   PhaseFit();
 
-  // Both from the same place on and of the same length, the delay taken out of them; a last part
-  // below kBlock samples is not used. All finite.
+  // Both from the same place on and of the same length, the delay taken out of them; less than
+  // kBlock samples are not used. All finite.
   void Add(std::span<const float> reference, std::span<const float> signal);
 
   // The spectra of the blocks of a reference, one after the other, for who holds several signals

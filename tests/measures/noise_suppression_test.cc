@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <vector>
@@ -114,6 +115,20 @@ TEST(Suppression, WhatCannotBeComputedSaysWhy) {
   EXPECT_STREQ(Measured(always).noiseReduction.reason, "");
   EXPECT_STREQ(Measured(Noise(kLength, 0.1, 5)).noiseReduction.reason, "no clear delay");
   EXPECT_STREQ(Measured(std::vector<float>(kLength)).speechRetained.reason, kSilence);
+}
+
+// 100 samples from any speech on, more than an interpolation reaches, there is the noise.
+TEST(Suppression, OfAllTheSpeechHasNoFigureOfIt) {
+  const std::vector<float> speech = Speech();
+  std::vector<float> pauses = Hiss();
+  for (size_t i = 0; i < kLength; ++i) {
+    for (const size_t near : {i, i + 100, i - std::min<size_t>(i, 100)}) {
+      if (speech[std::min(near, kLength - 1)] != 0) pauses[i] = 0;
+    }
+  }
+  const Suppression figures = Measured(pauses);
+  EXPECT_STREQ(figures.speechRetained.reason, kSilence);
+  EXPECT_TRUE(figures.noiseReduction.value);
 }
 
 TEST(Suppression, IsComputedForEachChannelWithOrWithoutTheReference) {
