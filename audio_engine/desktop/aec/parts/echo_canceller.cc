@@ -38,7 +38,7 @@ constexpr size_t kBlocksAfter = 2;
 constexpr size_t kUnknownBlocks = 25;
 
 // From the least suppression to the most.
-constexpr EchoSuppressor::Strength kStrengths[] = {{0.1f, 0.3f}, {0.25f, 2.0f}, {0.5f, 32.0f}};
+constexpr EchoSuppressor::Strength kStrengths[] = {{0.1f, 0.3f}, {0.25f, 2.0f}, {0.375f, 128.0f}};
 
 constexpr float kFullScale = 32768.0f;
 

@@ -40,6 +40,16 @@ constexpr float kMostRate = 0.5f;
 // What lies so little above the noise of the far end is noise, too, unless it is loud.
 constexpr float kFarNoise = 16;
 
+// A filter that takes less than this of what is heard, in dB, does not know the far end; from the
+// most on it does. Over so many blocks.
+constexpr float kLeastTakenDb = 0.5f;
+constexpr float kSurelyTakenDb = 1.5f;
+constexpr float kTakenRate = 0.01f;
+
+// From the first correlation on powers may waver together for a reason, from the second they do.
+constexpr float kChance = 0.2f;
+constexpr float kNoChance = 0.65f;
+
 // How much of the certainty that there is more than noise stays from block to block.
 constexpr float kSoundStays = 0.95f;
 
@@ -174,7 +184,10 @@ float EchoSuppressor::HeardPower() const {
 }
 
 void EchoSuppressor::FollowLeaks() {
-  if (Mean(m_farPower) > HeardPower()) ++m_heardBlocks;
+  if (Mean(m_farPower) > HeardPower()) {
+    ++m_heardBlocks;
+    FollowFilter();
+  }
   const float first = 1 / (m_heardBlocks + 1);
   const float meanRate = std::clamp(first, kMeanRate, kMostRate);
   const float farRate = std::clamp(first, kFarRate, kMostRate);
@@ -194,12 +207,33 @@ void EchoSuppressor::FollowLeaks() {
   }
 }
 
+void EchoSuppressor::FollowFilter() {
+  float before = 0;
+  float after = 0;
+  for (size_t i = 0; i < m_error.size(); ++i) {
+    before += std::norm(m_error[i] + m_echo[i]);
+    after += m_errorPower[i];
+  }
+  m_before += kTakenRate * (before - m_before);
+  m_after += kTakenRate * (after - m_after);
+}
+
+// Returns how surely the filter knows the far end, 0 to 1.
+float EchoSuppressor::KnownShare() const {
+  const float takenDb = 10 * std::log10((m_before + 1) / (m_after + 1));
+  return std::clamp((takenDb - kLeastTakenDb) / (kSurelyTakenDb - kLeastTakenDb), 0.0f, 1.0f);
+}
+
 void EchoSuppressor::EstimateResidual() {
   const float everywhere = kFarSpread * Mean(m_farPower);
+  const float known = KnownShare();
   float excessDb = 0;
   for (Band& band : m_bands) {
     const float echoLeak = band.ofEcho.Share(kLeastEchoLeak, kMostEchoLeak);
-    const float farLeak = kFarCaution * band.ofFar.Share(0, kMostFarLeak);
+    const float certainty =
+        std::clamp((band.ofFar.Correlation() - kChance) / (kNoChance - kChance), 0.0f, 1.0f);
+    const float farLeak =
+        kFarCaution * (1 - known * (1 - certainty)) * band.ofFar.Share(0, kMostFarLeak);
     float error = 0;
     float expected = 0;
     for (size_t i = band.begin; i < band.end; ++i) {

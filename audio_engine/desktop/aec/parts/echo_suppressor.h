@@ -15,7 +15,9 @@ namespace desktop {
 // decision-directed ratio of near end and residual echo (Ephraim and Malah, "Speech enhancement
 // using a minimum mean-square error short-time spectral amplitude estimator", 1984). The residual
 // is what the filter doubts of its echo (Enzner and Vary, 2006) and what leaks, in power, from its
-// echo and from the far end itself, which tells of loudspeakers that distort. Where nothing
+// echo and from the far end itself, which tells of loudspeakers that distort. Beside a near talker
+// that is chance as well: of a far end that the filter knows only what is surely no chance counts.
+// Where nothing
 // but residual is left it is overestimated, so that it goes wholly, and noise like that of the room
 // takes its place. Mono, in blocks of 10 ms. Allocates in the constructor only.
 class EchoSuppressor {
@@ -73,6 +75,8 @@ class EchoSuppressor {
   void MeasurePowers(const std::vector<float>& doubt, Delay delay);
   float HeardPower() const;
   void FollowLeaks();
+  void FollowFilter();
+  float KnownShare() const;
   void EstimateResidual();
   void ApplyGains();
   void Synthesise(float* samples);
@@ -113,6 +117,10 @@ class EchoSuppressor {
   // The power of the near end in the frame before.
   Power m_near;
   std::vector<Band> m_bands;
+
+  // The power of the frame before and after the filter, of late and where the far end sounds.
+  float m_before = 0;
+  float m_after = 0;
 
   // How sure it is that there is a near talker, 0 to 1.
   float m_nearness = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 
 namespace desktop {
 
@@ -17,19 +18,28 @@ class PowerLeak {
     m_signal += meanRate * (signal - m_signal);
     m_source += meanRate * (source - m_source);
     const float waver = source - m_source;
-    m_common += rate * ((signal - m_signal) * waver - m_common);
+    const float signalWaver = signal - m_signal;
+    m_common += rate * (signalWaver * waver - m_common);
     m_square += rate * (waver * waver - m_square);
+    m_signalSquare += rate * (signalWaver * signalWaver - m_signalSquare);
     if (m_square > 0) m_share = m_common / m_square;
   }
 
   // The power in the signal by power of the source, between two limits.
   float Share(float least, float most) const { return std::clamp(m_share, least, most); }
 
+  // How much the two waver together, -1 to 1. Strangers do so a little, by chance.
+  float Correlation() const {
+    const float both = std::sqrt(m_square) * std::sqrt(m_signalSquare);
+    return both > 0 ? m_common / both : 0;
+  }
+
  private:
   float m_signal = 0;
   float m_source = 0;
   float m_common = 0;
   float m_square = 0;
+  float m_signalSquare = 0;
   float m_share;
 };
 

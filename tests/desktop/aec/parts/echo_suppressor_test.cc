@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <vector>
 
 #include "desktop/aec/parts/kalman_filter.h"
@@ -98,6 +99,57 @@ TEST(EchoSuppressor, LeavesTheNearEndInDoubleTalk) {
   const Samples near = Sum(Echo(Clipped(far, -2500, 3500), kRate, 60, 0), speech);
   const Cancelled made = Cancel(far, near);
   EXPECT_GT(SdrDb(speech, made.out, kRate, 1, 0), SdrDb(speech, near, kRate, 1, 0) + 4);
+}
+
+// Bursts of 0.2 s of noise. All that are made have the same choices but for so many in ten, which
+// are those of a stranger.
+Samples NoiseBursts(unsigned seed, double level, unsigned strangers) {
+  std::minstd_rand choices(5);
+  std::minstd_rand others(seed);
+  Samples noise = Hiss(kRate, 8, seed, level);
+  bool sounds = false;
+  for (size_t i = 0; i < noise.size(); ++i) {
+    if (i % 3200 == 0) {
+      sounds = choices() % 2 == 0;
+      if (others() % 10 < strangers) sounds = others() % 2 == 0;
+    }
+    if (!sounds) noise[i] = static_cast<short>(noise[i] / 100);
+  }
+  return noise;
+}
+
+// The signal to error ratio of a near end beside a far end of which the filter takes a part of the
+// amplitude and leaves nothing.
+double NearBeside(double taken, unsigned strangers) {
+  const Samples far = NoiseBursts(7, -20, 0);
+  const Samples near = NoiseBursts(8, -26, strangers);
+  const std::vector<float> doubt(kBlock + 1);
+  desktop::EchoSuppressor suppressor(kBlock);
+  Samples out;
+  for (size_t at = 0; at + kBlock <= near.size(); at += kBlock) {
+    std::vector<float> block(&far[at], &far[at] + kBlock);
+    suppressor.Hear(block.data());
+    for (float& sample : block) sample *= static_cast<float>(taken);
+    std::vector<float> left(&near[at], &near[at] + kBlock);
+    suppressor.Process(block.data(), doubt, {0, 0}, left.data());
+    out.insert(out.end(), left.begin(), left.end());
+  }
+  out.erase(out.begin(), out.begin() + static_cast<ptrdiff_t>(suppressor.Lag()));
+  return SdrDb(near, out, kRate, 2, 0);
+}
+
+// That a near talker wavers with the far end now and then is chance where the filter knows it.
+TEST(EchoSuppressor, TakesChanceForEchoOnlyWhereTheFilterTakesNothing) {
+  EXPECT_LT(NearBeside(0, 7), 9.5);
+  EXPECT_LT(NearBeside(0.2, 7), 9.5);
+  EXPECT_GT(NearBeside(0.3, 7), 13.5);
+  EXPECT_LT(NearBeside(0, 10), 11);
+  EXPECT_GT(NearBeside(0.3, 10), 16);
+}
+
+TEST(EchoSuppressor, TakesWhatSurelyIsEchoThatTheFilterLeaves) {
+  EXPECT_LT(NearBeside(0.3, 0), -15);
+  EXPECT_LT(NearBeside(0.3, 1), -6);
 }
 
 TEST(EchoSuppressor, LeavesTheNearEndBesideTheNoiseOfAFarEnd) {
