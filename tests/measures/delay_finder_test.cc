@@ -44,5 +44,20 @@ TEST(DelayFinder, CountsBinsAThousandthOfTheMeanHalf) {
   EXPECT_EQ(LagOf(0.37), kStrongLag);
 }
 
+TEST(DelayFinder, TellsThePolarityOfAPeak) {
+  for (const float sign : {1.0F, -1.0F}) {
+    DelayFinder finder(0, 63, kSize);
+    std::vector<float> reference(finder.ReferenceFrames());
+    std::vector<float> signal(kSize);
+    reference[0] = 1;
+    signal[5] = sign;
+    finder.Add(reference, signal);
+    const auto peak = finder.Find();
+    ASSERT_TRUE(peak);
+    EXPECT_EQ(peak->lag, 5);
+    EXPECT_EQ(peak->polarity, static_cast<int>(sign));
+  }
+}
+
 }  // namespace
 }  // namespace audio_measures
