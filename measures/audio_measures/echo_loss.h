@@ -7,8 +7,8 @@
 
 namespace audio_measures {
 
-inline constexpr int kErleVersion = 1;
-inline constexpr int kConvergenceVersion = 1;
+inline constexpr int kErleVersion = 2;
+inline constexpr int kConvergenceVersion = 2;
 
 struct EchoLoss {
   Figure erle;         // dB, higher is better.

@@ -6,10 +6,10 @@
 
 namespace audio_measures {
 
-inline constexpr int kNoiseReductionVersion = 1;
-inline constexpr int kSpeechRetainedVersion = 1;
-inline constexpr int kDeltaSnrVersion = 1;
-inline constexpr int kMusicalVersion = 1;
+inline constexpr int kNoiseReductionVersion = 2;
+inline constexpr int kSpeechRetainedVersion = 2;
+inline constexpr int kDeltaSnrVersion = 2;
+inline constexpr int kMusicalVersion = 2;
 
 // Four measures of a noise suppressor, of one channel.
 struct Suppression {
