@@ -74,7 +74,7 @@ TEST_F(RecordingTest, NoiseIsNotTakenForMpegAudio) {
   std::vector<short> noise = {-5, -1136, 100, 9};
   for (int i = 0; i < 20000; ++i) noise.push_back(static_cast<short>(i * 7919));
   std::string bytes = SampleBytes(noise);
-  for (const size_t frame : {0, 1}) {
+  for (const size_t frame : {size_t{0}, size_t{1}}) {
     bytes.replace(frame * kFrameBytes, 4, "\xFF\xFB\x90\x64");
     EXPECT_THAT(Fault(bytes), HasSubstr("is of no kind that is known"));
   }
