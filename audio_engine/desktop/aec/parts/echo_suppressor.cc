@@ -41,7 +41,7 @@ constexpr float kMostRate = 0.5f;
 constexpr float kFarNoise = 16;
 
 // A filter that takes less than this of what is heard, in dB, does not know the far end; from the
-// most on it does. Over so many blocks.
+// most on it does. The rate is that at which both powers are followed.
 constexpr float kLeastTakenDb = 0.5f;
 constexpr float kSurelyTakenDb = 1.5f;
 constexpr float kTakenRate = 0.01f;

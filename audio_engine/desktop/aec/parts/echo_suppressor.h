@@ -17,9 +17,8 @@ namespace desktop {
 // is what the filter doubts of its echo (Enzner and Vary, 2006) and what leaks, in power, from its
 // echo and from the far end itself, which tells of loudspeakers that distort. Beside a near talker
 // that is chance as well: of a far end that the filter knows only what is surely no chance counts.
-// Where nothing
-// but residual is left it is overestimated, so that it goes wholly, and noise like that of the room
-// takes its place. Mono, in blocks of 10 ms. Allocates in the constructor only.
+// Where nothing but residual is left it is overestimated, so that it goes wholly, and noise like
+// that of the room takes its place. Mono, in blocks of 10 ms. Allocates in the constructor only.
 class EchoSuppressor {
  public:
   // By what the residual is multiplied beside a near talker and without one.

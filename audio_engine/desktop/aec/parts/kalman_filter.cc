@@ -26,11 +26,11 @@ constexpr float kNoisePower = 1000.0f;
 constexpr float kDivergence = 2.0f;
 constexpr float kEnergySmoothing = 0.95f;
 
-// A filter that took 6 dB once, and then less than 1.5 dB for so many blocks, may have learnt a
-// path that is gone. Its uncertainty does not grow by itself then, because the echo it leaves looks
+// A filter that took 6 dB once, and then makes the near end louder for so many blocks, may have
+// learnt a path that is gone: less than half of the echo it takes out is in the near end, whoever
+// else talks there. Its uncertainty does not grow by itself then, because the echo it leaves looks
 // like a near end.
 constexpr float kUsefulness = 0.25f;
-constexpr float kUselessness = 0.7f;
 constexpr int kUselessBlocks = 50;
 
 // The share of a block in which the echo by the earlier path gives way to that by the new one.
@@ -250,7 +250,7 @@ bool KalmanFilter::Diverged(const float* near, const float* error) {
 void KalmanFilter::DoubtUselessPath() {
   if (!FarSounds()) return;
   if (m_outEnergy < kUsefulness * m_nearEnergy) m_wasUseful = true;
-  const bool useless = m_outEnergy > kUselessness * m_nearEnergy;
+  const bool useless = m_outEnergy > m_nearEnergy;
   m_uselessFor = useless ? m_uselessFor + 1 : 0;
   if (!m_wasUseful || m_uselessFor < kUselessBlocks) return;
 

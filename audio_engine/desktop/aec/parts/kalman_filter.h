@@ -91,7 +91,7 @@ class KalmanFilter {
   float m_outEnergy = 0;
   bool m_wasUseful = false;
 
-  // In how many blocks with a far end next to nothing was cancelled.
+  // For how many blocks with a far end the filter has made the near end louder.
   int m_uselessFor = 0;
 };
 

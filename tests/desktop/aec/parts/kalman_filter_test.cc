@@ -90,6 +90,38 @@ TEST(KalmanFilter, NeverMakesTheNearEndMuchLouder) {
   EXPECT_GT(LossDb(near, out, kRate, 7, 10), 12);
 }
 
+// Beside somebody loud the filter takes off next to nothing, and what it knows is true all the
+// same.
+TEST(KalmanFilter, KnowsThePathBesideALoudNearTalker) {
+  const Samples far = Talk(kRate, 10, 20);
+  Samples speech = Talk(kRate, 10, 21, -15);
+  std::fill(speech.begin(), speech.begin() + 3 * kRate, short{0});
+  const Samples near = Sum(Sum(Echo(far, kRate, 60), Hiss(kRate, 10, 22, -75)), speech);
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_GT(SdrDb(speech, Cancel(filter, far, near), kRate, 3, 0),
+            SdrDb(speech, near, kRate, 3, 0) + 14);
+}
+
+// The echo comes by another way, and the old path does not make it so loud that it is given up.
+TEST(KalmanFilter, DoubtsAPathThatIsGone) {
+  const Samples far = Talk(kRate, 10, 23);
+  Samples near = Echo(far, kRate, 60, -6);
+  const Samples moved = Echo(far, kRate, 40, -6);
+  for (size_t i = 5 * kRate; i < near.size(); ++i) near[i] = moved[i];
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 6.5, 8), 25);
+}
+
+// A third of the amplitude still comes by the way it came.
+TEST(KalmanFilter, DoubtsAPathOfWhichMostIsGone) {
+  const Samples far = Talk(kRate, 10, 23);
+  Samples near = Echo(far, kRate, 60, -6);
+  const Samples moved = Sum(Echo(far, kRate, 60, -16), Echo(far, kRate, 40, -6));
+  for (size_t i = 5 * kRate; i < near.size(); ++i) near[i] = moved[i];
+  desktop::KalmanFilter filter(kBlock, 32, 50);
+  EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 6.5, 8), 20);
+}
+
 // Without its highs, in which a step would not stand out.
 Samples Dull(Samples samples) {
   for (int pass = 0; pass < 4; ++pass) {
