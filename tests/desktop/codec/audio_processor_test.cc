@@ -56,8 +56,6 @@ class Processor {
 const int kRawIds[] = {0,  1,  2,  3,  21, 22, 23, 35, 36, 37, 38, 39, 40,
                        41, 42, 43, 44, 45, 46, 50, 51, 52, 53, 54, 55};
 
-bool NeedsAac(int id) { return id == 1 || (id >= 35 && id <= 46) || id == 53 || id == 55; }
-
 class EachId : public testing::TestWithParam<int> {
  protected:
   void SetUp() override {

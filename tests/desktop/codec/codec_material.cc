@@ -139,6 +139,10 @@ std::unique_ptr<CAudioCodec> OpenCodec(int rawId, AudioLibraryCodecMode mode) {
   return codec != nullptr && codec->Init(&format) ? std::move(codec) : nullptr;
 }
 
+bool NeedsAac(int rawId) {
+  return rawId == 1 || (rawId >= 35 && rawId <= 46) || rawId == 53 || rawId == 55;
+}
+
 std::string Process(CAudioCodec& codec, const std::string& in, int room) {
   // Of exactly these sizes, so that a sanitizer sees what lies outside.
   std::vector<unsigned char> source(in.begin(), in.end());

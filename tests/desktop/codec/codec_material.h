@@ -33,6 +33,9 @@ std::vector<double> BandLevels(const Samples& samples, int rate, int channels);
 // The codec that the id's format asks for, with the family that codes it; null when not built in.
 std::unique_ptr<CAudioCodec> OpenCodec(int rawId, AudioLibraryCodecMode mode);
 
+// Whether the raw id is coded by AAC, which a build may lack.
+bool NeedsAac(int rawId);
+
 // One call of Process with `room` bytes of output.
 std::string Process(CAudioCodec& codec, const std::string& in, int room = 65536);
 
