@@ -21,16 +21,19 @@ TEST(Ticker, StepsAtItsPace) {
 
 TEST(Ticker, DoesNotCatchUpOnStepsThatComeLate) {
   std::atomic<int> steps = 0;
-  steady_clock::time_point second;
+  steady_clock::time_point first;
   steady_clock::time_point third;
   const desktop::Ticker ticker(milliseconds(20), [&] {
     const int step = ++steps;
-    if (step == 1) std::this_thread::sleep_for(milliseconds(100));
-    if (step == 2) second = steady_clock::now();
+    if (step == 1) {
+      first = steady_clock::now();
+      std::this_thread::sleep_for(milliseconds(100));
+    }
     if (step == 3) third = steady_clock::now();
   });
   while (steps < 4) std::this_thread::yield();
-  EXPECT_GE(third - second, milliseconds(15));
+  // The second comes at once, however late the machine is, and the third a period after it.
+  EXPECT_GE(third - first, milliseconds(120));
 }
 
 TEST(Ticker, EndsAtOnceAndStepsNoMoreOnceDestroyed) {
