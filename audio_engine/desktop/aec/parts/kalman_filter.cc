@@ -85,17 +85,18 @@ void KalmanFilter::Restart() {
   for (size_t partition = 0; partition < m_partitions; ++partition) ForgetPartition(partition);
   m_nearEnergy = 0;
   m_outEnergy = 0;
+  m_wasUseful = false;
+  m_uselessFor = 0;
 }
 
 void KalmanFilter::ForgetPartition(size_t partition) {
-  Spectrum& path = m_path[partition];
-  Power& uncertainty = m_uncertainty[partition];
-  std::fill(path.begin(), path.end(), 0.0f);
-  std::fill(uncertainty.begin(), uncertainty.end(), FirstUncertainty(partition));
+  std::fill(m_path[partition].begin(), m_path[partition].end(), 0.0f);
+  DoubtPartition(partition);
 }
 
-float KalmanFilter::FirstUncertainty(size_t partition) const {
-  return kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
+void KalmanFilter::DoubtPartition(size_t partition) {
+  const float first = kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
+  std::fill(m_uncertainty[partition].begin(), m_uncertainty[partition].end(), first);
 }
 
 void KalmanFilter::SetOffset(size_t blocks) {
@@ -255,11 +256,7 @@ void KalmanFilter::DoubtUselessPath() {
   if (!m_wasUseful || m_uselessFor < kUselessBlocks) return;
 
   m_wasUseful = false;
-  m_uselessFor = 0;
-  for (size_t partition = 0; partition < m_partitions; ++partition) {
-    const float first = FirstUncertainty(partition);
-    for (float& variance : m_uncertainty[partition]) variance = std::max(variance, first);
-  }
+  for (size_t partition = 0; partition < m_partitions; ++partition) DoubtPartition(partition);
 }
 
 }  // namespace desktop

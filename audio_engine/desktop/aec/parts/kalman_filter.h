@@ -42,8 +42,8 @@ class KalmanFilter {
   using Power = std::vector<float>;
 
   const Spectrum& FarSpectrum(size_t offset, size_t partition) const;
-  float FirstUncertainty(size_t partition) const;
   void ForgetPartition(size_t partition);
+  void DoubtPartition(size_t partition);
   bool FarSounds() const;
   void Age();
   void PredictEcho();

@@ -122,6 +122,39 @@ TEST(KalmanFilter, DoubtsAPathOfWhichMostIsGone) {
   EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 6.5, 8), 20);
 }
 
+// A hand before the microphone for 0.3 s.
+TEST(KalmanFilter, KeepsAPathThatComesBackAtOnce) {
+  for (const unsigned seed : {6U, 26U}) {
+    const Samples far = Talk(kRate, 6, seed);
+    Samples near = Sum(Echo(far, kRate, 60, -6), Hiss(kRate, 6, seed + 1, -75));
+    const Samples moved = Echo(far, kRate, 40, -6);
+    for (size_t i = 5 * kRate; i < 5.3 * kRate; ++i) near[i] = moved[i];
+    desktop::KalmanFilter filter(kBlock, 32, 50);
+    EXPECT_GT(LossDb(near, Cancel(filter, far, near), kRate, 5.3, 5.8), 15) << seed;
+  }
+}
+
+// Before it has been of use, a filter that makes the near end louder has heard too little, and to
+// doubt what it knows would let it learn the talker. A filter that begins anew is no other.
+TEST(KalmanFilter, LearnsThePathBesideATalkerWhoIsLoudFromTheStart) {
+  for (const unsigned seed : {6U, 51U}) {
+    const Samples far = Talk(kRate, 6, seed);
+    const Samples echo = Echo(far, kRate, 60);
+    const Samples speech = Talk(kRate, 6, seed + 1, -15);
+    const Samples near = Sum(echo, speech);
+    for (const bool anew : {false, true}) {
+      desktop::KalmanFilter filter(kBlock, 32, 50);
+      if (anew) {
+        Cancel(filter, far, echo);
+        filter.Restart();
+      }
+      EXPECT_GT(SdrDb(speech, Cancel(filter, far, near), kRate, 0.5, 0),
+                SdrDb(speech, near, kRate, 0.5, 0) + 2)
+          << seed << ", " << anew;
+    }
+  }
+}
+
 // Without its highs, in which a step would not stand out.
 Samples Dull(Samples samples) {
   for (int pass = 0; pass < 4; ++pass) {
