@@ -26,12 +26,16 @@ constexpr float kNoisePower = 1000.0f;
 constexpr float kDivergence = 2.0f;
 constexpr float kEnergySmoothing = 0.95f;
 
-// A filter that took 6 dB once, and then makes the near end louder for so many blocks, may have
-// learnt a path that is gone: less than half of the echo it takes out is in the near end, whoever
-// else talks there. Its uncertainty does not grow by itself then, because the echo it leaves looks
-// like a near end.
-constexpr float kUsefulness = 0.25f;
-constexpr int kUselessBlocks = 50;
+// A filter that leaves more than half of the near end for so many blocks has learnt a path that is
+// gone, or somebody talks there. Its uncertainty does not tell: what it leaves looks like a near
+// end to it, so it would stay as certain as it is. A second filter that knows nothing learns beside
+// it then, for so many blocks, and takes its place where it leaves less by this factor of energy,
+// told after so many blocks at the earliest. The next trial waits for as long as one takes.
+constexpr float kUsefulness = 0.5f;
+constexpr int kUselessBlocks = 10;
+constexpr int kTrialBlocks = 50;
+constexpr int kJudgedBlocks = 20;
+constexpr float kBetter = 0.7f;
 
 // The share of a block in which the echo by the earlier path gives way to that by the new one.
 constexpr size_t kFadeShare = 4;
@@ -66,53 +70,59 @@ KalmanFilter::KalmanFilter(size_t block, size_t partitions, size_t maxOffset)
       m_fft(2 * block),
       m_farSamples(2 * block),
       m_far(partitions + maxOffset, Spectrum(m_fft.Bins())),
-      m_path(partitions, Spectrum(m_fft.Bins())),
-      m_uncertainty(partitions, Power(m_fft.Bins())),
+      m_known(partitions, m_fft.Bins()),
+      m_trial(partitions, m_fft.Bins()),
       m_earlierPath(partitions, Spectrum(m_fft.Bins())),
       m_predicted(m_fft.Bins()),
       m_doubt(m_fft.Bins()),
-      m_nearPower(m_fft.Bins()),
       m_echo(m_fft.Bins()),
       m_error(m_fft.Bins()),
       m_step(m_fft.Bins()),
       m_samples(2 * block),
       m_earlierEcho(2 * block),
+      m_near(block),
       m_echoSamples(block) {
   Restart();
 }
 
+KalmanFilter::EchoPath::EchoPath(size_t partitions, size_t bins)
+    : path(partitions, Spectrum(bins)), uncertainty(partitions, Power(bins)), nearPower(bins) {}
+
+void KalmanFilter::EchoPath::Forget(size_t partition) {
+  const float first = kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
+  std::fill(path[partition].begin(), path[partition].end(), 0.0f);
+  std::fill(uncertainty[partition].begin(), uncertainty[partition].end(), first);
+}
+
+void KalmanFilter::EchoPath::ForgetAll() {
+  for (size_t partition = 0; partition < path.size(); ++partition) Forget(partition);
+}
+
+void KalmanFilter::EchoPath::Earlier(size_t shift) {
+  std::rotate(path.begin(), path.begin() + desktop::Offset(shift), path.end());
+  std::rotate(uncertainty.begin(), uncertainty.begin() + desktop::Offset(shift), uncertainty.end());
+  for (size_t i = path.size() - shift; i < path.size(); ++i) Forget(i);
+}
+
+void KalmanFilter::EchoPath::Later(size_t shift) {
+  std::rotate(path.begin(), path.end() - desktop::Offset(shift), path.end());
+  std::rotate(uncertainty.begin(), uncertainty.end() - desktop::Offset(shift), uncertainty.end());
+  for (size_t i = 0; i < shift; ++i) Forget(i);
+}
+
 void KalmanFilter::Restart() {
-  for (size_t partition = 0; partition < m_partitions; ++partition) ForgetPartition(partition);
+  m_known.ForgetAll();
   m_nearEnergy = 0;
   m_outEnergy = 0;
-  m_wasUseful = false;
-  m_uselessFor = 0;
-}
-
-void KalmanFilter::ForgetPartition(size_t partition) {
-  std::fill(m_path[partition].begin(), m_path[partition].end(), 0.0f);
-  DoubtPartition(partition);
-}
-
-void KalmanFilter::DoubtPartition(size_t partition) {
-  const float first = kFirstUncertainty * std::pow(kFade, static_cast<float>(partition));
-  std::fill(m_uncertainty[partition].begin(), m_uncertainty[partition].end(), first);
 }
 
 void KalmanFilter::SetOffset(size_t blocks) {
   const size_t wanted = std::min(blocks, m_far.size() - m_partitions);
+  // A path on trial has to prove itself anyway, and stays where it is.
   if (wanted > m_offset) {
-    const size_t shift = std::min(wanted - m_offset, m_partitions);
-    std::rotate(m_path.begin(), m_path.begin() + desktop::Offset(shift), m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.begin() + desktop::Offset(shift),
-                m_uncertainty.end());
-    for (size_t i = m_partitions - shift; i < m_partitions; ++i) ForgetPartition(i);
-  } else if (wanted < m_offset) {
-    const size_t shift = std::min(m_offset - wanted, m_partitions);
-    std::rotate(m_path.begin(), m_path.end() - desktop::Offset(shift), m_path.end());
-    std::rotate(m_uncertainty.begin(), m_uncertainty.end() - desktop::Offset(shift),
-                m_uncertainty.end());
-    for (size_t i = 0; i < shift; ++i) ForgetPartition(i);
+    m_known.Earlier(std::min(wanted - m_offset, m_partitions));
+  } else {
+    m_known.Later(std::min(m_offset - wanted, m_partitions));
   }
   m_offset = wanted;
 }
@@ -131,21 +141,21 @@ void KalmanFilter::Hear(const float* far) {
 
 void KalmanFilter::Process(const float* far, const float* near, float* out) {
   Hear(far);
+  std::copy(near, near + m_block, m_near.begin());
+  m_quietFor = FarSounds() ? 0 : m_quietFor + 1;
   PredictEarlierEcho();
-  PredictEcho();
-  for (size_t i = 0; i < m_block; ++i) {
-    m_echoSamples[i] = m_samples[m_block + i];
-    m_samples[m_block + i] = near[i] - m_echoSamples[i];
-  }
-  std::fill(m_samples.begin(), m_samples.begin() + desktop::Offset(m_block), 0.0f);
+  PredictError(m_known);
+  m_doubt = m_predicted;
+  for (size_t i = 0; i < m_block; ++i) m_echoSamples[i] = near[i] - m_samples[m_block + i];
   const bool diverged = Diverged(near, &m_samples[m_block]);
   TakeOut(near, out, diverged);
   if (diverged) Restart();
-  m_earlierPath = m_path;
+  m_earlierPath = m_known.path;
   m_earlierOffset = m_offset;
   if (diverged) return;
-  DoubtUselessPath();
-  Adapt();
+  const float known = Energy(&m_samples[m_block], m_block);
+  Adapt(m_known);
+  Try(known);
 }
 
 // Takes the echo out of the near end. A filter that has diverged takes out nothing.
@@ -171,21 +181,25 @@ void KalmanFilter::PredictEarlierEcho() {
   m_fft.Inverse(m_echo.data(), m_earlierEcho.data());
 }
 
-// Leaves the block's echo in the second half of m_samples.
-void KalmanFilter::PredictEcho() {
-  Age();
+// Leaves what the near end is without the echo by this path in the second half of m_samples, after
+// zeros.
+void KalmanFilter::PredictError(EchoPath& by) {
+  Age(by);
   std::fill(m_echo.begin(), m_echo.end(), 0.0f);
   std::fill(m_predicted.begin(), m_predicted.end(), 0.0f);
   for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(m_offset, partition);
-    const Power& uncertainty = m_uncertainty[partition];
+    const Power& uncertainty = by.uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       m_predicted[bin] += std::norm(far[bin]) * uncertainty[bin];
     }
-    AddProduct(far, m_path[partition], m_echo);
+    AddProduct(far, by.path[partition], m_echo);
   }
-  m_doubt = m_predicted;
   m_fft.Inverse(m_echo.data(), m_samples.data());
+  for (size_t i = 0; i < m_block; ++i) {
+    m_samples[m_block + i] = m_near[i] - m_samples[m_block + i];
+  }
+  std::fill(m_samples.begin(), m_samples.begin() + desktop::Offset(m_block), 0.0f);
 }
 
 bool KalmanFilter::FarSounds() const {
@@ -195,15 +209,14 @@ bool KalmanFilter::FarSounds() const {
 
 // Lets a block's time pass: the path may have changed. What the far end does not sound on stays as
 // it is known, else the filter would forget in every pause and then never learn again.
-void KalmanFilter::Age() {
+void KalmanFilter::Age(EchoPath& aged) const {
   constexpr float kKept = kPersistence * kPersistence;
   // All bins alike: a path of which only some fade would wrap around.
-  m_quietFor = FarSounds() ? 0 : m_quietFor + 1;
   const float keptOfPath = m_quietFor < m_partitions ? kPersistence : 1;
   for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(m_offset, partition);
-    Spectrum& path = m_path[partition];
-    Power& uncertainty = m_uncertainty[partition];
+    Spectrum& path = aged.path[partition];
+    Power& uncertainty = aged.uncertainty[partition];
     for (size_t bin = 0; bin < path.size(); ++bin) {
       const float kept = std::norm(far[bin]) >= kNoisePower ? kKept : 1;
       uncertainty[bin] = kept * uncertainty[bin] + (1 - kept) * std::norm(path[bin]);
@@ -214,16 +227,16 @@ void KalmanFilter::Age() {
 
 // Learns from the error, which stands in m_samples after a block of zeros. Only half of what is
 // transformed are samples, so powers count half.
-void KalmanFilter::Adapt() {
+void KalmanFilter::Adapt(EchoPath& taught) {
   m_fft.Forward(m_samples.data(), m_error.data());
   for (size_t bin = 0; bin < m_error.size(); ++bin) {
-    m_nearPower[bin] =
-        kNearSmoothing * m_nearPower[bin] + (1 - kNearSmoothing) * std::norm(m_error[bin]);
-    m_predicted[bin] = 1 / (0.5f * m_predicted[bin] + m_nearPower[bin] + kNoisePower);
+    float& near = taught.nearPower[bin];
+    near = kNearSmoothing * near + (1 - kNearSmoothing) * std::norm(m_error[bin]);
+    m_predicted[bin] = 1 / (0.5f * m_predicted[bin] + near + kNoisePower);
   }
   for (size_t partition = 0; partition < m_partitions; ++partition) {
     const Spectrum& far = FarSpectrum(m_offset, partition);
-    Power& uncertainty = m_uncertainty[partition];
+    Power& uncertainty = taught.uncertainty[partition];
     for (size_t bin = 0; bin < far.size(); ++bin) {
       const float gain = uncertainty[bin] * m_predicted[bin];
       const std::complex<float> x = far[bin];
@@ -236,7 +249,7 @@ void KalmanFilter::Adapt() {
     m_fft.Inverse(m_step.data(), m_samples.data());
     std::fill(m_samples.begin() + desktop::Offset(m_block), m_samples.end(), 0.0f);
     m_fft.Forward(m_samples.data(), m_step.data());
-    Spectrum& path = m_path[partition];
+    Spectrum& path = taught.path[partition];
     for (size_t bin = 0; bin < path.size(); ++bin) path[bin] += m_step[bin];
   }
 }
@@ -248,15 +261,36 @@ bool KalmanFilter::Diverged(const float* near, const float* error) {
   return !(m_outEnergy <= kDivergence * m_nearEnergy + static_cast<float>(m_block) * 1000);
 }
 
-void KalmanFilter::DoubtUselessPath() {
+// Tries a second filter where the first has been of no use. The first left `known` of energy of
+// this block.
+void KalmanFilter::Try(float known) {
   if (!FarSounds()) return;
-  if (m_outEnergy < kUsefulness * m_nearEnergy) m_wasUseful = true;
-  const bool useless = m_outEnergy > m_nearEnergy;
-  m_uselessFor = useless ? m_uselessFor + 1 : 0;
-  if (!m_wasUseful || m_uselessFor < kUselessBlocks) return;
+  if (!m_tries) {
+    const bool useless = m_outEnergy > kUsefulness * m_nearEnergy;
+    m_uselessFor = useless ? m_uselessFor + 1 : 0;
+    if (m_uselessFor >= kUselessBlocks) BeginTrial();
+    return;
+  }
 
-  m_wasUseful = false;
-  for (size_t partition = 0; partition < m_partitions; ++partition) DoubtPartition(partition);
+  PredictError(m_trial);
+  m_trialEnergy += Energy(&m_samples[m_block], m_block);
+  m_knownEnergy += known;
+  Adapt(m_trial);
+  ++m_trialBlocks;
+  const bool better = m_trialEnergy < kBetter * m_knownEnergy;
+  const bool ends = m_trialBlocks >= (better ? kJudgedBlocks : kTrialBlocks);
+  if (!ends) return;
+  if (better) std::swap(m_known, m_trial);
+  m_tries = false;
+  m_uselessFor = -kTrialBlocks;
+}
+
+void KalmanFilter::BeginTrial() {
+  m_trial.ForgetAll();
+  m_tries = true;
+  m_trialBlocks = 0;
+  m_trialEnergy = 0;
+  m_knownEnergy = 0;
 }
 
 }  // namespace desktop

@@ -12,8 +12,10 @@ namespace desktop {
 // near-end speech slows it down and an unknown path speeds it up (Enzner and Vary,
 // "Frequency-domain adaptive Kalman filter for acoustic echo control in hands-free telephones",
 // 2006; in partitions: Kuech, Mabande and Enzner, "State-space architecture of the
-// partitioned-block-based acoustic echo controller", 2014). Mono, in blocks. Samples are floats in
-// the 16-bit range. Allocates in the constructor only.
+// partitioned-block-based acoustic echo controller", 2014). A path that is gone is found by a
+// second one on trial beside it (Ochiai, Araseki and Ogihara, "Echo canceler with two echo path
+// models", 1977). Mono, in blocks. Samples are floats in the 16-bit range. Allocates in the
+// constructor only.
 class KalmanFilter {
  public:
   // The filter is `partitions` blocks long and may start at up to `maxOffset` blocks of delay.
@@ -41,17 +43,34 @@ class KalmanFilter {
   using Spectrum = std::vector<std::complex<float>>;
   using Power = std::vector<float>;
 
+  // By partition the estimated echo path and the variance of its error, and by bin the power of the
+  // near end without echo, smoothed.
+  struct EchoPath {
+    EchoPath(size_t partitions, size_t bins);
+
+    // Knows nothing of a partition, and of all.
+    void Forget(size_t partition);
+    void ForgetAll();
+
+    // Moves the start of the filter by `shift` partitions; nothing is known of what comes in.
+    void Earlier(size_t shift);
+    void Later(size_t shift);
+
+    std::vector<Spectrum> path;
+    std::vector<Power> uncertainty;
+    Power nearPower;
+  };
+
   const Spectrum& FarSpectrum(size_t offset, size_t partition) const;
-  void ForgetPartition(size_t partition);
-  void DoubtPartition(size_t partition);
   bool FarSounds() const;
-  void Age();
-  void PredictEcho();
+  void Age(EchoPath& aged) const;
+  void PredictError(EchoPath& by);
   void PredictEarlierEcho();
   void TakeOut(const float* near, float* out, bool diverged) const;
-  void Adapt();
+  void Adapt(EchoPath& taught);
   bool Diverged(const float* near, const float* error);
-  void DoubtUselessPath();
+  void Try(float known);
+  void BeginTrial();
 
   const size_t m_block;
   const size_t m_partitions;
@@ -66,33 +85,36 @@ class KalmanFilter {
   // How many blocks of the far end have been quiet since the last that was not.
   size_t m_quietFor = 0;
 
-  // By partition: the estimated echo path, and the variance of its error.
-  std::vector<Spectrum> m_path;
-  std::vector<Power> m_uncertainty;
+  // The path that takes out the echo, and one on trial.
+  EchoPath m_known;
+  EchoPath m_trial;
 
   // The path and its offset that the block before was made with.
   std::vector<Spectrum> m_earlierPath;
   size_t m_earlierOffset = 0;
 
-  // The power of the echo that the error of the path makes, and that of the near end without echo,
-  // smoothed.
+  // The power of the echo that the error of the path makes.
   Power m_predicted;
   Power m_doubt;
-  Power m_nearPower;
   Spectrum m_echo;
   Spectrum m_error;
   Spectrum m_step;
   std::vector<float> m_samples;
   std::vector<float> m_earlierEcho;
+  std::vector<float> m_near;
   std::vector<float> m_echoSamples;
 
   // The energy of the input and that of what is left of it, smoothed.
   float m_nearEnergy = 0;
   float m_outEnergy = 0;
-  bool m_wasUseful = false;
 
-  // For how many blocks with a far end the filter has made the near end louder.
+  // For how many blocks with a far end the filter has been of no use, fewer after a trial; and what
+  // both have left since the trial began.
   int m_uselessFor = 0;
+  bool m_tries = false;
+  int m_trialBlocks = 0;
+  float m_trialEnergy = 0;
+  float m_knownEnergy = 0;
 };
 
 }  // namespace desktop
